@@ -1,0 +1,345 @@
+#include "server/ServerThread.h"
+#include "tests/support/LiveServer.h"
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <QSslKey>
+#include <QTest>
+
+#include <unistd.h>
+
+namespace {
+
+std::unique_ptr<QTcpSocket> tlsSocket()
+{
+    auto socket = std::make_unique<QSslSocket>();
+    socket->setPeerVerifyMode(QSslSocket::VerifyNone);
+    QSslSocket *tls = socket.get();
+    QObject::connect(tls, &QAbstractSocket::connected, tls, &QSslSocket::startClientEncryption);
+    return socket;
+}
+
+} // namespace
+
+/// Servers and connections from their first to their last moment.
+class TestLifecycle : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void servesOverTls();
+    void saysWhyTlsCantBeUsed_data();
+    void saysWhyTlsCantBeUsed();
+    void answersWhileOthersReadNothing();
+    void makesAPeerWaitThatTakesNoReplies();
+    void servesACrowd();
+    void goesOnWhenDescriptorsRunOut();
+    void stopsAtTheTrafficLimit();
+    void ignoresClientsWhileBlocked();
+    void stopsListeningButServesOn();
+    void dropsAllConnections();
+    void survivesBrokenConnections();
+    void movesProfilesAndTheirUseCounts();
+    void warnsOfAnEmptyPassword();
+
+private:
+    QString key(const QString &name) const { return keys.path() + QLatin1Char('/') + name; }
+    void useKeys(const QString &privateKey, const QString &certificate);
+
+    QTemporaryDir keys;
+    std::unique_ptr<LiveServer> live;
+};
+
+void TestLifecycle::initTestCase()
+{
+    const auto openssl = [this](const QString &arguments) {
+        QProcess process;
+        process.setWorkingDirectory(keys.path());
+        process.start(QStringLiteral("openssl"), arguments.split(QLatin1Char(' ')));
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(process.exitCode(), 0);
+    };
+    openssl(QStringLiteral("req -x509 -newkey rsa:2048 -nodes -keyout pkcs8.key -out server.crt"
+                           " -days 2 -subj /CN=localhost"));
+    openssl(QStringLiteral("rsa -traditional -in pkcs8.key -out plain.key"));
+    openssl(QStringLiteral("rsa -aes256 -passout pass:secret -in pkcs8.key -out locked.key"));
+    openssl(QStringLiteral("genrsa -out other.key 2048"));
+}
+
+void TestLifecycle::init()
+{
+    live = std::make_unique<LiveServer>();
+    live->addFile(QStringLiteral("a.txt"), "0123456789");
+}
+
+void TestLifecycle::cleanup()
+{
+    live.reset();
+}
+
+void TestLifecycle::useKeys(const QString &privateKey, const QString &certificate)
+{
+    live->profile->sslMode = Qt::Checked;
+    live->profile->privateKeyFile = key(privateKey);
+    live->profile->publicKeyFile = key(certificate);
+}
+
+void TestLifecycle::servesOverTls()
+{
+    const QByteArray big = QByteArray("0123456789abcdef").repeated(200000);
+    live->addFile(QStringLiteral("big"), big);
+    for (const char *name : { "pkcs8.key", "plain.key", "locked.key" }) {
+        useKeys(QLatin1String(name), QStringLiteral("server.crt"));
+        live->profile->keyPassword = QStringLiteral("secret");
+        live->start();
+        RawClient client(live->port(), tlsSocket());
+        QCOMPARE(client.exchange(rawRequest("GET", "/big")).body, big);
+        QCOMPARE(client.exchange(rawRequest("GET", "/a.txt")).body, QByteArray("0123456789"));
+        RawClient plain(live->port());
+        plain.send(rawRequest("GET", "/a.txt"));
+        QVERIFY(!plain.readToEnd().contains("0123456789"));
+        live->server->stopAll();
+    }
+    QCOMPARE(live->sink.messages, QStringList());
+}
+
+void TestLifecycle::saysWhyTlsCantBeUsed_data()
+{
+    QTest::addColumn<QString>("privateKey");
+    QTest::addColumn<QString>("certificate");
+    QTest::addColumn<QString>("message");
+
+    QTest::newRow("no certificate") << "plain.key"
+                                    << "none"
+                                    << "certificate can't be read";
+    QTest::newRow("no key") << "none"
+                            << "server.crt"
+                            << "private key can't be read";
+    QTest::newRow("a key as certificate") << "plain.key"
+                                          << "plain.key"
+                                          << "no certificate";
+    QTest::newRow("wrong pass phrase") << "locked.key"
+                                       << "server.crt"
+                                       << "pass phrase";
+    QTest::newRow("not a pair") << "other.key"
+                                << "server.crt"
+                                << "is not that of";
+}
+
+void TestLifecycle::saysWhyTlsCantBeUsed()
+{
+    QFETCH(QString, privateKey);
+    QFETCH(QString, certificate);
+    QFETCH(QString, message);
+    useKeys(privateKey, certificate);
+    QVERIFY(!live->server->init());
+    QVERIFY(!live->server->isTlsReady());
+    QVERIFY2(live->sink.messages.join(QLatin1Char('\n')).contains(message),
+             qPrintable(live->sink.messages.join(QLatin1Char('\n'))));
+}
+
+void TestLifecycle::answersWhileOthersReadNothing()
+{
+    live->addFile(QStringLiteral("big"), QByteArray(20000000, 'x'));
+    live->start();
+    std::vector<std::unique_ptr<RawClient>> stalled;
+    for (int i = 0; i < 100; ++i) {
+        stalled.push_back(std::make_unique<RawClient>(live->port()));
+        stalled.back()->socket->setReadBufferSize(1);
+        // Half of them wait for the reply, half of them for the end of the connection.
+        stalled.back()->send(rawRequest("GET", "/big", i % 2 == 0 ? "Connection: close\r\n" : ""));
+    }
+    RawClient client(live->port());
+    QElapsedTimer clock;
+    clock.start();
+    QCOMPARE(client.exchange(rawRequest("GET", "/a.txt")).body, QByteArray("0123456789"));
+    QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+}
+
+void TestLifecycle::makesAPeerWaitThatTakesNoReplies()
+{
+    live->start();
+    const QByteArray longPath = '/' + QByteArray(1500, 'n');
+    RawClient client(live->port());
+    client.socket->setReadBufferSize(1);
+    QByteArray requests;
+    for (int i = 0; i < 20000; ++i)
+        requests += "GET " + longPath + " HTTP/1.1\r\n\r\n";
+    client.send(requests);
+    QTest::qWait(300);
+    QSslSocket &socket = live->server->threads.first()->httpRequest().channel.socket();
+    QVERIFY(socket.bytesToWrite() < 1000000);
+    QVERIFY(socket.bytesAvailable() < 1000000);
+    QVERIFY(client.socket->bytesToWrite() > 0);
+}
+
+void TestLifecycle::servesACrowd()
+{
+    live->start();
+    std::vector<std::unique_ptr<RawClient>> crowd;
+    for (int i = 0; i < 500; ++i)
+        crowd.push_back(std::make_unique<RawClient>(live->port()));
+    for (const auto &client : crowd)
+        client->send(rawRequest("GET", "/a.txt"));
+    for (const auto &client : crowd)
+        QCOMPARE(client->reply().body, QByteArray("0123456789"));
+    QCOMPARE(live->server->connectionCount(), 500);
+    crowd.clear();
+    QTRY_COMPARE(live->server->connectionCount(), 0);
+}
+
+void TestLifecycle::goesOnWhenDescriptorsRunOut()
+{
+    live->start();
+    std::vector<std::unique_ptr<QTcpSocket>> clients;
+    for (int i = 0; i < 3; ++i) {
+        clients.push_back(std::make_unique<QTcpSocket>());
+        clients.back()->connectToHost(QHostAddress(QHostAddress::LocalHost), live->port());
+    }
+    std::vector<int> taken;
+    for (int fd = ::dup(0); fd >= 0; fd = ::dup(0))
+        taken.push_back(fd);
+    QTest::qWait(100);
+    QCOMPARE(live->server->connectionCount(), 0);
+    for (const int fd : taken)
+        ::close(fd);
+    QTRY_COMPARE(live->server->connectionCount(), 3);
+}
+
+void TestLifecycle::stopsAtTheTrafficLimit()
+{
+    live->addFile(QStringLiteral("big"), QByteArray(1000000, 'x'));
+    live->profile->dataLimit = 100;
+    live->start();
+    int reached = 0;
+    connect(live->server.get(), &WebServer::dataLimit, this, [&reached](WebServer *server) {
+        ++reached;
+        server->stopAll();
+    });
+    RawClient other(live->port());
+    QCOMPARE(other.exchange(rawRequest("GET", "/a.txt")).body, QByteArray("0123456789"));
+    const qint64 sent = live->server->sentBytes();
+    const qint64 received = live->server->receivedBytes();
+    QCOMPARE(received, qint64(rawRequest("GET", "/a.txt").size()));
+
+    RawClient client(live->port());
+    client.send(rawRequest("GET", "/big"));
+    const qint64 got = client.readToEnd().size();
+    QCOMPARE(reached, 1);
+    QVERIFY(live->server->isBlocked());
+    QVERIFY(other.waitForClose());
+    const qint64 total = live->server->sentBytes() + live->server->receivedBytes();
+    QVERIFY(total >= 100 * 1024 && total < 100 * 1024 + 4096);
+    QVERIFY(got <= live->server->sentBytes() - sent);
+
+    // The counters go on where they stopped until they are cleared.
+    QVERIFY(live->server->start());
+    RawClient again(live->port());
+    again.send(rawRequest("GET", "/a.txt"));
+    QVERIFY(again.waitForClose());
+    QTRY_COMPARE(reached, 2);
+}
+
+void TestLifecycle::ignoresClientsWhileBlocked()
+{
+    live->profile->dataLimit = 1;
+    live->start();
+    RawClient first(live->port());
+    first.send(rawRequest("GET", '/' + QByteArray(1200, 'x')));
+    QVERIFY(first.waitForClose());
+
+    RawClient ignored(live->port());
+    ignored.send(rawRequest("GET", "/a.txt"));
+    QVERIFY(!ignored.waitForClose(200));
+    live->server->stop();
+    QVERIFY(ignored.waitForClose());
+}
+
+void TestLifecycle::stopsListeningButServesOn()
+{
+    live->start();
+    RawClient client(live->port());
+    QVERIFY(client.exchange(rawRequest("GET", "/a.txt")).status() == "200 OK");
+    live->server->stop();
+    QVERIFY(client.exchange(rawRequest("GET", "/a.txt")).status() == "200 OK");
+    QVERIFY(!RawClient(live->port()).isOpen());
+
+    // A port in use is a plain refusal.
+    QTcpServer other;
+    QVERIFY(other.listen(QHostAddress(QHostAddress::LocalHost)));
+    live->server->port = other.serverPort();
+    QVERIFY(!live->server->start());
+    QVERIFY(!live->server->errorString().isEmpty());
+}
+
+void TestLifecycle::dropsAllConnections()
+{
+    live->addFile(QStringLiteral("big"), QByteArray(20000000, 'x'));
+    live->start();
+    std::vector<std::unique_ptr<RawClient>> clients;
+    for (const char *bytes : { "", "GET /", "GET /big HTTP/1.1\r\n\r\n" }) {
+        clients.push_back(std::make_unique<RawClient>(live->port()));
+        clients.back()->socket->setReadBufferSize(1);
+        clients.back()->send(bytes);
+    }
+    QTRY_COMPARE(live->server->connectionCount(), 3);
+    QTest::qWait(20);
+    live->server->stopAll();
+    QCOMPARE(live->server->connectionCount(), 0);
+    for (const auto &client : clients) {
+        client->socket->setReadBufferSize(0);
+        QVERIFY(client->waitForClose());
+    }
+    QTRY_COMPARE(live->server->findChildren<ServerThread *>().size(), 0);
+}
+
+void TestLifecycle::survivesBrokenConnections()
+{
+    live->addFile(QStringLiteral("big"), QByteArray(20000000, 'x'));
+    live->start();
+    for (const char *bytes : { "", "\r", "G", "GET /big HTTP/1.1\r\n\r\n",
+                               "POST /?a=up HTTP/1.1\r\nContent-Type: multipart/form-data; "
+                               "boundary=B\r\nContent-Length: 99999\r\n\r\n--B\r\nX: y" }) {
+        RawClient client(live->port());
+        client.send(bytes);
+        QTest::qWait(5);
+        client.socket->abort();
+    }
+    QTRY_COMPARE(live->server->connectionCount(), 0);
+    QCOMPARE(RawClient(live->port()).exchange(rawRequest("GET", "/a.txt")).status(),
+             QByteArray("200 OK"));
+}
+
+void TestLifecycle::movesProfilesAndTheirUseCounts()
+{
+    Configuration other;
+    other.dataLimit = 2000000000;
+    QCOMPARE(live->profile->useCount, 1);
+    live->server->setProfile(&other);
+    QCOMPARE(live->profile->useCount, 0);
+    QCOMPARE(other.useCount, 1);
+    QCOMPARE(live->server->dataLimitBytes(), qint64(2000000000) * 1024);
+    {
+        const WebServer copy(live->server.get());
+        QCOMPARE(other.useCount, 2);
+        QCOMPARE(copy.shared, live->server->shared);
+    }
+    QCOMPARE(other.useCount, 1);
+    live->server->setProfile(live->profile);
+}
+
+void TestLifecycle::warnsOfAnEmptyPassword()
+{
+    live->profile->authMode = AuthPasswordPage;
+    live->start();
+    QCOMPARE(live->sink.messages.size(), 1);
+    QCOMPARE(RawClient(live->port()).exchange(rawRequest("GET", "/a.txt")).body,
+             QByteArray("0123456789"));
+    QCOMPARE(live->sink.peers, QStringList{ QStringLiteral("127.0.0.1") });
+}
+
+QTEST_GUILESS_MAIN(TestLifecycle)
+#include "tst_lifecycle.moc"

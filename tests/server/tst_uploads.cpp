@@ -1,0 +1,300 @@
+#include "server/Response.h"
+#include "server/ServerThread.h"
+#include "tests/support/LiveServer.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+#include <csignal>
+
+#include <sys/resource.h>
+
+namespace {
+
+/// Saves the body of a PUT as it is and answers with the result code.
+class SaveBody : public Response
+{
+public:
+    explicit SaveBody(HTTP_Request *httpRequest)
+        : Response(httpRequest)
+    {
+        setObjectName(QStringLiteral("S"));
+    }
+    using Response::reply;
+    void reply(const QFileInfo &shared) override
+    {
+        awaitUpload();
+        file.setFileName(shared.absoluteFilePath() + request->path);
+        QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
+        request->channel.saveFile(&file, request->contentLength);
+    }
+    void reply(int result) override
+    {
+        file.close();
+        sendHeader("200 " + QByteArray::number(result), 0);
+    }
+
+private:
+    QFile file;
+};
+
+ResponderRows testRows()
+{
+    ResponderRows rows = baseRows();
+    rows.push_back({ HTTP_Request::Put, nullptr, "S",
+                     [](Configuration *, HTTP_Request *request) -> Response * {
+                         return new SaveBody(request);
+                     },
+                     ReplyCall::Shared });
+    return rows;
+}
+
+QByteArray partHeaders(const QByteArray &fileName)
+{
+    return "--B\r\nContent-Disposition: form-data; name=\"f\"; filename=\"" + fileName
+        + "\"\r\nContent-Type: application/octet-stream\r\n\r\n";
+}
+
+QByteArray form(const QByteArray &fileName, const QByteArray &content)
+{
+    return rawRequest("POST", "/", "Content-Type: multipart/form-data; boundary=B\r\n",
+                      partHeaders(fileName) + content + "\r\n--B--\r\n");
+}
+
+/// No file of this process grows beyond `size` while it lives: a disk that fills up.
+class FullDisk
+{
+public:
+    explicit FullDisk(rlim_t size)
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+        getrlimit(RLIMIT_FSIZE, &before);
+        const rlimit limit{ size, before.rlim_max };
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
+    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &before); }
+
+private:
+    Q_DISABLE_COPY(FullDisk)
+    rlimit before = {};
+};
+
+} // namespace
+
+/// Request bodies on their way into files.
+class TestUploads : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void receivesAForm_data();
+    void receivesAForm();
+    void receivesAFormInAnyPackets_data();
+    void receivesAFormInAnyPackets();
+    void refusesAForm_data();
+    void refusesAForm();
+    void takesAFormWhateverTheUrlSays();
+    void keepsTheFirstOfTwoUploads();
+    void removesWhatALostConnectionCut();
+    void removesWhatDidNotFitOnTheDisk();
+    void removesWhatTheServerCutOff();
+    void savesBodiesOneAfterTheOther();
+
+private:
+    QByteArray uploaded(const QString &name) const
+    {
+        return live->fileContent(QLatin1String("uploads/") + name);
+    }
+    QStringList uploads() const
+    {
+        return QDir(live->sharePath(QStringLiteral("uploads")))
+            .entryList(QDir::Files | QDir::Hidden);
+    }
+
+    std::unique_ptr<LiveServer> live;
+};
+
+void TestUploads::init()
+{
+    live = std::make_unique<LiveServer>(testRows());
+    QVERIFY(QDir(live->sharePath()).mkdir(QStringLiteral("uploads")));
+    live->start();
+}
+
+void TestUploads::cleanup()
+{
+    live.reset();
+}
+
+void TestUploads::receivesAForm_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("empty") << QByteArray();
+    QTest::newRow("fits into the head buffer") << QByteArray(1000, 'x');
+    QTest::newRow("ends where the buffer ends") << QByteArray(1700, 'x');
+    QTest::newRow("almost delimiters") << QByteArray("\r\n--\r\n--A\r\n").repeated(500);
+    QTest::newRow("megabytes") << QByteArray(5000000, '\r');
+}
+
+void TestUploads::receivesAForm()
+{
+    QFETCH(QByteArray, content);
+    RawClient client(live->port());
+    client.send(form("C:\\dir\\a.txt", content));
+    // A plain upload is not answered, its end closes the connection.
+    QCOMPARE(client.readToEnd(), QByteArray());
+    QVERIFY(!client.isOpen());
+    QCOMPARE(uploaded(QStringLiteral("a.txt")), content);
+}
+
+void TestUploads::receivesAFormInAnyPackets_data()
+{
+    QTest::addColumn<int>("size");
+    for (const int size : { 1, 7, 100, 2047, 2048, 2049 })
+        QTest::addRow("packets of %d bytes", size) << size;
+}
+
+void TestUploads::receivesAFormInAnyPackets()
+{
+    QFETCH(int, size);
+    const QByteArray content = QByteArray("0123456789\r\n--").repeated(size == 1 ? 100 : 2000);
+    const QByteArray request = form("a", content);
+    RawClient client(live->port());
+    for (int i = 0; i < request.size(); i += size) {
+        client.send(request.mid(i, size));
+        QTest::qWait(0);
+    }
+    QVERIFY(client.waitForClose());
+    QCOMPARE(uploaded(QStringLiteral("a")), content);
+}
+
+void TestUploads::refusesAForm_data()
+{
+    QTest::addColumn<QByteArray>("request");
+    const QByteArray type = "Content-Type: multipart/form-data; boundary=B\r\n";
+    const auto post = [](const QByteArray &headers, const QByteArray &body) {
+        return rawRequest("POST", "/?a=up", headers, body);
+    };
+    QTest::newRow("no boundary") << post("Content-Type: multipart/form-data\r\n", "--B\r\n\r\n");
+    QTest::newRow("no file chosen") << form({}, {});
+    QTest::newRow("no part at all") << post(type, "--B--\r\n");
+    QTest::newRow("no body") << post(type, {});
+    QTest::newRow("a name that climbs") << form("..", "x");
+    QTest::newRow("a name with a NUL") << form(QByteArray("a\0b", 3), "x");
+    QTest::newRow("a name too long") << form(QByteArray(300, 'n'), "x");
+    QTest::newRow("no end in sight")
+        << post(type, partHeaders("a") + QByteArray(100000, 'x') + "\r\n--C--");
+    QTest::newRow("quotes count as part of the boundary")
+        << form("a", "content").replace("boundary=B", "boundary=\"B\"");
+    QTest::newRow("endless part headers")
+        << post(type, "--B\r\nX: " + QByteArray(9000, 'x') + partHeaders("a") + "x\r\n--B--");
+}
+
+void TestUploads::refusesAForm()
+{
+    live->addFile(QStringLiteral("served"), "safe");
+    QFETCH(QByteArray, request);
+    RawClient client(live->port());
+    // The same responder has just served a file: that one must not be taken for the upload.
+    QCOMPARE(client.exchange(rawRequest("GET", "/served")).body, QByteArray("safe"));
+    client.send(request);
+    QVERIFY(client.waitForClose());
+    QCOMPARE(uploads(), QStringList());
+    QCOMPARE(live->fileContent(QStringLiteral("served")), QByteArray("safe"));
+}
+
+void TestUploads::takesAFormWhateverTheUrlSays()
+{
+    RawClient client(live->port());
+    QByteArray request = form("a", "content");
+    client.send(request.replace("POST / ", "POST /?a=p&p=1 "));
+    QVERIFY(client.waitForClose());
+    QCOMPARE(uploaded(QStringLiteral("a")), QByteArray("content"));
+}
+
+void TestUploads::keepsTheFirstOfTwoUploads()
+{
+    const QByteArray first = form("a", QByteArray(10000, '1'));
+    RawClient slow(live->port());
+    slow.send(first.left(5000));
+    QTRY_COMPARE(uploads(), QStringList{ QStringLiteral("a") });
+
+    RawClient second(live->port());
+    second.send(form("a", "2"));
+    QVERIFY(second.waitForClose());
+    slow.send(first.mid(5000));
+    QVERIFY(slow.waitForClose());
+    QCOMPARE(uploaded(QStringLiteral("a")), QByteArray(10000, '1'));
+}
+
+void TestUploads::removesWhatALostConnectionCut()
+{
+    const QByteArray request = form("a", QByteArray(100000, 'x'));
+    for (const bool reset : { false, true }) {
+        RawClient client(live->port());
+        client.send(request.left(50000));
+        QTRY_COMPARE(uploads().size(), 1);
+        if (reset)
+            client.socket->abort();
+        else
+            client.socket->disconnectFromHost();
+        QTRY_COMPARE(uploads().size(), 0);
+    }
+}
+
+void TestUploads::removesWhatDidNotFitOnTheDisk()
+{
+    RawClient client(live->port());
+    {
+        const FullDisk disk(60000);
+        client.send(form("a", QByteArray(200000, 'x')));
+        QVERIFY(client.waitForClose());
+        QCOMPARE(uploads(), QStringList());
+
+        RawClient plain(live->port());
+        plain.send(rawRequest("PUT", "/b", {}, QByteArray(200000, 'x')));
+        QCOMPARE(plain.reply().status(), QByteArray("200 3"));
+        QCOMPARE(plain.exchange(rawRequest("PUT", "/c", {}, "fits")).status(), QByteArray("200 0"));
+    }
+}
+
+void TestUploads::removesWhatTheServerCutOff()
+{
+    const QByteArray request = form("a", QByteArray(100000, 'x'));
+    RawClient client(live->port());
+    client.send(request.left(50000));
+    QTRY_COMPARE(uploads().size(), 1);
+    live->server->stopAll();
+    QCOMPARE(uploads().size(), 0);
+
+    // So does the traffic limit.
+    live->profile->dataLimit = 60;
+    live->start();
+    RawClient limited(live->port());
+    limited.send(request);
+    QVERIFY(limited.waitForClose());
+    QCOMPARE(uploads().size(), 0);
+    QVERIFY(live->server->isBlocked());
+}
+
+void TestUploads::savesBodiesOneAfterTheOther()
+{
+    RawClient client(live->port());
+    const QByteArray big = QByteArray("0123456789abcdef").repeated(20000);
+    // In one stream, so that each body has to end at its own last byte.
+    client.send(rawRequest("PUT", "/1", {}, "one") + rawRequest("PUT", "/2", {}, big)
+                + rawRequest("PUT", "/3", "Content-Length: 0\r\n")
+                + rawRequest("PUT", "/4", {}, "four") + rawRequest("GET", "/2"));
+    for (int i = 1; i <= 4; ++i)
+        QCOMPARE(client.reply().status(), QByteArray("200 0"));
+    QCOMPARE(client.reply().body, big);
+    QCOMPARE(live->fileContent(QStringLiteral("1")), QByteArray("one"));
+    QCOMPARE(live->fileContent(QStringLiteral("4")), QByteArray("four"));
+    QVERIFY(QFile::exists(live->sharePath(QStringLiteral("3"))));
+}
+
+QTEST_GUILESS_MAIN(TestUploads)
+#include "tst_uploads.moc"

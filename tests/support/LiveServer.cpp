@@ -1,0 +1,162 @@
+#include "tests/support/LiveServer.h"
+
+#include <QDir>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFile>
+#include <QTest>
+#include <QTimer>
+
+#include <utility>
+
+TestHome::TestHome()
+    : realHome(qgetenv("HOME"))
+{
+    qputenv("HOME", dir.path().toUtf8());
+    const QString resources = dir.path() + QLatin1String("/res");
+    QDir().mkpath(resources + QLatin1String("/img"));
+    QDir().mkpath(resources + QLatin1String("/lang/C"));
+    qputenv("QUILLON_RESDIR", resources.toUtf8());
+    if (!setUpDirectories())
+        qFatal("no configuration directory");
+    loadProfiles();
+}
+
+TestHome::~TestHome()
+{
+    closeProfiles();
+    qputenv("HOME", realHome);
+}
+
+LiveServer::LiveServer(ResponderRows rows)
+    : profile(Configuration::getGlobalConfig())
+{
+    QNetworkAddressEntry loopback;
+    loopback.setIp(QHostAddress(QHostAddress::LocalHost));
+    server = std::make_unique<WebServer>(
+        loopback, std::make_shared<ServerSetup>(ServerSetup{ std::move(rows), &sink }));
+    server->setShared(share.path());
+}
+
+void LiveServer::start()
+{
+    server->init();
+    server->port = 0;
+    QVERIFY2(server->start(), qPrintable(server->errorString()));
+}
+
+QString LiveServer::sharePath(const QString &name) const
+{
+    return name.isEmpty() ? share.path() : share.path() + QLatin1Char('/') + name;
+}
+
+void LiveServer::addFile(const QString &name, const QByteArray &content) const
+{
+    const QString path = sharePath(name);
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(content), qint64(content.size()));
+}
+
+QByteArray LiveServer::fileContent(const QString &name) const
+{
+    QFile file(sharePath(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray RawReply::status() const
+{
+    const int blank = int(head.indexOf(' '));
+    return head.mid(blank + 1, head.indexOf('\r') - blank - 1);
+}
+
+QByteArray RawReply::header(const QByteArray &name) const
+{
+    const int start = int(head.indexOf("\r\n" + name + ": "));
+    if (start < 0)
+        return {};
+    const int value = start + int(name.size()) + 4;
+    const int end = int(head.indexOf("\r\n", value));
+    return head.mid(value, end < 0 ? -1 : end - value);
+}
+
+RawClient::RawClient(quint16 port, std::unique_ptr<QTcpSocket> given)
+    : socket(given ? std::move(given) : std::make_unique<QTcpSocket>())
+{
+    socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+    waitUntil([this] { return isOpen(); });
+}
+
+void RawClient::send(const QByteArray &bytes)
+{
+    socket->write(bytes);
+    socket->flush();
+}
+
+RawReply RawClient::reply()
+{
+    RawReply reply;
+    if (!waitUntil([this] { return received.contains("\r\n\r\n"); }))
+        return reply;
+
+    const int end = int(received.indexOf("\r\n\r\n"));
+    reply.head = received.left(end);
+    const int length = reply.header("Content-Length").toInt();
+    waitUntil([this, end, length] { return received.size() >= end + 4 + length; });
+    reply.body = received.mid(end + 4, length);
+    received.remove(0, end + 4 + length);
+    return reply;
+}
+
+RawReply RawClient::exchange(const QByteArray &request)
+{
+    send(request);
+    return reply();
+}
+
+QByteArray RawClient::readToEnd()
+{
+    waitForClose();
+    takeArrived();
+    return std::exchange(received, {});
+}
+
+bool RawClient::waitForClose(int msecs)
+{
+    waitUntil([this] { return socket->state() == QAbstractSocket::UnconnectedState; }, msecs);
+    return socket->state() == QAbstractSocket::UnconnectedState;
+}
+
+bool RawClient::waitUntil(const std::function<bool()> &condition, int msecs)
+{
+    QElapsedTimer clock;
+    clock.start();
+    for (;;) {
+        takeArrived();
+        if (condition())
+            return true;
+        const bool closed = socket->state() == QAbstractSocket::UnconnectedState;
+        if (closed || clock.hasExpired(msecs))
+            return false;
+        QEventLoop loop;
+        QObject::connect(socket.get(), &QIODevice::readyRead, &loop, &QEventLoop::quit);
+        QObject::connect(socket.get(), &QAbstractSocket::stateChanged, &loop, &QEventLoop::quit);
+        QTimer::singleShot(5, &loop, &QEventLoop::quit);
+        loop.exec();
+    }
+}
+
+void RawClient::takeArrived()
+{
+    received += socket->readAll();
+}
+
+QByteArray rawRequest(const QByteArray &method, const QByteArray &target, const QByteArray &headers,
+                      const QByteArray &body)
+{
+    QByteArray request = method + ' ' + target + " HTTP/1.1\r\nHost: localhost\r\n" + headers;
+    if (!body.isEmpty())
+        request += "Content-Length: " + QByteArray::number(body.size()) + "\r\n";
+    return request + "\r\n" + body;
+}
