@@ -1,0 +1,232 @@
+#include "app/AllRows.h"
+#include "app/Console.h"
+#include "config/Configuration.h"
+#include "server/Responders.h"
+#include "server/WebServer.h"
+
+#include <QCommandLineParser>
+#include <QCoreApplication>
+#include <QFileInfo>
+#include <QNetworkInterface>
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+
+#include <sys/resource.h>
+
+namespace {
+
+enum ExitStatus { Done = 0, Failed = 1, WrongUsage = 2 };
+
+constexpr rlim_t wantedDescriptors = 16384;
+
+struct Options
+{
+    QHostAddress address{ QHostAddress::AnyIPv4 };
+    std::optional<quint16> port; ///< absent: the profile's
+    QString profile; ///< empty: the global one
+    QString path;
+};
+
+/// Not translated: scripts read these lines.
+QString text(const char *english)
+{
+    return QString::fromLatin1(english);
+}
+
+int usageError(const QString &problem)
+{
+    Console::error(problem + QLatin1Char('\n') + text("Try --help."));
+    return WrongUsage;
+}
+
+/// Reads the command line. When the program is to end at once, `status` holds its exit status.
+std::optional<Options> readOptions(int &status)
+{
+    QCommandLineParser parser;
+    parser.setApplicationDescription(
+        text("Serves a file or folder to browsers and WebDAV clients."));
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    const QCommandLineOption address(QStringLiteral("address"),
+                                     text("Listen on this address only."), QStringLiteral("ADDR"));
+    const QCommandLineOption port(QStringLiteral("port"),
+                                  text("Listen on this port; 0 takes a free one."),
+                                  QStringLiteral("N"));
+    const QCommandLineOption profile(QStringLiteral("profile"),
+                                     text("Use the profile of this name."), QStringLiteral("NAME"));
+    parser.addOptions({ address, port, profile });
+    parser.addPositionalArgument(QStringLiteral("PATH"), text("The file or folder to serve."));
+
+    status = Done;
+    const bool parsed = parser.parse(QCoreApplication::arguments());
+    if (parser.isSet(help)) {
+        Console::print(parser.helpText());
+        return {};
+    }
+    if (parser.isSet(version)) {
+        Console::print(QCoreApplication::applicationName() + QLatin1Char(' ')
+                       + QCoreApplication::applicationVersion());
+        return {};
+    }
+    const auto wrong = [&status](const QString &problem) {
+        status = usageError(problem);
+        return std::nullopt;
+    };
+    if (!parsed)
+        return wrong(parser.errorText());
+    if (parser.positionalArguments().size() != 1)
+        return wrong(text("Name one file or folder to serve."));
+
+    Options options;
+    options.path = parser.positionalArguments().constFirst();
+    options.profile = parser.value(profile);
+    if (parser.isSet(address) && !options.address.setAddress(parser.value(address)))
+        return wrong(text("This is no address: %1").arg(parser.value(address)));
+    // "::" is meant to reach everyone, but the toolkit takes it for IPv6 alone.
+    if (options.address == QHostAddress(QHostAddress::AnyIPv6))
+        options.address = QHostAddress(QHostAddress::Any);
+    if (parser.isSet(port)) {
+        bool isNumber = false;
+        options.port = parser.value(port).toUShort(&isNumber);
+        if (!isNumber)
+            return wrong(text("This is no port from 0 to 65535: %1").arg(parser.value(port)));
+    }
+    return options;
+}
+
+/// Why `path` can't be served; empty when it can.
+QString problemWith(const QString &path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return text("There is no such file or folder: %1").arg(path);
+    if (!info.isFile() && !info.isDir())
+        return text("This is neither a file nor a folder: %1").arg(path);
+    if (!info.isReadable() || (info.isDir() && !info.isExecutable()))
+        return text("This can't be read: %1").arg(path);
+    return {};
+}
+
+/// The addresses at which clients reach a socket that listens on `listening`.
+QList<QHostAddress> reachableAt(const QHostAddress &listening)
+{
+    const bool any4 = listening == QHostAddress(QHostAddress::AnyIPv4);
+    if (!any4 && listening != QHostAddress(QHostAddress::Any))
+        return { listening };
+
+    QList<QHostAddress> addresses;
+    const QList<QHostAddress> own = QNetworkInterface::allAddresses();
+    std::copy_if(own.begin(), own.end(), std::back_inserter(addresses),
+                 [any4](const QHostAddress &address) {
+                     return !any4 || address.protocol() == QAbstractSocket::IPv4Protocol;
+                 });
+    return addresses;
+}
+
+QString hostPart(const QHostAddress &address)
+{
+    const bool bracketed = address.protocol() == QAbstractSocket::IPv6Protocol;
+    return bracketed ? QLatin1Char('[') + address.toString() + QLatin1Char(']')
+                     : address.toString();
+}
+
+void announce(const WebServer &server, const QString &path)
+{
+    const QString scheme = server.isTlsReady() ? QStringLiteral("https") : QStringLiteral("http");
+    const QList<QHostAddress> addresses = reachableAt(server.ip());
+    for (const QHostAddress &address : addresses) {
+        Console::print(text("Serving %1 at %2://%3:%4/")
+                           .arg(path, scheme, hostPart(address), QString::number(server.port)));
+    }
+}
+
+void reportLimit(const WebServer &server)
+{
+    Console::error(
+        text("The traffic limit of %1 bytes is reached: sent %2 bytes, received %3 bytes.")
+            .arg(server.dataLimitBytes())
+            .arg(server.sentBytes())
+            .arg(server.receivedBytes()));
+}
+
+/// A crowd of clients needs more than the usual 1024.
+void raiseDescriptorLimit()
+{
+    rlimit limit = {};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0)
+        return;
+    limit.rlim_cur = std::max(limit.rlim_cur, std::min(limit.rlim_max, wantedDescriptors));
+    setrlimit(RLIMIT_NOFILE, &limit);
+}
+
+/// Serves until a signal or the traffic limit ends it. The profiles are loaded.
+int serve(const Options &options)
+{
+    Configuration *profile = options.profile.isEmpty() ? Configuration::getGlobalConfig()
+                                                       : Configuration::find(options.profile);
+    if (!profile) {
+        Console::error(text("There is no profile of this name: %1").arg(options.profile));
+        return Failed;
+    }
+
+    ConsoleSink sink;
+    QNetworkAddressEntry entry;
+    entry.setIp(options.address);
+    const auto setup = std::make_shared<ServerSetup>(ServerSetup{ allRows(), &sink });
+    WebServer server(entry, setup);
+    server.setProfile(profile);
+    server.setShared(options.path);
+    server.port = options.port.value_or(quint16(profile->port));
+    if (profile->isSSLmode() && !server.isTlsReady()) {
+        Console::error(
+            text("The profile asks for TLS, but its key and certificate can't be used."));
+        return Failed;
+    }
+    if (!server.start()) {
+        Console::error(text("Can't listen on %1:%2: %3")
+                           .arg(hostPart(options.address), QString::number(server.port),
+                                server.errorString()));
+        return Failed;
+    }
+    QObject::connect(&server, &WebServer::dataLimit, &server, [](WebServer *reached) {
+        reached->stopAll();
+        reportLimit(*reached);
+        QCoreApplication::exit(Done);
+    });
+    announce(server, options.path);
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    useUtf8Names();
+    const EndSignals endSignals;
+    QCoreApplication app(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("quillon-serve"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(QUILLON_VERSION));
+
+    int status = Done;
+    const std::optional<Options> options = readOptions(status);
+    if (!options)
+        return status;
+    if (const QString problem = problemWith(options->path); !problem.isEmpty()) {
+        Console::error(problem);
+        return Failed;
+    }
+    if (!setUpDirectories()) {
+        Console::error(text("Can't make the folder %1").arg(Configuration::ConfigDir));
+        return Failed;
+    }
+
+    endSignals.quitOnFirst(&app);
+    raiseDescriptorLimit();
+    loadProfiles();
+    status = serve(*options);
+    if (!closeProfiles())
+        Console::error(text("The profile could not be saved in %1").arg(Configuration::ConfigDir));
+    return status;
+}

@@ -1,0 +1,207 @@
+#include "tests/support/LiveServer.h"
+
+#include <QElapsedTimer>
+#include <QFile>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTest>
+
+#include <csignal>
+
+namespace {
+
+QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+} // namespace
+
+/// The console program as its user sees it: what it prints and how it ends.
+class TestServe : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void endsAtOnce_data();
+    void endsAtOnce();
+    void servesUntilASignal_data();
+    void servesUntilASignal();
+    void removesACutOffUploadAtItsEnd();
+    void stopsAtTheTrafficLimit();
+    void refusesToServeWithoutItsKeys();
+
+private:
+    void start(const QStringList &arguments);
+    quint16 waitForPort();
+    int exitStatus(int msecs = 4000);
+    QStringList serving(const QStringList &more = {}) const
+    {
+        return QStringList{ QStringLiteral("--address"), QStringLiteral("127.0.0.1"),
+                            QStringLiteral("--port"), QStringLiteral("0") }
+        + more + QStringList{ share->path() };
+    }
+    void storeProfile(const QString &name,
+                      const std::function<void(Configuration &)> &change) const;
+
+    std::unique_ptr<TestHome> home;
+    std::unique_ptr<QTemporaryDir> share;
+    QProcess program;
+};
+
+void TestServe::init()
+{
+    home = std::make_unique<TestHome>();
+    share = std::make_unique<QTemporaryDir>();
+    QFile file(share->filePath(QStringLiteral("a.txt")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("hello");
+}
+
+void TestServe::cleanup()
+{
+    program.kill();
+    program.waitForFinished();
+    home.reset();
+}
+
+void TestServe::start(const QStringList &arguments)
+{
+    program.start(QStringLiteral(SERVE_PROGRAM), arguments);
+    QVERIFY(program.waitForStarted());
+}
+
+/// The port in the line "Serving PATH at http://ADDR:PORT/".
+quint16 TestServe::waitForPort()
+{
+    static const QRegularExpression line(
+        QStringLiteral("^Serving (.+) at https?://127\\.0\\.0\\.1:(\\d+)/\n$"));
+    if (!program.canReadLine() && !program.waitForReadyRead(5000))
+        return 0;
+    const auto match = line.match(QString::fromUtf8(program.readLine()));
+    return match.captured(1) == share->path() ? match.captured(2).toUShort() : quint16(0);
+}
+
+int TestServe::exitStatus(int msecs)
+{
+    const bool ended = program.state() == QProcess::NotRunning || program.waitForFinished(msecs);
+    return ended && program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -1;
+}
+
+void TestServe::storeProfile(const QString &name,
+                             const std::function<void(Configuration &)> &change) const
+{
+    Configuration profile;
+    profile.setFileName(name);
+    profile.name = name;
+    change(profile);
+    QVERIFY(profile.save());
+}
+
+void TestServe::endsAtOnce_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("says");
+
+    const auto row = [](const char *name, const QString &line, int status, const char *says) {
+        QTest::newRow(name) << line.split(QLatin1Char(' '), Qt::SkipEmptyParts) << status
+                            << QString::fromLatin1(says);
+    };
+    row("help", QStringLiteral("--help"), 0, "PATH");
+    row("version", QStringLiteral("--version"), 0, "quillon-serve 2.4.0");
+    row("no path", {}, 2, "Name one file or folder");
+    row("two paths", QStringLiteral("/tmp /tmp"), 2, "Name one file or folder");
+    row("unknown option", QStringLiteral("--loud /tmp"), 2, "loud");
+    row("port out of range", QStringLiteral("--port 65536 /tmp"), 2, "65536");
+    row("port no number", QStringLiteral("--port http /tmp"), 2, "http");
+    row("no address", QStringLiteral("--address here /tmp"), 2, "here");
+    row("missing path", QStringLiteral("/none"), 1, "/none");
+    row("device", QStringLiteral("/dev/null"), 1, "/dev/null");
+    row("unknown profile", QStringLiteral("--profile none /tmp"), 1, "none");
+    row("address of another machine", QStringLiteral("--address 192.0.2.1 --port 0 /tmp"), 1,
+        "192.0.2.1");
+}
+
+void TestServe::endsAtOnce()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(int, status);
+    start(arguments);
+    QCOMPARE(exitStatus(), status);
+    const QByteArray errors = program.readAllStandardError();
+    const QByteArray said = status == 0 ? program.readAllStandardOutput() : errors;
+    QFETCH(QString, says);
+    QVERIFY2(said.contains(says.toUtf8()), said.constData());
+    QCOMPARE(errors.count('\n'), status);
+}
+
+void TestServe::servesUntilASignal_data()
+{
+    QTest::addColumn<int>("signal");
+    QTest::newRow("SIGINT") << SIGINT;
+    QTest::newRow("SIGTERM") << SIGTERM;
+}
+
+void TestServe::servesUntilASignal()
+{
+    QFile big(share->filePath(QStringLiteral("big")));
+    QVERIFY(big.open(QIODevice::WriteOnly) && big.resize(50000000));
+    start(serving());
+    const quint16 port = waitForPort();
+    QVERIFY(port > 0);
+    RawClient client(port);
+    QCOMPARE(client.exchange(rawRequest("GET", "/a.txt")).body, QByteArray("hello"));
+    // A peer that takes nothing does not delay the end.
+    client.socket->setReadBufferSize(1);
+    client.send(rawRequest("GET", "/big"));
+
+    QFETCH(int, signal);
+    ::kill(pid_t(program.processId()), signal);
+    QCOMPARE(exitStatus(), 0);
+    QVERIFY(program.readAllStandardError().contains("New client: 127.0.0.1"));
+    Configuration global(QStringLiteral("Global.conf"));
+    QVERIFY(global.cleanExit);
+}
+
+void TestServe::removesACutOffUploadAtItsEnd()
+{
+    start(serving());
+    RawClient client(waitForPort());
+    client.send("POST / HTTP/1.1\r\nContent-Type: multipart/form-data; boundary=B\r\n"
+                "Content-Length: 99999\r\n\r\n--B\r\nContent-Disposition: form-data; name=\"f\"; "
+                "filename=\"part\"\r\n\r\n"
+                + QByteArray(5000, 'x'));
+    const QString part = share->filePath(QStringLiteral("part"));
+    QTRY_VERIFY(QFile::exists(part));
+    program.terminate();
+    QCOMPARE(exitStatus(), 0);
+    QVERIFY(!QFile::exists(part));
+}
+
+void TestServe::stopsAtTheTrafficLimit()
+{
+    storeProfile(QStringLiteral("small"), [](Configuration &profile) { profile.dataLimit = 1; });
+    const QByteArray before = contentOf(Configuration::ConfigDir + QLatin1String("small.cnf"));
+    start(serving({ QStringLiteral("--profile"), QStringLiteral("small") }));
+    RawClient client(waitForPort());
+    client.send(rawRequest("GET", '/' + QByteArray(1500, 'x')));
+    QCOMPARE(exitStatus(), 0);
+    const QByteArray said = program.readAllStandardError();
+    QVERIFY2(said.contains("limit of 1024 bytes is reached: sent "), said.constData());
+    QCOMPARE(contentOf(Configuration::ConfigDir + QLatin1String("small.cnf")), before);
+}
+
+void TestServe::refusesToServeWithoutItsKeys()
+{
+    storeProfile(QStringLiteral("tls"), [](Configuration &profile) { profile.sslMode = 2; });
+    start(serving({ QStringLiteral("--profile"), QStringLiteral("tls") }));
+    QCOMPARE(exitStatus(), 1);
+    QVERIFY(program.readAllStandardError().contains("TLS"));
+}
+
+QTEST_GUILESS_MAIN(TestServe)
+#include "tst_serve.moc"
