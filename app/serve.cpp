@@ -1,6 +1,7 @@
 #include "app/AllRows.h"
 #include "app/Console.h"
 #include "config/Configuration.h"
+#include "filemanager/ShareDir.h"
 #include "server/Responders.h"
 #include "server/WebServer.h"
 
@@ -224,8 +225,10 @@ int main(int argc, char **argv)
 
     endSignals.quitOnFirst(&app);
     raiseDescriptorLimit();
-    loadProfiles();
+    if (loadProfiles() == LastRun::Aborted)
+        HTML_Element_Manager::removeLeftFiles();
     status = serve(*options);
+    ShareDir::HTML_Manager.clear();
     if (!closeProfiles())
         Console::error(text("The profile could not be saved in %1").arg(Configuration::ConfigDir));
     return status;
