@@ -1,0 +1,60 @@
+// The program under test, on a share and a home folder of its own.
+
+import { spawn } from 'node:child_process';
+import { mkdtemp, mkdir, rm, utimes, writeFile } from 'node:fs/promises';
+import { once } from 'node:events';
+import { tmpdir } from 'node:os';
+import { dirname, join } from 'node:path';
+import { createInterface } from 'node:readline';
+
+export class Server {
+  #folder;
+  #process;
+
+  // Starts `program`; `resources` is the folder with its icons.
+  static async start(program, resources) {
+    const server = new Server();
+    server.#folder = await mkdtemp(join(tmpdir(), 'quillon-browser-'));
+    server.share = join(server.#folder, 'share');
+    server.home = join(server.#folder, 'home');
+    await mkdir(server.share);
+    await mkdir(server.home);
+    server.#process = spawn(
+      program, ['--address', '127.0.0.1', '--port', '0', server.share], {
+        env: { ...process.env, HOME: server.home, QUILLON_RESDIR: resources, LC_ALL: 'C.UTF-8', TZ: 'UTC' },
+        stdio: ['ignore', 'pipe', 'inherit'],
+      });
+    server.url = await server.#announcedUrl();
+    return server;
+  }
+
+  async #announcedUrl() {
+    for await (const line of createInterface({ input: this.#process.stdout })) {
+      const found = /http:\/\/[^ ]+/.exec(line);
+      if (found)
+        return found[0];
+    }
+    throw new Error('the server ended before it listened');
+  }
+
+  // Adds a file to the share, `age` days old.
+  async add(name, content = '', age = 0) {
+    const path = join(this.share, name);
+    await mkdir(dirname(path), { recursive: true });
+    await writeFile(path, content);
+    const time = new Date(Date.UTC(2024, 5, 30) - age * 24 * 3600 * 1000);
+    await utimes(path, time, time);
+  }
+
+  // Ends the server in order; gives its exit status.
+  async stop() {
+    const exited = once(this.#process, 'exit');
+    this.#process.kill('SIGTERM');
+    const [status] = await exited;
+    return status;
+  }
+
+  async removeFolder() {
+    await rm(this.#folder, { recursive: true, force: true });
+  }
+}
