@@ -1,0 +1,817 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="en_US" sourcelanguage="en_US">
+<context>
+    <name>AddressList</name>
+    <message>
+        <source>Listen Addresses</source>
+        <translation>Listen Addresses</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Settings</translation>
+    </message>
+    <message>
+        <source>Change Config</source>
+        <translation>Change Config</translation>
+    </message>
+    <message>
+        <source>Add new port</source>
+        <translation>Add new port</translation>
+    </message>
+    <message>
+        <source>Change port</source>
+        <translation>Change port</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Remove</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;&lt;b&gt;Network not found&lt;/b&gt;&lt;/center&gt;</source>
+        <translation>&lt;center&gt;&lt;b&gt;Network not found&lt;/b&gt;&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>The network address is gone, the server stopped</source>
+        <translation>The network address is gone, the server stopped</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;Accessible on local network</source>
+        <translation>&lt;center&gt;Accessible on local network</translation>
+    </message>
+    <message>
+        <source>The server is running.</source>
+        <translation>The server is running.</translation>
+    </message>
+    <message>
+        <source>Invalid port</source>
+        <translation>Invalid port</translation>
+    </message>
+    <message>
+        <source>New port</source>
+        <translation>New port</translation>
+    </message>
+    <message>
+        <source>Port</source>
+        <translation>Port</translation>
+    </message>
+</context>
+<context>
+    <name>AddressTable</name>
+    <message>
+        <source>Address</source>
+        <translation>Address</translation>
+    </message>
+    <message>
+        <source>Config</source>
+        <translation>Config</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>Listen Addresses</source>
+        <translation>Listen Addresses</translation>
+    </message>
+</context>
+<context>
+    <name>ColorDialog</name>
+    <message>
+        <source>Color:</source>
+        <translation>Color:</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigDialog</name>
+    <message>
+        <source>&amp;Apply</source>
+        <translation>&amp;Apply</translation>
+    </message>
+    <message>
+        <source>Configuration Settings</source>
+        <translation>Configuration Settings</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Close</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Folder</translation>
+    </message>
+    <message>
+        <source>Aut.</source>
+        <translation>Aut.</translation>
+    </message>
+    <message>
+        <source>Server</source>
+        <translation>Server</translation>
+    </message>
+    <message>
+        <source>DNS</source>
+        <translation>DNS</translation>
+    </message>
+    <message>
+        <source>Server2</source>
+        <translation>Server2</translation>
+    </message>
+    <message>
+        <source>Can&apos;t write file: </source>
+        <translation>Can&apos;t write file: </translation>
+    </message>
+    <message>
+        <source>The settings stay in use until the program ends.</source>
+        <translation>The settings stay in use until the program ends.</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPage</name>
+    <message>
+        <source>Help</source>
+        <translation>Help</translation>
+    </message>
+    <message>
+        <source>Help: %1</source>
+        <translation>Help: %1</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageAut</name>
+    <message>
+        <source>Authentication Settings</source>
+        <translation>Authentication Settings</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>None</translation>
+    </message>
+    <message>
+        <source>Password only</source>
+        <translation>Password only</translation>
+    </message>
+    <message>
+        <source>Basic HTTP</source>
+        <translation>Basic HTTP</translation>
+    </message>
+    <message>
+        <source>Authentication mode</source>
+        <translation>Authentication mode</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Password</translation>
+    </message>
+    <message>
+        <source>User</source>
+        <translation>User</translation>
+    </message>
+    <message>
+        <source>Users</source>
+        <translation>Users</translation>
+    </message>
+    <message>
+        <source>Show passwords</source>
+        <translation>Show passwords</translation>
+    </message>
+    <message>
+        <source>Add user</source>
+        <translation>Add user</translation>
+    </message>
+    <message>
+        <source>Remove user</source>
+        <translation>Remove user</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageDNS</name>
+    <message>
+        <source>DNS Settings</source>
+        <translation>DNS Settings</translation>
+    </message>
+    <message>
+        <source>Enable DNS Service</source>
+        <translation>Enable DNS Service</translation>
+    </message>
+    <message>
+        <source>User:</source>
+        <translation>User:</translation>
+    </message>
+    <message>
+        <source>Password:</source>
+        <translation>Password:</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageFolder</name>
+    <message>
+        <source>Folder View Settings</source>
+        <translation>Folder View Settings</translation>
+    </message>
+    <message>
+        <source>Show images</source>
+        <translation>Show images</translation>
+    </message>
+    <message>
+        <source>Enable deleting</source>
+        <translation>Enable deleting</translation>
+    </message>
+    <message>
+        <source>Show folders</source>
+        <translation>Show folders</translation>
+    </message>
+    <message>
+        <source>Enable upload</source>
+        <translation>Enable upload</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageServer</name>
+    <message>
+        <source>Server Settings</source>
+        <translation>Server Settings</translation>
+    </message>
+    <message>
+        <source>Show warning messages</source>
+        <translation>Show warning messages</translation>
+    </message>
+    <message>
+        <source>SSL/Secure Mode</source>
+        <translation>SSL/Secure Mode</translation>
+    </message>
+    <message>
+        <source>Port [1 - 65535]:</source>
+        <translation>Port [1 - 65535]:</translation>
+    </message>
+    <message>
+        <source>Restore default keys</source>
+        <translation>Restore default keys</translation>
+    </message>
+    <message>
+        <source>Browse for the private key</source>
+        <translation>Browse for the private key</translation>
+    </message>
+    <message>
+        <source>Private key:</source>
+        <translation>Private key:</translation>
+    </message>
+    <message>
+        <source>Password:</source>
+        <translation>Password:</translation>
+    </message>
+    <message>
+        <source>Browse for the public key</source>
+        <translation>Browse for the public key</translation>
+    </message>
+    <message>
+        <source>Public key:</source>
+        <translation>Public key:</translation>
+    </message>
+    <message>
+        <source>Private Key</source>
+        <translation>Private Key</translation>
+    </message>
+    <message>
+        <source>Open Private Key File</source>
+        <translation>Open Private Key File</translation>
+    </message>
+    <message>
+        <source>Public Key</source>
+        <translation>Public Key</translation>
+    </message>
+    <message>
+        <source>Open Public Key File</source>
+        <translation>Open Public Key File</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageServer2</name>
+    <message>
+        <source>Server Settings 2</source>
+        <translation>Server Settings 2</translation>
+    </message>
+    <message>
+        <source>Max. Connections:</source>
+        <translation>Max. Connections:</translation>
+    </message>
+    <message>
+        <source>Network traffic limit [KB]:</source>
+        <translation>Network traffic limit [KB]:</translation>
+    </message>
+    <message>
+        <source>Session lifetime [s]:</source>
+        <translation>Session lifetime [s]:</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageView</name>
+    <message>
+        <source>Pages</source>
+        <translation>Pages</translation>
+    </message>
+</context>
+<context>
+    <name>Configuration</name>
+    <message>
+        <source>Default</source>
+        <translation>Default</translation>
+    </message>
+</context>
+<context>
+    <name>EventHandler</name>
+    <message>
+        <source>Last connection</source>
+        <translation>Last connection</translation>
+    </message>
+</context>
+<context>
+    <name>GUIconfig</name>
+    <message>
+        <source>&amp;Apply</source>
+        <translation>&amp;Apply</translation>
+    </message>
+    <message>
+        <source>Look&amp;Feel Settings</source>
+        <translation>Look&amp;Feel Settings</translation>
+    </message>
+    <message>
+        <source>Style</source>
+        <translation>Style</translation>
+    </message>
+    <message>
+        <source>Color</source>
+        <translation>Color</translation>
+    </message>
+    <message>
+        <source>Font</source>
+        <translation>Font</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Cancel</translation>
+    </message>
+    <message>
+        <source>Color settings not working with </source>
+        <translation>Color settings not working with </translation>
+    </message>
+    <message>
+        <source> style.</source>
+        <translation> style.</translation>
+    </message>
+    <message>
+        <source>Can&apos;t write file: </source>
+        <translation>Can&apos;t write file: </translation>
+    </message>
+</context>
+<context>
+    <name>MessageDialog</name>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Close</translation>
+    </message>
+    <message>
+        <source>Can&apos;t read file: </source>
+        <translation>Can&apos;t read file: </translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Help</translation>
+    </message>
+</context>
+<context>
+    <name>MobileWebServer</name>
+    <message>
+        <source>Can&apos;t make the folder</source>
+        <translation>Can&apos;t make the folder</translation>
+    </message>
+    <message>
+        <source>Max. network traffic limit</source>
+        <translation>Max. network traffic limit</translation>
+    </message>
+    <message>
+        <source>reached</source>
+        <translation>reached</translation>
+    </message>
+    <message>
+        <source>Server stopped on</source>
+        <translation>Server stopped on</translation>
+    </message>
+    <message>
+        <source>Sent bytes</source>
+        <translation>Sent bytes</translation>
+    </message>
+    <message>
+        <source>Received bytes</source>
+        <translation>Received bytes</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>Start</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stop</translation>
+    </message>
+    <message>
+        <source>Reload public addressess</source>
+        <translation>Reload public addressess</translation>
+    </message>
+    <message>
+        <source>Reload local addresses</source>
+        <translation>Reload local addresses</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Settings</translation>
+    </message>
+    <message>
+        <source>Look and Feel</source>
+        <translation>Look and Feel</translation>
+    </message>
+    <message>
+        <source>Expert mode</source>
+        <translation>Expert mode</translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Help</translation>
+    </message>
+    <message>
+        <source>About Quillon</source>
+        <translation>About Quillon</translation>
+    </message>
+    <message>
+        <source>About Qt</source>
+        <translation>About Qt</translation>
+    </message>
+    <message>
+        <source>Select Folder</source>
+        <translation>Select Folder</translation>
+    </message>
+    <message>
+        <source>Select File</source>
+        <translation>Select File</translation>
+    </message>
+    <message>
+        <source>&amp;Menu</source>
+        <translation>&amp;Menu</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;File</translation>
+    </message>
+    <message>
+        <source>Settings of the selected address</source>
+        <translation>Settings of the selected address</translation>
+    </message>
+    <message>
+        <source>Shared Content:</source>
+        <translation>Shared Content:</translation>
+    </message>
+    <message>
+        <source>The server run as root!</source>
+        <translation>The server run as root!</translation>
+    </message>
+    <message>
+        <source>Use this mode only if you want to use port 1 - 1024!</source>
+        <translation>Use this mode only if you want to use port 1 - 1024!</translation>
+    </message>
+    <message>
+        <source>Do you want to stop?</source>
+        <translation>Do you want to stop?</translation>
+    </message>
+    <message>
+        <source>Global Default Settings</source>
+        <translation>Global Default Settings</translation>
+    </message>
+    <message>
+        <source>Version</source>
+        <translation>Version</translation>
+    </message>
+    <message>
+        <source>Do you want to exit?</source>
+        <translation>Do you want to exit?</translation>
+    </message>
+    <message>
+        <source>Can&apos;t save the settings</source>
+        <translation>Can&apos;t save the settings</translation>
+    </message>
+    <message>
+        <source>All (*.*)</source>
+        <translation>All (*.*)</translation>
+    </message>
+</context>
+<context>
+    <name>OkCancelButtons</name>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancel</translation>
+    </message>
+</context>
+<context>
+    <name>PageFont</name>
+    <message>
+        <source>This is how texts will look.</source>
+        <translation>This is how texts will look.</translation>
+    </message>
+    <message>
+        <source>Font Settings</source>
+        <translation>Font Settings</translation>
+    </message>
+    <message>
+        <source>Size:</source>
+        <translation>Size:</translation>
+    </message>
+</context>
+<context>
+    <name>PagePalette</name>
+    <message>
+        <source>Color Settings</source>
+        <translation>Color Settings</translation>
+    </message>
+    <message>
+        <source>Background</source>
+        <translation>Background</translation>
+    </message>
+    <message>
+        <source>Text</source>
+        <translation>Text</translation>
+    </message>
+    <message>
+        <source>Button</source>
+        <translation>Button</translation>
+    </message>
+    <message>
+        <source>Set to default</source>
+        <translation>Set to default</translation>
+    </message>
+</context>
+<context>
+    <name>PageStyle</name>
+    <message>
+        <source>Style Settings</source>
+        <translation>Style Settings</translation>
+    </message>
+    <message>
+        <source>Style</source>
+        <translation>Style</translation>
+    </message>
+    <message>
+        <source> style not available on this system.</source>
+        <translation> style not available on this system.</translation>
+    </message>
+    <message>
+        <source>Style in use: %1</source>
+        <translation>Style in use: %1</translation>
+    </message>
+</context>
+<context>
+    <name>PasswordField</name>
+    <message>
+        <source>Show password</source>
+        <translation>Show password</translation>
+    </message>
+</context>
+<context>
+    <name>ProfileDialog</name>
+    <message>
+        <source>Change Profile</source>
+        <translation>Change Profile</translation>
+    </message>
+    <message>
+        <source>Select profile or edit profile name</source>
+        <translation>Select profile or edit profile name</translation>
+    </message>
+    <message>
+        <source>New profile</source>
+        <translation>New profile</translation>
+    </message>
+    <message>
+        <source>Remove profile</source>
+        <translation>Remove profile</translation>
+    </message>
+    <message>
+        <source>A profile needs a name.</source>
+        <translation>A profile needs a name.</translation>
+    </message>
+    <message>
+        <source>A profile name can&apos;t start with a dot and can&apos;t contain &quot;/&quot;.</source>
+        <translation>A profile name can&apos;t start with a dot and can&apos;t contain &quot;/&quot;.</translation>
+    </message>
+    <message>
+        <source>This profile name is too long.</source>
+        <translation>This profile name is too long.</translation>
+    </message>
+    <message>
+        <source>There is already a profile named &quot;%1&quot;.</source>
+        <translation>There is already a profile named &quot;%1&quot;.</translation>
+    </message>
+    <message>
+        <source>Profile name</source>
+        <translation>Profile name</translation>
+    </message>
+    <message>
+        <source>Can&apos;t write file: </source>
+        <translation>Can&apos;t write file: </translation>
+    </message>
+    <message>
+        <source>Used config profile is not removable.</source>
+        <translation>Used config profile is not removable.</translation>
+    </message>
+</context>
+<context>
+    <name>Reachability</name>
+    <message>
+        <source>&lt;center&gt;Server accessible only on local network&lt;/center&gt;</source>
+        <translation>&lt;center&gt;Server accessible only on local network&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>No port check service configured</source>
+        <translation>No port check service configured</translation>
+    </message>
+    <message>
+        <source>User and password required for DNS service.</source>
+        <translation>User and password required for DNS service.</translation>
+    </message>
+    <message>
+        <source>No DNS service configured</source>
+        <translation>No DNS service configured</translation>
+    </message>
+    <message>
+        <source>No internet connection</source>
+        <translation>No internet connection</translation>
+    </message>
+    <message>
+        <source>The shared files are accessible for everyone.</source>
+        <translation>The shared files are accessible for everyone.</translation>
+    </message>
+    <message>
+        <source>Do you want to set password?</source>
+        <translation>Do you want to set password?</translation>
+    </message>
+</context>
+<context>
+    <name>ServerItem</name>
+    <message>
+        <source>not exists!</source>
+        <translation>not exists!</translation>
+    </message>
+    <message>
+        <source>Choose what to share.</source>
+        <translation>Choose what to share.</translation>
+    </message>
+    <message>
+        <source>Unable to start the server</source>
+        <translation>Unable to start the server</translation>
+    </message>
+    <message>
+        <source>Shared now: %1</source>
+        <translation>Shared now: %1</translation>
+    </message>
+    <message>
+        <source>Invalid port</source>
+        <translation>Invalid port</translation>
+    </message>
+</context>
+<context>
+    <name>ServerThread</name>
+    <message>
+        <source>Wrong password</source>
+        <translation>Wrong password</translation>
+    </message>
+</context>
+<context>
+    <name>ShareDir</name>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Size</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Time</translation>
+    </message>
+    <message>
+        <source>Select Action</source>
+        <translation>Select Action</translation>
+    </message>
+    <message>
+        <source>Add File</source>
+        <translation>Add File</translation>
+    </message>
+    <message>
+        <source>Create Folder</source>
+        <translation>Create Folder</translation>
+    </message>
+    <message>
+        <source>File Manager in window</source>
+        <translation>File Manager in window</translation>
+    </message>
+    <message>
+        <source>File Manager in browser</source>
+        <translation>File Manager in browser</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Folder</translation>
+    </message>
+    <message>
+        <source>Empty</source>
+        <translation>Empty</translation>
+    </message>
+</context>
+<context>
+    <name>Slabel</name>
+    <message>
+        <source>On</source>
+        <translation>On</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <translation>Off</translation>
+    </message>
+</context>
+<context>
+    <name>StepField</name>
+    <message>
+        <source>Less</source>
+        <translation>Less</translation>
+    </message>
+    <message>
+        <source>More</source>
+        <translation>More</translation>
+    </message>
+</context>
+<context>
+    <name>UserDialog</name>
+    <message>
+        <source>Add user</source>
+        <translation>Add user</translation>
+    </message>
+    <message>
+        <source>User</source>
+        <translation>User</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Password</translation>
+    </message>
+</context>
+<context>
+    <name>WebServer</name>
+    <message>
+        <source>The password is empty: everyone is admitted.</source>
+        <translation>The password is empty: everyone is admitted.</translation>
+    </message>
+    <message>
+        <source>The certificate can&apos;t be read: %1</source>
+        <translation>The certificate can&apos;t be read: %1</translation>
+    </message>
+    <message>
+        <source>This is no certificate: %1</source>
+        <translation>This is no certificate: %1</translation>
+    </message>
+    <message>
+        <source>The private key can&apos;t be read: %1</source>
+        <translation>The private key can&apos;t be read: %1</translation>
+    </message>
+    <message>
+        <source>The private key can&apos;t be used, its pass phrase may be wrong: %1</source>
+        <translation>The private key can&apos;t be used, its pass phrase may be wrong: %1</translation>
+    </message>
+    <message>
+        <source>The certificate %1 is not that of the private key %2</source>
+        <translation>The certificate %1 is not that of the private key %2</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>Warning</translation>
+    </message>
+</context>
+<context>
+    <name>WebServices</name>
+    <message>
+        <source>&lt;centcer&gt;Public addresses: %1 , %2&lt;/center&gt;</source>
+        <translation>&lt;centcer&gt;Public addresses: %1 , %2&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;Public addresses: %1&lt;/center&gt;</source>
+        <translation>&lt;center&gt;Public addresses: %1&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;Public addresses: %1:%2 , %3:%4&lt;/center&gt;</source>
+        <translation>&lt;center&gt;Public addresses: %1:%2 , %3:%4&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;Public addresses: %1:%2&lt;/center&gt;</source>
+        <translation>&lt;center&gt;Public addresses: %1:%2&lt;/center&gt;</translation>
+    </message>
+</context>
+</TS>

@@ -1,0 +1,817 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="de_DE" sourcelanguage="en_US">
+<context>
+    <name>AddressList</name>
+    <message>
+        <source>Listen Addresses</source>
+        <translation>Adressen des Servers</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>Change Config</source>
+        <translation>Profil wechseln</translation>
+    </message>
+    <message>
+        <source>Add new port</source>
+        <translation>Port hinzufügen</translation>
+    </message>
+    <message>
+        <source>Change port</source>
+        <translation>Port ändern</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Entfernen</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;&lt;b&gt;Network not found&lt;/b&gt;&lt;/center&gt;</source>
+        <translation>&lt;center&gt;&lt;b&gt;Kein Netz gefunden&lt;/b&gt;&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>The network address is gone, the server stopped</source>
+        <translation>Die Netzadresse ist nicht mehr da, der Server wurde gestoppt</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;Accessible on local network</source>
+        <translation>&lt;center&gt;Erreichbar im lokalen Netz</translation>
+    </message>
+    <message>
+        <source>The server is running.</source>
+        <translation>Der Server läuft.</translation>
+    </message>
+    <message>
+        <source>Invalid port</source>
+        <translation>Ungültiger Port</translation>
+    </message>
+    <message>
+        <source>New port</source>
+        <translation>Neuer Port</translation>
+    </message>
+    <message>
+        <source>Port</source>
+        <translation>Port</translation>
+    </message>
+</context>
+<context>
+    <name>AddressTable</name>
+    <message>
+        <source>Address</source>
+        <translation>Adresse</translation>
+    </message>
+    <message>
+        <source>Config</source>
+        <translation>Profil</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Status</translation>
+    </message>
+    <message>
+        <source>Listen Addresses</source>
+        <translation>Adressen des Servers</translation>
+    </message>
+</context>
+<context>
+    <name>ColorDialog</name>
+    <message>
+        <source>Color:</source>
+        <translation>Farbe:</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigDialog</name>
+    <message>
+        <source>&amp;Apply</source>
+        <translation>Über&amp;nehmen</translation>
+    </message>
+    <message>
+        <source>Configuration Settings</source>
+        <translation>Einstellungen des Profils</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Schließen</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Aut.</source>
+        <translation>Zugang</translation>
+    </message>
+    <message>
+        <source>Server</source>
+        <translation>Server</translation>
+    </message>
+    <message>
+        <source>DNS</source>
+        <translation>DNS</translation>
+    </message>
+    <message>
+        <source>Server2</source>
+        <translation>Server 2</translation>
+    </message>
+    <message>
+        <source>Can&apos;t write file: </source>
+        <translation>Diese Datei kann nicht geschrieben werden: </translation>
+    </message>
+    <message>
+        <source>The settings stay in use until the program ends.</source>
+        <translation>Die Einstellungen gelten bis zum Ende des Programms.</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPage</name>
+    <message>
+        <source>Help</source>
+        <translation>Hilfe</translation>
+    </message>
+    <message>
+        <source>Help: %1</source>
+        <translation>Hilfe: %1</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageAut</name>
+    <message>
+        <source>Authentication Settings</source>
+        <translation>Einstellungen des Zugangs</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>Keine</translation>
+    </message>
+    <message>
+        <source>Password only</source>
+        <translation>Nur Passwort</translation>
+    </message>
+    <message>
+        <source>Basic HTTP</source>
+        <translation>Basic HTTP</translation>
+    </message>
+    <message>
+        <source>Authentication mode</source>
+        <translation>Art der Anmeldung</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Passwort</translation>
+    </message>
+    <message>
+        <source>User</source>
+        <translation>Benutzer</translation>
+    </message>
+    <message>
+        <source>Users</source>
+        <translation>Benutzer</translation>
+    </message>
+    <message>
+        <source>Show passwords</source>
+        <translation>Passwörter anzeigen</translation>
+    </message>
+    <message>
+        <source>Add user</source>
+        <translation>Benutzer hinzufügen</translation>
+    </message>
+    <message>
+        <source>Remove user</source>
+        <translation>Benutzer entfernen</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageDNS</name>
+    <message>
+        <source>DNS Settings</source>
+        <translation>DNS-Einstellungen</translation>
+    </message>
+    <message>
+        <source>Enable DNS Service</source>
+        <translation>DNS-Dienst verwenden</translation>
+    </message>
+    <message>
+        <source>User:</source>
+        <translation>Benutzer:</translation>
+    </message>
+    <message>
+        <source>Password:</source>
+        <translation>Passwort:</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageFolder</name>
+    <message>
+        <source>Folder View Settings</source>
+        <translation>Ordneransicht</translation>
+    </message>
+    <message>
+        <source>Show images</source>
+        <translation>Bilder anzeigen</translation>
+    </message>
+    <message>
+        <source>Enable deleting</source>
+        <translation>Löschen erlauben</translation>
+    </message>
+    <message>
+        <source>Show folders</source>
+        <translation>Ordner anzeigen</translation>
+    </message>
+    <message>
+        <source>Enable upload</source>
+        <translation>Hochladen erlauben</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageServer</name>
+    <message>
+        <source>Server Settings</source>
+        <translation>Einstellungen des Servers</translation>
+    </message>
+    <message>
+        <source>Show warning messages</source>
+        <translation>Warnungen anzeigen</translation>
+    </message>
+    <message>
+        <source>SSL/Secure Mode</source>
+        <translation>SSL/Sicherer Modus</translation>
+    </message>
+    <message>
+        <source>Port [1 - 65535]:</source>
+        <translation>Port [1 - 65535]:</translation>
+    </message>
+    <message>
+        <source>Restore default keys</source>
+        <translation>Standardschlüssel wiederherstellen</translation>
+    </message>
+    <message>
+        <source>Browse for the private key</source>
+        <translation>Privaten Schlüssel suchen</translation>
+    </message>
+    <message>
+        <source>Private key:</source>
+        <translation>Privater Schlüssel:</translation>
+    </message>
+    <message>
+        <source>Password:</source>
+        <translation>Passwort:</translation>
+    </message>
+    <message>
+        <source>Browse for the public key</source>
+        <translation>Öffentlichen Schlüssel suchen</translation>
+    </message>
+    <message>
+        <source>Public key:</source>
+        <translation>Öffentlicher Schlüssel:</translation>
+    </message>
+    <message>
+        <source>Private Key</source>
+        <translation>Privater Schlüssel</translation>
+    </message>
+    <message>
+        <source>Open Private Key File</source>
+        <translation>Datei des privaten Schlüssels öffnen</translation>
+    </message>
+    <message>
+        <source>Public Key</source>
+        <translation>Öffentlicher Schlüssel</translation>
+    </message>
+    <message>
+        <source>Open Public Key File</source>
+        <translation>Datei des öffentlichen Schlüssels öffnen</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageServer2</name>
+    <message>
+        <source>Server Settings 2</source>
+        <translation>Einstellungen des Servers 2</translation>
+    </message>
+    <message>
+        <source>Max. Connections:</source>
+        <translation>Max. Verbindungen:</translation>
+    </message>
+    <message>
+        <source>Network traffic limit [KB]:</source>
+        <translation>Datenlimit [KB]:</translation>
+    </message>
+    <message>
+        <source>Session lifetime [s]:</source>
+        <translation>Sitzungsdauer [s]:</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageView</name>
+    <message>
+        <source>Pages</source>
+        <translation>Seiten</translation>
+    </message>
+</context>
+<context>
+    <name>Configuration</name>
+    <message>
+        <source>Default</source>
+        <translation>Standard</translation>
+    </message>
+</context>
+<context>
+    <name>EventHandler</name>
+    <message>
+        <source>Last connection</source>
+        <translation>Letzte Verbindung</translation>
+    </message>
+</context>
+<context>
+    <name>GUIconfig</name>
+    <message>
+        <source>&amp;Apply</source>
+        <translation>Über&amp;nehmen</translation>
+    </message>
+    <message>
+        <source>Look&amp;Feel Settings</source>
+        <translation>Aussehen</translation>
+    </message>
+    <message>
+        <source>Style</source>
+        <translation>Stil</translation>
+    </message>
+    <message>
+        <source>Color</source>
+        <translation>Farbe</translation>
+    </message>
+    <message>
+        <source>Font</source>
+        <translation>Schrift</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Abbrechen</translation>
+    </message>
+    <message>
+        <source>Color settings not working with </source>
+        <translation>Die Farbeinstellungen wirken nicht beim Stil </translation>
+    </message>
+    <message>
+        <source> style.</source>
+        <translation>.</translation>
+    </message>
+    <message>
+        <source>Can&apos;t write file: </source>
+        <translation>Diese Datei kann nicht geschrieben werden: </translation>
+    </message>
+</context>
+<context>
+    <name>MessageDialog</name>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Schließen</translation>
+    </message>
+    <message>
+        <source>Can&apos;t read file: </source>
+        <translation>Diese Datei kann nicht gelesen werden: </translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Hilfe</translation>
+    </message>
+</context>
+<context>
+    <name>MobileWebServer</name>
+    <message>
+        <source>Can&apos;t make the folder</source>
+        <translation>Dieser Ordner kann nicht angelegt werden</translation>
+    </message>
+    <message>
+        <source>Max. network traffic limit</source>
+        <translation>Datenlimit</translation>
+    </message>
+    <message>
+        <source>reached</source>
+        <translation>erreicht</translation>
+    </message>
+    <message>
+        <source>Server stopped on</source>
+        <translation>Server gestoppt auf</translation>
+    </message>
+    <message>
+        <source>Sent bytes</source>
+        <translation>Gesendet</translation>
+    </message>
+    <message>
+        <source>Received bytes</source>
+        <translation>Empfangen</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>Starten</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Stoppen</translation>
+    </message>
+    <message>
+        <source>Reload public addressess</source>
+        <translation>Öffentliche Adressen neu laden</translation>
+    </message>
+    <message>
+        <source>Reload local addresses</source>
+        <translation>Lokale Adressen neu laden</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Einstellungen</translation>
+    </message>
+    <message>
+        <source>Look and Feel</source>
+        <translation>Aussehen</translation>
+    </message>
+    <message>
+        <source>Expert mode</source>
+        <translation>Expertenmodus</translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Hilfe</translation>
+    </message>
+    <message>
+        <source>About Quillon</source>
+        <translation>Über Quillon</translation>
+    </message>
+    <message>
+        <source>About Qt</source>
+        <translation>Über Qt</translation>
+    </message>
+    <message>
+        <source>Select Folder</source>
+        <translation>Ordner auswählen</translation>
+    </message>
+    <message>
+        <source>Select File</source>
+        <translation>Datei auswählen</translation>
+    </message>
+    <message>
+        <source>&amp;Menu</source>
+        <translation>&amp;Menü</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Datei</translation>
+    </message>
+    <message>
+        <source>Settings of the selected address</source>
+        <translation>Einstellungen der ausgewählten Adresse</translation>
+    </message>
+    <message>
+        <source>Shared Content:</source>
+        <translation>Freigegebener Inhalt:</translation>
+    </message>
+    <message>
+        <source>The server run as root!</source>
+        <translation>Der Server läuft als root!</translation>
+    </message>
+    <message>
+        <source>Use this mode only if you want to use port 1 - 1024!</source>
+        <translation>Verwenden Sie diesen Modus nur, wenn Sie einen Port von 1 bis 1024 brauchen!</translation>
+    </message>
+    <message>
+        <source>Do you want to stop?</source>
+        <translation>Möchten Sie ihn stoppen?</translation>
+    </message>
+    <message>
+        <source>Global Default Settings</source>
+        <translation>Allgemeine Einstellungen</translation>
+    </message>
+    <message>
+        <source>Version</source>
+        <translation>Version</translation>
+    </message>
+    <message>
+        <source>Do you want to exit?</source>
+        <translation>Möchten Sie das Programm beenden?</translation>
+    </message>
+    <message>
+        <source>Can&apos;t save the settings</source>
+        <translation>Die Einstellungen können nicht gespeichert werden</translation>
+    </message>
+    <message>
+        <source>All (*.*)</source>
+        <translation>Alle (*.*)</translation>
+    </message>
+</context>
+<context>
+    <name>OkCancelButtons</name>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Abbrechen</translation>
+    </message>
+</context>
+<context>
+    <name>PageFont</name>
+    <message>
+        <source>This is how texts will look.</source>
+        <translation>So werden Texte aussehen.</translation>
+    </message>
+    <message>
+        <source>Font Settings</source>
+        <translation>Einstellungen der Schrift</translation>
+    </message>
+    <message>
+        <source>Size:</source>
+        <translation>Größe:</translation>
+    </message>
+</context>
+<context>
+    <name>PagePalette</name>
+    <message>
+        <source>Color Settings</source>
+        <translation>Einstellungen der Farben</translation>
+    </message>
+    <message>
+        <source>Background</source>
+        <translation>Hintergrund</translation>
+    </message>
+    <message>
+        <source>Text</source>
+        <translation>Text</translation>
+    </message>
+    <message>
+        <source>Button</source>
+        <translation>Taste</translation>
+    </message>
+    <message>
+        <source>Set to default</source>
+        <translation>Auf Standard setzen</translation>
+    </message>
+</context>
+<context>
+    <name>PageStyle</name>
+    <message>
+        <source>Style Settings</source>
+        <translation>Einstellungen des Stils</translation>
+    </message>
+    <message>
+        <source>Style</source>
+        <translation>Stil</translation>
+    </message>
+    <message>
+        <source> style not available on this system.</source>
+        <translation>: Dieser Stil ist auf diesem System nicht verfügbar.</translation>
+    </message>
+    <message>
+        <source>Style in use: %1</source>
+        <translation>Verwendeter Stil: %1</translation>
+    </message>
+</context>
+<context>
+    <name>PasswordField</name>
+    <message>
+        <source>Show password</source>
+        <translation>Passwort anzeigen</translation>
+    </message>
+</context>
+<context>
+    <name>ProfileDialog</name>
+    <message>
+        <source>Change Profile</source>
+        <translation>Profil wechseln</translation>
+    </message>
+    <message>
+        <source>Select profile or edit profile name</source>
+        <translation>Profil auswählen oder seinen Namen ändern</translation>
+    </message>
+    <message>
+        <source>New profile</source>
+        <translation>Neues Profil</translation>
+    </message>
+    <message>
+        <source>Remove profile</source>
+        <translation>Profil entfernen</translation>
+    </message>
+    <message>
+        <source>A profile needs a name.</source>
+        <translation>Ein Profil braucht einen Namen.</translation>
+    </message>
+    <message>
+        <source>A profile name can&apos;t start with a dot and can&apos;t contain &quot;/&quot;.</source>
+        <translation>Der Name eines Profils kann nicht mit einem Punkt beginnen und kein „/“ enthalten.</translation>
+    </message>
+    <message>
+        <source>This profile name is too long.</source>
+        <translation>Dieser Profilname ist zu lang.</translation>
+    </message>
+    <message>
+        <source>There is already a profile named &quot;%1&quot;.</source>
+        <translation>Es gibt schon ein Profil mit dem Namen „%1“.</translation>
+    </message>
+    <message>
+        <source>Profile name</source>
+        <translation>Name des Profils</translation>
+    </message>
+    <message>
+        <source>Can&apos;t write file: </source>
+        <translation>Diese Datei kann nicht geschrieben werden: </translation>
+    </message>
+    <message>
+        <source>Used config profile is not removable.</source>
+        <translation>Ein verwendetes Profil lässt sich nicht entfernen.</translation>
+    </message>
+</context>
+<context>
+    <name>Reachability</name>
+    <message>
+        <source>&lt;center&gt;Server accessible only on local network&lt;/center&gt;</source>
+        <translation>&lt;center&gt;Server nur im lokalen Netz erreichbar&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>No port check service configured</source>
+        <translation>Kein Prüfdienst für den Port eingerichtet</translation>
+    </message>
+    <message>
+        <source>User and password required for DNS service.</source>
+        <translation>Der DNS-Dienst braucht Benutzer und Passwort.</translation>
+    </message>
+    <message>
+        <source>No DNS service configured</source>
+        <translation>Kein DNS-Dienst eingerichtet</translation>
+    </message>
+    <message>
+        <source>No internet connection</source>
+        <translation>Keine Verbindung zum Internet</translation>
+    </message>
+    <message>
+        <source>The shared files are accessible for everyone.</source>
+        <translation>Die freigegebenen Dateien sind für alle zugänglich.</translation>
+    </message>
+    <message>
+        <source>Do you want to set password?</source>
+        <translation>Möchten Sie ein Passwort setzen?</translation>
+    </message>
+</context>
+<context>
+    <name>ServerItem</name>
+    <message>
+        <source>not exists!</source>
+        <translation>existiert nicht!</translation>
+    </message>
+    <message>
+        <source>Choose what to share.</source>
+        <translation>Wählen Sie, was freigegeben werden soll.</translation>
+    </message>
+    <message>
+        <source>Unable to start the server</source>
+        <translation>Der Server kann nicht gestartet werden</translation>
+    </message>
+    <message>
+        <source>Shared now: %1</source>
+        <translation>Jetzt freigegeben: %1</translation>
+    </message>
+    <message>
+        <source>Invalid port</source>
+        <translation>Ungültiger Port</translation>
+    </message>
+</context>
+<context>
+    <name>ServerThread</name>
+    <message>
+        <source>Wrong password</source>
+        <translation>Falsches Passwort</translation>
+    </message>
+</context>
+<context>
+    <name>ShareDir</name>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Umfang</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Zeit</translation>
+    </message>
+    <message>
+        <source>Select Action</source>
+        <translation>Aktionen</translation>
+    </message>
+    <message>
+        <source>Add File</source>
+        <translation>Datei hochladen</translation>
+    </message>
+    <message>
+        <source>Create Folder</source>
+        <translation>Ordner anlegen</translation>
+    </message>
+    <message>
+        <source>File Manager in window</source>
+        <translation>Dateimanager im Fenster</translation>
+    </message>
+    <message>
+        <source>File Manager in browser</source>
+        <translation>Dateimanager im Browser</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Ordner</translation>
+    </message>
+    <message>
+        <source>Empty</source>
+        <translation>Leer</translation>
+    </message>
+</context>
+<context>
+    <name>Slabel</name>
+    <message>
+        <source>On</source>
+        <translation>Ein</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <translation>Aus</translation>
+    </message>
+</context>
+<context>
+    <name>StepField</name>
+    <message>
+        <source>Less</source>
+        <translation>Weniger</translation>
+    </message>
+    <message>
+        <source>More</source>
+        <translation>Mehr</translation>
+    </message>
+</context>
+<context>
+    <name>UserDialog</name>
+    <message>
+        <source>Add user</source>
+        <translation>Benutzer hinzufügen</translation>
+    </message>
+    <message>
+        <source>User</source>
+        <translation>Benutzer</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Passwort</translation>
+    </message>
+</context>
+<context>
+    <name>WebServer</name>
+    <message>
+        <source>The password is empty: everyone is admitted.</source>
+        <translation>Das Passwort ist leer: Jeder kommt herein.</translation>
+    </message>
+    <message>
+        <source>The certificate can&apos;t be read: %1</source>
+        <translation>Das Zertifikat kann nicht gelesen werden: %1</translation>
+    </message>
+    <message>
+        <source>This is no certificate: %1</source>
+        <translation>Dies ist kein Zertifikat: %1</translation>
+    </message>
+    <message>
+        <source>The private key can&apos;t be read: %1</source>
+        <translation>Der private Schlüssel kann nicht gelesen werden: %1</translation>
+    </message>
+    <message>
+        <source>The private key can&apos;t be used, its pass phrase may be wrong: %1</source>
+        <translation>Der private Schlüssel ist nicht verwendbar, vielleicht ist sein Passwort falsch: %1</translation>
+    </message>
+    <message>
+        <source>The certificate %1 is not that of the private key %2</source>
+        <translation>Das Zertifikat %1 gehört nicht zum privaten Schlüssel %2</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>Warnung</translation>
+    </message>
+</context>
+<context>
+    <name>WebServices</name>
+    <message>
+        <source>&lt;centcer&gt;Public addresses: %1 , %2&lt;/center&gt;</source>
+        <translation>&lt;centcer&gt;Öffentliche Adressen: %1 , %2&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;Public addresses: %1&lt;/center&gt;</source>
+        <translation>&lt;center&gt;Öffentliche Adressen: %1&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;Public addresses: %1:%2 , %3:%4&lt;/center&gt;</source>
+        <translation>&lt;center&gt;Öffentliche Adressen: %1:%2 , %3:%4&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;Public addresses: %1:%2&lt;/center&gt;</source>
+        <translation>&lt;center&gt;Öffentliche Adressen: %1:%2&lt;/center&gt;</translation>
+    </message>
+</context>
+</TS>

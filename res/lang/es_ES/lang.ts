@@ -1,0 +1,817 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="es_ES" sourcelanguage="en_US">
+<context>
+    <name>AddressList</name>
+    <message>
+        <source>Listen Addresses</source>
+        <translation>Direcciones de escucha</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Ajustes</translation>
+    </message>
+    <message>
+        <source>Change Config</source>
+        <translation>Cambiar de perfil</translation>
+    </message>
+    <message>
+        <source>Add new port</source>
+        <translation>Añadir puerto</translation>
+    </message>
+    <message>
+        <source>Change port</source>
+        <translation>Cambiar puerto</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Quitar</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;&lt;b&gt;Network not found&lt;/b&gt;&lt;/center&gt;</source>
+        <translation>&lt;center&gt;&lt;b&gt;No se encuentra ninguna red&lt;/b&gt;&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>The network address is gone, the server stopped</source>
+        <translation>La dirección de red ha desaparecido, el servidor se ha detenido</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;Accessible on local network</source>
+        <translation>&lt;center&gt;Accesible en la red local</translation>
+    </message>
+    <message>
+        <source>The server is running.</source>
+        <translation>El servidor está en marcha.</translation>
+    </message>
+    <message>
+        <source>Invalid port</source>
+        <translation>Puerto no válido</translation>
+    </message>
+    <message>
+        <source>New port</source>
+        <translation>Puerto nuevo</translation>
+    </message>
+    <message>
+        <source>Port</source>
+        <translation>Puerto</translation>
+    </message>
+</context>
+<context>
+    <name>AddressTable</name>
+    <message>
+        <source>Address</source>
+        <translation>Dirección</translation>
+    </message>
+    <message>
+        <source>Config</source>
+        <translation>Perfil</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>Estado</translation>
+    </message>
+    <message>
+        <source>Listen Addresses</source>
+        <translation>Direcciones de escucha</translation>
+    </message>
+</context>
+<context>
+    <name>ColorDialog</name>
+    <message>
+        <source>Color:</source>
+        <translation>Color:</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigDialog</name>
+    <message>
+        <source>&amp;Apply</source>
+        <translation>&amp;Aplicar</translation>
+    </message>
+    <message>
+        <source>Configuration Settings</source>
+        <translation>Ajustes del perfil</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Cerrar</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Carpeta</translation>
+    </message>
+    <message>
+        <source>Aut.</source>
+        <translation>Acceso</translation>
+    </message>
+    <message>
+        <source>Server</source>
+        <translation>Servidor</translation>
+    </message>
+    <message>
+        <source>DNS</source>
+        <translation>DNS</translation>
+    </message>
+    <message>
+        <source>Server2</source>
+        <translation>Servidor 2</translation>
+    </message>
+    <message>
+        <source>Can&apos;t write file: </source>
+        <translation>No se puede escribir el archivo: </translation>
+    </message>
+    <message>
+        <source>The settings stay in use until the program ends.</source>
+        <translation>Los ajustes valen hasta que termine el programa.</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPage</name>
+    <message>
+        <source>Help</source>
+        <translation>Ayuda</translation>
+    </message>
+    <message>
+        <source>Help: %1</source>
+        <translation>Ayuda: %1</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageAut</name>
+    <message>
+        <source>Authentication Settings</source>
+        <translation>Ajustes de acceso</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>Ninguna</translation>
+    </message>
+    <message>
+        <source>Password only</source>
+        <translation>Solo contraseña</translation>
+    </message>
+    <message>
+        <source>Basic HTTP</source>
+        <translation>Basic HTTP</translation>
+    </message>
+    <message>
+        <source>Authentication mode</source>
+        <translation>Modo de autenticación</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Contraseña</translation>
+    </message>
+    <message>
+        <source>User</source>
+        <translation>Usuario</translation>
+    </message>
+    <message>
+        <source>Users</source>
+        <translation>Usuarios</translation>
+    </message>
+    <message>
+        <source>Show passwords</source>
+        <translation>Mostrar contraseñas</translation>
+    </message>
+    <message>
+        <source>Add user</source>
+        <translation>Añadir usuario</translation>
+    </message>
+    <message>
+        <source>Remove user</source>
+        <translation>Quitar usuario</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageDNS</name>
+    <message>
+        <source>DNS Settings</source>
+        <translation>Ajustes de DNS</translation>
+    </message>
+    <message>
+        <source>Enable DNS Service</source>
+        <translation>Usar el servicio DNS</translation>
+    </message>
+    <message>
+        <source>User:</source>
+        <translation>Usuario:</translation>
+    </message>
+    <message>
+        <source>Password:</source>
+        <translation>Contraseña:</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageFolder</name>
+    <message>
+        <source>Folder View Settings</source>
+        <translation>Vista de carpetas</translation>
+    </message>
+    <message>
+        <source>Show images</source>
+        <translation>Mostrar imágenes</translation>
+    </message>
+    <message>
+        <source>Enable deleting</source>
+        <translation>Permitir borrar</translation>
+    </message>
+    <message>
+        <source>Show folders</source>
+        <translation>Mostrar carpetas</translation>
+    </message>
+    <message>
+        <source>Enable upload</source>
+        <translation>Permitir subir</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageServer</name>
+    <message>
+        <source>Server Settings</source>
+        <translation>Ajustes del servidor</translation>
+    </message>
+    <message>
+        <source>Show warning messages</source>
+        <translation>Mostrar advertencias</translation>
+    </message>
+    <message>
+        <source>SSL/Secure Mode</source>
+        <translation>SSL/Modo seguro</translation>
+    </message>
+    <message>
+        <source>Port [1 - 65535]:</source>
+        <translation>Puerto [1 - 65535]:</translation>
+    </message>
+    <message>
+        <source>Restore default keys</source>
+        <translation>Restaurar claves predeterminadas</translation>
+    </message>
+    <message>
+        <source>Browse for the private key</source>
+        <translation>Buscar la clave privada</translation>
+    </message>
+    <message>
+        <source>Private key:</source>
+        <translation>Clave privada:</translation>
+    </message>
+    <message>
+        <source>Password:</source>
+        <translation>Contraseña:</translation>
+    </message>
+    <message>
+        <source>Browse for the public key</source>
+        <translation>Buscar la clave pública</translation>
+    </message>
+    <message>
+        <source>Public key:</source>
+        <translation>Clave pública:</translation>
+    </message>
+    <message>
+        <source>Private Key</source>
+        <translation>Clave privada</translation>
+    </message>
+    <message>
+        <source>Open Private Key File</source>
+        <translation>Abrir el archivo de la clave privada</translation>
+    </message>
+    <message>
+        <source>Public Key</source>
+        <translation>Clave pública</translation>
+    </message>
+    <message>
+        <source>Open Public Key File</source>
+        <translation>Abrir el archivo de la clave pública</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageServer2</name>
+    <message>
+        <source>Server Settings 2</source>
+        <translation>Ajustes del servidor 2</translation>
+    </message>
+    <message>
+        <source>Max. Connections:</source>
+        <translation>Conexiones máx.:</translation>
+    </message>
+    <message>
+        <source>Network traffic limit [KB]:</source>
+        <translation>Límite de tráfico [KB]:</translation>
+    </message>
+    <message>
+        <source>Session lifetime [s]:</source>
+        <translation>Duración de la sesión [s]:</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageView</name>
+    <message>
+        <source>Pages</source>
+        <translation>Páginas</translation>
+    </message>
+</context>
+<context>
+    <name>Configuration</name>
+    <message>
+        <source>Default</source>
+        <translation>Predeterminado</translation>
+    </message>
+</context>
+<context>
+    <name>EventHandler</name>
+    <message>
+        <source>Last connection</source>
+        <translation>Última conexión</translation>
+    </message>
+</context>
+<context>
+    <name>GUIconfig</name>
+    <message>
+        <source>&amp;Apply</source>
+        <translation>&amp;Aplicar</translation>
+    </message>
+    <message>
+        <source>Look&amp;Feel Settings</source>
+        <translation>Apariencia</translation>
+    </message>
+    <message>
+        <source>Style</source>
+        <translation>Estilo</translation>
+    </message>
+    <message>
+        <source>Color</source>
+        <translation>Color</translation>
+    </message>
+    <message>
+        <source>Font</source>
+        <translation>Letra</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>&amp;Cancelar</translation>
+    </message>
+    <message>
+        <source>Color settings not working with </source>
+        <translation>Los ajustes de color no funcionan con el estilo </translation>
+    </message>
+    <message>
+        <source> style.</source>
+        <translation>.</translation>
+    </message>
+    <message>
+        <source>Can&apos;t write file: </source>
+        <translation>No se puede escribir el archivo: </translation>
+    </message>
+</context>
+<context>
+    <name>MessageDialog</name>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Cerrar</translation>
+    </message>
+    <message>
+        <source>Can&apos;t read file: </source>
+        <translation>No se puede leer el archivo: </translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Ayuda</translation>
+    </message>
+</context>
+<context>
+    <name>MobileWebServer</name>
+    <message>
+        <source>Can&apos;t make the folder</source>
+        <translation>No se puede crear la carpeta</translation>
+    </message>
+    <message>
+        <source>Max. network traffic limit</source>
+        <translation>Límite de tráfico</translation>
+    </message>
+    <message>
+        <source>reached</source>
+        <translation>alcanzado</translation>
+    </message>
+    <message>
+        <source>Server stopped on</source>
+        <translation>Servidor detenido en</translation>
+    </message>
+    <message>
+        <source>Sent bytes</source>
+        <translation>Enviado</translation>
+    </message>
+    <message>
+        <source>Received bytes</source>
+        <translation>Recibido</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>Iniciar</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Detener</translation>
+    </message>
+    <message>
+        <source>Reload public addressess</source>
+        <translation>Recargar las direcciones públicas</translation>
+    </message>
+    <message>
+        <source>Reload local addresses</source>
+        <translation>Recargar las direcciones locales</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Ajustes</translation>
+    </message>
+    <message>
+        <source>Look and Feel</source>
+        <translation>Apariencia</translation>
+    </message>
+    <message>
+        <source>Expert mode</source>
+        <translation>Modo experto</translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Ayuda</translation>
+    </message>
+    <message>
+        <source>About Quillon</source>
+        <translation>Acerca de Quillon</translation>
+    </message>
+    <message>
+        <source>About Qt</source>
+        <translation>Acerca de Qt</translation>
+    </message>
+    <message>
+        <source>Select Folder</source>
+        <translation>Elegir carpeta</translation>
+    </message>
+    <message>
+        <source>Select File</source>
+        <translation>Elegir archivo</translation>
+    </message>
+    <message>
+        <source>&amp;Menu</source>
+        <translation>&amp;Menú</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Archivo</translation>
+    </message>
+    <message>
+        <source>Settings of the selected address</source>
+        <translation>Ajustes de la dirección elegida</translation>
+    </message>
+    <message>
+        <source>Shared Content:</source>
+        <translation>Contenido compartido:</translation>
+    </message>
+    <message>
+        <source>The server run as root!</source>
+        <translation>¡El servidor se ejecuta como root!</translation>
+    </message>
+    <message>
+        <source>Use this mode only if you want to use port 1 - 1024!</source>
+        <translation>¡Use este modo solo si quiere un puerto del 1 al 1024!</translation>
+    </message>
+    <message>
+        <source>Do you want to stop?</source>
+        <translation>¿Quiere detenerlo?</translation>
+    </message>
+    <message>
+        <source>Global Default Settings</source>
+        <translation>Ajustes generales</translation>
+    </message>
+    <message>
+        <source>Version</source>
+        <translation>Versión</translation>
+    </message>
+    <message>
+        <source>Do you want to exit?</source>
+        <translation>¿Quiere salir?</translation>
+    </message>
+    <message>
+        <source>Can&apos;t save the settings</source>
+        <translation>No se pueden guardar los ajustes</translation>
+    </message>
+    <message>
+        <source>All (*.*)</source>
+        <translation>Todos (*.*)</translation>
+    </message>
+</context>
+<context>
+    <name>OkCancelButtons</name>
+    <message>
+        <source>OK</source>
+        <translation>Aceptar</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Cancelar</translation>
+    </message>
+</context>
+<context>
+    <name>PageFont</name>
+    <message>
+        <source>This is how texts will look.</source>
+        <translation>Así se verán los textos.</translation>
+    </message>
+    <message>
+        <source>Font Settings</source>
+        <translation>Ajustes de la letra</translation>
+    </message>
+    <message>
+        <source>Size:</source>
+        <translation>Tamaño:</translation>
+    </message>
+</context>
+<context>
+    <name>PagePalette</name>
+    <message>
+        <source>Color Settings</source>
+        <translation>Ajustes de color</translation>
+    </message>
+    <message>
+        <source>Background</source>
+        <translation>Fondo</translation>
+    </message>
+    <message>
+        <source>Text</source>
+        <translation>Texto</translation>
+    </message>
+    <message>
+        <source>Button</source>
+        <translation>Botón</translation>
+    </message>
+    <message>
+        <source>Set to default</source>
+        <translation>Restablecer</translation>
+    </message>
+</context>
+<context>
+    <name>PageStyle</name>
+    <message>
+        <source>Style Settings</source>
+        <translation>Ajustes de estilo</translation>
+    </message>
+    <message>
+        <source>Style</source>
+        <translation>Estilo</translation>
+    </message>
+    <message>
+        <source> style not available on this system.</source>
+        <translation>: este estilo no está disponible en este sistema.</translation>
+    </message>
+    <message>
+        <source>Style in use: %1</source>
+        <translation>Estilo en uso: %1</translation>
+    </message>
+</context>
+<context>
+    <name>PasswordField</name>
+    <message>
+        <source>Show password</source>
+        <translation>Mostrar contraseña</translation>
+    </message>
+</context>
+<context>
+    <name>ProfileDialog</name>
+    <message>
+        <source>Change Profile</source>
+        <translation>Cambiar de perfil</translation>
+    </message>
+    <message>
+        <source>Select profile or edit profile name</source>
+        <translation>Elija un perfil o cambie su nombre</translation>
+    </message>
+    <message>
+        <source>New profile</source>
+        <translation>Perfil nuevo</translation>
+    </message>
+    <message>
+        <source>Remove profile</source>
+        <translation>Quitar perfil</translation>
+    </message>
+    <message>
+        <source>A profile needs a name.</source>
+        <translation>Un perfil necesita un nombre.</translation>
+    </message>
+    <message>
+        <source>A profile name can&apos;t start with a dot and can&apos;t contain &quot;/&quot;.</source>
+        <translation>El nombre de un perfil no puede empezar por un punto ni contener «/».</translation>
+    </message>
+    <message>
+        <source>This profile name is too long.</source>
+        <translation>Este nombre de perfil es demasiado largo.</translation>
+    </message>
+    <message>
+        <source>There is already a profile named &quot;%1&quot;.</source>
+        <translation>Ya hay un perfil llamado «%1».</translation>
+    </message>
+    <message>
+        <source>Profile name</source>
+        <translation>Nombre del perfil</translation>
+    </message>
+    <message>
+        <source>Can&apos;t write file: </source>
+        <translation>No se puede escribir el archivo: </translation>
+    </message>
+    <message>
+        <source>Used config profile is not removable.</source>
+        <translation>Un perfil en uso no se puede quitar.</translation>
+    </message>
+</context>
+<context>
+    <name>Reachability</name>
+    <message>
+        <source>&lt;center&gt;Server accessible only on local network&lt;/center&gt;</source>
+        <translation>&lt;center&gt;Servidor accesible solo en la red local&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>No port check service configured</source>
+        <translation>No hay ningún servicio configurado para comprobar el puerto</translation>
+    </message>
+    <message>
+        <source>User and password required for DNS service.</source>
+        <translation>El servicio DNS requiere usuario y contraseña.</translation>
+    </message>
+    <message>
+        <source>No DNS service configured</source>
+        <translation>No hay ningún servicio DNS configurado</translation>
+    </message>
+    <message>
+        <source>No internet connection</source>
+        <translation>No hay conexión a Internet</translation>
+    </message>
+    <message>
+        <source>The shared files are accessible for everyone.</source>
+        <translation>Los archivos compartidos son accesibles para todos.</translation>
+    </message>
+    <message>
+        <source>Do you want to set password?</source>
+        <translation>¿Quiere poner una contraseña?</translation>
+    </message>
+</context>
+<context>
+    <name>ServerItem</name>
+    <message>
+        <source>not exists!</source>
+        <translation>¡no existe!</translation>
+    </message>
+    <message>
+        <source>Choose what to share.</source>
+        <translation>Elija qué desea compartir.</translation>
+    </message>
+    <message>
+        <source>Unable to start the server</source>
+        <translation>No se puede iniciar el servidor</translation>
+    </message>
+    <message>
+        <source>Shared now: %1</source>
+        <translation>Compartido ahora: %1</translation>
+    </message>
+    <message>
+        <source>Invalid port</source>
+        <translation>Puerto no válido</translation>
+    </message>
+</context>
+<context>
+    <name>ServerThread</name>
+    <message>
+        <source>Wrong password</source>
+        <translation>Contraseña incorrecta</translation>
+    </message>
+</context>
+<context>
+    <name>ShareDir</name>
+    <message>
+        <source>Name</source>
+        <translation>Nombre</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Peso</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Fecha</translation>
+    </message>
+    <message>
+        <source>Select Action</source>
+        <translation>Acciones</translation>
+    </message>
+    <message>
+        <source>Add File</source>
+        <translation>Subir archivo</translation>
+    </message>
+    <message>
+        <source>Create Folder</source>
+        <translation>Crear carpeta</translation>
+    </message>
+    <message>
+        <source>File Manager in window</source>
+        <translation>Gestor de archivos en ventana</translation>
+    </message>
+    <message>
+        <source>File Manager in browser</source>
+        <translation>Gestor de archivos en el navegador</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Carpeta</translation>
+    </message>
+    <message>
+        <source>Empty</source>
+        <translation>Vacío</translation>
+    </message>
+</context>
+<context>
+    <name>Slabel</name>
+    <message>
+        <source>On</source>
+        <translation>Activado</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <translation>Desactivado</translation>
+    </message>
+</context>
+<context>
+    <name>StepField</name>
+    <message>
+        <source>Less</source>
+        <translation>Menos</translation>
+    </message>
+    <message>
+        <source>More</source>
+        <translation>Más</translation>
+    </message>
+</context>
+<context>
+    <name>UserDialog</name>
+    <message>
+        <source>Add user</source>
+        <translation>Añadir usuario</translation>
+    </message>
+    <message>
+        <source>User</source>
+        <translation>Usuario</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Contraseña</translation>
+    </message>
+</context>
+<context>
+    <name>WebServer</name>
+    <message>
+        <source>The password is empty: everyone is admitted.</source>
+        <translation>La contraseña está vacía: entra cualquiera.</translation>
+    </message>
+    <message>
+        <source>The certificate can&apos;t be read: %1</source>
+        <translation>No se puede leer el certificado: %1</translation>
+    </message>
+    <message>
+        <source>This is no certificate: %1</source>
+        <translation>Esto no es un certificado: %1</translation>
+    </message>
+    <message>
+        <source>The private key can&apos;t be read: %1</source>
+        <translation>No se puede leer la clave privada: %1</translation>
+    </message>
+    <message>
+        <source>The private key can&apos;t be used, its pass phrase may be wrong: %1</source>
+        <translation>La clave privada no se puede usar, quizá su contraseña sea incorrecta: %1</translation>
+    </message>
+    <message>
+        <source>The certificate %1 is not that of the private key %2</source>
+        <translation>El certificado %1 no corresponde a la clave privada %2</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>Advertencia</translation>
+    </message>
+</context>
+<context>
+    <name>WebServices</name>
+    <message>
+        <source>&lt;centcer&gt;Public addresses: %1 , %2&lt;/center&gt;</source>
+        <translation>&lt;centcer&gt;Direcciones públicas: %1 , %2&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;Public addresses: %1&lt;/center&gt;</source>
+        <translation>&lt;center&gt;Direcciones públicas: %1&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;Public addresses: %1:%2 , %3:%4&lt;/center&gt;</source>
+        <translation>&lt;center&gt;Direcciones públicas: %1:%2 , %3:%4&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;Public addresses: %1:%2&lt;/center&gt;</source>
+        <translation>&lt;center&gt;Direcciones públicas: %1:%2&lt;/center&gt;</translation>
+    </message>
+</context>
+</TS>

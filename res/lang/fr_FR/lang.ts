@@ -1,0 +1,817 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="fr_FR" sourcelanguage="en_US">
+<context>
+    <name>AddressList</name>
+    <message>
+        <source>Listen Addresses</source>
+        <translation>Adresses d’écoute</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Paramètres</translation>
+    </message>
+    <message>
+        <source>Change Config</source>
+        <translation>Changer de profil</translation>
+    </message>
+    <message>
+        <source>Add new port</source>
+        <translation>Ajouter un port</translation>
+    </message>
+    <message>
+        <source>Change port</source>
+        <translation>Changer le port</translation>
+    </message>
+    <message>
+        <source>Remove</source>
+        <translation>Retirer</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;&lt;b&gt;Network not found&lt;/b&gt;&lt;/center&gt;</source>
+        <translation>&lt;center&gt;&lt;b&gt;Aucun réseau trouvé&lt;/b&gt;&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>The network address is gone, the server stopped</source>
+        <translation>L’adresse réseau a disparu, le serveur s’est arrêté</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;Accessible on local network</source>
+        <translation>&lt;center&gt;Accessible sur le réseau local</translation>
+    </message>
+    <message>
+        <source>The server is running.</source>
+        <translation>Le serveur est en marche.</translation>
+    </message>
+    <message>
+        <source>Invalid port</source>
+        <translation>Port non valide</translation>
+    </message>
+    <message>
+        <source>New port</source>
+        <translation>Nouveau port</translation>
+    </message>
+    <message>
+        <source>Port</source>
+        <translation>Port</translation>
+    </message>
+</context>
+<context>
+    <name>AddressTable</name>
+    <message>
+        <source>Address</source>
+        <translation>Adresse</translation>
+    </message>
+    <message>
+        <source>Config</source>
+        <translation>Profil</translation>
+    </message>
+    <message>
+        <source>Status</source>
+        <translation>État</translation>
+    </message>
+    <message>
+        <source>Listen Addresses</source>
+        <translation>Adresses d’écoute</translation>
+    </message>
+</context>
+<context>
+    <name>ColorDialog</name>
+    <message>
+        <source>Color:</source>
+        <translation>Couleur&#xa0;:</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigDialog</name>
+    <message>
+        <source>&amp;Apply</source>
+        <translation>&amp;Appliquer</translation>
+    </message>
+    <message>
+        <source>Configuration Settings</source>
+        <translation>Paramètres du profil</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Fermer</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Dossier</translation>
+    </message>
+    <message>
+        <source>Aut.</source>
+        <translation>Accès</translation>
+    </message>
+    <message>
+        <source>Server</source>
+        <translation>Serveur</translation>
+    </message>
+    <message>
+        <source>DNS</source>
+        <translation>DNS</translation>
+    </message>
+    <message>
+        <source>Server2</source>
+        <translation>Serveur 2</translation>
+    </message>
+    <message>
+        <source>Can&apos;t write file: </source>
+        <translation>Impossible d’écrire le fichier&#xa0;: </translation>
+    </message>
+    <message>
+        <source>The settings stay in use until the program ends.</source>
+        <translation>Les paramètres restent valables jusqu’à la fin du programme.</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPage</name>
+    <message>
+        <source>Help</source>
+        <translation>Aide</translation>
+    </message>
+    <message>
+        <source>Help: %1</source>
+        <translation>Aide&#xa0;: %1</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageAut</name>
+    <message>
+        <source>Authentication Settings</source>
+        <translation>Paramètres d’accès</translation>
+    </message>
+    <message>
+        <source>None</source>
+        <translation>Aucune</translation>
+    </message>
+    <message>
+        <source>Password only</source>
+        <translation>Mot de passe seul</translation>
+    </message>
+    <message>
+        <source>Basic HTTP</source>
+        <translation>Basic HTTP</translation>
+    </message>
+    <message>
+        <source>Authentication mode</source>
+        <translation>Mode d’authentification</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Mot de passe</translation>
+    </message>
+    <message>
+        <source>User</source>
+        <translation>Utilisateur</translation>
+    </message>
+    <message>
+        <source>Users</source>
+        <translation>Utilisateurs</translation>
+    </message>
+    <message>
+        <source>Show passwords</source>
+        <translation>Afficher les mots de passe</translation>
+    </message>
+    <message>
+        <source>Add user</source>
+        <translation>Ajouter un utilisateur</translation>
+    </message>
+    <message>
+        <source>Remove user</source>
+        <translation>Retirer l’utilisateur</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageDNS</name>
+    <message>
+        <source>DNS Settings</source>
+        <translation>Paramètres DNS</translation>
+    </message>
+    <message>
+        <source>Enable DNS Service</source>
+        <translation>Utiliser le service DNS</translation>
+    </message>
+    <message>
+        <source>User:</source>
+        <translation>Utilisateur&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Password:</source>
+        <translation>Mot de passe&#xa0;:</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageFolder</name>
+    <message>
+        <source>Folder View Settings</source>
+        <translation>Affichage des dossiers</translation>
+    </message>
+    <message>
+        <source>Show images</source>
+        <translation>Afficher les images</translation>
+    </message>
+    <message>
+        <source>Enable deleting</source>
+        <translation>Autoriser la suppression</translation>
+    </message>
+    <message>
+        <source>Show folders</source>
+        <translation>Afficher les dossiers</translation>
+    </message>
+    <message>
+        <source>Enable upload</source>
+        <translation>Autoriser l’envoi</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageServer</name>
+    <message>
+        <source>Server Settings</source>
+        <translation>Paramètres du serveur</translation>
+    </message>
+    <message>
+        <source>Show warning messages</source>
+        <translation>Afficher les avertissements</translation>
+    </message>
+    <message>
+        <source>SSL/Secure Mode</source>
+        <translation>SSL/Mode sécurisé</translation>
+    </message>
+    <message>
+        <source>Port [1 - 65535]:</source>
+        <translation>Port [1 - 65535]&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Restore default keys</source>
+        <translation>Rétablir les clés par défaut</translation>
+    </message>
+    <message>
+        <source>Browse for the private key</source>
+        <translation>Parcourir pour trouver la clé privée</translation>
+    </message>
+    <message>
+        <source>Private key:</source>
+        <translation>Clé privée&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Password:</source>
+        <translation>Mot de passe&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Browse for the public key</source>
+        <translation>Parcourir pour trouver la clé publique</translation>
+    </message>
+    <message>
+        <source>Public key:</source>
+        <translation>Clé publique&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Private Key</source>
+        <translation>Clé privée</translation>
+    </message>
+    <message>
+        <source>Open Private Key File</source>
+        <translation>Ouvrir le fichier de la clé privée</translation>
+    </message>
+    <message>
+        <source>Public Key</source>
+        <translation>Clé publique</translation>
+    </message>
+    <message>
+        <source>Open Public Key File</source>
+        <translation>Ouvrir le fichier de la clé publique</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageServer2</name>
+    <message>
+        <source>Server Settings 2</source>
+        <translation>Paramètres du serveur 2</translation>
+    </message>
+    <message>
+        <source>Max. Connections:</source>
+        <translation>Connexions max.&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Network traffic limit [KB]:</source>
+        <translation>Limite de trafic [Ko]&#xa0;:</translation>
+    </message>
+    <message>
+        <source>Session lifetime [s]:</source>
+        <translation>Durée de session [s]&#xa0;:</translation>
+    </message>
+</context>
+<context>
+    <name>ConfigPageView</name>
+    <message>
+        <source>Pages</source>
+        <translation>Pages</translation>
+    </message>
+</context>
+<context>
+    <name>Configuration</name>
+    <message>
+        <source>Default</source>
+        <translation>Par défaut</translation>
+    </message>
+</context>
+<context>
+    <name>EventHandler</name>
+    <message>
+        <source>Last connection</source>
+        <translation>Dernière connexion&#xa0;</translation>
+    </message>
+</context>
+<context>
+    <name>GUIconfig</name>
+    <message>
+        <source>&amp;Apply</source>
+        <translation>&amp;Appliquer</translation>
+    </message>
+    <message>
+        <source>Look&amp;Feel Settings</source>
+        <translation>Apparence</translation>
+    </message>
+    <message>
+        <source>Style</source>
+        <translation>Style</translation>
+    </message>
+    <message>
+        <source>Color</source>
+        <translation>Couleur</translation>
+    </message>
+    <message>
+        <source>Font</source>
+        <translation>Police</translation>
+    </message>
+    <message>
+        <source>&amp;Cancel</source>
+        <translation>A&amp;nnuler</translation>
+    </message>
+    <message>
+        <source>Color settings not working with </source>
+        <translation>Les réglages de couleur n’agissent pas avec le style </translation>
+    </message>
+    <message>
+        <source> style.</source>
+        <translation>.</translation>
+    </message>
+    <message>
+        <source>Can&apos;t write file: </source>
+        <translation>Impossible d’écrire le fichier&#xa0;: </translation>
+    </message>
+</context>
+<context>
+    <name>MessageDialog</name>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Fermer</translation>
+    </message>
+    <message>
+        <source>Can&apos;t read file: </source>
+        <translation>Impossible de lire le fichier&#xa0;: </translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Aide</translation>
+    </message>
+</context>
+<context>
+    <name>MobileWebServer</name>
+    <message>
+        <source>Can&apos;t make the folder</source>
+        <translation>Impossible de créer le dossier</translation>
+    </message>
+    <message>
+        <source>Max. network traffic limit</source>
+        <translation>Limite de trafic&#xa0;</translation>
+    </message>
+    <message>
+        <source>reached</source>
+        <translation>atteinte</translation>
+    </message>
+    <message>
+        <source>Server stopped on</source>
+        <translation>Serveur arrêté sur</translation>
+    </message>
+    <message>
+        <source>Sent bytes</source>
+        <translation>Envoyé&#xa0;</translation>
+    </message>
+    <message>
+        <source>Received bytes</source>
+        <translation>Reçu&#xa0;</translation>
+    </message>
+    <message>
+        <source>Start</source>
+        <translation>Démarrer</translation>
+    </message>
+    <message>
+        <source>Stop</source>
+        <translation>Arrêter</translation>
+    </message>
+    <message>
+        <source>Reload public addressess</source>
+        <translation>Recharger les adresses publiques</translation>
+    </message>
+    <message>
+        <source>Reload local addresses</source>
+        <translation>Recharger les adresses locales</translation>
+    </message>
+    <message>
+        <source>Settings</source>
+        <translation>Paramètres</translation>
+    </message>
+    <message>
+        <source>Look and Feel</source>
+        <translation>Apparence</translation>
+    </message>
+    <message>
+        <source>Expert mode</source>
+        <translation>Mode expert</translation>
+    </message>
+    <message>
+        <source>Help</source>
+        <translation>Aide</translation>
+    </message>
+    <message>
+        <source>About Quillon</source>
+        <translation>À propos de Quillon</translation>
+    </message>
+    <message>
+        <source>About Qt</source>
+        <translation>À propos de Qt</translation>
+    </message>
+    <message>
+        <source>Select Folder</source>
+        <translation>Choisir un dossier</translation>
+    </message>
+    <message>
+        <source>Select File</source>
+        <translation>Choisir un fichier</translation>
+    </message>
+    <message>
+        <source>&amp;Menu</source>
+        <translation>&amp;Menu</translation>
+    </message>
+    <message>
+        <source>&amp;File</source>
+        <translation>&amp;Fichier</translation>
+    </message>
+    <message>
+        <source>Settings of the selected address</source>
+        <translation>Paramètres de l’adresse choisie</translation>
+    </message>
+    <message>
+        <source>Shared Content:</source>
+        <translation>Contenu partagé&#xa0;:</translation>
+    </message>
+    <message>
+        <source>The server run as root!</source>
+        <translation>Le serveur s’exécute en tant que root&#xa0;!</translation>
+    </message>
+    <message>
+        <source>Use this mode only if you want to use port 1 - 1024!</source>
+        <translation>N’utilisez ce mode que si vous voulez un port de 1 à 1024&#xa0;!</translation>
+    </message>
+    <message>
+        <source>Do you want to stop?</source>
+        <translation>Voulez-vous l’arrêter&#xa0;?</translation>
+    </message>
+    <message>
+        <source>Global Default Settings</source>
+        <translation>Paramètres généraux</translation>
+    </message>
+    <message>
+        <source>Version</source>
+        <translation>Version&#xa0;</translation>
+    </message>
+    <message>
+        <source>Do you want to exit?</source>
+        <translation>Voulez-vous quitter&#xa0;?</translation>
+    </message>
+    <message>
+        <source>Can&apos;t save the settings</source>
+        <translation>Impossible d’enregistrer les paramètres</translation>
+    </message>
+    <message>
+        <source>All (*.*)</source>
+        <translation>Tous (*.*)</translation>
+    </message>
+</context>
+<context>
+    <name>OkCancelButtons</name>
+    <message>
+        <source>OK</source>
+        <translation>OK</translation>
+    </message>
+    <message>
+        <source>Cancel</source>
+        <translation>Annuler</translation>
+    </message>
+</context>
+<context>
+    <name>PageFont</name>
+    <message>
+        <source>This is how texts will look.</source>
+        <translation>Les textes auront cet aspect.</translation>
+    </message>
+    <message>
+        <source>Font Settings</source>
+        <translation>Réglages de la police</translation>
+    </message>
+    <message>
+        <source>Size:</source>
+        <translation>Taille&#xa0;:</translation>
+    </message>
+</context>
+<context>
+    <name>PagePalette</name>
+    <message>
+        <source>Color Settings</source>
+        <translation>Réglages des couleurs</translation>
+    </message>
+    <message>
+        <source>Background</source>
+        <translation>Arrière-plan</translation>
+    </message>
+    <message>
+        <source>Text</source>
+        <translation>Texte</translation>
+    </message>
+    <message>
+        <source>Button</source>
+        <translation>Bouton</translation>
+    </message>
+    <message>
+        <source>Set to default</source>
+        <translation>Remettre par défaut</translation>
+    </message>
+</context>
+<context>
+    <name>PageStyle</name>
+    <message>
+        <source>Style Settings</source>
+        <translation>Réglages du style</translation>
+    </message>
+    <message>
+        <source>Style</source>
+        <translation>Style</translation>
+    </message>
+    <message>
+        <source> style not available on this system.</source>
+        <translation>&#xa0;: ce style n’est pas disponible sur ce système.</translation>
+    </message>
+    <message>
+        <source>Style in use: %1</source>
+        <translation>Style utilisé&#xa0;: %1</translation>
+    </message>
+</context>
+<context>
+    <name>PasswordField</name>
+    <message>
+        <source>Show password</source>
+        <translation>Afficher le mot de passe</translation>
+    </message>
+</context>
+<context>
+    <name>ProfileDialog</name>
+    <message>
+        <source>Change Profile</source>
+        <translation>Changer de profil</translation>
+    </message>
+    <message>
+        <source>Select profile or edit profile name</source>
+        <translation>Choisir un profil ou modifier son nom</translation>
+    </message>
+    <message>
+        <source>New profile</source>
+        <translation>Nouveau profil</translation>
+    </message>
+    <message>
+        <source>Remove profile</source>
+        <translation>Retirer le profil</translation>
+    </message>
+    <message>
+        <source>A profile needs a name.</source>
+        <translation>Un profil doit avoir un nom.</translation>
+    </message>
+    <message>
+        <source>A profile name can&apos;t start with a dot and can&apos;t contain &quot;/&quot;.</source>
+        <translation>Le nom d’un profil ne peut ni commencer par un point ni contenir «&#xa0;/&#xa0;».</translation>
+    </message>
+    <message>
+        <source>This profile name is too long.</source>
+        <translation>Ce nom de profil est trop long.</translation>
+    </message>
+    <message>
+        <source>There is already a profile named &quot;%1&quot;.</source>
+        <translation>Il existe déjà un profil nommé «&#xa0;%1&#xa0;».</translation>
+    </message>
+    <message>
+        <source>Profile name</source>
+        <translation>Nom du profil</translation>
+    </message>
+    <message>
+        <source>Can&apos;t write file: </source>
+        <translation>Impossible d’écrire le fichier&#xa0;: </translation>
+    </message>
+    <message>
+        <source>Used config profile is not removable.</source>
+        <translation>Un profil utilisé ne peut pas être retiré.</translation>
+    </message>
+</context>
+<context>
+    <name>Reachability</name>
+    <message>
+        <source>&lt;center&gt;Server accessible only on local network&lt;/center&gt;</source>
+        <translation>&lt;center&gt;Serveur accessible seulement sur le réseau local&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>No port check service configured</source>
+        <translation>Aucun service de vérification du port configuré</translation>
+    </message>
+    <message>
+        <source>User and password required for DNS service.</source>
+        <translation>Le service DNS demande un utilisateur et un mot de passe.</translation>
+    </message>
+    <message>
+        <source>No DNS service configured</source>
+        <translation>Aucun service DNS configuré</translation>
+    </message>
+    <message>
+        <source>No internet connection</source>
+        <translation>Pas de connexion à Internet</translation>
+    </message>
+    <message>
+        <source>The shared files are accessible for everyone.</source>
+        <translation>Les fichiers partagés sont accessibles à tous.</translation>
+    </message>
+    <message>
+        <source>Do you want to set password?</source>
+        <translation>Voulez-vous définir un mot de passe&#xa0;?</translation>
+    </message>
+</context>
+<context>
+    <name>ServerItem</name>
+    <message>
+        <source>not exists!</source>
+        <translation>n’existe pas&#xa0;!</translation>
+    </message>
+    <message>
+        <source>Choose what to share.</source>
+        <translation>Choisissez ce qui doit être partagé.</translation>
+    </message>
+    <message>
+        <source>Unable to start the server</source>
+        <translation>Impossible de démarrer le serveur</translation>
+    </message>
+    <message>
+        <source>Shared now: %1</source>
+        <translation>Partagé maintenant&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>Invalid port</source>
+        <translation>Port non valide</translation>
+    </message>
+</context>
+<context>
+    <name>ServerThread</name>
+    <message>
+        <source>Wrong password</source>
+        <translation>Mot de passe incorrect</translation>
+    </message>
+</context>
+<context>
+    <name>ShareDir</name>
+    <message>
+        <source>Name</source>
+        <translation>Nom</translation>
+    </message>
+    <message>
+        <source>Size</source>
+        <translation>Taille</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Date</translation>
+    </message>
+    <message>
+        <source>Select Action</source>
+        <translation>Choisir une action</translation>
+    </message>
+    <message>
+        <source>Add File</source>
+        <translation>Ajouter un fichier</translation>
+    </message>
+    <message>
+        <source>Create Folder</source>
+        <translation>Nouveau dossier</translation>
+    </message>
+    <message>
+        <source>File Manager in window</source>
+        <translation>Gestionnaire de fichiers hors du navigateur</translation>
+    </message>
+    <message>
+        <source>File Manager in browser</source>
+        <translation>Gestionnaire de fichiers dans le navigateur</translation>
+    </message>
+    <message>
+        <source>Folder</source>
+        <translation>Dossier</translation>
+    </message>
+    <message>
+        <source>Empty</source>
+        <translation>Vide</translation>
+    </message>
+</context>
+<context>
+    <name>Slabel</name>
+    <message>
+        <source>On</source>
+        <translation>Activé</translation>
+    </message>
+    <message>
+        <source>Off</source>
+        <translation>Désactivé</translation>
+    </message>
+</context>
+<context>
+    <name>StepField</name>
+    <message>
+        <source>Less</source>
+        <translation>Moins</translation>
+    </message>
+    <message>
+        <source>More</source>
+        <translation>Plus</translation>
+    </message>
+</context>
+<context>
+    <name>UserDialog</name>
+    <message>
+        <source>Add user</source>
+        <translation>Ajouter un utilisateur</translation>
+    </message>
+    <message>
+        <source>User</source>
+        <translation>Utilisateur</translation>
+    </message>
+    <message>
+        <source>Password</source>
+        <translation>Mot de passe</translation>
+    </message>
+</context>
+<context>
+    <name>WebServer</name>
+    <message>
+        <source>The password is empty: everyone is admitted.</source>
+        <translation>Le mot de passe est vide&#xa0;: tout le monde entre.</translation>
+    </message>
+    <message>
+        <source>The certificate can&apos;t be read: %1</source>
+        <translation>Impossible de lire le certificat&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>This is no certificate: %1</source>
+        <translation>Ce n’est pas un certificat&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>The private key can&apos;t be read: %1</source>
+        <translation>Impossible de lire la clé privée&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>The private key can&apos;t be used, its pass phrase may be wrong: %1</source>
+        <translation>La clé privée est inutilisable, son mot de passe est peut-être faux&#xa0;: %1</translation>
+    </message>
+    <message>
+        <source>The certificate %1 is not that of the private key %2</source>
+        <translation>Le certificat %1 ne correspond pas à la clé privée %2</translation>
+    </message>
+    <message>
+        <source>Warning</source>
+        <translation>Avertissement</translation>
+    </message>
+</context>
+<context>
+    <name>WebServices</name>
+    <message>
+        <source>&lt;centcer&gt;Public addresses: %1 , %2&lt;/center&gt;</source>
+        <translation>&lt;centcer&gt;Adresses publiques&#xa0;: %1 , %2&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;Public addresses: %1&lt;/center&gt;</source>
+        <translation>&lt;center&gt;Adresses publiques&#xa0;: %1&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;Public addresses: %1:%2 , %3:%4&lt;/center&gt;</source>
+        <translation>&lt;center&gt;Adresses publiques&#xa0;: %1:%2 , %3:%4&lt;/center&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;center&gt;Public addresses: %1:%2&lt;/center&gt;</source>
+        <translation>&lt;center&gt;Adresses publiques&#xa0;: %1:%2&lt;/center&gt;</translation>
+    </message>
+</context>
+</TS>
