@@ -1,0 +1,60 @@
+#pragma once
+
+#include <QList>
+#include <QSettings>
+#include <QString>
+
+/// What is kept of one row of the address table: in "list.ini" a group named by the row's index.
+struct SavedRow
+{
+    int port = 0; ///< 0: none is saved
+    QString file; ///< empty: none is saved
+    QString profile;
+    QString address; ///< read from a file: set only when the row is an added port
+    bool addedPort = false; ///< a further port of an address that has a row of its own
+    bool portDamaged = false; ///< a port is saved that is none
+
+    static SavedRow read(QSettings *settings, int index);
+    void write(QSettings *settings, int index) const;
+};
+
+/// Whether a server can be told to listen on this port: 1 to 65535.
+bool isPort(int number);
+
+/// The file "list.ini" and, within a run, the rows whose address went away.
+/// A value of the address list.
+class SavedRows
+{
+public:
+    /// More rows than this are not looked for, whatever the file says.
+    static constexpr int maxRows = 256;
+
+    /// A damaged file is kept beside under its name + ".bad".
+    explicit SavedRows(const QString &fileName);
+
+    QSettings *settings() { return &file; }
+
+    /// The group of the nth address, counting from 0; groups of added ports don't count.
+    int indexOf(int nth);
+
+    /// The groups of the ports that were added to `address`.
+    QList<int> addedPorts(const QString &address);
+
+    /// Remembers a row whose address went away.
+    void keep(const SavedRow &row) { gone.append(row); }
+
+    /// Gives back what was kept of `address`, in the order in which it was kept.
+    QList<SavedRow> take(const QString &address);
+
+    /// Writes the kept rows behind the first `rows` groups, and the number of all.
+    void writeRest(int rows);
+
+    /// Puts everything on disk; false when that fails, the file is unchanged then.
+    bool flush();
+
+private:
+    int rowCount() const;
+
+    QSettings file;
+    QList<SavedRow> gone;
+};
