@@ -1,0 +1,74 @@
+#!/usr/bin/env bash
+# The one list of what Quillon needs from Debian, and how it gets onto the machine.
+#   scripts/packages.sh GROUP...     installs what is missing of the groups; says nothing when
+#                                    nothing is. Groups: build test ci bench
+set -euo pipefail
+# shellcheck source=scripts/common.sh
+source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
+
+packages_of() {
+    case $1 in
+    build)
+        # Compiler and toolkit, then what makes icons and translations, then the key for TLS.
+        echo g++ cmake ninja-build qtbase5-dev qt5-style-plugins qttools5-dev-tools
+        echo librsvg2-bin graphicsmagick icoutils
+        echo openssl
+        # The build asks for it on behalf of the tests.
+        echo python3
+        ;;
+    test)
+        # Clients that are not ours, and a display that nobody looks at.
+        echo curl wget cadaver rclone chromium xvfb
+        has node || echo nodejs
+        has npm || echo npm
+        ;;
+    ci) echo clang-format clang-tidy clang-tools qt6-base-dev shellcheck ;;
+    bench)
+        # Of Apache only the program, which brings no service along.
+        echo curl wrk python3 apache2-bin nginx libnginx-mod-http-dav-ext
+        echo lighttpd lighttpd-mod-openssl lighttpd-mod-webdav
+        ;;
+    *) die "unknown group of packages: $1" ;;
+    esac
+}
+
+# Of the packages given, those that are not installed. Asks nobody but the local database.
+missing_of() {
+    local installed name
+    installed=$(dpkg-query -W -f='${Package} ${db:Status-Status}\n' "$@" 2>/dev/null |
+        sed -n 's/ installed$//p') || true
+    for name in "$@"; do
+        grep -qxF -- "$name" <<<"$installed" || echo "$name"
+    done
+}
+
+as_root() {
+    if ((EUID == 0)); then
+        "$@"
+    elif has sudo; then
+        sudo "$@"
+    else
+        die "cannot install packages: neither root nor sudo here. Ask an administrator for:" \
+            "apt-get install ${missing[*]}"
+    fi
+}
+
+wanted=()
+for group in "$@"; do
+    list=$(packages_of "$group")
+    read -r -d '' -a names <<<"$list" || true
+    wanted+=("${names[@]}")
+done
+((${#wanted[@]})) || die "usage: scripts/packages.sh build|test|ci|bench ..."
+
+if ! has dpkg-query || ! has apt-get; then
+    warn "this system has no apt; please see to the equivalents of: ${wanted[*]}"
+    exit 0
+fi
+
+mapfile -t missing < <(missing_of "${wanted[@]}")
+((${#missing[@]})) || exit 0
+
+say "Installing ${missing[*]}"
+as_root "$ROOT/scripts/apt-install.sh" "${missing[@]}" </dev/null ||
+    die "could not install: ${missing[*]}"
