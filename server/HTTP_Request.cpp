@@ -33,13 +33,6 @@ constexpr int shortestRequestLine = 3;
 constexpr auto sessionCookieName = "ID";
 constexpr auto iconFolder = "/_i/";
 
-/// Methods that act on a target only by reading it may leave its path out.
-bool onlyReads(int method)
-{
-    return method == HTTP_Request::Get || method == HTTP_Request::Head
-        || method == HTTP_Request::Options || method == HTTP_Request::PropFind;
-}
-
 bool hasDestination(int method)
 {
     return method == HTTP_Request::Copy || method == HTTP_Request::Move;
@@ -178,7 +171,8 @@ void HTTP_Request::parseRequestTarget(const QByteArray &encoded)
     const RequestTarget target = parseTarget(encoded);
     targetForm = target.form;
     path = target.path;
-    if (targetForm == RequestTarget::Form::Empty && onlyReads(methodCode))
+    // Only what changes something must say where.
+    if (targetForm == RequestTarget::Form::Empty && onlyReads())
         path = QStringLiteral("/");
     url = QUrl();
     url.setPath(path, QUrl::DecodedMode);
@@ -351,7 +345,7 @@ bool HTTP_Request::isMalformed() const
 
     if (methodCode == Options && targetForm == RequestTarget::Form::Asterisk)
         return false;
-    if (targetForm == RequestTarget::Form::Empty && !onlyReads(methodCode))
+    if (targetForm == RequestTarget::Form::Empty && !onlyReads())
         return true;
     if (malformed(targetForm))
         return true;
@@ -361,4 +355,10 @@ bool HTTP_Request::isMalformed() const
 bool HTTP_Request::isMultipart() const
 {
     return methodCode == Post && contentType.toLower().startsWith("multipart/form-data");
+}
+
+bool HTTP_Request::onlyReads() const
+{
+    return methodCode == Get || methodCode == Head || methodCode == Options
+        || methodCode == PropFind;
 }

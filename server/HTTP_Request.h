@@ -92,6 +92,9 @@ public:
 
     bool isMultipart() const;
 
+    /// Whether the method changes nothing in the share.
+    bool onlyReads() const;
+
     ClientManager *clients;
     MobileSocket channel;
     const bool singleFile; ///< only GET and POST are known

@@ -26,12 +26,6 @@ bool isSameSecret(const QByteArray &given, const QByteArray &secret)
     return difference == 0;
 }
 
-bool onlyReads(int method)
-{
-    return method == HTTP_Request::Get || method == HTTP_Request::Head
-        || method == HTTP_Request::Options || method == HTTP_Request::PropFind;
-}
-
 Response *makeFileResponse(Configuration *profile, HTTP_Request *request)
 {
     return new HTTP_Response(profile, request);
@@ -119,7 +113,7 @@ bool ServerThread::refuseBroken()
     // Not to be guessed at by a method that changes something.
     const bool unclear =
         request.channel.isHeadTruncated() || request.channel.framing().lengthDoubtful;
-    const bool risky = unclear && !onlyReads(request.methodCode);
+    const bool risky = unclear && !request.onlyReads();
     const char *status = nullptr;
     if (request.methodCode == HTTP_Request::None)
         status = "405 Method Not Allowed";
