@@ -1,6 +1,7 @@
 #include "app/ServerItem.h"
 
 #include "app/AddressList.h"
+#include "app/HostPart.h"
 #include "config/Configuration.h"
 #include "server/EventHandler.h"
 
@@ -18,13 +19,6 @@ namespace {
 constexpr qint64 bytesPerShownKB = 1000;
 constexpr int httpPort = 80;
 constexpr int httpsPort = 443;
-
-QString hostPart(const QHostAddress &address)
-{
-    const bool bracketed = address.protocol() == QAbstractSocket::IPv6Protocol;
-    return bracketed ? QLatin1Char('[') + address.toString() + QLatin1Char(']')
-                     : address.toString();
-}
 
 std::unique_ptr<QTableWidgetItem> makeCell()
 {

@@ -1,5 +1,6 @@
 #include "app/AllRows.h"
 #include "app/Console.h"
+#include "app/HostPart.h"
 #include "config/Configuration.h"
 #include "filemanager/ShareDir.h"
 #include "server/Responders.h"
@@ -124,13 +125,6 @@ QList<QHostAddress> reachableAt(const QHostAddress &listening)
                      return !any4 || address.protocol() == QAbstractSocket::IPv4Protocol;
                  });
     return addresses;
-}
-
-QString hostPart(const QHostAddress &address)
-{
-    const bool bracketed = address.protocol() == QAbstractSocket::IPv6Protocol;
-    return bracketed ? QLatin1Char('[') + address.toString() + QLatin1Char(']')
-                     : address.toString();
 }
 
 void announce(const WebServer &server, const QString &path)
