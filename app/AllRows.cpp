@@ -1,7 +1,7 @@
 #include "app/AllRows.h"
 
-#include "dav/Rows.h"
-#include "filemanager/Rows.h"
+#include "classic/dav/Rows.h"
+#include "classic/pages/Rows.h"
 
 ResponderRows allRows()
 {

@@ -1,8 +1,8 @@
 #include "app/AllRows.h"
-#include "app/MobileWebServer.h"
-#include "app/StartUp.h"
 #include "config/Configuration.h"
-#include "server/EventHandler.h"
+#include "desktop/look/StartUp.h"
+#include "desktop/window/EventHandler.h"
+#include "desktop/window/MobileWebServer.h"
 
 #include <QApplication>
 

@@ -1,8 +1,8 @@
 #include "app/AllRows.h"
 #include "app/Console.h"
 #include "app/HostPart.h"
+#include "classic/pages/ShareDir.h"
 #include "config/Configuration.h"
-#include "filemanager/ShareDir.h"
 #include "server/Responders.h"
 #include "server/WebServer.h"
 

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "classic/dav/Dav.h"
+
+/// MKCOL: makes a folder, and the folders above it that are missing. One that exists is fine.
+class MkCol : public Dav
+{
+    Q_OBJECT
+public:
+    static constexpr auto name = "MC";
+
+    explicit MkCol(HTTP_Request *request);
+
+    using Dav::reply;
+    void reply(const QFileInfo &shared) override;
+};

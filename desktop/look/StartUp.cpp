@@ -1,0 +1,64 @@
+#include "desktop/look/StartUp.h"
+
+#include "config/Configuration.h"
+#include "desktop/look/PageStyle.h"
+
+#include <QApplication>
+#include <QDebug>
+#include <QFont>
+#include <QLocale>
+#include <QPalette>
+#include <QSettings>
+#include <QStyle>
+#include <QTranslator>
+
+namespace {
+
+// Beyond these nobody could set it right again. Points.
+constexpr int smallestFont = 3;
+constexpr int largestFont = 72;
+
+void applyFontSize(const QSettings &settings)
+{
+    QFont font = QApplication::font();
+    const int points =
+        settings.value(QLatin1String(PageStyle::fontSizeKey), font.pointSize()).toInt();
+    if (points < smallestFont || points > largestFont)
+        return;
+    font.setPointSize(points);
+    QApplication::setFont(font);
+}
+
+} // namespace
+
+void applyStoredLook()
+{
+    QSettings settings;
+    PageStyle::DefaultStyle = PageStyle::currentStyle();
+    const QString style = settings.value(QLatin1String(PageStyle::styleKey)).toString();
+    if (style.isEmpty())
+        return;
+
+    if (style != PageStyle::DefaultStyle)
+        QApplication::setStyle(style);
+    QPalette palette = QApplication::style()->standardPalette();
+    PageStyle::setPalette(&palette, &settings, style);
+    QApplication::setPalette(palette);
+    applyFontSize(settings);
+}
+
+void installTranslators(QCoreApplication *app)
+{
+    auto *builtIn = new QTranslator(app);
+    // Installed even when it is empty.
+    static_cast<void>(builtIn->load(QStringLiteral("C"), QStringLiteral(":/res/lang")));
+    QCoreApplication::installTranslator(builtIn);
+
+    auto *own = new QTranslator(app);
+    if (own->load(QStringLiteral("lang"), Configuration::LangPath)) {
+        QCoreApplication::installTranslator(own);
+        return;
+    }
+    qDebug().nospace() << "No translator found for locale=" << QLocale::system().name()
+                       << " in dir=" << Configuration::LangPath;
+}

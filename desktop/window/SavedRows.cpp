@@ -1,0 +1,107 @@
+#include "desktop/window/SavedRows.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <iterator>
+
+namespace {
+
+const QLatin1String countKey("len");
+const QLatin1String portKey("port");
+const QLatin1String fileKey("file");
+const QLatin1String profileKey("cnf");
+const QLatin1String addressKey("address");
+
+} // namespace
+
+SavedRow SavedRow::read(QSettings *settings, int index)
+{
+    settings->beginGroup(QString::number(index));
+    SavedRow row;
+    const int port = settings->value(portKey).toInt();
+    row.portDamaged = settings->contains(portKey) && !isPort(port);
+    row.port = row.portDamaged ? 0 : port;
+    row.file = settings->value(fileKey).toString();
+    row.profile = settings->value(profileKey).toString();
+    row.address = settings->value(addressKey).toString();
+    row.addedPort = !row.address.isEmpty();
+    settings->endGroup();
+    return row;
+}
+
+void SavedRow::write(QSettings *settings, int index) const
+{
+    settings->beginGroup(QString::number(index));
+    settings->setValue(portKey, port);
+    settings->setValue(fileKey, file);
+    settings->setValue(profileKey, profile);
+    // Other rows are found by their index alone.
+    if (addedPort)
+        settings->setValue(addressKey, address);
+    else
+        settings->remove(addressKey);
+    settings->endGroup();
+}
+
+bool isPort(int number)
+{
+    return number >= 1 && number <= 65535;
+}
+
+SavedRows::SavedRows(const QString &fileName)
+    : file(fileName, QSettings::IniFormat)
+{
+    // What can't be understood is lost at the next save.
+    if (file.status() == QSettings::FormatError)
+        QFile::copy(fileName, fileName + QLatin1String(".bad"));
+}
+
+int SavedRows::indexOf(int nth)
+{
+    int index = 0;
+    for (int passed = 0; index < maxRows; ++index) {
+        if (!SavedRow::read(&file, index).addedPort && passed++ == nth)
+            break;
+    }
+    return index;
+}
+
+QList<int> SavedRows::addedPorts(const QString &address)
+{
+    QList<int> groups;
+    for (int index = 0; index < rowCount(); ++index) {
+        const SavedRow row = SavedRow::read(&file, index);
+        if (row.addedPort && row.address == address && row.port > 0)
+            groups.append(index);
+    }
+    return groups;
+}
+
+QList<SavedRow> SavedRows::take(const QString &address)
+{
+    const auto other = [&address](const SavedRow &row) { return row.address != address; };
+    const auto first = std::stable_partition(gone.begin(), gone.end(), other);
+    QList<SavedRow> taken;
+    std::move(first, gone.end(), std::back_inserter(taken));
+    gone.erase(first, gone.end());
+    return taken;
+}
+
+void SavedRows::writeRest(int rows)
+{
+    for (const SavedRow &row : std::as_const(gone))
+        row.write(&file, rows++);
+    file.setValue(countKey, rows);
+}
+
+bool SavedRows::flush()
+{
+    file.sync();
+    return file.status() != QSettings::AccessError;
+}
+
+int SavedRows::rowCount() const
+{
+    return std::clamp(file.value(countKey).toInt(), 0, maxRows);
+}
