@@ -1,8 +1,8 @@
-#include "app/AllRows.h"
-#include "config/Configuration.h"
+#include "app/AllRoutes.h"
+#include "config/Profile.h"
 #include "desktop/look/StartUp.h"
 #include "desktop/window/EventHandler.h"
-#include "desktop/window/MobileWebServer.h"
+#include "desktop/window/MainWindow.h"
 
 #include <QApplication>
 
@@ -23,10 +23,10 @@ int main(int argc, char **argv)
     const bool hasFolder = setUpDirectories();
     installTranslators(&app);
 
-    MobileWebServer window(argc > 1 ? argv[1] : nullptr, allRows());
+    MainWindow window(argc > 1 ? argv[1] : nullptr, allRoutes());
     if (!hasFolder)
-        EventHandler::eventHandler->msg(MobileWebServer::tr("Can't make the folder"),
-                                        Configuration::ConfigDir);
+        EventHandler::eventHandler->msg(MainWindow::tr("Can't make the folder"),
+                                        Profile::ConfigDir);
     window.show();
     return QApplication::exec();
 }

@@ -1,9 +1,9 @@
-#include "app/AllRows.h"
+#include "app/AllRoutes.h"
 #include "app/Console.h"
 #include "app/HostPart.h"
-#include "classic/pages/ShareDir.h"
-#include "config/Configuration.h"
-#include "server/Responders.h"
+#include "classic/pages/BrowserPages.h"
+#include "config/Profile.h"
+#include "server/Routes.h"
 #include "server/WebServer.h"
 
 #include <QCommandLineParser>
@@ -159,8 +159,8 @@ void raiseDescriptorLimit()
 /// Serves until a signal or the traffic limit ends it. The profiles are loaded.
 int serve(const Options &options)
 {
-    Configuration *profile = options.profile.isEmpty() ? Configuration::getGlobalConfig()
-                                                       : Configuration::find(options.profile);
+    Profile *profile =
+        options.profile.isEmpty() ? Profile::global() : Profile::find(options.profile);
     if (!profile) {
         Console::error(text("There is no profile of this name: %1").arg(options.profile));
         return Failed;
@@ -169,12 +169,12 @@ int serve(const Options &options)
     ConsoleSink sink;
     QNetworkAddressEntry entry;
     entry.setIp(options.address);
-    const auto setup = std::make_shared<ServerSetup>(ServerSetup{ allRows(), &sink });
+    const auto setup = std::make_shared<ServerSetup>(ServerSetup{ allRoutes(), &sink });
     WebServer server(entry, setup);
     server.setProfile(profile);
     server.setShared(options.path);
     server.port = options.port.value_or(quint16(profile->port));
-    if (profile->isSSLmode() && !server.isTlsReady()) {
+    if (profile->usesTls() && !server.isTlsReady()) {
         Console::error(
             text("The profile asks for TLS, but its key and certificate can't be used."));
         return Failed;
@@ -213,7 +213,7 @@ int main(int argc, char **argv)
         return Failed;
     }
     if (!setUpDirectories()) {
-        Console::error(text("Can't make the folder %1").arg(Configuration::ConfigDir));
+        Console::error(text("Can't make the folder %1").arg(Profile::ConfigDir));
         return Failed;
     }
 
@@ -222,8 +222,8 @@ int main(int argc, char **argv)
     if (loadProfiles() == LastRun::Aborted)
         HTML_Element_Manager::removeLeftFiles();
     status = serve(*options);
-    ShareDir::HTML_Manager.clear();
+    BrowserPages::previews.clear();
     if (!closeProfiles())
-        Console::error(text("The profile could not be saved in %1").arg(Configuration::ConfigDir));
+        Console::error(text("The profile could not be saved in %1").arg(Profile::ConfigDir));
     return status;
 }

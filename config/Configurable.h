@@ -2,7 +2,7 @@
 
 #include <QtGlobal>
 
-class Configuration;
+class Profile;
 
 /// An object that reacts when a profile was edited and applied.
 /// Whoever opens an editor for a profile names the receiver; the editor only borrows it.
@@ -13,7 +13,7 @@ public:
     virtual ~Configurable() = default;
 
     /// `profile` holds the edited values. It belongs to the caller and may be gone after the call.
-    virtual void configChanged(Configuration *profile) { Q_UNUSED(profile) }
+    virtual void profileEdited(Profile *profile) { Q_UNUSED(profile) }
 
 private:
     Q_DISABLE_COPY(Configurable)

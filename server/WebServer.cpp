@@ -1,7 +1,7 @@
 #include "server/WebServer.h"
 
-#include "config/Configuration.h"
-#include "server/ServerThread.h"
+#include "config/Profile.h"
+#include "server/Connection.h"
 #include "server/StatusSink.h"
 
 #include <QDir>
@@ -42,7 +42,7 @@ WebServer::WebServer(const QNetworkAddressEntry &entry, std::shared_ptr<const Se
                      QObject *parent)
     : QTcpServer(parent)
     , shared(QDir::homePath())
-    , config(Configuration::getGlobalConfig())
+    , config(Profile::global())
     , address(entry)
     , setup(std::move(common))
 {
@@ -64,8 +64,8 @@ WebServer::WebServer(const WebServer *other, QObject *parent)
 WebServer::~WebServer()
 {
     stopAll();
-    // Connections remove themselves from `threads`, which is gone once this body has run.
-    qDeleteAll(findChildren<ServerThread *>(QString(), Qt::FindDirectChildrenOnly));
+    // Connections remove themselves from `connections`, which is gone once this body has run.
+    qDeleteAll(findChildren<Connection *>(QString(), Qt::FindDirectChildrenOnly));
     --config->useCount;
 }
 
@@ -73,7 +73,7 @@ bool WebServer::init()
 {
     traffic = {};
     dropKeys();
-    configurationModifyed(config);
+    profileEdited(config);
     return isTlsReady();
 }
 
@@ -103,23 +103,23 @@ void WebServer::stopAll()
 {
     stop();
     traffic.blocked = true;
-    while (!threads.isEmpty())
-        threads.takeFirst()->drop();
+    while (!connections.isEmpty())
+        connections.takeFirst()->drop();
 }
 
-void WebServer::setProfile(Configuration *profile)
+void WebServer::setProfile(Profile *profile)
 {
-    configurationModifyed(profile);
+    profileEdited(profile);
     --config->useCount;
     config = profile;
     ++config->useCount;
 }
 
-void WebServer::configurationModifyed(const Configuration *profile)
+void WebServer::profileEdited(const Profile *profile)
 {
-    clients.configurationChanged(profile);
+    clients.profileEdited(profile);
     setMaxPendingConnections(qMax(1, profile->maxConnections));
-    if (!profile->isSSLmode())
+    if (!profile->usesTls())
         dropKeys();
     else if (!privateKey || profile->privateKeyFile != config->privateKeyFile)
         loadKeys(profile);
@@ -134,7 +134,7 @@ void WebServer::setShared(const QString &path)
     singleFile = !shared.isDir();
 }
 
-bool WebServer::loadKeys(const Configuration *profile)
+bool WebServer::loadKeys(const Profile *profile)
 {
     dropKeys();
     QFile certificateFile(profile->publicKeyFile);
@@ -189,8 +189,8 @@ void WebServer::incomingConnection(qintptr descriptor)
         return;
     }
 
-    auto thread = std::make_unique<ServerThread>(this, &clients, &traffic, setup.get());
-    MobileSocket &channel = thread->httpRequest().channel;
+    auto thread = std::make_unique<Connection>(this, &clients, &traffic, setup.get());
+    Channel &channel = thread->httpRequest().channel;
     QSslSocket &socket = channel.socket();
     if (!socket.setSocketDescriptor(descriptor)) {
         ::close(int(descriptor));
@@ -202,11 +202,10 @@ void WebServer::incomingConnection(qintptr descriptor)
     ::setsockopt(int(descriptor), IPPROTO_TCP, TCP_NOTSENT_LOWAT, &unsentMark, sizeof unsentMark);
     channel.setReadBufferSize(traffic.dataLimit > 0 ? limitedReadBufferSize : readBufferSize);
     // Queued: whoever hears of the limit may end the connection that reached it.
-    connect(&channel, &MobileSocket::dataLimit, this, &WebServer::limitReached,
-            Qt::QueuedConnection);
+    connect(&channel, &Channel::dataLimit, this, &WebServer::limitReached, Qt::QueuedConnection);
     if (isTlsReady())
         startEncryption(socket);
-    threads.append(thread.release());
+    connections.append(thread.release());
 }
 
 void WebServer::startEncryption(QSslSocket &socket) const

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "server/ClientManager.h"
-#include "server/MobileSocket.h"
-#include "server/Responders.h"
+#include "server/Channel.h"
+#include "server/Routes.h"
+#include "server/SessionTable.h"
 
 #include <QFileInfo>
 #include <QList>
@@ -13,14 +13,14 @@
 
 #include <memory>
 
-class Configuration;
-class ServerThread;
+class Profile;
+class Connection;
 class StatusSink;
 
 /// What all servers of a program have in common. The sink outlives them.
 struct ServerSetup
 {
-    ResponderRows rows;
+    Routes rows;
     StatusSink *sink = nullptr;
 };
 
@@ -55,13 +55,13 @@ public:
 
     /// Reads key and certificate of `profile`. True when both can be used together; otherwise
     /// the status sink is told what is wrong.
-    bool loadKeys(const Configuration *profile);
+    bool loadKeys(const Profile *profile);
 
     /// The server runs with `profile` from now on; the profiles' use counts follow.
-    void setProfile(Configuration *profile);
+    void setProfile(Profile *profile);
 
     /// Takes over the values of `profile`, the server's own or an edited copy of it.
-    void configurationModifyed(const Configuration *profile);
+    void profileEdited(const Profile *profile);
 
     /// Shares a file or folder; a path that can't be read makes it the home folder. Requests
     /// that are under way are not affected.
@@ -76,12 +76,12 @@ public:
     void addReceivedBytes(qint64 count) { traffic.receivedBytes += count; }
     qint64 dataLimitBytes() const { return traffic.dataLimit; }
     bool isBlocked() const { return traffic.blocked; }
-    int connectionCount() const { return int(threads.size()); }
+    int connectionCount() const { return int(connections.size()); }
 
-    QList<ServerThread *> threads; ///< the live connections; each removes itself
+    QList<Connection *> connections; ///< the live connections; each removes itself
     bool singleFile = false;
     QFileInfo shared;
-    Configuration *config = nullptr;
+    Profile *config = nullptr;
     quint16 port = 0;
 
 Q_SIGNALS:
@@ -103,9 +103,9 @@ private:
 
     QNetworkAddressEntry address;
     std::shared_ptr<const ServerSetup> setup;
-    MobileSocket::Traffic traffic;
+    Channel::Traffic traffic;
     std::unique_ptr<QSslKey> privateKey;
     std::unique_ptr<QSslCertificate> certificate;
-    ClientManager clients;
+    SessionTable clients;
     QList<qintptr> ignored; ///< descriptors accepted while blocked
 };

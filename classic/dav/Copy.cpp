@@ -15,7 +15,7 @@ bool isSameEntry(const QFileInfo &a, const QFileInfo &b)
 
 } // namespace
 
-Copy::Copy(HTTP_Request *httpRequest)
+Copy::Copy(Request *httpRequest)
     : Dav(httpRequest, name)
 {
 }

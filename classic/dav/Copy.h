@@ -15,7 +15,7 @@ class Copy : public Dav
 public:
     static constexpr auto name = "CP";
 
-    explicit Copy(HTTP_Request *request);
+    explicit Copy(Request *request);
 
     using Dav::reply;
     void reply(const QFileInfo &shared) override;

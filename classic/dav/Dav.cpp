@@ -14,8 +14,8 @@ constexpr auto literalInPath = "!$'()*+,;=:@/[]";
 
 } // namespace
 
-Dav::Dav(HTTP_Request *httpRequest, const char *name)
-    : Response(httpRequest)
+Dav::Dav(Request *httpRequest, const char *name)
+    : Responder(httpRequest)
 {
     contentType = typeLine;
     setObjectName(QLatin1String(name));

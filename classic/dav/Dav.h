@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/Response.h"
+#include "server/Responder.h"
 
 #include <QByteArray>
 #include <QFileInfo>
@@ -18,11 +18,11 @@ constexpr auto locked = "423 Locked";
 
 /// The base of the responders of the WebDAV methods (RFC 4918). A child of the request's channel,
 /// kept while the connection asks for the same method again.
-class Dav : public Response
+class Dav : public Responder
 {
     Q_OBJECT
 public:
-    using Response::reply;
+    using Responder::reply;
 
     /// The path that `requested`, a decoded path of a request, has in the file system. Empty when
     /// no entry can have it; every operation on an empty path fails.
@@ -33,7 +33,7 @@ public:
 
 protected:
     /// `name` is the object name.
-    Dav(HTTP_Request *request, const char *name);
+    Dav(Request *request, const char *name);
 
     /// Begins an XML document in `body`; the name of the root element is to follow.
     static void init(QByteArray &body);

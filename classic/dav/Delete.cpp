@@ -1,7 +1,7 @@
 #include "classic/dav/Delete.h"
 
 #include "classic/dav/DeleteDir.h"
-#include "config/Configuration.h"
+#include "config/Profile.h"
 
 #include <QFile>
 
@@ -19,14 +19,14 @@ const char *remove(const QFileInfo &target)
 
 } // namespace
 
-Delete::Delete(HTTP_Request *httpRequest)
+Delete::Delete(Request *httpRequest)
     : Dav(httpRequest, name)
 {
 }
 
-void Delete::reply(const QFileInfo &shared, Configuration *profile)
+void Delete::reply(const QFileInfo &shared, Profile *profile)
 {
-    if (!profile->isDelete())
+    if (!profile->allowsDelete())
         return sendHeader("423 Read-only", 0);
     sendHeader(remove(QFileInfo(pathIn(shared, request->path))), 0);
 }

@@ -9,8 +9,8 @@ class Delete : public Dav
 public:
     static constexpr auto name = "D";
 
-    explicit Delete(HTTP_Request *request);
+    explicit Delete(Request *request);
 
     using Dav::reply;
-    void reply(const QFileInfo &shared, Configuration *profile) override;
+    void reply(const QFileInfo &shared, Profile *profile) override;
 };

@@ -1,7 +1,7 @@
 #include "classic/dav/FileCopy.h"
 
 #include "classic/dav/AsideFile.h"
-#include "server/HTTP_Response.h"
+#include "server/FileReply.h"
 
 #include <QByteArray>
 #include <QFileInfo>

@@ -2,7 +2,7 @@
 
 #include <QDir>
 
-MkCol::MkCol(HTTP_Request *httpRequest)
+MkCol::MkCol(Request *httpRequest)
     : Dav(httpRequest, name)
 {
 }

@@ -9,7 +9,7 @@ class MkCol : public Dav
 public:
     static constexpr auto name = "MC";
 
-    explicit MkCol(HTTP_Request *request);
+    explicit MkCol(Request *request);
 
     using Dav::reply;
     void reply(const QFileInfo &shared) override;

@@ -31,7 +31,7 @@ bool isTaken(const QFileInfo &entry)
 
 } // namespace
 
-Move::Move(HTTP_Request *httpRequest)
+Move::Move(Request *httpRequest)
     : Dav(httpRequest, name)
 {
 }

@@ -10,7 +10,7 @@ class Move : public Dav
 public:
     static constexpr auto name = "MV";
 
-    explicit Move(HTTP_Request *request);
+    explicit Move(Request *request);
 
     using Dav::reply;
     void reply(const QFileInfo &shared) override;

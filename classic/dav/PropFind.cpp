@@ -1,7 +1,7 @@
 #include "classic/dav/PropFind.h"
 
 #include "classic/dav/Listing.h"
-#include "config/Configuration.h"
+#include "config/Profile.h"
 
 #include <QDir>
 #include <QHostAddress>
@@ -88,14 +88,14 @@ PropFind::Markup::Markup(const QByteArray &prefix)
     rootEnd = prefixed("</~multistatus>");
 }
 
-PropFind::PropFind(HTTP_Request *httpRequest)
+PropFind::PropFind(Request *httpRequest)
     : Dav(httpRequest, name)
 {
 }
 
 PropFind::~PropFind() = default;
 
-void PropFind::reply(const QFileInfo &shared, Configuration *profile)
+void PropFind::reply(const QFileInfo &shared, Profile *profile)
 {
     const QString path = requestedPath();
     const QString target = pathIn(shared, path);
@@ -104,7 +104,7 @@ void PropFind::reply(const QFileInfo &shared, Configuration *profile)
     if (!found)
         return sendHeader(DavStatus::notFound, 0);
 
-    foldersShown = profile->isFolder();
+    foldersShown = profile->showsFolders();
     markup = std::make_unique<Markup>(requestedPrefix());
     init(body);
     body += markup->root;
@@ -112,7 +112,7 @@ void PropFind::reply(const QFileInfo &shared, Configuration *profile)
     if (found->isFolder && path.endsWith(QLatin1Char('/')))
         addDir(target, href);
     else
-        addEnty(*found, relativePath(path).isEmpty() ? href + '/' : href);
+        addEntry(*found, relativePath(path).isEmpty() ? href + '/' : href);
     body += markup->rootEnd;
     sendDocument(body);
     body.clear();
@@ -147,7 +147,7 @@ QByteArray PropFind::requestedPrefix()
 
 QByteArray PropFind::baseUrl() const
 {
-    const MobileSocket &channel = request->channel;
+    const Channel &channel = request->channel;
     QUrl url;
     url.setScheme(channel.isEncrypted() ? QStringLiteral("https") : QStringLiteral("http"));
     url.setHost(plainAddress(channel.localAddress()));
@@ -163,10 +163,10 @@ void PropFind::addDir(const QString &folder, const QByteArray &href)
     body.reserve(int(qMin<qint64>(expected, largestReserve)));
     const QByteArray base = href + '/';
     for (const Resource &entry : entries)
-        addEnty(entry, base + hrefPath(entry.name));
+        addEntry(entry, base + hrefPath(entry.name));
 }
 
-void PropFind::addEnty(const Resource &entry, const QByteArray &href)
+void PropFind::addEntry(const Resource &entry, const QByteArray &href)
 {
     body += markup->toHref;
     body += href;

@@ -14,11 +14,11 @@ class PropFind : public Dav
 public:
     static constexpr auto name = "PF";
 
-    explicit PropFind(HTTP_Request *request);
+    explicit PropFind(Request *request);
     ~PropFind() override;
 
     using Dav::reply;
-    void reply(const QFileInfo &shared, Configuration *profile) override;
+    void reply(const QFileInfo &shared, Profile *profile) override;
 
 private:
     struct Markup;
@@ -27,7 +27,7 @@ private:
     QByteArray requestedPrefix();
     QByteArray baseUrl() const;
     void addDir(const QString &folder, const QByteArray &href);
-    void addEnty(const Resource &entry, const QByteArray &href);
+    void addEntry(const Resource &entry, const QByteArray &href);
 
     QByteArray body; ///< the document being built
     std::unique_ptr<const Markup> markup;

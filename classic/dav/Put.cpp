@@ -1,7 +1,7 @@
 #include "classic/dav/Put.h"
 
 #include "classic/dav/UploadFile.h"
-#include "config/Configuration.h"
+#include "config/Profile.h"
 
 namespace {
 
@@ -11,16 +11,16 @@ constexpr int probeSize = 1; ///< bytes
 
 } // namespace
 
-Put::Put(HTTP_Request *httpRequest)
+Put::Put(Request *httpRequest)
     : Dav(httpRequest, name)
 {
 }
 
 Put::~Put() = default;
 
-void Put::reply(const QFileInfo &shared, Configuration *profile)
+void Put::reply(const QFileInfo &shared, Profile *profile)
 {
-    if (!profile->isUpload())
+    if (!profile->allowsUpload())
         return sendHeader("423 Read only", 0);
 
     const QString path = pathIn(shared, request->path);

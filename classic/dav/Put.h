@@ -14,11 +14,11 @@ class Put : public Dav
 public:
     static constexpr auto name = "PT";
 
-    explicit Put(HTTP_Request *request);
+    explicit Put(Request *request);
     ~Put() override;
 
     using Dav::reply;
-    void reply(const QFileInfo &shared, Configuration *profile) override;
+    void reply(const QFileInfo &shared, Profile *profile) override;
 
     /// The body is whole, or will never be, see `SaveResult`.
     void reply(int result) override;

@@ -10,7 +10,7 @@ constexpr auto allowLine = "Allow: GET, POST, PUT, DELETE, OPTIONS, PROPFIND, CO
 
 } // namespace
 
-Options::Options(HTTP_Request *httpRequest)
+Options::Options(Request *httpRequest)
     : Dav(httpRequest, name)
 {
 }
@@ -24,7 +24,7 @@ void Options::reply()
     sendHeader(DavStatus::ok, 0, extra);
 }
 
-Head::Head(HTTP_Request *httpRequest)
+Head::Head(Request *httpRequest)
     : Dav(httpRequest, name)
 {
 }
@@ -35,7 +35,7 @@ void Head::reply(const QFileInfo &shared)
     sendHeader(exists ? DavStatus::ok : DavStatus::notFound, 0);
 }
 
-Lock::Lock(HTTP_Request *httpRequest)
+Lock::Lock(Request *httpRequest)
     : Dav(httpRequest, name)
 {
 }
@@ -46,7 +46,7 @@ void Lock::reply(const QFileInfo &shared)
     sendHeader(exists ? "200 Locked" : DavStatus::notFound, 0);
 }
 
-UnLock::UnLock(HTTP_Request *httpRequest)
+UnLock::UnLock(Request *httpRequest)
     : Dav(httpRequest, name)
 {
 }

@@ -9,7 +9,7 @@ class Options : public Dav
 public:
     static constexpr auto name = "O";
 
-    explicit Options(HTTP_Request *request);
+    explicit Options(Request *request);
 
     using Dav::reply;
     void reply() override;
@@ -22,7 +22,7 @@ class Head : public Dav
 public:
     static constexpr auto name = "H";
 
-    explicit Head(HTTP_Request *request);
+    explicit Head(Request *request);
 
     using Dav::reply;
     void reply(const QFileInfo &shared) override;
@@ -35,7 +35,7 @@ class Lock : public Dav
 public:
     static constexpr auto name = "L";
 
-    explicit Lock(HTTP_Request *request);
+    explicit Lock(Request *request);
 
     using Dav::reply;
     void reply(const QFileInfo &shared) override;
@@ -48,7 +48,7 @@ class UnLock : public Dav
 public:
     static constexpr auto name = "UL";
 
-    explicit UnLock(HTTP_Request *request);
+    explicit UnLock(Request *request);
 
     using Dav::reply;
     void reply() override;

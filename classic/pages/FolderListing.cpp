@@ -1,6 +1,6 @@
 #include "classic/pages/FolderListing.h"
 
-#include "server/ClientManager.h"
+#include "server/SessionTable.h"
 
 #include <QFile>
 
@@ -15,9 +15,9 @@ namespace {
 qint64 sortKey(const EntryFacts &facts, int sortMode)
 {
     switch (sortMode) {
-    case ClientData::ByTime:
+    case SessionData::ByTime:
         return facts.modified;
-    case ClientData::BySize:
+    case SessionData::BySize:
         return facts.size;
     default:
         return 0;

@@ -22,7 +22,7 @@ public:
     };
 
     /// `folder` is absolute; `filter` takes `Files`, `AllDirs`, `Hidden` and `Readable`;
-    /// `sortMode` is a `ClientData::SortMode`.
+    /// `sortMode` is a `SessionData::SortMode`.
     FolderListing(const QString &folder, QDir::Filters filter, int sortMode);
 
     qint64 count() const { return qint64(items.size()); }

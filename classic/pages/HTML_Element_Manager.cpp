@@ -24,24 +24,24 @@ HTML_Element_Manager::~HTML_Element_Manager()
     clear();
 }
 
-HTML_Element HTML_Element_Manager::toHTML(const QFileInfo &entry)
+ListedEntry HTML_Element_Manager::toHTML(const QFileInfo &entry)
 {
-    HTML_Element element(entry);
+    ListedEntry element(entry);
     if (!element.isReady())
         addPreview(element, entry, entry.canonicalFilePath());
     return element;
 }
 
-HTML_Element HTML_Element_Manager::toHTML(const QFileInfo &entry, const EntryFacts &facts,
-                                          const QString &canonicalFolder)
+ListedEntry HTML_Element_Manager::toHTML(const QFileInfo &entry, const EntryFacts &facts,
+                                         const QString &canonicalFolder)
 {
-    HTML_Element element(entry, facts);
+    ListedEntry element(entry, facts);
     if (!element.isReady())
         addPreview(element, entry, keyOf(entry, facts, canonicalFolder));
     return element;
 }
 
-void HTML_Element_Manager::addPreview(HTML_Element &element, const QFileInfo &entry,
+void HTML_Element_Manager::addPreview(ListedEntry &element, const QFileInfo &entry,
                                       const QString &key)
 {
     const std::lock_guard<std::mutex> lock(mutex);
@@ -75,7 +75,7 @@ void HTML_Element_Manager::run()
         pending.pop_front();
         lock.unlock();
         // Made here and published whole: no other thread sees it before it is finished.
-        HTML_Element element{ QFileInfo(job.path) };
+        ListedEntry element{ QFileInfo(job.path) };
         if (!element.isReady())
             element.init();
         lock.lock();
@@ -95,7 +95,7 @@ QString HTML_Element_Manager::getTempFile(const QString &path)
 
 void HTML_Element_Manager::removeLeftFiles()
 {
-    QDir folder(HTML_Element::previewFolder());
+    QDir folder(ListedEntry::previewFolder());
     const QStringList files = folder.entryList(QDir::Files | QDir::Hidden | QDir::System);
     for (const QString &file : files)
         folder.remove(file);

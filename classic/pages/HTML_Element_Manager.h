@@ -1,6 +1,6 @@
 #pragma once
 
-#include "classic/pages/HTML_Element.h"
+#include "classic/pages/ListedEntry.h"
 
 #include <QHash>
 #include <QSet>
@@ -23,12 +23,12 @@ public:
 
     /// The element of an entry as it is now. A large picture that is seen for the first time is
     /// queued for its preview; nothing waits for it.
-    HTML_Element toHTML(const QFileInfo &entry);
+    ListedEntry toHTML(const QFileInfo &entry);
 
     /// The same for callers that list many entries: `facts` are those of the entry,
     /// `canonicalFolder` is its folder's `QFileInfo::canonicalFilePath`.
-    HTML_Element toHTML(const QFileInfo &entry, const EntryFacts &facts,
-                        const QString &canonicalFolder);
+    ListedEntry toHTML(const QFileInfo &entry, const EntryFacts &facts,
+                       const QString &canonicalFolder);
 
     /// The preview file of the picture at `path`; empty when it has none (yet).
     QString getTempFile(const QString &path);
@@ -49,14 +49,14 @@ private:
         QString path;
     };
 
-    void addPreview(HTML_Element &element, const QFileInfo &entry, const QString &key);
+    void addPreview(ListedEntry &element, const QFileInfo &entry, const QString &key);
     void enqueue(const Job &job);
     void run();
 
     std::mutex mutex; ///< guards what follows, but for `worker`, which only the event loop uses
     std::deque<Job> pending; ///< pictures without preview, in the order of their work
     QSet<QString> waiting; ///< the keys of `pending` and of the picture in work
-    QHash<QString, HTML_Element> done; ///< ready elements of large pictures by canonical path
+    QHash<QString, ListedEntry> done; ///< ready elements of large pictures by canonical path
     bool running = false; ///< the worker has not yet found `pending` empty
     std::unique_ptr<QThread> worker;
 };

@@ -25,26 +25,26 @@ struct Choice
 struct SortChoice
 {
     Choice choice;
-    ClientData::SortMode mode;
+    SessionData::SortMode mode;
 };
 
 constexpr std::array<SortChoice, 3> sortChoices{ {
-    { { QT_TRANSLATE_NOOP("ShareDir", "Name"), "n" }, ClientData::ByName },
-    { { QT_TRANSLATE_NOOP("ShareDir", "Size"), "s" }, ClientData::BySize },
-    { { QT_TRANSLATE_NOOP("ShareDir", "Time"), "t" }, ClientData::ByTime },
+    { { QT_TRANSLATE_NOOP("BrowserPages", "Name"), "n" }, SessionData::ByName },
+    { { QT_TRANSLATE_NOOP("BrowserPages", "Size"), "s" }, SessionData::BySize },
+    { { QT_TRANSLATE_NOOP("BrowserPages", "Time"), "t" }, SessionData::ByTime },
 } };
 
 constexpr std::array<Choice, 5> actionChoices{ {
-    { QT_TRANSLATE_NOOP("ShareDir", "Select Action"), "" },
-    { QT_TRANSLATE_NOOP("ShareDir", "Add File"), "up" },
-    { QT_TRANSLATE_NOOP("ShareDir", "Create Folder"), "cf" },
-    { QT_TRANSLATE_NOOP("ShareDir", "File Manager in window"), "upfm" },
-    { QT_TRANSLATE_NOOP("ShareDir", "File Manager in browser"), "upm" },
+    { QT_TRANSLATE_NOOP("BrowserPages", "Select Action"), "" },
+    { QT_TRANSLATE_NOOP("BrowserPages", "Add File"), "up" },
+    { QT_TRANSLATE_NOOP("BrowserPages", "Create Folder"), "cf" },
+    { QT_TRANSLATE_NOOP("BrowserPages", "File Manager in window"), "upfm" },
+    { QT_TRANSLATE_NOOP("BrowserPages", "File Manager in browser"), "upm" },
 } };
 
 QByteArray translated(const char *word)
 {
-    return QCoreApplication::translate("ShareDir", word).toUtf8();
+    return QCoreApplication::translate("BrowserPages", word).toUtf8();
 }
 
 QByteArray folderUrl(const QString &urlPath)
@@ -65,13 +65,13 @@ void writeDirFile(QByteArray *page, const FolderListing::Entry &entry, const Cel
     addEscaped(page, name);
     page->append("</a><br>");
     if (entry.facts.folder)
-        page->append(translated(QT_TRANSLATE_NOOP("ShareDir", "Folder")));
+        page->append(translated(QT_TRANSLATE_NOOP("BrowserPages", "Folder")));
     else
         addFileFacts(page, frame, entry.facts);
     page->append("</td>");
 }
 
-ListingPage::ListingPage(const FolderListing &entries, Options pageOptions, ClientData &clientData)
+ListingPage::ListingPage(const FolderListing &entries, Options pageOptions, SessionData &clientData)
     : listing(entries)
     , options(std::move(pageOptions))
     , session(clientData)
@@ -216,7 +216,7 @@ void ListingPage::addEntries()
     page.append(R"(<table border="1" frame="border">)");
     if (listing.count() == 0) {
         page.append("<tr><td><h2>");
-        page.append(translated(QT_TRANSLATE_NOOP("ShareDir", "Empty")));
+        page.append(translated(QT_TRANSLATE_NOOP("BrowserPages", "Empty")));
         page.append("</h2></td></tr>");
     }
     for (std::size_t i = 0; i < places.size(); ++i) {

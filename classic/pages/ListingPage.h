@@ -2,9 +2,9 @@
 
 #include "classic/pages/Cell.h"
 #include "classic/pages/FolderListing.h"
-#include "classic/pages/HTML_Element.h"
+#include "classic/pages/ListedEntry.h"
 #include "classic/pages/ShortDates.h"
-#include "server/ClientManager.h"
+#include "server/SessionTable.h"
 
 #include <QByteArray>
 #include <QString>
@@ -31,7 +31,7 @@ public:
 
     /// Takes the entries that the page of `clientData` shows and queues the previews they lack. A
     /// page that does not exist becomes the first one.
-    ListingPage(const FolderListing &entries, Options pageOptions, ClientData &clientData);
+    ListingPage(const FolderListing &entries, Options pageOptions, SessionData &clientData);
 
     /// Whether all previews of the page are there, or given up.
     bool isComplete() const { return complete; }
@@ -43,7 +43,7 @@ private:
     struct Shown
     {
         FolderListing::Entry entry;
-        std::optional<HTML_Element> element; ///< on pages with pictures
+        std::optional<ListedEntry> element; ///< on pages with pictures
     };
 
     void choosePage();
@@ -61,7 +61,7 @@ private:
 
     const FolderListing &listing;
     const Options options;
-    ClientData &session;
+    SessionData &session;
     const qint64 perPage;
     qint64 pageIndex = 0;
     bool complete = true;

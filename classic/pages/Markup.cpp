@@ -130,7 +130,7 @@ void addOption(QByteArray *out, const char *label, const char *value, bool selec
     out->append(R"(<option value=")").append(value).append('"');
     if (selected)
         out->append(" SELECTED");
-    out->append(">").append(toAscii(QCoreApplication::translate("ShareDir", label)));
+    out->append(">").append(toAscii(QCoreApplication::translate("BrowserPages", label)));
     out->append("</option>");
 }
 

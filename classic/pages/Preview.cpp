@@ -1,6 +1,6 @@
 #include "classic/pages/Preview.h"
 
-#include "server/HTTP_Response.h"
+#include "server/FileReply.h"
 
 #include <QDeadlineTimer>
 #include <QFile>

@@ -1,6 +1,6 @@
 #include "desktop/look/ColorDialog.h"
 
-#include "desktop/widgets/ConfigPageFields.h"
+#include "desktop/widgets/Fields.h"
 
 #include <QButtonGroup>
 #include <QGridLayout>

@@ -1,7 +1,7 @@
 #include "desktop/look/StartUp.h"
 
-#include "config/Configuration.h"
-#include "desktop/look/PageStyle.h"
+#include "config/Profile.h"
+#include "desktop/look/StylePage.h"
 
 #include <QApplication>
 #include <QDebug>
@@ -22,7 +22,7 @@ void applyFontSize(const QSettings &settings)
 {
     QFont font = QApplication::font();
     const int points =
-        settings.value(QLatin1String(PageStyle::fontSizeKey), font.pointSize()).toInt();
+        settings.value(QLatin1String(StylePage::fontSizeKey), font.pointSize()).toInt();
     if (points < smallestFont || points > largestFont)
         return;
     font.setPointSize(points);
@@ -34,15 +34,15 @@ void applyFontSize(const QSettings &settings)
 void applyStoredLook()
 {
     QSettings settings;
-    PageStyle::DefaultStyle = PageStyle::currentStyle();
-    const QString style = settings.value(QLatin1String(PageStyle::styleKey)).toString();
+    StylePage::DefaultStyle = StylePage::currentStyle();
+    const QString style = settings.value(QLatin1String(StylePage::styleKey)).toString();
     if (style.isEmpty())
         return;
 
-    if (style != PageStyle::DefaultStyle)
+    if (style != StylePage::DefaultStyle)
         QApplication::setStyle(style);
     QPalette palette = QApplication::style()->standardPalette();
-    PageStyle::setPalette(&palette, &settings, style);
+    StylePage::setPalette(&palette, &settings, style);
     QApplication::setPalette(palette);
     applyFontSize(settings);
 }
@@ -55,10 +55,10 @@ void installTranslators(QCoreApplication *app)
     QCoreApplication::installTranslator(builtIn);
 
     auto *own = new QTranslator(app);
-    if (own->load(QStringLiteral("lang"), Configuration::LangPath)) {
+    if (own->load(QStringLiteral("lang"), Profile::LangPath)) {
         QCoreApplication::installTranslator(own);
         return;
     }
     qDebug().nospace() << "No translator found for locale=" << QLocale::system().name()
-                       << " in dir=" << Configuration::LangPath;
+                       << " in dir=" << Profile::LangPath;
 }

@@ -1,8 +1,8 @@
 #include "desktop/settings/ProfileDialog.h"
 
-#include "config/Configuration.h"
+#include "config/Profile.h"
 #include "desktop/settings/ProfileUser.h"
-#include "desktop/widgets/ConfigPageFields.h"
+#include "desktop/widgets/Fields.h"
 #include "desktop/widgets/InputDialog.h"
 
 #include <QFile>
@@ -31,7 +31,7 @@ bool namesPlainFile(const QString &name)
 }
 
 /// What the list calls `profile`: a damaged file gives no name, but must be told from others.
-QString listedName(const Configuration *profile)
+QString listedName(const Profile *profile)
 {
     return profile->name.isEmpty() ? QFileInfo(profile->fileName()).fileName() : profile->name;
 }
@@ -51,9 +51,9 @@ ProfileDialog::ProfileDialog(ProfileUser *user, QWidget *parent)
     , profiles(new ChoiceBox)
 {
     setWindowTitle(tr("Change Profile"));
-    for (const Configuration *profile : std::as_const(Configuration::confList))
+    for (const Profile *profile : std::as_const(Profile::confList))
         profiles->addItem(listedName(profile));
-    profiles->setCurrentIndex(int(Configuration::confList.indexOf(user->profile())));
+    profiles->setCurrentIndex(int(Profile::confList.indexOf(user->profile())));
 
     const QString caption = tr("Select profile or edit profile name");
     QPushButton *create = dialogButton(tr("New profile"));
@@ -84,17 +84,17 @@ QString ProfileDialog::refusal(const QString &name)
     if (QFile::encodeName(name).size() > longestName)
         return tr("This profile name is too long.");
 
-    Configuration candidate;
+    Profile candidate;
     candidate.setFileName(name);
-    if (Configuration::find(name) || QFile::exists(candidate.fileName()))
+    if (Profile::find(name) || QFile::exists(candidate.fileName()))
         return tr("There is already a profile named \"%1\".").arg(name);
     return {};
 }
 
 void ProfileDialog::accept()
 {
-    if (Configuration *profile = chosenProfile())
-        item->configurationChanged(profile);
+    if (Profile *profile = chosenProfile())
+        item->useProfile(profile);
     QDialog::accept();
 }
 
@@ -109,7 +109,7 @@ void ProfileDialog::newProfile()
         return;
     }
 
-    std::unique_ptr<Configuration> profile(Configuration::getGlobalConfig()->clone());
+    std::unique_ptr<Profile> profile(Profile::global()->clone());
     profile->setFileName(name);
     profile->name = name;
     if (profile->save())
@@ -118,32 +118,32 @@ void ProfileDialog::newProfile()
         warn(this, tr("Can't write file: ") + profile->fileName());
 }
 
-void ProfileDialog::addProfile(Configuration *profile)
+void ProfileDialog::addProfile(Profile *profile)
 {
-    Configuration::confList.append(profile);
+    Profile::confList.append(profile);
     profiles->addItem(listedName(profile));
     profiles->setCurrentIndex(profiles->count() - 1);
 }
 
 void ProfileDialog::removeProfile()
 {
-    Configuration *profile = chosenProfile();
+    Profile *profile = chosenProfile();
     if (!profile)
         return;
     // The program itself uses the global profile, even when no server does.
-    if (profile->useCount > 0 || profile == Configuration::getGlobalConfig()) {
+    if (profile->useCount > 0 || profile == Profile::global()) {
         warn(this, tr("Used config profile is not removable."));
         return;
     }
     if (!profile->remove())
         return;
     profiles->removeItem(profiles->currentIndex());
-    Configuration::confList.removeOne(profile);
+    Profile::confList.removeOne(profile);
     delete profile;
 }
 
-Configuration *ProfileDialog::chosenProfile() const
+Profile *ProfileDialog::chosenProfile() const
 {
     // The list shows the profiles in the order of `confList`.
-    return Configuration::confList.value(profiles->currentIndex(), nullptr);
+    return Profile::confList.value(profiles->currentIndex(), nullptr);
 }

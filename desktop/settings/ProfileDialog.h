@@ -2,7 +2,7 @@
 
 #include <QDialog>
 
-class Configuration;
+class Profile;
 class ProfileUser;
 class QComboBox;
 
@@ -26,8 +26,8 @@ private Q_SLOTS:
     void removeProfile();
 
 private:
-    void addProfile(Configuration *profile);
-    Configuration *chosenProfile() const;
+    void addProfile(Profile *profile);
+    Profile *chosenProfile() const;
 
     ProfileUser *item;
     QComboBox *profiles;

@@ -2,9 +2,9 @@
 
 #include <QtGlobal>
 
-class Configuration;
+class Profile;
 
-/// Something that runs with one profile of `Configuration::confList` and can move to another.
+/// Something that runs with one profile of `Profile::confList` and can move to another.
 /// The profile chooser only borrows it.
 class ProfileUser
 {
@@ -13,10 +13,10 @@ public:
     virtual ~ProfileUser() = default;
 
     /// The profile in use.
-    virtual Configuration *profile() const = 0;
+    virtual Profile *profile() const = 0;
 
-    /// Moves to `profile`, which is an element of `Configuration::confList`.
-    virtual void configurationChanged(Configuration *profile) = 0;
+    /// Moves to `profile`, which is an element of `Profile::confList`.
+    virtual void useProfile(Profile *profile) = 0;
 
 private:
     Q_DISABLE_COPY(ProfileUser)

@@ -1,6 +1,6 @@
 #include "desktop/widgets/InputDialog.h"
 
-#include "desktop/widgets/ConfigPageFields.h"
+#include "desktop/widgets/Fields.h"
 
 #include <QLabel>
 #include <QVBoxLayout>

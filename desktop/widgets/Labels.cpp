@@ -15,7 +15,7 @@ constexpr int leastHeight = 44; // what a finger needs
 
 } // namespace
 
-Slabel::Slabel(QIcon on, QIcon off, QWidget *parent)
+StateLabel::StateLabel(QIcon on, QIcon off, QWidget *parent)
     : QLabel(parent)
     , onIcon(std::move(on))
     , offIcon(std::move(off))
@@ -23,13 +23,13 @@ Slabel::Slabel(QIcon on, QIcon off, QWidget *parent)
     showState();
 }
 
-void Slabel::setOn(bool on)
+void StateLabel::setOn(bool on)
 {
     m_on = on;
     showState();
 }
 
-void Slabel::showState()
+void StateLabel::showState()
 {
     const int size = style()->pixelMetric(QStyle::PM_LargeIconSize, nullptr, this);
     setPixmap((m_on ? onIcon : offIcon).pixmap(size));
@@ -104,9 +104,9 @@ void LinkLabel::paintEvent(QPaintEvent *event)
     style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
 }
 
-SLinkLabel::SLinkLabel(const QIcon &on, const QIcon &off, QWidget *parent)
+StateLinkLabel::StateLinkLabel(const QIcon &on, const QIcon &off, QWidget *parent)
     : QWidget(parent)
-    , m_picture(new Slabel(on, off, this))
+    , m_picture(new StateLabel(on, off, this))
     , m_link(new LinkLabel(this))
 {
     auto *row = new QHBoxLayout(this);

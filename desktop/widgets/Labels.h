@@ -4,12 +4,12 @@
 #include <QLabel>
 
 /// A label that shows one of two pictures, for on and for off.
-class Slabel : public QLabel
+class StateLabel : public QLabel
 {
     Q_OBJECT
 
 public:
-    Slabel(QIcon on, QIcon off, QWidget *parent);
+    StateLabel(QIcon on, QIcon off, QWidget *parent);
 
     bool isOn() const { return m_on; }
 
@@ -56,17 +56,17 @@ private:
 };
 
 /// A link with an on/off picture before it.
-class SLinkLabel : public QWidget
+class StateLinkLabel : public QWidget
 {
     Q_OBJECT
 
 public:
-    SLinkLabel(const QIcon &on, const QIcon &off, QWidget *parent);
+    StateLinkLabel(const QIcon &on, const QIcon &off, QWidget *parent);
 
-    Slabel *picture() const { return m_picture; }
+    StateLabel *picture() const { return m_picture; }
     LinkLabel *link() const { return m_link; }
 
 private:
-    Slabel *m_picture;
+    StateLabel *m_picture;
     LinkLabel *m_link;
 };

@@ -1,7 +1,7 @@
 #include "desktop/widgets/MessageDialog.h"
 
-#include "config/Configuration.h"
-#include "desktop/widgets/ConfigPageFields.h"
+#include "config/Profile.h"
+#include "desktop/widgets/Fields.h"
 
 #include <QFile>
 #include <QTextBrowser>
@@ -34,7 +34,7 @@ MessageDialog::MessageDialog(const QString &title, const QString &text, QWidget 
 
 void MessageDialog::help(const QString &name, QWidget *parent)
 {
-    QFile file(Configuration::LangPath + QLatin1String("help/") + name + QLatin1String(".html"));
+    QFile file(Profile::LangPath + QLatin1String("help/") + name + QLatin1String(".html"));
     const QString text = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll())
                                                         : tr("Can't read file: ") + file.fileName();
 

@@ -1,6 +1,6 @@
 #include "desktop/widgets/Prompts.h"
 
-#include "desktop/widgets/ConfigPageFields.h"
+#include "desktop/widgets/Fields.h"
 
 #include <QAbstractButton>
 #include <QCoreApplication>
@@ -52,7 +52,7 @@ QString choosePath(QWidget *parent, PathKind kind, const QString &title, const Q
         // too.
         dialog.setFileMode(QFileDialog::ExistingFile);
         dialog.setOption(QFileDialog::HideNameFilterDetails);
-        dialog.setNameFilter(QCoreApplication::translate("MobileWebServer", "All (*.*)")
+        dialog.setNameFilter(QCoreApplication::translate("MainWindow", "All (*.*)")
                              + QLatin1String("(*)"));
     }
     sizeForFingers(&dialog);

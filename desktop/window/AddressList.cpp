@@ -1,9 +1,9 @@
 #include "desktop/window/AddressList.h"
 
-#include "config/Configuration.h"
-#include "desktop/settings/ConfigDialog.h"
+#include "config/Profile.h"
 #include "desktop/settings/ProfileDialog.h"
-#include "desktop/widgets/ConfigPageFields.h"
+#include "desktop/settings/SettingsDialog.h"
+#include "desktop/widgets/Fields.h"
 #include "desktop/widgets/InputDialog.h"
 #include "desktop/widgets/Prompts.h"
 #include "desktop/window/AddressTable.h"
@@ -29,23 +29,23 @@ constexpr QSize pictureSize(32, 32);
 
 QString listFile()
 {
-    return Configuration::ConfigDir + QLatin1String("list.ini");
+    return Profile::ConfigDir + QLatin1String("list.ini");
 }
 
 /// The profile of `confList` that `profile` is, or is an edited copy of; they share the file.
-Configuration *liveProfile(Configuration *profile)
+Profile *liveProfile(Profile *profile)
 {
-    const auto same = [profile](const Configuration *other) {
+    const auto same = [profile](const Profile *other) {
         return other == profile || other->fileName() == profile->fileName();
     };
-    const auto &all = Configuration::confList;
+    const auto &all = Profile::confList;
     const auto live = std::find_if(all.cbegin(), all.cend(), same);
     return live == all.cend() ? nullptr : *live;
 }
 
 bool isExpert()
 {
-    return Configuration::getGlobalConfig()->expertMode;
+    return Profile::global()->expertMode;
 }
 
 void stop(ServerItem *item)
@@ -73,10 +73,10 @@ QList<QNetworkAddressEntry> deviceAddresses()
 }
 
 AddressList::Noticed::Noticed()
-    : dnsEnabled(Configuration::getGlobalConfig()->dnsEnabled)
-    , dnsUser(Configuration::getGlobalConfig()->dnsUser)
-    , dnsPassword(Configuration::getGlobalConfig()->dnsPassword)
-    , expertMode(Configuration::getGlobalConfig()->expertMode)
+    : dnsEnabled(Profile::global()->dnsEnabled)
+    , dnsUser(Profile::global()->dnsUser)
+    , dnsPassword(Profile::global()->dnsPassword)
+    , expertMode(Profile::global()->expertMode)
 {
 }
 
@@ -192,7 +192,7 @@ QList<ServerItem *> AddressList::visibleItems() const
     return visible;
 }
 
-QList<ServerItem *> AddressList::itemsWith(const Configuration *profile) const
+QList<ServerItem *> AddressList::itemsWith(const Profile *profile) const
 {
     QList<ServerItem *> users = items();
     users.erase(std::remove_if(users.begin(), users.end(),
@@ -237,7 +237,7 @@ void AddressList::loadLocal()
     addFound();
     if (found.isEmpty())
         m_statusLabel->setText(tr("<center><b>Network not found</b></center>"));
-    else if (!isRuning())
+    else if (!isRunning())
         m_statusLabel->setText(Reachability::localText());
     if (m_table->currentRow() < 0 && getServerCount() > 0)
         m_table->setCurrentCell(0, AddressTable::AddressColumn);
@@ -347,7 +347,7 @@ void AddressList::removeRow(ServerItem *item)
     m_table->removeRow(row);
     // Later: a menu, dialog or signal of the item may be what brought us here.
     item->deleteLater();
-    setStartButton(isRuning());
+    setStartButton(isRunning());
 }
 
 void AddressList::hideAddedPorts()
@@ -356,7 +356,7 @@ void AddressList::hideAddedPorts()
         m_table->setRowHidden(row, !isExpert() && getServer(row)->isAddedPort());
 }
 
-void AddressList::setSaraedContent(const QString &path)
+void AddressList::setSharedContent(const QString &path)
 {
     if (isExpert()) {
         if (ServerItem *item = getSelectedItem())
@@ -401,7 +401,7 @@ void AddressList::saveRows()
 
 // --- start and stop -----------------------------------------------------------------------------
 
-bool AddressList::isRuning() const
+bool AddressList::isRunning() const
 {
     const QList<ServerItem *> all = items();
     return std::any_of(all.begin(), all.end(),
@@ -410,14 +410,14 @@ bool AddressList::isRuning() const
 
 void AddressList::startButtonPressed()
 {
-    if (isRuning()) {
+    if (isRunning()) {
         stopServers();
         return;
     }
     const QList<ServerItem *> all = visibleItems();
     for (ServerItem *item : all)
         item->start();
-    if (isRuning())
+    if (isRunning())
         m_reachability->refreshPublic();
 }
 
@@ -453,7 +453,7 @@ void AddressList::setStartButton(bool running)
 
 void AddressList::changed(ServerItem *item)
 {
-    setStartButton(isRuning());
+    setStartButton(isRunning());
     if (item == getSelectedItem())
         Q_EMIT selectionChanged(item);
 }
@@ -501,7 +501,7 @@ void AddressList::cellPressed(int row, int column)
 void AddressList::editProfile()
 {
     if (ServerItem *item = getSelectedItem())
-        ConfigDialog::edit(item->profile(), this, window());
+        SettingsDialog::edit(item->profile(), this, window());
 }
 
 void AddressList::changeProfile()
@@ -557,20 +557,20 @@ void AddressList::setExpertMode()
     hideAddedPorts();
 }
 
-void AddressList::configChanged(Configuration *profile)
+void AddressList::profileEdited(Profile *profile)
 {
-    Configuration *live = liveProfile(profile);
+    Profile *live = liveProfile(profile);
     if (!live)
         return;
-    const bool ssl = live->isSSLmode();
+    const bool ssl = live->usesTls();
     store(live, profile);
     noticeGlobal();
     ServerItem *selected = getSelectedItem();
-    if (live->isSSLmode() != ssl && selected)
+    if (live->usesTls() != ssl && selected)
         changed(selected);
 }
 
-void AddressList::store(Configuration *live, Configuration *edited)
+void AddressList::store(Profile *live, Profile *edited)
 {
     const QList<ServerItem *> users = itemsWith(live);
     if (users.isEmpty()) {
@@ -582,9 +582,9 @@ void AddressList::store(Configuration *live, Configuration *edited)
         return;
     // Servers compare the copy with the live profile, which the first item overwrites.
     for (const ServerItem *item : users.mid(1))
-        item->server()->configurationModifyed(edited);
+        item->server()->profileEdited(edited);
     for (ServerItem *item : users)
-        item->configurationModifyed(edited);
+        item->profileEdited(edited);
 }
 
 void AddressList::noticeGlobal()
@@ -594,7 +594,7 @@ void AddressList::noticeGlobal()
         return;
     noticed = now;
     setExpertMode();
-    if (Configuration::getGlobalConfig()->useDNS())
+    if (Profile::global()->usesDns())
         m_reachability->loadPublic();
 }
 

@@ -14,7 +14,7 @@
 #include <optional>
 
 class AddressTable;
-class Configuration;
+class Profile;
 class QLabel;
 class QMenu;
 class QPushButton;
@@ -51,10 +51,10 @@ public:
 
     /// Shares `path` through the selected item; in simple mode through all of them, now and when
     /// the network comes.
-    void setSaraedContent(const QString &path);
+    void setSharedContent(const QString &path);
 
     /// Whether any server is listening.
-    bool isRuning() const;
+    bool isRunning() const;
 
     /// Asks `question`, which is translated, when a server runs whose profile wants warnings.
     /// False when the user refuses.
@@ -73,7 +73,7 @@ public:
     void setExpertMode();
 
     /// `profile` is a profile of `confList`, or an edited copy of one.
-    void configChanged(Configuration *profile) override;
+    void profileEdited(Profile *profile) override;
 
     qint64 totalTraffic() const override;
     void updateListening() override;
@@ -127,7 +127,7 @@ private:
 
     QList<ServerItem *> items() const;
     QList<ServerItem *> visibleItems() const;
-    QList<ServerItem *> itemsWith(const Configuration *profile) const;
+    QList<ServerItem *> itemsWith(const Profile *profile) const;
     int addressCount() const;
 
     bool isFound(const QHostAddress &address) const;
@@ -145,7 +145,7 @@ private:
     std::optional<int> askPort(const QString &title, const ServerItem *item);
     void saveRows();
 
-    void store(Configuration *live, Configuration *edited);
+    void store(Profile *live, Profile *edited);
     void noticeGlobal();
 
     std::shared_ptr<const ServerSetup> setup;

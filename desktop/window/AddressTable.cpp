@@ -1,6 +1,6 @@
 #include "desktop/window/AddressTable.h"
 
-#include "desktop/widgets/ConfigPageFields.h"
+#include "desktop/widgets/Fields.h"
 
 #include <QCursor>
 #include <QHeaderView>

@@ -1,6 +1,6 @@
 #include "desktop/window/EventHandler.h"
 
-#include "desktop/widgets/ConfigPageFields.h"
+#include "desktop/widgets/Fields.h"
 #include "desktop/window/TrafficSource.h"
 
 #include <QAbstractButton>

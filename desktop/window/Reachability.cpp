@@ -1,7 +1,7 @@
 #include "desktop/window/Reachability.h"
 
-#include "config/Configuration.h"
-#include "desktop/settings/ConfigDialog.h"
+#include "config/Profile.h"
+#include "desktop/settings/SettingsDialog.h"
 #include "desktop/widgets/Prompts.h"
 #include "desktop/window/AddressList.h"
 #include "desktop/window/EventHandler.h"
@@ -38,13 +38,13 @@ QString Reachability::localText()
 void Reachability::loadPublic()
 {
     checkPort();
-    if (Configuration::getGlobalConfig()->useDNS())
+    if (Profile::global()->usesDns())
         updateDns();
 }
 
 void Reachability::refreshPublic()
 {
-    const bool dns = Configuration::getGlobalConfig()->useDNS() && services->hasDynamicDns();
+    const bool dns = Profile::global()->usesDns() && services->hasDynamicDns();
     if (services->hasPortCheck() || dns)
         loadPublic();
 }
@@ -67,12 +67,12 @@ std::optional<int> Reachability::portToCheck()
         return {};
     if (!checkedItem)
         checkedItem = list->getSelectedItem();
-    return checkedItem ? checkedItem->server()->port : Configuration::getGlobalConfig()->port;
+    return checkedItem ? checkedItem->server()->port : Profile::global()->port;
 }
 
 void Reachability::updateDns()
 {
-    const Configuration *global = Configuration::getGlobalConfig();
+    const Profile *global = Profile::global();
     if (global->dnsUser.isEmpty() || global->dnsPassword.isEmpty())
         showBox(list->window(), QMessageBox::Warning,
                 tr("User and password required for DNS service."));
@@ -105,7 +105,7 @@ void Reachability::reply(const WebAnswer *answer)
 void Reachability::takeDnsAnswer(const WebAnswer &answer)
 {
     if (isDnsUpdated(answer.body))
-        dnsName = services->dnsName(Configuration::getGlobalConfig()->dnsUser);
+        dnsName = services->dnsName(Profile::global()->dnsUser);
     else
         QDesktopServices::openUrl(answer.url);
 }
@@ -122,7 +122,7 @@ bool Reachability::takePortCheck(const WebAnswer &answer)
 
 void Reachability::askForPassword()
 {
-    const bool warns = Configuration::getGlobalConfig()->warningMode == Qt::Checked;
+    const bool warns = Profile::global()->warningMode == Qt::Checked;
     if (asking || !warns || checkedItem->profile()->authMode != AuthNone)
         return;
     asking = true;
@@ -131,7 +131,7 @@ void Reachability::askForPassword()
                                      + QLatin1Char('\n') + tr("Do you want to set password?"));
     asking = false;
     if (wanted && checkedItem)
-        ConfigDialog::edit(checkedItem->profile(), list, list->window(), authenticationPage);
+        SettingsDialog::edit(checkedItem->profile(), list, list->window(), authenticationPage);
 }
 
 void Reachability::showReachability()

@@ -1,7 +1,7 @@
 #include "desktop/window/ServerItem.h"
 
 #include "app/HostPart.h"
-#include "config/Configuration.h"
+#include "config/Profile.h"
 #include "desktop/window/AddressList.h"
 #include "desktop/window/EventHandler.h"
 
@@ -70,7 +70,7 @@ ServerItem::~ServerItem() = default;
 
 void ServerItem::init(AddressList *list)
 {
-    configurationModifyed(profile());
+    profileEdited(profile());
     connect(this, &ServerItem::changed, list, &AddressList::changed);
     connect(m_server, &WebServer::dataLimit, list, &AddressList::dataLimit);
 }
@@ -136,18 +136,18 @@ void ServerItem::setShared(const QString &path)
 
 QString ServerItem::getUrl() const
 {
-    return serverUrl(profile()->isSSLmode(), address(), m_server->port);
+    return serverUrl(profile()->usesTls(), address(), m_server->port);
 }
 
-void ServerItem::configurationChanged(Configuration *profile)
+void ServerItem::useProfile(Profile *profile)
 {
     m_server->setProfile(profile);
     update();
 }
 
-void ServerItem::configurationModifyed(Configuration *profile)
+void ServerItem::profileEdited(Profile *profile)
 {
-    m_server->configurationModifyed(profile);
+    m_server->profileEdited(profile);
     takePortOf(profile);
     if (profile != this->profile()) {
         this->profile()->apply(profile);
@@ -158,9 +158,9 @@ void ServerItem::configurationModifyed(Configuration *profile)
 }
 
 /// In expert mode ports are set per row, so that a listening server keeps its own.
-void ServerItem::takePortOf(const Configuration *profile)
+void ServerItem::takePortOf(const Profile *profile)
 {
-    if (!isListening() || !Configuration::getGlobalConfig()->expertMode)
+    if (!isListening() || !Profile::global()->expertMode)
         setPort(isPort(profile->port) ? profile->port : ProfileValues().port);
 }
 
@@ -177,12 +177,12 @@ SavedRow ServerItem::state() const
 
 void ServerItem::takeState(const SavedRow &row, RestoreMode mode)
 {
-    Configuration *saved = row.profile.isEmpty() ? nullptr : Configuration::find(row.profile);
+    Profile *saved = row.profile.isEmpty() ? nullptr : Profile::find(row.profile);
     if (saved)
         m_server->setProfile(saved);
     setShared(row.file.isEmpty() ? QDir::homePath() : row.file);
     if (mode != KeepPort)
-        setPort(row.port > 0 ? row.port : Configuration::getGlobalConfig()->port);
+        setPort(row.port > 0 ? row.port : Profile::global()->port);
     update();
 }
 
@@ -195,7 +195,7 @@ void ServerItem::restore(QSettings *settings, int index, RestoreMode mode)
 {
     SavedRow row = SavedRow::read(settings, index);
     // In expert mode every row starts out on the global profile, whatever it ran with.
-    const Configuration *global = Configuration::getGlobalConfig();
+    const Profile *global = Profile::global();
     if (global->expertMode)
         row.profile = global->name;
     if (row.portDamaged && mode != KeepPort)

@@ -77,12 +77,12 @@ public:
     /// The address that a browser uses.
     QString getUrl() const;
 
-    Configuration *profile() const override { return m_server->config; }
-    void configurationChanged(Configuration *profile) override;
+    Profile *profile() const override { return m_server->config; }
+    void useProfile(Profile *profile) override;
 
     /// The item's profile was edited: `profile` is it, or an edited copy of it, which then is
     /// stored.
-    void configurationModifyed(Configuration *profile);
+    void profileEdited(Profile *profile);
 
     /// What `save` writes.
     SavedRow state() const;
@@ -98,7 +98,7 @@ Q_SIGNALS:
     void changed(ServerItem *item);
 
 private:
-    void takePortOf(const Configuration *profile);
+    void takePortOf(const Profile *profile);
 
     WebServer *m_server; ///< a child
     std::unique_ptr<QTableWidgetItem> m_profileCell;

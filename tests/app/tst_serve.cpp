@@ -44,8 +44,7 @@ private:
                             QStringLiteral("--port"), QStringLiteral("0") }
         + more + QStringList{ share->path() };
     }
-    void storeProfile(const QString &name,
-                      const std::function<void(Configuration &)> &change) const;
+    void storeProfile(const QString &name, const std::function<void(Profile &)> &change) const;
 
     std::unique_ptr<TestHome> home;
     std::unique_ptr<QTemporaryDir> share;
@@ -92,9 +91,9 @@ int TestServe::exitStatus(int msecs)
 }
 
 void TestServe::storeProfile(const QString &name,
-                             const std::function<void(Configuration &)> &change) const
+                             const std::function<void(Profile &)> &change) const
 {
-    Configuration profile;
+    Profile profile;
     profile.setFileName(name);
     profile.name = name;
     change(profile);
@@ -163,7 +162,7 @@ void TestServe::servesUntilASignal()
     ::kill(pid_t(program.processId()), signal);
     QCOMPARE(exitStatus(), 0);
     QVERIFY(program.readAllStandardError().contains("New client: 127.0.0.1"));
-    Configuration global(QStringLiteral("Global.conf"));
+    Profile global(QStringLiteral("Global.conf"));
     QVERIFY(global.cleanExit);
 }
 
@@ -184,20 +183,20 @@ void TestServe::removesACutOffUploadAtItsEnd()
 
 void TestServe::stopsAtTheTrafficLimit()
 {
-    storeProfile(QStringLiteral("small"), [](Configuration &profile) { profile.dataLimit = 1; });
-    const QByteArray before = contentOf(Configuration::ConfigDir + QLatin1String("small.cnf"));
+    storeProfile(QStringLiteral("small"), [](Profile &profile) { profile.dataLimit = 1; });
+    const QByteArray before = contentOf(Profile::ConfigDir + QLatin1String("small.cnf"));
     start(serving({ QStringLiteral("--profile"), QStringLiteral("small") }));
     RawClient client(waitForPort());
     client.send(rawRequest("GET", '/' + QByteArray(1500, 'x')));
     QCOMPARE(exitStatus(), 0);
     const QByteArray said = program.readAllStandardError();
     QVERIFY2(said.contains("limit of 1024 bytes is reached: sent "), said.constData());
-    QCOMPARE(contentOf(Configuration::ConfigDir + QLatin1String("small.cnf")), before);
+    QCOMPARE(contentOf(Profile::ConfigDir + QLatin1String("small.cnf")), before);
 }
 
 void TestServe::refusesToServeWithoutItsKeys()
 {
-    storeProfile(QStringLiteral("tls"), [](Configuration &profile) { profile.sslMode = 2; });
+    storeProfile(QStringLiteral("tls"), [](Profile &profile) { profile.sslMode = 2; });
     start(serving({ QStringLiteral("--profile"), QStringLiteral("tls") }));
     QCOMPARE(exitStatus(), 1);
     QVERIFY(program.readAllStandardError().contains("TLS"));

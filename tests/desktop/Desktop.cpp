@@ -1,6 +1,6 @@
 #include "tests/desktop/Desktop.h"
 
-#include "config/Configuration.h"
+#include "config/Profile.h"
 #include "desktop/window/EventHandler.h"
 #include "desktop/window/ServerItem.h"
 
@@ -21,7 +21,7 @@ DesktopHome::DesktopHome()
     QCoreApplication::setOrganizationName(QStringLiteral("Tessaroy"));
     QCoreApplication::setApplicationName(QStringLiteral("Quillon"));
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, path("settings"));
-    Configuration::FirstRun = false;
+    Profile::FirstRun = false;
     if (!setUpDirectories())
         qFatal("no configuration directory");
 }
@@ -49,7 +49,7 @@ Desktop::Desktop(const Prepare &prepare, int count)
 {
     for (int i = 1; i <= count; ++i)
         addresses.append(QStringLiteral("127.0.0.%1").arg(i));
-    Configuration global(QStringLiteral("Global.conf"));
+    Profile global(QStringLiteral("Global.conf"));
     global.port = freePort();
     global.warningMode = Qt::Unchecked;
     if (prepare)
@@ -69,7 +69,7 @@ void Desktop::open(const char *mode)
         }
         return entries;
     };
-    window = std::make_unique<MobileWebServer>(mode, baseRows(), source);
+    window = std::make_unique<MainWindow>(mode, fileRoutes(), source);
     window->show();
     QVERIFY(QTest::qWaitForWindowExposed(window.get()));
 }
@@ -97,7 +97,7 @@ QString Desktop::status() const
 
 Desktop::Prepare inExpertMode(bool on)
 {
-    return [on](Configuration &global) { global.expertMode = on; };
+    return [on](Profile &global) { global.expertMode = on; };
 }
 
 StandIn::StandIn()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/window/MobileWebServer.h"
+#include "desktop/window/MainWindow.h"
 
 #include <QList>
 #include <QNetworkAddressEntry>
@@ -10,7 +10,7 @@
 #include <functional>
 #include <memory>
 
-class Configuration;
+class Profile;
 
 /// A home folder, resources and application settings of their own for one test. No profile is
 /// loaded yet: that is the window's.
@@ -36,7 +36,7 @@ class Desktop
 {
 public:
     /// Changes what "Global.conf" says before the window loads it.
-    using Prepare = std::function<void(Configuration &)>;
+    using Prepare = std::function<void(Profile &)>;
 
     explicit Desktop(const Prepare &prepare = {}, int addresses = 1);
 
@@ -57,7 +57,7 @@ public:
 
     DesktopHome home;
     QStringList addresses; ///< of the device; `lookForChanges` takes changes in
-    std::unique_ptr<MobileWebServer> window;
+    std::unique_ptr<MainWindow> window;
 };
 
 /// `Desktop::Prepare` for expert mode, on or off.

@@ -1,7 +1,7 @@
-#include "config/Configuration.h"
-#include "desktop/settings/ConfigDialog.h"
-#include "desktop/widgets/ConfigPageView.h"
+#include "config/Profile.h"
+#include "desktop/settings/SettingsDialog.h"
 #include "desktop/widgets/InputDialog.h"
+#include "desktop/widgets/PageView.h"
 #include "desktop/window/AddressTable.h"
 #include "desktop/window/Reachability.h"
 #include "desktop/window/ServerItem.h"
@@ -161,7 +161,7 @@ void tst_addresslist::addressComesAndGoes()
     QCOMPARE(desktop.item()->server()->port, port);
     QCOMPARE(desktop.shared(), desktop.home.path("share"));
     QCOMPARE(desktop.label(), localText);
-    QCOMPARE(Configuration::getGlobalConfig()->useCount, 1);
+    QCOMPARE(Profile::global()->useCount, 1);
 }
 
 void tst_addresslist::chosenWithoutNetwork()
@@ -243,7 +243,7 @@ void tst_addresslist::noAnswer()
 void tst_addresslist::noServiceConfigured()
 {
     Desktop desktop;
-    Configuration *global = Configuration::getGlobalConfig();
+    Profile *global = Profile::global();
     const auto load = [&desktop] { desktop.list()->reachability()->loadPublic(); };
     load();
     QCOMPARE(desktop.status(), QStringLiteral("<center>No port check service configured</center>"));
@@ -274,7 +274,7 @@ void tst_addresslist::everyoneQuestion()
     QFETCH(int, warnings);
     QFETCH(int, authMode);
     QFETCH(int, answer);
-    Desktop desktop([=](Configuration &global) {
+    Desktop desktop([=](Profile &global) {
         global.warningMode = warnings;
         global.authMode = authMode;
     });
@@ -291,8 +291,8 @@ void tst_addresslist::everyoneQuestion()
                                 "Do you want to set password?"));
     };
     if (answer == QMessageBox::Yes)
-        inModal<ConfigDialog>(ask, [](ConfigDialog *config) {
-            QCOMPARE(config->findChild<ConfigPageView *>()->currentRow(), 1);
+        inModal<SettingsDialog>(ask, [](SettingsDialog *config) {
+            QCOMPARE(config->findChild<PageView *>()->currentRow(), 1);
         });
     else
         answer == QMessageBox::No ? ask() : load();
@@ -313,7 +313,7 @@ void tst_addresslist::dynamicDns()
 {
     QFETCH(bool, updated);
     QFETCH(QByteArray, status);
-    Desktop desktop([](Configuration &global) {
+    Desktop desktop([](Profile &global) {
         global.dnsUser = QStringLiteral("me");
         global.dnsPassword = QStringLiteral("secret word");
         global.dnsEnabled = Qt::Checked;
@@ -379,7 +379,7 @@ void tst_addresslist::rowKeys()
     // Cells are for experts only.
     desktop.window->setExpertMode(false);
     Q_EMIT table->cellPressed(0, AddressTable::StatusColumn);
-    QVERIFY(!desktop.list()->isRuning());
+    QVERIFY(!desktop.list()->isRunning());
 }
 
 void tst_addresslist::portDialogs_data()
@@ -478,7 +478,7 @@ void tst_addresslist::savedProfile()
     QFETCH(QString, used);
     Desktop desktop(inExpertMode(expert));
     desktop.close();
-    Configuration work;
+    Profile work;
     work.name = QStringLiteral("work");
     work.setFileName(work.name);
     QVERIFY(work.save());
@@ -497,7 +497,7 @@ void tst_addresslist::junkAtStart()
                          "len=999999999\n[0]\nport=-8\nfile=/no/such/<b>folder\n");
     QVERIFY(boxText([&] { desktop.open(); }).startsWith(QLatin1String("Invalid port\n")));
     QVERIFY(boxText([] {}).startsWith(QLatin1String("\"/no/such/<b>folder\" not exists!\n")));
-    QCOMPARE(int(desktop.item()->server()->port), int(Configuration::getGlobalConfig()->port));
+    QCOMPARE(int(desktop.item()->server()->port), int(Profile::global()->port));
     QCOMPARE(desktop.shared(), desktop.home.path());
     QCOMPARE(desktop.list()->getServerCount(), 1);
 }
@@ -521,34 +521,34 @@ void tst_addresslist::editedPort()
     const int before = desktop.item()->server()->port;
     if (running)
         desktop.item()->start();
-    const std::unique_ptr<Configuration> copy(Configuration::getGlobalConfig()->clone());
+    const std::unique_ptr<Profile> copy(Profile::global()->clone());
     copy->port = freePort();
-    desktop.list()->configChanged(copy.get());
+    desktop.list()->profileEdited(copy.get());
 
     QCOMPARE(int(desktop.item()->server()->port), moved ? int(copy->port) : before);
     QCOMPARE(desktop.item()->isListening(), running);
     if (running)
         QVERIFY(RawClient(desktop.item()->server()->port).isOpen());
-    QVERIFY(Configuration::getGlobalConfig()->equals(copy.get()));
-    QVERIFY(Configuration(QStringLiteral("Global.conf")).equals(copy.get()));
+    QVERIFY(Profile::global()->equals(copy.get()));
+    QVERIFY(Profile(QStringLiteral("Global.conf")).equals(copy.get()));
 }
 
 void tst_addresslist::editedProfileReachesItsRows()
 {
     Desktop desktop(inExpertMode(), 2);
-    Configuration *global = Configuration::getGlobalConfig();
+    Profile *global = Profile::global();
     auto *work = global->clone();
     work->name = QStringLiteral("work");
     work->setFileName(work->name);
-    Configuration::confList.append(work);
-    desktop.item(1)->configurationChanged(work);
+    Profile::confList.append(work);
+    desktop.item(1)->useProfile(work);
     QCOMPARE(global->useCount, 1);
     QCOMPARE(work->useCount, 1);
 
-    const std::unique_ptr<Configuration> copy(work->clone());
+    const std::unique_ptr<Profile> copy(work->clone());
     copy->dataLimit = 77;
     copy->sslMode = Qt::Checked;
-    boxText([&] { desktop.list()->configChanged(copy.get()); }); // the keys are missing
+    boxText([&] { desktop.list()->profileEdited(copy.get()); }); // the keys are missing
     QCOMPARE(desktop.item(0)->server()->dataLimitBytes(), qint64(0));
     QCOMPARE(desktop.item(1)->server()->dataLimitBytes(), qint64(77 * 1024));
     QCOMPARE(global->dataLimit, 0);

@@ -1,8 +1,8 @@
 #include "config/Configurable.h"
-#include "desktop/settings/ConfigDialog.h"
-#include "desktop/settings/ConfigPage.h"
 #include "desktop/settings/ProfileDialog.h"
 #include "desktop/settings/ProfileUser.h"
+#include "desktop/settings/SettingsDialog.h"
+#include "desktop/settings/SettingsPage.h"
 #include "desktop/settings/UserDialog.h"
 #include "desktop/widgets/InputDialog.h"
 #include "desktop/widgets/MessageDialog.h"
@@ -22,28 +22,28 @@ namespace {
 
 struct Receiver : Configurable
 {
-    void configChanged(Configuration *edited) override
+    void profileEdited(Profile *edited) override
     {
         ++calls;
         live->apply(edited);
     }
 
-    Configuration *live = Configuration::getGlobalConfig();
+    Profile *live = Profile::global();
     int calls = 0;
 };
 
 class Item : public QObject, public ProfileUser
 {
 public:
-    explicit Item(Configuration *first)
+    explicit Item(Profile *first)
         : used(first)
     {
     }
 
-    Configuration *profile() const override { return used; }
-    void configurationChanged(Configuration *other) override { used = other; }
+    Profile *profile() const override { return used; }
+    void useProfile(Profile *other) override { used = other; }
 
-    Configuration *used;
+    Profile *used;
 };
 
 /// Types `text` into the line that `action` asks for.
@@ -97,21 +97,21 @@ private Q_SLOTS:
     void fitsSmallScreens();
 
 private:
-    Configuration *addProfile(const QString &name);
+    Profile *addProfile(const QString &name);
     void open(int page = -1);
     QWidget *page() const { return dialog->findChild<QStackedWidget *>()->currentWidget(); }
     bool canApply() const { return named<QPushButton>(dialog.get(), "&Apply")->isEnabled(); }
 
     std::unique_ptr<TestHome> home;
-    Configuration *global = nullptr;
+    Profile *global = nullptr;
     std::unique_ptr<Receiver> receiver;
-    std::unique_ptr<ConfigDialog> dialog;
+    std::unique_ptr<SettingsDialog> dialog;
 };
 
 void tst_Dialogs::init()
 {
     home = std::make_unique<TestHome>();
-    global = Configuration::getGlobalConfig();
+    global = Profile::global();
     global->expertMode = true;
     receiver = std::make_unique<Receiver>();
 }
@@ -119,24 +119,24 @@ void tst_Dialogs::init()
 void tst_Dialogs::cleanup()
 {
     dialog.reset();
-    Configuration::RootMode = false;
+    Profile::RootMode = false;
     home.reset();
 }
 
-Configuration *tst_Dialogs::addProfile(const QString &name)
+Profile *tst_Dialogs::addProfile(const QString &name)
 {
-    Configuration *profile = global->clone();
+    Profile *profile = global->clone();
     profile->setFileName(name);
     profile->name = name;
     profile->save();
-    Configuration::confList.append(profile);
+    Profile::confList.append(profile);
     return profile;
 }
 
 void tst_Dialogs::open(int page)
 {
     dialog.reset();
-    dialog = std::make_unique<ConfigDialog>(receiver->live, receiver.get(), nullptr, page);
+    dialog = std::make_unique<SettingsDialog>(receiver->live, receiver.get(), nullptr, page);
     dialog->show();
     QVERIFY(QTest::qWaitForWindowActive(dialog.get()));
 }
@@ -175,7 +175,7 @@ void tst_Dialogs::showsThePages()
     QTEST(labels.join(QLatin1Char(',')), "labels");
     QTEST(list->currentRow(), "shown");
     QTEST(dialog->findChild<QStackedWidget *>()->currentIndex(), "shown");
-    QCOMPARE(dialog->windowTitle(), QStringLiteral("Configuration Settings"));
+    QCOMPARE(dialog->windowTitle(), QStringLiteral("Profile Settings"));
     QVERIFY(!canApply());
 }
 
@@ -208,12 +208,12 @@ void tst_Dialogs::checkBoxesEditTheirFields()
 
     // Not on its text: the whole row is a target.
     QTest::mouseClick(box, Qt::LeftButton, {}, QPoint(box->width() - 3, 3));
-    QCOMPARE(ConfigPage::conf->*field, before == 2 ? 0 : 2);
+    QCOMPARE(SettingsPage::conf->*field, before == 2 ? 0 : 2);
     QCOMPARE(global->*field, before);
     QVERIFY(canApply());
 
     QTest::keyClick(box, Qt::Key_Space);
-    QCOMPARE(ConfigPage::conf->*field, before);
+    QCOMPARE(SettingsPage::conf->*field, before);
     QVERIFY(!canApply());
 }
 
@@ -250,13 +250,13 @@ void tst_Dialogs::numbersEditTheirFields()
     QCOMPARE(box->value(), global->*field);
     retype(box, typed);
     QTest::keyClick(box, Qt::Key_Tab);
-    QTEST(ConfigPage::conf->*field, "taken");
+    QTEST(SettingsPage::conf->*field, "taken");
     QTEST(box->value(), "taken");
     QVERIFY(canApply());
 
     box->setValue(global->*field + 1);
     click(box->parentWidget(), "Less");
-    QCOMPARE(ConfigPage::conf->*field, global->*field);
+    QCOMPARE(SettingsPage::conf->*field, global->*field);
 }
 
 void tst_Dialogs::textsEditTheirFields_data()
@@ -284,7 +284,7 @@ void tst_Dialogs::textsEditTheirFields()
     auto *edit = named<QLineEdit>(page(), name);
     QCOMPARE(edit->text(), QStringLiteral("before"));
     retype(edit, QStringLiteral("a new one"));
-    QCOMPARE(ConfigPage::conf->*field, QStringLiteral("a new one"));
+    QCOMPARE(SettingsPage::conf->*field, QStringLiteral("a new one"));
     QVERIFY(canApply());
     retype(edit, QStringLiteral("before"));
     QVERIFY(!canApply());
@@ -292,14 +292,14 @@ void tst_Dialogs::textsEditTheirFields()
 
 void tst_Dialogs::sslSwitchSetsThePortInRootMode()
 {
-    Configuration::RootMode = true;
+    Profile::RootMode = true;
     open(2);
     const auto *port = named<QSpinBox>(page(), "Port [1 - 65535]:");
     for (int expected : { 443, 80, 80 }) {
         click(page(), "SSL/Secure Mode");
         QCOMPARE(port->value(), expected);
-        QCOMPARE(ConfigPage::conf->port, expected);
-        Configuration::RootMode = expected == 443; // the third time it is off
+        QCOMPARE(SettingsPage::conf->port, expected);
+        Profile::RootMode = expected == 443; // the third time it is off
     }
 }
 
@@ -337,16 +337,16 @@ void tst_Dialogs::browsesForKeys()
                              });
     };
     browse("Browse for the private key", "Open Private Key FilePrivate Key (*.key *.csr)");
-    QCOMPARE(ConfigPage::conf->privateKeyFile, file.fileName());
+    QCOMPARE(SettingsPage::conf->privateKeyFile, file.fileName());
     browse("Browse for the public key", "Open Public Key FilePublic Key (*.pub *.crx *.crt *.cer)");
-    QCOMPARE(ConfigPage::conf->publicKeyFile, file.fileName());
+    QCOMPARE(SettingsPage::conf->publicKeyFile, file.fileName());
 
     click(page(), "Restore default keys");
-    const QString key = Configuration::ResDir + QLatin1String("server.key");
+    const QString key = Profile::ResDir + QLatin1String("server.key");
     QCOMPARE(named<QLineEdit>(page(), "Private key:")->text(), key);
-    QCOMPARE(ConfigPage::conf->privateKeyFile, key);
-    QCOMPARE(ConfigPage::conf->publicKeyFile, Configuration::ResDir + QLatin1String("server.crt"));
-    QCOMPARE(ConfigPage::conf->keyPassword, QString());
+    QCOMPARE(SettingsPage::conf->privateKeyFile, key);
+    QCOMPARE(SettingsPage::conf->publicKeyFile, Profile::ResDir + QLatin1String("server.crt"));
+    QCOMPARE(SettingsPage::conf->keyPassword, QString());
 }
 
 void tst_Dialogs::authenticationModeShowsItsPanel()
@@ -356,7 +356,7 @@ void tst_Dialogs::authenticationModeShowsItsPanel()
     qint32 mode = AuthNone;
     for (const char *label : { "None", "Password only", "Basic HTTP" }) {
         QCOMPARE(modes->currentText(), QLatin1String(label));
-        QCOMPARE(ConfigPage::conf->authMode, mode);
+        QCOMPARE(SettingsPage::conf->authMode, mode);
         QCOMPARE(named<QLineEdit>(page(), "Password:")->isVisible(), mode == AuthPasswordPage);
         QCOMPARE(page()->findChild<QTableWidget *>()->isVisible(), mode == AuthBasic);
         QTest::keyClick(modes, Qt::Key_Down);
@@ -373,7 +373,7 @@ void tst_Dialogs::editsUsers()
     QCOMPARE(table->item(0, 0)->text(), QStringLiteral("anna"));
     QCOMPARE(table->item(0, 1)->data(Qt::EditRole).toString(), QStringLiteral("pass:word"));
     table->item(1, 1)->setData(Qt::EditRole, QStringLiteral("x"));
-    QCOMPARE(ConfigPage::conf->users, words("anna:pass:word bert:x"));
+    QCOMPARE(SettingsPage::conf->users, words("anna:pass:word bert:x"));
 
     const auto add = [this] { click(page(), "Add user"); };
     inModal<UserDialog>(add, [](UserDialog *asking) {
@@ -382,11 +382,11 @@ void tst_Dialogs::editsUsers()
         retype(named<QLineEdit>(asking, "Password"), QStringLiteral("p:q"));
         click(asking, "OK");
     });
-    QCOMPARE(ConfigPage::conf->users, words("anna:pass:word bert:x carl:p:q"));
+    QCOMPARE(SettingsPage::conf->users, words("anna:pass:word bert:x carl:p:q"));
     table->setCurrentCell(1, 0);
     click(page(), "Remove user");
     inModal<UserDialog>(add, [](UserDialog *asking) { QTest::keyClick(asking, Qt::Key_Escape); });
-    QCOMPARE(ConfigPage::conf->users, words("anna:pass:word carl:p:q"));
+    QCOMPARE(SettingsPage::conf->users, words("anna:pass:word carl:p:q"));
 }
 
 void tst_Dialogs::hidesPasswords()
@@ -424,9 +424,9 @@ void tst_Dialogs::savesHoweverItIsClosed()
         dialog->findChild<QListWidget *>()->setCurrentRow(2);
         closeIt(dialog.get());
         QVERIFY(!dialog->isVisible());
-        QVERIFY(!ConfigPage::conf);
+        QVERIFY(!SettingsPage::conf);
         QCOMPARE(receiver->calls, 0);
-        const Configuration stored(QStringLiteral("Global.conf"));
+        const Profile stored(QStringLiteral("Global.conf"));
         QVERIFY(stored.equals(global));
         QCOMPARE(stored.showImages, 2);
         QCOMPARE(global->lastPage, 2);
@@ -442,26 +442,26 @@ void tst_Dialogs::saysWhenItCantSave()
     QCOMPARE(global->showImages, 0);
     QVERIFY(!canApply());
 
-    QVERIFY(QDir(Configuration::ConfigDir).removeRecursively());
+    QVERIFY(QDir(Profile::ConfigDir).removeRecursively());
     const QString text = boxText([this] { click(dialog.get(), "&Close"); });
     QVERIFY2(text.startsWith(QLatin1String("Can't write file: ") + global->fileName()),
              qPrintable(text));
     QVERIFY(!dialog->isVisible());
-    QVERIFY(QDir().mkpath(Configuration::ConfigDir));
+    QVERIFY(QDir().mkpath(Profile::ConfigDir));
 }
 
 void tst_Dialogs::opensOnlyOnce()
 {
     const auto edit = [this](int page) {
-        ConfigDialog::edit(global, receiver.get(), nullptr, page);
+        SettingsDialog::edit(global, receiver.get(), nullptr, page);
     };
-    inModal<ConfigDialog>([&] { edit(1); },
-                          [&](ConfigDialog *first) {
-                              const Configuration *copy = ConfigPage::conf;
-                              edit(3);
-                              QCOMPARE(ConfigPage::conf, copy);
-                              click(first, "&Close");
-                          });
+    inModal<SettingsDialog>([&] { edit(1); },
+                            [&](SettingsDialog *first) {
+                                const Profile *copy = SettingsPage::conf;
+                                edit(3);
+                                QCOMPARE(SettingsPage::conf, copy);
+                                click(first, "&Close");
+                            });
     QCOMPARE(global->lastPage, 3); // the window that was there turned to it
 }
 
@@ -482,7 +482,7 @@ void tst_Dialogs::showsHelp()
          { "folder", "auth", "port privkey passwd pubkey", "dns", "connections limit lifetime" }) {
         open(row++);
         for (const QString &name : words(names)) {
-            path = Configuration::LangPath + QStringLiteral("help/%1.html").arg(name);
+            path = Profile::LangPath + QStringLiteral("help/%1.html").arg(name);
             QCOMPARE(helpOf(name), QLatin1String("HelpCan't read file: ") + path);
         }
     }
@@ -498,7 +498,7 @@ void tst_Dialogs::makesAndTakesProfiles()
 {
     global->users = words("anna:x");
     addProfile(QStringLiteral("taken"));
-    QFile broken(Configuration::ConfigDir + QLatin1String("broken.cnf"));
+    QFile broken(Profile::ConfigDir + QLatin1String("broken.cnf"));
     QVERIFY(broken.open(QIODevice::WriteOnly));
     for (const char *name : { "../evil", "a/b", "..", ".work", "  ", "a\nb", "taken", "Default",
                               "broken" /* a file that is no profile */ })
@@ -516,12 +516,12 @@ void tst_Dialogs::makesAndTakesProfiles()
     answer(create, "");
     QVERIFY(!boxText([&] { answer(create, "../evil"); }).isEmpty());
     QVERIFY(!QFile::exists(home->path() + QLatin1String("/evil.cnf")));
-    QCOMPARE(Configuration::confList.size(), 2);
+    QCOMPARE(Profile::confList.size(), 2);
 
     answer(create, "work 1");
     QCOMPARE(list->currentText(), QStringLiteral("work 1"));
-    Configuration *made = Configuration::confList.last();
-    const Configuration stored(QFileInfo(made->fileName()).fileName());
+    Profile *made = Profile::confList.last();
+    const Profile stored(QFileInfo(made->fileName()).fileName());
     QVERIFY(stored.equals(made));
     QCOMPARE(stored.users, global->users);
     QCOMPARE(item.used, global);
@@ -531,7 +531,7 @@ void tst_Dialogs::makesAndTakesProfiles()
 
 void tst_Dialogs::removesOnlyUnusedProfiles()
 {
-    Configuration *work = addProfile(QStringLiteral("work"));
+    Profile *work = addProfile(QStringLiteral("work"));
     const QString file = work->fileName();
     Item item(work);
     work->useCount = 1;
@@ -549,11 +549,11 @@ void tst_Dialogs::removesOnlyUnusedProfiles()
     work->useCount = 0;
     QVERIFY(QFile::remove(file));
     remove();
-    QCOMPARE(Configuration::confList.size(), 2);
+    QCOMPARE(Profile::confList.size(), 2);
     work->save();
     remove();
     QVERIFY(!QFile::exists(file));
-    QCOMPARE(Configuration::confList, QList<Configuration *>{ global });
+    QCOMPARE(Profile::confList, QList<Profile *>{ global });
 }
 
 void tst_Dialogs::givesUpWithItsItem()

@@ -1,7 +1,7 @@
 #include "desktop/look/ColorDialog.h"
-#include "desktop/look/GUIconfig.h"
-#include "desktop/look/PageStyle.h"
+#include "desktop/look/LookDialog.h"
 #include "desktop/look/StartUp.h"
+#include "desktop/look/StylePage.h"
 #include "desktop/widgets/Labels.h"
 #include "tests/desktop/Widgets.h"
 
@@ -46,7 +46,7 @@ private:
     QTemporaryDir folder;
     QFont font;
     QString originalStyle;
-    std::unique_ptr<GUIconfig> dialog;
+    std::unique_ptr<LookDialog> dialog;
 };
 
 void tst_Look::initTestCase()
@@ -56,8 +56,8 @@ void tst_Look::initTestCase()
     QCoreApplication::setApplicationName(QStringLiteral("Look"));
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, folder.path());
     font = QApplication::font();
-    originalStyle = PageStyle::currentStyle();
-    PageStyle::DefaultStyle = QStringLiteral("other");
+    originalStyle = StylePage::currentStyle();
+    StylePage::DefaultStyle = QStringLiteral("other");
 }
 
 void tst_Look::init()
@@ -72,12 +72,12 @@ void tst_Look::cleanup()
     QApplication::setStyle(originalStyle);
     QApplication::setPalette(QApplication::style()->standardPalette());
     QApplication::setFont(font);
-    PageStyle::DefaultStyle = QStringLiteral("other");
+    StylePage::DefaultStyle = QStringLiteral("other");
 }
 
 void tst_Look::open()
 {
-    dialog = std::make_unique<GUIconfig>(nullptr);
+    dialog = std::make_unique<LookDialog>(nullptr);
     dialog->show();
     QVERIFY(QTest::qWaitForWindowActive(dialog.get()));
 }
@@ -125,8 +125,8 @@ void tst_Look::storedLook()
     settings.setValue(QStringLiteral("windows/Ctext"), QColor(Qt::red));
 
     applyStoredLook();
-    QCOMPARE(PageStyle::DefaultStyle, originalStyle);
-    QCOMPARE(PageStyle::currentStyle(), taken ? style : originalStyle);
+    QCOMPARE(StylePage::DefaultStyle, originalStyle);
+    QCOMPARE(StylePage::currentStyle(), taken ? style : originalStyle);
     QCOMPARE(shown(QPalette::Text) == QColor(Qt::red), taken);
     QCOMPARE(QApplication::font().pointSize(), points > 0 ? points : font.pointSize());
 }
@@ -144,7 +144,7 @@ void tst_Look::offersTheStyles()
     box->addItem(QStringLiteral("nosuch"));
     QCOMPARE(boxText([this] { chooseStyle("nosuch"); }),
              QStringLiteral("nosuch style not available on this system."));
-    QCOMPARE(PageStyle::currentStyle(), QStringLiteral("windows"));
+    QCOMPARE(StylePage::currentStyle(), QStringLiteral("windows"));
     QCOMPARE(box->currentText(), QStringLiteral("windows"));
 }
 
@@ -155,11 +155,11 @@ void tst_Look::switchesTheStyleAtOnce()
     settings.setValue(QStringLiteral("windows/Cwbase"), QColor(Qt::red));
     QVERIFY(!named<QPushButton>(dialog.get(), "&Apply")->isEnabled());
     chooseStyle("windows");
-    QCOMPARE(PageStyle::currentStyle(), QStringLiteral("windows"));
+    QCOMPARE(StylePage::currentStyle(), QStringLiteral("windows"));
     QCOMPARE(shown(QPalette::Window), QColor(Qt::red));
     QVERIFY(!settings.contains(QStringLiteral("style")));
     click(dialog.get(), "&Cancel");
-    QCOMPARE(PageStyle::currentStyle(), originalStyle);
+    QCOMPARE(StylePage::currentStyle(), originalStyle);
     QCOMPARE(shown(QPalette::Window), before);
 
     open();
@@ -170,7 +170,7 @@ void tst_Look::switchesTheStyleAtOnce()
     QVERIFY(!apply->isEnabled());
     QTest::keyClick(dialog.get(), Qt::Key_Escape);
     QCOMPARE(settings.value(QStringLiteral("style")).toString(), QStringLiteral("windows"));
-    QCOMPARE(PageStyle::currentStyle(), QStringLiteral("windows"));
+    QCOMPARE(StylePage::currentStyle(), QStringLiteral("windows"));
     QCOMPARE(shown(QPalette::Window), QColor(Qt::red));
 }
 
@@ -188,10 +188,10 @@ void tst_Look::readsColorsOfTheirStyleOnly()
         settings.setValue(QStringLiteral("cde/Cbutton"), QStringLiteral("junk"));
         const QPalette before(Qt::gray);
         QPalette palette = before;
-        PageStyle::setPalette(&palette, &settings, QStringLiteral("cde"));
+        StylePage::setPalette(&palette, &settings, QStringLiteral("cde"));
         QCOMPARE(palette, before);
 
-        PageStyle::setPalette(&palette, &settings, QStringLiteral("motif"));
+        StylePage::setPalette(&palette, &settings, QStringLiteral("motif"));
         for (const auto &other : keys) {
             for (auto group : { QPalette::Active, QPalette::Inactive, QPalette::Disabled })
                 QCOMPARE(palette.color(group, other.second) == QColor(Qt::red), other == key);
@@ -226,7 +226,7 @@ void tst_Look::storesColors()
 
     // The style of the system keeps its colours.
     chooseColor("Button", Qt::cyan);
-    PageStyle::DefaultStyle = QStringLiteral("Windows");
+    StylePage::DefaultStyle = QStringLiteral("Windows");
     click(dialog.get(), "&Apply");
     QCOMPARE(shown(QPalette::Button), own);
 }
@@ -258,7 +258,7 @@ void tst_Look::warnsThatColorsDoNothing()
 {
     turnTo(1); // another style: no box
     turnTo(0);
-    PageStyle::DefaultStyle = originalStyle;
+    StylePage::DefaultStyle = originalStyle;
     QCOMPARE(boxText([this] { turnTo(1); }),
              QStringLiteral("Color settings not working with %1 style.").arg(originalStyle));
 }
@@ -278,7 +278,7 @@ void tst_Look::saysWhenItCantSave()
 
 void tst_Look::shortensLinks()
 {
-    SLinkLabel row(QIcon(QStringLiteral(":/icons/play.png")), QIcon(), nullptr);
+    StateLinkLabel row(QIcon(QStringLiteral(":/icons/play.png")), QIcon(), nullptr);
     LinkLabel &label = *row.link();
     label.setLink(QLatin1String("/home/<b>&/") + QString(200, QLatin1Char('x')),
                   QStringLiteral("http://host/?a=\"b\"&c"));

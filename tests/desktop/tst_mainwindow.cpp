@@ -1,5 +1,5 @@
-#include "classic/pages/ShareDir.h"
-#include "config/Configuration.h"
+#include "classic/pages/BrowserPages.h"
+#include "config/Profile.h"
 #include "desktop/widgets/Labels.h"
 #include "desktop/widgets/MessageDialog.h"
 #include "desktop/window/AddressTable.h"
@@ -78,7 +78,7 @@ void tst_mainwindow::sharedContent()
              QLatin1Char('"') + desktop.home.path("share/<b>") + QLatin1String("\" not exists!"));
     QCOMPARE(link->linkText(), desktop.home.path("share/a.txt"));
     QCOMPARE(desktop.shared(), desktop.home.path("share/a.txt"));
-    QCOMPARE(Configuration::getGlobalConfig()->recentFiles.size(), 2);
+    QCOMPARE(Profile::global()->recentFiles.size(), 2);
 }
 
 void tst_mainwindow::recentFiles()
@@ -102,7 +102,7 @@ void tst_mainwindow::recentFiles()
              QStringLiteral("file-4.txt file-3.txt file-2.txt file-1.txt"));
     second->trigger();
     QCOMPARE(desktop.shared(), desktop.home.path("file-2.txt"));
-    QCOMPARE(Configuration::getGlobalConfig()->recentFiles.constFirst(), desktop.shared());
+    QCOMPARE(Profile::global()->recentFiles.constFirst(), desktop.shared());
 }
 
 void tst_mainwindow::everythingIsThereAgain()
@@ -113,17 +113,17 @@ void tst_mainwindow::everythingIsThereAgain()
     desktop.item()->setPort(7010);
     action(desktop, "expertMode")->trigger();
     desktop.close();
-    QVERIFY(Configuration::confList.isEmpty());
+    QVERIFY(Profile::confList.isEmpty());
     desktop.open();
     QVERIFY(action(desktop, "expertMode")->isChecked());
     QCOMPARE(desktop.shared(), desktop.home.path("share"));
     QCOMPARE(desktop.item()->text(), QStringLiteral("127.0.0.1:7010"));
-    QCOMPARE(Configuration::getGlobalConfig()->recentFiles, QStringList{ desktop.shared() });
+    QCOMPARE(Profile::global()->recentFiles, QStringList{ desktop.shared() });
 }
 
 void tst_mainwindow::closeIsAskedFor()
 {
-    Desktop desktop([](Configuration &global) { global.warningMode = Qt::Checked; });
+    Desktop desktop([](Profile &global) { global.warningMode = Qt::Checked; });
     desktop.item()->start();
     QCOMPARE(boxText([&] { QVERIFY(!desktop.window->close()); }, QMessageBox::No),
              QStringLiteral("The server is running.\nDo you want to exit?"));
@@ -136,7 +136,7 @@ void tst_mainwindow::closeIsAskedFor()
                        qRgb((i % 300) * (i / 300) % 251, i * 7 % 253, i / 300 * 31 % 255));
     QVERIFY(noise.save(desktop.home.path("big.png")));
     RawClient client(desktop.item()->server()->port);
-    ShareDir::HTML_Manager.toHTML(QFileInfo(desktop.home.path("big.png")));
+    BrowserPages::previews.toHTML(QFileInfo(desktop.home.path("big.png")));
     const QDir previews(desktop.home.path(".thumbnails"));
     QTRY_VERIFY(!previews.isEmpty(QDir::Files)); // one is being made
     boxText([&] { desktop.close(); }, QMessageBox::Yes);
@@ -160,7 +160,7 @@ void tst_mainwindow::endings()
     desktop.window.reset();
     for (const char *name : { "a.jpg.x", ".b.jpg.x", "normal/other.png" })
         desktop.home.addFile(QByteArray(".thumbnails/") + name);
-    QCOMPARE(Configuration(QStringLiteral("Global.conf")).cleanExit, inOrder);
+    QCOMPARE(Profile(QStringLiteral("Global.conf")).cleanExit, inOrder);
     desktop.open();
     QCOMPARE(QFile::exists(desktop.home.path(".thumbnails/a.jpg.x")), inOrder);
     QCOMPARE(QFile::exists(desktop.home.path(".thumbnails/.b.jpg.x")), inOrder);
@@ -181,10 +181,10 @@ void tst_mainwindow::diskFullAtClose()
 
 void tst_mainwindow::expertMode()
 {
-    Desktop desktop([](Configuration &global) { global.warningMode = Qt::Checked; });
+    Desktop desktop([](Profile &global) { global.warningMode = Qt::Checked; });
     const auto *table = desktop.list()->table();
     const auto looksExpert = [&] {
-        return QVector<bool>{ Configuration::getGlobalConfig()->expertMode,
+        return QVector<bool>{ Profile::global()->expertMode,
                               action(desktop, "expertMode")->isChecked(),
                               action(desktop, "reloadPublic")->isVisible(),
                               action(desktop, "reloadLocal")->isVisible(),
@@ -220,7 +220,7 @@ void tst_mainwindow::rootMode()
     QFETCH(QByteArray, mode);
     QFETCH(int, warnings);
     QFETCH(bool, warned);
-    Desktop desktop([warnings](Configuration &global) { global.warningMode = warnings; });
+    Desktop desktop([warnings](Profile &global) { global.warningMode = warnings; });
     desktop.close();
     const auto open = [&] { desktop.open(mode.constData()); };
     if (warned)
@@ -229,9 +229,9 @@ void tst_mainwindow::rootMode()
                                 "Use this mode only if you want to use port 1 - 1024!"));
     else
         open();
-    QTEST(Configuration::RootMode, "root");
+    QTEST(Profile::RootMode, "root");
     QVERIFY(!openBox());
-    Configuration::RootMode = false;
+    Profile::RootMode = false;
 }
 
 void tst_mainwindow::helpAndAbout()
@@ -257,7 +257,7 @@ void tst_mainwindow::helpAndAbout()
 
 void tst_mainwindow::limitUnderTraffic()
 {
-    const auto prepare = [](Configuration &global) {
+    const auto prepare = [](Profile &global) {
         global.expertMode = true;
         global.dataLimit = 300;
     };
@@ -355,7 +355,7 @@ void tst_mainwindow::servicesWaitForTheWindow()
     StandIn service;
     service.answer("{}");
     QSettings().setValue(QStringLiteral("services/portCheck"), service.base());
-    MobileWebServer window(nullptr, baseRows(), [] {
+    MainWindow window(nullptr, fileRoutes(), [] {
         QNetworkAddressEntry entry;
         entry.setIp(QHostAddress(QHostAddress::LocalHost));
         return QList<QNetworkAddressEntry>{ entry };

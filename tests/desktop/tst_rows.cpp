@@ -1,4 +1,4 @@
-#include "desktop/window/MobileWebServer.h"
+#include "desktop/window/MainWindow.h"
 #include "desktop/window/SavedRows.h"
 #include "desktop/window/ServerItem.h"
 #include "desktop/window/WebServices.h"

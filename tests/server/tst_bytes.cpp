@@ -1,8 +1,8 @@
-#include "server/ClientManager.h"
-#include "server/HTTP_Request.h"
-#include "server/HTTP_Response.h"
+#include "server/FileReply.h"
 #include "server/HeadScan.h"
 #include "server/MultipartCutter.h"
+#include "server/Request.h"
+#include "server/SessionTable.h"
 #include "tests/support/LiveServer.h"
 
 #include <QNetworkCookie>
@@ -214,32 +214,32 @@ void TestBytes::namesUploads()
 
 void TestBytes::entersAHandedOutSessionWhenItsNumberComesBack()
 {
-    ClientManager clients;
+    SessionTable clients;
     const Session own = clients.handOut();
     QVERIFY(own->id >= 0 && own->id < 1000);
     QCOMPARE(clients.sessionCount(), 0);
     QVERIFY(clients.holds(own));
 
     const QNetworkCookie cookie("ID", QByteArray::number(own->id));
-    QCOMPARE(clients.getClientData(&cookie), own);
+    QCOMPARE(clients.ofCookie(&cookie), own);
     QCOMPARE(clients.sessionCount(), 1);
 
     const QNetworkCookie word("ID", "junk");
-    QCOMPARE(clients.getClientData(&word)->id, 0);
-    QVERIFY(!clients.getClientData(nullptr));
+    QCOMPARE(clients.ofCookie(&word)->id, 0);
+    QVERIFY(!clients.ofCookie(nullptr));
     QVERIFY(!clients.getSession(-7));
 }
 
 void TestBytes::expiresIdleSessions()
 {
     const TestHome home;
-    Configuration profile;
+    Profile profile;
     profile.sessionLifetime = 60;
-    ClientManager clients;
-    clients.configurationChanged(&profile);
+    SessionTable clients;
+    clients.profileEdited(&profile);
     const auto make = [&clients](const char *id) {
         const QNetworkCookie cookie("ID", id);
-        return clients.getClientData(&cookie);
+        return clients.ofCookie(&cookie);
     };
     const QTime now = QTime::currentTime();
     if (now.hour() == 0 || now.hour() == 23)
@@ -260,17 +260,17 @@ void TestBytes::expiresIdleSessions()
 
 void TestBytes::makesRoomInAFullTable()
 {
-    ClientManager clients;
+    SessionTable clients;
     Session first;
-    for (int id = 0; id <= ClientManager::maxSessions + 5; ++id) {
+    for (int id = 0; id <= SessionTable::maxSessions + 5; ++id) {
         const QNetworkCookie cookie("ID", QByteArray::number(id));
-        const Session session = clients.getClientData(&cookie);
+        const Session session = clients.ofCookie(&cookie);
         if (id == 0)
             first = session; // stays active
         else
             session->end();
     }
-    QVERIFY(clients.sessionCount() <= ClientManager::maxSessions);
+    QVERIFY(clients.sessionCount() <= SessionTable::maxSessions);
     QVERIFY(clients.holds(first));
 }
 

@@ -1,4 +1,4 @@
-#include "server/ServerThread.h"
+#include "server/Connection.h"
 #include "tests/support/LiveServer.h"
 
 #include <QElapsedTimer>
@@ -170,7 +170,7 @@ void TestLifecycle::makesAPeerWaitThatTakesNoReplies()
         requests += "GET " + longPath + " HTTP/1.1\r\n\r\n";
     client.send(requests);
     QTest::qWait(300);
-    QSslSocket &socket = live->server->threads.first()->httpRequest().channel.socket();
+    QSslSocket &socket = live->server->connections.first()->httpRequest().channel.socket();
     QVERIFY(socket.bytesToWrite() < 1000000);
     QVERIFY(socket.bytesAvailable() < 1000000);
     QVERIFY(client.socket->bytesToWrite() > 0);
@@ -293,7 +293,7 @@ void TestLifecycle::dropsAllConnections()
         client->socket->setReadBufferSize(0);
         QVERIFY(client->waitForClose());
     }
-    QTRY_COMPARE(live->server->findChildren<ServerThread *>().size(), 0);
+    QTRY_COMPARE(live->server->findChildren<Connection *>().size(), 0);
 }
 
 void TestLifecycle::survivesBrokenConnections()
@@ -315,7 +315,7 @@ void TestLifecycle::survivesBrokenConnections()
 
 void TestLifecycle::movesProfilesAndTheirUseCounts()
 {
-    Configuration other;
+    Profile other;
     other.dataLimit = 2000000000;
     QCOMPARE(live->profile->useCount, 1);
     live->server->setProfile(&other);

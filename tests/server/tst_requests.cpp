@@ -1,5 +1,5 @@
-#include "server/Response.h"
-#include "server/ServerThread.h"
+#include "server/Connection.h"
+#include "server/Responder.h"
 #include "tests/support/LiveServer.h"
 
 #include <QRegularExpression>
@@ -11,28 +11,28 @@
 namespace {
 
 /// Answers without reading the body, as locking does.
-class Acknowledge : public Response
+class Acknowledge : public Responder
 {
 public:
-    explicit Acknowledge(HTTP_Request *httpRequest)
-        : Response(httpRequest)
+    explicit Acknowledge(Request *httpRequest)
+        : Responder(httpRequest)
     {
         setObjectName(QStringLiteral("A"));
     }
-    using Response::reply;
+    using Responder::reply;
     void reply() override { sendHeader("200 Locked", 0); }
 };
 
 /// Tells what the request holds.
-class Describe : public Response
+class Describe : public Responder
 {
 public:
-    explicit Describe(HTTP_Request *httpRequest)
-        : Response(httpRequest)
+    explicit Describe(Request *httpRequest)
+        : Responder(httpRequest)
     {
         setObjectName(QStringLiteral("DS"));
     }
-    using Response::reply;
+    using Responder::reply;
     void reply() override
     {
         const QByteArray text = request->path.toUtf8() + '|' + request->depth + '|'
@@ -44,21 +44,20 @@ public:
     }
 };
 
-template <typename Responder> Response *make(Configuration *, HTTP_Request *request)
+template <typename Kind> Responder *make(Profile *, Request *request)
 {
-    return new Responder(request);
+    return new Kind(request);
 }
 
-ResponderRows testRows()
+Routes testRoutes()
 {
-    ResponderRows rows = baseRows();
+    Routes rows = fileRoutes();
     rows.insert(rows.begin(),
-                { HTTP_Request::Post,
-                  [](const HTTP_Request &request) { return request.path.endsWith(u'!'); }, "DS",
-                  make<Describe>, ReplyCall::Plain });
-    rows.push_back({ HTTP_Request::Lock, nullptr, "A", make<Acknowledge>, ReplyCall::Plain });
-    rows.push_back({ HTTP_Request::PropFind, nullptr, "DS", make<Describe>, ReplyCall::Plain });
-    rows.push_back({ HTTP_Request::Copy, nullptr, "DS", make<Describe>, ReplyCall::Plain });
+                { Request::Post, [](const Request &request) { return request.path.endsWith(u'!'); },
+                  "DS", make<Describe>, ReplyCall::Plain });
+    rows.push_back({ Request::Lock, nullptr, "A", make<Acknowledge>, ReplyCall::Plain });
+    rows.push_back({ Request::PropFind, nullptr, "DS", make<Describe>, ReplyCall::Plain });
+    rows.push_back({ Request::Copy, nullptr, "DS", make<Describe>, ReplyCall::Plain });
     return rows;
 }
 
@@ -101,7 +100,7 @@ private:
 
 void TestRequests::init()
 {
-    live = std::make_unique<LiveServer>(testRows());
+    live = std::make_unique<LiveServer>(testRoutes());
     live->addFile(QStringLiteral("a.txt"), "0123456789");
     live->start();
 }
@@ -203,7 +202,7 @@ void TestRequests::sendsPartsOfAFile()
 
 void TestRequests::servesTheIconWhileThumbnailsAreOn()
 {
-    QFile icon(QString::fromUtf8(Configuration::IconDir) + QLatin1String("n900.ico"));
+    QFile icon(QString::fromUtf8(Profile::IconDir) + QLatin1String("n900.ico"));
     QVERIFY(icon.open(QIODevice::WriteOnly));
     icon.write("ICON");
     icon.close();
@@ -367,7 +366,7 @@ void TestRequests::ignoresAFieldThatWasCutOff()
 
 void TestRequests::showsTheLoginPageUntilThePasswordFits()
 {
-    QFile page(Configuration::LangPath + QLatin1String("login.html"));
+    QFile page(Profile::LangPath + QLatin1String("login.html"));
     QVERIFY(page.open(QIODevice::WriteOnly));
     page.write("LOGIN");
     page.close();
@@ -444,9 +443,9 @@ void TestRequests::sharesTheSessionOfOneBrowser()
     QCOMPARE(second.exchange(rawRequest("GET", "/a.txt", headers)).header("Set-Cookie"), cookie);
 
     const auto session = [this](int i) {
-        return live->server->threads.at(i)->httpRequest().client;
+        return live->server->connections.at(i)->httpRequest().client;
     };
-    QCOMPARE(live->server->threads.size(), 2);
+    QCOMPARE(live->server->connections.size(), 2);
     QCOMPARE(session(0), session(1));
     QVERIFY(!session(0)->active);
     QVERIFY(session(0)->lastSeen.isValid());

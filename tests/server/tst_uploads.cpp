@@ -1,5 +1,5 @@
-#include "server/Response.h"
-#include "server/ServerThread.h"
+#include "server/Connection.h"
+#include "server/Responder.h"
 #include "tests/support/LiveServer.h"
 
 #include <QDir>
@@ -13,15 +13,15 @@
 namespace {
 
 /// Saves the body of a PUT as it is and answers with the result code.
-class SaveBody : public Response
+class SaveBody : public Responder
 {
 public:
-    explicit SaveBody(HTTP_Request *httpRequest)
-        : Response(httpRequest)
+    explicit SaveBody(Request *httpRequest)
+        : Responder(httpRequest)
     {
         setObjectName(QStringLiteral("S"));
     }
-    using Response::reply;
+    using Responder::reply;
     void reply(const QFileInfo &shared) override
     {
         awaitUpload();
@@ -39,14 +39,13 @@ private:
     QFile file;
 };
 
-ResponderRows testRows()
+Routes testRows()
 {
-    ResponderRows rows = baseRows();
-    rows.push_back({ HTTP_Request::Put, nullptr, "S",
-                     [](Configuration *, HTTP_Request *request) -> Response * {
-                         return new SaveBody(request);
-                     },
-                     ReplyCall::Shared });
+    Routes rows = fileRoutes();
+    rows.push_back(
+        { Request::Put, nullptr, "S",
+          [](Profile *, Request *request) -> Responder * { return new SaveBody(request); },
+          ReplyCall::Shared });
     return rows;
 }
 

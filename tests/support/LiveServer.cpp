@@ -28,8 +28,8 @@ TestHome::~TestHome()
     qputenv("HOME", realHome);
 }
 
-LiveServer::LiveServer(ResponderRows rows)
-    : profile(Configuration::getGlobalConfig())
+LiveServer::LiveServer(Routes rows)
+    : profile(Profile::global())
 {
     QNetworkAddressEntry loopback;
     loopback.setIp(QHostAddress(QHostAddress::LocalHost));

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "config/Configuration.h"
-#include "server/Responders.h"
+#include "config/Profile.h"
+#include "server/Routes.h"
 #include "server/StatusSink.h"
 #include "server/WebServer.h"
 
@@ -46,7 +46,7 @@ public:
 class LiveServer
 {
 public:
-    explicit LiveServer(ResponderRows rows = baseRows());
+    explicit LiveServer(Routes rows = fileRoutes());
 
     /// Starts to listen; fails the test when that is not possible.
     void start();
@@ -59,7 +59,7 @@ public:
     TestHome home;
     QTemporaryDir share;
     RecordingSink sink;
-    Configuration *profile; ///< the global profile of this test
+    Profile *profile; ///< the global profile of this test
     std::unique_ptr<WebServer> server;
 };
 

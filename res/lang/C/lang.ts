@@ -83,7 +83,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigDialog</name>
+    <name>SettingsDialog</name>
     <message>
         <source>&amp;Apply</source>
         <translation>&amp;Apply</translation>
@@ -126,7 +126,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPage</name>
+    <name>SettingsPage</name>
     <message>
         <source>Help</source>
         <translation>Help</translation>
@@ -137,7 +137,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageAut</name>
+    <name>AccessPage</name>
     <message>
         <source>Authentication Settings</source>
         <translation>Authentication Settings</translation>
@@ -184,7 +184,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageDNS</name>
+    <name>DnsPage</name>
     <message>
         <source>DNS Settings</source>
         <translation>DNS Settings</translation>
@@ -203,7 +203,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageFolder</name>
+    <name>FolderPage</name>
     <message>
         <source>Folder View Settings</source>
         <translation>Folder View Settings</translation>
@@ -226,7 +226,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageServer</name>
+    <name>ServerPage</name>
     <message>
         <source>Server Settings</source>
         <translation>Server Settings</translation>
@@ -285,7 +285,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageServer2</name>
+    <name>LimitsPage</name>
     <message>
         <source>Server Settings 2</source>
         <translation>Server Settings 2</translation>
@@ -304,14 +304,14 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageView</name>
+    <name>PageView</name>
     <message>
         <source>Pages</source>
         <translation>Pages</translation>
     </message>
 </context>
 <context>
-    <name>Configuration</name>
+    <name>Profile</name>
     <message>
         <source>Default</source>
         <translation>Default</translation>
@@ -325,7 +325,7 @@
     </message>
 </context>
 <context>
-    <name>GUIconfig</name>
+    <name>LookDialog</name>
     <message>
         <source>&amp;Apply</source>
         <translation>&amp;Apply</translation>
@@ -379,7 +379,7 @@
     </message>
 </context>
 <context>
-    <name>MobileWebServer</name>
+    <name>MainWindow</name>
     <message>
         <source>Can&apos;t make the folder</source>
         <translation>Can&apos;t make the folder</translation>
@@ -513,7 +513,7 @@
     </message>
 </context>
 <context>
-    <name>PageFont</name>
+    <name>FontPage</name>
     <message>
         <source>This is how texts will look.</source>
         <translation>This is how texts will look.</translation>
@@ -528,7 +528,7 @@
     </message>
 </context>
 <context>
-    <name>PagePalette</name>
+    <name>ColorPage</name>
     <message>
         <source>Color Settings</source>
         <translation>Color Settings</translation>
@@ -551,7 +551,7 @@
     </message>
 </context>
 <context>
-    <name>PageStyle</name>
+    <name>StylePage</name>
     <message>
         <source>Style Settings</source>
         <translation>Style Settings</translation>
@@ -678,14 +678,14 @@
     </message>
 </context>
 <context>
-    <name>ServerThread</name>
+    <name>Connection</name>
     <message>
         <source>Wrong password</source>
         <translation>Wrong password</translation>
     </message>
 </context>
 <context>
-    <name>ShareDir</name>
+    <name>BrowserPages</name>
     <message>
         <source>Name</source>
         <translation>Name</translation>
@@ -728,7 +728,7 @@
     </message>
 </context>
 <context>
-    <name>Slabel</name>
+    <name>StateLabel</name>
     <message>
         <source>On</source>
         <translation>On</translation>

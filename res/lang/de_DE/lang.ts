@@ -83,7 +83,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigDialog</name>
+    <name>SettingsDialog</name>
     <message>
         <source>&amp;Apply</source>
         <translation>Über&amp;nehmen</translation>
@@ -126,7 +126,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPage</name>
+    <name>SettingsPage</name>
     <message>
         <source>Help</source>
         <translation>Hilfe</translation>
@@ -137,7 +137,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageAut</name>
+    <name>AccessPage</name>
     <message>
         <source>Authentication Settings</source>
         <translation>Einstellungen des Zugangs</translation>
@@ -184,7 +184,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageDNS</name>
+    <name>DnsPage</name>
     <message>
         <source>DNS Settings</source>
         <translation>DNS-Einstellungen</translation>
@@ -203,7 +203,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageFolder</name>
+    <name>FolderPage</name>
     <message>
         <source>Folder View Settings</source>
         <translation>Ordneransicht</translation>
@@ -226,7 +226,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageServer</name>
+    <name>ServerPage</name>
     <message>
         <source>Server Settings</source>
         <translation>Einstellungen des Servers</translation>
@@ -285,7 +285,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageServer2</name>
+    <name>LimitsPage</name>
     <message>
         <source>Server Settings 2</source>
         <translation>Einstellungen des Servers 2</translation>
@@ -304,14 +304,14 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageView</name>
+    <name>PageView</name>
     <message>
         <source>Pages</source>
         <translation>Seiten</translation>
     </message>
 </context>
 <context>
-    <name>Configuration</name>
+    <name>Profile</name>
     <message>
         <source>Default</source>
         <translation>Standard</translation>
@@ -325,7 +325,7 @@
     </message>
 </context>
 <context>
-    <name>GUIconfig</name>
+    <name>LookDialog</name>
     <message>
         <source>&amp;Apply</source>
         <translation>Über&amp;nehmen</translation>
@@ -379,7 +379,7 @@
     </message>
 </context>
 <context>
-    <name>MobileWebServer</name>
+    <name>MainWindow</name>
     <message>
         <source>Can&apos;t make the folder</source>
         <translation>Dieser Ordner kann nicht angelegt werden</translation>
@@ -513,7 +513,7 @@
     </message>
 </context>
 <context>
-    <name>PageFont</name>
+    <name>FontPage</name>
     <message>
         <source>This is how texts will look.</source>
         <translation>So werden Texte aussehen.</translation>
@@ -528,7 +528,7 @@
     </message>
 </context>
 <context>
-    <name>PagePalette</name>
+    <name>ColorPage</name>
     <message>
         <source>Color Settings</source>
         <translation>Einstellungen der Farben</translation>
@@ -551,7 +551,7 @@
     </message>
 </context>
 <context>
-    <name>PageStyle</name>
+    <name>StylePage</name>
     <message>
         <source>Style Settings</source>
         <translation>Einstellungen des Stils</translation>
@@ -678,14 +678,14 @@
     </message>
 </context>
 <context>
-    <name>ServerThread</name>
+    <name>Connection</name>
     <message>
         <source>Wrong password</source>
         <translation>Falsches Passwort</translation>
     </message>
 </context>
 <context>
-    <name>ShareDir</name>
+    <name>BrowserPages</name>
     <message>
         <source>Name</source>
         <translation>Name</translation>
@@ -728,7 +728,7 @@
     </message>
 </context>
 <context>
-    <name>Slabel</name>
+    <name>StateLabel</name>
     <message>
         <source>On</source>
         <translation>Ein</translation>

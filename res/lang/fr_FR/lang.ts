@@ -83,7 +83,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigDialog</name>
+    <name>SettingsDialog</name>
     <message>
         <source>&amp;Apply</source>
         <translation>&amp;Appliquer</translation>
@@ -126,7 +126,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPage</name>
+    <name>SettingsPage</name>
     <message>
         <source>Help</source>
         <translation>Aide</translation>
@@ -137,7 +137,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageAut</name>
+    <name>AccessPage</name>
     <message>
         <source>Authentication Settings</source>
         <translation>Paramètres d’accès</translation>
@@ -184,7 +184,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageDNS</name>
+    <name>DnsPage</name>
     <message>
         <source>DNS Settings</source>
         <translation>Paramètres DNS</translation>
@@ -203,7 +203,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageFolder</name>
+    <name>FolderPage</name>
     <message>
         <source>Folder View Settings</source>
         <translation>Affichage des dossiers</translation>
@@ -226,7 +226,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageServer</name>
+    <name>ServerPage</name>
     <message>
         <source>Server Settings</source>
         <translation>Paramètres du serveur</translation>
@@ -285,7 +285,7 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageServer2</name>
+    <name>LimitsPage</name>
     <message>
         <source>Server Settings 2</source>
         <translation>Paramètres du serveur 2</translation>
@@ -304,14 +304,14 @@
     </message>
 </context>
 <context>
-    <name>ConfigPageView</name>
+    <name>PageView</name>
     <message>
         <source>Pages</source>
         <translation>Pages</translation>
     </message>
 </context>
 <context>
-    <name>Configuration</name>
+    <name>Profile</name>
     <message>
         <source>Default</source>
         <translation>Par défaut</translation>
@@ -325,7 +325,7 @@
     </message>
 </context>
 <context>
-    <name>GUIconfig</name>
+    <name>LookDialog</name>
     <message>
         <source>&amp;Apply</source>
         <translation>&amp;Appliquer</translation>
@@ -379,7 +379,7 @@
     </message>
 </context>
 <context>
-    <name>MobileWebServer</name>
+    <name>MainWindow</name>
     <message>
         <source>Can&apos;t make the folder</source>
         <translation>Impossible de créer le dossier</translation>
@@ -513,7 +513,7 @@
     </message>
 </context>
 <context>
-    <name>PageFont</name>
+    <name>FontPage</name>
     <message>
         <source>This is how texts will look.</source>
         <translation>Les textes auront cet aspect.</translation>
@@ -528,7 +528,7 @@
     </message>
 </context>
 <context>
-    <name>PagePalette</name>
+    <name>ColorPage</name>
     <message>
         <source>Color Settings</source>
         <translation>Réglages des couleurs</translation>
@@ -551,7 +551,7 @@
     </message>
 </context>
 <context>
-    <name>PageStyle</name>
+    <name>StylePage</name>
     <message>
         <source>Style Settings</source>
         <translation>Réglages du style</translation>
@@ -678,14 +678,14 @@
     </message>
 </context>
 <context>
-    <name>ServerThread</name>
+    <name>Connection</name>
     <message>
         <source>Wrong password</source>
         <translation>Mot de passe incorrect</translation>
     </message>
 </context>
 <context>
-    <name>ShareDir</name>
+    <name>BrowserPages</name>
     <message>
         <source>Name</source>
         <translation>Nom</translation>
@@ -728,7 +728,7 @@
     </message>
 </context>
 <context>
-    <name>Slabel</name>
+    <name>StateLabel</name>
     <message>
         <source>On</source>
         <translation>Activé</translation>

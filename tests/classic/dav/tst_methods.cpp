@@ -1,4 +1,4 @@
-#include "classic/dav/Rows.h"
+#include "classic/dav/Routes.h"
 #include "tests/support/LiveServer.h"
 
 #include <QDir>
@@ -11,10 +11,10 @@
 
 namespace {
 
-ResponderRows allRows()
+Routes allRoutes()
 {
-    ResponderRows rows = davRows();
-    const ResponderRows base = baseRows();
+    Routes rows = davRoutes();
+    const Routes base = fileRoutes();
     rows.insert(rows.end(), base.begin(), base.end());
     return rows;
 }
@@ -66,7 +66,7 @@ void TestMethods::init()
     live.reset(); // before the next one: it gives the home folder back
     workingFolder = std::make_unique<QTemporaryDir>();
     QVERIFY(QDir::setCurrent(workingFolder->path()));
-    live = std::make_unique<LiveServer>(allRows());
+    live = std::make_unique<LiveServer>(allRoutes());
     live->addFile(QStringLiteral("a.txt"), "alpha");
     live->addFile(QStringLiteral("b.txt"), "beta");
     live->addFile(QStringLiteral("folder/inner.txt"), "inner");

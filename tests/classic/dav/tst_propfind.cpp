@@ -1,4 +1,4 @@
-#include "classic/dav/Rows.h"
+#include "classic/dav/Routes.h"
 #include "tests/support/LiveServer.h"
 
 #include <QDir>
@@ -64,7 +64,7 @@ void TestPropFind::init()
     qputenv("TZ", "QST-2");
     ::tzset();
     live.reset(); // before the next one: it gives the home folder back
-    live = std::make_unique<LiveServer>(davRows());
+    live = std::make_unique<LiveServer>(davRoutes());
     live->addFile(QStringLiteral("folder/b.txt"), "four");
     QVERIFY(QDir().mkpath(live->sharePath(QStringLiteral("folder/Sub"))));
     QVERIFY(QDir().mkpath(live->sharePath(QStringLiteral("empty"))));
@@ -181,7 +181,7 @@ void TestPropFind::addressOfHrefs()
 {
     QNetworkAddressEntry entry;
     entry.setIp(QHostAddress::Any);
-    WebServer server(entry, std::make_shared<ServerSetup>(ServerSetup{ davRows(), &live->sink }));
+    WebServer server(entry, std::make_shared<ServerSetup>(ServerSetup{ davRoutes(), &live->sink }));
     server.setShared(live->sharePath());
     server.port = 0;
     QVERIFY(server.start());
@@ -210,7 +210,7 @@ void TestPropFind::hrefsOverTls()
     live->profile->privateKeyFile = home + QLatin1String("/key");
     live->profile->publicKeyFile = home + QLatin1String("/certificate");
     live->profile->sslMode = Qt::Checked;
-    live->server->configurationModifyed(live->profile);
+    live->server->profileEdited(live->profile);
 
     auto socket = std::make_unique<QSslSocket>();
     QSslSocket *tls = socket.get();

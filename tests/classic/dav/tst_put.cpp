@@ -1,4 +1,4 @@
-#include "classic/dav/Rows.h"
+#include "classic/dav/Routes.h"
 #include "tests/support/LiveServer.h"
 
 #include <QDir>
@@ -63,7 +63,7 @@ void TestPut::init()
 {
     client.reset();
     live.reset(); // before the next one: it gives the home folder back
-    live = std::make_unique<LiveServer>(davRows());
+    live = std::make_unique<LiveServer>(davRoutes());
     live->addFile(QStringLiteral("old.txt"), "the old content");
     QVERIFY(QDir(live->sharePath()).mkdir(QStringLiteral("folder")));
     live->start();

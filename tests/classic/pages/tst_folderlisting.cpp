@@ -1,6 +1,6 @@
 #include "classic/pages/FolderListing.h"
 
-#include "server/ClientManager.h"
+#include "server/SessionTable.h"
 
 #include <QDateTime>
 #include <QDir>
@@ -100,11 +100,11 @@ void TestFolderListing::listsLikeQDir_data()
     };
     for (const auto &[name, filter] : filters) {
         QTest::addRow("%s by name", name)
-            << int(filter) << int(ClientData::ByName) << int(QDir::Name);
+            << int(filter) << int(SessionData::ByName) << int(QDir::Name);
         QTest::addRow("%s by time", name)
-            << int(filter) << int(ClientData::ByTime) << int(QDir::Time);
+            << int(filter) << int(SessionData::ByTime) << int(QDir::Time);
         QTest::addRow("%s by size", name)
-            << int(filter) << int(ClientData::BySize) << int(QDir::Size);
+            << int(filter) << int(SessionData::BySize) << int(QDir::Size);
     }
 }
 
@@ -130,13 +130,13 @@ void TestFolderListing::unreadableEntries()
     // The superuser may read everything, so for a moment this is somebody else.
     const bool superuser = ::getuid() == 0;
     QVERIFY(!superuser || ::setreuid(65534, 0) == 0);
-    const FolderListing all(other.path(), browsable, ClientData::ByName);
-    const FolderListing files(other.path(), QDir::Files, ClientData::ByName);
+    const FolderListing all(other.path(), browsable, SessionData::ByName);
+    const FolderListing files(other.path(), QDir::Files, SessionData::ByName);
     const QStringList fileNames = names(files);
     QVERIFY(!superuser || ::setreuid(0, 0) == 0);
 
     QCOMPARE(all.count(), 0);
-    QCOMPARE(FolderListing(file.fileName(), browsable, ClientData::ByName).count(), 0);
+    QCOMPARE(FolderListing(file.fileName(), browsable, SessionData::ByName).count(), 0);
     QCOMPARE(fileNames, QStringList(QStringLiteral("(none)")));
 }
 

@@ -47,7 +47,7 @@ QByteArray withPngSize(QByteArray png, quint32 width, quint32 height)
 }
 
 /// What the desktop client is told.
-QByteArray reference(const HTML_Element &element)
+QByteArray reference(const ListedEntry &element)
 {
     QByteArray text;
     element.toMC(&text, "/u/");
@@ -55,7 +55,7 @@ QByteArray reference(const HTML_Element &element)
 }
 
 /// What a browser is told.
-QByteArray cell(const HTML_Element &element)
+QByteArray cell(const ListedEntry &element)
 {
     ShortDates dates;
     QByteArray text;
@@ -201,7 +201,7 @@ void TestPreviews::classifies()
     else
         addFile(name, QByteArray(size, 'x'));
 
-    const HTML_Element element(QFileInfo(dir.filePath(name)));
+    const ListedEntry element(QFileInfo(dir.filePath(name)));
     QCOMPARE(element.isReady(), ready);
     const QList<QByteArray> pieces = cell(element).split('"');
     const int source = int(pieces.indexOf("><img src=")) + 1;

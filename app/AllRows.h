@@ -1,7 +1,0 @@
-#pragma once
-
-#include "server/Responders.h"
-
-/// Everything that the programs answer. The order matters: the first row that fits is taken, and
-/// the desktop client's listing is a PROPFIND too.
-ResponderRows allRows();

@@ -1,0 +1,216 @@
+#include "desktop/settings/AccessPage.h"
+
+#include "desktop/settings/UserDialog.h"
+#include "desktop/widgets/Fields.h"
+
+#include <QFormLayout>
+#include <QHeaderView>
+#include <QSignalBlocker>
+#include <QStackedWidget>
+#include <QStyledItemDelegate>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+namespace {
+
+enum Column { UserColumn = 0, PasswordColumn = 1 };
+
+constexpr QLatin1Char separator(':');
+
+/// A stored password. Whatever shows, reads out or copies it gets dots, the same for all so that
+/// they do not tell its length, unless passwords are to be seen.
+class PasswordItem : public QTableWidgetItem
+{
+public:
+    PasswordItem(const QString &password, const bool &shown)
+        : QTableWidgetItem(password)
+        , visible(shown)
+    {
+    }
+
+    QVariant data(int role) const override
+    {
+        const QVariant value = QTableWidgetItem::data(role);
+        const bool hide = role == Qt::DisplayRole && !visible && !value.toString().isEmpty();
+        return hide ? QString(8, QChar(0x2022)) : value;
+    }
+
+private:
+    const bool &visible;
+};
+
+class UserDelegate : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
+                          const QModelIndex &index) const override
+    {
+        Q_UNUSED(option)
+        Q_UNUSED(index)
+        return newAccountNameEdit(parent);
+    }
+};
+
+class PasswordDelegate : public QStyledItemDelegate
+{
+public:
+    PasswordDelegate(const bool &shown, QObject *parent)
+        : QStyledItemDelegate(parent)
+        , visible(shown)
+    {
+    }
+
+    QWidget *createEditor(QWidget *parent, const QStyleOptionViewItem &option,
+                          const QModelIndex &index) const override
+    {
+        Q_UNUSED(option)
+        Q_UNUSED(index)
+        auto *edit = new QLineEdit(parent);
+        edit->setEchoMode(visible ? QLineEdit::Normal : QLineEdit::Password);
+        return edit;
+    }
+
+private:
+    const bool &visible;
+};
+
+QPushButton *panelButton(const QString &text)
+{
+    auto *button = new Finger<QPushButton>(text);
+    button->setAutoDefault(false);
+    return button;
+}
+
+} // namespace
+
+AccessPage::AccessPage(QWidget *parent)
+    : SettingsPage(tr("Authentication Settings"), parent)
+    , modes(new ChoiceBox)
+    , panels(new QStackedWidget)
+{
+    modes->addItems({ tr("None"), tr("Password only"), tr("Basic HTTP") });
+    modes->setCurrentIndex(conf->authMode);
+    modes->setAccessibleName(tr("Authentication mode"));
+    panels->addWidget(new QWidget);
+    panels->addWidget(passwordPanel());
+    panels->addWidget(usersPanel());
+    panels->setCurrentIndex(conf->authMode);
+
+    body()->addWidget(modes);
+    body()->addWidget(panels);
+    addHelpLink(QStringLiteral("auth"));
+
+    connect(modes, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &AccessPage::setMode);
+}
+
+QWidget *AccessPage::passwordPanel()
+{
+    auto *password = new PasswordField;
+    bind(password->edit(), &ProfileValues::password);
+
+    auto *panel = new QWidget;
+    auto *layout = new QVBoxLayout(panel);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto *form = new QFormLayout;
+    layout->addLayout(form);
+    layout->addStretch();
+    addRow(form, tr("Password") + QLatin1Char(':'), password);
+    return panel;
+}
+
+QWidget *AccessPage::usersPanel()
+{
+    table = new QTableWidget(0, 2);
+    table->setHorizontalHeaderLabels({ tr("User"), tr("Password") });
+    table->setItemDelegateForColumn(UserColumn, new UserDelegate(table));
+    table->setItemDelegateForColumn(PasswordColumn, new PasswordDelegate(showPasswords, table));
+    table->setAccessibleName(tr("Users"));
+    table->setTabKeyNavigation(false); // Tab leaves the table; the arrow keys walk in it
+    table->horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    table->verticalHeader()->setDefaultSectionSize(fingerSize);
+    table->verticalHeader()->hide();
+    scrollByFinger(table);
+    fillTable();
+
+    auto *show = new SwitchBox(tr("Show passwords"));
+    QPushButton *add = panelButton(tr("Add user"));
+    QPushButton *remove = panelButton(tr("Remove user"));
+
+    auto *panel = new QWidget;
+    auto *grid = new QGridLayout(panel);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->addWidget(table, 0, 0, 1, 2);
+    grid->addWidget(show, 1, 0, 1, 2);
+    // One below the other: side by side some languages are too wide for a narrow screen.
+    grid->addWidget(add, 2, 0, 1, 2);
+    grid->addWidget(remove, 3, 0, 1, 2);
+
+    connect(table, &QTableWidget::itemChanged, this, &AccessPage::storeUsers);
+    connect(show, &QCheckBox::toggled, this, &AccessPage::setPasswordsVisible);
+    connect(add, &QPushButton::clicked, this, &AccessPage::addUser);
+    connect(remove, &QPushButton::clicked, this, &AccessPage::removeUser);
+    return panel;
+}
+
+void AccessPage::fillTable()
+{
+    for (const QString &account : std::as_const(conf->users)) {
+        // A password may hold colons itself.
+        const int colon = int(account.indexOf(separator));
+        const QString user = colon < 0 ? account : account.left(colon);
+        appendRow(user, colon < 0 ? QString() : account.mid(colon + 1));
+    }
+}
+
+void AccessPage::appendRow(const QString &user, const QString &password)
+{
+    const QSignalBlocker quiet(table); // half a row is no account
+    const int row = table->rowCount();
+    table->insertRow(row);
+    table->setItem(row, UserColumn, new QTableWidgetItem(user));
+    table->setItem(row, PasswordColumn, new PasswordItem(password, showPasswords));
+}
+
+void AccessPage::setMode(int mode)
+{
+    panels->setCurrentIndex(mode);
+    store(&ProfileValues::authMode, mode);
+}
+
+void AccessPage::addUser()
+{
+    UserDialog dialog(this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    appendRow(dialog.user(), dialog.password());
+    table->setCurrentCell(table->rowCount() - 1, UserColumn);
+    storeUsers();
+}
+
+void AccessPage::removeUser()
+{
+    const int row = table->currentRow();
+    if (row < 0)
+        return;
+    table->removeRow(row);
+    storeUsers();
+}
+
+void AccessPage::storeUsers()
+{
+    const auto cell = [this](int row, Column column) {
+        return table->item(row, column)->data(Qt::EditRole).toString();
+    };
+    QStringList users;
+    for (int row = 0; row < table->rowCount(); ++row)
+        users.append(cell(row, UserColumn) + separator + cell(row, PasswordColumn));
+    store(&ProfileValues::users, users);
+}
+
+void AccessPage::setPasswordsVisible(bool visible)
+{
+    showPasswords = visible;
+    table->viewport()->update();
+}

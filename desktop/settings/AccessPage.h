@@ -1,0 +1,34 @@
+#pragma once
+
+#include "desktop/settings/SettingsPage.h"
+
+class QComboBox;
+class QStackedWidget;
+class QTableWidget;
+
+/// The settings of who may come in. A child of the settings dialog.
+class AccessPage : public SettingsPage
+{
+    Q_OBJECT
+
+public:
+    explicit AccessPage(QWidget *parent = nullptr);
+
+private Q_SLOTS:
+    void setMode(int mode);
+    void addUser();
+    void removeUser();
+    void storeUsers();
+    void setPasswordsVisible(bool visible);
+
+private:
+    QWidget *passwordPanel();
+    QWidget *usersPanel();
+    void appendRow(const QString &user, const QString &password);
+    void fillTable();
+
+    QComboBox *modes;
+    QStackedWidget *panels;
+    QTableWidget *table = nullptr;
+    bool showPasswords = false; ///< the cells and editors of the table look here
+};

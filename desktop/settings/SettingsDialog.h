@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QDialog>
+
+#include <memory>
+
+class SettingsPage;
+class PageView;
+class Configurable;
+class Profile;
+class QPushButton;
+
+/// Edits one profile on a set of pages. Works on a copy, `SettingsPage::conf`, that it owns while
+/// it is open, and hands it to a receiver on "Apply". One at a time: use `edit`.
+class SettingsDialog : public QDialog
+{
+    Q_OBJECT
+
+public:
+    /// Builds the dialog. `edited` and `told`, the receiver of applied values, are borrowed;
+    /// `page` is the row shown first, -1 for the one last shown with this profile.
+    SettingsDialog(Profile *edited, Configurable *told, QWidget *parent, int page);
+    ~SettingsDialog() override;
+
+    /// Builds the dialog and runs it modally until it is closed. As the pages share one working
+    /// copy, there is no second one: an open dialog of the same profile turns to `page` instead,
+    /// one of another profile stays as it is.
+    static void edit(Profile *profile, Configurable *receiver, QWidget *parent, int page = -1);
+
+    /// Every way to close leads here: remembers the page and saves the edited profile.
+    void done(int result) override;
+
+public Q_SLOTS:
+    void apply();
+    void controlChanged();
+    void close();
+
+private:
+    void addPages();
+    void addPage(const QString &label, const QString &icon, SettingsPage *page);
+    void turnTo(const Profile *edited, int page);
+    void releaseCopy();
+
+    Profile *profile;
+    Configurable *receiver;
+    bool global; ///< the edited profile is the global one
+    std::unique_ptr<Profile> workingCopy;
+    PageView *view = nullptr;
+    QPushButton *applyButton;
+};

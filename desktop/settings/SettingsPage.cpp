@@ -1,0 +1,133 @@
+#include "desktop/settings/SettingsPage.h"
+
+#include "desktop/widgets/Fields.h"
+#include "desktop/widgets/MessageDialog.h"
+
+#include <QFormLayout>
+#include <QLabel>
+#include <QVBoxLayout>
+
+namespace {
+
+// Pixels.
+constexpr int comfortableField = 280;
+constexpr int frameRoom = 60; ///< more than the frame around a form takes
+
+/// How wide a page has to be for captions beside the fields of `form`.
+int widthWithCaptionsBeside(const QFormLayout *form)
+{
+    int caption = 0;
+    int field = comfortableField;
+    for (int row = 0; row < form->rowCount(); ++row) {
+        const QLayoutItem *captionItem = form->itemAt(row, QFormLayout::LabelRole);
+        const QLayoutItem *fieldItem = form->itemAt(row, QFormLayout::FieldRole);
+        caption = qMax(caption, captionItem->sizeHint().width());
+        field = qMax(field, fieldItem->minimumSize().width());
+    }
+    return caption + field + frameRoom;
+}
+
+void placeCaptions(QFormLayout *form, bool above)
+{
+    form->setRowWrapPolicy(above ? QFormLayout::WrapAllRows : QFormLayout::DontWrapRows);
+    for (int row = 0; row < form->rowCount(); ++row) {
+        QWidget *caption = form->itemAt(row, QFormLayout::LabelRole)->widget();
+        caption->setMinimumHeight(above ? 0 : fingerSize); // level with the field
+    }
+}
+
+} // namespace
+
+Profile *SettingsPage::conf = nullptr;
+
+SettingsPage::SettingsPage(const QString &title, QWidget *parent)
+    : QWidget(parent)
+    , m_body(addFrame(this, title))
+{
+}
+
+void SettingsPage::help(const QString &name)
+{
+    MessageDialog::help(name, this);
+}
+
+QFormLayout *SettingsPage::addForm()
+{
+    auto *form = new QFormLayout;
+    form->setFieldGrowthPolicy(QFormLayout::AllNonFixedFieldsGrow);
+    m_body->addLayout(form);
+    return form;
+}
+
+void SettingsPage::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    const auto forms = findChildren<QFormLayout *>();
+    for (QFormLayout *form : forms)
+        placeCaptions(form, width() < widthWithCaptionsBeside(form));
+}
+
+void SettingsPage::addRow(QFormLayout *form, const QString &label, QWidget *field,
+                          const QString &helpName, QWidget *extra)
+{
+    auto *row = new QHBoxLayout;
+    row->addWidget(field, 1);
+    if (extra)
+        row->addWidget(extra);
+    if (!helpName.isEmpty())
+        row->addWidget(helpLink(helpName, label));
+    form->addRow(newCaption(label, field), row);
+}
+
+QCheckBox *SettingsPage::addCheckBox(const QString &label, qint32 ProfileValues::*field)
+{
+    auto *box = new SwitchBox(label);
+    bind(box, field);
+    m_body->addWidget(box);
+    return box;
+}
+
+void SettingsPage::addHelpLink(const QString &helpName)
+{
+    m_body->addWidget(helpLink(helpName, {}), 0, Qt::AlignRight);
+}
+
+QWidget *SettingsPage::helpLink(const QString &name, const QString &topic)
+{
+    auto *link = new Finger<QToolButton>;
+    link->setObjectName(name);
+    link->setText(tr("Help"));
+    link->setAccessibleName(topic.isEmpty() ? tr("Help") : tr("Help: %1").arg(topic));
+    link->setAutoRaise(true);
+    link->setCursor(Qt::PointingHandCursor);
+
+    QFont underlined = link->font();
+    underlined.setUnderline(true);
+    link->setFont(underlined);
+    QPalette colors = link->palette();
+    colors.setColor(QPalette::ButtonText, colors.color(QPalette::Link));
+    link->setPalette(colors);
+
+    connect(link, &QToolButton::clicked, this, [this, name] { help(name); });
+    return link;
+}
+
+void SettingsPage::bind(QCheckBox *box, qint32 ProfileValues::*field)
+{
+    box->setChecked(conf->*field == Qt::Checked);
+    connect(box, &QCheckBox::stateChanged, this, [this, field](int state) { store(field, state); });
+}
+
+void SettingsPage::bind(QSpinBox *box, qint32 ProfileValues::*field)
+{
+    box->setValue(conf->*field);
+    connect(box, QOverload<int>::of(&QSpinBox::valueChanged), this,
+            [this, field](int value) { store(field, value); });
+}
+
+void SettingsPage::bind(QLineEdit *edit, QString ProfileValues::*field)
+{
+    edit->setText(conf->*field);
+    connect(edit, &QLineEdit::textChanged, this,
+            [this, field](const QString &text) { store(field, text); });
+}

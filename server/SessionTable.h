@@ -1,0 +1,82 @@
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QObject>
+#include <QString>
+#include <QTime>
+#include <QTimer>
+
+#include <memory>
+
+class Profile;
+class QNetworkCookie;
+
+/// One browser session: what outlives a single request.
+/// Shared by the session table and the requests that are being served with it.
+struct SessionData
+{
+    enum SortMode { ByName = 0, ByTime = 1, BySize = 2 };
+
+    bool active = true; ///< a request of this session is being served
+    bool showHidden = true; ///< listings include hidden entries
+    QString password; ///< as typed into the login page
+    int sortMode = ByName;
+    int id = 0; ///< as sent in the cookie "ID"
+    int page = 0; ///< zero-based page of the listing
+    int itemsPerPage = 24;
+    QTime lastSeen; ///< time of day at which the last request ended
+    QByteArray message; ///< shown once atop the next listing
+
+    /// A request of this session ended.
+    void end();
+
+    bool operator==(const SessionData &other) const { return id == other.id; }
+};
+
+using Session = std::shared_ptr<SessionData>;
+
+/// The session table of one server. Sessions that idle longer than the profile's lifetime go.
+class SessionTable : public QObject
+{
+    Q_OBJECT
+public:
+    /// Beyond this number the sessions idle the longest make room.
+    static constexpr int maxSessions = 10000;
+
+    explicit SessionTable(QObject *parent = nullptr);
+
+    /// Takes over the session lifetime; it counts from the next expiry pass on.
+    void profileEdited(const Profile *profile);
+
+    void startTimer();
+    void stopTimer();
+
+    /// The session of this number, marked active; null if the table has none.
+    Session getSession(int id);
+
+    /// The session that the cookie names (a value that is no number names session 0); when the
+    /// table has none, the one handed out under that number, else a new one is entered.
+    /// Null for a null cookie.
+    Session ofCookie(const QNetworkCookie *cookie);
+
+    /// A new session under a number from 0 to 999. It enters the table when the number comes back.
+    Session handOut();
+
+    /// Whether the session is in the table or may still enter it; false once it expired.
+    bool holds(const Session &session) const;
+
+    int sessionCount() const { return int(sessions.size()); }
+
+public Q_SLOTS:
+    void checkSessions();
+
+private:
+    Session enter(int id);
+    void makeRoom();
+
+    int lifetime = 0; ///< seconds
+    QTimer timer;
+    QHash<int, Session> sessions;
+    QHash<int, std::weak_ptr<SessionData>> handedOut;
+};
