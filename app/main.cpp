@@ -1,5 +1,5 @@
 #include "app/AllRoutes.h"
-#include "config/Profile.h"
+#include "config/Profiles.h"
 #include "desktop/look/StartUp.h"
 #include "desktop/window/EventHandler.h"
 #include "desktop/window/MainWindow.h"
@@ -20,13 +20,15 @@ int main(int argc, char **argv)
     QApplication::setApplicationVersion(QStringLiteral(QUILLON_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("example.quillon.Quillon"));
     applyStoredLook();
-    const bool hasFolder = setUpDirectories();
-    installTranslators(&app);
+    const Directories directories = Directories::ofProcess();
+    const bool hasFolder = directories.makeProfileFolder();
+    installTranslators(&app, directories.language);
 
-    MainWindow window(argc > 1 ? argv[1] : nullptr, allRoutes());
+    Profiles profiles(directories);
+    MainWindow window(&profiles, argc > 1 ? argv[1] : nullptr, allRoutes());
     if (!hasFolder)
         EventHandler::eventHandler->msg(MainWindow::tr("Can't make the folder"),
-                                        Profile::ConfigDir);
+                                        directories.profiles);
     window.show();
     return QApplication::exec();
 }

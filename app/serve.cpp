@@ -2,7 +2,7 @@
 #include "app/Console.h"
 #include "app/HostPart.h"
 #include "classic/pages/BrowserPages.h"
-#include "config/Profile.h"
+#include "config/Profiles.h"
 #include "server/Routes.h"
 #include "server/WebServer.h"
 
@@ -28,6 +28,7 @@ struct Options
     QHostAddress address{ QHostAddress::AnyIPv4 };
     std::optional<quint16> port; ///< absent: the profile's
     QString profile; ///< empty: the global one
+    bool defaultProfile = false; ///< none of the stored ones
     QString path;
 };
 
@@ -58,7 +59,10 @@ std::optional<Options> readOptions(int &status)
                                   QStringLiteral("N"));
     const QCommandLineOption profile(QStringLiteral("profile"),
                                      text("Use the profile of this name."), QStringLiteral("NAME"));
-    parser.addOptions({ address, port, profile });
+    const QCommandLineOption defaults(
+        QStringLiteral("default-profile"),
+        text("Use the default values and no stored profile: no password, deleting allowed."));
+    parser.addOptions({ address, port, profile, defaults });
     parser.addPositionalArgument(QStringLiteral("PATH"), text("The file or folder to serve."));
 
     status = Done;
@@ -84,6 +88,9 @@ std::optional<Options> readOptions(int &status)
     Options options;
     options.path = parser.positionalArguments().constFirst();
     options.profile = parser.value(profile);
+    options.defaultProfile = parser.isSet(defaults);
+    if (options.defaultProfile && parser.isSet(profile))
+        return wrong(text("--profile and --default-profile exclude each other."));
     if (parser.isSet(address) && !options.address.setAddress(parser.value(address)))
         return wrong(text("This is no address: %1").arg(parser.value(address)));
     // "::" is meant to reach everyone, but the toolkit takes it for IPv6 alone.
@@ -156,22 +163,43 @@ void raiseDescriptorLimit()
     setrlimit(RLIMIT_NOFILE, &limit);
 }
 
-/// Serves until a signal or the traffic limit ends it. The profiles are loaded.
-int serve(const Options &options)
+/// The stored profile to serve with; null, and the user knows why, when there is none.
+Profile *storedProfile(const Options &options, const Profiles &profiles)
 {
     Profile *profile =
-        options.profile.isEmpty() ? Profile::global() : Profile::find(options.profile);
+        options.profile.isEmpty() ? profiles.global() : profiles.find(options.profile);
     if (!profile) {
         Console::error(text("There is no profile of this name: %1").arg(options.profile));
-        return Failed;
+        return nullptr;
     }
+    if (!profile->isUsable()) {
+        Console::error(text("The profile is damaged or can't be read: %1 (restore the file, or use "
+                            "--default-profile to serve with the default values)")
+                           .arg(profile->fileName()));
+        return nullptr;
+    }
+    if (profile->refusedPort()) {
+        Console::error(text("The profile's port %1 is none; %2 is used.")
+                           .arg(*profile->refusedPort())
+                           .arg(profile->port));
+    }
+    return profile;
+}
+
+/// Serves until a signal or the traffic limit ends it.
+int serve(const Options &options, const Profiles &profiles)
+{
+    Profile defaults(profiles.directories());
+    Profile *profile = options.defaultProfile ? &defaults : storedProfile(options, profiles);
+    if (!profile)
+        return Failed;
 
     ConsoleSink sink;
     QNetworkAddressEntry entry;
     entry.setIp(options.address);
-    const auto setup = std::make_shared<ServerSetup>(ServerSetup{ allRoutes(), &sink });
-    WebServer server(entry, setup);
-    server.setProfile(profile);
+    const auto setup =
+        std::make_shared<ServerSetup>(ServerSetup{ allRoutes(), &sink, profiles.directories() });
+    WebServer server(entry, profile, setup);
     server.setShared(options.path);
     server.port = options.port.value_or(quint16(profile->port));
     if (profile->usesTls() && !server.isTlsReady()) {
@@ -212,18 +240,20 @@ int main(int argc, char **argv)
         Console::error(problem);
         return Failed;
     }
-    if (!setUpDirectories()) {
-        Console::error(text("Can't make the folder %1").arg(Profile::ConfigDir));
+    const Directories directories = Directories::ofProcess();
+    if (!directories.makeProfileFolder()) {
+        Console::error(text("Can't make the folder %1").arg(directories.profiles));
         return Failed;
     }
 
     endSignals.quitOnFirst(&app);
     raiseDescriptorLimit();
-    if (loadProfiles() == LastRun::Aborted)
+    Profiles profiles(directories);
+    if (profiles.lastRun() == LastRun::Aborted)
         HTML_Element_Manager::removeLeftFiles();
-    status = serve(*options);
+    status = serve(*options, profiles);
     BrowserPages::previews.clear();
-    if (!closeProfiles())
-        Console::error(text("The profile could not be saved in %1").arg(Profile::ConfigDir));
+    if (!profiles.endInOrder())
+        Console::error(text("The profile could not be saved in %1").arg(directories.profiles));
     return status;
 }

@@ -1,31 +1,23 @@
 #include "config/Profile.h"
 
-#include <QCoreApplication>
 #include <QDataStream>
-#include <QDir>
 #include <QFile>
-#include <QLocale>
 #include <QSaveFile>
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
 #include <QTextCodec>
 #endif
 
+#include <algorithm>
+#include <array>
+#include <cerrno>
 #include <tuple>
 #include <utility>
 
-QString Profile::ConfigDir;
-QString Profile::ResDir;
-QByteArray Profile::IconDir;
-QString Profile::LangPath;
-QList<Profile *> Profile::confList;
-bool Profile::FirstRun = false;
-bool Profile::RootMode = false;
+#include <sys/stat.h>
 
 namespace {
 
 constexpr qint32 formatMark = 314;
-constexpr auto globalFile = "Global.conf";
-constexpr auto profileSuffix = ".cnf";
 
 /// The values in the order of the file. Reading, writing and comparing all go through it.
 template <typename Values> auto inFileOrder(Values &v)
@@ -61,7 +53,19 @@ struct StoredProfile
     bool cleanExit = true;
 };
 
-/// Reads a whole record; false when it is cut short or the mark at its end is another.
+/// Whether all that can only be one of a few values is. A changed byte must not switch off what
+/// protects, and the format has no checksum.
+bool isPlausible(const ProfileValues &v)
+{
+    const std::array checkStates = { v.sslMode,      v.showFolders, v.showImages, v.enableDelete,
+                                     v.enableUpload, v.warningMode, v.dnsEnabled };
+    return v.authMode >= AuthNone && v.authMode <= AuthBasic
+        && std::all_of(checkStates.begin(), checkStates.end(),
+                       [](qint32 state) { return state >= 0 && state <= Qt::Checked; });
+}
+
+/// Reads a whole record; false when it is cut short, the mark at its end is another, or more
+/// follows.
 bool readRecord(QIODevice &device, StoredProfile &record)
 {
     QDataStream in(&device);
@@ -70,7 +74,8 @@ bool readRecord(QIODevice &device, StoredProfile &record)
 
     qint32 mark = 0;
     in >> record.cleanExit >> mark;
-    return in.status() == QDataStream::Ok && mark == formatMark;
+    return in.status() == QDataStream::Ok && mark == formatMark && in.atEnd()
+        && isPlausible(record.values);
 }
 
 void writeRecord(QIODevice &device, const ProfileValues &values, bool cleanExit)
@@ -81,48 +86,63 @@ void writeRecord(QIODevice &device, const ProfileValues &values, bool cleanExit)
     out << cleanExit << formatMark;
 }
 
-QString withSlash(const QString &folder)
+/// Nothing but "there is no such file" makes a file missing: what can't be reached may exist.
+bool isMissing(const QString &path)
 {
-    return folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
+    struct stat status = {};
+    return ::lstat(QFile::encodeName(path).constData(), &status) != 0 && errno == ENOENT;
 }
 
 } // namespace
 
-Profile::Profile()
+Profile::Profile(const Directories &where)
+    : m_directories(where)
 {
     resetKeys();
 }
 
-Profile::Profile(const QString &fileName)
+Profile::Profile(const Directories &where, const QString &fileName)
+    : m_directories(where)
+    , m_fileName(where.profiles + fileName)
 {
-    load(ConfigDir + fileName);
+    load();
 }
 
 bool Profile::load()
 {
-    return load(m_fileName);
+    static_cast<ProfileValues &>(*this) = ProfileValues();
+    cleanExit = true;
+    lastPage = 0;
+    m_refusedPort.reset();
+    resetKeys();
+    m_fileState = read();
+    return m_fileState == FileState::Fine;
 }
 
-bool Profile::load(const QString &path)
+Profile::FileState Profile::read()
 {
-    m_fileName = path;
-    QFile file(path);
+    QFile file(m_fileName);
+    if (!file.open(QIODevice::ReadOnly))
+        return isMissing(m_fileName) ? FileState::Missing : FileState::Unreadable;
     StoredProfile record;
-    if (file.open(QIODevice::ReadOnly) && readRecord(file, record)) {
-        static_cast<ProfileValues &>(*this) = record.values;
-        cleanExit = record.cleanExit;
-        damaged = false;
-        return true;
-    }
-    damaged = file.exists();
-    initValues();
-    FirstRun = true;
-    return false;
+    if (!readRecord(file, record))
+        return FileState::Damaged;
+
+    if (!isPort(record.values.port))
+        m_refusedPort = std::exchange(record.values.port, ProfileValues().port);
+    static_cast<ProfileValues &>(*this) = record.values;
+    cleanExit = record.cleanExit;
+    return FileState::Fine;
+}
+
+bool Profile::isUsable() const
+{
+    return m_fileState == FileState::Missing || m_fileState == FileState::Fine;
 }
 
 bool Profile::save()
 {
-    if (!keepDamagedFile())
+    if (!keepUnusableFile())
         return false;
 
     QSaveFile file(m_fileName);
@@ -131,27 +151,43 @@ bool Profile::save()
     // Passwords stand in the file as they are.
     file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     writeRecord(file, *this, cleanExit);
-    return file.commit();
+    if (!file.commit())
+        return false;
+    m_fileState = FileState::Fine;
+    return true;
 }
 
-bool Profile::keepDamagedFile()
+bool Profile::keepUnusableFile()
 {
-    if (!damaged || !QFile::exists(m_fileName))
+    if (isUsable() || isMissing(m_fileName))
         return true;
 
     const QString kept = m_fileName + QLatin1String(".bad");
     if (QFile::exists(kept) && !QFile::remove(kept))
         return false;
-    if (!QFile::rename(m_fileName, kept))
+    return QFile::rename(m_fileName, kept);
+}
+
+bool Profile::amend(const std::function<void(Profile &)> &change)
+{
+    change(*this);
+    if (!isUsable())
+        return true;
+    Profile stored(m_directories);
+    stored.m_fileName = m_fileName;
+    stored.load();
+    if (stored.m_fileState == FileState::Missing)
+        return save();
+    if (!stored.isUsable())
         return false;
-    damaged = false;
-    return true;
+    change(stored);
+    return stored.save();
 }
 
 void Profile::setFileName(const QString &profileName)
 {
-    m_fileName = ConfigDir + profileName + QLatin1String(profileSuffix);
-    damaged = false;
+    m_fileName = m_directories.profiles + profileName + QLatin1String(fileSuffix);
+    m_fileState = FileState::Missing;
 }
 
 bool Profile::remove()
@@ -159,9 +195,9 @@ bool Profile::remove()
     return QFile::remove(m_fileName);
 }
 
-Profile *Profile::clone() const
+std::unique_ptr<Profile> Profile::clone() const
 {
-    auto *copy = new Profile;
+    auto copy = std::make_unique<Profile>(m_directories);
     copy->apply(this);
     return copy;
 }
@@ -169,7 +205,6 @@ Profile *Profile::clone() const
 void Profile::apply(const Profile *other)
 {
     static_cast<ProfileValues &>(*this) = *other;
-    info = other->info;
     m_fileName = other->m_fileName;
 }
 
@@ -180,18 +215,10 @@ bool Profile::equals(const Profile *other) const
     return inFileOrder(mine) == inFileOrder(others);
 }
 
-void Profile::initValues()
-{
-    static_cast<ProfileValues &>(*this) = ProfileValues();
-    cleanExit = true;
-    lastPage = 0;
-    resetKeys();
-}
-
 void Profile::resetKeys()
 {
-    privateKeyFile = ResDir + QLatin1String("server.key");
-    publicKeyFile = ResDir + QLatin1String("server.crt");
+    privateKeyFile = m_directories.resources + QLatin1String("server.key");
+    publicKeyFile = m_directories.resources + QLatin1String("server.crt");
     keyPassword.clear();
 }
 
@@ -203,18 +230,16 @@ void Profile::addRecentFile(const QString &path)
         recentFiles.removeLast();
 }
 
-Profile *Profile::global()
+QStringList Profile::accounts() const
 {
-    return confList.first();
-}
-
-Profile *Profile::find(const QString &profileName)
-{
-    for (Profile *profile : std::as_const(confList)) {
-        if (profile->name == profileName)
-            return profile;
-    }
-    return nullptr;
+    QStringList usable = users;
+    usable.erase(std::remove_if(usable.begin(), usable.end(),
+                                [](const QString &account) {
+                                    return account.isEmpty()
+                                        || account.startsWith(QLatin1Char(':'));
+                                }),
+                 usable.end());
+    return usable;
 }
 
 void useUtf8Names()
@@ -223,52 +248,4 @@ void useUtf8Names()
     // The next toolkit knows no other encoding.
     QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
 #endif
-}
-
-bool setUpDirectories()
-{
-    Profile::ConfigDir = QDir::homePath() + QLatin1String("/.quillon/");
-
-    const QString given = qEnvironmentVariable("QUILLON_RESDIR");
-    const QString resources = given.isEmpty() ? QStringLiteral("/opt/quillon") : given;
-    Profile::ResDir = withSlash(QDir(resources).absolutePath());
-    Profile::IconDir = (Profile::ResDir + QLatin1String("img/")).toUtf8();
-
-    const QString languages = Profile::ResDir + QLatin1String("lang/");
-    const QString own = languages + QLocale::system().name();
-    Profile::LangPath =
-        QFileInfo::exists(own) ? own + QLatin1Char('/') : languages + QLatin1String("C/");
-
-    return QDir().mkpath(Profile::ConfigDir);
-}
-
-LastRun loadProfiles()
-{
-    auto *global = new Profile(QLatin1String(globalFile));
-    LastRun lastRun = LastRun::Aborted;
-    if (global->cleanExit) {
-        lastRun = LastRun::EndedInOrder;
-        global->cleanExit = false;
-        global->save();
-    }
-    if (global->name.isEmpty())
-        global->name = QCoreApplication::translate("Profile", "Default");
-    Profile::confList.append(global);
-
-    const QStringList others = QDir(Profile::ConfigDir)
-                                   .entryList({ QLatin1Char('*') + QLatin1String(profileSuffix) },
-                                              QDir::Files | QDir::CaseSensitive, QDir::Name);
-    for (const QString &fileName : others)
-        Profile::confList.append(new Profile(fileName));
-    return lastRun;
-}
-
-bool closeProfiles()
-{
-    Profile *global = Profile::global();
-    global->cleanExit = true;
-    const bool saved = global->save();
-    qDeleteAll(Profile::confList);
-    Profile::confList.clear();
-    return saved;
 }

@@ -1,9 +1,13 @@
 #pragma once
 
-#include <QFileInfo>
-#include <QList>
+#include "config/Directories.h"
+
 #include <QString>
 #include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <optional>
 
 /// How a server asks its clients who they are. The values stand in profile files.
 enum AuthMode { AuthNone = 0, AuthPasswordPage = 1, AuthBasic = 2 };
@@ -37,64 +41,75 @@ struct ProfileValues
 };
 
 /// One named settings profile and the file that it is stored in.
-/// Element 0 of `confList` is the global profile, from which new ones are cloned;
-/// the list owns its profiles for the whole run.
 class Profile : public ProfileValues
 {
 public:
     static constexpr int maxRecentFiles = 4;
+    static constexpr auto globalFile = "Global.conf";
+    static constexpr auto fileSuffix = ".cnf"; ///< of all other profiles
 
-    static QString ConfigDir; ///< where profiles are stored, with a trailing "/"
-    static QString ResDir; ///< installed resources, with a trailing "/"
-    static QByteArray IconDir; ///< installed icons, with a trailing "/"
-    static QString LangPath; ///< login page and help of the user's language, with a trailing "/"
-    static QList<Profile *> confList;
-    static bool FirstRun; ///< a profile could not be loaded
-    static bool RootMode; ///< the program was started to use ports up to 1024
+    /// What the profile's file is like.
+    enum class FileState {
+        Missing, ///< the defaults are what is meant
+        Fine,
+        Damaged, ///< cut short, changed, or something else
+        Unreadable ///< it may not be opened
+    };
 
-    /// A profile of defaults without a file.
-    Profile();
+    /// A profile of defaults without a file; default keys are those of `where`.
+    explicit Profile(const Directories &where);
 
-    /// The profile stored in `ConfigDir` + `fileName` ("Global.conf", "work.cnf");
-    /// defaults, and `FirstRun` set, when it can't be loaded.
-    explicit Profile(const QString &fileName);
+    /// The profile stored as `fileName` ("Global.conf", "work.cnf") in the folder of the profiles;
+    /// see `load`.
+    Profile(const Directories &where, const QString &fileName);
 
-    ~Profile() = default;
-
-    /// Reads the profile's own file, see below.
+    /// Reads the profile's own file. When that can't be used all values become the defaults,
+    /// `fileState` says why, and the result is false.
     bool load();
 
-    /// Makes `path` the profile's file and reads it. When it is missing, cut short or of another
-    /// format, all values become the defaults, `FirstRun` is set and the result is false.
-    bool load(const QString &path);
-
     /// Writes the profile whole or not at all, readable by its owner alone. False when it can't be
-    /// written; the file then keeps its content. A file that did not load is first kept beside
+    /// written; the file then keeps its content. A file that can't be used is first kept beside
     /// under its name + ".bad".
     bool save();
 
-    /// The file becomes `ConfigDir` + `profileName` + ".cnf".
+    /// Changes values here and in the file, where all others stay as they are: another program of
+    /// the same user may have changed those meanwhile. A file that can't be used is left alone.
+    /// False when it can't be written.
+    bool amend(const std::function<void(Profile &)> &change);
+
+    FileState fileState() const { return m_fileState; }
+
+    /// False while the values are defaults that nobody has chosen, as the file can't be used:
+    /// to serve with them might open what was protected.
+    bool isUsable() const;
+
+    /// What the file names as the port when that is none; the default applies.
+    std::optional<qint32> refusedPort() const { return m_refusedPort; }
+
+    /// The file becomes that of `profileName` in the folder of the profiles.
     void setFileName(const QString &profileName);
     QString fileName() const { return m_fileName; }
 
     /// Deletes the profile's file; false when that fails.
     bool remove();
 
-    /// A new profile of the same values and file name. The caller owns it.
-    Profile *clone() const;
+    /// A new profile of the same values and file name.
+    std::unique_ptr<Profile> clone() const;
 
     /// Takes over all values and the file name of `other`, but none of what belongs to this run
-    /// (`cleanExit`, `lastPage`, `useCount`).
+    /// (`cleanExit`, `lastPage`, `useCount`) or to its file's state.
     void apply(const Profile *other);
 
     /// Whether both hold the same values; where they are stored does not count.
     bool equals(const Profile *other) const;
 
-    void initValues();
     void resetKeys();
 
     /// Moves `path` to the front of the recent files, or puts it there.
     void addRecentFile(const QString &path);
+
+    /// The HTTP Basic accounts that can be used: an entry without a user would admit everybody.
+    QStringList accounts() const;
 
     bool usesTls() const { return sslMode == Qt::Checked; }
     bool showsFolders() const { return showFolders == Qt::Checked; }
@@ -103,41 +118,29 @@ public:
     bool allowsUpload() const { return enableUpload == Qt::Checked; }
     bool usesDns() const { return dnsEnabled == Qt::Checked; }
 
-    /// The first profile of `confList`; `loadProfiles` must have run.
-    static Profile *global();
-
-    /// The first profile of `confList` with this name, or null.
-    static Profile *find(const QString &profileName);
+    const Directories &directories() const { return m_directories; }
 
     bool cleanExit = true; ///< the last run ended in order (global profile only)
     qint32 lastPage = 0; ///< page last shown by the editor; not stored
     qint32 useCount = 0; ///< servers that run with this profile; not stored
-    QFileInfo info; ///< copied with the values, neither compared nor stored
 
 private:
     Q_DISABLE_COPY(Profile)
 
-    bool keepDamagedFile();
+    FileState read();
+    bool keepUnusableFile();
 
+    Directories m_directories;
     QString m_fileName;
-    bool damaged = false; ///< the file exists but did not load
+    FileState m_fileState = FileState::Missing;
+    std::optional<qint32> m_refusedPort;
 };
+
+/// Whether a server can be told to listen on this port: 1 to 65535.
+constexpr bool isPort(int number)
+{
+    return number >= 1 && number <= 65535;
+}
 
 /// Makes names on disk UTF-8 whatever the locale says. Call before the application object is made.
 void useUtf8Names();
-
-/// Where the process finds its files. Call once, before any profile is made.
-/// The resources come from the folder in the environment variable QUILLON_RESDIR when it is set,
-/// else from "/opt/quillon/". Makes `ConfigDir`; false when that fails.
-bool setUpDirectories();
-
-/// How the previous run ended, as `loadProfiles` found it.
-enum class LastRun { EndedInOrder, Aborted };
-
-/// Fills `Profile::confList`: the global profile first, then every other file of
-/// `ConfigDir`, sorted by name, and marks the global profile as running.
-LastRun loadProfiles();
-
-/// The orderly end: marks the global profile as closed and saves it, then frees all profiles.
-/// False when the global profile can't be written.
-bool closeProfiles();

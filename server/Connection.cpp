@@ -54,6 +54,7 @@ Connection::Connection(WebServer *owner, SessionTable *clients, Channel::Traffic
     , setup(common)
     , request(clients, traffic, owner->singleFile)
 {
+    request.directories = &common->directories;
     Channel &channel = request.channel;
     connect(&channel, &Channel::headerReady, this, &Connection::readyRead);
     connect(&channel, &Channel::replyEnded, this, [this] { request.endSession(); });
@@ -173,7 +174,8 @@ bool Connection::acceptPassword()
 bool Connection::acceptBasic() const
 {
     bool known = false;
-    for (const QString &user : std::as_const(server->config->users))
+    const QStringList accounts = server->config->accounts();
+    for (const QString &user : accounts)
         known = isSameSecret(request.credentials, user.toUtf8()) || known;
     return known;
 }
@@ -182,7 +184,7 @@ void Connection::refuseLogin()
 {
     request.channel.setKeepAlive(false);
     if (server->config->authMode != AuthBasic)
-        return responder(fileRow)->sendFile(Profile::LangPath + QLatin1String(loginPage));
+        return responder(fileRow)->sendFile(setup->directories.language + QLatin1String(loginPage));
 
     const QByteArray body = "<h2>" + tr("Wrong password").toUtf8() + "</h2>";
     Responder *plain = responder(plainRow);

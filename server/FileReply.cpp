@@ -190,7 +190,7 @@ void FileReply::refuseFile(const QString &path)
     if (!path.contains(QChar::Null) && QFile::exists(path))
         return sendHeader("500 Can't read file", 0);
 
-    const QString icon = QString::fromUtf8(Profile::IconDir) + QLatin1String(iconFile);
+    const QString icon = request->directories->icons + QLatin1String(iconFile);
     if (config->showsThumbnails() && path.endsWith(QLatin1String(iconRequest)))
         return sendFile(icon);
     notFound(path.toUtf8());

@@ -9,6 +9,8 @@
 #include <QString>
 #include <QUrl>
 
+struct Directories;
+
 /// The target of a request line, or of a Destination header (RFC 9112, section 3.2).
 struct RequestTarget
 {
@@ -97,6 +99,7 @@ public:
 
     SessionTable *clients;
     Channel channel;
+    const Directories *directories = nullptr; ///< the connection's
     const bool singleFile; ///< only GET and POST are known
     qint64 contentLength = 0; ///< bytes; stays 0 for GET
     int methodCode = None;

@@ -38,11 +38,11 @@ bool belongTogether(const QSslKey &privateKey, const QSslCertificate &certificat
 
 } // namespace
 
-WebServer::WebServer(const QNetworkAddressEntry &entry, std::shared_ptr<const ServerSetup> common,
-                     QObject *parent)
+WebServer::WebServer(const QNetworkAddressEntry &entry, Profile *profile,
+                     std::shared_ptr<const ServerSetup> common, QObject *parent)
     : QTcpServer(parent)
     , shared(QDir::homePath())
-    , config(Profile::global())
+    , config(profile)
     , address(entry)
     , setup(std::move(common))
 {
@@ -54,9 +54,8 @@ WebServer::WebServer(const QNetworkAddressEntry &entry, std::shared_ptr<const Se
 }
 
 WebServer::WebServer(const WebServer *other, QObject *parent)
-    : WebServer(other->address, other->setup, parent)
+    : WebServer(other->address, other->config, other->setup, parent)
 {
-    setProfile(other->config);
     shared = other->shared;
     singleFile = other->singleFile;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "config/Directories.h"
 #include "server/Channel.h"
 #include "server/Routes.h"
 #include "server/SessionTable.h"
@@ -22,6 +23,7 @@ struct ServerSetup
 {
     Routes rows;
     StatusSink *sink = nullptr;
+    Directories directories;
 };
 
 /// The listening end of one server item: one address and port, one shared file or folder, one
@@ -30,9 +32,9 @@ class WebServer : public QTcpServer
 {
     Q_OBJECT
 public:
-    /// Starts out on the global profile.
-    WebServer(const QNetworkAddressEntry &entry, std::shared_ptr<const ServerSetup> common,
-              QObject *parent = nullptr);
+    /// `profile` outlives the server.
+    WebServer(const QNetworkAddressEntry &entry, Profile *profile,
+              std::shared_ptr<const ServerSetup> common, QObject *parent = nullptr);
 
     /// A server of the same address, profile and shared item as `other`.
     explicit WebServer(const WebServer *other, QObject *parent = nullptr);

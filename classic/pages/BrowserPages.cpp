@@ -246,7 +246,7 @@ void BrowserPages::servePath()
     const QString &path = request->path;
     const QString rest = path.mid(specialUrlSize);
     if (path.startsWith(QLatin1String(iconUrl)))
-        return sendFile(QString::fromUtf8(Profile::IconDir) + rest);
+        return sendFile(request->directories->icons + rest);
     if (path.startsWith(QLatin1String(previewUrl)))
         return sendFile(previews.getTempFile(rest));
 

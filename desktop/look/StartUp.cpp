@@ -1,6 +1,5 @@
 #include "desktop/look/StartUp.h"
 
-#include "config/Profile.h"
 #include "desktop/look/StylePage.h"
 
 #include <QApplication>
@@ -47,7 +46,7 @@ void applyStoredLook()
     applyFontSize(settings);
 }
 
-void installTranslators(QCoreApplication *app)
+void installTranslators(QCoreApplication *app, const QString &languageFolder)
 {
     auto *builtIn = new QTranslator(app);
     // Installed even when it is empty.
@@ -55,10 +54,10 @@ void installTranslators(QCoreApplication *app)
     QCoreApplication::installTranslator(builtIn);
 
     auto *own = new QTranslator(app);
-    if (own->load(QStringLiteral("lang"), Profile::LangPath)) {
+    if (own->load(QStringLiteral("lang"), languageFolder)) {
         QCoreApplication::installTranslator(own);
         return;
     }
     qDebug().nospace() << "No translator found for locale=" << QLocale::system().name()
-                       << " in dir=" << Profile::LangPath;
+                       << " in dir=" << languageFolder;
 }

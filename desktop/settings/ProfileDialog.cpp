@@ -1,6 +1,6 @@
 #include "desktop/settings/ProfileDialog.h"
 
-#include "config/Profile.h"
+#include "config/Profiles.h"
 #include "desktop/settings/ProfileUser.h"
 #include "desktop/widgets/Fields.h"
 #include "desktop/widgets/InputDialog.h"
@@ -45,23 +45,24 @@ QPushButton *dialogButton(const QString &text)
 
 } // namespace
 
-ProfileDialog::ProfileDialog(ProfileUser *user, QWidget *parent)
+ProfileDialog::ProfileDialog(Profiles *choice, ProfileUser *user, QWidget *parent)
     : QDialog(parent)
     , item(user)
-    , profiles(new ChoiceBox)
+    , profiles(choice)
+    , list(new ChoiceBox)
 {
     setWindowTitle(tr("Change Profile"));
-    for (const Profile *profile : std::as_const(Profile::confList))
-        profiles->addItem(listedName(profile));
-    profiles->setCurrentIndex(int(Profile::confList.indexOf(user->profile())));
+    for (int i = 0; i < profiles->count(); ++i)
+        list->addItem(listedName(profiles->at(i)));
+    list->setCurrentIndex(profiles->indexOf(user->profile()));
 
     const QString caption = tr("Select profile or edit profile name");
     QPushButton *create = dialogButton(tr("New profile"));
     QPushButton *remove = dialogButton(tr("Remove profile"));
 
     auto *grid = new QGridLayout(this);
-    grid->addWidget(newCaption(caption, profiles), 0, 0, 1, 2);
-    grid->addWidget(profiles, 1, 0, 1, 2);
+    grid->addWidget(newCaption(caption, list), 0, 0, 1, 2);
+    grid->addWidget(list, 1, 0, 1, 2);
     grid->addWidget(create, 2, 0);
     grid->addWidget(remove, 2, 1);
     grid->addWidget(new OkCancelButtons(this), 4, 0, 1, 2);
@@ -75,7 +76,7 @@ ProfileDialog::ProfileDialog(ProfileUser *user, QWidget *parent)
         connect(object, &QObject::destroyed, this, &ProfileDialog::reject);
 }
 
-QString ProfileDialog::refusal(const QString &name)
+QString ProfileDialog::refusal(const Profiles &profiles, const QString &name)
 {
     if (name.trimmed().isEmpty())
         return tr("A profile needs a name.");
@@ -84,9 +85,9 @@ QString ProfileDialog::refusal(const QString &name)
     if (QFile::encodeName(name).size() > longestName)
         return tr("This profile name is too long.");
 
-    Profile candidate;
+    Profile candidate(profiles.directories());
     candidate.setFileName(name);
-    if (Profile::find(name) || QFile::exists(candidate.fileName()))
+    if (profiles.find(name) || QFile::exists(candidate.fileName()))
         return tr("There is already a profile named \"%1\".").arg(name);
     return {};
 }
@@ -103,26 +104,26 @@ void ProfileDialog::newProfile()
     const QString name = InputDialog::ask(tr("Profile name"), {}, this).value_or(QString());
     if (name.isEmpty())
         return;
-    const QString reason = refusal(name);
+    const QString reason = refusal(*profiles, name);
     if (!reason.isEmpty()) {
         warn(this, reason);
         return;
     }
 
-    std::unique_ptr<Profile> profile(Profile::global()->clone());
+    std::unique_ptr<Profile> profile = profiles->global()->clone();
     profile->setFileName(name);
     profile->name = name;
     if (profile->save())
-        addProfile(profile.release());
+        addProfile(std::move(profile));
     else
         warn(this, tr("Can't write file: ") + profile->fileName());
 }
 
-void ProfileDialog::addProfile(Profile *profile)
+void ProfileDialog::addProfile(std::unique_ptr<Profile> profile)
 {
-    Profile::confList.append(profile);
-    profiles->addItem(listedName(profile));
-    profiles->setCurrentIndex(profiles->count() - 1);
+    list->addItem(listedName(profile.get()));
+    profiles->add(std::move(profile));
+    list->setCurrentIndex(list->count() - 1);
 }
 
 void ProfileDialog::removeProfile()
@@ -131,19 +132,16 @@ void ProfileDialog::removeProfile()
     if (!profile)
         return;
     // The program itself uses the global profile, even when no server does.
-    if (profile->useCount > 0 || profile == Profile::global()) {
+    if (profile->useCount > 0 || profile == profiles->global()) {
         warn(this, tr("Used config profile is not removable."));
         return;
     }
-    if (!profile->remove())
-        return;
-    profiles->removeItem(profiles->currentIndex());
-    Profile::confList.removeOne(profile);
-    delete profile;
+    if (profiles->remove(profile))
+        list->removeItem(list->currentIndex());
 }
 
 Profile *ProfileDialog::chosenProfile() const
 {
-    // The list shows the profiles in the order of `confList`.
-    return Profile::confList.value(profiles->currentIndex(), nullptr);
+    // The list shows them in their order.
+    return profiles->at(list->currentIndex());
 }

@@ -2,7 +2,10 @@
 
 #include <QDialog>
 
+#include <memory>
+
 class Profile;
+class Profiles;
 class ProfileUser;
 class QComboBox;
 
@@ -13,11 +16,11 @@ class ProfileDialog : public QDialog
     Q_OBJECT
 
 public:
-    /// `user`, a server item, is borrowed; on OK it takes the chosen profile.
-    ProfileDialog(ProfileUser *user, QWidget *parent);
+    /// Both are borrowed; `user` is a server item: on OK it takes the chosen profile.
+    ProfileDialog(Profiles *choice, ProfileUser *user, QWidget *parent);
 
     /// Why no profile can be stored under `name`, translated; empty when one can.
-    static QString refusal(const QString &name);
+    static QString refusal(const Profiles &profiles, const QString &name);
 
     void accept() override;
 
@@ -26,9 +29,10 @@ private Q_SLOTS:
     void removeProfile();
 
 private:
-    void addProfile(Profile *profile);
+    void addProfile(std::unique_ptr<Profile> profile);
     Profile *chosenProfile() const;
 
     ProfileUser *item;
-    QComboBox *profiles;
+    Profiles *profiles;
+    QComboBox *list;
 };

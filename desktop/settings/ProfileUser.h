@@ -4,7 +4,7 @@
 
 class Profile;
 
-/// Something that runs with one profile of `Profile::confList` and can move to another.
+/// Something that runs with one of the user's profiles and can move to another.
 /// The profile chooser only borrows it.
 class ProfileUser
 {
@@ -15,7 +15,7 @@ public:
     /// The profile in use.
     virtual Profile *profile() const = 0;
 
-    /// Moves to `profile`, which is an element of `Profile::confList`.
+    /// Moves to `profile`, one of the user's.
     virtual void useProfile(Profile *profile) = 0;
 
 private:

@@ -40,8 +40,9 @@ QString askForFile(QWidget *parent, const QString &title, const QString &path,
 
 } // namespace
 
-ServerPage::ServerPage(QWidget *parent)
+ServerPage::ServerPage(bool rootMode, QWidget *parent)
     : SettingsPage(tr("Server Settings"), parent)
+    , usesOwnPorts(rootMode)
 {
     addCheckBox(tr("Show warning messages"), &ProfileValues::warningMode);
     QCheckBox *ssl = addCheckBox(tr("SSL/Secure Mode"), &ProfileValues::sslMode);
@@ -100,7 +101,7 @@ void ServerPage::setSslMode(int state)
 {
     if (!conf)
         return;
-    if (Profile::RootMode) {
+    if (usesOwnPorts) {
         const int usual = state == Qt::Checked ? httpsPort : httpPort;
         port->setValue(usual);
         store(&ProfileValues::port, usual);

@@ -13,7 +13,8 @@ class ServerPage : public SettingsPage
     Q_OBJECT
 
 public:
-    explicit ServerPage(QWidget *parent = nullptr);
+    /// In root mode the ports of HTTP and HTTPS go with the SSL switch.
+    explicit ServerPage(bool rootMode, QWidget *parent = nullptr);
 
 private Q_SLOTS:
     void setSslMode(int state);
@@ -27,6 +28,7 @@ private:
     void addKeyControls(QFormLayout *form);
     void enableKeyControls();
 
+    const bool usesOwnPorts;
     QSpinBox *port = nullptr;
     QLineEdit *privateKey = nullptr;
     QLineEdit *keyPassword = nullptr;

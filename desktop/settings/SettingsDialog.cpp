@@ -32,11 +32,12 @@ SettingsDialog *openDialog()
 
 } // namespace
 
-SettingsDialog::SettingsDialog(Profile *edited, Configurable *told, QWidget *parent, int page)
+SettingsDialog::SettingsDialog(Profile *edited, SettingsScope offered, Configurable *told,
+                               QWidget *parent, int page)
     : QDialog(parent)
     , profile(edited)
     , receiver(told)
-    , global(edited == Profile::global())
+    , scope(offered)
     , workingCopy(edited->clone())
     , applyButton(new Finger<QPushButton>(tr("&Apply")))
 {
@@ -69,13 +70,14 @@ SettingsDialog::~SettingsDialog()
     releaseCopy();
 }
 
-void SettingsDialog::edit(Profile *profile, Configurable *receiver, QWidget *parent, int page)
+void SettingsDialog::edit(Profile *profile, SettingsScope scope, Configurable *receiver,
+                          QWidget *parent, int page)
 {
     if (SettingsDialog *open = openDialog()) {
         open->turnTo(profile, page);
         return;
     }
-    SettingsDialog dialog(profile, receiver, parent, page);
+    SettingsDialog dialog(profile, scope, receiver, parent, page);
     dialog.exec();
 }
 
@@ -89,8 +91,8 @@ void SettingsDialog::addPages()
 {
     addPage(tr("Folder"), QStringLiteral("folder"), new FolderPage);
     addPage(tr("Aut."), QStringLiteral("kgpg"), new AccessPage);
-    addPage(tr("Server"), QStringLiteral("preferences-network"), new ServerPage);
-    if (!global || !profile->expertMode)
+    addPage(tr("Server"), QStringLiteral("preferences-network"), new ServerPage(scope.rootMode));
+    if (!scope.global || !profile->expertMode)
         return;
     addPage(tr("DNS"), QStringLiteral("dns"), new DnsPage);
     addPage(tr("Server2"), {}, new LimitsPage);

@@ -10,6 +10,13 @@ class Configurable;
 class Profile;
 class QPushButton;
 
+/// What beside the profile's values decides which settings are offered and how they act.
+struct SettingsScope
+{
+    bool global = false; ///< the edited profile is the global one
+    bool rootMode = false; ///< the program was started to use ports up to 1024
+};
+
 /// Edits one profile on a set of pages. Works on a copy, `SettingsPage::conf`, that it owns while
 /// it is open, and hands it to a receiver on "Apply". One at a time: use `edit`.
 class SettingsDialog : public QDialog
@@ -19,13 +26,15 @@ class SettingsDialog : public QDialog
 public:
     /// Builds the dialog. `edited` and `told`, the receiver of applied values, are borrowed;
     /// `page` is the row shown first, -1 for the one last shown with this profile.
-    SettingsDialog(Profile *edited, Configurable *told, QWidget *parent, int page);
+    SettingsDialog(Profile *edited, SettingsScope scope, Configurable *told, QWidget *parent,
+                   int page);
     ~SettingsDialog() override;
 
     /// Builds the dialog and runs it modally until it is closed. As the pages share one working
     /// copy, there is no second one: an open dialog of the same profile turns to `page` instead,
     /// one of another profile stays as it is.
-    static void edit(Profile *profile, Configurable *receiver, QWidget *parent, int page = -1);
+    static void edit(Profile *profile, SettingsScope scope, Configurable *receiver, QWidget *parent,
+                     int page = -1);
 
     /// Every way to close leads here: remembers the page and saves the edited profile.
     void done(int result) override;
@@ -43,7 +52,7 @@ private:
 
     Profile *profile;
     Configurable *receiver;
-    bool global; ///< the edited profile is the global one
+    SettingsScope scope;
     std::unique_ptr<Profile> workingCopy;
     PageView *view = nullptr;
     QPushButton *applyButton;

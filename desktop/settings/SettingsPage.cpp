@@ -48,7 +48,7 @@ SettingsPage::SettingsPage(const QString &title, QWidget *parent)
 
 void SettingsPage::help(const QString &name)
 {
-    MessageDialog::help(name, this);
+    MessageDialog::help(conf->directories().language, name, this);
 }
 
 QFormLayout *SettingsPage::addForm()

@@ -1,6 +1,5 @@
 #include "desktop/widgets/MessageDialog.h"
 
-#include "config/Profile.h"
 #include "desktop/widgets/Fields.h"
 
 #include <QFile>
@@ -32,9 +31,9 @@ MessageDialog::MessageDialog(const QString &title, const QString &text, QWidget 
     fitToScreen(this, usualSize);
 }
 
-void MessageDialog::help(const QString &name, QWidget *parent)
+void MessageDialog::help(const QString &languageFolder, const QString &name, QWidget *parent)
 {
-    QFile file(Profile::LangPath + QLatin1String("help/") + name + QLatin1String(".html"));
+    QFile file(languageFolder + QLatin1String("help/") + name + QLatin1String(".html"));
     const QString text = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll())
                                                         : tr("Can't read file: ") + file.fileName();
 

@@ -12,9 +12,9 @@ class MessageDialog : public QDialog
 public:
     MessageDialog(const QString &title, const QString &text, QWidget *parent);
 
-    /// Shows the page "help/" + `name` + ".html" of the user's language and returns when it is
-    /// closed. A page that can't be read is named instead.
-    static void help(const QString &name, QWidget *parent);
+    /// Shows the page "help/" + `name` + ".html" in the folder of the user's language and returns
+    /// when it is closed. A page that can't be read is named instead.
+    static void help(const QString &languageFolder, const QString &name, QWidget *parent);
 
     QString text() const;
 

@@ -1,6 +1,6 @@
 #include "desktop/window/AddressList.h"
 
-#include "config/Profile.h"
+#include "config/Profiles.h"
 #include "desktop/settings/ProfileDialog.h"
 #include "desktop/settings/SettingsDialog.h"
 #include "desktop/widgets/Fields.h"
@@ -27,27 +27,6 @@ namespace {
 constexpr auto lookInterval = 5s;
 constexpr QSize pictureSize(32, 32);
 
-QString listFile()
-{
-    return Profile::ConfigDir + QLatin1String("list.ini");
-}
-
-/// The profile of `confList` that `profile` is, or is an edited copy of; they share the file.
-Profile *liveProfile(Profile *profile)
-{
-    const auto same = [profile](const Profile *other) {
-        return other == profile || other->fileName() == profile->fileName();
-    };
-    const auto &all = Profile::confList;
-    const auto live = std::find_if(all.cbegin(), all.cend(), same);
-    return live == all.cend() ? nullptr : *live;
-}
-
-bool isExpert()
-{
-    return Profile::global()->expertMode;
-}
-
 void stop(ServerItem *item)
 {
     item->stopAll();
@@ -72,11 +51,11 @@ QList<QNetworkAddressEntry> deviceAddresses()
     return usable;
 }
 
-AddressList::Noticed::Noticed()
-    : dnsEnabled(Profile::global()->dnsEnabled)
-    , dnsUser(Profile::global()->dnsUser)
-    , dnsPassword(Profile::global()->dnsPassword)
-    , expertMode(Profile::global()->expertMode)
+AddressList::Noticed::Noticed(const Profile &global)
+    : dnsEnabled(global.dnsEnabled)
+    , dnsUser(global.dnsUser)
+    , dnsPassword(global.dnsPassword)
+    , expertMode(global.expertMode)
 {
 }
 
@@ -86,13 +65,15 @@ bool AddressList::Noticed::operator==(const Noticed &other) const
         && dnsPassword == other.dnsPassword && expertMode == other.expertMode;
 }
 
-AddressList::AddressList(std::shared_ptr<const ServerSetup> servers, AddressSource source,
-                         QWidget *parent)
+AddressList::AddressList(Profiles *choice, std::shared_ptr<const ServerSetup> servers,
+                         AddressSource source, QWidget *parent)
     : QWidget(parent)
+    , profiles(choice)
     , setup(std::move(servers))
     , addresses(std::move(source))
-    , saved(listFile())
-    , m_reachability(new Reachability(this))
+    , saved(choice->directories().profiles + QLatin1String("list.ini"))
+    , m_reachability(new Reachability(this, choice))
+    , noticed(*choice->global())
 {
     buildWidgets();
     buildRowMenu();
@@ -217,6 +198,11 @@ int AddressList::addressCount() const
                              [](const auto *item) { return !item->isAddedPort(); }));
 }
 
+bool AddressList::isExpert() const
+{
+    return profiles->global()->expertMode;
+}
+
 bool AddressList::isFound(const QHostAddress &address) const
 {
     return std::any_of(found.begin(), found.end(),
@@ -266,7 +252,7 @@ void AddressList::addFound()
     for (const QNetworkAddressEntry &entry : std::as_const(found)) {
         if (hasRow(entry.ip()))
             continue;
-        auto *item = new ServerItem(entry, setup, this);
+        auto *item = new ServerItem(profiles, entry, setup, this);
         addItem(item);
         const QList<SavedRow> kept = saved.take(entry.ip().toString());
         if (isExpert())
@@ -320,7 +306,7 @@ void AddressList::restoreAddedPorts(const ServerItem *first, const QList<SavedRo
 
 ServerItem *AddressList::addPort(const ServerItem *first)
 {
-    auto *item = new ServerItem(first->server(), this);
+    auto *item = new ServerItem(first, this);
     item->setAddedPort();
     addItem(item);
     return item;
@@ -501,7 +487,13 @@ void AddressList::cellPressed(int row, int column)
 void AddressList::editProfile()
 {
     if (ServerItem *item = getSelectedItem())
-        SettingsDialog::edit(item->profile(), this, window());
+        edit(item->profile());
+}
+
+void AddressList::edit(Profile *profile, int page)
+{
+    SettingsDialog::edit(profile, { profile == profiles->global(), rootMode }, this, window(),
+                         page);
 }
 
 void AddressList::changeProfile()
@@ -509,7 +501,7 @@ void AddressList::changeProfile()
     const QPointer<ServerItem> item = getSelectedItem();
     if (!item)
         return;
-    ProfileDialog(item, window()).exec();
+    ProfileDialog(profiles, item, window()).exec();
     if (item)
         changed(item);
 }
@@ -559,7 +551,7 @@ void AddressList::setExpertMode()
 
 void AddressList::profileEdited(Profile *profile)
 {
-    Profile *live = liveProfile(profile);
+    Profile *live = profiles->original(profile);
     if (!live)
         return;
     const bool ssl = live->usesTls();
@@ -572,14 +564,14 @@ void AddressList::profileEdited(Profile *profile)
 
 void AddressList::store(Profile *live, Profile *edited)
 {
+    if (live == edited)
+        return;
     const QList<ServerItem *> users = itemsWith(live);
     if (users.isEmpty()) {
         live->apply(edited);
         live->save();
         return;
     }
-    if (live == edited)
-        return;
     // Servers compare the copy with the live profile, which the first item overwrites.
     for (const ServerItem *item : users.mid(1))
         item->server()->profileEdited(edited);
@@ -589,12 +581,12 @@ void AddressList::store(Profile *live, Profile *edited)
 
 void AddressList::noticeGlobal()
 {
-    const Noticed now;
+    const Noticed now(*profiles->global());
     if (now == noticed)
         return;
     noticed = now;
     setExpertMode();
-    if (Profile::global()->usesDns())
+    if (profiles->global()->usesDns())
         m_reachability->loadPublic();
 }
 

@@ -15,6 +15,7 @@
 
 class AddressTable;
 class Profile;
+class Profiles;
 class QLabel;
 class QMenu;
 class QPushButton;
@@ -39,7 +40,8 @@ class AddressList : public QWidget, public Configurable, public TrafficSource
 {
     Q_OBJECT
 public:
-    AddressList(std::shared_ptr<const ServerSetup> servers, AddressSource source, QWidget *parent);
+    AddressList(Profiles *choice, std::shared_ptr<const ServerSetup> servers, AddressSource source,
+                QWidget *parent);
     ~AddressList() override;
 
     /// The item of a row; null when there is no such row. Rows of added ports are hidden in
@@ -72,7 +74,13 @@ public:
     /// Shows what belongs to the global profile's mode.
     void setExpertMode();
 
-    /// `profile` is a profile of `confList`, or an edited copy of one.
+    /// In root mode ports up to 1024 can be used.
+    void setRootMode(bool on) { rootMode = on; }
+
+    /// Lets the user edit a profile, beginning with a page of the dialog or, with -1, the last one.
+    void edit(Profile *profile, int page = -1);
+
+    /// `profile` is one of the user's, or an edited copy of one.
     void profileEdited(Profile *profile) override;
 
     qint64 totalTraffic() const override;
@@ -113,13 +121,14 @@ private:
     /// What the global profile said last.
     struct Noticed
     {
-        Noticed();
+        Noticed() = default;
+        explicit Noticed(const Profile &global);
         bool operator==(const Noticed &other) const;
 
-        int dnsEnabled;
+        qint32 dnsEnabled = 0;
         QString dnsUser;
         QString dnsPassword;
-        bool expertMode;
+        bool expertMode = false;
     };
 
     void buildWidgets();
@@ -130,6 +139,7 @@ private:
     QList<ServerItem *> itemsWith(const Profile *profile) const;
     int addressCount() const;
 
+    bool isExpert() const;
     bool isFound(const QHostAddress &address) const;
     bool hasRow(const QHostAddress &address) const;
 
@@ -148,6 +158,8 @@ private:
     void store(Profile *live, Profile *edited);
     void noticeGlobal();
 
+    Profiles *profiles;
+    bool rootMode = false;
     std::shared_ptr<const ServerSetup> setup;
     AddressSource addresses;
     QList<QNetworkAddressEntry> found; ///< as of the last `loadLocal`

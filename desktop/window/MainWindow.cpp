@@ -1,7 +1,7 @@
 #include "desktop/window/MainWindow.h"
 
 #include "classic/pages/BrowserPages.h"
-#include "config/Profile.h"
+#include "config/Profiles.h"
 #include "desktop/look/LookDialog.h"
 #include "desktop/look/StartUp.h"
 #include "desktop/settings/SettingsDialog.h"
@@ -91,15 +91,17 @@ QString trafficLimitText(const WebServer &server)
         + QStringLiteral(": %1 KB").arg(inKB(server.receivedBytes()));
 }
 
-MainWindow::MainWindow(const char *mode, Routes rows, AddressSource source)
-    : events(std::make_unique<EventHandler>(this))
+MainWindow::MainWindow(Profiles *choice, const char *mode, Routes rows, AddressSource source)
+    : profiles(choice)
+    , events(std::make_unique<EventHandler>(this))
 {
     makeTexts();
     startProfiles();
     makeActions();
     makeFileMenu();
-    auto setup = std::make_shared<ServerSetup>(ServerSetup{ std::move(rows), events.get() });
-    addresses = new AddressList(std::move(setup), std::move(source), this);
+    auto setup = std::make_shared<ServerSetup>(
+        ServerSetup{ std::move(rows), events.get(), profiles->directories() });
+    addresses = new AddressList(profiles, std::move(setup), std::move(source), this);
     makeButtons();
     updateRecentFileActions();
     create();
@@ -113,10 +115,6 @@ MainWindow::~MainWindow()
 {
     // Before the event handler and the profiles, which its servers use.
     delete addresses;
-    if (ended)
-        closeProfiles();
-    else
-        qDeleteAll(std::exchange(Profile::confList, {}));
     // Pictures don't outlive the application object.
     ServerItem::playIcon = {};
     ServerItem::stopIcon = {};
@@ -134,8 +132,20 @@ void MainWindow::makeTexts()
 
 void MainWindow::startProfiles()
 {
-    if (loadProfiles() == LastRun::Aborted)
+    if (profiles->lastRun() == LastRun::Aborted)
         HTML_Element_Manager::removeLeftFiles();
+    for (int i = 0; i < profiles->count(); ++i) {
+        const Profile *profile = profiles->at(i);
+        if (!profile->isUsable())
+            events->msg(
+                tr("A profile is damaged or can't be read. It isn't used until its settings "
+                   "are saved; the file is kept then as %1")
+                    .arg(profile->fileName() + QLatin1String(".bad")),
+                profile->fileName());
+        if (profile->refusedPort())
+            events->msg(tr("Invalid port") + QStringLiteral(": %1").arg(*profile->refusedPort()),
+                        profile->fileName());
+    }
 }
 
 QAction *MainWindow::addMenuAction(const QString &text, const char *name)
@@ -155,7 +165,7 @@ void MainWindow::makeActions()
     lookAndFeel = addMenuAction(tr("Look and Feel"), "lookAndFeel");
     expertMode = addMenuAction(tr("Expert mode"), "expertMode");
     expertMode->setCheckable(true);
-    expertMode->setChecked(Profile::global()->expertMode);
+    expertMode->setChecked(profiles->global()->expertMode);
     QAction *helpAction = addMenuAction(tr("Help"), "help");
     QAction *aboutAction = addMenuAction(tr("About Quillon"), "about");
     QAction *aboutQtAction = addMenuAction(tr("About Qt"), "aboutQt");
@@ -256,8 +266,9 @@ void MainWindow::connectList()
 
 void MainWindow::setRootMode(const char *mode)
 {
-    Profile::RootMode = mode && std::strcmp(mode, "root") == 0;
-    if (!Profile::RootMode || Profile::global()->warningMode != Qt::Checked)
+    const bool root = mode && std::strcmp(mode, "root") == 0;
+    addresses->setRootMode(root);
+    if (!root || profiles->global()->warningMode != Qt::Checked)
         return;
     const QString text = tr("The server run as root!") + QLatin1Char('\n')
         + tr("Use this mode only if you want to use port 1 - 1024!");
@@ -300,13 +311,13 @@ void MainWindow::fileOrDirSelected(const QString &path)
 
 void MainWindow::setCurrentFile(const QString &path)
 {
-    Profile::global()->addRecentFile(path);
+    profiles->global()->amend([&path](Profile &global) { global.addRecentFile(path); });
     updateRecentFileActions();
 }
 
 void MainWindow::updateRecentFileActions()
 {
-    const QStringList &paths = Profile::global()->recentFiles;
+    const QStringList &paths = profiles->global()->recentFiles;
     for (std::size_t i = 0; i < recentFiles.size(); ++i) {
         const bool used = int(i) < paths.size();
         recentFiles[i]->setVisible(used);
@@ -384,7 +395,7 @@ void MainWindow::dataLimit(WebServer *server)
 
 void MainWindow::globalConfig()
 {
-    SettingsDialog::edit(Profile::global(), addresses, this);
+    addresses->edit(profiles->global());
 }
 
 void MainWindow::guiConf()
@@ -394,7 +405,7 @@ void MainWindow::guiConf()
 
 void MainWindow::setExpertMode(bool on)
 {
-    Profile *global = Profile::global();
+    Profile *global = profiles->global();
     if (!addresses->askForStop(tr("Do you want to stop?"))) {
         const QSignalBlocker quiet(expertMode);
         expertMode->setChecked(global->expertMode);
@@ -402,7 +413,8 @@ void MainWindow::setExpertMode(bool on)
     }
     if (addresses->isRunning())
         addresses->stopServers();
-    global->expertMode = on;
+    if (global->expertMode != on)
+        global->amend([on](Profile &profile) { profile.expertMode = on; });
     addresses->profileEdited(global);
     settings->setText(on ? tr("Global Default Settings") : tr("Settings"));
     reloadPublic->setVisible(on);
@@ -413,7 +425,7 @@ void MainWindow::setExpertMode(bool on)
 
 void MainWindow::help()
 {
-    MessageDialog::help(QStringLiteral("index"), this);
+    MessageDialog::help(profiles->directories().language, QStringLiteral("index"), this);
 }
 
 void MainWindow::about()
@@ -440,7 +452,8 @@ void MainWindow::closeEvent(QCloseEvent *event)
         return;
     }
     if (!endInOrder())
-        warn(this, tr("Can't save the settings") + QLatin1Char('\n') + Profile::ConfigDir);
+        warn(this,
+             tr("Can't save the settings") + QLatin1Char('\n') + profiles->directories().profiles);
     event->accept();
 }
 
@@ -450,10 +463,7 @@ bool MainWindow::endInOrder()
     const bool rowsSaved = addresses->end();
     events->stopTimer();
     BrowserPages::previews.clear();
-    Profile *global = Profile::global();
-    global->cleanExit = true;
-    global->expertMode = expertMode->isChecked();
-    return global->save() && rowsSaved;
+    return profiles->endInOrder() && rowsSaved;
 }
 
 void MainWindow::showEvent(QShowEvent *event)

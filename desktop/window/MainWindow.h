@@ -19,16 +19,15 @@ class QPushButton;
 class ServerItem;
 class WebServer;
 
-/// The main window. Makes the event handler, loads the profiles and holds the address list; lives
-/// for the whole run. The directories are set up.
+/// The main window. Makes the event handler and holds the address list; lives for the whole run.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
 public:
-    /// `mode` is the first command-line argument, null when there is none. `rows` answer the
-    /// requests of all servers.
-    explicit MainWindow(const char *mode, Routes rows = fileRoutes(),
-                        AddressSource source = deviceAddresses);
+    /// `choice` is borrowed. `mode` is the first command-line argument, null when there is none.
+    /// `rows` answer the requests of all servers.
+    MainWindow(Profiles *choice, const char *mode, Routes rows = fileRoutes(),
+               AddressSource source = deviceAddresses);
     ~MainWindow() override;
 
     AddressList *addressList() const { return addresses; }
@@ -73,6 +72,7 @@ private:
     void toggleItem();
     bool endInOrder();
 
+    Profiles *profiles;
     std::unique_ptr<EventHandler> events;
     AddressList *addresses = nullptr;
     QSet<const WebServer *> limitBoxes; ///< servers whose box is open

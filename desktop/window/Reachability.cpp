@@ -1,6 +1,6 @@
 #include "desktop/window/Reachability.h"
 
-#include "config/Profile.h"
+#include "config/Profiles.h"
 #include "desktop/settings/SettingsDialog.h"
 #include "desktop/widgets/Prompts.h"
 #include "desktop/window/AddressList.h"
@@ -21,9 +21,10 @@ void tell(const QString &text)
 
 } // namespace
 
-Reachability::Reachability(AddressList *addresses)
+Reachability::Reachability(AddressList *addresses, const Profiles *choice)
     : QObject(addresses)
     , list(addresses)
+    , profiles(choice)
     , services(new WebServices(this))
 {
     connect(services, &WebServices::finished, this, &Reachability::reply);
@@ -38,13 +39,13 @@ QString Reachability::localText()
 void Reachability::loadPublic()
 {
     checkPort();
-    if (Profile::global()->usesDns())
+    if (profiles->global()->usesDns())
         updateDns();
 }
 
 void Reachability::refreshPublic()
 {
-    const bool dns = Profile::global()->usesDns() && services->hasDynamicDns();
+    const bool dns = profiles->global()->usesDns() && services->hasDynamicDns();
     if (services->hasPortCheck() || dns)
         loadPublic();
 }
@@ -67,12 +68,12 @@ std::optional<int> Reachability::portToCheck()
         return {};
     if (!checkedItem)
         checkedItem = list->getSelectedItem();
-    return checkedItem ? checkedItem->server()->port : Profile::global()->port;
+    return checkedItem ? checkedItem->server()->port : profiles->global()->port;
 }
 
 void Reachability::updateDns()
 {
-    const Profile *global = Profile::global();
+    const Profile *global = profiles->global();
     if (global->dnsUser.isEmpty() || global->dnsPassword.isEmpty())
         showBox(list->window(), QMessageBox::Warning,
                 tr("User and password required for DNS service."));
@@ -105,7 +106,7 @@ void Reachability::reply(const WebAnswer *answer)
 void Reachability::takeDnsAnswer(const WebAnswer &answer)
 {
     if (isDnsUpdated(answer.body))
-        dnsName = services->dnsName(Profile::global()->dnsUser);
+        dnsName = services->dnsName(profiles->global()->dnsUser);
     else
         QDesktopServices::openUrl(answer.url);
 }
@@ -122,7 +123,7 @@ bool Reachability::takePortCheck(const WebAnswer &answer)
 
 void Reachability::askForPassword()
 {
-    const bool warns = Profile::global()->warningMode == Qt::Checked;
+    const bool warns = profiles->global()->warningMode == Qt::Checked;
     if (asking || !warns || checkedItem->profile()->authMode != AuthNone)
         return;
     asking = true;
@@ -131,7 +132,7 @@ void Reachability::askForPassword()
                                      + QLatin1Char('\n') + tr("Do you want to set password?"));
     asking = false;
     if (wanted && checkedItem)
-        SettingsDialog::edit(checkedItem->profile(), list, list->window(), authenticationPage);
+        list->edit(checkedItem->profile(), authenticationPage);
 }
 
 void Reachability::showReachability()

@@ -8,6 +8,7 @@
 #include <optional>
 
 class AddressList;
+class Profiles;
 class ServerItem;
 class WebServices;
 struct PortCheck;
@@ -19,7 +20,7 @@ class Reachability : public QObject
 {
     Q_OBJECT
 public:
-    explicit Reachability(AddressList *addresses);
+    Reachability(AddressList *addresses, const Profiles *choice);
 
     /// The label's text for a server that only the local network reaches.
     static QString localText();
@@ -52,6 +53,7 @@ private:
     void showReachability();
 
     AddressList *list;
+    const Profiles *profiles;
     WebServices *services;
     QPointer<ServerItem> checkedItem; ///< whose port is being checked
     bool portOpen = false;

@@ -1,5 +1,7 @@
 #include "desktop/window/SavedRows.h"
 
+#include "config/Profile.h"
+
 #include <QFile>
 
 #include <algorithm>
@@ -42,11 +44,6 @@ void SavedRow::write(QSettings *settings, int index) const
     else
         settings->remove(addressKey);
     settings->endGroup();
-}
-
-bool isPort(int number)
-{
-    return number >= 1 && number <= 65535;
 }
 
 SavedRows::SavedRows(const QString &fileName)

@@ -18,9 +18,6 @@ struct SavedRow
     void write(QSettings *settings, int index) const;
 };
 
-/// Whether a server can be told to listen on this port: 1 to 65535.
-bool isPort(int number);
-
 /// The file "list.ini" and, within a run, the rows whose address went away.
 /// A value of the address list.
 class SavedRows

@@ -1,7 +1,7 @@
 #include "desktop/window/ServerItem.h"
 
 #include "app/HostPart.h"
-#include "config/Profile.h"
+#include "config/Profiles.h"
 #include "desktop/window/AddressList.h"
 #include "desktop/window/EventHandler.h"
 
@@ -47,19 +47,21 @@ QString serverUrl(bool tls, const QHostAddress &address, int port)
     return schemesOwn ? url : url + QLatin1Char(':') + QString::number(port);
 }
 
-ServerItem::ServerItem(const QNetworkAddressEntry &address,
+ServerItem::ServerItem(Profiles *choice, const QNetworkAddressEntry &address,
                        std::shared_ptr<const ServerSetup> setup, QObject *parent)
     : QObject(parent)
-    , m_server(new WebServer(address, std::move(setup), this))
+    , profiles(choice)
+    , m_server(new WebServer(address, choice->global(), std::move(setup), this))
     , m_profileCell(makeCell())
     , m_statusCell(makeCell())
 {
     setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
 }
 
-ServerItem::ServerItem(const WebServer *other, QObject *parent)
+ServerItem::ServerItem(const ServerItem *other, QObject *parent)
     : QObject(parent)
-    , m_server(new WebServer(other, this))
+    , profiles(other->profiles)
+    , m_server(new WebServer(other->m_server, this))
     , m_profileCell(makeCell())
     , m_statusCell(makeCell())
 {
@@ -77,6 +79,11 @@ void ServerItem::init(AddressList *list)
 
 void ServerItem::start()
 {
+    if (!profile()->isUsable()) {
+        EventHandler::eventHandler->msg(
+            tr("The profile can't be used until its settings are saved"), profile()->fileName());
+        return;
+    }
     if (m_server->start()) {
         EventHandler::eventHandler->startTimer();
         Q_EMIT changed(this);
@@ -160,8 +167,8 @@ void ServerItem::profileEdited(Profile *profile)
 /// In expert mode ports are set per row, so that a listening server keeps its own.
 void ServerItem::takePortOf(const Profile *profile)
 {
-    if (!isListening() || !Profile::global()->expertMode)
-        setPort(isPort(profile->port) ? profile->port : ProfileValues().port);
+    if (!isListening() || !profiles->global()->expertMode)
+        setPort(profile->port);
 }
 
 SavedRow ServerItem::state() const
@@ -177,12 +184,12 @@ SavedRow ServerItem::state() const
 
 void ServerItem::takeState(const SavedRow &row, RestoreMode mode)
 {
-    Profile *saved = row.profile.isEmpty() ? nullptr : Profile::find(row.profile);
+    Profile *saved = row.profile.isEmpty() ? nullptr : profiles->find(row.profile);
     if (saved)
         m_server->setProfile(saved);
     setShared(row.file.isEmpty() ? QDir::homePath() : row.file);
     if (mode != KeepPort)
-        setPort(row.port > 0 ? row.port : Profile::global()->port);
+        setPort(row.port > 0 ? row.port : profiles->global()->port);
     update();
 }
 
@@ -195,7 +202,7 @@ void ServerItem::restore(QSettings *settings, int index, RestoreMode mode)
 {
     SavedRow row = SavedRow::read(settings, index);
     // In expert mode every row starts out on the global profile, whatever it ran with.
-    const Profile *global = Profile::global();
+    const Profile *global = profiles->global();
     if (global->expertMode)
         row.profile = global->name;
     if (row.portDamaged && mode != KeepPort)

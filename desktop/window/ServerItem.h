@@ -12,6 +12,7 @@
 #include <memory>
 
 class AddressList;
+class Profiles;
 
 /// What to say of content that is gone.
 QString missingText(const QString &path);
@@ -34,11 +35,11 @@ public:
     static QIcon stopIcon;
 
     /// An item for a new server on `address`.
-    ServerItem(const QNetworkAddressEntry &address, std::shared_ptr<const ServerSetup> setup,
-               QObject *parent);
+    ServerItem(Profiles *choice, const QNetworkAddressEntry &address,
+               std::shared_ptr<const ServerSetup> setup, QObject *parent);
 
     /// An item for a new server like `other`: the same address, profile and shared content.
-    ServerItem(const WebServer *other, QObject *parent);
+    ServerItem(const ServerItem *other, QObject *parent);
 
     ~ServerItem() override;
 
@@ -100,6 +101,7 @@ Q_SIGNALS:
 private:
     void takePortOf(const Profile *profile);
 
+    Profiles *profiles;
     WebServer *m_server; ///< a child
     std::unique_ptr<QTableWidgetItem> m_profileCell;
     std::unique_ptr<QTableWidgetItem> m_statusCell;

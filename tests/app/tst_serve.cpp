@@ -8,16 +8,6 @@
 
 #include <csignal>
 
-namespace {
-
-QByteArray contentOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-} // namespace
-
 /// The console program as its user sees it: what it prints and how it ends.
 class TestServe : public QObject
 {
@@ -33,6 +23,7 @@ private Q_SLOTS:
     void removesACutOffUploadAtItsEnd();
     void stopsAtTheTrafficLimit();
     void refusesToServeWithoutItsKeys();
+    void refusesADamagedProfile();
 
 private:
     void start(const QStringList &arguments);
@@ -54,6 +45,7 @@ private:
 void TestServe::init()
 {
     home = std::make_unique<TestHome>();
+    home->profiles.reset(); // a program that runs beside would be its neighbour
     share = std::make_unique<QTemporaryDir>();
     QFile file(share->filePath(QStringLiteral("a.txt")));
     QVERIFY(file.open(QIODevice::WriteOnly));
@@ -93,7 +85,7 @@ int TestServe::exitStatus(int msecs)
 void TestServe::storeProfile(const QString &name,
                              const std::function<void(Profile &)> &change) const
 {
-    Profile profile;
+    Profile profile(home->directories);
     profile.setFileName(name);
     profile.name = name;
     change(profile);
@@ -117,6 +109,7 @@ void TestServe::endsAtOnce_data()
     row("unknown option", QStringLiteral("--loud /tmp"), 2, "loud");
     row("port out of range", QStringLiteral("--port 65536 /tmp"), 2, "65536");
     row("port no number", QStringLiteral("--port http /tmp"), 2, "http");
+    row("two profiles", QStringLiteral("--profile a --default-profile /tmp"), 2, "exclude");
     row("no address", QStringLiteral("--address here /tmp"), 2, "here");
     row("missing path", QStringLiteral("/none"), 1, "/none");
     row("device", QStringLiteral("/dev/null"), 1, "/dev/null");
@@ -162,7 +155,7 @@ void TestServe::servesUntilASignal()
     ::kill(pid_t(program.processId()), signal);
     QCOMPARE(exitStatus(), 0);
     QVERIFY(program.readAllStandardError().contains("New client: 127.0.0.1"));
-    Profile global(QStringLiteral("Global.conf"));
+    const Profile global(home->directories, QStringLiteral("Global.conf"));
     QVERIFY(global.cleanExit);
 }
 
@@ -184,14 +177,14 @@ void TestServe::removesACutOffUploadAtItsEnd()
 void TestServe::stopsAtTheTrafficLimit()
 {
     storeProfile(QStringLiteral("small"), [](Profile &profile) { profile.dataLimit = 1; });
-    const QByteArray before = contentOf(Profile::ConfigDir + QLatin1String("small.cnf"));
+    const QByteArray before = home->profileBytes(QStringLiteral("small.cnf"));
     start(serving({ QStringLiteral("--profile"), QStringLiteral("small") }));
     RawClient client(waitForPort());
     client.send(rawRequest("GET", '/' + QByteArray(1500, 'x')));
     QCOMPARE(exitStatus(), 0);
     const QByteArray said = program.readAllStandardError();
     QVERIFY2(said.contains("limit of 1024 bytes is reached: sent "), said.constData());
-    QCOMPARE(contentOf(Profile::ConfigDir + QLatin1String("small.cnf")), before);
+    QCOMPARE(home->profileBytes(QStringLiteral("small.cnf")), before);
 }
 
 void TestServe::refusesToServeWithoutItsKeys()
@@ -200,6 +193,26 @@ void TestServe::refusesToServeWithoutItsKeys()
     start(serving({ QStringLiteral("--profile"), QStringLiteral("tls") }));
     QCOMPARE(exitStatus(), 1);
     QVERIFY(program.readAllStandardError().contains("TLS"));
+}
+
+void TestServe::refusesADamagedProfile()
+{
+    for (const char *name : { "Global.conf", "work.cnf" }) {
+        const QString file = QString::fromLatin1(name);
+        home->writeProfile(file, "junk");
+        const bool global = file.startsWith(QLatin1Char('G'));
+        start(serving(global ? QStringList()
+                             : QStringList{ QStringLiteral("--profile"), QStringLiteral("work") }));
+        QCOMPARE(exitStatus(), 1);
+        const QByteArray said = program.readAllStandardError();
+        QVERIFY2(said.contains(name) && said.contains("--default-profile"), said.constData());
+        QCOMPARE(home->profileBytes(file), QByteArray("junk"));
+    }
+    start(serving({ QStringLiteral("--default-profile") }));
+    QVERIFY(waitForPort() > 0);
+    program.terminate();
+    QCOMPARE(exitStatus(), 0);
+    QCOMPARE(home->profileBytes(QStringLiteral("Global.conf")), QByteArray("junk"));
 }
 
 QTEST_GUILESS_MAIN(TestServe)

@@ -1,29 +1,10 @@
-#include "config/Profile.h"
+#include "config/Profiles.h"
 #include "tests/support/LiveServer.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTest>
 
 namespace {
-
-QString profilePath(const QString &fileName)
-{
-    return Profile::ConfigDir + fileName;
-}
-
-QByteArray bytesOf(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void writeBytes(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
 
 QByteArray number(qint32 value)
 {
@@ -51,35 +32,30 @@ class TestProfile : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-    void cleanup();
+    void init() { home = std::make_unique<TestHome>(); }
+    void cleanup() { home.reset(); }
+
     void storesTheRecordInItsFixedOrder();
     void loadsWhatItSaved();
-    void fallsBackToDefaults_data();
-    void fallsBackToDefaults();
-    void keepsADamagedFileBeside();
+    void keepsAFileThatCantBeUsed();
+    void replacesAPortThatIsNone();
     void savesForTheOwnerAloneOrNotAtAll();
+    void amendsOnlyWhatChanged();
     void comparesAndCopiesWhatAnEditorChanges();
     void keepsFourRecentFiles();
-    void startsAndEndsWithTheGlobalProfile();
+    void admitsNobodyByANamelessAccount();
+    void findsItsProfiles();
+    void tellsACrashFromANeighbour();
 
 private:
+    Profile *global() const { return home->profiles->global(); }
+
     std::unique_ptr<TestHome> home;
 };
 
-void TestProfile::init()
-{
-    home = std::make_unique<TestHome>();
-}
-
-void TestProfile::cleanup()
-{
-    home.reset();
-}
-
 void TestProfile::storesTheRecordInItsFixedOrder()
 {
-    Profile profile;
+    Profile profile(home->directories);
     profile.setFileName(QStringLiteral("work"));
     profile.users = QStringList{ QStringLiteral("u:p") };
     profile.expertMode = true;
@@ -94,12 +70,12 @@ void TestProfile::storesTheRecordInItsFixedOrder()
         + '\1' + number(2) + number(2) + number(2) + number(2) + number(0) + number(2) + number(0)
         + number(4) + number(77) + number(600) + stored("work") + null + null + null + stored("/k")
         + stored("/c") + null + '\1' + number(314);
-    QCOMPARE(bytesOf(profilePath(QStringLiteral("work.cnf"))).toHex(), expected.toHex());
+    QCOMPARE(home->profileBytes(QStringLiteral("work.cnf")).toHex(), expected.toHex());
 }
 
 void TestProfile::loadsWhatItSaved()
 {
-    Profile saved;
+    Profile saved(home->directories);
     saved.setFileName(QStringLiteral("a"));
     saved.users = QStringList{ QStringLiteral("ä:ö:%41"), QString() };
     saved.recentFiles = QStringList{ QStringLiteral("/x") };
@@ -108,57 +84,71 @@ void TestProfile::loadsWhatItSaved()
     saved.cleanExit = false;
     QVERIFY(saved.save());
 
-    Profile::FirstRun = false;
-    const Profile loaded(QStringLiteral("a.cnf"));
-    QVERIFY(loaded.equals(&saved));
-    QCOMPARE(loaded.cleanExit, false);
-    QCOMPARE(Profile::FirstRun, false);
+    const Profile again(home->directories, QStringLiteral("a.cnf"));
+    QVERIFY(again.equals(&saved));
+    QCOMPARE(again.cleanExit, false);
+    QVERIFY(again.isUsable());
 }
 
-void TestProfile::fallsBackToDefaults_data()
+void TestProfile::keepsAFileThatCantBeUsed()
 {
-    Profile profile;
-    profile.setFileName(QStringLiteral("whole"));
-    profile.port = 99;
-    profile.save();
-    const QByteArray whole = bytesOf(profilePath(QStringLiteral("whole.cnf")));
+    global()->port = 99;
+    QVERIFY(global()->save());
+    const QByteArray whole = home->profileBytes(QStringLiteral("Global.conf"));
+    const auto changed = [&whole](int at, char value) {
+        QByteArray bytes = whole;
+        bytes[at] = value;
+        return bytes;
+    };
+    const int last = int(whole.size()) - 1;
+    const QString file = QStringLiteral("work.cnf");
+    const Profile defaults(home->directories);
+    for (const QByteArray &bytes :
+         { whole.left(last), whole + '\0', changed(last, '\0'), changed(15, '\7') /* TLS */,
+           QByteArray(), QByteArray(4, '\xfe'), number(1) + QByteArray(4, '\x7e') }) {
+        home->writeProfile(file, bytes);
+        home->restart();
+        Profile *work = home->profiles->find(QStringLiteral("work"));
+        QVERIFY2(work && !work->isUsable(), bytes.toHex().constData());
+        QCOMPARE(work->port, 8080);
+        QCOMPARE(work->privateKeyFile, home->directories.resources + QLatin1String("server.key"));
+        QVERIFY(work->amend([](Profile &profile) { profile.port = 1; }));
+        QCOMPARE(home->profileBytes(file), bytes);
 
-    QTest::addColumn<QByteArray>("content");
-    QTest::newRow("the format mark is missing") << whole.left(whole.size() - 4);
-    QTest::newRow("the format mark is another") << whole.left(whole.size() - 1) + '\0';
-    QTest::newRow("cut in the middle") << whole.left(whole.size() / 2);
-    QTest::newRow("empty") << QByteArray();
-    QTest::newRow("a count that no memory holds") << QByteArray(4, '\xfe');
-    QTest::newRow("a string that no memory holds") << number(1) + QByteArray(4, '\x7e');
+        // Who saves it has chosen these values.
+        QVERIFY(work->save() && work->save());
+        QVERIFY(work->isUsable() && work->load());
+        QCOMPARE(home->profileBytes(file + QLatin1String(".bad")), bytes);
+    }
+    // The global profile is left alone too, by the beginning and the end of a run.
+    home->writeProfile(QStringLiteral("Global.conf"), "precious");
+    home->restart();
+    QVERIFY(!global()->isUsable());
+    home->restart();
+    QCOMPARE(home->profileBytes(QStringLiteral("Global.conf")), QByteArray("precious"));
+
+    QVERIFY(QDir(home->directories.profiles).mkdir(QStringLiteral("folder.cnf")));
+    QCOMPARE(Profile(home->directories, QStringLiteral("folder.cnf")).fileState(),
+             Profile::FileState::Unreadable);
+    QCOMPARE(Profile(home->directories, QStringLiteral("none.cnf")).fileState(),
+             Profile::FileState::Missing);
 }
 
-void TestProfile::fallsBackToDefaults()
+void TestProfile::replacesAPortThatIsNone()
 {
-    QFETCH(QByteArray, content);
-    writeBytes(profilePath(QStringLiteral("broken.cnf")), content);
-
-    Profile::FirstRun = false;
-    const Profile loaded(QStringLiteral("broken.cnf"));
-    const Profile defaults;
-    QVERIFY(loaded.equals(&defaults));
-    QCOMPARE(loaded.privateKeyFile, Profile::ResDir + QLatin1String("server.key"));
-    QVERIFY(Profile::FirstRun);
-}
-
-void TestProfile::keepsADamagedFileBeside()
-{
-    const QString path = profilePath(QStringLiteral("d.cnf"));
-    writeBytes(path, "precious");
-    Profile profile(QStringLiteral("d.cnf"));
-    QVERIFY(profile.save());
-    QVERIFY(profile.save());
-    QCOMPARE(bytesOf(path + QLatin1String(".bad")), QByteArray("precious"));
-    QVERIFY(profile.load());
+    for (const qint32 port : { 0, -1, 65536, 1 << 24 }) {
+        global()->port = port;
+        QVERIFY(global()->save());
+        const Profile again(home->directories, QStringLiteral("Global.conf"));
+        QCOMPARE(again.port, 8080);
+        QVERIFY(again.refusedPort() == port);
+        QVERIFY(again.isUsable());
+    }
 }
 
 void TestProfile::savesForTheOwnerAloneOrNotAtAll()
 {
-    Profile profile;
+    Profile profile(home->directories);
     profile.setFileName(QStringLiteral("p"));
     QVERIFY(profile.save());
     const QFileDevice::Permissions others = QFileDevice::ReadGroup | QFileDevice::WriteGroup
@@ -170,22 +160,33 @@ void TestProfile::savesForTheOwnerAloneOrNotAtAll()
     QVERIFY(!profile.remove());
 }
 
+void TestProfile::amendsOnlyWhatChanged()
+{
+    // A window and a console program of one user, the second one's password being new.
+    Profile other(home->directories, QStringLiteral("Global.conf"));
+    other.password = QStringLiteral("new");
+    QVERIFY(other.save());
+    QVERIFY(global()->amend([](Profile &profile) { profile.expertMode = true; }));
+    QVERIFY(home->profiles->endInOrder());
+    QVERIFY(other.load());
+    QCOMPARE(other.password, QStringLiteral("new"));
+    QVERIFY(other.expertMode && other.cleanExit && global()->expertMode);
+}
+
 void TestProfile::comparesAndCopiesWhatAnEditorChanges()
 {
-    Profile profile;
-    profile.setFileName(QStringLiteral("one"));
-    profile.users = QStringList{ QStringLiteral("u:p") };
+    Profile &profile = *global();
     profile.useCount = 3;
-    const std::unique_ptr<Profile> copy(profile.clone());
+    const std::unique_ptr<Profile> copy = profile.clone();
     QVERIFY(copy->equals(&profile));
-    QCOMPARE(copy->fileName(), profile.fileName());
+    QCOMPARE(home->profiles->original(copy.get()), &profile);
     QCOMPARE(copy->useCount, 0);
 
-    copy->cleanExit = false;
+    copy->cleanExit = true;
     copy->lastPage = 4;
     QVERIFY(copy->equals(&profile));
     profile.apply(copy.get());
-    QCOMPARE(profile.cleanExit, true);
+    QCOMPARE(profile.cleanExit, false);
     QCOMPARE(profile.lastPage, 0);
     QCOMPARE(profile.useCount, 3);
 
@@ -199,32 +200,60 @@ void TestProfile::comparesAndCopiesWhatAnEditorChanges()
 
 void TestProfile::keepsFourRecentFiles()
 {
-    Profile profile;
     for (const char *path : { "/1", "/2", "/3", "/4", "/5", "/3" })
-        profile.addRecentFile(QLatin1String(path));
-    const QStringList expected{ QStringLiteral("/3"), QStringLiteral("/5"), QStringLiteral("/4"),
-                                QStringLiteral("/2") };
-    QCOMPARE(profile.recentFiles, expected);
+        global()->addRecentFile(QLatin1String(path));
+    QCOMPARE(global()->recentFiles.join(QLatin1Char(' ')), QStringLiteral("/3 /5 /4 /2"));
 }
 
-void TestProfile::startsAndEndsWithTheGlobalProfile()
+void TestProfile::admitsNobodyByANamelessAccount()
 {
-    Profile other;
-    other.setFileName(QStringLiteral("other"));
-    other.name = QStringLiteral("Other");
-    QVERIFY(other.save());
-    writeBytes(profilePath(QStringLiteral("note.txt")), "no profile");
+    global()->users = QStringLiteral("|:|:x|u:p|v:").split(QLatin1Char('|'));
+    QCOMPARE(global()->accounts().join(QLatin1Char('|')), QStringLiteral("u:p|v:"));
+}
 
-    QVERIFY(closeProfiles());
-    QCOMPARE(loadProfiles(), LastRun::EndedInOrder);
-    QCOMPARE(Profile::confList.size(), 2);
-    QCOMPARE(Profile::global()->name, QStringLiteral("Default"));
-    QVERIFY(Profile::find(QStringLiteral("Other")));
-    QVERIFY(!Profile::find(QStringLiteral("Nobody")));
+void TestProfile::findsItsProfiles()
+{
+    std::unique_ptr<Profile> made = global()->clone();
+    made->setFileName(QStringLiteral("other"));
+    made->name = QStringLiteral("Other");
+    QVERIFY(made->save());
+    home->writeProfile(QStringLiteral("note.txt"), "no profile");
+    home->restart();
+    QCOMPARE(home->profiles->count(), 2);
+    QCOMPARE(global()->name, QStringLiteral("Default"));
+    Profile *other = home->profiles->find(QStringLiteral("Other"));
+    QCOMPARE(home->profiles->indexOf(other), 1);
+    QVERIFY(!home->profiles->find(QStringLiteral("Nobody")) && !home->profiles->at(2));
 
-    // A run that ends without closing leaves its mark.
-    qDeleteAll(std::exchange(Profile::confList, {}));
-    QCOMPARE(loadProfiles(), LastRun::Aborted);
+    QVERIFY(home->profiles->remove(other));
+    QCOMPARE(home->profiles->count(), 1);
+    QVERIFY(home->profileBytes(QStringLiteral("other.cnf")).isEmpty());
+}
+
+void TestProfile::tellsACrashFromANeighbour()
+{
+    const auto lastRun = [this](bool inOrder) {
+        if (inOrder)
+            home->profiles->endInOrder();
+        home->profiles.reset();
+        home->profiles = std::make_unique<Profiles>(home->directories);
+        return home->profiles->lastRun();
+    };
+    QCOMPARE(lastRun(true), LastRun::EndedInOrder);
+    QCOMPARE(lastRun(false), LastRun::Aborted);
+
+    const QString marks = home->directories.profiles + QLatin1String("running");
+    auto neighbour = std::make_unique<RunningMark>(marks);
+    QCOMPARE(lastRun(false), LastRun::EndedInOrder);
+    QCOMPARE(lastRun(true), LastRun::EndedInOrder);
+    neighbour.reset(); // without an orderly end
+    QCOMPARE(lastRun(false), LastRun::Aborted);
+
+    home->writeProfile(QStringLiteral("running/1-x"), {}); // left by a process that is dead
+    QCOMPARE(lastRun(false), LastRun::Aborted);
+    QVERIFY(!QFile::exists(marks + QLatin1String("/1-x")));
+    QVERIFY(home->profiles->endInOrder());
+    QVERIFY(Profile(home->directories, QStringLiteral("Global.conf")).cleanExit);
 }
 
 QTEST_GUILESS_MAIN(TestProfile)

@@ -1,6 +1,5 @@
 #include "tests/desktop/Desktop.h"
 
-#include "config/Profile.h"
 #include "desktop/window/EventHandler.h"
 #include "desktop/window/ServerItem.h"
 
@@ -21,8 +20,8 @@ DesktopHome::DesktopHome()
     QCoreApplication::setOrganizationName(QStringLiteral("Tessaroy"));
     QCoreApplication::setApplicationName(QStringLiteral("Quillon"));
     QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, path("settings"));
-    Profile::FirstRun = false;
-    if (!setUpDirectories())
+    directories = Directories::ofProcess();
+    if (!directories.makeProfileFolder())
         qFatal("no configuration directory");
 }
 
@@ -49,7 +48,7 @@ Desktop::Desktop(const Prepare &prepare, int count)
 {
     for (int i = 1; i <= count; ++i)
         addresses.append(QStringLiteral("127.0.0.%1").arg(i));
-    Profile global(QStringLiteral("Global.conf"));
+    Profile global(home.directories, QStringLiteral("Global.conf"));
     global.port = freePort();
     global.warningMode = Qt::Unchecked;
     if (prepare)
@@ -69,7 +68,8 @@ void Desktop::open(const char *mode)
         }
         return entries;
     };
-    window = std::make_unique<MainWindow>(mode, fileRoutes(), source);
+    profiles = std::make_unique<Profiles>(home.directories);
+    window = std::make_unique<MainWindow>(profiles.get(), mode, fileRoutes(), source);
     window->show();
     QVERIFY(QTest::qWaitForWindowExposed(window.get()));
 }
@@ -78,6 +78,7 @@ void Desktop::close()
 {
     QVERIFY(window->close());
     window.reset();
+    profiles.reset();
 }
 
 QString Desktop::shared(int row) const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "config/Profiles.h"
 #include "desktop/window/MainWindow.h"
 
 #include <QList>
@@ -9,8 +10,6 @@
 
 #include <functional>
 #include <memory>
-
-class Profile;
 
 /// A home folder, resources and application settings of their own for one test. No profile is
 /// loaded yet: that is the window's.
@@ -26,6 +25,9 @@ public:
 private:
     QTemporaryDir dir;
     QByteArray realHome = qgetenv("HOME");
+
+public:
+    Directories directories;
 };
 
 /// A port that nothing listens on right now.
@@ -57,6 +59,7 @@ public:
 
     DesktopHome home;
     QStringList addresses; ///< of the device; `lookForChanges` takes changes in
+    std::unique_ptr<Profiles> profiles;
     std::unique_ptr<MainWindow> window;
 };
 

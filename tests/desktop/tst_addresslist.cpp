@@ -161,7 +161,7 @@ void tst_addresslist::addressComesAndGoes()
     QCOMPARE(desktop.item()->server()->port, port);
     QCOMPARE(desktop.shared(), desktop.home.path("share"));
     QCOMPARE(desktop.label(), localText);
-    QCOMPARE(Profile::global()->useCount, 1);
+    QCOMPARE(desktop.profiles->global()->useCount, 1);
 }
 
 void tst_addresslist::chosenWithoutNetwork()
@@ -243,7 +243,7 @@ void tst_addresslist::noAnswer()
 void tst_addresslist::noServiceConfigured()
 {
     Desktop desktop;
-    Profile *global = Profile::global();
+    Profile *global = desktop.profiles->global();
     const auto load = [&desktop] { desktop.list()->reachability()->loadPublic(); };
     load();
     QCOMPARE(desktop.status(), QStringLiteral("<center>No port check service configured</center>"));
@@ -478,7 +478,7 @@ void tst_addresslist::savedProfile()
     QFETCH(QString, used);
     Desktop desktop(inExpertMode(expert));
     desktop.close();
-    Profile work;
+    Profile work(desktop.home.directories);
     work.name = QStringLiteral("work");
     work.setFileName(work.name);
     QVERIFY(work.save());
@@ -497,7 +497,7 @@ void tst_addresslist::junkAtStart()
                          "len=999999999\n[0]\nport=-8\nfile=/no/such/<b>folder\n");
     QVERIFY(boxText([&] { desktop.open(); }).startsWith(QLatin1String("Invalid port\n")));
     QVERIFY(boxText([] {}).startsWith(QLatin1String("\"/no/such/<b>folder\" not exists!\n")));
-    QCOMPARE(int(desktop.item()->server()->port), int(Profile::global()->port));
+    QCOMPARE(int(desktop.item()->server()->port), int(desktop.profiles->global()->port));
     QCOMPARE(desktop.shared(), desktop.home.path());
     QCOMPARE(desktop.list()->getServerCount(), 1);
 }
@@ -521,7 +521,7 @@ void tst_addresslist::editedPort()
     const int before = desktop.item()->server()->port;
     if (running)
         desktop.item()->start();
-    const std::unique_ptr<Profile> copy(Profile::global()->clone());
+    const std::unique_ptr<Profile> copy(desktop.profiles->global()->clone());
     copy->port = freePort();
     desktop.list()->profileEdited(copy.get());
 
@@ -529,18 +529,17 @@ void tst_addresslist::editedPort()
     QCOMPARE(desktop.item()->isListening(), running);
     if (running)
         QVERIFY(RawClient(desktop.item()->server()->port).isOpen());
-    QVERIFY(Profile::global()->equals(copy.get()));
-    QVERIFY(Profile(QStringLiteral("Global.conf")).equals(copy.get()));
+    QVERIFY(desktop.profiles->global()->equals(copy.get()));
+    QVERIFY(Profile(desktop.home.directories, QStringLiteral("Global.conf")).equals(copy.get()));
 }
 
 void tst_addresslist::editedProfileReachesItsRows()
 {
     Desktop desktop(inExpertMode(), 2);
-    Profile *global = Profile::global();
-    auto *work = global->clone();
+    Profile *global = desktop.profiles->global();
+    Profile *work = desktop.profiles->add(global->clone());
     work->name = QStringLiteral("work");
     work->setFileName(work->name);
-    Profile::confList.append(work);
     desktop.item(1)->useProfile(work);
     QCOMPARE(global->useCount, 1);
     QCOMPARE(work->useCount, 1);

@@ -22,13 +22,18 @@ namespace {
 
 struct Receiver : Configurable
 {
+    explicit Receiver(Profile *profile)
+        : live(profile)
+    {
+    }
+
     void profileEdited(Profile *edited) override
     {
         ++calls;
         live->apply(edited);
     }
 
-    Profile *live = Profile::global();
+    Profile *live;
     int calls = 0;
 };
 
@@ -104,6 +109,7 @@ private:
 
     std::unique_ptr<TestHome> home;
     Profile *global = nullptr;
+    bool rootMode = false;
     std::unique_ptr<Receiver> receiver;
     std::unique_ptr<SettingsDialog> dialog;
 };
@@ -111,32 +117,33 @@ private:
 void tst_Dialogs::init()
 {
     home = std::make_unique<TestHome>();
-    global = Profile::global();
+    global = home->profiles->global();
     global->expertMode = true;
-    receiver = std::make_unique<Receiver>();
+    receiver = std::make_unique<Receiver>(global);
 }
 
 void tst_Dialogs::cleanup()
 {
     dialog.reset();
-    Profile::RootMode = false;
+    rootMode = false;
     home.reset();
 }
 
 Profile *tst_Dialogs::addProfile(const QString &name)
 {
-    Profile *profile = global->clone();
+    Profile *profile = home->profiles->add(global->clone());
     profile->setFileName(name);
     profile->name = name;
     profile->save();
-    Profile::confList.append(profile);
     return profile;
 }
 
 void tst_Dialogs::open(int page)
 {
     dialog.reset();
-    dialog = std::make_unique<SettingsDialog>(receiver->live, receiver.get(), nullptr, page);
+    dialog = std::make_unique<SettingsDialog>(receiver->live,
+                                              SettingsScope{ receiver->live == global, rootMode },
+                                              receiver.get(), nullptr, page);
     dialog->show();
     QVERIFY(QTest::qWaitForWindowActive(dialog.get()));
 }
@@ -292,14 +299,13 @@ void tst_Dialogs::textsEditTheirFields()
 
 void tst_Dialogs::sslSwitchSetsThePortInRootMode()
 {
-    Profile::RootMode = true;
+    rootMode = true;
     open(2);
     const auto *port = named<QSpinBox>(page(), "Port [1 - 65535]:");
-    for (int expected : { 443, 80, 80 }) {
+    for (int expected : { 443, 80 }) {
         click(page(), "SSL/Secure Mode");
         QCOMPARE(port->value(), expected);
         QCOMPARE(SettingsPage::conf->port, expected);
-        Profile::RootMode = expected == 443; // the third time it is off
     }
 }
 
@@ -342,10 +348,11 @@ void tst_Dialogs::browsesForKeys()
     QCOMPARE(SettingsPage::conf->publicKeyFile, file.fileName());
 
     click(page(), "Restore default keys");
-    const QString key = Profile::ResDir + QLatin1String("server.key");
+    const QString key = home->directories.resources + QLatin1String("server.key");
     QCOMPARE(named<QLineEdit>(page(), "Private key:")->text(), key);
     QCOMPARE(SettingsPage::conf->privateKeyFile, key);
-    QCOMPARE(SettingsPage::conf->publicKeyFile, Profile::ResDir + QLatin1String("server.crt"));
+    QCOMPARE(SettingsPage::conf->publicKeyFile,
+             home->directories.resources + QLatin1String("server.crt"));
     QCOMPARE(SettingsPage::conf->keyPassword, QString());
 }
 
@@ -426,7 +433,7 @@ void tst_Dialogs::savesHoweverItIsClosed()
         QVERIFY(!dialog->isVisible());
         QVERIFY(!SettingsPage::conf);
         QCOMPARE(receiver->calls, 0);
-        const Profile stored(QStringLiteral("Global.conf"));
+        const Profile stored(home->directories, QStringLiteral("Global.conf"));
         QVERIFY(stored.equals(global));
         QCOMPARE(stored.showImages, 2);
         QCOMPARE(global->lastPage, 2);
@@ -442,18 +449,18 @@ void tst_Dialogs::saysWhenItCantSave()
     QCOMPARE(global->showImages, 0);
     QVERIFY(!canApply());
 
-    QVERIFY(QDir(Profile::ConfigDir).removeRecursively());
+    QVERIFY(QDir(home->directories.profiles).removeRecursively());
     const QString text = boxText([this] { click(dialog.get(), "&Close"); });
     QVERIFY2(text.startsWith(QLatin1String("Can't write file: ") + global->fileName()),
              qPrintable(text));
     QVERIFY(!dialog->isVisible());
-    QVERIFY(QDir().mkpath(Profile::ConfigDir));
+    QVERIFY(QDir().mkpath(home->directories.profiles));
 }
 
 void tst_Dialogs::opensOnlyOnce()
 {
     const auto edit = [this](int page) {
-        SettingsDialog::edit(global, receiver.get(), nullptr, page);
+        SettingsDialog::edit(global, { true, false }, receiver.get(), nullptr, page);
     };
     inModal<SettingsDialog>([&] { edit(1); },
                             [&](SettingsDialog *first) {
@@ -482,7 +489,7 @@ void tst_Dialogs::showsHelp()
          { "folder", "auth", "port privkey passwd pubkey", "dns", "connections limit lifetime" }) {
         open(row++);
         for (const QString &name : words(names)) {
-            path = Profile::LangPath + QStringLiteral("help/%1.html").arg(name);
+            path = home->directories.language + QStringLiteral("help/%1.html").arg(name);
             QCOMPARE(helpOf(name), QLatin1String("HelpCan't read file: ") + path);
         }
     }
@@ -498,16 +505,18 @@ void tst_Dialogs::makesAndTakesProfiles()
 {
     global->users = words("anna:x");
     addProfile(QStringLiteral("taken"));
-    QFile broken(Profile::ConfigDir + QLatin1String("broken.cnf"));
+    QFile broken(home->directories.profiles + QLatin1String("broken.cnf"));
     QVERIFY(broken.open(QIODevice::WriteOnly));
     for (const char *name : { "../evil", "a/b", "..", ".work", "  ", "a\nb", "taken", "Default",
                               "broken" /* a file that is no profile */ })
-        QVERIFY2(!ProfileDialog::refusal(QString::fromLatin1(name)).isEmpty(), name);
-    QVERIFY(!ProfileDialog::refusal(QString(201, QLatin1Char('x'))).isEmpty());
-    QVERIFY(!ProfileDialog::refusal(QString(101, QChar(0xe4))).isEmpty()); // too many bytes
+        QVERIFY2(!ProfileDialog::refusal(*home->profiles, QString::fromLatin1(name)).isEmpty(),
+                 name);
+    QVERIFY(!ProfileDialog::refusal(*home->profiles, QString(201, QLatin1Char('x'))).isEmpty());
+    QVERIFY(!ProfileDialog::refusal(*home->profiles, QString(101, QChar(0xe4)))
+                 .isEmpty()); // too many bytes
 
     Item item(global);
-    ProfileDialog chooser(&item, nullptr);
+    ProfileDialog chooser(home->profiles.get(), &item, nullptr);
     chooser.show();
     QCOMPARE(chooser.windowTitle(), QStringLiteral("Change Profile"));
     const auto *list = chooser.findChild<QComboBox *>();
@@ -516,12 +525,12 @@ void tst_Dialogs::makesAndTakesProfiles()
     answer(create, "");
     QVERIFY(!boxText([&] { answer(create, "../evil"); }).isEmpty());
     QVERIFY(!QFile::exists(home->path() + QLatin1String("/evil.cnf")));
-    QCOMPARE(Profile::confList.size(), 2);
+    QCOMPARE(home->profiles->count(), 2);
 
     answer(create, "work 1");
     QCOMPARE(list->currentText(), QStringLiteral("work 1"));
-    Profile *made = Profile::confList.last();
-    const Profile stored(QFileInfo(made->fileName()).fileName());
+    Profile *made = home->profiles->at(2);
+    const Profile stored(home->directories, QFileInfo(made->fileName()).fileName());
     QVERIFY(stored.equals(made));
     QCOMPARE(stored.users, global->users);
     QCOMPARE(item.used, global);
@@ -535,7 +544,7 @@ void tst_Dialogs::removesOnlyUnusedProfiles()
     const QString file = work->fileName();
     Item item(work);
     work->useCount = 1;
-    ProfileDialog chooser(&item, nullptr);
+    ProfileDialog chooser(home->profiles.get(), &item, nullptr);
     chooser.show();
     auto *list = chooser.findChild<QComboBox *>();
     const auto remove = [&chooser] { click(&chooser, "Remove profile"); };
@@ -549,17 +558,17 @@ void tst_Dialogs::removesOnlyUnusedProfiles()
     work->useCount = 0;
     QVERIFY(QFile::remove(file));
     remove();
-    QCOMPARE(Profile::confList.size(), 2);
+    QCOMPARE(home->profiles->count(), 2);
     work->save();
     remove();
     QVERIFY(!QFile::exists(file));
-    QCOMPARE(Profile::confList, QList<Profile *>{ global });
+    QCOMPARE(home->profiles->count(), 1);
 }
 
 void tst_Dialogs::givesUpWithItsItem()
 {
     auto item = std::make_unique<Item>(global);
-    ProfileDialog chooser(item.get(), nullptr);
+    ProfileDialog chooser(home->profiles.get(), item.get(), nullptr);
     inModal<ProfileDialog>([&] { QCOMPARE(chooser.exec(), int(QDialog::Rejected)); },
                            [&](ProfileDialog *) { item.reset(); });
 }
@@ -582,7 +591,7 @@ void tst_Dialogs::fitsSmallScreens()
     }
     dialog->close();
     Item item(global);
-    ProfileDialog chooser(&item, nullptr);
+    ProfileDialog chooser(home->profiles.get(), &item, nullptr);
     look(&chooser, QStringLiteral("profile"));
     UserDialog user(nullptr);
     look(&user, QStringLiteral("user"));

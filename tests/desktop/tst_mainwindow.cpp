@@ -78,7 +78,7 @@ void tst_mainwindow::sharedContent()
              QLatin1Char('"') + desktop.home.path("share/<b>") + QLatin1String("\" not exists!"));
     QCOMPARE(link->linkText(), desktop.home.path("share/a.txt"));
     QCOMPARE(desktop.shared(), desktop.home.path("share/a.txt"));
-    QCOMPARE(Profile::global()->recentFiles.size(), 2);
+    QCOMPARE(desktop.profiles->global()->recentFiles.size(), 2);
 }
 
 void tst_mainwindow::recentFiles()
@@ -102,7 +102,7 @@ void tst_mainwindow::recentFiles()
              QStringLiteral("file-4.txt file-3.txt file-2.txt file-1.txt"));
     second->trigger();
     QCOMPARE(desktop.shared(), desktop.home.path("file-2.txt"));
-    QCOMPARE(Profile::global()->recentFiles.constFirst(), desktop.shared());
+    QCOMPARE(desktop.profiles->global()->recentFiles.constFirst(), desktop.shared());
 }
 
 void tst_mainwindow::everythingIsThereAgain()
@@ -113,12 +113,11 @@ void tst_mainwindow::everythingIsThereAgain()
     desktop.item()->setPort(7010);
     action(desktop, "expertMode")->trigger();
     desktop.close();
-    QVERIFY(Profile::confList.isEmpty());
     desktop.open();
     QVERIFY(action(desktop, "expertMode")->isChecked());
     QCOMPARE(desktop.shared(), desktop.home.path("share"));
     QCOMPARE(desktop.item()->text(), QStringLiteral("127.0.0.1:7010"));
-    QCOMPARE(Profile::global()->recentFiles, QStringList{ desktop.shared() });
+    QCOMPARE(desktop.profiles->global()->recentFiles, QStringList{ desktop.shared() });
 }
 
 void tst_mainwindow::closeIsAskedFor()
@@ -158,9 +157,10 @@ void tst_mainwindow::endings()
     if (inOrder)
         desktop.close();
     desktop.window.reset();
+    desktop.profiles.reset();
     for (const char *name : { "a.jpg.x", ".b.jpg.x", "normal/other.png" })
         desktop.home.addFile(QByteArray(".thumbnails/") + name);
-    QCOMPARE(Profile(QStringLiteral("Global.conf")).cleanExit, inOrder);
+    QCOMPARE(Profile(desktop.home.directories, QStringLiteral("Global.conf")).cleanExit, inOrder);
     desktop.open();
     QCOMPARE(QFile::exists(desktop.home.path(".thumbnails/a.jpg.x")), inOrder);
     QCOMPARE(QFile::exists(desktop.home.path(".thumbnails/.b.jpg.x")), inOrder);
@@ -184,7 +184,7 @@ void tst_mainwindow::expertMode()
     Desktop desktop([](Profile &global) { global.warningMode = Qt::Checked; });
     const auto *table = desktop.list()->table();
     const auto looksExpert = [&] {
-        return QVector<bool>{ Profile::global()->expertMode,
+        return QVector<bool>{ desktop.profiles->global()->expertMode,
                               action(desktop, "expertMode")->isChecked(),
                               action(desktop, "reloadPublic")->isVisible(),
                               action(desktop, "reloadLocal")->isVisible(),
@@ -208,11 +208,10 @@ void tst_mainwindow::rootMode_data()
 {
     QTest::addColumn<QByteArray>("mode");
     QTest::addColumn<int>("warnings");
-    QTest::addColumn<bool>("root");
     QTest::addColumn<bool>("warned");
-    QTest::newRow("root") << QByteArray("root") << 2 << true << true;
-    QTest::newRow("root without warnings") << QByteArray("root") << 0 << true << false;
-    QTest::newRow("something like it") << QByteArray("roots") << 2 << false << false;
+    QTest::newRow("root") << QByteArray("root") << 2 << true;
+    QTest::newRow("root without warnings") << QByteArray("root") << 0 << false;
+    QTest::newRow("something like it") << QByteArray("roots") << 2 << false;
 }
 
 void tst_mainwindow::rootMode()
@@ -229,9 +228,7 @@ void tst_mainwindow::rootMode()
                                 "Use this mode only if you want to use port 1 - 1024!"));
     else
         open();
-    QTEST(Profile::RootMode, "root");
     QVERIFY(!openBox());
-    Profile::RootMode = false;
 }
 
 void tst_mainwindow::helpAndAbout()
@@ -355,7 +352,8 @@ void tst_mainwindow::servicesWaitForTheWindow()
     StandIn service;
     service.answer("{}");
     QSettings().setValue(QStringLiteral("services/portCheck"), service.base());
-    MainWindow window(nullptr, fileRoutes(), [] {
+    desktop.profiles = std::make_unique<Profiles>(desktop.home.directories);
+    MainWindow window(desktop.profiles.get(), nullptr, fileRoutes(), [] {
         QNetworkAddressEntry entry;
         entry.setIp(QHostAddress(QHostAddress::LocalHost));
         return QList<QNetworkAddressEntry>{ entry };

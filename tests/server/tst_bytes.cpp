@@ -233,7 +233,7 @@ void TestBytes::entersAHandedOutSessionWhenItsNumberComesBack()
 void TestBytes::expiresIdleSessions()
 {
     const TestHome home;
-    Profile profile;
+    Profile profile{ Directories{} };
     profile.sessionLifetime = 60;
     SessionTable clients;
     clients.profileEdited(&profile);

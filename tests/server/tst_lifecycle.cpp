@@ -315,7 +315,7 @@ void TestLifecycle::survivesBrokenConnections()
 
 void TestLifecycle::movesProfilesAndTheirUseCounts()
 {
-    Profile other;
+    Profile other(live->home.directories);
     other.dataLimit = 2000000000;
     QCOMPARE(live->profile->useCount, 1);
     live->server->setProfile(&other);

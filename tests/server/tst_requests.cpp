@@ -202,7 +202,7 @@ void TestRequests::sendsPartsOfAFile()
 
 void TestRequests::servesTheIconWhileThumbnailsAreOn()
 {
-    QFile icon(QString::fromUtf8(Profile::IconDir) + QLatin1String("n900.ico"));
+    QFile icon(live->home.directories.icons + QLatin1String("n900.ico"));
     QVERIFY(icon.open(QIODevice::WriteOnly));
     icon.write("ICON");
     icon.close();
@@ -366,7 +366,7 @@ void TestRequests::ignoresAFieldThatWasCutOff()
 
 void TestRequests::showsTheLoginPageUntilThePasswordFits()
 {
-    QFile page(Profile::LangPath + QLatin1String("login.html"));
+    QFile page(live->home.directories.language + QLatin1String("login.html"));
     QVERIFY(page.open(QIODevice::WriteOnly));
     page.write("LOGIN");
     page.close();

@@ -17,24 +17,45 @@ TestHome::TestHome()
     QDir().mkpath(resources + QLatin1String("/img"));
     QDir().mkpath(resources + QLatin1String("/lang/C"));
     qputenv("QUILLON_RESDIR", resources.toUtf8());
-    if (!setUpDirectories())
-        qFatal("no configuration directory");
-    loadProfiles();
+    directories = Directories::ofProcess();
+    if (!directories.makeProfileFolder())
+        qFatal("no folder for profiles");
+    profiles = std::make_unique<Profiles>(directories);
 }
 
 TestHome::~TestHome()
 {
-    closeProfiles();
     qputenv("HOME", realHome);
 }
 
+void TestHome::restart()
+{
+    profiles->endInOrder();
+    profiles.reset(); // one process holds one mark
+    profiles = std::make_unique<Profiles>(directories);
+}
+
+QByteArray TestHome::profileBytes(const QString &fileName) const
+{
+    QFile file(directories.profiles + fileName);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void TestHome::writeProfile(const QString &fileName, const QByteArray &bytes) const
+{
+    QFile file(directories.profiles + fileName);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QCOMPARE(file.write(bytes), qint64(bytes.size()));
+}
+
 LiveServer::LiveServer(Routes rows)
-    : profile(Profile::global())
+    : profile(home.profiles->global())
 {
     QNetworkAddressEntry loopback;
     loopback.setIp(QHostAddress(QHostAddress::LocalHost));
     server = std::make_unique<WebServer>(
-        loopback, std::make_shared<ServerSetup>(ServerSetup{ std::move(rows), &sink }));
+        loopback, profile,
+        std::make_shared<ServerSetup>(ServerSetup{ std::move(rows), &sink, home.directories }));
     server->setShared(share.path());
 }
 

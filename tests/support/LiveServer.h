@@ -1,6 +1,6 @@
 #pragma once
 
-#include "config/Profile.h"
+#include "config/Profiles.h"
 #include "server/Routes.h"
 #include "server/StatusSink.h"
 #include "server/WebServer.h"
@@ -23,9 +23,20 @@ public:
 
     QString path() const { return dir.path(); }
 
+    /// Ends the run in order and begins the next one.
+    void restart();
+
+    /// The bytes of a file in the folder of the profiles, and what it is made to hold.
+    QByteArray profileBytes(const QString &fileName) const;
+    void writeProfile(const QString &fileName, const QByteArray &bytes) const;
+
 private:
     QTemporaryDir dir;
     QByteArray realHome;
+
+public:
+    Directories directories;
+    std::unique_ptr<Profiles> profiles;
 };
 
 /// Remembers what the server core reports.

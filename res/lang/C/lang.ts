@@ -500,6 +500,14 @@
         <source>All (*.*)</source>
         <translation>All (*.*)</translation>
     </message>
+    <message>
+        <source>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</source>
+        <translation>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</translation>
+    </message>
+    <message>
+        <source>Invalid port</source>
+        <translation>Invalid port</translation>
+    </message>
 </context>
 <context>
     <name>OkCancelButtons</name>
@@ -675,6 +683,10 @@
     <message>
         <source>Invalid port</source>
         <translation>Invalid port</translation>
+    </message>
+    <message>
+        <source>The profile can&apos;t be used until its settings are saved</source>
+        <translation>The profile can&apos;t be used until its settings are saved</translation>
     </message>
 </context>
 <context>

@@ -500,6 +500,14 @@
         <source>All (*.*)</source>
         <translation>Alle (*.*)</translation>
     </message>
+    <message>
+        <source>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</source>
+        <translation>Ein Profil ist beschädigt oder nicht lesbar. Es wird erst benutzt, wenn seine Einstellungen gespeichert sind; die Datei bleibt dann erhalten als %1</translation>
+    </message>
+    <message>
+        <source>Invalid port</source>
+        <translation>Ungültiger Port</translation>
+    </message>
 </context>
 <context>
     <name>OkCancelButtons</name>
@@ -675,6 +683,10 @@
     <message>
         <source>Invalid port</source>
         <translation>Ungültiger Port</translation>
+    </message>
+    <message>
+        <source>The profile can&apos;t be used until its settings are saved</source>
+        <translation>Das Profil kann erst benutzt werden, wenn seine Einstellungen gespeichert sind</translation>
     </message>
 </context>
 <context>

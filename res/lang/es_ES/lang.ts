@@ -500,6 +500,14 @@
         <source>All (*.*)</source>
         <translation>Todos (*.*)</translation>
     </message>
+    <message>
+        <source>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</source>
+        <translation>Un perfil está dañado o no se puede leer. No se usará hasta que se guarden sus ajustes; el archivo se conserva entonces como %1</translation>
+    </message>
+    <message>
+        <source>Invalid port</source>
+        <translation>Puerto no válido</translation>
+    </message>
 </context>
 <context>
     <name>OkCancelButtons</name>
@@ -675,6 +683,10 @@
     <message>
         <source>Invalid port</source>
         <translation>Puerto no válido</translation>
+    </message>
+    <message>
+        <source>The profile can&apos;t be used until its settings are saved</source>
+        <translation>El perfil no se puede usar hasta que se guarden sus ajustes</translation>
     </message>
 </context>
 <context>

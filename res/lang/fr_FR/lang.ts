@@ -500,6 +500,14 @@
         <source>All (*.*)</source>
         <translation>Tous (*.*)</translation>
     </message>
+    <message>
+        <source>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</source>
+        <translation>Un profil est endommagé ou illisible. Il ne servira pas tant que ses réglages ne sont pas enregistrés&#xa0;; le fichier est alors conservé sous %1</translation>
+    </message>
+    <message>
+        <source>Invalid port</source>
+        <translation>Port non valide</translation>
+    </message>
 </context>
 <context>
     <name>OkCancelButtons</name>
@@ -675,6 +683,10 @@
     <message>
         <source>Invalid port</source>
         <translation>Port non valide</translation>
+    </message>
+    <message>
+        <source>The profile can&apos;t be used until its settings are saved</source>
+        <translation>Le profil ne peut pas servir tant que ses réglages ne sont pas enregistrés</translation>
     </message>
 </context>
 <context>

@@ -181,7 +181,9 @@ void TestPropFind::addressOfHrefs()
 {
     QNetworkAddressEntry entry;
     entry.setIp(QHostAddress::Any);
-    WebServer server(entry, std::make_shared<ServerSetup>(ServerSetup{ davRoutes(), &live->sink }));
+    WebServer server(entry, live->profile,
+                     std::make_shared<ServerSetup>(
+                         ServerSetup{ davRoutes(), &live->sink, live->home.directories }));
     server.setShared(live->sharePath());
     server.port = 0;
     QVERIFY(server.start());

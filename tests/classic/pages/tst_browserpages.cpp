@@ -537,7 +537,7 @@ void TestBrowserPages::specialFolders()
 {
     add("_i/mine", "mine");
     add("sub/_i/mine", "mine");
-    QFile icon(QString::fromUtf8(Profile::IconDir) + QLatin1String("a b.png"));
+    QFile icon(live->home.directories.icons + QLatin1String("a b.png"));
     QVERIFY(icon.open(QIODevice::WriteOnly | QIODevice::Unbuffered));
     icon.write("icon");
 

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+/// Where a process finds its files. Made once in `main` and handed down; every folder ends with a
+/// slash.
+struct Directories
+{
+    QString profiles; ///< of the user: "~/.quillon/"
+    QString resources; ///< installed; the key and certificate of a new profile lie here
+    QString icons;
+    QString language; ///< login page and help in the user's language
+
+    /// The folders of this process. The resources lie in the folder that the environment variable
+    /// QUILLON_RESDIR names, else in "/opt/quillon/". Nothing is made on disk.
+    static Directories ofProcess();
+
+    /// Makes the folder of the profiles; false when that fails.
+    bool makeProfileFolder() const;
+};
