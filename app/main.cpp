@@ -1,4 +1,6 @@
 #include "app/AllRoutes.h"
+#include "app/Process.h"
+#include "app/WorkingFolder.h"
 #include "config/Profiles.h"
 #include "desktop/look/StartUp.h"
 #include "desktop/window/EventHandler.h"
@@ -9,6 +11,7 @@
 int main(int argc, char **argv)
 {
     useUtf8Names();
+    prepareProcess();
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
@@ -22,6 +25,7 @@ int main(int argc, char **argv)
     applyStoredLook();
     const Directories directories = Directories::ofProcess();
     const bool hasFolder = directories.makeProfileFolder();
+    const WorkingFolder workingFolder;
     installTranslators(&app, directories.language);
 
     Profiles profiles(directories);
@@ -29,6 +33,9 @@ int main(int argc, char **argv)
     if (!hasFolder)
         EventHandler::eventHandler->msg(MainWindow::tr("Can't make the folder"),
                                         directories.profiles);
+    if (!workingFolder.isEntered())
+        EventHandler::eventHandler->msg(MainWindow::tr("Can't make the folder"),
+                                        WorkingFolder::usualPlace());
     window.show();
     return QApplication::exec();
 }

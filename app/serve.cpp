@@ -1,9 +1,11 @@
 #include "app/AllRoutes.h"
 #include "app/Console.h"
-#include "app/HostPart.h"
+#include "app/Process.h"
+#include "app/WorkingFolder.h"
 #include "classic/pages/BrowserPages.h"
 #include "config/Profiles.h"
 #include "server/Routes.h"
+#include "server/Url.h"
 #include "server/WebServer.h"
 
 #include <QCommandLineParser>
@@ -15,13 +17,9 @@
 #include <memory>
 #include <optional>
 
-#include <sys/resource.h>
-
 namespace {
 
 enum ExitStatus { Done = 0, Failed = 1, WrongUsage = 2 };
-
-constexpr rlim_t wantedDescriptors = 16384;
 
 struct Options
 {
@@ -29,7 +27,7 @@ struct Options
     std::optional<quint16> port; ///< absent: the profile's
     QString profile; ///< empty: the global one
     bool defaultProfile = false; ///< none of the stored ones
-    QString path;
+    QString path; ///< as given
 };
 
 /// Not translated: scripts read these lines.
@@ -38,14 +36,14 @@ QString text(const char *english)
     return QString::fromLatin1(english);
 }
 
-int usageError(const QString &problem)
+int usageError(Console *console, const QString &problem)
 {
-    Console::error(problem + QLatin1Char('\n') + text("Try --help."));
+    console->error(problem + QLatin1Char('\n') + text("Try --help."));
     return WrongUsage;
 }
 
 /// Reads the command line. When the program is to end at once, `status` holds its exit status.
-std::optional<Options> readOptions(int &status)
+std::optional<Options> readOptions(Console *console, int &status)
 {
     QCommandLineParser parser;
     parser.setApplicationDescription(
@@ -68,16 +66,16 @@ std::optional<Options> readOptions(int &status)
     status = Done;
     const bool parsed = parser.parse(QCoreApplication::arguments());
     if (parser.isSet(help)) {
-        Console::print(parser.helpText());
+        console->print(parser.helpText());
         return {};
     }
     if (parser.isSet(version)) {
-        Console::print(QCoreApplication::applicationName() + QLatin1Char(' ')
+        console->print(QCoreApplication::applicationName() + QLatin1Char(' ')
                        + QCoreApplication::applicationVersion());
         return {};
     }
-    const auto wrong = [&status](const QString &problem) {
-        status = usageError(problem);
+    const auto wrong = [console, &status](const QString &problem) {
+        status = usageError(console, problem);
         return std::nullopt;
     };
     if (!parsed)
@@ -134,91 +132,81 @@ QList<QHostAddress> reachableAt(const QHostAddress &listening)
     return addresses;
 }
 
-void announce(const WebServer &server, const QString &path)
+void announce(Console *console, const WebServer &server, const QString &path)
 {
-    const QString scheme = server.isTlsReady() ? QStringLiteral("https") : QStringLiteral("http");
     const QList<QHostAddress> addresses = reachableAt(server.ip());
     for (const QHostAddress &address : addresses) {
-        Console::print(text("Serving %1 at %2://%3:%4/")
-                           .arg(path, scheme, hostPart(address), QString::number(server.port)));
+        console->print(text("Serving %1 at %2/")
+                           .arg(path, serverUrl(server.isTlsReady(), address, server.port)));
     }
 }
 
-void reportLimit(const WebServer &server)
+void reportLimit(Console *console, const WebServer &server)
 {
-    Console::error(
+    console->error(
         text("The traffic limit of %1 bytes is reached: sent %2 bytes, received %3 bytes.")
             .arg(server.dataLimitBytes())
             .arg(server.sentBytes())
             .arg(server.receivedBytes()));
 }
 
-/// A crowd of clients needs more than the usual 1024.
-void raiseDescriptorLimit()
-{
-    rlimit limit = {};
-    if (getrlimit(RLIMIT_NOFILE, &limit) != 0)
-        return;
-    limit.rlim_cur = std::max(limit.rlim_cur, std::min(limit.rlim_max, wantedDescriptors));
-    setrlimit(RLIMIT_NOFILE, &limit);
-}
-
 /// The stored profile to serve with; null, and the user knows why, when there is none.
-Profile *storedProfile(const Options &options, const Profiles &profiles)
+Profile *storedProfile(Console *console, const Options &options, const Profiles &profiles)
 {
     Profile *profile =
         options.profile.isEmpty() ? profiles.global() : profiles.find(options.profile);
     if (!profile) {
-        Console::error(text("There is no profile of this name: %1").arg(options.profile));
+        console->error(text("There is no profile of this name: %1").arg(options.profile));
         return nullptr;
     }
     if (!profile->isUsable()) {
-        Console::error(text("The profile is damaged or can't be read: %1 (restore the file, or use "
+        console->error(text("The profile is damaged or can't be read: %1 (restore the file, or use "
                             "--default-profile to serve with the default values)")
                            .arg(profile->fileName()));
         return nullptr;
     }
     if (profile->refusedPort()) {
-        Console::error(text("The profile's port %1 is none; %2 is used.")
+        console->error(text("The profile's port %1 is none; %2 is used.")
                            .arg(*profile->refusedPort())
                            .arg(profile->port));
     }
     return profile;
 }
 
-/// Serves until a signal or the traffic limit ends it.
-int serve(const Options &options, const Profiles &profiles)
+/// Serves the file or folder `path` until a signal or the traffic limit ends it.
+int serve(Console *console, const Options &options, const QString &path, const Profiles &profiles)
 {
     Profile defaults(profiles.directories());
-    Profile *profile = options.defaultProfile ? &defaults : storedProfile(options, profiles);
+    Profile *profile =
+        options.defaultProfile ? &defaults : storedProfile(console, options, profiles);
     if (!profile)
         return Failed;
 
-    ConsoleSink sink;
+    ConsoleSink sink(console);
     QNetworkAddressEntry entry;
     entry.setIp(options.address);
     const auto setup =
         std::make_shared<ServerSetup>(ServerSetup{ allRoutes(), &sink, profiles.directories() });
     WebServer server(entry, profile, setup);
-    server.setShared(options.path);
+    server.setShared(path);
     server.port = options.port.value_or(quint16(profile->port));
     if (profile->usesTls() && !server.isTlsReady()) {
-        Console::error(
+        console->error(
             text("The profile asks for TLS, but its key and certificate can't be used."));
         return Failed;
     }
     if (!server.start()) {
-        Console::error(text("Can't listen on %1:%2: %3")
+        console->error(text("Can't listen on %1:%2: %3")
                            .arg(hostPart(options.address), QString::number(server.port),
                                 server.errorString()));
         return Failed;
     }
-    QObject::connect(&server, &WebServer::dataLimit, &server, [](WebServer *reached) {
+    QObject::connect(&server, &WebServer::dataLimit, &server, [console](WebServer *reached) {
         reached->stopAll();
-        reportLimit(*reached);
+        reportLimit(console, *reached);
         QCoreApplication::exit(Done);
     });
-    announce(server, options.path);
+    announce(console, server, options.path);
     return QCoreApplication::exec();
 }
 
@@ -227,33 +215,41 @@ int serve(const Options &options, const Profiles &profiles)
 int main(int argc, char **argv)
 {
     useUtf8Names();
+    prepareProcess();
     const EndSignals endSignals;
     QCoreApplication app(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("quillon-serve"));
     QCoreApplication::setApplicationVersion(QStringLiteral(QUILLON_VERSION));
 
+    Console console;
     int status = Done;
-    const std::optional<Options> options = readOptions(status);
+    const std::optional<Options> options = readOptions(&console, status);
     if (!options)
         return status;
     if (const QString problem = problemWith(options->path); !problem.isEmpty()) {
-        Console::error(problem);
+        console.error(problem);
         return Failed;
     }
     const Directories directories = Directories::ofProcess();
     if (!directories.makeProfileFolder()) {
-        Console::error(text("Can't make the folder %1").arg(directories.profiles));
+        console.error(text("Can't make the folder %1").arg(directories.profiles));
+        return Failed;
+    }
+
+    const QString shared = QFileInfo(options->path).absoluteFilePath();
+    const WorkingFolder workingFolder;
+    if (!workingFolder.isEntered()) {
+        console.error(text("Can't make the folder %1").arg(WorkingFolder::usualPlace()));
         return Failed;
     }
 
     endSignals.quitOnFirst(&app);
-    raiseDescriptorLimit();
     Profiles profiles(directories);
     if (profiles.lastRun() == LastRun::Aborted)
         HTML_Element_Manager::removeLeftFiles();
-    status = serve(*options, profiles);
+    status = serve(&console, *options, shared, profiles);
     BrowserPages::previews.clear();
     if (!profiles.endInOrder())
-        Console::error(text("The profile could not be saved in %1").arg(directories.profiles));
+        console.error(text("The profile could not be saved in %1").arg(directories.profiles));
     return status;
 }

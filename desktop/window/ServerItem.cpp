@@ -1,9 +1,9 @@
 #include "desktop/window/ServerItem.h"
 
-#include "app/HostPart.h"
 #include "config/Profiles.h"
 #include "desktop/window/AddressList.h"
 #include "desktop/window/EventHandler.h"
+#include "server/Url.h"
 
 #include <QDir>
 
@@ -17,8 +17,6 @@ QIcon ServerItem::stopIcon;
 namespace {
 
 constexpr qint64 bytesPerShownKB = 1000;
-constexpr int httpPort = 80;
-constexpr int httpsPort = 443;
 
 std::unique_ptr<QTableWidgetItem> makeCell()
 {
@@ -37,14 +35,6 @@ void reportMissing(const QString &path, const QString &advice)
 QString missingText(const QString &path)
 {
     return QLatin1Char('"') + path + QLatin1String("\" ") + ServerItem::tr("not exists!");
-}
-
-QString serverUrl(bool tls, const QHostAddress &address, int port)
-{
-    const QString url =
-        (tls ? QLatin1String("https://") : QLatin1String("http://")) + hostPart(address);
-    const bool schemesOwn = port == (tls ? httpsPort : httpPort);
-    return schemesOwn ? url : url + QLatin1Char(':') + QString::number(port);
 }
 
 ServerItem::ServerItem(Profiles *choice, const QNetworkAddressEntry &address,
@@ -143,7 +133,7 @@ void ServerItem::setShared(const QString &path)
 
 QString ServerItem::getUrl() const
 {
-    return serverUrl(profile()->usesTls(), address(), m_server->port);
+    return shortServerUrl(profile()->usesTls(), address(), m_server->port);
 }
 
 void ServerItem::useProfile(Profile *profile)

@@ -17,9 +17,6 @@ class Profiles;
 /// What to say of content that is gone.
 QString missingText(const QString &path);
 
-/// Where a browser finds a server: IPv6 addresses in brackets, the scheme's own port left out.
-QString serverUrl(bool tls, const QHostAddress &address, int port);
-
 /// One row of the address table: an address with its own server. It is the row's first cell and
 /// owns the other two. The address list makes it, puts it into its table and lets it go.
 class ServerItem : public QObject, public QTableWidgetItem, public ProfileUser

@@ -1,12 +1,16 @@
 #include "tests/support/LiveServer.h"
 
-#include <QElapsedTimer>
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTest>
 
 #include <csignal>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 /// The console program as its user sees it: what it prints and how it ends.
 class TestServe : public QObject
@@ -24,10 +28,12 @@ private Q_SLOTS:
     void stopsAtTheTrafficLimit();
     void refusesToServeWithoutItsKeys();
     void refusesADamagedProfile();
+    void servesWhoeverReadsItsErrors();
+    void worksInAFolderOfItsOwn();
 
 private:
     void start(const QStringList &arguments);
-    quint16 waitForPort();
+    quint16 waitForPort(const QString &shared = {});
     int exitStatus(int msecs = 4000);
     QStringList serving(const QStringList &more = {}) const
     {
@@ -45,6 +51,7 @@ private:
 void TestServe::init()
 {
     home = std::make_unique<TestHome>();
+    qputenv("XDG_CACHE_HOME", QFile::encodeName(home->path() + QLatin1String("/cache")));
     home->profiles.reset(); // a program that runs beside would be its neighbour
     share = std::make_unique<QTemporaryDir>();
     QFile file(share->filePath(QStringLiteral("a.txt")));
@@ -66,14 +73,15 @@ void TestServe::start(const QStringList &arguments)
 }
 
 /// The port in the line "Serving PATH at http://ADDR:PORT/".
-quint16 TestServe::waitForPort()
+quint16 TestServe::waitForPort(const QString &shared)
 {
     static const QRegularExpression line(
         QStringLiteral("^Serving (.+) at https?://127\\.0\\.0\\.1:(\\d+)/\n$"));
     if (!program.canReadLine() && !program.waitForReadyRead(5000))
         return 0;
     const auto match = line.match(QString::fromUtf8(program.readLine()));
-    return match.captured(1) == share->path() ? match.captured(2).toUShort() : quint16(0);
+    const QString path = shared.isEmpty() ? share->path() : shared;
+    return match.captured(1) == path ? match.captured(2).toUShort() : quint16(0);
 }
 
 int TestServe::exitStatus(int msecs)
@@ -213,6 +221,67 @@ void TestServe::refusesADamagedProfile()
     program.terminate();
     QCOMPARE(exitStatus(), 0);
     QCOMPARE(home->profileBytes(QStringLiteral("Global.conf")), QByteArray("junk"));
+}
+
+void TestServe::servesWhoeverReadsItsErrors()
+{
+    const QByteArray pipe = QFile::encodeName(home->path() + QLatin1String("/errors"));
+    QCOMPARE(::mkfifo(pipe.constData(), 0600), 0);
+    const int reader = ::open(pipe.constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+    while (::write(reader, pipe.constData(), 1) == 1) { }
+
+    program.setStandardErrorFile(QString::fromUtf8(pipe), QIODevice::Append);
+    start({ QStringLiteral("--port"), QStringLiteral("0"), share->path() });
+    const quint16 port = waitForPort();
+    const auto get = [port](int address) {
+        auto socket = std::make_unique<QTcpSocket>();
+        socket->bind(QHostAddress(QStringLiteral("127.0.0.%1").arg(address)));
+        return RawClient(port, std::move(socket)).exchange(rawRequest("GET", "/a.txt")).body;
+    };
+    QCOMPARE(get(1), QByteArray("hello"));
+    QCOMPARE(get(2), QByteArray("hello"));
+    char bytes[65536];
+    QVERIFY(::read(reader, bytes, sizeof bytes) > 0);
+    for (const int address : { 1, 3, 2, 1, 3 })
+        QCOMPARE(get(address), QByteArray("hello"));
+    const auto count = ::read(reader, bytes, sizeof bytes);
+    QCOMPARE(QByteArray(bytes, int(count)),
+             QByteArray("quillon-serve: 2 lines dropped\nquillon-serve: New client: 127.0.0.3\n"));
+
+    ::close(reader); // nobody reads any more
+    QCOMPARE(get(4), QByteArray("hello"));
+    program.terminate();
+    QCOMPARE(exitStatus(), 0);
+    program.setStandardErrorFile({});
+}
+
+void TestServe::worksInAFolderOfItsOwn()
+{
+    const auto folder = [this] {
+        return QFile::symLinkTarget(QStringLiteral("/proc/%1/cwd").arg(program.processId()));
+    };
+    const QFileInfo shared(share->path());
+    program.setWorkingDirectory(shared.path());
+    QStringList arguments = serving();
+    arguments.last() = shared.fileName();
+    start(arguments);
+    const quint16 port = waitForPort(shared.fileName());
+    QCOMPARE(RawClient(port).exchange(rawRequest("GET", "/a.txt")).body, QByteArray("hello"));
+
+    const QString first = folder();
+    QVERIFY2(first.startsWith(home->path() + QLatin1String("/cache/")), qPrintable(first));
+    QVERIFY(QDir(first).isEmpty(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot));
+    QVERIFY(!(QFile::permissions(first) & (QFileDevice::ReadGroup | QFileDevice::ReadOther)));
+    QVERIFY(QFile::link(share->path(), first + QLatin1String("/link")));
+    program.kill();
+    program.waitForFinished();
+
+    program.setWorkingDirectory({});
+    start(serving());
+    QVERIFY(waitForPort() > 0);
+    QVERIFY(!QFile::exists(first));
+    QVERIFY(QFile::exists(share->filePath(QStringLiteral("a.txt")))); // not through the link
+    QVERIFY(QFile::exists(folder()));
 }
 
 QTEST_GUILESS_MAIN(TestServe)

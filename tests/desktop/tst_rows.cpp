@@ -2,6 +2,7 @@
 #include "desktop/window/SavedRows.h"
 #include "desktop/window/ServerItem.h"
 #include "desktop/window/WebServices.h"
+#include "server/Url.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -139,11 +140,12 @@ void tst_rows::texts_data()
     QTest::addColumn<QString>("expected");
 
     const QHostAddress v4(QStringLiteral("192.0.2.1"));
-    QTest::newRow("plain on its own port") << serverUrl(false, v4, 80) << "http://192.0.2.1";
-    QTest::newRow("TLS on its own port") << serverUrl(true, v4, 443) << "https://192.0.2.1";
-    QTest::newRow("TLS on the plain port") << serverUrl(true, v4, 80) << "https://192.0.2.1:80";
+    QTest::newRow("plain on its own port") << shortServerUrl(false, v4, 80) << "http://192.0.2.1";
+    QTest::newRow("TLS on its own port") << shortServerUrl(true, v4, 443) << "https://192.0.2.1";
+    QTest::newRow("TLS on the plain port")
+        << shortServerUrl(true, v4, 80) << "https://192.0.2.1:80";
     QTest::newRow("IPv6 in brackets")
-        << serverUrl(false, QHostAddress(QStringLiteral("2001:db8::1")), 81)
+        << shortServerUrl(false, QHostAddress(QStringLiteral("2001:db8::1")), 81)
         << "http://[2001:db8::1]:81";
 
     const auto label = [](const char *name, int port) {
