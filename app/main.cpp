@@ -3,7 +3,6 @@
 #include "app/WorkingFolder.h"
 #include "config/Profiles.h"
 #include "desktop/look/StartUp.h"
-#include "desktop/window/EventHandler.h"
 #include "desktop/window/MainWindow.h"
 
 #include <QApplication>
@@ -31,11 +30,9 @@ int main(int argc, char **argv)
     Profiles profiles(directories);
     MainWindow window(&profiles, argc > 1 ? argv[1] : nullptr, allRoutes());
     if (!hasFolder)
-        EventHandler::eventHandler->msg(MainWindow::tr("Can't make the folder"),
-                                        directories.profiles);
+        window.events()->msg(MainWindow::tr("Can't make the folder"), directories.profiles);
     if (!workingFolder.isEntered())
-        EventHandler::eventHandler->msg(MainWindow::tr("Can't make the folder"),
-                                        WorkingFolder::usualPlace());
+        window.events()->msg(MainWindow::tr("Can't make the folder"), WorkingFolder::usualPlace());
     window.show();
     return QApplication::exec();
 }

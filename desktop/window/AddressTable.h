@@ -3,19 +3,23 @@
 #include <QTableWidget>
 
 class QMenu;
+class ServerRow;
+class ServerRows;
 
-/// The table of server items: their addresses alone in simple mode, in expert mode their profiles
-/// and states too. A child of the address list, which owns the cells. A press on a cell, by finger
-/// or by key, is told by `cellPressed`.
+/// The table of server rows: their addresses alone in simple mode, in expert mode their profiles
+/// and states too. A child of the address list. A press on a cell, by finger or by key, is told by
+/// `cellPressed`.
 class AddressTable : public QTableWidget
 {
     Q_OBJECT
 public:
     enum Column { AddressColumn, ConfigColumn, StatusColumn, ColumnCount };
 
-    explicit AddressTable(QWidget *parent);
+    /// Shows `servers`, which outlive the table, and keeps up with them.
+    AddressTable(ServerRows *servers, QWidget *parent);
 
-    void setExpert(bool on);
+    /// Shows what belongs to the mode.
+    void showMode();
 
     /// Opens `menu` where the cell was pressed.
     void popup(QMenu *menu, int row, int column);
@@ -23,5 +27,11 @@ public:
     QSize minimumSizeHint() const override;
 
 private:
+    void followRows();
+    void add(ServerRow *row);
+    void drop(int index);
+    void showRow(ServerRow *row);
     void pressCurrentCell();
+
+    ServerRows *rows;
 };

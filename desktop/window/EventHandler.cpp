@@ -1,44 +1,22 @@
 #include "desktop/window/EventHandler.h"
 
-#include "desktop/widgets/Fields.h"
+#include "desktop/widgets/Prompts.h"
 #include "desktop/window/TrafficSource.h"
-
-#include <QAbstractButton>
-#include <QMessageBox>
 
 #include <chrono>
 
 using namespace std::chrono_literals;
 
-EventHandler *EventHandler::eventHandler = nullptr;
-QPointer<QLabel> EventHandler::statusWidget;
-TrafficSource *EventHandler::addressList = nullptr;
-QString EventHandler::lastAddress;
-
 namespace {
 
 constexpr auto refreshInterval = 2000ms;
-
-// The status line counts in thousands, though the traffic limit is set in units of 1024 bytes.
-constexpr qint64 bytesPerShownKB = 1000;
 
 } // namespace
 
 EventHandler::EventHandler(QWidget *parent)
     : window(parent)
 {
-    eventHandler = this;
-    lastAddress.clear();
-    statusWidget = new QLabel;
-    statusWidget->setWordWrap(true);
     connect(&timer, &QTimer::timeout, this, &EventHandler::sendDataInfo);
-}
-
-EventHandler::~EventHandler()
-{
-    eventHandler = nullptr;
-    if (statusWidget && !statusWidget->parent())
-        delete statusWidget;
 }
 
 void EventHandler::startTimer()
@@ -66,11 +44,11 @@ void EventHandler::sendDataInfo()
     if (lastAddress.isEmpty())
         return;
 
-    const qint64 total = addressList ? addressList->totalTraffic() : 0;
-    if (addressList)
-        addressList->updateListening();
-    const QString count = QStringLiteral("%1KB ").arg(total / bytesPerShownKB);
-    statusmsg(count + tr("Last connection") + QLatin1String(": ") + lastAddress);
+    const qint64 total = traffic ? traffic->totalTraffic() : 0;
+    if (traffic)
+        traffic->updateListening();
+    statusmsg(shownKB(total) + QLatin1String("KB ") + tr("Last connection") + QLatin1String(": ")
+              + lastAddress);
     startTimer();
 }
 
@@ -82,30 +60,23 @@ void EventHandler::msg(const QString &title, const QString &text)
     boxes.append(whole);
     // Queued: the caller may be a connection in the middle of its request.
     if (boxes.size() == 1)
-        QMetaObject::invokeMethod(this, &EventHandler::showBox, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &EventHandler::showNext, Qt::QueuedConnection);
 }
 
-void EventHandler::showBox()
+void EventHandler::showNext()
 {
-    auto *box = new QMessageBox(QMessageBox::Warning, QString(), boxes.constFirst(),
-                                QMessageBox::Ok, window);
-    box->setAttribute(Qt::WA_DeleteOnClose);
-    box->setTextFormat(Qt::PlainText);
+    const QMessageBox *box = showBox(window, QMessageBox::Warning, boxes.constFirst());
     connect(box, &QDialog::finished, this, &EventHandler::boxClosed);
-    box->setModal(true);
-    box->button(QMessageBox::Ok)->setMinimumSize(2 * fingerSize, fingerSize);
-    box->show();
 }
 
 void EventHandler::boxClosed()
 {
     boxes.removeFirst();
     if (!boxes.isEmpty())
-        QMetaObject::invokeMethod(this, &EventHandler::showBox, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &EventHandler::showNext, Qt::QueuedConnection);
 }
 
 void EventHandler::statusmsg(const QString &text)
 {
-    if (statusWidget)
-        statusWidget->setText(QLatin1String("<center>") + text + QLatin1String("</center>"));
+    Q_EMIT statusChanged(QLatin1String("<center>") + text + QLatin1String("</center>"));
 }

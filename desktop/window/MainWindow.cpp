@@ -3,31 +3,26 @@
 #include "classic/pages/BrowserPages.h"
 #include "config/Profiles.h"
 #include "desktop/look/LookDialog.h"
-#include "desktop/look/StartUp.h"
-#include "desktop/settings/SettingsDialog.h"
 #include "desktop/widgets/Fields.h"
 #include "desktop/widgets/Labels.h"
 #include "desktop/widgets/MessageDialog.h"
 #include "desktop/widgets/Prompts.h"
+#include "desktop/window/AddressList.h"
 #include "desktop/window/AddressTable.h"
-#include "desktop/window/EventHandler.h"
-#include "desktop/window/Reachability.h"
-#include "desktop/window/ServerItem.h"
+#include "desktop/window/FileMenu.h"
+#include "desktop/window/ServerRow.h"
+#include "desktop/window/StartStop.h"
 
 #include <QAction>
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QDir>
 #include <QLabel>
-#include <QMenu>
 #include <QScreen>
 #include <QScrollArea>
-#include <QSignalBlocker>
-#include <QUrl>
 #include <QVBoxLayout>
 
 #include <cstring>
-#include <iterator>
 #include <utility>
 
 namespace {
@@ -35,22 +30,25 @@ namespace {
 const QLatin1String contactAddress("https://quillon.example/");
 constexpr QSize usualSize(800, 480);
 constexpr QSize pictureSize(32, 32);
-constexpr int longestRecentPath = 17;
-constexpr qint64 bytesPerShownKB = 1000;
+constexpr int authenticationPage = 1; ///< of the settings dialog
 
 QIcon icon(QLatin1String name)
 {
     return QIcon(QLatin1String(":/icons/") + name);
 }
 
-QString withSlash(const QString &folder)
-{
-    return folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
-}
-
 QString shownPath(const QString &path)
 {
-    return QFileInfo(path).isDir() ? withSlash(path) : path;
+    const bool bare = QFileInfo(path).isDir() && !path.endsWith(QLatin1Char('/'));
+    return bare ? path + QLatin1Char('/') : path;
+}
+
+/// Where the search for something else to share begins.
+QString folderOf(const QFileInfo &shared)
+{
+    if (!shared.isReadable())
+        return QDir::rootPath();
+    return shared.isDir() ? shared.absoluteFilePath() : shared.absolutePath();
 }
 
 QPushButton *pictureButton(const QIcon &picture, const QString &name, QWidget *parent)
@@ -63,71 +61,87 @@ QPushButton *pictureButton(const QIcon &picture, const QString &name, QWidget *p
     return button;
 }
 
-QPushButton *menuOpener(const QString &text, QMenu *menu, QWidget *parent)
+QPushButton *menuOpener(const QString &text, QMenu *menu)
 {
-    auto *button = new Finger<QPushButton>(parent);
+    auto *button = new Finger<QPushButton>;
     button->setText(text);
     button->setMenu(menu);
     return button;
 }
 
-} // namespace
-
-QString recentFileLabel(const QString &path)
+QScrollArea *scrolled(QWidget *content)
 {
-    const QString label = path.size() > longestRecentPath ? QDir(path).dirName() : path;
-    return QString(label).replace(QLatin1Char('&'), QLatin1String("&&"));
+    auto *area = new QScrollArea;
+    area->setWidgetResizable(true);
+    area->setFrameShape(QFrame::NoFrame);
+    area->setFocusPolicy(Qt::NoFocus);
+    area->setWidget(content);
+    scrollByFinger(area);
+    return area;
 }
+
+void setTabOrders(const QList<QWidget *> &order)
+{
+    for (int i = 1; i < order.size(); ++i)
+        QWidget::setTabOrder(order.at(i - 1), order.at(i));
+}
+
+QHBoxLayout *rowOf(const QList<QWidget *> &widgets)
+{
+    auto *row = new QHBoxLayout;
+    for (QWidget *widget : widgets)
+        row->addWidget(widget);
+    return row;
+}
+
+} // namespace
 
 QString trafficLimitText(const WebServer &server)
 {
-    const auto inKB = [](qint64 bytes) { return QString::number(bytes / bytesPerShownKB); };
     return MainWindow::tr("Max. network traffic limit")
-        + QStringLiteral(": %1 KB ").arg(inKB(server.dataLimitBytes())) + MainWindow::tr("reached")
-        + QLatin1Char('\n') + MainWindow::tr("Server stopped on")
+        + QStringLiteral(": %1 KB ").arg(shownKB(server.dataLimitBytes()))
+        + MainWindow::tr("reached") + QLatin1Char('\n') + MainWindow::tr("Server stopped on")
         + QStringLiteral(" %1:%2.\n").arg(server.ip().toString(), QString::number(server.port))
-        + MainWindow::tr("Sent bytes") + QStringLiteral(": %1 KB").arg(inKB(server.sentBytes()))
+        + MainWindow::tr("Sent bytes") + QStringLiteral(": %1 KB").arg(shownKB(server.sentBytes()))
         + QLatin1Char('\n') + MainWindow::tr("Received bytes")
-        + QStringLiteral(": %1 KB").arg(inKB(server.receivedBytes()));
+        + QStringLiteral(": %1 KB").arg(shownKB(server.receivedBytes()));
 }
 
-MainWindow::MainWindow(Profiles *choice, const char *mode, Routes rows, AddressSource source)
+MainWindow::MainWindow(Profiles *choice, const char *mode, Routes routes, AddressSource source)
     : profiles(choice)
-    , events(std::make_unique<EventHandler>(this))
+    , m_events(std::make_unique<EventHandler>(this))
 {
-    makeTexts();
+    setWindowTitle(QStringLiteral("Quillon"));
+    setWindowIcon(icon(QLatin1String("MobileServer.png")));
     startProfiles();
-    makeActions();
-    makeFileMenu();
-    auto setup = std::make_shared<ServerSetup>(
-        ServerSetup{ std::move(rows), events.get(), profiles->directories() });
-    addresses = new AddressList(profiles, std::move(setup), std::move(source), this);
+    m_rows = std::make_unique<ServerRows>(
+        profiles,
+        std::make_shared<ServerSetup>(
+            ServerSetup{ std::move(routes), m_events.get(), profiles->directories() }),
+        std::move(source));
+    m_reachability = std::make_unique<Reachability>(m_rows.get(), profiles);
+    m_events->watch(m_rows.get());
+
+    const bool rootMode = mode && std::strcmp(mode, "root") == 0;
+    addresses = new AddressList(profiles, m_rows.get(), rootMode, this);
+    menu = new QMenu(this);
+    fileMenu = new FileMenu(this);
+    makeMenu();
     makeButtons();
-    updateRecentFileActions();
-    create();
+    layOut();
+    connectRows();
+    fileMenu->showRecent(profiles->global()->recentFiles);
     setExpertMode(expertMode->isChecked());
-    changed(addresses->getSelectedItem());
-    connectList();
-    setRootMode(mode);
+    showCurrent(m_rows->current());
+    if (rootMode)
+        warnOfRoot();
 }
 
 MainWindow::~MainWindow()
 {
-    // Before the event handler and the profiles, which its servers use.
-    delete addresses;
-    // Pictures don't outlive the application object.
-    ServerItem::playIcon = {};
-    ServerItem::stopIcon = {};
-}
-
-void MainWindow::makeTexts()
-{
-    setWindowTitle(QStringLiteral("Quillon"));
-    setWindowIcon(icon(QLatin1String("MobileServer.png")));
-    ServerItem::toStart = tr("Start");
-    ServerItem::toStop = tr("Stop");
-    ServerItem::playIcon = icon(QLatin1String("play.png"));
-    ServerItem::stopIcon = icon(QLatin1String("stop.png"));
+    // While what they report to is whole.
+    m_reachability.reset();
+    m_rows.reset();
 }
 
 void MainWindow::startProfiles()
@@ -137,138 +151,20 @@ void MainWindow::startProfiles()
     for (int i = 0; i < profiles->count(); ++i) {
         const Profile *profile = profiles->at(i);
         if (!profile->isUsable())
-            events->msg(
+            m_events->msg(
                 tr("A profile is damaged or can't be read. It isn't used until its settings "
                    "are saved; the file is kept then as %1")
                     .arg(profile->fileName() + QLatin1String(".bad")),
                 profile->fileName());
         if (profile->refusedPort())
-            events->msg(tr("Invalid port") + QStringLiteral(": %1").arg(*profile->refusedPort()),
-                        profile->fileName());
+            m_events->msg(tr("Invalid port") + QStringLiteral(": %1").arg(*profile->refusedPort()),
+                          profile->fileName());
     }
 }
 
-QAction *MainWindow::addMenuAction(const QString &text, const char *name)
+void MainWindow::warnOfRoot()
 {
-    QAction *action = menu->addAction(text);
-    action->setObjectName(QLatin1String(name));
-    return action;
-}
-
-void MainWindow::makeActions()
-{
-    menu = new QMenu(this);
-    sizeForFingers(menu);
-    reloadPublic = addMenuAction(tr("Reload public addressess"), "reloadPublic");
-    reloadLocal = addMenuAction(tr("Reload local addresses"), "reloadLocal");
-    settings = addMenuAction(tr("Settings"), "settings");
-    lookAndFeel = addMenuAction(tr("Look and Feel"), "lookAndFeel");
-    expertMode = addMenuAction(tr("Expert mode"), "expertMode");
-    expertMode->setCheckable(true);
-    expertMode->setChecked(profiles->global()->expertMode);
-    QAction *helpAction = addMenuAction(tr("Help"), "help");
-    QAction *aboutAction = addMenuAction(tr("About Quillon"), "about");
-    QAction *aboutQtAction = addMenuAction(tr("About Qt"), "aboutQt");
-
-    connect(settings, &QAction::triggered, this, &MainWindow::globalConfig);
-    connect(lookAndFeel, &QAction::triggered, this, &MainWindow::guiConf);
-    connect(expertMode, &QAction::triggered, this, &MainWindow::setExpertMode);
-    connect(helpAction, &QAction::triggered, this, &MainWindow::help);
-    connect(aboutAction, &QAction::triggered, this, &MainWindow::about);
-    connect(aboutQtAction, &QAction::triggered, this, &MainWindow::aboutQt);
-
-    helpAction->setShortcut(QKeySequence::HelpContents);
-    addAction(helpAction);
-}
-
-void MainWindow::makeFileMenu()
-{
-    fileMenu = new QMenu(this);
-    sizeForFingers(fileMenu);
-    fileMenu->addAction(tr("Select Folder"), this, &MainWindow::browseFolder);
-    fileMenu->addAction(tr("Select File"), this, &MainWindow::browseFile);
-    for (QAction *&action : recentFiles) {
-        action = fileMenu->addAction(QString(), this, &MainWindow::openRecentFile);
-        action->setVisible(false);
-    }
-}
-
-void MainWindow::makeButtons()
-{
-    menuButton = menuOpener(tr("&Menu"), menu, this);
-    fileButton = menuOpener(tr("&File"), fileMenu, this);
-    itemStart = pictureButton(ServerItem::playIcon, ServerItem::toStart, this);
-    itemSettings = pictureButton(icon(QLatin1String("preferences-system.png")),
-                                 tr("Settings of the selected address"), this);
-    sharedLink = new LinkLabel(this);
-    connect(itemStart, &QPushButton::clicked, this, &MainWindow::toggleItem);
-    connect(itemSettings, &QPushButton::clicked, addresses, &AddressList::editProfile);
-    connect(sharedLink, &QLabel::linkActivated, this, &MainWindow::linkActivated);
-}
-
-void MainWindow::create()
-{
-    auto *caption = new QLabel(tr("Shared Content:"));
-    caption->setBuddy(sharedLink);
-    auto *shared = new QHBoxLayout;
-    shared->addWidget(caption);
-    shared->addWidget(sharedLink, 1);
-
-    auto *buttons = new QHBoxLayout;
-    buttons->addWidget(fileButton, 1);
-    buttons->addWidget(itemStart);
-    buttons->addWidget(itemSettings);
-    buttons->addWidget(menuButton, 1);
-
-    auto *content = new QWidget;
-    auto *layout = new QVBoxLayout(content);
-    layout->addLayout(buttons);
-    layout->addLayout(shared);
-    layout->addWidget(addresses, 1);
-    layout->addWidget(events->getStatusWidget());
-
-    auto *area = new QScrollArea;
-    area->setWidgetResizable(true);
-    area->setFrameShape(QFrame::NoFrame);
-    area->setFocusPolicy(Qt::NoFocus);
-    area->setWidget(content);
-    scrollByFinger(area);
-    setCentralWidget(area);
-    setTabOrders();
-    const QSize room = screen()->availableSize();
-    fitToScreen(this, room.height() > room.width() ? usualSize.transposed() : usualSize);
-}
-
-void MainWindow::setTabOrders()
-{
-    QWidget *const order[] = { fileButton,
-                               itemStart,
-                               itemSettings,
-                               menuButton,
-                               sharedLink,
-                               addresses->table(),
-                               addresses->startButton(),
-                               addresses->statusLabel() };
-    for (std::size_t i = 1; i < std::size(order); ++i)
-        setTabOrder(order[i - 1], order[i]);
-    addresses->startButton()->setFocus();
-}
-
-void MainWindow::connectList()
-{
-    connect(reloadPublic, &QAction::triggered, addresses->reachability(),
-            &Reachability::loadPublic);
-    connect(reloadLocal, &QAction::triggered, addresses, &AddressList::loadLocal);
-    connect(addresses, &AddressList::selectionChanged, this, &MainWindow::changed);
-    connect(addresses, &AddressList::onlineStateChanged, this, &MainWindow::onlineStateChanged);
-    connect(addresses, &AddressList::dataLimit, this, &MainWindow::dataLimit);
-}
-
-void MainWindow::setRootMode(const char *mode)
-{
-    const bool root = mode && std::strcmp(mode, "root") == 0;
-    addresses->setRootMode(root);
-    if (!root || profiles->global()->warningMode != Qt::Checked)
+    if (profiles->global()->warningMode != Qt::Checked)
         return;
     const QString text = tr("The server run as root!") + QLatin1Char('\n')
         + tr("Use this mode only if you want to use port 1 - 1024!");
@@ -277,113 +173,152 @@ void MainWindow::setRootMode(const char *mode)
         this, [this, text] { showBox(this, QMessageBox::Warning, text); }, Qt::QueuedConnection);
 }
 
-// --- shared content -----------------------------------------------------------------------------
+// --- widgets ------------------------------------------------------------------------------------
 
-void MainWindow::browseFolder()
+QAction *MainWindow::addMenuAction(const QString &text, const char *name)
 {
-    fileOrDirSelected(choosePath(this, PathKind::Folder, tr("Select Folder"), getParentDir()));
+    QAction *action = menu->addAction(text);
+    action->setObjectName(QLatin1String(name));
+    return action;
 }
 
-void MainWindow::browseFile()
+void MainWindow::makeMenu()
 {
-    fileOrDirSelected(choosePath(this, PathKind::File, tr("Select File"), getParentDir()));
+    sizeForFingers(menu);
+    reloadPublic = addMenuAction(tr("Reload public addressess"), "reloadPublic");
+    reloadLocal = addMenuAction(tr("Reload local addresses"), "reloadLocal");
+    settings = addMenuAction(tr("Settings"), "settings");
+    const QAction *look = addMenuAction(tr("Look and Feel"), "lookAndFeel");
+    expertMode = addMenuAction(tr("Expert mode"), "expertMode");
+    expertMode->setCheckable(true);
+    expertMode->setChecked(m_rows->isExpert());
+    QAction *helpAction = addMenuAction(tr("Help"), "help");
+    const QAction *aboutAction = addMenuAction(tr("About Quillon"), "about");
+    const QAction *aboutQt = addMenuAction(tr("About Qt"), "aboutQt");
+
+    connect(reloadPublic, &QAction::triggered, m_reachability.get(), &Reachability::loadPublic);
+    connect(reloadLocal, &QAction::triggered, m_rows.get(), &ServerRows::loadLocal);
+    connect(settings, &QAction::triggered, this, [this] { addresses->edit(profiles->global()); });
+    connect(look, &QAction::triggered, this, [this] { LookDialog(this).exec(); });
+    connect(expertMode, &QAction::triggered, this, &MainWindow::setExpertMode);
+    connect(helpAction, &QAction::triggered, this, &MainWindow::help);
+    connect(aboutAction, &QAction::triggered, this, &MainWindow::about);
+    connect(aboutQt, &QAction::triggered, this, [this] { QMessageBox::aboutQt(this); });
+
+    helpAction->setShortcut(QKeySequence::HelpContents);
+    addAction(helpAction);
 }
 
-void MainWindow::openRecentFile()
+void MainWindow::makeButtons()
 {
-    if (const auto *action = qobject_cast<QAction *>(sender()))
-        fileOrDirSelected(action->data().toString());
+    itemStart = pictureButton(startStopIcon(false), startStopText(false), this);
+    itemSettings = pictureButton(icon(QLatin1String("preferences-system.png")),
+                                 tr("Settings of the selected address"), this);
+    sharedLink = new LinkLabel(this);
+    statusLine = new QLabel(this);
+    statusLine->setWordWrap(true);
+    connect(itemSettings, &QPushButton::clicked, addresses, &AddressList::editProfile);
+    connect(itemStart, &QPushButton::clicked, this, [this] {
+        if (ServerRow *row = m_rows->current())
+            row->toggle();
+    });
+    connect(sharedLink, &QLabel::linkActivated, this, [this] {
+        if (const ServerRow *row = m_rows->current())
+            QDesktopServices::openUrl(QUrl(row->url()));
+    });
+    connect(fileMenu, &FileMenu::chosen, this, &MainWindow::share);
 }
 
-void MainWindow::fileOrDirSelected(const QString &path)
+void MainWindow::layOut()
 {
-    if (path.isEmpty())
-        return;
+    QPushButton *fileButton = menuOpener(tr("&File"), fileMenu);
+    QPushButton *menuButton = menuOpener(tr("&Menu"), menu);
+    QHBoxLayout *buttons = rowOf({ fileButton, itemStart, itemSettings, menuButton });
+    buttons->setStretchFactor(fileButton, 1);
+    buttons->setStretchFactor(menuButton, 1);
+    auto *caption = new QLabel(tr("Shared Content:"));
+    caption->setBuddy(sharedLink);
+    QHBoxLayout *shared = rowOf({ caption, sharedLink });
+    shared->setStretchFactor(sharedLink, 1);
+
+    auto *content = new QWidget;
+    auto *layout = new QVBoxLayout(content);
+    layout->addLayout(buttons);
+    layout->addLayout(shared);
+    layout->addWidget(addresses, 1);
+    layout->addWidget(statusLine);
+
+    setCentralWidget(scrolled(content));
+    setTabOrders({ fileButton, itemStart, itemSettings, menuButton, sharedLink, addresses->table(),
+                   addresses->startButton(), addresses->statusLabel() });
+    addresses->startButton()->setFocus();
+
+    const QSize room = screen()->availableSize();
+    fitToScreen(this, room.height() > room.width() ? usualSize.transposed() : usualSize);
+}
+
+void MainWindow::connectRows()
+{
+    const ServerRows *servers = rows();
+    const Reachability *reach = reachability();
+    connect(servers, &ServerRows::currentChanged, this, &MainWindow::showCurrent);
+    connect(servers, &ServerRows::dataLimit, this, &MainWindow::dataLimit);
+    connect(servers, &ServerRows::publicAddressWanted, reach, &Reachability::refreshPublic);
+    connect(servers, &ServerRows::dnsWanted, reach, &Reachability::loadPublic);
+    connect(servers, &ServerRows::onlineChanged, this, [this](bool online) {
+        if (online)
+            return m_reachability->refreshPublic();
+        m_reachability->noPublic();
+        addresses->showNetwork();
+    });
+    connect(servers, &ServerRows::runningChanged, this, [this](bool running) {
+        if (running)
+            m_events->startTimer();
+    });
+    connect(reach, &Reachability::labelChanged, addresses->statusLabel(), &QLabel::setText);
+    connect(reach, &Reachability::told, events(), &EventHandler::statusmsg);
+    connect(reach, &Reachability::warned, this,
+            [this](const QString &text) { showBox(this, QMessageBox::Warning, text); });
+    connect(reach, &Reachability::everyoneAdmitted, this, &MainWindow::askForPassword);
+    connect(reach, &Reachability::pageOffered, this, &QDesktopServices::openUrl);
+    connect(events(), &EventHandler::statusChanged, statusLine, &QLabel::setText);
+}
+
+// --- what is shared -----------------------------------------------------------------------------
+
+void MainWindow::share(const QString &path)
+{
     if (!QFileInfo::exists(path)) {
         showBox(this, QMessageBox::Warning, missingText(path));
         return;
     }
-    addresses->setSharedContent(path);
-    showShared(path);
-    changed(addresses->getSelectedItem());
-    setCurrentFile(path);
-}
-
-void MainWindow::setCurrentFile(const QString &path)
-{
+    m_rows->share(path);
+    sharedLink->setLink(shownPath(path), {});
+    showCurrent(m_rows->current());
     profiles->global()->amend([&path](Profile &global) { global.addRecentFile(path); });
-    updateRecentFileActions();
+    fileMenu->showRecent(profiles->global()->recentFiles);
 }
 
-void MainWindow::updateRecentFileActions()
+void MainWindow::showCurrent(ServerRow *row)
 {
-    const QStringList &paths = profiles->global()->recentFiles;
-    for (std::size_t i = 0; i < recentFiles.size(); ++i) {
-        const bool used = int(i) < paths.size();
-        recentFiles[i]->setVisible(used);
-        if (!used)
-            continue;
-        recentFiles[i]->setText(recentFileLabel(paths.at(int(i))));
-        recentFiles[i]->setData(paths.at(int(i)));
-    }
-}
-
-void MainWindow::showShared(const QString &path)
-{
-    const ServerItem *item = addresses->getSelectedItem();
-    sharedLink->setLink(shownPath(path), item ? item->getUrl() : QString());
-}
-
-QString MainWindow::getParentDir() const
-{
-    const ServerItem *item = addresses->getSelectedItem();
-    const QFileInfo shared(item ? item->server()->shared.filePath() : QString());
-    if (!shared.isReadable())
-        return QDir::rootPath();
-    return shared.isDir() ? shared.absoluteFilePath() : shared.absolutePath();
-}
-
-void MainWindow::linkActivated(const QString &link)
-{
-    Q_UNUSED(link)
-    if (const ServerItem *item = addresses->getSelectedItem())
-        QDesktopServices::openUrl(QUrl(item->getUrl()));
-}
-
-// --- the selected item --------------------------------------------------------------------------
-
-void MainWindow::changed(ServerItem *item)
-{
-    itemStart->setEnabled(item);
-    itemSettings->setEnabled(item);
-    if (!item)
+    itemStart->setEnabled(row);
+    itemSettings->setEnabled(row);
+    fileMenu->setStart(row ? folderOf(row->server()->shared) : QDir::rootPath());
+    if (!row)
         return;
-    const bool listening = item->isListening();
-    const QString action = listening ? ServerItem::toStop : ServerItem::toStart;
-    itemStart->setIcon(listening ? ServerItem::stopIcon : ServerItem::playIcon);
+    const QString action = startStopText(row->isListening());
+    itemStart->setIcon(startStopIcon(row->isListening()));
     itemStart->setAccessibleName(action);
     itemStart->setToolTip(action);
-    showShared(item->server()->shared.absoluteFilePath());
-}
-
-void MainWindow::toggleItem()
-{
-    if (ServerItem *item = addresses->getSelectedItem())
-        addresses->toggle(item);
-}
-
-void MainWindow::onlineStateChanged(bool online)
-{
-    addresses->setOnlineState(online);
+    sharedLink->setLink(shownPath(row->server()->shared.absoluteFilePath()), row->url());
 }
 
 void MainWindow::dataLimit(WebServer *server)
 {
-    ServerItem *item = addresses->itemOf(server);
-    if (!item)
+    ServerRow *row = m_rows->rowOf(server);
+    if (!row)
         return;
-    item->stopAll();
-    item->stop();
+    row->stop();
     if (limitBoxes.contains(server))
         return;
     limitBoxes.insert(server);
@@ -391,31 +326,31 @@ void MainWindow::dataLimit(WebServer *server)
     connect(box, &QDialog::finished, this, [this, server] { limitBoxes.remove(server); });
 }
 
+void MainWindow::askForPassword(ServerRow *row)
+{
+    if (asksForPassword)
+        return;
+    asksForPassword = true;
+    const QPointer<ServerRow> still(row);
+    const bool wanted = askYesNo(this,
+                                 tr("The shared files are accessible for everyone.")
+                                     + QLatin1Char('\n') + tr("Do you want to set password?"));
+    asksForPassword = false;
+    if (wanted && still)
+        addresses->edit(still->profile(), authenticationPage);
+}
+
 // --- menu ---------------------------------------------------------------------------------------
-
-void MainWindow::globalConfig()
-{
-    addresses->edit(profiles->global());
-}
-
-void MainWindow::guiConf()
-{
-    LookDialog(this).exec();
-}
 
 void MainWindow::setExpertMode(bool on)
 {
-    Profile *global = profiles->global();
     if (!addresses->askForStop(tr("Do you want to stop?"))) {
-        const QSignalBlocker quiet(expertMode);
-        expertMode->setChecked(global->expertMode);
+        expertMode->setChecked(m_rows->isExpert());
         return;
     }
-    if (addresses->isRunning())
-        addresses->stopServers();
-    if (global->expertMode != on)
-        global->amend([on](Profile &profile) { profile.expertMode = on; });
-    addresses->profileEdited(global);
+    if (m_rows->isRunning())
+        m_rows->stopAll();
+    m_rows->setExpert(on);
     settings->setText(on ? tr("Global Default Settings") : tr("Settings"));
     reloadPublic->setVisible(on);
     reloadLocal->setVisible(on);
@@ -434,11 +369,6 @@ void MainWindow::about()
         + QLatin1String(QUILLON_VERSION) + QLatin1Char('\n') + contactAddress;
     QMessageBox *box = showBox(this, QMessageBox::Information, text);
     box->setWindowTitle(tr("About Quillon"));
-}
-
-void MainWindow::aboutQt()
-{
-    QMessageBox::aboutQt(this);
 }
 
 // --- the end ------------------------------------------------------------------------------------
@@ -460,8 +390,8 @@ void MainWindow::closeEvent(QCloseEvent *event)
 bool MainWindow::endInOrder()
 {
     ended = true;
-    const bool rowsSaved = addresses->end();
-    events->stopTimer();
+    const bool rowsSaved = m_rows->end();
+    m_events->stopTimer();
     BrowserPages::previews.clear();
     return profiles->endInOrder() && rowsSaved;
 }
@@ -469,9 +399,8 @@ bool MainWindow::endInOrder()
 void MainWindow::showEvent(QShowEvent *event)
 {
     QMainWindow::showEvent(event);
-    if (std::exchange(wasShown, true))
-        return;
     // Nothing goes out before the window is there.
-    QMetaObject::invokeMethod(addresses->reachability(), &Reachability::refreshPublic,
-                              Qt::QueuedConnection);
+    if (!std::exchange(wasShown, true))
+        QMetaObject::invokeMethod(m_reachability.get(), &Reachability::refreshPublic,
+                                  Qt::QueuedConnection);
 }

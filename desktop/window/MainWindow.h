@@ -1,101 +1,87 @@
 #pragma once
 
-#include "config/Profile.h"
-#include "desktop/window/AddressList.h"
+#include "desktop/window/EventHandler.h"
+#include "desktop/window/Reachability.h"
+#include "desktop/window/ServerRows.h"
 #include "server/Routes.h"
 
 #include <QMainWindow>
 #include <QSet>
 
-#include <array>
 #include <memory>
 
-class EventHandler;
+class AddressList;
+class FileMenu;
 class LinkLabel;
+class Profiles;
 class QAction;
+class QLabel;
 class QMenu;
-class QMessageBox;
 class QPushButton;
-class ServerItem;
-class WebServer;
 
-/// The main window. Makes the event handler and holds the address list; lives for the whole run.
+/// The main window: what is shared, the address list, menus and the status line. Makes the rows and
+/// what reports of them; lives for the whole run.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
 public:
     /// `choice` is borrowed. `mode` is the first command-line argument, null when there is none.
-    /// `rows` answer the requests of all servers.
-    MainWindow(Profiles *choice, const char *mode, Routes rows = fileRoutes(),
+    /// `routes` answer the requests of all servers.
+    MainWindow(Profiles *choice, const char *mode, Routes routes = fileRoutes(),
                AddressSource source = deviceAddresses);
     ~MainWindow() override;
 
+    EventHandler *events() const { return m_events.get(); }
+    ServerRows *rows() const { return m_rows.get(); }
+    Reachability *reachability() const { return m_reachability.get(); }
     AddressList *addressList() const { return addresses; }
 
 public Q_SLOTS:
-    void browseFolder();
-    void browseFile();
-    void openRecentFile();
-    void globalConfig();
-    void guiConf();
     void setExpertMode(bool on);
     void help();
     void about();
-    void aboutQt();
-    void changed(ServerItem *item);
-    void onlineStateChanged(bool online);
-    void linkActivated(const QString &link);
     void dataLimit(WebServer *server);
 
     /// Shares `path` from now on, if there is such a file or folder.
-    void fileOrDirSelected(const QString &path);
+    void share(const QString &path);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
 private:
-    void makeTexts();
     void startProfiles();
-    void makeActions();
+    void warnOfRoot();
+    void makeMenu();
     QAction *addMenuAction(const QString &text, const char *name);
-    void makeFileMenu();
     void makeButtons();
-    void create();
-    void setTabOrders();
-    void connectList();
-    void setRootMode(const char *mode);
-    void setCurrentFile(const QString &path);
-    void updateRecentFileActions();
-    void showShared(const QString &path);
-    QString getParentDir() const;
-    void toggleItem();
+    void layOut();
+    void connectRows();
+    void showCurrent(ServerRow *row);
+    void askForPassword(ServerRow *row);
     bool endInOrder();
 
     Profiles *profiles;
-    std::unique_ptr<EventHandler> events;
-    AddressList *addresses = nullptr;
+    std::unique_ptr<EventHandler> m_events;
+    std::unique_ptr<ServerRows> m_rows;
+    std::unique_ptr<Reachability> m_reachability;
     QSet<const WebServer *> limitBoxes; ///< servers whose box is open
+    bool asksForPassword = false; ///< the question is open
     bool ended = false; ///< closed in order
     bool wasShown = false;
 
-    QMenu *menu = nullptr;
+    AddressList *addresses;
+    QMenu *menu;
+    FileMenu *fileMenu;
     QAction *reloadPublic = nullptr;
     QAction *reloadLocal = nullptr;
     QAction *settings = nullptr;
-    QAction *lookAndFeel = nullptr;
     QAction *expertMode = nullptr;
-    QMenu *fileMenu = nullptr;
-    std::array<QAction *, Profile::maxRecentFiles> recentFiles = {};
     LinkLabel *sharedLink = nullptr;
-    QPushButton *menuButton = nullptr;
-    QPushButton *fileButton = nullptr;
     QPushButton *itemStart = nullptr;
     QPushButton *itemSettings = nullptr;
+    QLabel *statusLine = nullptr;
 };
-
-/// How a recent file is named in the menu: long paths by their last part.
-QString recentFileLabel(const QString &path);
 
 /// What to say when `server` has reached its traffic limit.
 QString trafficLimitText(const WebServer &server);

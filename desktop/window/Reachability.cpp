@@ -1,29 +1,12 @@
 #include "desktop/window/Reachability.h"
 
 #include "config/Profiles.h"
-#include "desktop/settings/SettingsDialog.h"
-#include "desktop/widgets/Prompts.h"
-#include "desktop/window/AddressList.h"
-#include "desktop/window/EventHandler.h"
-#include "desktop/window/ServerItem.h"
+#include "desktop/window/ServerRow.h"
+#include "desktop/window/ServerRows.h"
 #include "desktop/window/WebServices.h"
 
-#include <QDesktopServices>
-
-namespace {
-
-constexpr int authenticationPage = 1;
-
-void tell(const QString &text)
-{
-    EventHandler::eventHandler->statusmsg(text);
-}
-
-} // namespace
-
-Reachability::Reachability(AddressList *addresses, const Profiles *choice)
-    : QObject(addresses)
-    , list(addresses)
+Reachability::Reachability(const ServerRows *servers, const Profiles *choice)
+    : rows(servers)
     , profiles(choice)
     , services(new WebServices(this))
 {
@@ -58,35 +41,34 @@ void Reachability::checkPort()
     if (services->hasPortCheck())
         services->checkPort(*port);
     else
-        tell(tr("No port check service configured"));
+        Q_EMIT told(tr("No port check service configured"));
 }
 
 /// Nothing when the last check's result still holds.
 std::optional<int> Reachability::portToCheck()
 {
-    if (checkedItem && portOpen && checkedItem->isListening())
+    if (checkedRow && portOpen && checkedRow->isListening())
         return {};
-    if (!checkedItem)
-        checkedItem = list->getSelectedItem();
-    return checkedItem ? checkedItem->server()->port : profiles->global()->port;
+    if (!checkedRow)
+        checkedRow = rows->current();
+    return checkedRow ? checkedRow->server()->port : profiles->global()->port;
 }
 
 void Reachability::updateDns()
 {
     const Profile *global = profiles->global();
     if (global->dnsUser.isEmpty() || global->dnsPassword.isEmpty())
-        showBox(list->window(), QMessageBox::Warning,
-                tr("User and password required for DNS service."));
+        Q_EMIT warned(tr("User and password required for DNS service."));
     else if (services->hasDynamicDns())
         services->updateDns(global->dnsUser, global->dnsPassword);
     else
-        tell(tr("No DNS service configured"));
+        Q_EMIT told(tr("No DNS service configured"));
 }
 
 void Reachability::reply(const WebAnswer *answer)
 {
     if (!answer) {
-        tell(tr("No internet connection"));
+        Q_EMIT told(tr("No internet connection"));
         return;
     }
     if (isDynamicDns(answer->url))
@@ -94,12 +76,12 @@ void Reachability::reply(const WebAnswer *answer)
     else if (isPortCheck(answer->url) && !takePortCheck(*answer))
         return;
 
-    if (!checkedItem)
+    if (!checkedRow)
         return;
     // The check's traffic is the server's.
-    checkedItem->server()->addReceivedBytes(answer->body.size());
+    checkedRow->server()->addReceivedBytes(answer->body.size());
     if (portOpen)
-        askForPassword();
+        warnOfEveryone();
     showReachability();
 }
 
@@ -108,7 +90,7 @@ void Reachability::takeDnsAnswer(const WebAnswer &answer)
     if (isDnsUpdated(answer.body))
         dnsName = services->dnsName(profiles->global()->dnsUser);
     else
-        QDesktopServices::openUrl(answer.url);
+        Q_EMIT pageOffered(answer.url);
 }
 
 bool Reachability::takePortCheck(const WebAnswer &answer)
@@ -121,36 +103,28 @@ bool Reachability::takePortCheck(const WebAnswer &answer)
     return true;
 }
 
-void Reachability::askForPassword()
+void Reachability::warnOfEveryone()
 {
     const bool warns = profiles->global()->warningMode == Qt::Checked;
-    if (asking || !warns || checkedItem->profile()->authMode != AuthNone)
-        return;
-    asking = true;
-    const bool wanted = askYesNo(list->window(),
-                                 tr("The shared files are accessible for everyone.")
-                                     + QLatin1Char('\n') + tr("Do you want to set password?"));
-    asking = false;
-    if (wanted && checkedItem)
-        list->edit(checkedItem->profile(), authenticationPage);
+    if (warns && checkedRow->profile()->authMode == AuthNone)
+        Q_EMIT everyoneAdmitted(checkedRow);
 }
 
 void Reachability::showReachability()
 {
     if (!portOpen)
         Q_EMIT labelChanged(localText());
-    else if (checkedItem)
-        Q_EMIT labelChanged(
-            publicAddressLabel(dnsName, publicAddress, checkedItem->server()->port));
+    else if (checkedRow)
+        Q_EMIT labelChanged(publicAddressLabel(dnsName, publicAddress, checkedRow->server()->port));
 }
 
 void Reachability::noPublic()
 {
-    if (checkedItem)
+    if (checkedRow)
         Q_EMIT labelChanged(localText());
     else
         Q_EMIT labelChanged(QString());
-    checkedItem = nullptr;
+    checkedRow = nullptr;
     portOpen = false;
     publicAddress.clear();
 }
@@ -161,5 +135,5 @@ void Reachability::slotError(QNetworkReply::NetworkError code)
     const bool unreachable = code == QNetworkReply::ConnectionRefusedError
         || code == QNetworkReply::HostNotFoundError || code == QNetworkReply::TimeoutError;
     if (unreachable)
-        tell(tr("No internet connection"));
+        Q_EMIT told(tr("No internet connection"));
 }

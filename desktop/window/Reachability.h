@@ -4,23 +4,25 @@
 #include <QObject>
 #include <QPointer>
 #include <QString>
+#include <QUrl>
 
 #include <optional>
 
-class AddressList;
 class Profiles;
-class ServerItem;
+class ServerRow;
+class ServerRows;
 class WebServices;
 struct PortCheck;
 struct WebAnswer;
 
 /// Finds out whether a server can be reached from the internet and under which names, and keeps
-/// its dynamic-DNS name up to date. A child of the address list, whose label it words.
+/// its dynamic-DNS name up to date. Made by the main window, which shows what it finds.
 class Reachability : public QObject
 {
     Q_OBJECT
 public:
-    Reachability(AddressList *addresses, const Profiles *choice);
+    /// Both are borrowed.
+    Reachability(const ServerRows *servers, const Profiles *choice);
 
     /// The label's text for a server that only the local network reaches.
     static QString localText();
@@ -28,7 +30,7 @@ public:
     WebServices *webServices() const { return services; }
 
 public Q_SLOTS:
-    /// Checks the remembered item's port, or the selected one's, and updates the dynamic-DNS name.
+    /// Checks the remembered row's port, or the current one's, and updates the dynamic-DNS name.
     void loadPublic();
 
     /// The same, but without a word when no service is configured.
@@ -41,7 +43,18 @@ public Q_SLOTS:
     void slotError(QNetworkReply::NetworkError code);
 
 Q_SIGNALS:
+    /// Where the servers can be reached, as HTML.
     void labelChanged(const QString &text);
+
+    /// How a request went, for the status line.
+    void told(const QString &text);
+    void warned(const QString &text);
+
+    /// Everybody on the internet reaches `row`, whose profile asks for no password.
+    void everyoneAdmitted(ServerRow *row);
+
+    /// The provider has something to say that a browser shows.
+    void pageOffered(const QUrl &url);
 
 private:
     std::optional<int> portToCheck();
@@ -49,15 +62,14 @@ private:
     void updateDns();
     void takeDnsAnswer(const WebAnswer &answer);
     bool takePortCheck(const WebAnswer &answer);
-    void askForPassword();
+    void warnOfEveryone();
     void showReachability();
 
-    AddressList *list;
+    const ServerRows *rows;
     const Profiles *profiles;
     WebServices *services;
-    QPointer<ServerItem> checkedItem; ///< whose port is being checked
+    QPointer<ServerRow> checkedRow; ///< whose port is being checked
     bool portOpen = false;
-    bool asking = false; ///< the question about a password is open
     QString publicAddress;
     QString dnsName;
 };

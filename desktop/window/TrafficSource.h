@@ -1,9 +1,8 @@
 #pragma once
 
-#include <QtGlobal>
+#include <QString>
 
-/// The servers whose traffic the status line sums up. The address table implements it; an
-/// implementation takes itself out of `EventHandler::addressList` when it goes.
+/// The servers whose traffic the status line sums up.
 class TrafficSource
 {
 public:
@@ -19,3 +18,11 @@ public:
 private:
     Q_DISABLE_COPY(TrafficSource)
 };
+
+/// A count of bytes as it is shown. In thousands, though the traffic limit is set in units of 1024
+/// bytes.
+inline QString shownKB(qint64 bytes)
+{
+    constexpr qint64 bytesPerShownKB = 1000;
+    return QString::number(bytes / bytesPerShownKB);
+}

@@ -1,89 +1,171 @@
 #pragma once
 
-#include "config/Profiles.h"
+#include "desktop/window/AddressList.h"
 #include "desktop/window/MainWindow.h"
+#include "desktop/window/ServerRow.h"
+#include "tests/support/LiveServer.h"
 
-#include <QList>
-#include <QNetworkAddressEntry>
+#include <QDir>
+#include <QLabel>
+#include <QSettings>
 #include <QTcpServer>
-#include <QTemporaryDir>
+#include <QTest>
 
 #include <functional>
 #include <memory>
 
-/// A home folder, resources and application settings of their own for one test. No profile is
-/// loaded yet: that is the window's.
-class DesktopHome
+/// A port that nothing listens on right now.
+inline quint16 freePort()
 {
-public:
-    DesktopHome();
-    ~DesktopHome() { qputenv("HOME", realHome); }
+    QTcpServer probe;
+    return probe.listen(QHostAddress(QHostAddress::LocalHost)) ? probe.serverPort() : quint16(0);
+}
 
-    QString path(const QByteArray &name = {}) const;
-    void addFile(const QByteArray &name, const QByteArray &content = "x") const;
+/// A home with application settings of its own and a device with loopback addresses.
+struct Device
+{
+    using Prepare = std::function<void(Profile &)>; ///< changes the global profile
 
-private:
-    QTemporaryDir dir;
-    QByteArray realHome = qgetenv("HOME");
+    Device(const Prepare &prepare, int count)
+    {
+        QCoreApplication::setOrganizationName(QStringLiteral("Tessaroy"));
+        QCoreApplication::setApplicationName(QStringLiteral("Quillon"));
+        QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, path("settings"));
+        for (int i = 1; i <= count; ++i)
+            addresses.append(QStringLiteral("127.0.0.%1").arg(i));
+        global()->port = freePort();
+        global()->warningMode = Qt::Unchecked;
+        if (prepare)
+            prepare(*global());
+        global()->save();
+    }
 
-public:
-    Directories directories;
+    QString path(const QByteArray &name) const
+    {
+        return home.path() + QLatin1Char('/') + QString::fromUtf8(name);
+    }
+
+    void addFile(const QByteArray &name, const QByteArray &content = "x") const
+    {
+        QDir().mkpath(QFileInfo(path(name)).absolutePath());
+        QFile file(path(name));
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    }
+
+    AddressSource source() const
+    {
+        return [this] {
+            QList<QNetworkAddressEntry> entries;
+            for (const QString &address : addresses) {
+                entries.append(QNetworkAddressEntry());
+                entries.last().setIp(QHostAddress(address));
+            }
+            return entries;
+        };
+    }
+
+    Profile *global() const { return home.profiles->global(); }
+
+    TestHome home;
+    QStringList addresses; ///< of the device; `lookForChanges` takes changes in
 };
 
-/// A port that nothing listens on right now.
-quint16 freePort();
-
-/// The whole program but its `main`, on loopback addresses.
-class Desktop
+/// `Device::Prepare` for expert mode, on or off.
+inline Device::Prepare inExpertMode(bool on = true)
 {
-public:
-    /// Changes what "Global.conf" says before the window loads it.
-    using Prepare = std::function<void(Profile &)>;
+    return [on](Profile &global) { global.expertMode = on; };
+}
 
-    explicit Desktop(const Prepare &prepare = {}, int addresses = 1);
+/// The rows without a window.
+struct Rows : Device
+{
+    explicit Rows(const Prepare &prepare = {}, int count = 1)
+        : Device(prepare, count)
+    {
+        open();
+    }
 
-    /// Opens the window anew, as the next run would.
-    void open(const char *mode = nullptr);
+    void open()
+    {
+        const auto setup =
+            std::make_shared<ServerSetup>(ServerSetup{ fileRoutes(), &sink, home.directories });
+        rows = std::make_unique<ServerRows>(home.profiles.get(), setup, source());
+    }
 
-    /// Closes the window in order and lets it go.
-    void close();
+    /// The next run, after an orderly end.
+    void reopen()
+    {
+        QVERIFY(rows->end());
+        home.restart();
+        open();
+    }
 
-    /// Shares the file or folder of this name as if it had been chosen.
-    void choose(const QByteArray &name) const { window->fileOrDirSelected(home.path(name)); }
+    ServerRow *row(int index = 0) const { return rows->at(index); }
+    QString shared() const { return row()->server()->shared.filePath(); }
 
+    RecordingSink sink;
+    std::unique_ptr<ServerRows> rows;
+};
+
+/// The whole program but its `main`.
+struct Desktop : Device
+{
+    explicit Desktop(const Prepare &prepare = {}, int count = 1)
+        : Device(prepare, count)
+    {
+        open();
+    }
+
+    void open(const char *mode = nullptr)
+    {
+        window = std::make_unique<MainWindow>(home.profiles.get(), mode, fileRoutes(), source());
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    }
+
+    /// Closes the window in order and lets it go; the next run begins.
+    void close()
+    {
+        QVERIFY(window->close());
+        window.reset();
+        home.restart();
+    }
+
+    ServerRows *rows() const { return window->rows(); }
+    ServerRow *row(int index = 0) const { return window->rows()->at(index); }
     AddressList *list() const { return window->addressList(); }
-    ServerItem *item(int row = 0) const { return list()->getServer(row); }
-    QString shared(int row = 0) const;
-    QString label() const;
-    QString status() const;
 
-    DesktopHome home;
-    QStringList addresses; ///< of the device; `lookForChanges` takes changes in
-    std::unique_ptr<Profiles> profiles;
     std::unique_ptr<MainWindow> window;
 };
 
-/// `Desktop::Prepare` for expert mode, on or off.
-Desktop::Prepare inExpertMode(bool on = true);
-
 /// A small web server that stands in for the web services.
-class StandIn : public QTcpServer
+struct StandIn : QTcpServer
 {
-    Q_OBJECT
-public:
-    StandIn();
+    StandIn()
+    {
+        connect(this, &QTcpServer::newConnection, this, [this] {
+            QTcpSocket *socket = nextPendingConnection();
+            connect(socket, &QTcpSocket::readyRead, this, [this, socket] {
+                requests.append(socket->readAll());
+                socket->write(reply);
+                if (reply.isEmpty() && !silent)
+                    socket->disconnectFromHost();
+            });
+        });
+        listen(QHostAddress(QHostAddress::LocalHost));
+    }
 
     QString base() const { return QStringLiteral("http://127.0.0.1:%1").arg(serverPort()); }
 
     /// What to send from now on; without it requests find a closed connection.
     void answer(const QByteArray &body, const QByteArray &status = "200 OK",
-                const QByteArray &headers = {});
-
-    QList<QByteArray> requests; ///< whole heads
-    bool silent = false; ///< takes requests and never answers
-
-private:
-    void take(QTcpSocket *socket);
+                const QByteArray &headers = {})
+    {
+        reply = "HTTP/1.1 " + status + "\r\n" + headers
+            + "Content-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body;
+    }
 
     QByteArray reply;
+    QList<QByteArray> requests; ///< whole heads
+    bool silent = false; ///< takes requests and never answers
 };

@@ -1,233 +1,346 @@
-#include "desktop/window/MainWindow.h"
+#include "desktop/window/FileMenu.h"
 #include "desktop/window/SavedRows.h"
-#include "desktop/window/ServerItem.h"
 #include "desktop/window/WebServices.h"
 #include "server/Url.h"
+#include "tests/desktop/Desktop.h"
 
-#include <QFile>
-#include <QTemporaryDir>
+#include <QSettings>
 #include <QTest>
 
-/// What needs no window: the rows on disk, addresses, and what web services say.
+namespace {
+
+const QString loopback = QStringLiteral("127.0.0.1");
+constexpr auto openAnswer = R"({"status":"success","message":"Port 80 is open on 192.0.2.7."})";
+
+/// What a `Reachability` says of the rows.
+struct Checked : Rows
+{
+    Checked()
+    {
+        const auto tell = [this](const QString &text) { told = text; };
+        QObject::connect(&reach, &Reachability::told, tell);
+        QObject::connect(&reach, &Reachability::warned, tell);
+        QObject::connect(&reach, &Reachability::pageOffered, [this] { ++pages; });
+        QObject::connect(&reach, &Reachability::labelChanged, [this](auto text) { label = text; });
+        QObject::connect(reach.webServices(), &WebServices::finished, [this] { ++finished; });
+        setService("portCheck", service.base());
+    }
+
+    static void setService(const char *key, const QString &value)
+    {
+        QSettings().setValue(QLatin1String("services/") + QLatin1String(key), value);
+    }
+
+    StandIn service;
+    Reachability reach{ rows.get(), home.profiles.get() };
+    QString label, told;
+    int finished = 0, pages = 0;
+};
+
+} // namespace
+
+/// What needs no window: the rows and what is saved of them, and what web services say.
 class tst_rows : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void roundTrip();
-    void junk_data();
-    void junk();
-    void keptRows();
-    void texts_data();
-    void texts();
-    void portCheck_data();
-    void portCheck();
-    void dnsAnswer();
-    void serviceUrls();
-
-private:
-    static SavedRow row(int port, const QString &addedTo = {});
-
-    const QString first = QStringLiteral("127.0.0.1");
-    const QString second = QStringLiteral("127.0.0.2");
-    QTemporaryDir dir;
-};
-
-SavedRow tst_rows::row(int port, const QString &address)
-{
-    SavedRow saved;
-    saved.port = port;
-    saved.file = QStringLiteral("/a/ü b");
-    saved.profile = QStringLiteral("work");
-    saved.address = address;
-    saved.addedPort = !address.isEmpty();
-    return saved;
-}
-
-void tst_rows::roundTrip()
-{
-    const QString path = dir.filePath(QStringLiteral("round.ini"));
+    void startAndStop()
     {
-        SavedRows rows(path);
-        row(8080).write(rows.settings(), 0);
-        row(8081, first).write(rows.settings(), 1);
-        row(8082).write(rows.settings(), 2);
-        rows.writeRest(3);
-        QVERIFY(rows.flush());
+        Rows device({}, 2);
+        device.addFile("a.txt", "hello");
+        device.row()->start();
+        device.rows->startOrStop(); // one that runs is stopped first
+        QVERIFY(!device.rows->isRunning());
+        device.rows->startOrStop();
+        QVERIFY(device.row(0)->isListening() && device.row(1)->isListening());
+        RawClient client(device.row()->server()->port);
+        QCOMPARE(client.exchange(rawRequest("GET", "/a.txt")).body, QByteArray("hello"));
+        device.rows->startOrStop();
+        QVERIFY(client.waitForClose());
     }
-    const QSettings file(path, QSettings::IniFormat);
-    QCOMPARE(file.value(QStringLiteral("len")).toInt(), 3);
-    QCOMPARE(file.value(QStringLiteral("0/port")).toInt(), 8080);
-    QCOMPARE(file.value(QStringLiteral("0/cnf")).toString(), QStringLiteral("work"));
-    QVERIFY(!file.contains(QStringLiteral("0/address")));
 
-    SavedRows again(path);
-    const SavedRow saved = SavedRow::read(again.settings(), 0);
-    QCOMPARE(saved.file, QStringLiteral("/a/ü b"));
-    QVERIFY(!saved.addedPort);
-    QCOMPARE(again.addedPorts(first), QList<int>{ 1 });
-    QCOMPARE(again.indexOf(1), 2); // the second address of the device
+    void refusals()
+    {
+        QTcpServer other;
+        QVERIFY(other.listen(QHostAddress(loopback)));
+        Rows device(inExpertMode());
+        device.row()->setPort(other.serverPort());
+        device.row()->start();
+        const QString said = device.sink.messages.takeFirst();
+        QVERIFY(said.startsWith(QLatin1String("Unable to start the server\n")));
+        QVERIFY(said.endsWith(QStringLiteral("\n127.0.0.1:%1").arg(other.serverPort())));
 
-    // A row that is an address's own now must not stay an added port in the file.
-    row(5).write(again.settings(), 1);
-    QVERIFY(again.addedPorts(first).isEmpty());
-}
+        // A profile that can't be read gives no protection, until somebody has chosen its values.
+        device.addFile(".quillon/work.cnf", "junk");
+        device.reopen();
+        Profile *work = device.home.profiles->find(QStringLiteral("work"));
+        device.row()->useProfile(work);
+        device.row()->setPort(freePort());
+        device.row()->start();
+        QVERIFY(!device.row()->isListening());
+        QVERIFY(device.sink.messages.takeFirst().endsWith(QLatin1String(".quillon/work.cnf")));
+        QVERIFY(work->save());
+        device.row()->start();
+        QVERIFY(device.row()->isListening());
+    }
 
-void tst_rows::junk_data()
-{
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<int>("port");
-    QTest::addColumn<bool>("damaged");
-    QTest::addColumn<int>("added");
+    void addressComesAndGoes()
+    {
+        for (const bool expert : { false, true }) {
+            Rows device(inExpertMode(expert));
+            device.rows->share(device.path("res"));
+            device.row()->start();
+            const QString url = device.row()->url();
+            device.addresses.clear();
+            device.rows->lookForChanges();
+            QVERIFY(device.sink.messages.value(0).endsWith(QLatin1Char('\n') + url));
+            QVERIFY(!device.rows->current() && !device.rows->hasNetwork());
+            device.addresses.append(loopback);
+            device.rows->lookForChanges();
+            QCOMPARE(device.rows->current()->url() + device.shared(), url + device.path("res"));
+            QTRY_COMPARE(device.global()->useCount, 1);
+        }
+        // Chosen while there is no network.
+        Rows device({}, 0);
+        device.rows->share(device.path("res"));
+        device.addresses.append(loopback);
+        device.reopen();
+        QCOMPARE(device.shared(), device.path("res"));
+    }
 
-    const QByteArray rows = "\n[0]\nport=80\n[7]\nport=81\naddress=127.0.0.1\n";
-    QTest::newRow("no file at all") << QByteArray() << 0 << false << 0;
-    QTest::newRow("a huge number of rows") << "len=2000000000" + rows << 80 << false << 1;
-    QTest::newRow("a negative number of rows") << "len=-5" + rows << 80 << false << 0;
-    QTest::newRow("a port that is no number") << QByteArray("[0]\nport=many") << 0 << true << 0;
-    QTest::newRow("a port past the last") << QByteArray("[0]\nport=65536") << 0 << true << 0;
-    QTest::newRow("an added port that is none")
-        << QByteArray("len=9\n[1]\nport=x\naddress=127.0.0.1\n") << 0 << false << 0;
-    QTest::newRow("bytes of something else")
-        << QByteArray("\0\xff]=[\n\n=\n[[0]\nport\n[1", 21) << 0 << false << 0;
-}
+    void rowsComeBack()
+    {
+        Rows device(inExpertMode(), 2);
+        device.addFile("ü b/a.txt");
+        device.row(0)->share(device.path("ü b"));
+        device.row(0)->setPort(7001);
+        device.row(1)->setPort(7002);
+        device.rows->addPort(device.row(0))->setPort(7003);
+        const QByteArray home = device.home.path().toUtf8();
+        const auto rows = [&] {
+            QStringList all;
+            for (const ServerRow *row : device.rows->all())
+                all.append(row->url().mid(15) + row->server()->shared.filePath());
+            all.sort();
+            return all.join(QLatin1Char('|')).toUtf8().replace(home, "~");
+        };
+        const QByteArray expected = "1:7001~/ü b|1:7003~/ü b|2:7002~";
+        device.reopen();
+        QCOMPARE(rows(), expected);
+        device.addresses.takeFirst();
+        device.rows->lookForChanges();
+        device.addresses.append(loopback);
+        device.rows->lookForChanges();
+        QCOMPARE(rows(), expected);
+        QVERIFY(device.rows->end());
+        const QSettings file(device.path(".quillon/list.ini"), QSettings::IniFormat);
+        QStringList values;
+        for (const char *key :
+             { "len", "0/port", "1/port", "1/cnf", "1/address", "2/port", "2/address" })
+            values.append(file.value(QLatin1String(key)).toString());
+        QCOMPARE(values.join(QLatin1Char(' ')),
+                 QStringLiteral("3 7002 7001 Default  7003 127.0.0.1"));
+    }
 
-void tst_rows::junk()
-{
-    QFETCH(QByteArray, content);
-    const QString path = dir.filePath(QStringLiteral("junk.ini"));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(content);
-    file.close();
+    void currentRow()
+    {
+        Rows device(inExpertMode(), 4);
+        const QList<ServerRow *> rows = device.rows->all();
+        device.rows->setCurrent(2);
+        device.rows->remove(rows.at(0)); // above it
+        QCOMPARE(device.rows->current(), rows.at(2));
+        device.rows->remove(rows.at(2));
+        device.rows->remove(rows.at(3)); // the next, else the last
+        QCOMPARE(device.rows->current(), rows.at(1));
+    }
 
-    SavedRows rows(path);
-    const SavedRow saved = SavedRow::read(rows.settings(), 0);
-    QTEST(saved.port, "port");
-    QTEST(saved.portDamaged, "damaged");
-    QTEST(int(rows.addedPorts(first).size()), "added");
+    void savedRow_data()
+    {
+        QTest::addColumn<bool>("expert");
+        QTest::addColumn<QByteArray>("saved");
+        QTest::addColumn<QString>("taken"); ///< profile, port, messages
+        const auto row = [](const char *name, bool expert, const char *saved, const char *taken) {
+            QTest::newRow(name) << expert << QByteArray(saved) << taken;
+        };
+        row("simple mode takes the saved profile", false, "cnf=work\nport=81", "work 81 0");
+        row("expert mode takes the global one", true, "cnf=work\nport=81", "Default 81 0");
+        row("a profile that is gone", false, "cnf=lost", "Default 8080 0");
+        row("no port and no folder", true, "port=many\nfile=/no/such/<b>", "Default 8080 2");
+        row("a huge number of rows", true,
+            "[General]\nlen=999999999\n[7]\nport=x\naddress=127.0.0.1", "Default 8080 0");
+        row("bytes of something else", true, "\xff]=[\n\n=\n[[0]\nport\n[1", "Default 8080 0");
+    }
 
-    row(8080).write(rows.settings(), 0);
-    QVERIFY(rows.flush());
-    QCOMPARE(SavedRow::read(SavedRows(path).settings(), 0).port, 8080);
-    QFile kept(path + QLatin1String(".bad"));
-    QCOMPARE(kept.open(QIODevice::ReadOnly), content.contains('\0'));
-    if (kept.isOpen())
-        QCOMPARE(kept.readAll(), content);
-    kept.remove();
-}
+    void savedRow()
+    {
+        QFETCH(bool, expert);
+        QFETCH(QByteArray, saved);
+        Rows device([expert](Profile &global) {
+            global.expertMode = expert;
+            global.port = 8080;
+        });
+        const std::unique_ptr<Profile> work = device.global()->clone();
+        work->name = QStringLiteral("work");
+        work->setFileName(work->name);
+        QVERIFY(work->save() && device.rows->end());
+        device.addFile(".quillon/list.ini", "[0]\n" + saved + '\n');
+        device.home.restart();
+        device.open();
+        const ServerRow *row = device.row();
+        QCOMPARE(device.rows->all().size(), 1);
+        QTEST(QStringLiteral("%1 %2 %3")
+                  .arg(row->profile()->name)
+                  .arg(row->server()->port)
+                  .arg(device.sink.messages.size()),
+              "taken");
+        QCOMPARE(QFile::exists(device.path(".quillon/list.ini.bad")), saved.startsWith('\xff'));
+    }
 
-void tst_rows::keptRows()
-{
-    SavedRows rows(dir.filePath(QStringLiteral("kept.ini")));
-    rows.keep(row(1, first));
-    rows.keep(row(2, second));
-    rows.keep(row(3, first));
-    const QList<SavedRow> taken = rows.take(first);
-    QCOMPARE(taken.size(), 2);
-    QCOMPARE(taken.at(1).port, 3);
-    QVERIFY(rows.take(first).isEmpty());
+    void editedPort()
+    {
+        // In expert mode a running row keeps its own.
+        for (const auto &[expert, running] :
+             { std::pair(false, true), std::pair(true, true), std::pair(true, false) }) {
+            Rows device(inExpertMode(expert));
+            const QString before = device.row()->url();
+            if (running)
+                device.row()->start();
+            const std::unique_ptr<Profile> copy = device.global()->clone();
+            copy->port = freePort();
+            device.rows->profileEdited(copy.get());
+            QCOMPARE(device.row()->url() == before, expert && running);
+            QCOMPARE(device.row()->isListening(), running);
+            QVERIFY(device.global()->load() && device.global()->equals(copy.get()));
+        }
+    }
 
-    // The rest goes behind the rows that are there.
-    rows.writeRest(1);
-    QCOMPARE(SavedRow::read(rows.settings(), 1).port, 2);
-    QCOMPARE(rows.settings()->value(QStringLiteral("len")).toInt(), 2);
-}
+    void editedProfileReachesItsRows()
+    {
+        Rows device(inExpertMode(), 2);
+        Profile *work = device.home.profiles->add(device.global()->clone());
+        work->setFileName(QStringLiteral("work"));
+        device.row(1)->useProfile(work);
+        const std::unique_ptr<Profile> copy = work->clone();
+        copy->dataLimit = 77;
+        copy->sslMode = Qt::Checked;
+        device.rows->profileEdited(copy.get());
+        QCOMPARE(device.row(1)->server()->dataLimitBytes(), qint64(77 * 1024));
+        QVERIFY(device.global()->dataLimit == 0 && work->dataLimit == 77);
+        QVERIFY(device.row(1)->url().startsWith(QLatin1String("https://127.0.0.2:")));
+    }
 
-void tst_rows::texts_data()
-{
-    QTest::addColumn<QString>("made");
-    QTest::addColumn<QString>("expected");
+    void statusLine()
+    {
+        Rows device;
+        EventHandler events(nullptr);
+        events.watch(device.rows.get());
+        QString line;
+        connect(&events, &EventHandler::statusChanged, this,
+                [&](const auto &text) { line = text; });
+        device.row()->server()->addReceivedBytes(3999);
+        events.newConnection(QStringLiteral("192.0.2.9"));
+        QCOMPARE(line, QStringLiteral("<center>3KB Last connection: 192.0.2.9</center>"));
+        device.row()->server()->addReceivedBytes(8000);
+        QTRY_COMPARE(line, QStringLiteral("<center>11KB Last connection: 192.0.2.9</center>"));
+    }
 
-    const QHostAddress v4(QStringLiteral("192.0.2.1"));
-    QTest::newRow("plain on its own port") << shortServerUrl(false, v4, 80) << "http://192.0.2.1";
-    QTest::newRow("TLS on its own port") << shortServerUrl(true, v4, 443) << "https://192.0.2.1";
-    QTest::newRow("TLS on the plain port")
-        << shortServerUrl(true, v4, 80) << "https://192.0.2.1:80";
-    QTest::newRow("IPv6 in brackets")
-        << shortServerUrl(false, QHostAddress(QStringLiteral("2001:db8::1")), 81)
-        << "http://[2001:db8::1]:81";
+    void texts()
+    {
+        const QHostAddress v6(QHostAddress::LocalHostIPv6);
+        QCOMPARE(shortServerUrl(true, v6, 80), QStringLiteral("https://[::1]:80"));
+        QCOMPARE(shortServerUrl(false, v6, 80), QStringLiteral("http://[::1]"));
+        const auto label = [](const char *name, int port) {
+            return publicAddressLabel(QLatin1String(name), QStringLiteral("a"), port);
+        };
+        QCOMPARE(label("me", 80), QStringLiteral("<centcer>Public addresses: me , a</center>"));
+        QCOMPARE(label("%1<b>", 81),
+                 QStringLiteral("<center>Public addresses: %1&lt;b&gt;:81 , a:81</center>"));
+        QCOMPARE(recentFileLabel(QStringLiteral("/home/user/abcd/a&/")), QStringLiteral("a&&"));
+    }
 
-    const auto label = [](const char *name, int port) {
-        return publicAddressLabel(QString::fromLatin1(name), QStringLiteral("192.0.2.7"), port);
-    };
-    QTest::newRow("port 80 with a name")
-        << label("me.example", 80) << "<centcer>Public addresses: me.example , 192.0.2.7</center>";
-    QTest::newRow("port 80") << label("", 80) << "<center>Public addresses: 192.0.2.7</center>";
-    QTest::newRow("another port") << label("", 81)
-                                  << "<center>Public addresses: 192.0.2.7:81</center>";
-    QTest::newRow("a name that looks like a placeholder and a tag")
-        << label("%1<b>", 81) << "<center>Public addresses: %1&lt;b&gt;:81 , 192.0.2.7:81</center>";
+    void portCheck_data()
+    {
+        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<QString>("label");
+        QTest::addColumn<int>("counted");
+        const QString open = QStringLiteral("<center>Public addresses: 192.0.2.7:%1</center>");
+        const auto row = [](const char *name, const QByteArray &body, const QString &label) {
+            const int counted = qMin(int(body.size()), WebServices::maxAnswerBytes);
+            QTest::newRow(name) << body << label << (label.isEmpty() ? 0 : counted);
+        };
+        row("open", openAnswer, open);
+        row("closed", R"({"status":"failure","message":"Port"})", Reachability::localText());
+        row("success too early", R"(success  {"status":"other")", Reachability::localText());
+        row("an answer to something else", "<p>busy</p>", {});
+        row("too long", openAnswer + QByteArray(3 * WebServices::maxAnswerBytes, ' '), open);
+    }
 
-    const auto recent = [](const char *path) { return recentFileLabel(QString::fromLatin1(path)); };
-    QTest::newRow("17 characters in full") << recent("/home/user/ab.txt") << "/home/user/ab.txt";
-    QTest::newRow("18 characters by the name") << recent("/home/user/abc.txt") << "abc.txt";
-    QTest::newRow("a folder with a slash") << recent("/home/user/pictures/") << "pictures";
-    QTest::newRow("a name with an ampersand") << recent("/a&b") << "/a&&b";
-}
+    void portCheck()
+    {
+        QFETCH(QByteArray, body);
+        QFETCH(QString, label);
+        Checked device;
+        device.service.answer(body);
+        const int port = device.row()->server()->port;
+        device.reach.loadPublic();
+        QTRY_COMPARE(device.finished, 1);
+        QCOMPARE(device.label, QString(label).replace(QLatin1String("%1"), QString::number(port)));
+        QTEST(int(device.row()->server()->receivedBytes()), "counted");
+        const QByteArray request = device.service.requests.constFirst();
+        QVERIFY(request.startsWith(
+            "GET /tools/open-ports/check.php?portNumber=" + QByteArray::number(port) + " HTTP"));
+        // A port known to be open is not checked again while its server listens.
+        device.row()->start();
+        device.reach.loadPublic();
+        QTRY_COMPARE(device.finished, label.contains(QLatin1String("Public")) ? 1 : 2);
+        device.reach.noPublic();
+        QCOMPARE(device.label, Reachability::localText());
+    }
 
-void tst_rows::texts()
-{
-    QFETCH(QString, made);
-    QTEST(made, "expected");
-}
+    void noAnswer()
+    {
+        for (const QByteArray kind : { "says nothing", "is not there", "hangs up" }) {
+            Checked device;
+            device.service.silent = kind == "says nothing";
+            if (kind == "is not there")
+                device.service.close();
+            device.reach.webServices()->setTimeout(std::chrono::milliseconds(100));
+            device.reach.loadPublic();
+            QTRY_COMPARE(device.told, QStringLiteral("No internet connection"));
+        }
+        Checked device;
+        Checked::setService("portCheck", {});
+        device.reach.loadPublic();
+        QCOMPARE(device.told, QStringLiteral("No port check service configured"));
+        device.global()->dnsEnabled = Qt::Checked;
+        device.reach.loadPublic();
+        QCOMPARE(device.told, QStringLiteral("User and password required for DNS service."));
+    }
 
-void tst_rows::portCheck_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<QString>("result"); ///< empty: not understood
-
-    QTest::newRow("an open port") << QByteArray(
-        R"({"status":"success","message":"Port 80 is open on 192.0.2.7."})")
-                                  << "open 192.0.2.7";
-    QTest::newRow("a closed port")
-        << QByteArray(R"({"status":"failure","message":"Port 80 is closed on 192.0.2.7."})")
-        << "closed 192.0.2.7";
-    QTest::newRow("success too early in the answer")
-        << QByteArray(R"(success  {"status":"other","message":"Port 80 is open on 192.0.2.7."})")
-        << "closed 192.0.2.7";
-    QTest::newRow("something else") << QByteArray("<html>busy</html>") << "";
-    QTest::newRow("nothing") << QByteArray() << "";
-    QTest::newRow("no address in it") << QByteArray("status") << "closed status";
-    QTest::newRow("a quote right at the start of the address")
-        << QByteArray(R"({"status":"success","message":"Port 1 is open on "})") << "open ";
-}
-
-void tst_rows::portCheck()
-{
-    QFETCH(QByteArray, body);
-    const std::optional<PortCheck> check = parsePortCheck(body);
-    QString result;
-    if (check)
-        result = QLatin1String(check->open ? "open " : "closed ") + check->publicAddress;
-    QTEST(result, "result");
-}
-
-void tst_rows::dnsAnswer()
-{
-    const auto updated = [](int position) {
-        return isDnsUpdated(QByteArray(position, '.') + "has been updated" + QByteArray(300, '.'));
-    };
-    QVERIFY(!updated(119)); // only in the head of the page
-    QVERIFY(updated(120));
-    QVERIFY(updated(4000));
-}
-
-void tst_rows::serviceUrls()
-{
-    const QString path = QStringLiteral("/tools/open-ports/check.php?portNumber=80");
-    QCOMPARE(portCheckUrl(QStringLiteral("check.example"), 80),
-             QUrl(QStringLiteral("https://check.example") + path));
-    QCOMPARE(portCheckUrl(QStringLiteral("http://check.example:81/a/"), 80),
-             QUrl(QStringLiteral("http://check.example:81/a") + path));
-    QVERIFY(isPortCheck(portCheckUrl(QStringLiteral("check.example"), 80)));
-
-    const QUrl dns = dynamicDnsUrl(QStringLiteral("http://dns.example"), QStringLiteral("me"),
-                                   QStringLiteral("a#b+&x=1"));
-    QVERIFY(isDynamicDns(dns));
-    QCOMPARE(dns.toEncoded(),
-             QByteArray("http://dns.example/cgi-bin/dynip.cgi?username=me&password=a%23b+&x=1"));
-}
+    void dynamicDns()
+    {
+        for (const QByteArray status : { "200 OK", "403 Forbidden", "302 Found" }) {
+            const bool updated = status.startsWith("200");
+            Checked device;
+            device.global()->dnsUser = device.global()->dnsPassword = QStringLiteral("a#b +c");
+            device.global()->dnsEnabled = Qt::Checked;
+            StandIn elsewhere;
+            // What stands in the head of the page does not count.
+            device.service.answer(QByteArray(updated ? 120 : 119, '.') + "has been updated", status,
+                                  "Location: " + elsewhere.base().toLatin1() + "/\r\n");
+            Checked::setService("portCheck", {});
+            Checked::setService("dns", device.service.base());
+            device.reach.loadPublic();
+            QTRY_COMPARE(device.finished, 1);
+            QVERIFY(device.service.requests.constFirst().startsWith(
+                "GET /cgi-bin/dynip.cgi?username=a%23b%20+c&password=a%23b%20+c HTTP/1.1\r\n"));
+            QVERIFY(elsewhere.requests.isEmpty());
+            QCOMPARE(device.pages, updated ? 0 : 1);
+            QVERIFY(!device.told.contains(QLatin1String("a#b")));
+        }
+    }
+};
 
 QTEST_GUILESS_MAIN(tst_rows)
 #include "tst_rows.moc"

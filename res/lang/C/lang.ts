@@ -32,10 +32,6 @@
         <translation>&lt;center&gt;&lt;b&gt;Network not found&lt;/b&gt;&lt;/center&gt;</translation>
     </message>
     <message>
-        <source>The network address is gone, the server stopped</source>
-        <translation>The network address is gone, the server stopped</translation>
-    </message>
-    <message>
         <source>&lt;center&gt;Accessible on local network</source>
         <translation>&lt;center&gt;Accessible on local network</translation>
     </message>
@@ -445,14 +441,6 @@
         <translation>About Qt</translation>
     </message>
     <message>
-        <source>Select Folder</source>
-        <translation>Select Folder</translation>
-    </message>
-    <message>
-        <source>Select File</source>
-        <translation>Select File</translation>
-    </message>
-    <message>
         <source>&amp;Menu</source>
         <translation>&amp;Menu</translation>
     </message>
@@ -507,6 +495,25 @@
     <message>
         <source>Invalid port</source>
         <translation>Invalid port</translation>
+    </message>
+    <message>
+        <source>The shared files are accessible for everyone.</source>
+        <translation>The shared files are accessible for everyone.</translation>
+    </message>
+    <message>
+        <source>Do you want to set password?</source>
+        <translation>Do you want to set password?</translation>
+    </message>
+</context>
+<context>
+    <name>FileMenu</name>
+    <message>
+        <source>Select Folder</source>
+        <translation>Select Folder</translation>
+    </message>
+    <message>
+        <source>Select File</source>
+        <translation>Select File</translation>
     </message>
 </context>
 <context>
@@ -653,17 +660,9 @@
         <source>No internet connection</source>
         <translation>No internet connection</translation>
     </message>
-    <message>
-        <source>The shared files are accessible for everyone.</source>
-        <translation>The shared files are accessible for everyone.</translation>
-    </message>
-    <message>
-        <source>Do you want to set password?</source>
-        <translation>Do you want to set password?</translation>
-    </message>
 </context>
 <context>
-    <name>ServerItem</name>
+    <name>ServerRow</name>
     <message>
         <source>not exists!</source>
         <translation>not exists!</translation>
@@ -681,12 +680,19 @@
         <translation>Shared now: %1</translation>
     </message>
     <message>
-        <source>Invalid port</source>
-        <translation>Invalid port</translation>
-    </message>
-    <message>
         <source>The profile can&apos;t be used until its settings are saved</source>
         <translation>The profile can&apos;t be used until its settings are saved</translation>
+    </message>
+</context>
+<context>
+    <name>ServerRows</name>
+    <message>
+        <source>The network address is gone, the server stopped</source>
+        <translation>The network address is gone, the server stopped</translation>
+    </message>
+    <message>
+        <source>Invalid port</source>
+        <translation>Invalid port</translation>
     </message>
 </context>
 <context>

@@ -32,10 +32,6 @@
         <translation>&lt;center&gt;&lt;b&gt;Kein Netz gefunden&lt;/b&gt;&lt;/center&gt;</translation>
     </message>
     <message>
-        <source>The network address is gone, the server stopped</source>
-        <translation>Die Netzadresse ist nicht mehr da, der Server wurde gestoppt</translation>
-    </message>
-    <message>
         <source>&lt;center&gt;Accessible on local network</source>
         <translation>&lt;center&gt;Erreichbar im lokalen Netz</translation>
     </message>
@@ -445,14 +441,6 @@
         <translation>Über Qt</translation>
     </message>
     <message>
-        <source>Select Folder</source>
-        <translation>Ordner auswählen</translation>
-    </message>
-    <message>
-        <source>Select File</source>
-        <translation>Datei auswählen</translation>
-    </message>
-    <message>
         <source>&amp;Menu</source>
         <translation>&amp;Menü</translation>
     </message>
@@ -507,6 +495,25 @@
     <message>
         <source>Invalid port</source>
         <translation>Ungültiger Port</translation>
+    </message>
+    <message>
+        <source>The shared files are accessible for everyone.</source>
+        <translation>Die freigegebenen Dateien sind für alle zugänglich.</translation>
+    </message>
+    <message>
+        <source>Do you want to set password?</source>
+        <translation>Möchten Sie ein Passwort setzen?</translation>
+    </message>
+</context>
+<context>
+    <name>FileMenu</name>
+    <message>
+        <source>Select Folder</source>
+        <translation>Ordner auswählen</translation>
+    </message>
+    <message>
+        <source>Select File</source>
+        <translation>Datei auswählen</translation>
     </message>
 </context>
 <context>
@@ -653,17 +660,9 @@
         <source>No internet connection</source>
         <translation>Keine Verbindung zum Internet</translation>
     </message>
-    <message>
-        <source>The shared files are accessible for everyone.</source>
-        <translation>Die freigegebenen Dateien sind für alle zugänglich.</translation>
-    </message>
-    <message>
-        <source>Do you want to set password?</source>
-        <translation>Möchten Sie ein Passwort setzen?</translation>
-    </message>
 </context>
 <context>
-    <name>ServerItem</name>
+    <name>ServerRow</name>
     <message>
         <source>not exists!</source>
         <translation>existiert nicht!</translation>
@@ -681,12 +680,19 @@
         <translation>Jetzt freigegeben: %1</translation>
     </message>
     <message>
-        <source>Invalid port</source>
-        <translation>Ungültiger Port</translation>
-    </message>
-    <message>
         <source>The profile can&apos;t be used until its settings are saved</source>
         <translation>Das Profil kann erst benutzt werden, wenn seine Einstellungen gespeichert sind</translation>
+    </message>
+</context>
+<context>
+    <name>ServerRows</name>
+    <message>
+        <source>The network address is gone, the server stopped</source>
+        <translation>Die Netzadresse ist nicht mehr da, der Server wurde gestoppt</translation>
+    </message>
+    <message>
+        <source>Invalid port</source>
+        <translation>Ungültiger Port</translation>
     </message>
 </context>
 <context>

@@ -32,10 +32,6 @@
         <translation>&lt;center&gt;&lt;b&gt;No se encuentra ninguna red&lt;/b&gt;&lt;/center&gt;</translation>
     </message>
     <message>
-        <source>The network address is gone, the server stopped</source>
-        <translation>La dirección de red ha desaparecido, el servidor se ha detenido</translation>
-    </message>
-    <message>
         <source>&lt;center&gt;Accessible on local network</source>
         <translation>&lt;center&gt;Accesible en la red local</translation>
     </message>
@@ -445,14 +441,6 @@
         <translation>Acerca de Qt</translation>
     </message>
     <message>
-        <source>Select Folder</source>
-        <translation>Elegir carpeta</translation>
-    </message>
-    <message>
-        <source>Select File</source>
-        <translation>Elegir archivo</translation>
-    </message>
-    <message>
         <source>&amp;Menu</source>
         <translation>&amp;Menú</translation>
     </message>
@@ -507,6 +495,25 @@
     <message>
         <source>Invalid port</source>
         <translation>Puerto no válido</translation>
+    </message>
+    <message>
+        <source>The shared files are accessible for everyone.</source>
+        <translation>Los archivos compartidos son accesibles para todos.</translation>
+    </message>
+    <message>
+        <source>Do you want to set password?</source>
+        <translation>¿Quiere poner una contraseña?</translation>
+    </message>
+</context>
+<context>
+    <name>FileMenu</name>
+    <message>
+        <source>Select Folder</source>
+        <translation>Elegir carpeta</translation>
+    </message>
+    <message>
+        <source>Select File</source>
+        <translation>Elegir archivo</translation>
     </message>
 </context>
 <context>
@@ -653,17 +660,9 @@
         <source>No internet connection</source>
         <translation>No hay conexión a Internet</translation>
     </message>
-    <message>
-        <source>The shared files are accessible for everyone.</source>
-        <translation>Los archivos compartidos son accesibles para todos.</translation>
-    </message>
-    <message>
-        <source>Do you want to set password?</source>
-        <translation>¿Quiere poner una contraseña?</translation>
-    </message>
 </context>
 <context>
-    <name>ServerItem</name>
+    <name>ServerRow</name>
     <message>
         <source>not exists!</source>
         <translation>¡no existe!</translation>
@@ -681,12 +680,19 @@
         <translation>Compartido ahora: %1</translation>
     </message>
     <message>
-        <source>Invalid port</source>
-        <translation>Puerto no válido</translation>
-    </message>
-    <message>
         <source>The profile can&apos;t be used until its settings are saved</source>
         <translation>El perfil no se puede usar hasta que se guarden sus ajustes</translation>
+    </message>
+</context>
+<context>
+    <name>ServerRows</name>
+    <message>
+        <source>The network address is gone, the server stopped</source>
+        <translation>La dirección de red ha desaparecido, el servidor se ha detenido</translation>
+    </message>
+    <message>
+        <source>Invalid port</source>
+        <translation>Puerto no válido</translation>
     </message>
 </context>
 <context>

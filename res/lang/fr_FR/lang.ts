@@ -32,10 +32,6 @@
         <translation>&lt;center&gt;&lt;b&gt;Aucun réseau trouvé&lt;/b&gt;&lt;/center&gt;</translation>
     </message>
     <message>
-        <source>The network address is gone, the server stopped</source>
-        <translation>L’adresse réseau a disparu, le serveur s’est arrêté</translation>
-    </message>
-    <message>
         <source>&lt;center&gt;Accessible on local network</source>
         <translation>&lt;center&gt;Accessible sur le réseau local</translation>
     </message>
@@ -445,14 +441,6 @@
         <translation>À propos de Qt</translation>
     </message>
     <message>
-        <source>Select Folder</source>
-        <translation>Choisir un dossier</translation>
-    </message>
-    <message>
-        <source>Select File</source>
-        <translation>Choisir un fichier</translation>
-    </message>
-    <message>
         <source>&amp;Menu</source>
         <translation>&amp;Menu</translation>
     </message>
@@ -507,6 +495,25 @@
     <message>
         <source>Invalid port</source>
         <translation>Port non valide</translation>
+    </message>
+    <message>
+        <source>The shared files are accessible for everyone.</source>
+        <translation>Les fichiers partagés sont accessibles à tous.</translation>
+    </message>
+    <message>
+        <source>Do you want to set password?</source>
+        <translation>Voulez-vous définir un mot de passe&#xa0;?</translation>
+    </message>
+</context>
+<context>
+    <name>FileMenu</name>
+    <message>
+        <source>Select Folder</source>
+        <translation>Choisir un dossier</translation>
+    </message>
+    <message>
+        <source>Select File</source>
+        <translation>Choisir un fichier</translation>
     </message>
 </context>
 <context>
@@ -653,17 +660,9 @@
         <source>No internet connection</source>
         <translation>Pas de connexion à Internet</translation>
     </message>
-    <message>
-        <source>The shared files are accessible for everyone.</source>
-        <translation>Les fichiers partagés sont accessibles à tous.</translation>
-    </message>
-    <message>
-        <source>Do you want to set password?</source>
-        <translation>Voulez-vous définir un mot de passe&#xa0;?</translation>
-    </message>
 </context>
 <context>
-    <name>ServerItem</name>
+    <name>ServerRow</name>
     <message>
         <source>not exists!</source>
         <translation>n’existe pas&#xa0;!</translation>
@@ -681,12 +680,19 @@
         <translation>Partagé maintenant&#xa0;: %1</translation>
     </message>
     <message>
-        <source>Invalid port</source>
-        <translation>Port non valide</translation>
-    </message>
-    <message>
         <source>The profile can&apos;t be used until its settings are saved</source>
         <translation>Le profil ne peut pas servir tant que ses réglages ne sont pas enregistrés</translation>
+    </message>
+</context>
+<context>
+    <name>ServerRows</name>
+    <message>
+        <source>The network address is gone, the server stopped</source>
+        <translation>L’adresse réseau a disparu, le serveur s’est arrêté</translation>
+    </message>
+    <message>
+        <source>Invalid port</source>
+        <translation>Port non valide</translation>
     </message>
 </context>
 <context>

@@ -1,0 +1,117 @@
+#include "desktop/window/ServerRow.h"
+
+#include "config/Profiles.h"
+#include "server/StatusSink.h"
+#include "server/Url.h"
+
+#include <QDir>
+
+QString missingText(const QString &path)
+{
+    return QLatin1Char('"') + path + QLatin1String("\" ") + ServerRow::tr("not exists!");
+}
+
+ServerRow::ServerRow(const Profiles *choice, const QNetworkAddressEntry &address,
+                     std::shared_ptr<const ServerSetup> common, QObject *parent)
+    : QObject(parent)
+    , profiles(choice)
+    , setup(std::move(common))
+    , m_server(new WebServer(address, choice->global(), setup, this))
+{
+}
+
+ServerRow::ServerRow(const ServerRow *first, QObject *parent)
+    : QObject(parent)
+    , profiles(first->profiles)
+    , setup(first->setup)
+    , m_server(new WebServer(first->m_server, this))
+    , addedPort(true)
+{
+}
+
+QString ServerRow::url() const
+{
+    return shortServerUrl(profile()->usesTls(), address(), m_server->port);
+}
+
+void ServerRow::start()
+{
+    if (!profile()->isUsable())
+        return tell(tr("The profile can't be used until its settings are saved"),
+                    profile()->fileName());
+    if (!m_server->start())
+        return tell(tr("Unable to start the server"),
+                    QStringLiteral("%1\n%2:%3")
+                        .arg(m_server->errorString(), address().toString(),
+                             QString::number(m_server->port)));
+    Q_EMIT reachChanged();
+    const QString path = m_server->shared.filePath();
+    if (!QFileInfo::exists(path))
+        tell(missingText(path), tr("Choose what to share."));
+}
+
+void ServerRow::stop()
+{
+    m_server->stopAll();
+    Q_EMIT reachChanged();
+}
+
+void ServerRow::setPort(int port)
+{
+    if (port == m_server->port || !isPort(port))
+        return;
+    m_server->port = quint16(port);
+    Q_EMIT changed();
+    if (!isListening())
+        return;
+    m_server->stop();
+    Q_EMIT reachChanged();
+    start();
+}
+
+void ServerRow::share(const QString &path)
+{
+    m_server->setShared(path);
+    if (m_server->shared != QFileInfo(path))
+        tell(missingText(path), tr("Shared now: %1").arg(m_server->shared.absoluteFilePath()));
+}
+
+void ServerRow::useProfile(Profile *profile)
+{
+    m_server->setProfile(profile);
+    Q_EMIT reachChanged();
+}
+
+void ServerRow::profileChanged()
+{
+    // In expert mode ports are set per row, so that a listening server keeps its own.
+    if (!isListening() || !profiles->global()->expertMode)
+        setPort(profile()->port);
+    Q_EMIT changed();
+}
+
+SavedRow ServerRow::state() const
+{
+    SavedRow row;
+    row.port = m_server->port;
+    row.file = m_server->shared.absoluteFilePath();
+    row.profile = profile()->name;
+    row.address = address().toString();
+    row.addedPort = addedPort;
+    return row;
+}
+
+void ServerRow::takeState(const SavedRow &saved)
+{
+    Profile *named = saved.profile.isEmpty() ? nullptr : profiles->find(saved.profile);
+    if (named)
+        m_server->setProfile(named);
+    share(saved.file.isEmpty() ? QDir::homePath() : saved.file);
+    setPort(saved.port > 0 ? saved.port : profiles->global()->port);
+    Q_EMIT changed();
+}
+
+void ServerRow::tell(const QString &title, const QString &text) const
+{
+    setup->sink->msg(title, text);
+}

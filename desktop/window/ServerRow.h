@@ -1,0 +1,81 @@
+#pragma once
+
+#include "desktop/settings/ProfileUser.h"
+#include "desktop/window/SavedRows.h"
+#include "server/WebServer.h"
+
+#include <QObject>
+#include <QString>
+
+#include <memory>
+
+class Profiles;
+
+/// What to say of content that is gone.
+QString missingText(const QString &path);
+
+/// One row of the address table: an address and port with a server of its own. A child of the
+/// rows, which make it and let it go.
+class ServerRow : public QObject, public ProfileUser
+{
+    Q_OBJECT
+public:
+    /// A row for a new server on `address` that runs with the global profile of `choice`.
+    ServerRow(const Profiles *choice, const QNetworkAddressEntry &address,
+              std::shared_ptr<const ServerSetup> common, QObject *parent);
+
+    /// A further port of the address of `first`, with its profile and shared content.
+    ServerRow(const ServerRow *first, QObject *parent);
+
+    WebServer *server() const { return m_server; }
+    QHostAddress address() const { return m_server->ip(); }
+    bool isListening() const { return m_server->isListening(); }
+
+    /// The row is a further port of an address, added by the user.
+    bool isAddedPort() const { return addedPort; }
+
+    /// The address that a browser uses.
+    QString url() const;
+
+    /// Starts the server; when that fails or its profile can't be used, the status sink hears why.
+    void start();
+
+    /// Stops listening and cuts all connections.
+    void stop();
+
+    void toggle() { isListening() ? stop() : start(); }
+
+    /// Takes another port, from 1 to 65535; a listening server starts again on it while its open
+    /// connections go on.
+    void setPort(int port);
+
+    /// Shares a file or folder. When it can't be read, the home folder takes its place and the
+    /// status sink hears so.
+    void share(const QString &path);
+
+    Profile *profile() const override { return m_server->config; }
+    void useProfile(Profile *profile) override;
+
+    /// The values of the row's profile have changed.
+    void profileChanged();
+
+    SavedRow state() const;
+
+    /// Goes on as `saved` says; what it does not say is the global profile's or the home folder.
+    void takeState(const SavedRow &saved);
+
+Q_SIGNALS:
+    /// What is shown of the row is another now.
+    void changed();
+
+    /// The server started or stopped, or its URL is another.
+    void reachChanged();
+
+private:
+    void tell(const QString &title, const QString &text) const;
+
+    const Profiles *profiles;
+    std::shared_ptr<const ServerSetup> setup;
+    WebServer *m_server; ///< a child
+    bool addedPort = false;
+};
