@@ -45,7 +45,8 @@ bool LineWriter::pass(QByteArray bytes)
         if (!hasRoom(fd))
             return false;
         // A pipe that has room takes this much at once.
-        const auto taken = ::write(fd, bytes.constData(), std::min(bytes.size(), PIPE_BUF));
+        const auto most = std::min(std::size_t(bytes.size()), std::size_t(PIPE_BUF));
+        const auto taken = ::write(fd, bytes.constData(), most);
         if (taken < 0 && errno == EINTR)
             continue;
         if (taken <= 0)

@@ -95,8 +95,8 @@ bool isMissing(const QString &path)
 
 } // namespace
 
-Profile::Profile(const Directories &where)
-    : m_directories(where)
+Profile::Profile(Directories where)
+    : m_directories(std::move(where))
 {
     resetKeys();
 }

@@ -57,7 +57,7 @@ public:
     };
 
     /// A profile of defaults without a file; default keys are those of `where`.
-    explicit Profile(const Directories &where);
+    explicit Profile(Directories where);
 
     /// The profile stored as `fileName` ("Global.conf", "work.cnf") in the folder of the profiles;
     /// see `load`.

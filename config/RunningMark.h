@@ -9,9 +9,9 @@
 class RunningMark
 {
 public:
-    /// Makes `folder` and the file in it. When that fails there is no mark, but neighbours are
-    /// found all the same.
-    explicit RunningMark(const QString &folder);
+    /// Makes the folder `marks` and the file in it. When that fails there is no mark, but
+    /// neighbours are found all the same.
+    explicit RunningMark(const QString &marks);
 
     void release();
 

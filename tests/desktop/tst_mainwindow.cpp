@@ -6,7 +6,6 @@
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/Widgets.h"
 
-#include <QAction>
 #include <QMenu>
 #include <QPushButton>
 

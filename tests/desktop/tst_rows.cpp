@@ -4,9 +4,6 @@
 #include "server/Url.h"
 #include "tests/desktop/Desktop.h"
 
-#include <QSettings>
-#include <QTest>
-
 namespace {
 
 const QString loopback = QStringLiteral("127.0.0.1");
