@@ -2,6 +2,7 @@
 #include "app/Process.h"
 #include "app/WorkingFolder.h"
 #include "config/Profiles.h"
+#include "desktop/look/Look.h"
 #include "desktop/look/StartUp.h"
 #include "desktop/window/MainWindow.h"
 
@@ -21,14 +22,15 @@ int main(int argc, char **argv)
     QApplication::setApplicationName(QStringLiteral("Quillon"));
     QApplication::setApplicationVersion(QStringLiteral(QUILLON_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("example.quillon.Quillon"));
-    applyStoredLook();
+    Look look;
+    look.takeStored();
     const Directories directories = Directories::ofProcess();
     const bool hasFolder = directories.makeProfileFolder();
     const WorkingFolder workingFolder;
     installTranslators(&app, directories.language);
 
     Profiles profiles(directories);
-    MainWindow window(&profiles, argc > 1 ? argv[1] : nullptr, allRoutes());
+    MainWindow window(&profiles, &look, argc > 1 ? argv[1] : nullptr, allRoutes());
     if (!hasFolder)
         window.events()->msg(MainWindow::tr("Can't make the folder"), directories.profiles);
     if (!workingFolder.isEntered())

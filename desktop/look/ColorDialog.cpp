@@ -1,5 +1,6 @@
 #include "desktop/look/ColorDialog.h"
 
+#include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/Fields.h"
 
 #include <QButtonGroup>

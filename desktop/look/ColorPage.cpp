@@ -1,11 +1,10 @@
 #include "desktop/look/ColorPage.h"
 
 #include "desktop/look/ColorDialog.h"
-#include "desktop/look/StylePage.h"
+#include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/Fields.h"
 
 #include <QApplication>
-#include <QSettings>
 #include <QStyle>
 #include <QVBoxLayout>
 
@@ -21,38 +20,25 @@ void showColor(QPushButton *button, const QColor &color)
 
 } // namespace
 
-ColorPage::ColorPage(QWidget *parent)
-    : QWidget(parent)
+ColorPage::ColorPage()
 {
     QVBoxLayout *body = addFrame(this, tr("Color Settings"));
-    const auto add = [this, body](const QString &label, void (ColorPage::*slot)()) {
-        auto *added = new Finger<QPushButton>(label);
-        added->setAutoDefault(false);
-        added->setIconSize(swatchSize);
-        body->addWidget(added);
-        connect(added, &QPushButton::clicked, this, slot);
-        return added;
-    };
-    background = add(tr("Background"), &ColorPage::setBackground);
-    text = add(tr("Text"), &ColorPage::setText);
-    button = add(tr("Button"), &ColorPage::setButton);
-    add(tr("Set to default"), &ColorPage::setDefault);
-    setPalette(QApplication::palette());
+    background = addColor(body, tr("Background"), QPalette::Window);
+    text = addColor(body, tr("Text"), QPalette::Text);
+    button = addColor(body, tr("Button"), QPalette::Button);
+    QPushButton *restore = newButton(tr("Set to default"));
+    body->addWidget(restore);
+    connect(restore, &QPushButton::clicked, this, &ColorPage::setDefault);
+    setColors(QApplication::palette());
 }
 
-void ColorPage::setBackground()
+QPushButton *ColorPage::addColor(QVBoxLayout *body, const QString &name, QPalette::ColorRole role)
 {
-    choose(QPalette::Window, tr("Background"));
-}
-
-void ColorPage::setText()
-{
-    choose(QPalette::Text, tr("Text"));
-}
-
-void ColorPage::setButton()
-{
-    choose(QPalette::Button, tr("Button"));
+    QPushButton *added = newButton(name);
+    added->setIconSize(swatchSize);
+    body->addWidget(added);
+    connect(added, &QPushButton::clicked, this, [this, role, name] { choose(role, name); });
+    return added;
 }
 
 void ColorPage::choose(QPalette::ColorRole role, const QString &title)
@@ -62,34 +48,20 @@ void ColorPage::choose(QPalette::ColorRole role, const QString &title)
         return;
     QPalette palette = chosen;
     palette.setColor(QPalette::All, role, *color);
-    setPalette(palette);
+    setColors(palette);
     Q_EMIT controlChanged();
 }
 
 void ColorPage::setDefault()
 {
-    setPalette(QApplication::style()->standardPalette());
+    setColors(QApplication::style()->standardPalette());
     Q_EMIT controlChanged();
 }
 
-void ColorPage::setPalette(const QPalette &palette)
+void ColorPage::setColors(const QPalette &colors)
 {
-    chosen = palette;
+    chosen = colors;
     showColor(background, chosen.color(QPalette::Window));
     showColor(text, chosen.color(QPalette::Text));
     showColor(button, chosen.color(QPalette::Button));
-}
-
-void ColorPage::apply(QSettings *settings)
-{
-    // `StylePage::setPalette` reads these keys into other roles, on purpose.
-    const QColor window = chosen.color(QPalette::Window);
-    const QColor letters = chosen.color(QPalette::Text);
-    settings->beginGroup(StylePage::currentStyle());
-    settings->setValue(QStringLiteral("Cbase"), window);
-    settings->setValue(QStringLiteral("Ctext"), letters);
-    settings->setValue(QStringLiteral("Cbutton"), chosen.color(QPalette::Button));
-    settings->setValue(QStringLiteral("Cwbase"), window);
-    settings->setValue(QStringLiteral("Cbtext"), letters);
-    settings->endGroup();
 }

@@ -4,36 +4,29 @@
 #include <QWidget>
 
 class QPushButton;
-class QSettings;
+class QVBoxLayout;
 
-/// The page that chooses the colours of the current style. They take effect when applied.
+/// The page that chooses the colours of the style in use. They take effect when applied.
 /// A child of the look-and-feel dialog.
 class ColorPage : public QWidget
 {
     Q_OBJECT
 
 public:
-    explicit ColorPage(QWidget *parent);
+    ColorPage();
 
     const QPalette &colors() const { return chosen; }
+
+    /// Shows and takes these colours as if they had been chosen, without a word.
+    void setColors(const QPalette &colors);
 
 Q_SIGNALS:
     void controlChanged();
 
-public Q_SLOTS:
-    void setBackground();
-    void setText();
-    void setButton();
-    void setDefault();
-
-    /// Shows the colours of `palette`; not the palette of this widget.
-    void setPalette(const QPalette &palette);
-
-    /// Stores the colours for the current style.
-    void apply(QSettings *settings);
-
 private:
+    QPushButton *addColor(QVBoxLayout *body, const QString &name, QPalette::ColorRole role);
     void choose(QPalette::ColorRole role, const QString &title);
+    void setDefault();
 
     QPalette chosen;
     QPushButton *background;

@@ -1,5 +1,6 @@
 #include "desktop/look/FontPage.h"
 
+#include "desktop/look/Look.h"
 #include "desktop/widgets/Fields.h"
 
 #include <QApplication>
@@ -8,20 +9,18 @@
 
 namespace {
 
-constexpr int smallestSize = 3; // points
-constexpr int largestSize = 24; // points
+constexpr int largestOffered = 24; // points
 
 } // namespace
 
-FontPage::FontPage(QWidget *parent)
-    : QWidget(parent)
-    , chosen(QApplication::font())
+FontPage::FontPage()
+    : chosen(QApplication::font())
     , preview(new QLabel(tr("This is how texts will look.")))
 {
     // The font may be measured in pixels.
     if (chosen.pointSize() < 1)
         chosen.setPointSize(QFontInfo(chosen).pointSize());
-    auto *size = new StepField(smallestSize, largestSize);
+    auto *size = new StepField(Look::smallestFont, largestOffered);
     size->spinBox()->setValue(chosen.pointSize());
     preview->setWordWrap(true);
 

@@ -12,17 +12,16 @@ class FontPage : public QWidget
     Q_OBJECT
 
 public:
-    explicit FontPage(QWidget *parent);
+    FontPage();
 
     const QFont &chosenFont() const { return chosen; }
 
 Q_SIGNALS:
     void controlChanged();
 
-private Q_SLOTS:
+private:
     void setSize(int points);
 
-private:
     QFont chosen;
     QLabel *preview;
 };

@@ -1,16 +1,14 @@
 #pragma once
 
 #include <QDialog>
-#include <QPalette>
-#include <QSettings>
 
-class PageView;
-class FontPage;
 class ColorPage;
-class StylePage;
+class FontPage;
+class Look;
+class PageView;
 class QLayout;
-class QListWidgetItem;
 class QPushButton;
+class StylePage;
 
 /// The "Look&Feel Settings": style, colours and font size of the whole program.
 /// Run it with `exec()`; closing it without "Apply" brings back the look applied last.
@@ -19,28 +17,24 @@ class LookDialog : public QDialog
     Q_OBJECT
 
 public:
-    explicit LookDialog(QWidget *parent);
+    /// `edited` is borrowed.
+    LookDialog(Look *edited, QWidget *parent);
 
     /// Every way to close leads here: drops what was tried and remembers the page.
     void done(int result) override;
 
-public Q_SLOTS:
-    void apply();
-    void close();
-    void changePage(QListWidgetItem *current, QListWidgetItem *previous);
-    void controlChanged();
-
 private:
+    void addPages();
     QLayout *newButtons();
+    void apply();
+    void showPage(int row);
     void warnAboutColors();
-    void holdLook();
+    void enableApply();
 
-    QSettings settings;
-    QString heldStyle; ///< the style applied last, or at opening
-    QPalette heldPalette; ///< the palette that goes with it
+    Look *look;
     PageView *view;
+    StylePage *styles;
     ColorPage *colors;
     FontPage *fonts;
-    StylePage *styles;
     QPushButton *applyButton;
 };

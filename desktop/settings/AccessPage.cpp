@@ -1,6 +1,7 @@
 #include "desktop/settings/AccessPage.h"
 
 #include "desktop/settings/UserDialog.h"
+#include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/Fields.h"
 
 #include <QFormLayout>
@@ -76,27 +77,20 @@ private:
     const bool &visible;
 };
 
-QPushButton *panelButton(const QString &text)
-{
-    auto *button = new Finger<QPushButton>(text);
-    button->setAutoDefault(false);
-    return button;
-}
-
 } // namespace
 
-AccessPage::AccessPage(QWidget *parent)
-    : SettingsPage(tr("Authentication Settings"), parent)
+AccessPage::AccessPage(Profile *copy)
+    : SettingsPage(copy, tr("Authentication Settings"))
     , modes(new ChoiceBox)
     , panels(new QStackedWidget)
 {
     modes->addItems({ tr("None"), tr("Password only"), tr("Basic HTTP") });
-    modes->setCurrentIndex(conf->authMode);
+    modes->setCurrentIndex(workingCopy->authMode);
     modes->setAccessibleName(tr("Authentication mode"));
     panels->addWidget(new QWidget);
     panels->addWidget(passwordPanel());
     panels->addWidget(usersPanel());
-    panels->setCurrentIndex(conf->authMode);
+    panels->setCurrentIndex(workingCopy->authMode);
 
     body()->addWidget(modes);
     body()->addWidget(panels);
@@ -135,8 +129,8 @@ QWidget *AccessPage::usersPanel()
     fillTable();
 
     auto *show = new SwitchBox(tr("Show passwords"));
-    QPushButton *add = panelButton(tr("Add user"));
-    QPushButton *remove = panelButton(tr("Remove user"));
+    QPushButton *add = newButton(tr("Add user"));
+    QPushButton *remove = newButton(tr("Remove user"));
 
     auto *panel = new QWidget;
     auto *grid = new QGridLayout(panel);
@@ -156,7 +150,7 @@ QWidget *AccessPage::usersPanel()
 
 void AccessPage::fillTable()
 {
-    for (const QString &account : std::as_const(conf->users)) {
+    for (const QString &account : std::as_const(workingCopy->users)) {
         // A password may hold colons itself.
         const int colon = int(account.indexOf(separator));
         const QString user = colon < 0 ? account : account.left(colon);

@@ -12,7 +12,7 @@ class AccessPage : public SettingsPage
     Q_OBJECT
 
 public:
-    explicit AccessPage(QWidget *parent = nullptr);
+    explicit AccessPage(Profile *copy);
 
 private Q_SLOTS:
     void setMode(int mode);

@@ -4,8 +4,8 @@
 
 #include <QFormLayout>
 
-DnsPage::DnsPage(QWidget *parent)
-    : SettingsPage(tr("DNS Settings"), parent)
+DnsPage::DnsPage(Profile *copy)
+    : SettingsPage(copy, tr("DNS Settings"))
 {
     addCheckBox(tr("Enable DNS Service"), &ProfileValues::dnsEnabled);
 

@@ -8,5 +8,5 @@ class DnsPage : public SettingsPage
     Q_OBJECT
 
 public:
-    explicit DnsPage(QWidget *parent = nullptr);
+    explicit DnsPage(Profile *copy);
 };

@@ -1,7 +1,7 @@
 #include "desktop/settings/FolderPage.h"
 
-FolderPage::FolderPage(QWidget *parent)
-    : SettingsPage(tr("Folder View Settings"), parent)
+FolderPage::FolderPage(Profile *copy)
+    : SettingsPage(copy, tr("Folder View Settings"))
 {
     addCheckBox(tr("Show images"), &ProfileValues::showImages);
     addCheckBox(tr("Enable deleting"), &ProfileValues::enableDelete);

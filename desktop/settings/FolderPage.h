@@ -9,5 +9,5 @@ class FolderPage : public SettingsPage
     Q_OBJECT
 
 public:
-    explicit FolderPage(QWidget *parent = nullptr);
+    explicit FolderPage(Profile *copy);
 };

@@ -13,8 +13,8 @@ constexpr int longestLifetime = 10000; // seconds
 
 } // namespace
 
-LimitsPage::LimitsPage(QWidget *parent)
-    : SettingsPage(tr("Server Settings 2"), parent)
+LimitsPage::LimitsPage(Profile *copy)
+    : SettingsPage(copy, tr("Server Settings 2"))
 {
     auto *connections = new StepField(1, mostConnections);
     bind(connections->spinBox(), &ProfileValues::maxConnections);

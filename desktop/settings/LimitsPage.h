@@ -8,5 +8,5 @@ class LimitsPage : public SettingsPage
     Q_OBJECT
 
 public:
-    explicit LimitsPage(QWidget *parent = nullptr);
+    explicit LimitsPage(Profile *copy);
 };

@@ -2,8 +2,10 @@
 
 #include "config/Profiles.h"
 #include "desktop/settings/ProfileUser.h"
+#include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/Fields.h"
 #include "desktop/widgets/InputDialog.h"
+#include "desktop/widgets/Prompts.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -36,13 +38,6 @@ QString listedName(const Profile *profile)
     return profile->name.isEmpty() ? QFileInfo(profile->fileName()).fileName() : profile->name;
 }
 
-QPushButton *dialogButton(const QString &text)
-{
-    auto *button = new Finger<QPushButton>(text);
-    button->setAutoDefault(false);
-    return button;
-}
-
 } // namespace
 
 ProfileDialog::ProfileDialog(Profiles *choice, ProfileUser *user, QWidget *parent)
@@ -57,8 +52,8 @@ ProfileDialog::ProfileDialog(Profiles *choice, ProfileUser *user, QWidget *paren
     list->setCurrentIndex(profiles->indexOf(user->profile()));
 
     const QString caption = tr("Select profile or edit profile name");
-    QPushButton *create = dialogButton(tr("New profile"));
-    QPushButton *remove = dialogButton(tr("Remove profile"));
+    QPushButton *create = newButton(tr("New profile"));
+    QPushButton *remove = newButton(tr("Remove profile"));
 
     auto *grid = new QGridLayout(this);
     grid->addWidget(newCaption(caption, list), 0, 0, 1, 2);

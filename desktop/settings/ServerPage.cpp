@@ -1,8 +1,10 @@
 #include "desktop/settings/ServerPage.h"
 
+#include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/Fields.h"
+#include "desktop/widgets/Prompts.h"
 
-#include <QFileDialog>
+#include <QFileInfo>
 #include <QFormLayout>
 #include <QVBoxLayout>
 
@@ -11,37 +13,34 @@ namespace {
 // Less than the label promises, as it always was.
 constexpr int highestPort = 65000;
 constexpr QSize browseIconSize(32, 32);
-constexpr QSize usualSize(640, 440); // of the file dialog
 constexpr int httpPort = 80;
 constexpr int httpsPort = 443;
 
 QToolButton *browseButton(const QString &name)
 {
     auto *button = new Finger<QToolButton>;
-    button->setIcon(fileIcon(QStringLiteral(":/icons/find.png")));
+    button->setIcon(QIcon(QStringLiteral(":/icons/find.png")));
     button->setIconSize(browseIconSize);
-    if (button->icon().isNull())
-        button->setText(QStringLiteral("..."));
     button->setAccessibleName(name);
     button->setToolTip(name);
     return button;
 }
 
-/// The path of an existing file, empty when the user gives none. The search starts beside `path`.
-QString askForFile(QWidget *parent, const QString &title, const QString &path,
-                   const QString &filter)
-{
-    QFileDialog dialog(parent, title, QFileInfo(path).path(), filter);
-    dialog.setFileMode(QFileDialog::ExistingFile);
-    sizeForFingers(&dialog);
-    fitToScreen(&dialog, usualSize);
-    return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
-}
-
 } // namespace
 
-ServerPage::ServerPage(bool rootMode, QWidget *parent)
-    : SettingsPage(tr("Server Settings"), parent)
+/// One of the two key files, as the user meets it.
+struct ServerPage::KeyFile
+{
+    QString caption;
+    QString helpName;
+    QString browse; ///< names the button that opens the chooser
+    QString title; ///< of the chooser
+    QString filter;
+    QString ProfileValues::*path;
+};
+
+ServerPage::ServerPage(Profile *copy, bool rootMode)
+    : SettingsPage(copy, tr("Server Settings"))
     , usesOwnPorts(rootMode)
 {
     addCheckBox(tr("Show warning messages"), &ProfileValues::warningMode);
@@ -55,11 +54,10 @@ ServerPage::ServerPage(bool rootMode, QWidget *parent)
     addRow(form, tr("Port [1 - 65535]:"), portField, QStringLiteral("port"));
     addKeyControls(form);
 
-    auto *restore = new Finger<QPushButton>(tr("Restore default keys"));
-    restore->setAutoDefault(false);
+    QPushButton *restore = newButton(tr("Restore default keys"));
     body()->addWidget(restore, 0, Qt::AlignLeft);
 
-    connect(ssl, &QCheckBox::stateChanged, this, &ServerPage::setSslMode);
+    connect(ssl, &QCheckBox::stateChanged, this, &ServerPage::followSslMode);
     connect(restore, &QPushButton::clicked, this, &ServerPage::restoreKeys);
     enableKeyControls();
 }
@@ -67,85 +65,60 @@ ServerPage::ServerPage(bool rootMode, QWidget *parent)
 void ServerPage::addKeyControls(QFormLayout *form)
 {
     // Made in the order of the rows, which the Tab key follows.
-    privateKey = new Finger<QLineEdit>;
-    privateKey->setText(conf->privateKeyFile);
-    QToolButton *findPrivate = browseButton(tr("Browse for the private key"));
-    addRow(form, tr("Private key:"), privateKey, QStringLiteral("privkey"), findPrivate);
+    privateKey = addKeyFile(form,
+                            { tr("Private key:"), QStringLiteral("privkey"),
+                              tr("Browse for the private key"), tr("Open Private Key File"),
+                              tr("Private Key") + QLatin1String(" (*.key *.csr)"),
+                              &ProfileValues::privateKeyFile });
 
     auto *password = new PasswordField;
     keyPassword = password->edit();
     bind(keyPassword, &ProfileValues::keyPassword);
     addRow(form, tr("Password:"), password, QStringLiteral("passwd"));
+    keyControls.append(password);
 
-    publicKey = new Finger<QLineEdit>;
-    publicKey->setText(conf->publicKeyFile);
-    QToolButton *findPublic = browseButton(tr("Browse for the public key"));
-    addRow(form, tr("Public key:"), publicKey, QStringLiteral("pubkey"), findPublic);
+    publicKey = addKeyFile(form,
+                           { tr("Public key:"), QStringLiteral("pubkey"),
+                             tr("Browse for the public key"), tr("Open Public Key File"),
+                             tr("Public Key") + QLatin1String(" (*.pub *.crx *.crt *.cer)"),
+                             &ProfileValues::publicKeyFile });
+}
 
-    keyControls = { privateKey, findPrivate, password, publicKey, findPublic };
-
-    connect(privateKey, &QLineEdit::textChanged, this, &ServerPage::setPrivateKey);
-    connect(publicKey, &QLineEdit::textChanged, this, &ServerPage::setPublicKey);
-    connect(findPrivate, &QToolButton::clicked, this, &ServerPage::browsePrivateKey);
-    connect(findPublic, &QToolButton::clicked, this, &ServerPage::browsePublicKey);
+QLineEdit *ServerPage::addKeyFile(QFormLayout *form, const KeyFile &file)
+{
+    auto *path = new Finger<QLineEdit>;
+    bind(path, file.path);
+    QToolButton *browse = browseButton(file.browse);
+    addRow(form, file.caption, path, file.helpName, browse);
+    keyControls.append(path);
+    keyControls.append(browse);
+    connect(browse, &QToolButton::clicked, path, [path, title = file.title, filter = file.filter] {
+        const QString chosen = choosePath(path->window(), PathKind::File, title,
+                                          QFileInfo(path->text()).path(), filter);
+        if (!chosen.isEmpty())
+            path->setText(chosen);
+    });
+    return path;
 }
 
 void ServerPage::enableKeyControls()
 {
-    const bool enable = conf->usesTls() && conf->expertMode;
+    const bool enable = workingCopy->usesTls() && workingCopy->expertMode;
     for (QWidget *control : std::as_const(keyControls))
         control->setEnabled(enable);
 }
 
-void ServerPage::setSslMode(int state)
+void ServerPage::followSslMode(int state)
 {
-    if (!conf)
-        return;
-    if (usesOwnPorts) {
-        const int usual = state == Qt::Checked ? httpsPort : httpPort;
-        port->setValue(usual);
-        store(&ProfileValues::port, usual);
-    }
+    if (usesOwnPorts)
+        port->setValue(state == Qt::Checked ? httpsPort : httpPort);
     enableKeyControls();
-}
-
-void ServerPage::setPrivateKey(const QString &path)
-{
-    if (!path.isEmpty() && path != privateKey->text())
-        privateKey->setText(path);
-    store(&ProfileValues::privateKeyFile, path);
-}
-
-void ServerPage::setPublicKey(const QString &path)
-{
-    if (!path.isEmpty() && path != publicKey->text())
-        publicKey->setText(path);
-    store(&ProfileValues::publicKeyFile, path);
-}
-
-void ServerPage::browsePrivateKey()
-{
-    const QString filter = tr("Private Key") + QLatin1String(" (*.key *.csr)");
-    const QString path = askForFile(this, tr("Open Private Key File"), privateKey->text(), filter);
-    if (!path.isEmpty())
-        setPrivateKey(path);
-}
-
-void ServerPage::browsePublicKey()
-{
-    const QString filter = tr("Public Key") + QLatin1String(" (*.pub *.crx *.crt *.cer)");
-    const QString path = askForFile(this, tr("Open Public Key File"), publicKey->text(), filter);
-    if (!path.isEmpty())
-        setPublicKey(path);
 }
 
 void ServerPage::restoreKeys()
 {
-    if (!conf)
-        return;
-    conf->resetKeys();
+    workingCopy->resetKeys();
     keyPassword->clear();
-    privateKey->setText(conf->privateKeyFile);
-    publicKey->setText(conf->publicKeyFile);
-    Q_EMIT controlChanged();
+    privateKey->setText(workingCopy->privateKeyFile);
+    publicKey->setText(workingCopy->publicKeyFile);
 }

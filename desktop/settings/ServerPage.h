@@ -5,7 +5,6 @@
 class QFormLayout;
 class QLineEdit;
 class QSpinBox;
-class QToolButton;
 
 /// The settings of port, SSL mode and keys. A child of the settings dialog.
 class ServerPage : public SettingsPage
@@ -14,19 +13,16 @@ class ServerPage : public SettingsPage
 
 public:
     /// In root mode the ports of HTTP and HTTPS go with the SSL switch.
-    explicit ServerPage(bool rootMode, QWidget *parent = nullptr);
-
-private Q_SLOTS:
-    void setSslMode(int state);
-    void setPrivateKey(const QString &path);
-    void setPublicKey(const QString &path);
-    void browsePrivateKey();
-    void browsePublicKey();
-    void restoreKeys();
+    ServerPage(Profile *copy, bool rootMode);
 
 private:
+    struct KeyFile;
+
     void addKeyControls(QFormLayout *form);
+    QLineEdit *addKeyFile(QFormLayout *form, const KeyFile &file);
     void enableKeyControls();
+    void followSslMode(int state);
+    void restoreKeys();
 
     const bool usesOwnPorts;
     QSpinBox *port = nullptr;

@@ -7,8 +7,10 @@
 #include "desktop/settings/FolderPage.h"
 #include "desktop/settings/LimitsPage.h"
 #include "desktop/settings/ServerPage.h"
-#include "desktop/widgets/Fields.h"
+#include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/PageView.h"
+#include "desktop/widgets/Prompts.h"
+#include "desktop/widgets/Touch.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
@@ -39,35 +41,29 @@ SettingsDialog::SettingsDialog(Profile *edited, SettingsScope offered, Configura
     , receiver(told)
     , scope(offered)
     , workingCopy(edited->clone())
+    , view(new PageView(this))
     , applyButton(new Finger<QPushButton>(tr("&Apply")))
 {
-    SettingsPage::conf = workingCopy.get();
-    setWindowTitle(tr("Profile Settings"));
-    view = new PageView(this);
+    setWindowTitle(tr("Configuration Settings"));
     addPages();
     view->setCurrentRow(page == lastShownPage ? profile->lastPage : page);
 
-    auto *closeButton = new Finger<QPushButton>(tr("&Close"));
-    closeButton->setAutoDefault(false);
+    QPushButton *closeButton = newButton(tr("&Close"));
     applyButton->setDefault(true);
     connect(applyButton, &QPushButton::clicked, this, &SettingsDialog::apply);
-    connect(closeButton, &QPushButton::clicked, this, &SettingsDialog::close);
+    connect(closeButton, &QPushButton::clicked, this, &SettingsDialog::reject);
 
-    auto *buttons = new QHBoxLayout;
-    buttons->addStretch();
-    buttons->addWidget(applyButton);
-    buttons->addWidget(closeButton);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(view, 1);
-    layout->addLayout(buttons);
+    layout->addLayout(newButtonRow({ applyButton, closeButton }));
 
-    controlChanged();
+    enableApply();
     fitToScreen(this, usualSize);
 }
 
 SettingsDialog::~SettingsDialog()
 {
-    releaseCopy();
+    delete view; // its pages write into the working copy as long as they are there
 }
 
 void SettingsDialog::edit(Profile *profile, SettingsScope scope, Configurable *receiver,
@@ -89,19 +85,20 @@ void SettingsDialog::turnTo(const Profile *edited, int page)
 
 void SettingsDialog::addPages()
 {
-    addPage(tr("Folder"), QStringLiteral("folder"), new FolderPage);
-    addPage(tr("Aut."), QStringLiteral("kgpg"), new AccessPage);
-    addPage(tr("Server"), QStringLiteral("preferences-network"), new ServerPage(scope.rootMode));
+    addPage(tr("Folder"), QStringLiteral("folder"), new FolderPage(workingCopy.get()));
+    addPage(tr("Aut."), QStringLiteral("kgpg"), new AccessPage(workingCopy.get()));
+    addPage(tr("Server"), QStringLiteral("preferences-network"),
+            new ServerPage(workingCopy.get(), scope.rootMode));
     if (!scope.global || !profile->expertMode)
         return;
-    addPage(tr("DNS"), QStringLiteral("dns"), new DnsPage);
-    addPage(tr("Server2"), {}, new LimitsPage);
+    addPage(tr("DNS"), QStringLiteral("dns"), new DnsPage(workingCopy.get()));
+    addPage(tr("Server2"), {}, new LimitsPage(workingCopy.get()));
 }
 
 void SettingsDialog::addPage(const QString &label, const QString &icon, SettingsPage *page)
 {
     view->addPage(label, icon.isEmpty() ? icon : QStringLiteral(":/icons/%1.png").arg(icon), page);
-    connect(page, &SettingsPage::controlChanged, this, &SettingsDialog::controlChanged);
+    connect(page, &SettingsPage::controlChanged, this, &SettingsDialog::enableApply);
 }
 
 void SettingsDialog::apply()
@@ -110,14 +107,9 @@ void SettingsDialog::apply()
     applyButton->setEnabled(false);
 }
 
-void SettingsDialog::controlChanged()
+void SettingsDialog::enableApply()
 {
     applyButton->setEnabled(!workingCopy->equals(profile));
-}
-
-void SettingsDialog::close()
-{
-    done(Rejected);
 }
 
 void SettingsDialog::done(int result)
@@ -129,13 +121,4 @@ void SettingsDialog::done(int result)
                  + tr("The settings stay in use until the program ends."));
     }
     QDialog::done(result);
-    releaseCopy();
-}
-
-void SettingsDialog::releaseCopy()
-{
-    if (!workingCopy)
-        return;
-    SettingsPage::conf = nullptr;
-    workingCopy.reset();
 }

@@ -17,8 +17,8 @@ struct SettingsScope
     bool rootMode = false; ///< the program was started to use ports up to 1024
 };
 
-/// Edits one profile on a set of pages. Works on a copy, `SettingsPage::conf`, that it owns while
-/// it is open, and hands it to a receiver on "Apply". One at a time: use `edit`.
+/// Edits one profile on a set of pages, which work on a copy, and hands the copy to a receiver on
+/// "Apply". One at a time: use `edit`.
 class SettingsDialog : public QDialog
 {
     Q_OBJECT
@@ -30,30 +30,25 @@ public:
                    int page);
     ~SettingsDialog() override;
 
-    /// Builds the dialog and runs it modally until it is closed. As the pages share one working
-    /// copy, there is no second one: an open dialog of the same profile turns to `page` instead,
-    /// one of another profile stays as it is.
+    /// Builds the dialog and runs it modally until it is closed. There is no second one: an open
+    /// dialog of the same profile turns to `page` instead, one of another profile stays as it is.
     static void edit(Profile *profile, SettingsScope scope, Configurable *receiver, QWidget *parent,
                      int page = -1);
 
     /// Every way to close leads here: remembers the page and saves the edited profile.
     void done(int result) override;
 
-public Q_SLOTS:
-    void apply();
-    void controlChanged();
-    void close();
-
 private:
+    void apply();
+    void enableApply();
     void addPages();
     void addPage(const QString &label, const QString &icon, SettingsPage *page);
     void turnTo(const Profile *edited, int page);
-    void releaseCopy();
 
     Profile *profile;
     Configurable *receiver;
     SettingsScope scope;
     std::unique_ptr<Profile> workingCopy;
-    PageView *view = nullptr;
+    PageView *view;
     QPushButton *applyButton;
 };

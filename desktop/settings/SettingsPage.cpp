@@ -38,17 +38,10 @@ void placeCaptions(QFormLayout *form, bool above)
 
 } // namespace
 
-Profile *SettingsPage::conf = nullptr;
-
-SettingsPage::SettingsPage(const QString &title, QWidget *parent)
-    : QWidget(parent)
+SettingsPage::SettingsPage(Profile *copy, const QString &title)
+    : workingCopy(copy)
     , m_body(addFrame(this, title))
 {
-}
-
-void SettingsPage::help(const QString &name)
-{
-    MessageDialog::help(conf->directories().language, name, this);
 }
 
 QFormLayout *SettingsPage::addForm()
@@ -95,7 +88,6 @@ void SettingsPage::addHelpLink(const QString &helpName)
 QWidget *SettingsPage::helpLink(const QString &name, const QString &topic)
 {
     auto *link = new Finger<QToolButton>;
-    link->setObjectName(name);
     link->setText(tr("Help"));
     link->setAccessibleName(topic.isEmpty() ? tr("Help") : tr("Help: %1").arg(topic));
     link->setAutoRaise(true);
@@ -108,26 +100,27 @@ QWidget *SettingsPage::helpLink(const QString &name, const QString &topic)
     colors.setColor(QPalette::ButtonText, colors.color(QPalette::Link));
     link->setPalette(colors);
 
-    connect(link, &QToolButton::clicked, this, [this, name] { help(name); });
+    connect(link, &QToolButton::clicked, this,
+            [this, name] { MessageDialog::help(workingCopy->directories().language, name, this); });
     return link;
 }
 
 void SettingsPage::bind(QCheckBox *box, qint32 ProfileValues::*field)
 {
-    box->setChecked(conf->*field == Qt::Checked);
+    box->setChecked(workingCopy->*field == Qt::Checked);
     connect(box, &QCheckBox::stateChanged, this, [this, field](int state) { store(field, state); });
 }
 
 void SettingsPage::bind(QSpinBox *box, qint32 ProfileValues::*field)
 {
-    box->setValue(conf->*field);
+    box->setValue(workingCopy->*field);
     connect(box, QOverload<int>::of(&QSpinBox::valueChanged), this,
             [this, field](int value) { store(field, value); });
 }
 
 void SettingsPage::bind(QLineEdit *edit, QString ProfileValues::*field)
 {
-    edit->setText(conf->*field);
+    edit->setText(workingCopy->*field);
     connect(edit, &QLineEdit::textChanged, this,
             [this, field](const QString &text) { store(field, text); });
 }

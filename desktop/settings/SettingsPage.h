@@ -10,26 +10,19 @@ class QLineEdit;
 class QSpinBox;
 class QVBoxLayout;
 
-/// The base of the settings pages. All pages edit one working copy, which the settings dialog
-/// makes when it opens and destroys when it closes. A child of that dialog.
+/// The base of the settings pages, which all edit one working copy. A child of the settings
+/// dialog, which owns that copy and lets it go after its pages.
 class SettingsPage : public QWidget
 {
     Q_OBJECT
-
-public:
-    /// The working copy; null while no settings dialog is open.
-    static Profile *conf;
-
-public Q_SLOTS:
-    /// Shows the help page of this name.
-    void help(const QString &name);
 
 Q_SIGNALS:
     /// A control wrote its value into the working copy.
     void controlChanged();
 
 protected:
-    SettingsPage(const QString &title, QWidget *parent);
+    /// `copy` is borrowed.
+    SettingsPage(Profile *copy, const QString &title);
 
     /// Where the controls of the page go, under its title.
     QVBoxLayout *body() const { return m_body; }
@@ -55,15 +48,14 @@ protected:
     void bind(QSpinBox *box, qint32 ProfileValues::*field);
     void bind(QLineEdit *edit, QString ProfileValues::*field);
 
-    /// Writes one value into the working copy and tells so. A control may still speak up while
-    /// its dialog goes down; there is nothing to write to then.
+    /// Writes one value into the working copy and tells so.
     template <typename T> void store(T ProfileValues::*field, const T &value)
     {
-        if (!conf)
-            return;
-        conf->*field = value;
+        workingCopy->*field = value;
         Q_EMIT controlChanged();
     }
+
+    Profile *const workingCopy;
 
 private:
     QWidget *helpLink(const QString &name, const QString &topic);

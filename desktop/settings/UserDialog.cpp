@@ -1,5 +1,6 @@
 #include "desktop/settings/UserDialog.h"
 
+#include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/Fields.h"
 
 #include <QLabel>

@@ -1,17 +1,10 @@
 #include "desktop/widgets/Fields.h"
 
-#include <QAbstractItemView>
-#include <QFile>
-#include <QFileDialog>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QMessageBox>
 #include <QPainter>
 #include <QPainterPath>
-#include <QScreen>
-#include <QScroller>
-#include <QStyle>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
 
@@ -131,22 +124,6 @@ QToolButton *StepField::addButton(const QString &text, const QString &name)
     return button;
 }
 
-OkCancelButtons::OkCancelButtons(QDialog *dialog)
-    : QDialogButtonBox(dialog)
-    , m_ok(new Finger<QPushButton>(tr("OK")))
-{
-    addButton(m_ok, AcceptRole);
-    addButton(new Finger<QPushButton>(tr("Cancel")), RejectRole);
-    m_ok->setDefault(true);
-    connect(this, &QDialogButtonBox::accepted, dialog, &QDialog::accept);
-    connect(this, &QDialogButtonBox::rejected, dialog, &QDialog::reject);
-}
-
-QIcon fileIcon(const QString &path)
-{
-    return QFile::exists(path) ? QIcon(path) : QIcon();
-}
-
 QLabel *newCaption(const QString &text, QWidget *field)
 {
     QWidget *control = field->focusProxy() ? field->focusProxy() : field;
@@ -165,44 +142,4 @@ QVBoxLayout *addFrame(QWidget *page, const QString &title)
     layout->addWidget(frame);
     layout->addStretch();
     return new QVBoxLayout(frame);
-}
-
-void scrollByFinger(QAbstractScrollArea *area)
-{
-    QScroller::grabGesture(area->viewport(), QScroller::TouchGesture);
-}
-
-void sizeForFingers(QFileDialog *dialog)
-{
-    const auto parts = dialog->findChildren<QWidget *>();
-    for (QWidget *part : parts) {
-        if (qobject_cast<QAbstractButton *>(part))
-            part->setMinimumSize(fingerSize, fingerSize);
-        else if (qobject_cast<QLineEdit *>(part) || qobject_cast<QComboBox *>(part))
-            part->setMinimumHeight(fingerSize);
-        else if (auto *view = qobject_cast<QAbstractItemView *>(part))
-            scrollByFinger(view);
-    }
-    // A small screen has no room for the buttons that change the kind of list.
-    for (const char *name : { "listModeButton", "detailModeButton" }) {
-        if (auto *button = dialog->findChild<QWidget *>(QLatin1String(name)))
-            button->hide();
-    }
-    dialog->setStyleSheet(
-        QStringLiteral("QAbstractItemView::item { min-height: %1px; }").arg(fingerSize));
-}
-
-void warn(QWidget *parent, const QString &text)
-{
-    QMessageBox box(QMessageBox::Warning, {}, text, QMessageBox::Ok, parent);
-    box.setTextFormat(Qt::PlainText);
-    box.button(QMessageBox::Ok)->setMinimumSize(2 * fingerSize, fingerSize);
-    box.exec();
-}
-
-void fitToScreen(QWidget *window, const QSize &wanted)
-{
-    const int titleBar = window->style()->pixelMetric(QStyle::PM_TitleBarHeight);
-    const QSize room = window->screen()->availableSize() - QSize(0, titleBar);
-    window->resize(wanted.boundedTo(room));
 }

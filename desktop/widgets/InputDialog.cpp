@@ -1,5 +1,6 @@
 #include "desktop/widgets/InputDialog.h"
 
+#include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/Fields.h"
 
 #include <QLabel>

@@ -1,8 +1,9 @@
 #include "desktop/widgets/MessageDialog.h"
 
-#include "desktop/widgets/Fields.h"
+#include "desktop/widgets/Touch.h"
 
 #include <QFile>
+#include <QPushButton>
 #include <QTextBrowser>
 #include <QVBoxLayout>
 

@@ -1,6 +1,6 @@
 #include "desktop/widgets/PageView.h"
 
-#include "desktop/widgets/Fields.h"
+#include "desktop/widgets/Touch.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
@@ -38,32 +38,33 @@ void sizeItem(QListWidgetItem *item, const QFont &font)
 
 PageView::PageView(QWidget *parent)
     : QWidget(parent)
-    , m_list(new QListWidget)
+    , list(new QListWidget)
     , pages(new QStackedWidget)
 {
-    m_list->setViewMode(QListView::IconMode);
-    m_list->setFlow(QListView::TopToBottom);
-    m_list->setWrapping(false);
-    m_list->setMovement(QListView::Static);
-    m_list->setIconSize({ iconSize, iconSize });
-    m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
-    m_list->setAccessibleName(tr("Pages"));
-    scrollByFinger(m_list);
+    list->setViewMode(QListView::IconMode);
+    list->setFlow(QListView::TopToBottom);
+    list->setWrapping(false);
+    list->setMovement(QListView::Static);
+    list->setIconSize({ iconSize, iconSize });
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    list->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+    list->setAccessibleName(tr("Pages"));
+    scrollByFinger(list);
     sizeList();
 
     auto *row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(m_list);
+    row->addWidget(list);
     row->addWidget(pages, 1);
 
-    connect(m_list, &QListWidget::currentRowChanged, pages, &QStackedWidget::setCurrentIndex);
-    connect(m_list->verticalScrollBar(), &QScrollBar::rangeChanged, this, &PageView::sizeList);
+    connect(list, &QListWidget::currentRowChanged, pages, &QStackedWidget::setCurrentIndex);
+    connect(list, &QListWidget::currentRowChanged, this, &PageView::pageTurned);
+    connect(list->verticalScrollBar(), &QScrollBar::rangeChanged, this, &PageView::sizeList);
 }
 
 void PageView::addPage(const QString &label, const QString &icon, QWidget *page)
 {
-    auto *item = new QListWidgetItem(fileIcon(icon), label, m_list);
+    auto *item = new QListWidgetItem(QIcon(icon), label, list);
     sizeItem(item, font());
 
     auto *area = new QScrollArea;
@@ -77,12 +78,12 @@ void PageView::addPage(const QString &label, const QString &icon, QWidget *page)
 
 void PageView::setCurrentRow(int row)
 {
-    m_list->setCurrentRow(row >= 0 && row < m_list->count() ? row : 0);
+    list->setCurrentRow(row >= 0 && row < list->count() ? row : 0);
 }
 
 int PageView::currentRow() const
 {
-    return m_list->currentRow();
+    return list->currentRow();
 }
 
 void PageView::changeEvent(QEvent *event)
@@ -94,13 +95,13 @@ void PageView::changeEvent(QEvent *event)
 
 void PageView::sizeItems()
 {
-    for (int row = 0; row < m_list->count(); ++row)
-        sizeItem(m_list->item(row), font());
+    for (int row = 0; row < list->count(); ++row)
+        sizeItem(list->item(row), font());
 }
 
 void PageView::sizeList()
 {
-    const bool scrolls = m_list->verticalScrollBar()->maximum() > 0;
-    m_list->setFixedWidth(scrolls ? listWidthWithBar : listWidth);
-    m_list->scrollToItem(m_list->currentItem());
+    const bool scrolls = list->verticalScrollBar()->maximum() > 0;
+    list->setFixedWidth(scrolls ? listWidthWithBar : listWidth);
+    list->scrollToItem(list->currentItem());
 }

@@ -21,7 +21,9 @@ public:
     void setCurrentRow(int row);
     int currentRow() const;
 
-    QListWidget *list() const { return m_list; }
+Q_SIGNALS:
+    /// The page of `row` is now the one shown.
+    void pageTurned(int row);
 
 protected:
     void changeEvent(QEvent *event) override;
@@ -30,6 +32,6 @@ private:
     void sizeItems();
     void sizeList();
 
-    QListWidget *m_list;
+    QListWidget *list;
     QStackedWidget *pages;
 };

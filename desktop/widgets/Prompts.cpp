@@ -1,24 +1,55 @@
 #include "desktop/widgets/Prompts.h"
 
-#include "desktop/widgets/Fields.h"
+#include "desktop/widgets/Touch.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QComboBox>
 #include <QCoreApplication>
 #include <QFileDialog>
-#include <QMenu>
+#include <QLineEdit>
 
 namespace {
 
-constexpr QSize usualDialogSize(640, 440);
+constexpr QSize usualChooserSize(640, 440);
 
+/// Keeps the letters of paths and of what services say, and makes room for fingers.
 void prepare(QMessageBox *box)
 {
-    // Paths and the texts of services are shown to the letter.
     box->setTextFormat(Qt::PlainText);
     box->setModal(true);
     const QList<QAbstractButton *> buttons = box->buttons();
     for (QAbstractButton *button : buttons)
         button->setMinimumSize(2 * fingerSize, fingerSize);
+}
+
+/// All but the dialogs that the desktop brings itself.
+void sizeForFingers(QFileDialog *dialog)
+{
+    const auto parts = dialog->findChildren<QWidget *>();
+    for (QWidget *part : parts) {
+        if (qobject_cast<QAbstractButton *>(part))
+            part->setMinimumSize(fingerSize, fingerSize);
+        else if (qobject_cast<QLineEdit *>(part) || qobject_cast<QComboBox *>(part))
+            part->setMinimumHeight(fingerSize);
+        else if (auto *view = qobject_cast<QAbstractItemView *>(part))
+            scrollByFinger(view);
+    }
+    // A small screen has no room for the buttons that change the kind of list.
+    for (const char *name : { "listModeButton", "detailModeButton" }) {
+        if (auto *button = dialog->findChild<QWidget *>(QLatin1String(name)))
+            button->hide();
+    }
+    dialog->setStyleSheet(
+        QStringLiteral("QAbstractItemView::item { min-height: %1px; }").arg(fingerSize));
+}
+
+/// Shown is "All (*.*)", but the pattern behind it counts: names without a dot are files, too.
+void offerAllFiles(QFileDialog *dialog)
+{
+    dialog->setOption(QFileDialog::HideNameFilterDetails);
+    dialog->setNameFilter(QCoreApplication::translate("Prompts", "All (*.*)")
+                          + QLatin1String("(*)"));
 }
 
 } // namespace
@@ -32,6 +63,13 @@ QMessageBox *showBox(QWidget *parent, QMessageBox::Icon icon, const QString &tex
     return box;
 }
 
+void warn(QWidget *parent, const QString &text)
+{
+    QMessageBox box(QMessageBox::Warning, QString(), text, QMessageBox::Ok, parent);
+    prepare(&box);
+    box.exec();
+}
+
 bool askYesNo(QWidget *parent, const QString &question)
 {
     QMessageBox box(QMessageBox::Question, QString(), question, QMessageBox::Yes | QMessageBox::No,
@@ -41,32 +79,19 @@ bool askYesNo(QWidget *parent, const QString &question)
     return box.exec() == QMessageBox::Yes;
 }
 
-QString choosePath(QWidget *parent, PathKind kind, const QString &title, const QString &start)
+QString choosePath(QWidget *parent, PathKind kind, const QString &title, const QString &start,
+                   const QString &filter)
 {
-    QFileDialog dialog(parent, title, start);
+    QFileDialog dialog(parent, title, start, filter);
     if (kind == PathKind::Folder) {
         dialog.setFileMode(QFileDialog::Directory);
         dialog.setOption(QFileDialog::ShowDirsOnly);
     } else {
-        // Shown is "All (*.*)", but the pattern behind it counts: names without a dot are files,
-        // too.
         dialog.setFileMode(QFileDialog::ExistingFile);
-        dialog.setOption(QFileDialog::HideNameFilterDetails);
-        dialog.setNameFilter(QCoreApplication::translate("MainWindow", "All (*.*)")
-                             + QLatin1String("(*)"));
+        if (filter.isEmpty())
+            offerAllFiles(&dialog);
     }
     sizeForFingers(&dialog);
-    fitToScreen(&dialog, usualDialogSize);
+    fitToScreen(&dialog, usualChooserSize);
     return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
-}
-
-void sizeForFingers(QMenu *menu)
-{
-    constexpr int padding = 6;
-    menu->setStyleSheet(
-        QStringLiteral("QMenu::item { min-height: %1px; padding: %2px 24px %2px 32px; }"
-                       "QMenu::item:selected { background: palette(highlight);"
-                       " color: palette(highlighted-text); }")
-            .arg(fingerSize - 2 * padding)
-            .arg(padding));
 }

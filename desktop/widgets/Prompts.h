@@ -3,20 +3,20 @@
 #include <QMessageBox>
 #include <QString>
 
-class QMenu;
 class QWidget;
 
 /// Shows a box of plain text with an OK button and returns at once; the box deletes itself.
 QMessageBox *showBox(QWidget *parent, QMessageBox::Icon icon, const QString &text);
+
+/// Shows a warning of plain text with an OK button and waits until it is closed.
+void warn(QWidget *parent, const QString &text);
 
 /// Asks a question that Yes or No answers, Yes being the default, and waits for the answer.
 bool askYesNo(QWidget *parent, const QString &question);
 
 enum class PathKind { File, Folder };
 
-/// Lets the user choose a file or folder that exists, beginning in the folder `start`. Empty when
-/// nothing is chosen.
-QString choosePath(QWidget *parent, PathKind kind, const QString &title, const QString &start);
-
-/// Makes the entries of `menu` large enough for fingers.
-void sizeForFingers(QMenu *menu);
+/// Lets the user choose a file or folder that exists, beginning in the folder `start`. Files may
+/// be narrowed by a `filter`, "Name (*.a *.b)". Empty when nothing is chosen.
+QString choosePath(QWidget *parent, PathKind kind, const QString &title, const QString &start,
+                   const QString &filter = {});

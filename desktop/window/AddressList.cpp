@@ -3,9 +3,9 @@
 #include "config/Profiles.h"
 #include "desktop/settings/ProfileDialog.h"
 #include "desktop/settings/SettingsDialog.h"
-#include "desktop/widgets/Fields.h"
 #include "desktop/widgets/InputDialog.h"
 #include "desktop/widgets/Prompts.h"
+#include "desktop/widgets/Touch.h"
 #include "desktop/window/AddressTable.h"
 #include "desktop/window/Reachability.h"
 #include "desktop/window/ServerRow.h"
@@ -15,6 +15,7 @@
 #include <QLabel>
 #include <QMenu>
 #include <QPointer>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "desktop/window/AddressTable.h"
 
 #include "config/Profile.h"
-#include "desktop/widgets/Fields.h"
+#include "desktop/widgets/Touch.h"
 #include "desktop/window/ServerRow.h"
 #include "desktop/window/ServerRows.h"
 #include "desktop/window/StartStop.h"

@@ -1,6 +1,7 @@
 #include "desktop/window/FileMenu.h"
 
 #include "desktop/widgets/Prompts.h"
+#include "desktop/widgets/Touch.h"
 
 #include <QDir>
 

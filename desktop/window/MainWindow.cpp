@@ -3,10 +3,10 @@
 #include "classic/pages/BrowserPages.h"
 #include "config/Profiles.h"
 #include "desktop/look/LookDialog.h"
-#include "desktop/widgets/Fields.h"
-#include "desktop/widgets/Labels.h"
+#include "desktop/widgets/LinkLabel.h"
 #include "desktop/widgets/MessageDialog.h"
 #include "desktop/widgets/Prompts.h"
+#include "desktop/widgets/Touch.h"
 #include "desktop/window/AddressList.h"
 #include "desktop/window/AddressTable.h"
 #include "desktop/window/FileMenu.h"
@@ -18,6 +18,8 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QLabel>
+#include <QMenu>
+#include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QVBoxLayout>
@@ -107,8 +109,10 @@ QString trafficLimitText(const WebServer &server)
         + QStringLiteral(": %1 KB").arg(shownKB(server.receivedBytes()));
 }
 
-MainWindow::MainWindow(Profiles *choice, const char *mode, Routes routes, AddressSource source)
+MainWindow::MainWindow(Profiles *choice, Look *lookInUse, const char *mode, Routes routes,
+                       AddressSource source)
     : profiles(choice)
+    , look(lookInUse)
     , m_events(std::make_unique<EventHandler>(this))
 {
     setWindowTitle(QStringLiteral("Quillon"));
@@ -188,7 +192,7 @@ void MainWindow::makeMenu()
     reloadPublic = addMenuAction(tr("Reload public addressess"), "reloadPublic");
     reloadLocal = addMenuAction(tr("Reload local addresses"), "reloadLocal");
     settings = addMenuAction(tr("Settings"), "settings");
-    const QAction *look = addMenuAction(tr("Look and Feel"), "lookAndFeel");
+    const QAction *lookAction = addMenuAction(tr("Look and Feel"), "lookAndFeel");
     expertMode = addMenuAction(tr("Expert mode"), "expertMode");
     expertMode->setCheckable(true);
     expertMode->setChecked(m_rows->isExpert());
@@ -199,7 +203,7 @@ void MainWindow::makeMenu()
     connect(reloadPublic, &QAction::triggered, m_reachability.get(), &Reachability::loadPublic);
     connect(reloadLocal, &QAction::triggered, m_rows.get(), &ServerRows::loadLocal);
     connect(settings, &QAction::triggered, this, [this] { addresses->edit(profiles->global()); });
-    connect(look, &QAction::triggered, this, [this] { LookDialog(this).exec(); });
+    connect(lookAction, &QAction::triggered, this, [this] { LookDialog(look, this).exec(); });
     connect(expertMode, &QAction::triggered, this, &MainWindow::setExpertMode);
     connect(helpAction, &QAction::triggered, this, &MainWindow::help);
     connect(aboutAction, &QAction::triggered, this, &MainWindow::about);

@@ -13,6 +13,7 @@
 class AddressList;
 class FileMenu;
 class LinkLabel;
+class Look;
 class Profiles;
 class QAction;
 class QLabel;
@@ -25,9 +26,9 @@ class MainWindow : public QMainWindow
 {
     Q_OBJECT
 public:
-    /// `choice` is borrowed. `mode` is the first command-line argument, null when there is none.
-    /// `routes` answer the requests of all servers.
-    MainWindow(Profiles *choice, const char *mode, Routes routes = fileRoutes(),
+    /// `choice` and `lookInUse` are borrowed. `mode` is the first command-line argument, null when
+    /// there is none. `routes` answer the requests of all servers.
+    MainWindow(Profiles *choice, Look *lookInUse, const char *mode, Routes routes = fileRoutes(),
                AddressSource source = deviceAddresses);
     ~MainWindow() override;
 
@@ -62,6 +63,7 @@ private:
     bool endInOrder();
 
     Profiles *profiles;
+    Look *look;
     std::unique_ptr<EventHandler> m_events;
     std::unique_ptr<ServerRows> m_rows;
     std::unique_ptr<Reachability> m_reachability;

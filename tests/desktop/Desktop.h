@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desktop/look/Look.h"
 #include "desktop/window/AddressList.h"
 #include "desktop/window/MainWindow.h"
 #include "desktop/window/ServerRow.h"
@@ -118,7 +119,8 @@ struct Desktop : Device
 
     void open(const char *mode = nullptr)
     {
-        window = std::make_unique<MainWindow>(home.profiles.get(), mode, fileRoutes(), source());
+        window =
+            std::make_unique<MainWindow>(home.profiles.get(), &look, mode, fileRoutes(), source());
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window.get()));
     }
@@ -135,6 +137,7 @@ struct Desktop : Device
     ServerRow *row(int index = 0) const { return window->rows()->at(index); }
     AddressList *list() const { return window->addressList(); }
 
+    Look look;
     std::unique_ptr<MainWindow> window;
 };
 

@@ -1,11 +1,9 @@
 #pragma once
 
 #include <QAbstractButton>
-#include <QAbstractSpinBox>
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
-#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -15,23 +13,19 @@
 #include <QTest>
 #include <QTimer>
 
-#include <algorithm>
-#include <functional>
-
 /// Runs `action`, which opens a modal window of type `Window` now or soon, and gives that window to
 /// `visit`, after which it is closed.
 template <typename Window, typename Action, typename Visit> void inModal(Action action, Visit visit)
 {
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
-        auto *window = qobject_cast<Window *>(QApplication::activeModalWidget());
+        const QPointer<Window> window = qobject_cast<Window *>(QApplication::activeModalWidget());
         if (!window)
             return;
         poll.stop();
-        const QPointer<Window> still(window);
-        visit(window);
-        if (still && still->isVisible())
-            still->close(); // a failed check left it open
+        visit(window.data());
+        if (window && window->isVisible())
+            window->close(); // a failed check left it open
     });
     poll.start(1);
     action();
@@ -54,22 +48,17 @@ QString boxText(Action action, QMessageBox::StandardButton button = QMessageBox:
     return text;
 }
 
-/// The widget of this type that shows `name` or is read out as it.
-template <typename Widget> Widget *named(const QWidget *parent, const QString &name)
-{
-    const auto widgets = parent->findChildren<Widget *>();
-    for (Widget *widget : widgets) {
-        const bool shows =
-            widget->property("text").toString() == name && !qobject_cast<const QLabel *>(widget);
-        if (shows || widget->accessibleName() == name)
-            return widget;
-    }
-    qFatal("no widget \"%s\"", qPrintable(name));
-}
-
+/// The widget of this type that shows `name` or is read out as it; no label.
 template <typename Widget> Widget *named(const QWidget *parent, const char *name)
 {
-    return named<Widget>(parent, QString::fromLatin1(name));
+    const QString wanted = QString::fromLatin1(name);
+    const auto widgets = parent->findChildren<Widget *>();
+    for (Widget *widget : widgets) {
+        if (widget->accessibleName() == wanted
+            || (widget->property("text") == wanted && !widget->inherits("QLabel")))
+            return widget;
+    }
+    qFatal("no widget \"%s\"", name);
 }
 
 inline void click(const QWidget *parent, const char *name)
@@ -78,11 +67,11 @@ inline void click(const QWidget *parent, const char *name)
 }
 
 /// Types over the whole content of `field`.
-inline void retype(QWidget *field, const QString &text)
+inline void retype(QWidget *field, const char *text)
 {
     field->setFocus();
     QTest::keyClick(field, Qt::Key_A, Qt::ControlModifier);
-    QTest::keyClicks(field, text);
+    QTest::keyClicks(field, QString::fromLatin1(text));
 }
 
 namespace SmallScreens {
@@ -91,20 +80,19 @@ constexpr int finger = 44;
 
 inline bool isTarget(const QWidget *widget)
 {
-    const bool partOfSpinBox = qobject_cast<QAbstractSpinBox *>(widget->parentWidget());
-    return qobject_cast<const QAbstractButton *>(widget) || qobject_cast<const QComboBox *>(widget)
-        || qobject_cast<const QAbstractSpinBox *>(widget)
-        || (qobject_cast<const QLineEdit *>(widget) && !partOfSpinBox);
+    const auto is = [widget](const char *type) { return widget->inherits(type); };
+    return widget->isVisible() && !is("QTableCornerButton")
+        && !widget->objectName().startsWith(QLatin1String("qt_")) // part of another
+        && (is("QAbstractButton") || is("QComboBox") || is("QAbstractSpinBox") || is("QLineEdit"));
 }
 
-inline QByteArray describe(const QWidget *widget)
+inline QByteArray line(const char *fault, const QWidget *widget)
 {
-    return (QLatin1String(widget->metaObject()->className()) + QLatin1Char(' ')
-            + widget->accessibleName() + widget->property("text").toString())
-        .toUtf8();
+    const QString name = widget->accessibleName() + widget->property("text").toString();
+    return fault + QByteArray(widget->metaObject()->className()) + ' ' + name.toUtf8() + '\n';
 }
 
-/// What is too small, nameless or cut off in `window`, one line each.
+/// What is too small, nameless, cut off or out of the Tab key's order in `window`, a line each.
 inline QByteArray faults(const QWidget *window)
 {
     QByteArray found;
@@ -112,39 +100,22 @@ inline QByteArray faults(const QWidget *window)
     for (const QWidget *widget : widgets) {
         const auto *area = qobject_cast<const QScrollArea *>(widget);
         if (area && area->isVisible() && area->horizontalScrollBar()->maximum() > 0)
-            found += "sideways: " + describe(area->widget()) + '\n';
-        const bool internal = widget->objectName().startsWith(QLatin1String("qt_"))
-            || widget->inherits("QTableCornerButton") || widget->inherits("QDialogButtonBox");
-        if (!widget->isVisible() || !isTarget(widget) || internal)
+            found += line("sideways: ", area->widget());
+        if (!isTarget(widget))
             continue;
         if (widget->width() < finger || widget->height() < finger)
-            found += "small: " + describe(widget) + '\n';
+            found += line("small: ", widget);
         if (widget->accessibleName().isEmpty() && widget->property("text").toString().isEmpty())
-            found += "nameless: " + describe(widget) + '\n';
+            found += line("nameless: ", widget);
     }
-    return found;
-}
-
-/// Where the Tab key leaves the order in which one reads, one line each.
-inline QByteArray tabFaults(QWidget *window)
-{
-    const auto areas = window->findChildren<QScrollArea *>();
-    const auto shown = std::find_if(areas.begin(), areas.end(),
-                                    [](const QScrollArea *area) { return area->isVisible(); });
-    const QWidget *page = shown == areas.end() ? window : (*shown)->widget();
-
-    QByteArray found;
     QPoint last;
     for (QWidget *next = window->nextInFocusChain(); next != window;
          next = next->nextInFocusChain()) {
-        const bool stop = next->isVisible() && next->isEnabled() && !next->focusProxy()
-            && next->focusPolicy() & Qt::TabFocus && page->isAncestorOf(next);
-        if (!stop)
+        if (!isTarget(next) || !next->isEnabled() || !(next->focusPolicy() & Qt::TabFocus))
             continue;
         const QPoint here = next->mapTo(window, next->rect().center());
-        const bool sameRow = qAbs(here.y() - last.y()) < finger / 2;
-        if (sameRow ? here.x() < last.x() : here.y() < last.y())
-            found += "tab: " + describe(next) + '\n';
+        if (here.y() < last.y() - finger / 2)
+            found += line("tab goes up: ", next);
         last = here;
     }
     return found;
@@ -153,22 +124,22 @@ inline QByteArray tabFaults(QWidget *window)
 /// Keeps a picture of `widget` for people to look at.
 inline bool keepPicture(QWidget *widget, const QString &name)
 {
-    const QString folder =
-        QFileInfo(QStringLiteral(__FILE__)).path() + QLatin1String("/../artefacts/");
-    return QDir().mkpath(folder) && widget->grab().save(folder + name + QLatin1String(".png"));
+    const QString folder = QDir::cleanPath(QStringLiteral(__FILE__ "/../../artefacts/"));
+    return QDir().mkpath(folder)
+        && widget->grab().save(folder + QLatin1Char('/') + name + QLatin1String(".png"));
 }
 
-/// Gives `window` the size of a small screen, keeps its picture and looks for faults.
+/// Shows `window` on a small screen, keeps its picture and looks for faults.
 inline QByteArray faultsAt(QWidget *window, const QSize &size, const QString &name)
 {
+    window->show();
     window->resize(size);
     // Pages settle in a few rounds of the event loop.
     (void)QTest::qWaitFor([window] { return faults(window).isEmpty(); }, 1000);
-    const QString picture =
-        QStringLiteral("%1-%2x%3").arg(name).arg(size.width()).arg(size.height());
+    const QString picture = QStringLiteral("%1-%2").arg(name).arg(size.width());
     if (!keepPicture(window, picture) || window->size() != size)
-        return "does not fit or is not kept: " + picture.toUtf8();
-    return faults(window) + tabFaults(window);
+        return "does not fit or is not kept: " + name.toUtf8();
+    return faults(window);
 }
 
 /// The sizes of the screens, as rows of a test.

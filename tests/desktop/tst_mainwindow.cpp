@@ -1,6 +1,6 @@
 #include "desktop/settings/SettingsDialog.h"
 #include "desktop/widgets/InputDialog.h"
-#include "desktop/widgets/Labels.h"
+#include "desktop/widgets/LinkLabel.h"
 #include "desktop/widgets/PageView.h"
 #include "desktop/window/AddressTable.h"
 #include "tests/desktop/Desktop.h"
@@ -141,7 +141,8 @@ private Q_SLOTS:
         service.answer(R"({"status":"success","message":"Port 80 is open on 192.0.2.7."})");
         QSettings().setValue(QStringLiteral("services/portCheck"), service.base());
         desktop.window.reset();
-        MainWindow window(desktop.home.profiles.get(), nullptr, fileRoutes(), desktop.source());
+        MainWindow window(desktop.home.profiles.get(), &desktop.look, nullptr, fileRoutes(),
+                          desktop.source());
         QTest::qWait(0);
         QVERIFY(service.requests.isEmpty());
         const auto ask = [&window] {
@@ -182,7 +183,7 @@ private Q_SLOTS:
         const auto type = [&desktop](const char *entry, const char *input) {
             inModal<InputDialog>([&] { action(desktop, entry)->trigger(); },
                                  [input](InputDialog *dialog) {
-                                     retype(dialog->findChild<QLineEdit *>(), QLatin1String(input));
+                                     retype(dialog->findChild<QLineEdit *>(), input);
                                      dialog->accept();
                                  });
         };

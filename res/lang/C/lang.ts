@@ -485,10 +485,6 @@
         <translation>Can&apos;t save the settings</translation>
     </message>
     <message>
-        <source>All (*.*)</source>
-        <translation>All (*.*)</translation>
-    </message>
-    <message>
         <source>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</source>
         <translation>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</translation>
     </message>
@@ -746,14 +742,10 @@
     </message>
 </context>
 <context>
-    <name>StateLabel</name>
+    <name>Prompts</name>
     <message>
-        <source>On</source>
-        <translation>On</translation>
-    </message>
-    <message>
-        <source>Off</source>
-        <translation>Off</translation>
+        <source>All (*.*)</source>
+        <translation>All (*.*)</translation>
     </message>
 </context>
 <context>

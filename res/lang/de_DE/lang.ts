@@ -485,10 +485,6 @@
         <translation>Die Einstellungen können nicht gespeichert werden</translation>
     </message>
     <message>
-        <source>All (*.*)</source>
-        <translation>Alle (*.*)</translation>
-    </message>
-    <message>
         <source>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</source>
         <translation>Ein Profil ist beschädigt oder nicht lesbar. Es wird erst benutzt, wenn seine Einstellungen gespeichert sind; die Datei bleibt dann erhalten als %1</translation>
     </message>
@@ -746,14 +742,10 @@
     </message>
 </context>
 <context>
-    <name>StateLabel</name>
+    <name>Prompts</name>
     <message>
-        <source>On</source>
-        <translation>Ein</translation>
-    </message>
-    <message>
-        <source>Off</source>
-        <translation>Aus</translation>
+        <source>All (*.*)</source>
+        <translation>Alle (*.*)</translation>
     </message>
 </context>
 <context>

@@ -485,10 +485,6 @@
         <translation>No se pueden guardar los ajustes</translation>
     </message>
     <message>
-        <source>All (*.*)</source>
-        <translation>Todos (*.*)</translation>
-    </message>
-    <message>
         <source>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</source>
         <translation>Un perfil está dañado o no se puede leer. No se usará hasta que se guarden sus ajustes; el archivo se conserva entonces como %1</translation>
     </message>
@@ -746,14 +742,10 @@
     </message>
 </context>
 <context>
-    <name>StateLabel</name>
+    <name>Prompts</name>
     <message>
-        <source>On</source>
-        <translation>Activado</translation>
-    </message>
-    <message>
-        <source>Off</source>
-        <translation>Desactivado</translation>
+        <source>All (*.*)</source>
+        <translation>Todos (*.*)</translation>
     </message>
 </context>
 <context>

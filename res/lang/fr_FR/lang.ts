@@ -485,10 +485,6 @@
         <translation>Impossible d’enregistrer les paramètres</translation>
     </message>
     <message>
-        <source>All (*.*)</source>
-        <translation>Tous (*.*)</translation>
-    </message>
-    <message>
         <source>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</source>
         <translation>Un profil est endommagé ou illisible. Il ne servira pas tant que ses réglages ne sont pas enregistrés&#xa0;; le fichier est alors conservé sous %1</translation>
     </message>
@@ -746,14 +742,10 @@
     </message>
 </context>
 <context>
-    <name>StateLabel</name>
+    <name>Prompts</name>
     <message>
-        <source>On</source>
-        <translation>Activé</translation>
-    </message>
-    <message>
-        <source>Off</source>
-        <translation>Désactivé</translation>
+        <source>All (*.*)</source>
+        <translation>Tous (*.*)</translation>
     </message>
 </context>
 <context>

@@ -1,40 +1,12 @@
-#include "desktop/widgets/Labels.h"
+#include "desktop/widgets/LinkLabel.h"
+
+#include "desktop/widgets/Touch.h"
 
 #include <QEvent>
-#include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOption>
-
-#include <utility>
-
-namespace {
-
-constexpr int leastHeight = 44; // what a finger needs
-
-} // namespace
-
-StateLabel::StateLabel(QIcon on, QIcon off, QWidget *parent)
-    : QLabel(parent)
-    , onIcon(std::move(on))
-    , offIcon(std::move(off))
-{
-    showState();
-}
-
-void StateLabel::setOn(bool on)
-{
-    m_on = on;
-    showState();
-}
-
-void StateLabel::showState()
-{
-    const int size = style()->pixelMetric(QStyle::PM_LargeIconSize, nullptr, this);
-    setPixmap((m_on ? onIcon : offIcon).pixmap(size));
-    setAccessibleName(m_on ? tr("On") : tr("Off"));
-}
 
 LinkLabel::LinkLabel(QWidget *parent)
     : QLabel(parent)
@@ -69,7 +41,7 @@ QSize LinkLabel::sizeHint() const
 
 QSize LinkLabel::minimumSizeHint() const
 {
-    return { leastHeight, qMax(leastHeight, fontMetrics().height()) };
+    return { fingerSize, qMax(fingerSize, fontMetrics().height()) };
 }
 
 void LinkLabel::resizeEvent(QResizeEvent *event)
@@ -102,15 +74,4 @@ void LinkLabel::paintEvent(QPaintEvent *event)
     QStyleOptionFocusRect option;
     option.initFrom(this);
     style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, this);
-}
-
-StateLinkLabel::StateLinkLabel(const QIcon &on, const QIcon &off, QWidget *parent)
-    : QWidget(parent)
-    , m_picture(new StateLabel(on, off, this))
-    , m_link(new LinkLabel(this))
-{
-    auto *row = new QHBoxLayout(this);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->addWidget(m_picture);
-    row->addWidget(m_link, 1);
 }

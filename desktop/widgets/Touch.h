@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QSize>
+
+class QAbstractScrollArea;
+class QMenu;
+class QWidget;
+
+/// The least height and width of what a finger is to hit, in pixels.
+constexpr int fingerSize = 44;
+
+/// A control that no layout makes smaller than a finger needs.
+template <typename Base> class Finger : public Base
+{
+public:
+    using Base::Base;
+
+    QSize sizeHint() const override { return large(Base::sizeHint()); }
+    QSize minimumSizeHint() const override { return large(Base::minimumSizeHint()); }
+
+private:
+    static QSize large(const QSize &hint) { return hint.expandedTo({ fingerSize, fingerSize }); }
+};
+
+/// Makes the entries of `menu` large enough for fingers.
+void sizeForFingers(QMenu *menu);
+
+/// Lets fingers drag the content of `area`.
+void scrollByFinger(QAbstractScrollArea *area);
+
+/// Gives `window` the size `wanted`, or as much of it as its screen has.
+void fitToScreen(QWidget *window, const QSize &wanted);
