@@ -1,0 +1,85 @@
+#include "files/FolderReader.h"
+
+#include <cerrno>
+#include <cstring>
+#include <utility>
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::size_t bufferBytes = 1 << 15;
+
+bool isDots(const char *name)
+{
+    return std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+}
+
+} // namespace
+
+FolderReader::FolderReader(FileDescriptor openFolder,
+                           std::shared_ptr<const HiddenFolders> hiddenFolders)
+    : folder(std::move(openFolder))
+    , hidden(std::move(hiddenFolders))
+{
+}
+
+bool FolderReader::next(Item &item)
+{
+    while (offset < end || fill()) {
+        const void *record = buffer.data() + offset;
+        const auto *entry = static_cast<const dirent64 *>(record);
+        offset += entry->d_reclen;
+        if (isDots(entry->d_name))
+            continue;
+        item = { entry->d_name, entry->d_type, entry->d_off };
+        return true;
+    }
+    return false;
+}
+
+bool FolderReader::fill()
+{
+    buffer.resize(bufferBytes);
+    const ssize_t size = ::getdents64(folder.get(), buffer.data(), buffer.size());
+    errorNumber = size < 0 ? errno : 0;
+    offset = 0;
+    end = size > 0 ? std::size_t(size) : 0;
+    return end > 0;
+}
+
+void FolderReader::seek(qint64 position)
+{
+    offset = end = 0;
+    if (::lseek(folder.get(), position, SEEK_SET) < 0)
+        errorNumber = errno;
+}
+
+EntryFacts FolderReader::facts(const Item &item) const
+{
+    const bool link = item.type == DT_LNK;
+    const EntryFacts found =
+        link ? linkFacts(folder.get(), item.name) : entryFacts(folder.get(), item.name);
+    if (!hidden || hidden->isEmpty() || !found.exists)
+        return found;
+    if (hidden->has(found))
+        return {};
+    if (found.link) {
+        const FileDescriptor target(::openat(folder.get(), item.name, O_PATH | O_CLOEXEC));
+        if (hidden->coversOpen(target.get()))
+            return {};
+    }
+    return found;
+}
+
+FileDescriptor FolderReader::openFolder(const char *name) const
+{
+    FileDescriptor found(::openat(folder.get(), name, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (!found.isOpen() || !hidden || !hidden->coversOpen(found.get()))
+        return found;
+    found.reset();
+    errno = ENOENT;
+    return found;
+}

@@ -1,0 +1,52 @@
+#include "files/Path.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <array>
+
+#include <climits>
+#include <unistd.h>
+
+QByteArray nativePath(const QString &path)
+{
+    return QFile::encodeName(path);
+}
+
+QByteArray cleanPath(const QByteArray &requested)
+{
+    QByteArray clean;
+    const QList<QByteArray> segments = requested.split('/');
+    for (const QByteArray &segment : segments) {
+        if (segment.isEmpty() || segment == ".")
+            continue;
+        if (segment == "..") {
+            const auto slash = clean.lastIndexOf('/');
+            clean.truncate(slash < 0 ? 0 : slash);
+            continue;
+        }
+        if (!clean.isEmpty())
+            clean += '/';
+        clean += segment;
+    }
+    return clean;
+}
+
+bool isSpellable(const QByteArray &name)
+{
+    const bool plain = std::none_of(name.cbegin(), name.cend(), [](char c) { return c < 0; });
+    if (plain)
+        return true;
+    const QString text = QFile::decodeName(name);
+    return !text.contains(QChar::ReplacementCharacter) || QFile::encodeName(text) == name;
+}
+
+QByteArray pathOf(int descriptor)
+{
+    const QByteArray link = "/proc/self/fd/" + QByteArray::number(descriptor);
+    std::array<char, PATH_MAX> path;
+    const ssize_t size = ::readlink(link.constData(), path.data(), path.size());
+    if (size <= 0 || std::size_t(size) == path.size())
+        return {};
+    return { path.data(), int(size) };
+}

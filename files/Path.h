@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+/// The bytes by which the file system knows `path`.
+QByteArray nativePath(const QString &path);
+
+/// What a request's path names, relative to the top and without empty, "." and ".." segments.
+/// ".." takes a segment away by name and never climbs above the top, which is "".
+QByteArray cleanPath(const QByteArray &requested);
+
+/// Whether a request can name it: it decodes to text that encodes to the same bytes.
+bool isSpellable(const QByteArray &name);
+
+/// Where the system says that an open descriptor stands: an absolute path without links. Empty
+/// when it can't tell, as for paths that are longer than it can say.
+QByteArray pathOf(int descriptor);

@@ -1,0 +1,59 @@
+#include "files/Rename.h"
+
+#include "files/Entry.h"
+#include "files/Reservation.h"
+
+#include <cerrno>
+#include <cstdio>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace {
+
+bool isTaken(int folder, const char *name)
+{
+    const EntryFacts facts = entryFacts(folder, name);
+    return facts.exists || facts.link;
+}
+
+int checkedRename(int fromFolder, const char *from, int toFolder, const char *to)
+{
+    if (isTaken(toFolder, to))
+        return EEXIST;
+    return ::renameat(fromFolder, from, toFolder, to) == 0 ? 0 : errno;
+}
+
+int renameByLink(int fromFolder, const char *from, int toFolder, const char *to)
+{
+    if (::linkat(fromFolder, from, toFolder, to, 0) != 0)
+        return errno;
+    return ::unlinkat(fromFolder, from, 0) == 0 ? 0 : errno;
+}
+
+} // namespace
+
+int renameNew(const Place &from, const Place &to)
+{
+    if (!from.isValid() || !to.isValid())
+        return ENOENT;
+    if (from.holdsHidden || Reservation::isTaken(from))
+        return EBUSY;
+    if (Reservation::isTaken(to))
+        return EEXIST;
+    return renameNew(from.folder.get(), from.name, to.folder.get(), to.name);
+}
+
+int renameNew(int fromFolder, const QByteArray &from, int toFolder, const QByteArray &to)
+{
+    const char *oldName = from.constData();
+    const char *newName = to.constData();
+    if (::renameat2(fromFolder, oldName, toFolder, newName, RENAME_NOREPLACE) == 0)
+        return 0;
+    // Not every file system knows the flag, and not every one knows links.
+    if (errno != EINVAL && errno != ENOSYS)
+        return errno;
+    const int error = renameByLink(fromFolder, oldName, toFolder, newName);
+    const bool noLinks = error == EPERM || error == EOPNOTSUPP;
+    return noLinks ? checkedRename(fromFolder, oldName, toFolder, newName) : error;
+}

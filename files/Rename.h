@@ -1,0 +1,11 @@
+#pragma once
+
+#include "files/Place.h"
+
+/// Gives an entry another place, where nothing may stand. 0, or the number of the error: `EXDEV`
+/// for another file system, `EEXIST` for a name that is taken or being received, `EBUSY` for an
+/// entry that is being received or holds a hidden folder.
+int renameNew(const Place &from, const Place &to);
+
+/// The same by the names alone, for who holds them reserved.
+int renameNew(int fromFolder, const QByteArray &from, int toFolder, const QByteArray &to);

@@ -1,0 +1,243 @@
+#include "files/Share.h"
+
+#include "files/Beneath.h"
+#include "files/Path.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace {
+
+constexpr int placeFlags = O_PATH | O_CLOEXEC;
+constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+constexpr mode_t folderMode = 0777;
+
+FileDescriptor failed(int error)
+{
+    errno = error;
+    return {};
+}
+
+Place noPlace(int error)
+{
+    errno = error;
+    return {};
+}
+
+bool isMerePlace(int flags)
+{
+    return (flags & O_PATH) != 0;
+}
+
+/// Not blocking: a pipe would wait for its writer, and with it the whole server.
+int patient(int flags)
+{
+    return isMerePlace(flags) ? flags | O_CLOEXEC
+                              : flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_LARGEFILE;
+}
+
+QByteArray folderPart(const QByteArray &path)
+{
+    const auto slash = path.lastIndexOf('/');
+    return slash < 0 ? QByteArray() : path.left(slash);
+}
+
+QByteArray namePart(const QByteArray &path)
+{
+    return path.mid(path.lastIndexOf('/') + 1);
+}
+
+} // namespace
+
+std::optional<Share> Share::at(const QString &path, const QStringList &hidden)
+{
+    Share share;
+    share.rootPath = '/' + cleanPath(nativePath(path));
+    share.root.reset(::open(share.rootPath.constData(), placeFlags));
+    if (!share.root.isOpen())
+        return {};
+    share.folder = entryFacts(share.root.get()).folder;
+    share.setHidden(hidden);
+    return share;
+}
+
+void Share::setHidden(const QStringList &hiddenFolders)
+{
+    hidden = std::make_shared<const HiddenFolders>(hiddenFolders);
+    wholly = hidden->coversOpen(root.get());
+    hiddenBelow = hidden->below(pathOf(root.get()));
+}
+
+bool Share::isHidden(const QByteArray &clean) const
+{
+    return wholly
+        || std::any_of(
+               hiddenBelow.cbegin(), hiddenBelow.cend(),
+               [&clean](const QByteArray &folderBelow) { return isWithin(clean, folderBelow); });
+}
+
+FileDescriptor Share::open(const QByteArray &path, int flags, Links links) const
+{
+    if (path.contains('\0'))
+        return failed(ENOENT);
+    const QByteArray clean = cleanPath(path);
+    if (isHidden(clean))
+        return failed(ENOENT);
+    if (!folder)
+        return openSingle(clean, patient(flags));
+    // Without links on the way the path is what it says, and looking at the name was enough.
+    FileDescriptor found = openPlain(root.get(), clean, patient(flags));
+    if (found.isOpen() || errno != ELOOP)
+        return found;
+    return openLinked(clean, patient(flags), links);
+}
+
+FileDescriptor Share::openLinked(const QByteArray &clean, int flags, Links links) const
+{
+    const char *name = clean.isEmpty() ? "." : clean.constData();
+    FileDescriptor found = links == Links::Beneath
+        ? openBeneath(root.get(), clean, flags)
+        : FileDescriptor(::openat(root.get(), name, flags));
+    if (!found.isOpen() || !hidden->coversOpen(found.get()))
+        return found;
+    found.reset();
+    return failed(ENOENT);
+}
+
+/// The descriptor is the share, whatever the file is called by now. One that was removed is looked
+/// for by its name: editors save by putting a new file in the place of the old.
+FileDescriptor Share::openSingle(const QByteArray &clean, int flags) const
+{
+    if (!clean.isEmpty())
+        return failed(ENOTDIR);
+    struct stat status = {};
+    const bool removed = ::fstat(root.get(), &status) == 0 && status.st_nlink == 0;
+    const QByteArray path = removed ? rootPath : "/proc/self/fd/" + QByteArray::number(root.get());
+    FileDescriptor found(::open(path.constData(), flags & ~O_NOFOLLOW));
+    if (!removed || !found.isOpen() || !hidden->coversOpen(found.get()))
+        return found;
+    found.reset();
+    return failed(ENOENT);
+}
+
+std::optional<OpenFile> Share::openFile(const QByteArray &path, Links links) const
+{
+    OpenFile file;
+    file.descriptor = open(path, O_RDONLY, links);
+    if (!file.descriptor.isOpen())
+        return {};
+    file.facts = openFacts(file.descriptor.get());
+    if (file.facts.file)
+        return file;
+    file.descriptor.reset();
+    errno = file.facts.folder ? EISDIR : ENXIO;
+    return {};
+}
+
+std::optional<FolderReader> Share::openFolder(const QByteArray &path, Links links) const
+{
+    FileDescriptor found = open(path, folderFlags, links);
+    if (!found.isOpen())
+        return {};
+    return FolderReader(std::move(found), hidden);
+}
+
+EntryFacts Share::facts(const QByteArray &path, Links links) const
+{
+    const FileDescriptor plain = open(path, placeFlags | O_NOFOLLOW, links);
+    if (!plain.isOpen())
+        return {};
+    EntryFacts found = entryFacts(plain.get());
+    if (!S_ISLNK(found.mode))
+        return found;
+    const FileDescriptor target = open(path, placeFlags, links);
+    found = target.isOpen() ? entryFacts(target.get()) : EntryFacts();
+    found.link = true;
+    return found;
+}
+
+Place Share::place(const QByteArray &path, Links links) const
+{
+    if (path.contains('\0'))
+        return noPlace(ENOENT);
+    const QByteArray clean = cleanPath(path);
+    if (isHidden(clean))
+        return noPlace(ENOENT);
+    if (clean.isEmpty())
+        return rootPlace();
+    Place found;
+    found.folder = open(folderPart(clean), O_PATH | O_DIRECTORY, links);
+    if (!found.folder.isOpen())
+        return {};
+    found.name = namePart(clean);
+    return checked(std::move(found));
+}
+
+Place Share::target(const QByteArray &path, Links links) const
+{
+    const FileDescriptor entry = open(path, placeFlags, links);
+    if (!entry.isOpen())
+        return {};
+    Place found = placeOf(pathOf(entry.get()));
+    if (isSameEntry(entryFacts(entry.get()),
+                    entryFacts(found.folder.get(), found.name.constData())))
+        return found;
+    return noPlace(ENOENT);
+}
+
+Place Share::rootPlace() const
+{
+    const EntryFacts shared = entryFacts(root.get());
+    for (const QByteArray &path : { rootPath, pathOf(root.get()) }) {
+        Place found = placeOf(path);
+        if (found.isValid()
+            && isSameEntry(shared, entryFacts(found.folder.get(), found.name.constData())))
+            return found;
+    }
+    return noPlace(ENOENT);
+}
+
+Place Share::placeOf(const QByteArray &absolutePath) const
+{
+    Place found;
+    const QByteArray parent = folderPart(absolutePath) + '/';
+    found.folder.reset(::open(parent.constData(), placeFlags | O_DIRECTORY));
+    found.name = namePart(absolutePath);
+    return found.isValid() ? checked(std::move(found)) : Place();
+}
+
+/// Through links a place may be another than its path says.
+Place Share::checked(Place found) const
+{
+    found.hidden = hidden;
+    if (hidden->isEmpty())
+        return found;
+    const QByteArray parent = pathOf(found.folder.get());
+    const QByteArray path = (parent == "/" ? parent : parent + '/') + found.name;
+    if (parent.isEmpty() || hidden->covers(path))
+        return noPlace(ENOENT);
+    found.holdsHidden = hidden->liesIn(path);
+    return found;
+}
+
+int Share::makeFolders(const QByteArray &path, Links links) const
+{
+    if (open(path, O_PATH | O_DIRECTORY, links).isOpen())
+        return 0;
+    if (path.contains('\0'))
+        return ENOENT;
+    const QByteArray clean = cleanPath(path) + '/';
+    for (auto slash = clean.indexOf('/'); slash >= 0; slash = clean.indexOf('/', slash + 1)) {
+        const Place next = place(clean.left(slash), links);
+        if (!next.isValid())
+            return errno;
+        const int made = ::mkdirat(next.folder.get(), next.name.constData(), folderMode);
+        if (made != 0 && errno != EEXIST)
+            return errno;
+    }
+    return open(path, O_PATH | O_DIRECTORY, links).isOpen() ? 0 : errno;
+}

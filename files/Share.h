@@ -1,0 +1,87 @@
+#pragma once
+
+#include "files/Entry.h"
+#include "files/FileDescriptor.h"
+#include "files/FolderReader.h"
+#include "files/HiddenFolders.h"
+#include "files/Place.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+/// A regular file that is open for reading, and what it was found to be.
+struct OpenFile
+{
+    FileDescriptor descriptor;
+    EntryFacts facts;
+};
+
+/// The only way from a request's path to the disk: a folder, or one file, and all that requests
+/// may name of it. Holds the root open from Start on, so it stays right when that is renamed.
+/// Paths are bytes as on disk, in any spelling; ".." never climbs, through a link either. One with
+/// a NUL, and whatever is hidden, does not exist (`ENOENT`). Constant after it was made, for any
+/// thread.
+class Share
+{
+public:
+    enum class Links {
+        Followed, ///< wherever they lead
+        Beneath ///< only while they stay below the root
+    };
+
+    /// Opens what is to be shared. `path` is absolute; `hidden` are the folders that never show.
+    /// None, with `errno`, when there is no such file or folder.
+    static std::optional<Share> at(const QString &path, const QStringList &hidden);
+
+    bool isFolder() const { return folder; }
+
+    /// Opens what `path` names, with the flags of `open` but never to create. Never waits for the
+    /// other end of a pipe. Not open, with `errno`, when it can't be.
+    FileDescriptor open(const QByteArray &path, int flags, Links links = Links::Followed) const;
+
+    /// Opens a regular file for reading. None, with `errno`, for anything else.
+    std::optional<OpenFile> openFile(const QByteArray &path, Links links = Links::Followed) const;
+
+    /// Opens a folder to read its entries. None, with `errno`, when it can't be.
+    std::optional<FolderReader> openFolder(const QByteArray &path,
+                                           Links links = Links::Followed) const;
+
+    /// A look at what `path` names. Nothing exists when it can't be looked at.
+    EntryFacts facts(const QByteArray &path, Links links = Links::Followed) const;
+
+    /// Where `path` names an entry, which need not exist; a last link is that entry itself. Not
+    /// valid, with `errno`, when its folder can't be opened. The root has its place too, as long
+    /// as it is found by the path it was opened by or stands at now.
+    Place place(const QByteArray &path, Links links = Links::Followed) const;
+
+    /// Where the file or folder stands that `path` leads to, through a last link as well. Not
+    /// valid, with `errno`, when that doesn't exist.
+    Place target(const QByteArray &path, Links links = Links::Followed) const;
+
+    /// Makes a folder and those above it that are missing. 0, also when it stands already, or the
+    /// number of the error.
+    int makeFolders(const QByteArray &path, Links links = Links::Followed) const;
+
+private:
+    Share() = default;
+
+    void setHidden(const QStringList &hiddenFolders);
+    bool isHidden(const QByteArray &clean) const;
+    FileDescriptor openSingle(const QByteArray &clean, int flags) const;
+    FileDescriptor openLinked(const QByteArray &clean, int flags, Links links) const;
+    Place rootPlace() const;
+    Place placeOf(const QByteArray &absolutePath) const;
+    Place checked(Place found) const;
+
+    FileDescriptor root; ///< a mere place (`O_PATH`)
+    QByteArray rootPath; ///< that it was opened by
+    bool folder = false;
+    bool wholly = false; ///< hidden as a whole
+    std::shared_ptr<const HiddenFolders> hidden;
+    std::vector<QByteArray> hiddenBelow; ///< relative paths without links
+};
