@@ -1,0 +1,114 @@
+#include "files/DiskWorker.h"
+
+#include "files/DiskJob.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <sys/eventfd.h>
+
+namespace {
+
+constexpr std::size_t maxThreads = 2;
+
+} // namespace
+
+DiskWorker::DiskWorker(QObject *parent)
+    : QObject(parent)
+    , bell(::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK))
+    , listener(std::make_unique<QSocketNotifier>(bell.get(), QSocketNotifier::Read))
+{
+    connect(listener.get(), &QSocketNotifier::activated, this, [this] { deliver(); });
+}
+
+DiskWorker::~DiskWorker()
+{
+    for (const auto &entry : tasks)
+        entry.first->cancel();
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        stopping = true;
+    }
+    wake.notify_all();
+    for (std::thread &thread : threads)
+        thread.join();
+}
+
+void DiskWorker::run(std::shared_ptr<DiskJob> job, QObject *context, Done done)
+{
+    Task task{ std::move(job), context, std::move(done) };
+    if (!context)
+        task.done = nullptr;
+    if (task.job->run(Budget::ofLoop(task.job->cancelFlag())))
+        return finish(task);
+    DiskJob *unfinished = task.job.get();
+    tasks.emplace(unfinished, std::move(task));
+    enqueue(unfinished);
+}
+
+void DiskWorker::finish(const Task &task)
+{
+    if (task.done && task.context && !task.job->isCancelled())
+        task.done();
+}
+
+void DiskWorker::enqueue(DiskJob *job)
+{
+    if (threads.size() < std::min(maxThreads, tasks.size()))
+        threads.emplace_back(&DiskWorker::work, this);
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        waiting.push_back(job);
+    }
+    wake.notify_one();
+}
+
+void DiskWorker::work()
+{
+    while (DiskJob *job = takeWaiting()) {
+        const bool ended = job->isCancelled() || job->run(Budget::ofWorker(job->cancelFlag()));
+        putBack(job, ended || job->isCancelled());
+    }
+}
+
+/// The job that waits longest; null at the end of the program.
+DiskJob *DiskWorker::takeWaiting()
+{
+    std::unique_lock<std::mutex> lock(mutex);
+    wake.wait(lock, [this] { return stopping || !waiting.empty(); });
+    if (stopping)
+        return nullptr;
+    DiskJob *job = waiting.front();
+    waiting.pop_front();
+    return job;
+}
+
+/// Behind all others, so that a long job keeps none of them waiting.
+void DiskWorker::putBack(DiskJob *job, bool finishedNow)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (!finishedNow) {
+        waiting.push_back(job);
+        return;
+    }
+    finished.push_back(job);
+    ::eventfd_write(bell.get(), 1);
+}
+
+void DiskWorker::deliver()
+{
+    std::vector<DiskJob *> ended;
+    eventfd_t rings = 0;
+    ::eventfd_read(bell.get(), &rings);
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        ended.swap(finished);
+    }
+    for (DiskJob *job : ended) {
+        const auto found = tasks.find(job);
+        // Out of the table first: what is done next may run the job anew.
+        const Task task = std::move(found->second);
+        tasks.erase(found);
+        finish(task);
+    }
+}
