@@ -1,0 +1,220 @@
+#include "files/UploadFile.h"
+
+#include "files/Attributes.h"
+#include "files/HiddenUploads.h"
+#include "files/Rename.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr mode_t newMode = 0666;
+constexpr mode_t privateMode = 0600;
+constexpr qint64 writeBackBytes = qint64(8) << 20;
+constexpr int attempts = 16;
+
+int errorOf(int returned)
+{
+    return returned == 0 ? 0 : errno;
+}
+
+/// Some file systems know no such call; they write when they like.
+int syncContent(int file)
+{
+    const int error = errorOf(::fdatasync(file));
+    return error == EINVAL || error == ENOSYS ? 0 : error;
+}
+
+/// Marks a file as being received, until it is closed. A file system without locks allows it.
+bool lock(int file)
+{
+    return ::flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
+}
+
+} // namespace
+
+UploadFile::UploadFile() = default;
+
+UploadFile::~UploadFile()
+{
+    drop();
+}
+
+DiskError UploadFile::create(Place place)
+{
+    target = std::move(place);
+    if (!target.isValid())
+        return DiskError::Missing;
+    if (entryFacts(target.folder.get(), target.name.constData()).exists)
+        return DiskError::Exists;
+    return begin(newMode);
+}
+
+DiskError UploadFile::replace(Place place)
+{
+    target = std::move(place);
+    if (!target.isValid())
+        return DiskError::Missing;
+    // For writing: whoever may not write to the file may not replace it either.
+    replaced.reset(::openat(target.folder.get(), target.name.constData(),
+                            O_WRONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    if (!replaced.isOpen())
+        return errno == ENOENT ? DiskError::Missing : DiskError::Failed;
+    old = openFacts(replaced.get());
+    if (!old.file)
+        return DiskError::Failed;
+    return lock(replaced.get()) ? begin(privateMode) : DiskError::Locked;
+}
+
+DiskError UploadFile::begin(mode_t mode)
+{
+    reservation = Reservation::take(target);
+    if (!reservation)
+        return DiskError::Locked;
+    file.reset(::openat(target.folder.get(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, mode));
+    if (file.isOpen() || openHidden(mode))
+        return DiskError::None;
+    return diskError(errno);
+}
+
+bool UploadFile::openHidden(mode_t mode)
+{
+    sweeps = true;
+    for (int attempt = 0; attempt < attempts; ++attempt) {
+        hiddenName = hiddenUploadName();
+        file.reset(::openat(target.folder.get(), hiddenName.constData(),
+                            O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, mode));
+        if (file.isOpen())
+            return lock(file.get());
+        if (errno != EEXIST)
+            break;
+    }
+    hiddenName.clear();
+    return false;
+}
+
+DiskError UploadFile::write(const char *data, qint64 size)
+{
+    for (qint64 done = 0; done < size;) {
+        const ssize_t written = ::write(file.get(), data + done, std::size_t(size - done));
+        if (written < 0 && errno == EINTR)
+            continue;
+        if (written <= 0) {
+            discarded = true;
+            return result = written == 0 ? DiskError::NoSpace : diskError(errno);
+        }
+        done += written;
+    }
+    startWriteBack(size);
+    return DiskError::None;
+}
+
+/// So that little is left for the end, when somebody waits for it.
+void UploadFile::startWriteBack(qint64 size)
+{
+    unsynced += size;
+    if (sync == Sync::None || unsynced < writeBackBytes)
+        return;
+    ::sync_file_range(file.get(), synced, unsynced, SYNC_FILE_RANGE_WRITE);
+    synced += std::exchange(unsynced, 0);
+}
+
+bool UploadFile::run(const Budget &until)
+{
+    const bool waits = discarded || sweeps || sync != Sync::None;
+    if (waits && !until.mayBlock())
+        return false;
+    if (!discarded && !until.isCancelled())
+        result = keep();
+    drop();
+    if (sweeps && target.isValid())
+        sweepHiddenUploads(target.folder.get());
+    return true;
+}
+
+DiskError UploadFile::keep()
+{
+    if (!file.isOpen())
+        return DiskError::Failed;
+    int error = inherit();
+    if (error == 0 && sync != Sync::None)
+        error = syncContent(file.get());
+    if (error == 0)
+        error = takeName();
+    if (error == 0 && sync == Sync::FileAndFolder)
+        error = syncFolder();
+    return diskError(error);
+}
+
+int UploadFile::inherit() const
+{
+    if (replaced.isOpen())
+        return copyAttributes(replaced.get(), file.get());
+    return wantedMode ? errorOf(::fchmod(file.get(), *wantedMode)) : 0;
+}
+
+int UploadFile::takeName()
+{
+    if (replaced.isOpen())
+        return replaceName();
+    const int folder = target.folder.get();
+    const int error = hiddenName.isEmpty() ? linkTo(target.name)
+                                           : renameNew(folder, hiddenName, folder, target.name);
+    if (error == EEXIST && entryFacts(folder, target.name.constData()).isBrokenLink())
+        return replaceName();
+    if (error == 0)
+        hiddenName.clear();
+    return error;
+}
+
+int UploadFile::replaceName()
+{
+    if (hiddenName.isEmpty()) {
+        const QByteArray name = hiddenUploadName();
+        if (const int error = linkTo(name))
+            return error;
+        hiddenName = name;
+    }
+    const int folder = target.folder.get();
+    const int error =
+        errorOf(::renameat(folder, hiddenName.constData(), folder, target.name.constData()));
+    if (error == 0)
+        hiddenName.clear();
+    return error;
+}
+
+/// Never over another name.
+int UploadFile::linkTo(const QByteArray &name) const
+{
+    const QByteArray unnamed = "/proc/self/fd/" + QByteArray::number(file.get());
+    return errorOf(::linkat(AT_FDCWD, unnamed.constData(), target.folder.get(), name.constData(),
+                            AT_SYMLINK_FOLLOW));
+}
+
+/// A folder that can't be listed can't be synced either; its content is safe all the same.
+int UploadFile::syncFolder() const
+{
+    const FileDescriptor folder(
+        ::openat(target.folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return folder.isOpen() ? errorOf(::fsync(folder.get())) : 0;
+}
+
+void UploadFile::drop()
+{
+    if (!hiddenName.isEmpty()) {
+        const EntryFacts named = entryFacts(target.folder.get(), hiddenName.constData());
+        if (!named.link && isSameEntry(named, openFacts(file.get())))
+            ::unlinkat(target.folder.get(), hiddenName.constData(), 0);
+        hiddenName.clear();
+    }
+    file.reset();
+    replaced.reset();
+    reservation.reset();
+}

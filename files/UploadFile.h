@@ -1,0 +1,92 @@
+#pragma once
+
+#include "files/DiskError.h"
+#include "files/DiskJob.h"
+#include "files/Entry.h"
+#include "files/FileDescriptor.h"
+#include "files/Place.h"
+#include "files/Reservation.h"
+
+#include <QByteArray>
+#include <QtGlobal>
+
+#include <optional>
+
+/// A file that takes its name only when it is whole. Until then it has none at all where the file
+/// system can do that, else a hidden one beside its place; gone with its object unless it was
+/// kept. While it lives no other upload gets the name.
+///
+/// Keeping is the job: it waits for the disk, so it is run by a `DiskWorker`, which then also owns
+/// it. A job that is cancelled before it began keeps nothing.
+class UploadFile final : public DiskJob
+{
+public:
+    /// What has reached the disk before the file counts as kept.
+    enum class Sync {
+        None,
+        File, ///< its content
+        FileAndFolder ///< and its name
+    };
+
+    UploadFile();
+    ~UploadFile() override;
+
+    /// Begins a new file. A link that leads nowhere gives way to it when it is kept.
+    DiskError create(Place place);
+
+    /// Begins a file that takes the place, the mode and, where the system allows it, the owner,
+    /// group and extended attributes of a regular one. That one is served until then, and its
+    /// further names (hard links) keep the old content.
+    DiskError replace(Place place);
+
+    /// Appends to the content. An error leaves nothing to be kept.
+    DiskError write(const char *data, qint64 size);
+
+    /// Permissions of a new file instead of the usual ones.
+    void setMode(mode_t mode) { wantedMode = mode & permissionBits; }
+
+    void setSync(Sync policy) { sync = policy; }
+
+    /// Gives the file its name, see `error`.
+    bool run(const Budget &until) override;
+
+    /// How keeping ended.
+    DiskError error() const { return result; }
+
+    /// Makes the job one that only drops the file: freeing a large one takes the disk a while.
+    void discard() { discarded = true; }
+
+    /// For copying into, without `write`; -1 before it was begun.
+    int descriptor() const { return file.get(); }
+
+    /// Where the file is to stand; empty before it was begun.
+    const Place &place() const { return target; }
+
+private:
+    static constexpr mode_t permissionBits = 0777;
+
+    DiskError begin(mode_t mode);
+    bool openHidden(mode_t mode);
+    void startWriteBack(qint64 size);
+    DiskError keep();
+    int inherit() const;
+    int takeName();
+    int replaceName();
+    int linkTo(const QByteArray &name) const;
+    int syncFolder() const;
+    void drop();
+
+    Place target;
+    std::optional<Reservation> reservation;
+    FileDescriptor file;
+    FileDescriptor replaced; ///< the old file, locked; only when there is one
+    EntryFacts old; ///< of the same
+    QByteArray hiddenName; ///< while it has one
+    std::optional<mode_t> wantedMode;
+    qint64 unsynced = 0; ///< bytes at the end of the file
+    qint64 synced = 0; ///< bytes before them
+    Sync sync = Sync::File;
+    bool sweeps = false; ///< uploads that were killed leave files in this folder
+    bool discarded = false;
+    DiskError result = DiskError::None;
+};
