@@ -1,0 +1,60 @@
+#pragma once
+
+#include "files/DiskJob.h"
+#include "files/FileDescriptor.h"
+#include "files/FolderReader.h"
+#include "files/Place.h"
+
+#include <QByteArray>
+#include <QtGlobal>
+
+#include <vector>
+
+/// Removes what stands at a place: a file, a link, or a folder with all it holds. Links are never
+/// followed, also when one is put in the place of a folder meanwhile: nothing outside the tree is
+/// touched. Works on open folders, so no tree is too deep, and remembers a few names a level. What
+/// can't be removed stays, the rest goes; broken off, what is gone is gone.
+class TreeRemoval final : public DiskJob
+{
+public:
+    explicit TreeRemoval(Place top);
+
+    bool run(const Budget &until) override;
+
+    /// Whether nothing stands at the place any more; also when nothing ever did.
+    bool isWhole() const { return whole; }
+
+    /// How many entries below the top folder were removed.
+    qint64 removed() const { return removedCount; }
+
+private:
+    struct Level
+    {
+        QByteArray name; ///< in the level above
+        FileDescriptor folder; ///< not open while too many others are
+        dev_t device = 0;
+        ino_t inode = 0;
+        qint64 position = 0; ///< where reading goes on
+        bool atEnd = false; ///< all entries were read
+        bool failed = false; ///< an entry stays
+        bool progressed = false; ///< entries were removed since reading began
+        std::vector<QByteArray> folders; ///< to be entered next
+    };
+
+    void begin();
+    void step();
+    void enter(const QByteArray &name);
+    void readBatch(Level &level);
+    bool sort(Level &level, const FolderReader &reader, const FolderReader::Item &item);
+    void leave();
+    int parentOf(const Level &level);
+    bool readAgain(Level &level);
+    void count(bool done);
+    void limitOpen();
+
+    Place place;
+    std::vector<Level> levels; ///< from the top folder to the current one
+    bool begun = false;
+    bool whole = false;
+    qint64 removedCount = 0;
+};
