@@ -1,5 +1,7 @@
 #include "files/ListingCache.h"
 
+#include "files/DiskWorker.h"
+
 #include <QTimerEvent>
 
 #include <algorithm>
@@ -16,59 +18,119 @@ constexpr qint64 maxAge = 10000; ///< files grow without a trace in their folder
 constexpr qint64 timeStep = 50; ///< within which two changes may leave the same time
 constexpr int sweepInterval = 1000;
 
-qint64 wallClock()
+template <typename Clock> qint64 milliseconds()
 {
-    using namespace std::chrono;
-    return duration_cast<milliseconds>(system_clock::now().time_since_epoch()).count();
+    const auto time = Clock::now().time_since_epoch();
+    return std::chrono::duration_cast<std::chrono::milliseconds>(time).count();
+}
+
+qint64 now()
+{
+    return milliseconds<std::chrono::steady_clock>();
+}
+
+/// Whether the next change of the folder will show.
+bool isSettled(const FolderStamp &folder)
+{
+    const qint64 changed = std::max(folder.modified, folder.changed) / 1000000;
+    return changed + timeStep < milliseconds<std::chrono::system_clock>();
+}
+
+bool isOf(const FolderListing &listing, const FolderStamp &folder, const ListingShape &shape)
+{
+    return listing.stamp() == folder && listing.shape() == shape;
 }
 
 } // namespace
 
-ListingCache::ListingCache(QObject *parent)
+ListingCache::ListingCache(DiskWorker &diskWorker, QObject *parent)
     : QObject(parent)
+    , worker(diskWorker)
 {
 }
 
-qint64 ListingCache::now()
+void ListingCache::list(FolderReader folder, const ListingShape &shape,
+                        FolderListing::Window window, QObject *context, Done done)
 {
-    using namespace std::chrono;
-    return duration_cast<milliseconds>(steady_clock::now().time_since_epoch()).count();
+    Waiter waiter{ context, window, std::move(done) };
+    const FolderStamp stamp = FolderStamp::of(folder.descriptor());
+    if (const Listing known = find(stamp, shape))
+        return serve(known, std::move(waiter));
+    if (!isSettled(stamp) || !join(stamp, shape, waiter))
+        start(std::make_shared<FolderListing>(std::move(folder), shape, window), std::move(waiter));
 }
 
-std::shared_ptr<const FolderListing> ListingCache::find(const FolderStamp &folder,
-                                                        const ListingShape &shape)
+/// Who wants another part than the one in order has all of it put in order.
+void ListingCache::serve(const Listing &listing, Waiter waiter)
+{
+    if (!waiter.context)
+        return;
+    if (listing->covers(waiter.window))
+        return waiter.done(listing);
+    if (!join(listing->stamp(), listing->shape(), waiter))
+        start(std::make_shared<FolderListing>(listing), std::move(waiter));
+}
+
+bool ListingCache::join(const FolderStamp &folder, const ListingShape &shape, Waiter &waiter)
+{
+    const auto found =
+        std::find_if(underWay.begin(), underWay.end(), [&](const UnderWay &candidate) {
+            return isOf(*candidate.job, folder, shape);
+        });
+    if (found == underWay.end())
+        return false;
+    found->waiters.push_back(std::move(waiter));
+    return true;
+}
+
+void ListingCache::start(const std::shared_ptr<FolderListing> &job, Waiter waiter)
+{
+    underWay.push_back({ job, {} });
+    underWay.back().waiters.push_back(std::move(waiter));
+    worker.run(job, this, [this, job] { finish(job); });
+}
+
+void ListingCache::finish(const std::shared_ptr<FolderListing> &job)
+{
+    const auto found =
+        std::find_if(underWay.begin(), underWay.end(),
+                     [&job](const UnderWay &candidate) { return candidate.job == job; });
+    std::vector<Waiter> waiters = std::move(found->waiters);
+    underWay.erase(found);
+    keep(job);
+    for (Waiter &waiter : waiters)
+        serve(job, std::move(waiter));
+}
+
+ListingCache::Listing ListingCache::find(const FolderStamp &folder, const ListingShape &shape)
 {
     dropOld();
-    const auto found = kept(folder, shape);
+    const auto found = std::find_if(entries.begin(), entries.end(), [&](const Kept &entry) {
+        return isOf(*entry.listing, folder, shape);
+    });
     if (found == entries.end())
         return {};
     found->used = now();
     return found->listing;
 }
 
-void ListingCache::insert(std::shared_ptr<const FolderListing> listing)
+/// One with more in order takes the place, and the age, of the one that it was made from.
+void ListingCache::keep(const Listing &listing)
 {
-    const FolderStamp &stamp = listing->stamp();
-    const qint64 changed = std::max(stamp.modified, stamp.changed) / 1000000;
     const qint64 bytes = listing->bytes();
-    if (listing->count() < leastEntries || bytes > maxBytes || changed + timeStep > wallClock())
+    if (listing->count() < leastEntries || bytes > maxBytes || !isSettled(listing->stamp()))
         return;
-    const auto older = kept(stamp, listing->shape());
-    const qint64 made = older == entries.end() ? now() : older->made;
-    if (older != entries.end())
-        entries.erase(older);
+    const auto older = std::find_if(entries.begin(), entries.end(), [&](const Kept &entry) {
+        return isOf(*entry.listing, listing->stamp(), listing->shape());
+    });
+    if (older != entries.end()) {
+        older->listing = listing;
+        return;
+    }
     makeRoom(bytes);
-    entries.push_back({ std::move(listing), made, now() });
+    entries.push_back({ listing, now(), now() });
     if (!timer.isActive())
         timer.start(sweepInterval, this);
-}
-
-std::vector<ListingCache::Kept>::iterator ListingCache::kept(const FolderStamp &folder,
-                                                             const ListingShape &shape)
-{
-    return std::find_if(entries.begin(), entries.end(), [&](const Kept &entry) {
-        return entry.listing->stamp() == folder && entry.listing->shape() == shape;
-    });
 }
 
 void ListingCache::makeRoom(qint64 bytes)

@@ -4,41 +4,65 @@
 
 #include <QBasicTimer>
 #include <QObject>
+#include <QPointer>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
-/// Keeps the listings of large folders for a moment, for who turns pages or looks again every few
-/// seconds. Small folders are read anew each time: that costs less, and sizes stay right.
+class DiskWorker;
+
+/// Gives the listings of folders: reads each as often as needed and no oftener. Those of large
+/// folders are kept for a moment, for who turns pages or looks again every few seconds, and who
+/// asks for one that is being read waits for that. Small folders are read anew each time: that
+/// costs less, and sizes stay right. Lives in the event loop, not longer than its worker.
 class ListingCache : public QObject
 {
 public:
-    explicit ListingCache(QObject *parent = nullptr);
+    using Listing = std::shared_ptr<const FolderListing>;
+    using Done = std::function<void(const Listing &listing)>;
 
-    /// A listing of the folder as it is now; null when there is none. It may not cover the window
-    /// that is wanted.
-    std::shared_ptr<const FolderListing> find(const FolderStamp &folder, const ListingShape &shape);
+    explicit ListingCache(DiskWorker &diskWorker, QObject *parent = nullptr);
 
-    /// Keeps a finished listing, unless it is small, or the folder changed just before: then the
-    /// next change might leave the same time.
-    void insert(std::shared_ptr<const FolderListing> listing);
+    /// Calls `done` with a listing that covers `window`: before `list` returns if it is at hand or
+    /// the folder is small, so let it be the caller's last step. Not called once `context` is gone.
+    /// `folder` is at its start.
+    void list(FolderReader folder, const ListingShape &shape, FolderListing::Window window,
+              QObject *context, Done done);
 
 protected:
     void timerEvent(QTimerEvent *event) override;
 
 private:
+    struct Waiter
+    {
+        QPointer<QObject> context;
+        FolderListing::Window window;
+        Done done;
+    };
+    struct UnderWay
+    {
+        std::shared_ptr<FolderListing> job;
+        std::vector<Waiter> waiters;
+    };
     struct Kept
     {
-        std::shared_ptr<const FolderListing> listing;
-        qint64 made; ///< milliseconds of `now`, like the next
+        Listing listing;
+        qint64 made; ///< milliseconds of a clock that never jumps, like the next
         qint64 used;
     };
 
-    static qint64 now();
-    std::vector<Kept>::iterator kept(const FolderStamp &folder, const ListingShape &shape);
-    void dropOld();
+    void serve(const Listing &listing, Waiter waiter);
+    bool join(const FolderStamp &folder, const ListingShape &shape, Waiter &waiter);
+    void start(const std::shared_ptr<FolderListing> &job, Waiter waiter);
+    void finish(const std::shared_ptr<FolderListing> &job);
+    Listing find(const FolderStamp &folder, const ListingShape &shape);
+    void keep(const Listing &listing);
     void makeRoom(qint64 bytes);
+    void dropOld();
 
+    DiskWorker &worker;
+    std::vector<UnderWay> underWay;
     std::vector<Kept> entries; ///< the latest made last
     QBasicTimer timer;
 };

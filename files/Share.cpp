@@ -51,12 +51,20 @@ QByteArray namePart(const QByteArray &path)
     return path.mid(path.lastIndexOf('/') + 1);
 }
 
+/// Without "/", "/." and the like at its end; empty when ".." stands there.
+QByteArray withoutEnd(QByteArray path)
+{
+    while (path.endsWith('/') || path.endsWith("/."))
+        path.chop(1);
+    return namePart(path) == ".." ? QByteArray() : path;
+}
+
 } // namespace
 
 std::optional<Share> Share::at(const QString &path, const QStringList &hidden)
 {
     Share share;
-    share.rootPath = '/' + cleanPath(nativePath(path));
+    share.rootPath = nativePath(path);
     share.root.reset(::open(share.rootPath.constData(), placeFlags));
     if (!share.root.isOpen())
         return {};
@@ -192,7 +200,7 @@ Place Share::target(const QByteArray &path, Links links) const
 Place Share::rootPlace() const
 {
     const EntryFacts shared = entryFacts(root.get());
-    for (const QByteArray &path : { rootPath, pathOf(root.get()) }) {
+    for (const QByteArray &path : { withoutEnd(rootPath), pathOf(root.get()) }) {
         Place found = placeOf(path);
         if (found.isValid()
             && isSameEntry(shared, entryFacts(found.folder.get(), found.name.constData())))

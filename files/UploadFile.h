@@ -36,7 +36,8 @@ public:
 
     /// Begins a file that takes the place, the mode and, where the system allows it, the owner,
     /// group and extended attributes of a regular one. That one is served until then, and its
-    /// further names (hard links) keep the old content.
+    /// further names (hard links) keep the old content. `place` is that of the file itself, see
+    /// `Share::target`; a link is refused.
     DiskError replace(Place place);
 
     /// Appends to the content. An error leaves nothing to be kept.

@@ -4,17 +4,17 @@
 #include "files/Share.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <cstddef>
-#include <iterator>
 
 #include <fcntl.h>
 #include <linux/filter.h>
 #include <linux/seccomp.h>
 #include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -23,10 +23,8 @@ class Disk
 {
 public:
     QString path(const QByteArray &name) const { return dir.filePath(QFile::decodeName(name)); }
-    QByteArray native(const QByteArray &name) const
-    {
-        return QFile::encodeName(dir.path()) + '/' + name;
-    }
+    QByteArray native(const QByteArray &name) const { return QFile::encodeName(path(name)); }
+    bool exists(const QByteArray &name) const { return QFileInfo::exists(path(name)); }
 
     /// With the folders above it.
     void write(const QByteArray &name, const QByteArray &content = "x") const
@@ -44,36 +42,35 @@ public:
     {
         QVERIFY(::symlink(target.constData(), native(name).constData()) == 0);
     }
-    bool exists(const QByteArray &name) const { return QFileInfo::exists(path(name)); }
 
     /// The names in it, hidden ones as well, with blanks between.
     QString names() const
     {
-        return QDir(dir.path())
-            .entryList(QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot)
-            .join(QLatin1Char(' '));
+        const auto all = QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot;
+        return QDir(dir.path()).entryList(all).join(QLatin1Char(' '));
     }
     Share share(const QByteArray &name = ".", const QByteArray &hidden = "../none") const
     {
         return std::move(*Share::at(path(name), { path(hidden) }));
     }
+    Place place(const QByteArray &name) const { return share().place(name); }
 
 private:
     QTemporaryDir dir;
 };
 
 /// Lets a system call fail in the calling thread when its third argument has one of `bits`.
-inline void failCall(int number, int error, quint32 bits)
+inline void failCall(quint32 number, quint32 error, quint32 bits)
 {
     sock_filter program[] = {
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
-        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, quint32(number), 0, 3),
+        BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, number, 0, 3),
         BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, args[2])),
         BPF_JUMP(BPF_JMP | BPF_JSET | BPF_K, bits, 0, 1),
-        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | quint32(error)),
+        BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ERRNO | error),
         BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
     };
-    const sock_fprog filter = { std::size(program), program };
+    const sock_fprog filter = { 6, program };
     ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
     QVERIFY(::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter) == 0);
 }
