@@ -18,10 +18,17 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
-/// A temporary folder, and what tests do in it by path.
+/// A temporary folder, in memory where there is one, and what tests do in it by path.
 class Disk
 {
 public:
+    explicit Disk(const QString &parent = QFileInfo::exists(QStringLiteral("/dev/shm"))
+                      ? QStringLiteral("/dev/shm")
+                      : QDir::tempPath())
+        : dir(parent + QStringLiteral("/files-XXXXXX"))
+    {
+    }
+
     QString path(const QByteArray &name) const { return dir.filePath(QFile::decodeName(name)); }
     QByteArray native(const QByteArray &name) const { return QFile::encodeName(path(name)); }
     bool exists(const QByteArray &name) const { return QFileInfo::exists(path(name)); }

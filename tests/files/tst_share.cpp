@@ -176,15 +176,13 @@ void ShareTest::deepTreesAreRemoved()
     const Disk disk;
     const rlimit fewDescriptors = { 100, 100 };
     ::setrlimit(RLIMIT_NOFILE, &fewDescriptors);
-    for (const QByteArray &name : { QByteArray("d"), QByteArray(200, 'n') }) {
-        FileDescriptor folder(::open(disk.native(".").constData(), O_RDONLY));
-        for (int level = 0; level < 3000; ++level) {
-            ::mkdirat(folder.get(), name.constData(), 0700);
-            folder.reset(::openat(folder.get(), name.constData(), O_RDONLY));
-            ::mknodat(folder.get(), "file", S_IFREG | 0600, 0);
-        }
-        QCOMPARE(removeAt(disk.place(name)), 5999);
+    FileDescriptor folder(::open(disk.native(".").constData(), O_RDONLY));
+    for (int level = 0; level < 3000; ++level) { // more than a path can say
+        ::mkdirat(folder.get(), "d", 0700);
+        folder.reset(::openat(folder.get(), "d", O_RDONLY));
+        ::mknodat(folder.get(), "file", S_IFREG | 0600, 0);
     }
+    QCOMPARE(removeAt(disk.place("d")), 5999);
 }
 
 void ShareTest::linksPutInMeanwhileLeadNowhere()
