@@ -18,8 +18,8 @@
 class DiskJob;
 
 /// Runs jobs for the event loop that it lives in: a moment at once, what takes longer on threads
-/// of its own, which take turns among all jobs. One serves a whole program; its end cancels every
-/// job and waits until the threads have let go.
+/// of its own, which take turns among all jobs. One serves a whole program, made after the
+/// application object; its end cancels every job and waits until the threads have let go.
 class DiskWorker : public QObject
 {
 public:

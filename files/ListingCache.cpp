@@ -52,12 +52,21 @@ ListingCache::ListingCache(DiskWorker &diskWorker, QObject *parent)
 void ListingCache::list(FolderReader folder, const ListingShape &shape,
                         FolderListing::Window window, QObject *context, Done done)
 {
-    Waiter waiter{ context, window, std::move(done) };
+    list(std::move(folder), shape, Waiter{ context, window, std::move(done) });
+}
+
+void ListingCache::list(FolderReader folder, const ListingShape &shape, Waiter waiter)
+{
     const FolderStamp stamp = FolderStamp::of(folder.descriptor());
-    if (const Listing known = find(stamp, shape))
-        return serve(known, std::move(waiter));
-    if (!isSettled(stamp) || !join(stamp, shape, waiter))
-        start(std::make_shared<FolderListing>(std::move(folder), shape, window), std::move(waiter));
+    if (const Listing listing = known(stamp, shape))
+        return serve(listing, std::move(waiter));
+    const auto same = find(stamp, shape);
+    if (same == underWay.end())
+        start(std::make_shared<FolderListing>(std::move(folder), shape, waiter.window), waiter);
+    else if (isSettled(stamp) && same->job->stamp() == stamp)
+        same->waiters.push_back(std::move(waiter));
+    else
+        same->later.push_back({ std::move(folder), std::move(waiter) });
 }
 
 /// Who wants another part than the one in order has all of it put in order.
@@ -67,25 +76,27 @@ void ListingCache::serve(const Listing &listing, Waiter waiter)
         return;
     if (listing->covers(waiter.window))
         return waiter.done(listing);
-    if (!join(listing->stamp(), listing->shape(), waiter))
+    const auto same = find(listing->stamp(), listing->shape());
+    if (same != underWay.end() && same->job->stamp() == listing->stamp())
+        same->waiters.push_back(std::move(waiter));
+    else
         start(std::make_shared<FolderListing>(listing), std::move(waiter));
 }
 
-bool ListingCache::join(const FolderStamp &folder, const ListingShape &shape, Waiter &waiter)
+/// The job that lists the folder, as it is now or was before.
+std::vector<ListingCache::UnderWay>::iterator ListingCache::find(const FolderStamp &folder,
+                                                                 const ListingShape &shape)
 {
-    const auto found =
-        std::find_if(underWay.begin(), underWay.end(), [&](const UnderWay &candidate) {
-            return isOf(*candidate.job, folder, shape);
-        });
-    if (found == underWay.end())
-        return false;
-    found->waiters.push_back(std::move(waiter));
-    return true;
+    return std::find_if(underWay.begin(), underWay.end(), [&](const UnderWay &candidate) {
+        const FolderStamp &stamp = candidate.job->stamp();
+        return stamp.device == folder.device && stamp.inode == folder.inode
+            && candidate.job->shape() == shape;
+    });
 }
 
 void ListingCache::start(const std::shared_ptr<FolderListing> &job, Waiter waiter)
 {
-    underWay.push_back({ job, {} });
+    underWay.push_back({ job, {}, {} });
     underWay.back().waiters.push_back(std::move(waiter));
     worker.run(job, this, [this, job] { finish(job); });
 }
@@ -95,14 +106,16 @@ void ListingCache::finish(const std::shared_ptr<FolderListing> &job)
     const auto found =
         std::find_if(underWay.begin(), underWay.end(),
                      [&job](const UnderWay &candidate) { return candidate.job == job; });
-    std::vector<Waiter> waiters = std::move(found->waiters);
+    UnderWay ended = std::move(*found);
     underWay.erase(found);
     keep(job);
-    for (Waiter &waiter : waiters)
+    for (Waiter &waiter : ended.waiters)
         serve(job, std::move(waiter));
+    for (Later &next : ended.later)
+        list(std::move(next.folder), job->shape(), std::move(next.waiter));
 }
 
-ListingCache::Listing ListingCache::find(const FolderStamp &folder, const ListingShape &shape)
+ListingCache::Listing ListingCache::known(const FolderStamp &folder, const ListingShape &shape)
 {
     dropOld();
     const auto found = std::find_if(entries.begin(), entries.end(), [&](const Kept &entry) {

@@ -14,8 +14,9 @@ class DiskWorker;
 
 /// Gives the listings of folders: reads each as often as needed and no oftener. Those of large
 /// folders are kept for a moment, for who turns pages or looks again every few seconds, and who
-/// asks for one that is being read waits for that. Small folders are read anew each time: that
-/// costs less, and sizes stay right. Lives in the event loop, not longer than its worker.
+/// asks for one that is being read waits for that, however often the folder changes. Small folders
+/// are read anew each time: that costs less, and sizes stay right. Lives in the event loop, not
+/// longer than its worker.
 class ListingCache : public QObject
 {
 public:
@@ -40,10 +41,16 @@ private:
         FolderListing::Window window;
         Done done;
     };
+    struct Later
+    {
+        FolderReader folder;
+        Waiter waiter;
+    };
     struct UnderWay
     {
         std::shared_ptr<FolderListing> job;
         std::vector<Waiter> waiters;
+        std::vector<Later> later; ///< for whom the job began too early
     };
     struct Kept
     {
@@ -52,11 +59,12 @@ private:
         qint64 used;
     };
 
+    void list(FolderReader folder, const ListingShape &shape, Waiter waiter);
     void serve(const Listing &listing, Waiter waiter);
-    bool join(const FolderStamp &folder, const ListingShape &shape, Waiter &waiter);
+    std::vector<UnderWay>::iterator find(const FolderStamp &folder, const ListingShape &shape);
     void start(const std::shared_ptr<FolderListing> &job, Waiter waiter);
     void finish(const std::shared_ptr<FolderListing> &job);
-    Listing find(const FolderStamp &folder, const ListingShape &shape);
+    Listing known(const FolderStamp &folder, const ListingShape &shape);
     void keep(const Listing &listing);
     void makeRoom(qint64 bytes);
     void dropOld();
