@@ -33,6 +33,13 @@ QByteArray listed(const Disk &disk, ListingShape shape)
     return names;
 }
 
+/// 100 000 with names of one length.
+void makeFiles(const FileDescriptor &folder)
+{
+    for (int i = 100000; i < 200000; ++i)
+        ::mknodat(folder.get(), QByteArray::number(i).constData(), S_IFREG | 0600, 0);
+}
+
 /// Time that the calling thread has worked, in seconds: other programs don't count.
 double worked()
 {
@@ -233,15 +240,12 @@ void FilesTest::largeFolderLeavesTheLoopFree()
 {
     const Disk disk;
     const Share share = disk.share();
-    const FileDescriptor folder = share.open("/", O_RDONLY);
-    for (int i = 100000; i < 200000; ++i)
-        ::mknodat(folder.get(), QByteArray::number(i).constData(), S_IFREG | 0600, 0);
+    makeFiles(share.open("/", O_RDONLY));
     DiskWorker worker;
     ListingCache cache(worker);
     double longest = 0;
-    double before = worked();
     QTimer beat;
-    connect(&beat, &QTimer::timeout, this, [&] {
+    connect(&beat, &QTimer::timeout, this, [&, before = worked()]() mutable {
         longest = std::max(longest, worked() - before);
         before = worked();
     });
