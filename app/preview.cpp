@@ -1,0 +1,94 @@
+#include "app/PreviewPicture.h"
+
+#include <QFile>
+
+#include <algorithm>
+#include <array>
+#include <csignal>
+#include <new>
+
+#include <sched.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+
+enum ExitStatus { Made = 0, Refused = 1 };
+
+struct Limit
+{
+    decltype(RLIMIT_CPU) resource;
+    rlim_t value;
+};
+
+/// The memory is what it can write to: of the address space the most part are libraries, which
+/// differ from system to system and are shared with others.
+constexpr std::array<Limit, 5> limits{ {
+    { RLIMIT_DATA, maxPreviewMemory },
+    { RLIMIT_CPU, 10 }, // seconds
+    { RLIMIT_FSIZE, maxPreviewBytes },
+    { RLIMIT_NOFILE, 16 },
+    { RLIMIT_CORE, 0 },
+} };
+
+bool setLimit(const Limit &limit)
+{
+    rlimit now = {};
+    if (::getrlimit(limit.resource, &now) != 0)
+        return false;
+    const rlim_t value = std::min(limit.value, now.rlim_max);
+    const rlimit wanted = { value, value };
+    return ::setrlimit(limit.resource, &wanted) == 0;
+}
+
+/// A picture that takes a decoder over gets nothing more by it; and none outlives the server.
+bool confine()
+{
+    return std::all_of(limits.begin(), limits.end(), setLimit)
+        && ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0
+        && ::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0) == 0
+        && ::prctl(PR_SET_PDEATHSIG, SIGKILL, 0, 0, 0) == 0;
+}
+
+/// Takes what nobody else wants of processor and disk. Not every system has all three, and a
+/// preview is worth making without.
+void giveWay()
+{
+    constexpr int lowestNice = 19;
+    constexpr int ioprioProcess = 1;
+    constexpr int ioprioIdle = 3 << 13;
+    const sched_param none = {};
+    static_cast<void>(::setpriority(PRIO_PROCESS, 0, lowestNice));
+    static_cast<void>(::sched_setscheduler(0, SCHED_IDLE, &none));
+    static_cast<void>(::syscall(SYS_ioprio_set, ioprioProcess, 0, ioprioIdle));
+}
+
+ExitStatus convert(const QByteArray &extension)
+{
+    QFile picture;
+    QFile preview;
+    if (!picture.open(STDIN_FILENO, QIODevice::ReadOnly) || picture.isSequential()
+        || !preview.open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered))
+        return Refused;
+    const QByteArray bytes = makePreview(picture, extension);
+    return !bytes.isEmpty() && preview.write(bytes) == bytes.size() ? Made : Refused;
+}
+
+} // namespace
+
+/// Makes the preview of one picture for a server, in a process of its own that hostile pictures
+/// can take down alone: reads standard input, which is a file, and writes standard output. The
+/// only argument says what the picture's name ends in: "png" or "jpg".
+int main(int argc, char **argv)
+{
+    if (argc != 2 || !confine())
+        return Refused;
+    giveWay();
+    try {
+        return convert(argv[1]);
+    } catch (const std::bad_alloc &) {
+        return Refused;
+    }
+}
