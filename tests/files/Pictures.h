@@ -1,0 +1,85 @@
+#pragma once
+
+#include <QBuffer>
+#include <QByteArray>
+#include <QImage>
+#include <QImageWriter>
+
+/// A picture that does not compress well.
+inline QImage noise(int width, int height)
+{
+    QImage image(width, height, QImage::Format_RGB32);
+    quint32 value = 1;
+    for (int i = 0; i < width * height; ++i) {
+        value = value * 1664525U + 1013904223U;
+        image.setPixel(i % width, i / width, value >> 8U);
+    }
+    return image;
+}
+
+inline QByteArray encoded(const QImage &image, const char *format, bool progressive = false)
+{
+    QBuffer buffer;
+    QImageWriter writer(&buffer, format);
+    writer.setProgressiveScanWrite(progressive);
+    if (!writer.write(image))
+        qFatal("can't write a %s", format);
+    return buffer.data();
+}
+
+inline QByteArray bigEndian(quint32 value, int size)
+{
+    QByteArray bytes;
+    for (int shift = 8 * (size - 1); shift >= 0; shift -= 8)
+        bytes.append(char((value >> unsigned(shift)) & 255U));
+    return bytes;
+}
+
+/// The same JPEG with other dimensions in its frame header.
+inline QByteArray withJpegSize(QByteArray jpeg, quint16 width, quint16 height)
+{
+    const int baseline = int(jpeg.indexOf("\xff\xc0"));
+    const int frame = baseline < 0 ? int(jpeg.indexOf("\xff\xc2")) : baseline;
+    return jpeg.replace(frame + 5, 4, bigEndian(height, 2) + bigEndian(width, 2));
+}
+
+/// The same JPEG with what a camera notes about how it was held: one entry, the orientation
+/// (0x0112), in the big-endian directory of an Exif segment.
+inline QByteArray withOrientation(QByteArray jpeg, quint16 orientation)
+{
+    const QByteArray entry =
+        bigEndian(0x01120003, 4) + bigEndian(1, 4) + bigEndian(orientation, 2) + bigEndian(0, 2);
+    const QByteArray exif = QByteArray("Exif\0\0MM\0*", 10) + bigEndian(8, 4) + bigEndian(1, 2)
+        + entry + bigEndian(0, 4);
+    return jpeg.insert(2, "\xff\xe1" + bigEndian(quint32(exif.size()) + 2, 2) + exif);
+}
+
+inline quint32 crc32(const QByteArray &bytes)
+{
+    quint32 crc = ~0U;
+    for (const char c : bytes) {
+        crc ^= static_cast<unsigned char>(c);
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc >> 1U) ^ (crc & 1U ? 0xedb88320U : 0U);
+    }
+    return ~crc;
+}
+
+constexpr int pngHeaderEnd = 33; ///< of the signature and the first chunk
+
+/// The same PNG with other dimensions in its header chunk (ISO/IEC 15948).
+inline QByteArray withPngSize(QByteArray png, quint32 width, quint32 height)
+{
+    png.replace(16, 8, bigEndian(width, 4) + bigEndian(height, 4));
+    return png.replace(29, 4, bigEndian(crc32(png.mid(12, 17)), 4));
+}
+
+/// The same PNG with `count` notes that are small in the file and 7 MB each in memory.
+inline QByteArray withPngNotes(QByteArray png, int count)
+{
+    const QByteArray packed = qCompress(QByteArray(7000000, 'A')).mid(4); // behind its length
+    const QByteArray chunk = QByteArray("zTXtnote\0\0", 10) + packed;
+    const QByteArray note =
+        bigEndian(quint32(chunk.size()) - 4, 4) + chunk + bigEndian(crc32(chunk), 4);
+    return png.insert(pngHeaderEnd, note.repeated(count));
+}

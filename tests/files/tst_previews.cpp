@@ -1,0 +1,190 @@
+#include "files/Previews.h"
+
+#include "tests/files/Pictures.h"
+
+#include <QDir>
+#include <QFile>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+#include <fcntl.h>
+
+using State = Previews::State;
+
+namespace {
+
+FileDescriptor opened(const QString &path)
+{
+    return FileDescriptor(::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC));
+}
+
+PictureId idOf(const QString &path)
+{
+    return PictureId::of(opened(path).get()).value();
+}
+
+State want(Previews &previews, const QString &path, const QByteArray &extension)
+{
+    return previews.want(
+        idOf(path), extension, [path] { return opened(path); }, Urgency::InView);
+}
+
+State settled(Previews &previews, const QString &path, const QByteArray &extension)
+{
+    const auto isSettled = [&] { return want(previews, path, extension) != State::Pending; };
+    static_cast<void>(QTest::qWaitFor(isSettled, 60000));
+    return want(previews, path, extension);
+}
+
+} // namespace
+
+class TestPreviews : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void makes_data();
+    void makes();
+    void replacedPictureIsAnother();
+    void lookedAtGoesFirst();
+    void helperIsNotTrusted();
+    void missingHelperIsToldOnce();
+    void sweepsOnlyDeadOnes();
+
+private:
+    QString at(const char *name) const { return dir.filePath(QLatin1String(name)); }
+    QString addFile(const char *name, const QByteArray &content) const
+    {
+        QFile file(at(name));
+        QDir().mkpath(QFileInfo(file).path());
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+            qFatal("can't write a file");
+        return file.fileName();
+    }
+    QStringList ownFolders() const
+    {
+        const QStringList names{ QLatin1String("quillon-*") };
+        return QDir(folder).entryList(names, QDir::Dirs | QDir::NoSymLinks);
+    }
+
+    QTemporaryDir dir;
+    const QString folder = at("previews");
+    const QString program = QLatin1String(QUILLON_PREVIEW);
+};
+
+void TestPreviews::makes_data()
+{
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QByteArray>("extension");
+    QTest::addColumn<QSize>("size"); // empty: there is none
+    const auto row = [](const char *name, const QByteArray &content, auto extension, QSize size) {
+        QTest::newRow(name) << content << QByteArray(extension) << size;
+    };
+    const QByteArray jpeg = encoded(noise(400, 300), "JPEG");
+    const QByteArray png = encoded(noise(400, 300), "PNG");
+    const QSize none;
+
+    row("a JPEG fits into the square", jpeg, "jpg", { 124, 93 });
+    row("a thin JPEG keeps a pixel", encoded(noise(4000, 8), "JPEG"), "jpg", { 124, 1 });
+    row("a PNG takes the width", png, "png", { 124, 93 });
+    row("a tall PNG grows out of the square", encoded(noise(100, 400), "PNG"), "png", { 124, 496 });
+    row("a camera that lay on its side", withOrientation(jpeg, 6), "jpg", { 93, 124 });
+    row("such a one under the other name", withOrientation(jpeg, 8), "png", { 124, 165 });
+    row("half a PNG", png.left(png.size() / 2), "png", none);
+    row("another kind", encoded(noise(40, 30), "BMP"), "png", none);
+    row("a progressive JPEG too large",
+        withJpegSize(encoded(noise(9, 9), "JPEG", true), 9000, 9000), "jpg", none);
+    row("a JPEG too large even when reduced", withJpegSize(jpeg, 65500, 65500), "jpg", none);
+    row("a PNG with half a gigabyte of notes", withPngNotes(png, 70), "png", none);
+}
+
+void TestPreviews::makes()
+{
+    QFETCH(QByteArray, content);
+    QFETCH(QByteArray, extension);
+    QFETCH(QSize, size);
+    Previews previews(program, folder);
+    const QString path = addFile("picture", content);
+    QCOMPARE(settled(previews, path, extension), size.isValid() ? State::Ready : State::Failed);
+    if (size.isValid())
+        QCOMPARE(QImage(previews.fileOf(idOf(path)), extension.constData()).size(), size);
+}
+
+void TestPreviews::replacedPictureIsAnother()
+{
+    Previews previews(program, folder, { 10, 20000 }); // keeps a single one
+    const QString path = addFile("a.jpg", encoded(noise(400, 300), "JPEG"));
+    const PictureId old = idOf(path);
+    QCOMPARE(settled(previews, path, "jpg"), State::Ready);
+    const QString file = previews.fileOf(old);
+
+    addFile("a.jpg", encoded(noise(300, 400), "JPEG"));
+    QCOMPARE(settled(previews, path, "jpg"), State::Ready);
+    QCOMPARE(QImage(previews.fileOf(idOf(path)), "JPEG").size(), QSize(93, 124));
+    QVERIFY(previews.fileOf(old).isEmpty() && !QFile::exists(file));
+}
+
+void TestPreviews::lookedAtGoesFirst()
+{
+    Previews previews(program, folder, { 3 });
+    QByteArray order;
+    for (const char asked : QByteArray("xabCBac")) { // upper case: in view
+        const char name = char(asked | 0x20);
+        const auto open = [&order, name] {
+            order += name;
+            return FileDescriptor();
+        };
+        previews.want({ 0, ino_t(name), 0, 0 }, "jpg", open,
+                      name == asked ? Urgency::Listed : Urgency::InView);
+    }
+    QVERIFY(QTest::qWaitFor([&] { return order == "cba"; }));
+}
+
+void TestPreviews::helperIsNotTrusted()
+{
+    const QString script = addFile("helper",
+                                   "#!/bin/sh\n[ $1 = jpg ] && exec sleep 1000\n"
+                                   "echo more >>$(readlink /proc/self/fd/0)\necho preview\n");
+    QVERIFY(QFile::setPermissions(script, QFile::ReadOwner | QFile::ExeOwner));
+    Previews previews(script, folder, { 10, 100000, std::chrono::seconds(2) });
+    const QString grows = addFile("grows", "1");
+    const PictureId seen = idOf(grows);
+    want(previews, grows, "png");
+    QVERIFY(QTest::qWaitFor([&] { return idOf(grows) != seen; }));
+    QCOMPARE(settled(previews, addFile("hangs", "1"), "jpg"), State::Failed);
+    QVERIFY(previews.fileOf(seen).isEmpty());
+}
+
+void TestPreviews::missingHelperIsToldOnce()
+{
+    Previews previews(at("nothing"), folder);
+    QSignalSpy problems(&previews, &Previews::problem);
+    for (const char *name : { "1", "2" })
+        QCOMPARE(settled(previews, addFile(name, "x"), "jpg"), State::Failed);
+    QCOMPARE(problems.size(), 1);
+}
+
+void TestPreviews::sweepsOnlyDeadOnes()
+{
+    const QString path = addFile("a.png", encoded(noise(400, 300), "PNG"));
+    const QString other = addFile("previews/other.png", "x");
+    const QString linked = addFile("elsewhere/1", "x");
+    addFile("elsewhere/lock", "1\n");
+    auto living = std::make_unique<Previews>(program, folder);
+    QVERIFY(ownFolders().isEmpty());
+    QCOMPARE(settled(*living, path, "png"), State::Ready);
+    const QStringList before = ownFolders();
+    addFile("previews/quillon-abcdef/lock", "1\n");
+    addFile("previews/quillon-abcdef/1", "x");
+    QVERIFY(QFile::link(at("elsewhere"), at("previews/quillon-ABCDEF")));
+    Previews::sweep(folder);
+    QCOMPARE(ownFolders(), before);
+    QVERIFY(QFile::exists(living->fileOf(idOf(path))));
+    living.reset();
+    QVERIFY(ownFolders().isEmpty() && QFile::exists(other) && QFile::exists(linked));
+}
+
+QTEST_GUILESS_MAIN(TestPreviews)
+#include "tst_previews.moc"
