@@ -1,0 +1,88 @@
+#include "net/Listener.h"
+
+#include "net/Log.h"
+
+#include <cerrno>
+
+#include <sys/socket.h>
+
+namespace {
+
+constexpr int pendingHandshakes = 512; ///< TCP connections that the system holds for us
+constexpr int batch = 64; ///< clients accepted before others get their turn
+
+bool isOutOfDescriptors(int error)
+{
+    return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
+}
+
+} // namespace
+
+Listener::Listener(Poller *watcher, Events listenerEvents)
+    : poller(watcher)
+    , events(std::move(listenerEvents))
+{
+}
+
+Listener::~Listener()
+{
+    close();
+}
+
+bool Listener::listen(const QHostAddress &address, quint16 port)
+{
+    if (!server.listen(address, port))
+        return false;
+    server.pauseAccepting();
+    const auto fd = int(server.socketDescriptor());
+    // The toolkit asks for 50, which a crowd of new clients fills within a moment.
+    ::listen(fd, pendingHandshakes);
+    paused = false;
+    return poller->watch(fd, this);
+}
+
+void Listener::close()
+{
+    if (!server.isListening())
+        return;
+    poller->forget(int(server.socketDescriptor()), this);
+    server.close();
+}
+
+void Listener::resume()
+{
+    if (!paused || !server.isListening())
+        return;
+    paused = false;
+    poller->again(this);
+}
+
+void Listener::ready(quint32 /*events*/)
+{
+    for (int i = 0; i < batch; ++i) {
+        if (!server.isListening() || !acceptOne())
+            return;
+    }
+    poller->again(this);
+}
+
+/// True while it is worth to try the next one.
+bool Listener::acceptOne()
+{
+    sockaddr_storage storage = {};
+    socklen_t size = sizeof storage;
+    auto *address = reinterpret_cast<sockaddr *>(&storage);
+    FileDescriptor accepted(
+        ::accept4(int(server.socketDescriptor()), address, &size, SOCK_NONBLOCK | SOCK_CLOEXEC));
+    if (accepted.isOpen()) {
+        events.accepted(std::move(accepted), QHostAddress(address));
+        return true;
+    }
+    if (errno == EINTR || errno == ECONNABORTED || errno == EPROTO)
+        return true;
+    if (!isOutOfDescriptors(errno))
+        return false;
+    qCDebug(netLog) << "no descriptor for a new client:" << errno;
+    paused = !events.crowded();
+    return !paused;
+}

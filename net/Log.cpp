@@ -1,0 +1,3 @@
+#include "net/Log.h"
+
+Q_LOGGING_CATEGORY(netLog, "quillon.net", QtWarningMsg)

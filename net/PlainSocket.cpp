@@ -1,0 +1,216 @@
+#include "net/PlainSocket.h"
+
+#include <algorithm>
+#include <cerrno>
+
+#include <netinet/in.h>
+#include <netinet/tcp.h>
+#include <sys/epoll.h>
+#include <sys/sendfile.h>
+#include <sys/socket.h>
+
+namespace {
+
+constexpr qint64 maxQueued = qint64(256) * 1024; ///< bytes for one peer
+constexpr qint64 maxBacklog = qint64(32) * 1024 * 1024; ///< bytes for all peers
+
+bool mustWait()
+{
+    return errno == EAGAIN || errno == EINTR;
+}
+
+struct LocalEnd
+{
+    QHostAddress address;
+    quint16 port = 0;
+};
+
+LocalEnd localEnd(int fd)
+{
+    sockaddr_storage storage = {};
+    socklen_t size = sizeof storage;
+    auto *address = reinterpret_cast<sockaddr *>(&storage);
+    if (::getsockname(fd, address, &size) != 0)
+        return {};
+    LocalEnd end;
+    end.address.setAddress(address);
+    end.port =
+        ntohs(storage.ss_family == AF_INET6 ? reinterpret_cast<sockaddr_in6 *>(&storage)->sin6_port
+                                            : reinterpret_cast<sockaddr_in *>(&storage)->sin_port);
+    return end;
+}
+
+} // namespace
+
+PlainSocket::PlainSocket(FileDescriptor accepted, const QHostAddress &peerAddress, Poller *watcher,
+                         TrafficAccount *counter)
+    : Socket(counter)
+    , fd(std::move(accepted))
+    , poller(watcher)
+    , peer(peerAddress)
+{
+    const int on = 1;
+    ::setsockopt(fd.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
+    if (!poller->watch(fd.get(), this))
+        breakOff();
+}
+
+PlainSocket::~PlainSocket()
+{
+    dropQueue();
+    poller->forget(fd.get(), this);
+}
+
+void PlainSocket::ready(quint32 events)
+{
+    if (state == State::Broken)
+        return close();
+    const bool dead = (events & (EPOLLERR | EPOLLHUP)) != 0;
+    inputEnded = inputEnded || dead || (events & EPOLLRDHUP) != 0;
+    inputWaits = inputWaits || inputEnded || (events & EPOLLIN) != 0;
+    if (dead) {
+        state = State::Broken;
+        poller->again(this);
+    }
+    const bool asked = events == 0;
+    if ((events & EPOLLOUT) != 0 || asked) {
+        flush();
+        if (state == State::Open)
+            user->writable();
+    }
+    // The user may have closed it inside the call above, but it is not destroyed there.
+    if ((inputWaits || asked) && fd.isOpen() && state != State::Finishing)
+        user->readable();
+}
+
+qint64 PlainSocket::receive(char *data, qint64 max)
+{
+    if (!inputWaits || !fd.isOpen())
+        return fd.isOpen() ? 0 : -1;
+    const qint64 size = ::recv(fd.get(), data, size_t(max), 0);
+    if (size < 0 && mustWait()) {
+        inputWaits = inputEnded;
+        return inputEnded ? -1 : 0;
+    }
+    if (size <= 0)
+        return -1;
+    // Less than there was room for: that was all, unless the end is behind it.
+    if (size < max && !inputEnded)
+        inputWaits = false;
+    return size;
+}
+
+bool PlainSocket::send(const QByteArray &bytes, bool more)
+{
+    if (state != State::Open)
+        return false;
+    const qint64 taken = queued() > 0 ? 0 : sendNow(bytes.constData(), bytes.size(), more);
+    if (taken == bytes.size() || state != State::Open)
+        return state == State::Open;
+    queue.append(bytes.constData() + taken, int(bytes.size() - taken));
+    poller->addBacklog(bytes.size() - taken);
+    return true;
+}
+
+bool PlainSocket::isCongested() const
+{
+    return queued() > (poller->backlog() > maxBacklog ? 0 : maxQueued);
+}
+
+qint64 PlainSocket::sendNow(const char *data, qint64 size, bool more)
+{
+    const int flags = MSG_DONTWAIT | MSG_NOSIGNAL | (more ? MSG_MORE : 0);
+    const qint64 taken = ::send(fd.get(), data, size_t(size), flags);
+    if (taken < 0 && !mustWait())
+        breakOff();
+    return std::max<qint64>(0, taken);
+}
+
+void PlainSocket::flush()
+{
+    if (queued() > 0) {
+        const qint64 taken = sendNow(queue.constData() + queueStart, queued(), false);
+        poller->addBacklog(-taken);
+        queueStart += int(taken);
+        if (queued() == 0)
+            dropQueue();
+    }
+    if (queued() > 0)
+        return;
+    if (state == State::WritingEnded)
+        ::shutdown(fd.get(), SHUT_WR);
+    else if (state == State::Finishing)
+        close();
+}
+
+void PlainSocket::dropQueue()
+{
+    poller->addBacklog(-queued());
+    queue.clear();
+    queueStart = 0;
+}
+
+qint64 PlainSocket::send(int file, qint64 offset, qint64 count)
+{
+    if (state != State::Open)
+        return -1;
+    if (queued() > 0)
+        return 0;
+    off_t position = offset;
+    const qint64 taken = ::sendfile(fd.get(), file, &position, size_t(count));
+    if (taken > 0)
+        return taken;
+    return taken < 0 && mustWait() ? 0 : -1;
+}
+
+void PlainSocket::endWriting()
+{
+    if (state != State::Open)
+        return;
+    state = State::WritingEnded;
+    flush();
+}
+
+void PlainSocket::finish()
+{
+    if (state != State::Open && state != State::WritingEnded)
+        return;
+    if (queued() == 0)
+        return abort();
+    state = State::Finishing;
+}
+
+void PlainSocket::abort()
+{
+    if (state == State::Closed)
+        return;
+    breakOff();
+    // The peer sees the end now; the user hears of it in a turn of its own.
+    ::shutdown(fd.get(), SHUT_RDWR);
+}
+
+void PlainSocket::breakOff()
+{
+    state = State::Broken;
+    poller->again(this);
+}
+
+void PlainSocket::close()
+{
+    if (state == State::Closed)
+        return;
+    state = State::Closed;
+    poller->forget(fd.get(), this);
+    fd.reset();
+    user->gone();
+}
+
+QHostAddress PlainSocket::localAddress() const
+{
+    return localEnd(fd.get()).address;
+}
+
+quint16 PlainSocket::localPort() const
+{
+    return localEnd(fd.get()).port;
+}

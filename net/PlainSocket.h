@@ -1,0 +1,57 @@
+#pragma once
+
+#include "files/FileDescriptor.h"
+#include "net/Poller.h"
+#include "net/Socket.h"
+
+/// A connection without encryption, straight on its descriptor.
+class PlainSocket final : public Socket, private PollTarget
+{
+public:
+    /// Takes an accepted, non-blocking descriptor. Both pointers are borrowed and outlive the
+    /// socket.
+    PlainSocket(FileDescriptor accepted, const QHostAddress &peerAddress, Poller *watcher,
+                TrafficAccount *counter);
+    ~PlainSocket() override;
+
+    bool mayRead() const override { return inputWaits; }
+    qint64 queued() const override { return queue.size() - queueStart; }
+    bool isCongested() const override;
+    void again() override { poller->again(this); }
+    void endWriting() override;
+    void finish() override;
+    void abort() override;
+
+    bool isEncrypted() const override { return false; }
+    QHostAddress peerAddress() const override { return peer; }
+    QHostAddress localAddress() const override;
+    quint16 localPort() const override;
+
+private:
+    enum class State {
+        Open,
+        WritingEnded, ///< what is queued goes out, but nothing more
+        Finishing, ///< what is queued goes out, then it closes
+        Broken, ///< nothing works any more; the user is yet to be told
+        Closed
+    };
+
+    void ready(quint32 events) override;
+    qint64 receive(char *data, qint64 max) override;
+    bool send(const QByteArray &bytes, bool more) override;
+    qint64 send(int file, qint64 offset, qint64 count) override;
+    qint64 sendNow(const char *data, qint64 size, bool more);
+    void flush();
+    void dropQueue();
+    void breakOff();
+    void close();
+
+    FileDescriptor fd;
+    Poller *poller;
+    const QHostAddress peer;
+    State state = State::Open;
+    bool inputWaits = false;
+    bool inputEnded = false; ///< the peer stopped sending, though bytes may still wait
+    QByteArray queue; ///< not yet taken by the system
+    int queueStart = 0; ///< what stands before it was taken
+};

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <QObject>
+#include <QSocketNotifier>
+
+#include <deque>
+#include <vector>
+
+/// Hears from a `Poller` what happened to one descriptor.
+class PollTarget
+{
+public:
+    PollTarget() = default;
+    virtual ~PollTarget() = default;
+
+    /// `events` are those of epoll_wait(2); 0 is a turn that was asked for by `Poller::again`.
+    /// It may stop watching any descriptor, this one included.
+    virtual void ready(quint32 events) = 0;
+
+private:
+    Q_DISABLE_COPY(PollTarget)
+};
+
+/// Watches any number of descriptors in one epoll set, which is itself watched by one notifier of
+/// the event loop: a wake-up costs the same with ten or ten thousand idle clients.
+/// One serves all servers of a program and outlives them.
+class Poller : public QObject
+{
+    Q_OBJECT
+public:
+    Poller();
+    ~Poller() override;
+
+    /// Reports input, output and hang-ups of `fd` to `target`, each time anew something happens
+    /// (edge-triggered: the target goes on until the system says that it would have to wait).
+    /// Both are borrowed until `forget`. False when the system can't watch it.
+    bool watch(int fd, PollTarget *target);
+
+    /// Nothing more is reported to `target`, and `fd`, still open, is no longer watched.
+    void forget(int fd, PollTarget *target);
+
+    /// Gives `target` another turn once the others had theirs.
+    void again(PollTarget *target);
+
+    /// Bytes that wait for their peers in all sockets that are watched here.
+    qint64 backlog() const { return m_backlog; }
+    void addBacklog(qint64 bytes) { m_backlog += bytes; }
+
+private:
+    struct Happening
+    {
+        PollTarget *target; ///< null: it was forgotten meanwhile
+        quint32 events;
+    };
+
+    void collect();
+    void takeTurns();
+    void report();
+
+    int epoll;
+    QSocketNotifier notifier;
+    std::deque<Happening> happenings; ///< not yet reported
+    std::vector<PollTarget *> nextTurn;
+    qint64 m_backlog = 0;
+};

@@ -1,0 +1,114 @@
+#pragma once
+
+#include "net/TrafficAccount.h"
+
+#include <QByteArray>
+#include <QHostAddress>
+
+/// What a connection reads from and writes to, plain or encrypted. Nothing in it waits, and every
+/// byte counts in the server's account. Owned by its connection; its user is told of events and
+/// never from inside a call of its own.
+class Socket
+{
+public:
+    class User
+    {
+    public:
+        User() = default;
+        virtual ~User() = default;
+
+        /// Something can be read, or the peer stopped sending.
+        virtual void readable() = 0;
+        /// The peer took bytes; more can be written.
+        virtual void writable() = 0;
+        /// The connection is over. The socket stays until this call has returned.
+        virtual void gone() = 0;
+
+    private:
+        Q_DISABLE_COPY(User)
+    };
+
+    /// `counter` is borrowed and outlives the socket.
+    explicit Socket(TrafficAccount *counter)
+        : account(counter)
+    {
+    }
+    virtual ~Socket() = default;
+
+    /// `newUser` is borrowed and outlives the socket.
+    void setUser(User *newUser) { user = newUser; }
+
+    /// Whether a `read` may find something. What was reported and not read is not reported again.
+    virtual bool mayRead() const = 0;
+
+    /// Up to `max` bytes; 0 when there are none yet, -1 at the end of what the peer sends.
+    qint64 read(char *data, qint64 max)
+    {
+        const qint64 size = receive(data, max);
+        if (size > 0)
+            account->addReceived(size);
+        return size;
+    }
+
+    /// Sends or queues `bytes`; nothing once the traffic limit was reached. `more` tells that
+    /// further bytes follow at once.
+    void write(const QByteArray &bytes, bool more)
+    {
+        if (!account->isBlocked() && send(bytes, more))
+            account->addSent(bytes.size());
+    }
+
+    /// Sends up to `count` bytes of the file `fd` from `offset` on. Gives how many were taken,
+    /// 0 when the peer must take some first, -1 when the file ended, the connection broke or the
+    /// traffic limit was reached.
+    qint64 sendFile(int fd, qint64 offset, qint64 count)
+    {
+        if (account->isBlocked())
+            return -1;
+        const qint64 step = account->limit() > 0 ? limitedStep : count;
+        const qint64 taken = send(fd, offset, step < count ? step : count);
+        if (taken > 0)
+            account->addSent(taken);
+        return taken;
+    }
+
+    /// Bytes that wait here for the peer.
+    virtual qint64 queued() const = 0;
+
+    /// Whether so much waits for the peer, or for all peers together, that nothing more should be
+    /// written until `writable`.
+    virtual bool isCongested() const = 0;
+
+    /// Has the user told `readable` and `writable` once more, after others had their turn.
+    virtual void again() = 0;
+
+    /// Tells the peer that nothing follows what is queued, where the connection can say so; reading
+    /// goes on.
+    virtual void endWriting() = 0;
+
+    /// Closes once the peer took what is queued. The user is told.
+    virtual void finish() = 0;
+
+    /// Cuts the connection at once. The user is told.
+    virtual void abort() = 0;
+
+    virtual bool isEncrypted() const = 0;
+    virtual QHostAddress peerAddress() const = 0;
+    virtual QHostAddress localAddress() const = 0;
+    virtual quint16 localPort() const = 0;
+
+protected:
+    User *user = nullptr;
+
+private:
+    static constexpr qint64 limitedStep = 2048; ///< a traffic limit is overrun by no more than this
+
+    virtual qint64 receive(char *data, qint64 max) = 0;
+    /// False when the connection is over.
+    virtual bool send(const QByteArray &bytes, bool more) = 0;
+    virtual qint64 send(int file, qint64 offset, qint64 count) = 0;
+
+    TrafficAccount *account;
+
+    Q_DISABLE_COPY(Socket)
+};

@@ -1,0 +1,130 @@
+#include "net/TlsSocket.h"
+
+#include <QScopedValueRollback>
+#include <QSslConfiguration>
+
+#include <algorithm>
+#include <array>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr qint64 maxQueuedBytes = qint64(256) * 1024;
+constexpr qint64 readBufferSize = qint64(64) * 1024;
+constexpr qint64 pieceSize = qint64(64) * 1024; ///< several records of full size
+
+} // namespace
+
+TlsSocket::TlsSocket(FileDescriptor accepted, const QSslConfiguration &identity,
+                     TrafficAccount *counter)
+    : Socket(counter)
+{
+    connect(&socket, &QIODevice::readyRead, this, [this] { user->readable(); });
+    connect(&socket, &QIODevice::bytesWritten, this, &TlsSocket::written);
+    connect(&socket, &QSslSocket::encryptedBytesWritten, this, &TlsSocket::written);
+    // Queued: a failing write must not end the connection inside its user's call.
+    connect(&socket, &QAbstractSocket::disconnected, this, &TlsSocket::disconnected,
+            Qt::QueuedConnection);
+    if (!socket.setSocketDescriptor(accepted.get())) {
+        QMetaObject::invokeMethod(this, &TlsSocket::disconnected, Qt::QueuedConnection);
+        return;
+    }
+    accepted.release();
+    socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
+    socket.setReadBufferSize(readBufferSize);
+    socket.setSslConfiguration(identity);
+    socket.startServerEncryption();
+}
+
+TlsSocket::~TlsSocket()
+{
+    QObject::disconnect(&socket, nullptr, this, nullptr);
+}
+
+qint64 TlsSocket::receive(char *data, qint64 max)
+{
+    const qint64 size = socket.read(data, max);
+    return size <= 0 && ended ? -1 : size;
+}
+
+bool TlsSocket::send(const QByteArray &bytes, bool more)
+{
+    if (socket.state() != QAbstractSocket::ConnectedState)
+        return false;
+    const QScopedValueRollback<bool> guard(writing, true);
+    socket.write(bytes);
+    if (!more)
+        socket.flush();
+    return true;
+}
+
+qint64 TlsSocket::send(int file, qint64 offset, qint64 count)
+{
+    if (socket.state() != QAbstractSocket::ConnectedState)
+        return -1;
+    if (isCongested())
+        return 0;
+    const QScopedValueRollback<bool> guard(writing, true);
+    std::array<char, pieceSize> piece;
+    const ssize_t size =
+        ::pread(file, piece.data(), size_t(std::min<qint64>(count, pieceSize)), offset);
+    if (size <= 0 || socket.write(piece.data(), size) != size)
+        return -1;
+    socket.flush();
+    return size;
+}
+
+qint64 TlsSocket::queued() const
+{
+    return std::max(socket.bytesToWrite(), socket.encryptedBytesToWrite());
+}
+
+bool TlsSocket::isCongested() const
+{
+    return queued() > maxQueuedBytes;
+}
+
+/// The toolkit tells it also inside a write; whoever writes goes on by itself.
+void TlsSocket::written()
+{
+    if (!writing)
+        user->writable();
+}
+
+void TlsSocket::again()
+{
+    if (turnAsked)
+        return;
+    turnAsked = true;
+    QMetaObject::invokeMethod(this, &TlsSocket::takeTurn, Qt::QueuedConnection);
+}
+
+void TlsSocket::takeTurn()
+{
+    turnAsked = false;
+    user->writable();
+    user->readable();
+}
+
+void TlsSocket::finish()
+{
+    socket.disconnectFromHost();
+}
+
+void TlsSocket::abort()
+{
+    socket.abort();
+    // The toolkit says nothing when it never was connected.
+    QMetaObject::invokeMethod(this, &TlsSocket::disconnected, Qt::QueuedConnection);
+}
+
+void TlsSocket::disconnected()
+{
+    if (ended)
+        return;
+    ended = true;
+    if (socket.bytesAvailable() > 0)
+        user->readable();
+    user->gone();
+}
