@@ -5,6 +5,7 @@
 #include "files/Rename.h"
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 #include <utility>
 
@@ -52,6 +53,9 @@ DiskError UploadFile::create(Place place)
     target = std::move(place);
     if (!target.isValid())
         return DiskError::Missing;
+    // Found out only at the end otherwise: until then the name is not needed.
+    if (target.name.size() > NAME_MAX)
+        return DiskError::Failed;
     if (entryFacts(target.folder.get(), target.name.constData()).exists)
         return DiskError::Exists;
     return begin(newMode);
@@ -137,6 +141,12 @@ bool UploadFile::run(const Budget &until)
     if (sweeps && target.isValid())
         sweepHiddenUploads(target.folder.get());
     return true;
+}
+
+void UploadFile::discard()
+{
+    discarded = true;
+    reservation.reset();
 }
 
 DiskError UploadFile::keep()

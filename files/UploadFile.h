@@ -54,8 +54,9 @@ public:
     /// How keeping ended.
     DiskError error() const { return result; }
 
-    /// Makes the job one that only drops the file: freeing a large one takes the disk a while.
-    void discard() { discarded = true; }
+    /// Makes the job one that only drops the file: freeing a large one takes the disk a while. The
+    /// name is free at once.
+    void discard();
 
     /// For copying into, without `write`; -1 before it was begun.
     int descriptor() const { return file.get(); }
