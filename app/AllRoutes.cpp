@@ -5,8 +5,8 @@
 
 Routes allRoutes()
 {
-    Routes rows;
+    Routes routes;
     for (const Routes &room : { pageRoutes(), davRoutes(), fileRoutes() })
-        rows.insert(rows.end(), room.begin(), room.end());
-    return rows;
+        routes.insert(routes.end(), room.begin(), room.end());
+    return routes;
 }

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "server/Routes.h"
+#include "classic/http/Routes.h"
 
-/// Everything that the programs answer. The order matters: the first row that fits is taken, and
-/// the desktop client's listing is a PROPFIND too.
+/// Everything that the classic face answers. The order matters: the first route that fits is taken,
+/// and the desktop client's listing is a PROPFIND too.
 Routes allRoutes();

@@ -1,5 +1,8 @@
 #include "app/Process.h"
 
+#include <QCoreApplication>
+#include <QDir>
+
 #include <algorithm>
 #include <csignal>
 
@@ -36,4 +39,14 @@ void prepareProcess()
     survive(SIGPIPE);
     survive(SIGXFSZ);
     raiseDescriptorLimit();
+}
+
+QString previewProgram()
+{
+    return QCoreApplication::applicationDirPath() + QLatin1String("/quillon-preview");
+}
+
+QString previewFolder()
+{
+    return QDir::homePath() + QLatin1String("/.thumbnails");
 }

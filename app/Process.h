@@ -1,8 +1,16 @@
 #pragma once
 
+#include <QString>
+
 /// What a server needs of its process, whichever program it runs in. Call at the start of `main`.
 ///
 /// A peer or reader that is gone and a file that has reached its largest size become errors of the
 /// write, which by default end the process. Programs that it starts get the defaults back.
 /// A crowd of clients needs more descriptors than usual.
 void prepareProcess();
+
+/// The program that makes previews; it lies beside this one.
+QString previewProgram();
+
+/// Where previews are kept while a program runs.
+QString previewFolder();

@@ -1,10 +1,12 @@
 #include "app/AllRoutes.h"
 #include "app/Process.h"
 #include "app/WorkingFolder.h"
+#include "classic/http/ClassicFace.h"
 #include "config/Profiles.h"
 #include "desktop/look/Look.h"
 #include "desktop/look/StartUp.h"
 #include "desktop/window/MainWindow.h"
+#include "files/Previews.h"
 
 #include <QApplication>
 
@@ -30,7 +32,10 @@ int main(int argc, char **argv)
     installTranslators(&app, directories.language);
 
     Profiles profiles(directories);
-    MainWindow window(&profiles, &look, argc > 1 ? argv[1] : nullptr, allRoutes());
+    Previews::sweep(previewFolder());
+    Previews previews(previewProgram(), previewFolder());
+    MainWindow window(&profiles, &look, argc > 1 ? argv[1] : nullptr, classicFaces(allRoutes()),
+                      &previews);
     if (!hasFolder)
         window.events()->msg(MainWindow::tr("Can't make the folder"), directories.profiles);
     if (!workingFolder.isEntered())

@@ -2,9 +2,10 @@
 #include "app/Console.h"
 #include "app/Process.h"
 #include "app/WorkingFolder.h"
-#include "classic/pages/BrowserPages.h"
+#include "classic/http/ClassicFace.h"
 #include "config/Profiles.h"
-#include "server/Routes.h"
+#include "files/Previews.h"
+#include "server/Engine.h"
 #include "server/Url.h"
 #include "server/WebServer.h"
 
@@ -185,9 +186,9 @@ int serve(Console *console, const Options &options, const QString &path, const P
     ConsoleSink sink(console);
     QNetworkAddressEntry entry;
     entry.setIp(options.address);
-    const auto setup =
-        std::make_shared<ServerSetup>(ServerSetup{ allRoutes(), &sink, profiles.directories() });
-    WebServer server(entry, profile, setup);
+    Previews previews(previewProgram(), previewFolder());
+    Engine engine(classicFaces(allRoutes()), profiles.directories(), &sink, &previews);
+    WebServer server(entry, profile, engine.setup());
     server.setShared(path);
     server.port = options.port.value_or(quint16(profile->port));
     if (profile->usesTls() && !server.isTlsReady()) {
@@ -245,10 +246,8 @@ int main(int argc, char **argv)
 
     endSignals.quitOnFirst(&app);
     Profiles profiles(directories);
-    if (profiles.lastRun() == LastRun::Aborted)
-        HTML_Element_Manager::removeLeftFiles();
+    Previews::sweep(previewFolder());
     status = serve(&console, *options, shared, profiles);
-    BrowserPages::previews.clear();
     if (!profiles.endInOrder())
         console.error(text("The profile could not be saved in %1").arg(directories.profiles));
     return status;

@@ -1,5 +1,7 @@
 #include "config/Profile.h"
 
+#include "config/Log.h"
+
 #include <QDataStream>
 #include <QFile>
 #include <QSaveFile>
@@ -116,6 +118,8 @@ bool Profile::load()
     m_refusedPort.reset();
     resetKeys();
     m_fileState = read();
+    if (!isUsable())
+        qCDebug(configLog) << "can't be used:" << m_fileName;
     return m_fileState == FileState::Fine;
 }
 

@@ -2,6 +2,7 @@
 
 #include "files/Attributes.h"
 #include "files/HiddenUploads.h"
+#include "files/Log.h"
 #include "files/Rename.h"
 
 #include <cerrno>
@@ -160,6 +161,8 @@ DiskError UploadFile::keep()
         error = takeName();
     if (error == 0 && sync == Sync::FileAndFolder)
         error = syncFolder();
+    if (error != 0)
+        qCDebug(filesLog) << "not kept:" << target.name << qt_error_string(error);
     return diskError(error);
 }
 

@@ -1,59 +1,51 @@
 #pragma once
 
-#include "server/Request.h"
+#include "net/Socket.h"
+#include "server/Face.h"
 
-#include <QFileInfo>
 #include <QObject>
-#include <QPointer>
-#include <QString>
 
-class Profile;
-class Responder;
-class WebServer;
-struct Route;
-struct ServerSetup;
+#include <memory>
 
-/// Handles the requests of one accepted connection, one after another.
-/// Lives in the event loop as a child of its `WebServer` and goes (deleteLater) once the peer
-/// is gone.
-class Connection : public QObject
+struct Service;
+
+/// One accepted connection: its socket and the face that answers on it. Lives in the event loop as
+/// a child of its server and goes (deleteLater) once the peer is gone.
+class Connection : public QObject, private Socket::User
 {
     Q_OBJECT
 public:
-    /// All are borrowed from the server.
-    Connection(WebServer *owner, SessionTable *clients, Channel::Traffic *traffic,
-               const ServerSetup *common);
+    /// `service` is borrowed from the server and outlives the connection.
+    Connection(std::unique_ptr<Socket> accepted, Service &service, QObject *parent);
     ~Connection() override;
 
-    Request &httpRequest() { return request; }
+    Socket &socket() { return *m_socket; }
+    Service &service() { return m_service; }
 
-    /// Cuts the connection and goes.
+    /// A request arrived: the first one of the connection is told to the status sink.
+    void noteRequest();
+
+    /// Cuts the connection; it goes later.
     void drop();
 
-Q_SIGNALS:
-    void newConnection(const QString &peer);
-    void error(const QString &title, const QString &text);
+    bool isIdle() const { return !over && face->isIdle(); }
+    Face::Clock::time_point lastActivity() const { return activeAt; }
 
-public Q_SLOTS:
-    void readyRead();
-    void end();
+    /// Ends what the peer keeps waiting for too long.
+    void checkDeadline(Face::Clock::time_point now);
+
+Q_SIGNALS:
+    void ended(Connection *connection); ///< the peer is gone; the connection is about to go
 
 private:
-    bool refuseBroken();
-    void refuse(const char *status);
-    void readForm();
-    bool accept();
-    bool acceptPassword();
-    bool acceptBasic() const;
-    void refuseLogin();
-    void dispatch();
-    const Route *findRoute() const;
-    Responder *responder(const Route &row);
-    bool checkResponse(const QString &name);
+    void readable() override;
+    void writable() override;
+    void gone() override;
 
-    WebServer *server;
-    const ServerSetup *setup;
-    Request request;
-    QPointer<Responder> response; ///< a child of the channel
-    QString peer;
+    Service &m_service;
+    std::unique_ptr<Socket> m_socket;
+    std::unique_ptr<Face> face;
+    Face::Clock::time_point activeAt = Face::Clock::now();
+    bool noted = false;
+    bool over = false;
 };

@@ -2,7 +2,7 @@
 
 #include "config/Profile.h"
 
-#include <QNetworkCookie>
+#include <QDateTime>
 
 #include <algorithm>
 #include <chrono>
@@ -20,11 +20,10 @@ constexpr int numbers = 1000; ///< session numbers that are handed out: 0 to 999
 void SessionData::end()
 {
     active = false;
-    lastSeen = QTime::currentTime();
+    lastSeen = std::chrono::steady_clock::now();
 }
 
-SessionTable::SessionTable(QObject *parent)
-    : QObject(parent)
+SessionTable::SessionTable()
 {
     connect(&timer, &QTimer::timeout, this, &SessionTable::checkSessions);
 }
@@ -45,21 +44,14 @@ void SessionTable::stopTimer()
     timer.stop();
 }
 
-Session SessionTable::getSession(int id)
+Session SessionTable::ofCookie(const QByteArray &value)
 {
-    Session session = sessions.value(id);
-    if (session)
-        session->active = true;
-    return session;
-}
-
-Session SessionTable::ofCookie(const QNetworkCookie *cookie)
-{
-    if (!cookie)
-        return nullptr;
-    const int id = cookie->value().toInt();
-    const Session known = getSession(id);
-    return known ? known : enter(id);
+    const int id = value.toInt();
+    const Session known = sessions.value(id);
+    if (!known)
+        return enter(id);
+    known->active = true;
+    return known;
 }
 
 Session SessionTable::enter(int id)
@@ -79,7 +71,7 @@ Session SessionTable::enter(int id)
 Session SessionTable::handOut()
 {
     auto session = std::make_shared<SessionData>();
-    session->id = QTime::currentTime().msec() % numbers;
+    session->id = int(QDateTime::currentMSecsSinceEpoch() % numbers);
     handedOut.insert(session->id, session);
     return session;
 }
@@ -91,17 +83,16 @@ bool SessionTable::holds(const Session &session) const
 
 void SessionTable::checkSessions()
 {
-    const QTime now = QTime::currentTime();
+    const auto oldest = std::chrono::steady_clock::now() - std::chrono::seconds(lifetime);
     for (auto it = sessions.begin(); it != sessions.end();) {
         const SessionData &session = **it;
-        // A time of day only: a session that idles across midnight lives on until the clock
-        // passes its hour again.
-        const bool expired = !session.active && session.lastSeen.secsTo(now) > lifetime;
+        const bool expired = !session.active && session.lastSeen < oldest;
         it = expired ? sessions.erase(it) : std::next(it);
     }
     startTimer();
 }
 
+/// A crowd of strangers must not log anybody out.
 void SessionTable::makeRoom()
 {
     std::vector<Session> idle;
@@ -109,8 +100,11 @@ void SessionTable::makeRoom()
         if (!session->active)
             idle.push_back(session);
     }
-    std::sort(idle.begin(), idle.end(),
-              [](const Session &a, const Session &b) { return a->lastSeen < b->lastSeen; });
+    std::sort(idle.begin(), idle.end(), [](const Session &a, const Session &b) {
+        const bool strangerA = a->password.isEmpty();
+        const bool strangerB = b->password.isEmpty();
+        return strangerA != strangerB ? strangerA : a->lastSeen < b->lastSeen;
+    });
     // A tenth at a time, so that a flood of numbers does not pay for a sort with every request.
     idle.resize(std::min<size_t>(idle.size(), maxSessions / 10));
     for (const Session &session : idle)

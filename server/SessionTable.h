@@ -2,15 +2,15 @@
 
 #include <QByteArray>
 #include <QHash>
+#include <QHostAddress>
 #include <QObject>
 #include <QString>
-#include <QTime>
 #include <QTimer>
 
+#include <chrono>
 #include <memory>
 
 class Profile;
-class QNetworkCookie;
 
 /// One browser session: what outlives a single request.
 /// Shared by the session table and the requests that are being served with it.
@@ -21,11 +21,12 @@ struct SessionData
     bool active = true; ///< a request of this session is being served
     bool showHidden = true; ///< listings include hidden entries
     QString password; ///< as typed into the login page
+    QHostAddress loginAddress; ///< where that was; from elsewhere it does not count
     int sortMode = ByName;
     int id = 0; ///< as sent in the cookie "ID"
     int page = 0; ///< zero-based page of the listing
     int itemsPerPage = 24;
-    QTime lastSeen; ///< time of day at which the last request ended
+    std::chrono::steady_clock::time_point lastSeen; ///< when the last request ended
     QByteArray message; ///< shown once atop the next listing
 
     /// A request of this session ended.
@@ -41,10 +42,10 @@ class SessionTable : public QObject
 {
     Q_OBJECT
 public:
-    /// Beyond this number the sessions idle the longest make room.
+    /// Beyond this number those without a login, and then those idle the longest, make room.
     static constexpr int maxSessions = 10000;
 
-    explicit SessionTable(QObject *parent = nullptr);
+    SessionTable();
 
     /// Takes over the session lifetime; it counts from the next expiry pass on.
     void profileEdited(const Profile *profile);
@@ -52,13 +53,9 @@ public:
     void startTimer();
     void stopTimer();
 
-    /// The session of this number, marked active; null if the table has none.
-    Session getSession(int id);
-
-    /// The session that the cookie names (a value that is no number names session 0); when the
-    /// table has none, the one handed out under that number, else a new one is entered.
-    /// Null for a null cookie.
-    Session ofCookie(const QNetworkCookie *cookie);
+    /// The session that a cookie of this value names (one that is no number names session 0); when
+    /// the table has none, the one handed out under that number, else a new one is entered.
+    Session ofCookie(const QByteArray &value);
 
     /// A new session under a number from 0 to 999. It enters the table when the number comes back.
     Session handOut();

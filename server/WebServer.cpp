@@ -1,177 +1,157 @@
 #include "server/WebServer.h"
 
 #include "config/Profile.h"
+#include "files/Share.h"
+#include "net/PlainSocket.h"
+#include "net/TlsSocket.h"
 #include "server/Connection.h"
 #include "server/StatusSink.h"
 
 #include <QDir>
-#include <QFile>
-#include <QTimer>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
-
-#include <netinet/in.h>
-#include <netinet/tcp.h>
-#include <sys/socket.h>
-#include <unistd.h>
 
 using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto acceptRetry = 1s; ///< after the process ran out of descriptors
-constexpr int pendingHandshakes = 512; ///< TCP connections that the kernel holds for us
-constexpr int unsentMark = 256 * 1024; ///< bytes that the kernel holds unsent for one peer
+constexpr auto deadlineInterval = 1s;
 constexpr qint64 bytesPerKilobyte = 1024;
-constexpr qint64 readBufferSize = qint64(64) * 1024;
-constexpr qint64 limitedReadBufferSize = 2048; ///< under a traffic limit
-
-/// Whether the certificate is that of the private key. Modulus and exponent stand side by side in
-/// both encodings (RFC 8017, appendix A.1), in the public one at its end.
-bool belongTogether(const QSslKey &privateKey, const QSslCertificate &certificate)
-{
-    const QByteArray publicDer = certificate.publicKey().toDer();
-    const int modulusBytes = privateKey.length() / 8;
-    return modulusBytes > 0 && privateKey.toDer().contains(publicDer.right(modulusBytes));
-}
+constexpr int closedAtOnce = 32; ///< idle connections, when no descriptor is left
 
 } // namespace
 
 WebServer::WebServer(const QNetworkAddressEntry &entry, Profile *profile,
                      std::shared_ptr<const ServerSetup> common, QObject *parent)
-    : QTcpServer(parent)
-    , shared(QDir::homePath())
-    , config(profile)
+    : QObject(parent)
+    , port(quint16(profile->port))
     , address(entry)
     , setup(std::move(common))
+    , service{ *setup,
+               profile,
+               QFileInfo(QDir::homePath()),
+               false,
+               nullptr,
+               {},
+               TrafficAccount([this] { limitReached(); }) }
+    , listener(setup->poller,
+               { [this](FileDescriptor accepted, const QHostAddress &peer) {
+                    accept(std::move(accepted), peer);
+                },
+                 [this] { return closeIdle(); } })
 {
-    ++config->useCount;
-    port = quint16(config->port);
-    connect(this, &QTcpServer::acceptError, this,
-            [this] { QTimer::singleShot(acceptRetry, this, &QTcpServer::resumeAccepting); });
+    ++profile->useCount;
+    deadlines.setInterval(deadlineInterval);
+    connect(&deadlines, &QTimer::timeout, this, [this] { checkDeadlines(Face::Clock::now()); });
     init();
 }
 
 WebServer::WebServer(const WebServer *other, QObject *parent)
-    : WebServer(other->address, other->config, other->setup, parent)
+    : WebServer(other->address, other->profile(), other->setup, parent)
 {
-    shared = other->shared;
-    singleFile = other->singleFile;
+    service.shared = other->service.shared;
+    service.singleFile = other->service.singleFile;
+    service.share = other->service.share;
 }
 
 WebServer::~WebServer()
 {
-    stopAll();
-    // Connections remove themselves from `connections`, which is gone once this body has run.
+    stop();
+    // At once and while the service is whole.
     qDeleteAll(findChildren<Connection *>(QString(), Qt::FindDirectChildrenOnly));
-    --config->useCount;
+    --service.profile->useCount;
 }
 
 bool WebServer::init()
 {
-    traffic = {};
-    dropKeys();
-    profileEdited(config);
+    service.traffic.clear();
+    identity.reset();
+    profileEdited(service.profile);
     return isTlsReady();
 }
 
 bool WebServer::start()
 {
-    traffic.blocked = false;
-    closeIgnored();
-    if (config->authMode == AuthPasswordPage && config->password.isEmpty())
+    service.traffic.setBlocked(false);
+    ignored.clear();
+    const Profile *profile = service.profile;
+    if (profile->authMode == AuthPasswordPage && profile->password.isEmpty())
         warn(tr("The password is empty: everyone is admitted."));
-    if (!listen(address.ip(), port))
+    openShare();
+    if (!listener.listen(address.ip(), port))
         return false;
-    port = serverPort();
-    // The toolkit asks for 50, which a crowd of new clients fills within a moment.
-    ::listen(int(socketDescriptor()), pendingHandshakes);
-    clients.startTimer();
+    port = listener.port();
+    service.sessions.startTimer();
     return true;
 }
 
 void WebServer::stop()
 {
-    close();
-    clients.stopTimer();
-    closeIgnored();
+    listener.close();
+    service.sessions.stopTimer();
+    ignored.clear();
 }
 
 void WebServer::stopAll()
 {
     stop();
-    traffic.blocked = true;
-    while (!connections.isEmpty())
-        connections.takeFirst()->drop();
+    service.traffic.setBlocked(true);
+    for (Connection *connection : std::as_const(connections))
+        connection->drop();
 }
 
 void WebServer::setProfile(Profile *profile)
 {
+    if (profile == service.profile)
+        return profileEdited(profile);
+    --service.profile->useCount;
+    service.profile = profile;
+    ++profile->useCount;
+    identity.reset();
     profileEdited(profile);
-    --config->useCount;
-    config = profile;
-    ++config->useCount;
 }
 
 void WebServer::profileEdited(const Profile *profile)
 {
-    clients.profileEdited(profile);
-    setMaxPendingConnections(qMax(1, profile->maxConnections));
-    if (!profile->usesTls())
-        dropKeys();
-    else if (!privateKey || profile->privateKeyFile != config->privateKeyFile)
-        loadKeys(profile);
-    traffic.dataLimit = profile->dataLimit * bytesPerKilobyte;
+    service.sessions.profileEdited(profile);
+    loadKeys(profile);
+    service.traffic.setLimit(profile->dataLimit * bytesPerKilobyte);
 }
 
 void WebServer::setShared(const QString &path)
 {
-    shared = QFileInfo(path);
-    if (!shared.isReadable())
-        shared = QFileInfo(QDir::homePath());
-    singleFile = !shared.isDir();
+    service.shared = QFileInfo(path);
+    if (!service.shared.isReadable())
+        service.shared = QFileInfo(QDir::homePath());
+    service.singleFile = !service.shared.isDir();
+    openShare();
 }
 
-bool WebServer::loadKeys(const Profile *profile)
+/// From now on everything is found from the open root.
+void WebServer::openShare()
 {
-    dropKeys();
-    QFile certificateFile(profile->publicKeyFile);
-    if (!certificateFile.open(QIODevice::ReadOnly)) {
-        warn(tr("The certificate can't be read: %1").arg(profile->publicKeyFile));
-        return false;
-    }
-    auto newCertificate = std::make_unique<QSslCertificate>(&certificateFile, QSsl::Pem);
-    if (newCertificate->isNull())
-        warn(tr("This is no certificate: %1").arg(profile->publicKeyFile));
-    else
-        certificate = std::move(newCertificate);
-
-    QFile keyFile(profile->privateKeyFile);
-    if (!keyFile.open(QIODevice::ReadOnly)) {
-        warn(tr("The private key can't be read: %1").arg(profile->privateKeyFile));
-        return false;
-    }
-    auto newKey = std::make_unique<QSslKey>(&keyFile, QSsl::Rsa, QSsl::Pem, QSsl::PrivateKey,
-                                            profile->keyPassword.toLatin1());
-    if (newKey->isNull()) {
-        warn(tr("The private key can't be used, its pass phrase may be wrong: %1")
-                 .arg(profile->privateKeyFile));
-        return false;
-    }
-    if (certificate && !belongTogether(*newKey, *certificate)) {
-        warn(tr("The certificate %1 is not that of the private key %2")
-                 .arg(profile->publicKeyFile, profile->privateKeyFile));
-        return false;
-    }
-    privateKey = std::move(newKey);
-    return isTlsReady();
+    std::optional<Share> opened =
+        Share::at(service.shared.absoluteFilePath(), { setup->directories.profiles });
+    service.share = opened ? std::make_shared<const Share>(std::move(*opened)) : nullptr;
 }
 
-void WebServer::dropKeys()
+/// Reads key and certificate; when they can't be used together, the status sink is told why.
+void WebServer::loadKeys(const Profile *profile)
 {
-    privateKey.reset();
-    certificate.reset();
+    if (!profile->usesTls())
+        return identity.reset();
+    const Profile *current = service.profile;
+    const bool same = profile->privateKeyFile == current->privateKeyFile
+        && profile->publicKeyFile == current->publicKeyFile
+        && profile->keyPassword == current->keyPassword;
+    if (identity && same)
+        return;
+    QString problem;
+    identity = TlsIdentity::load(*profile, &problem);
+    if (!identity)
+        warn(problem);
 }
 
 void WebServer::warn(const QString &text) const
@@ -180,50 +160,68 @@ void WebServer::warn(const QString &text) const
         setup->sink->msg(tr("Warning"), text);
 }
 
-void WebServer::incomingConnection(qintptr descriptor)
-{
-    if (traffic.blocked) {
-        // Neither answered nor closed, so that the peer waits; but not for ever.
-        ignored.append(descriptor);
-        return;
-    }
+// --- connections --------------------------------------------------------------------------------
 
-    auto thread = std::make_unique<Connection>(this, &clients, &traffic, setup.get());
-    Channel &channel = thread->httpRequest().channel;
-    QSslSocket &socket = channel.socket();
-    if (!socket.setSocketDescriptor(descriptor)) {
-        ::close(int(descriptor));
+void WebServer::accept(FileDescriptor accepted, const QHostAddress &peer)
+{
+    if (service.traffic.isBlocked()) {
+        // Neither answered nor closed, so that the peer waits; but not for ever.
+        ignored.push_back(std::move(accepted));
         return;
     }
-    channel.setKeepAlive(true);
-    socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    // A peer that takes nothing must not fill megabytes of the kernel's memory first.
-    ::setsockopt(int(descriptor), IPPROTO_TCP, TCP_NOTSENT_LOWAT, &unsentMark, sizeof unsentMark);
-    channel.setReadBufferSize(traffic.dataLimit > 0 ? limitedReadBufferSize : readBufferSize);
-    // Queued: whoever hears of the limit may end the connection that reached it.
-    connect(&channel, &Channel::dataLimit, this, &WebServer::limitReached, Qt::QueuedConnection);
-    if (isTlsReady())
-        startEncryption(socket);
-    connections.append(thread.release());
+    auto *connection = new Connection(makeSocket(std::move(accepted), peer), service, this);
+    connect(connection, &Connection::ended, this, &WebServer::forget);
+    connections.insert(connection);
+    if (!deadlines.isActive())
+        deadlines.start();
 }
 
-void WebServer::startEncryption(QSslSocket &socket) const
+std::unique_ptr<Socket> WebServer::makeSocket(FileDescriptor accepted, const QHostAddress &peer)
 {
-    socket.setProtocol(QSsl::AnyProtocol);
-    socket.setPrivateKey(*privateKey);
-    socket.setLocalCertificate(*certificate);
-    socket.setPeerVerifyMode(QSslSocket::VerifyNone);
-    socket.startServerEncryption();
+    TrafficAccount *account = &service.traffic;
+    if (identity)
+        return std::make_unique<TlsSocket>(std::move(accepted), identity->configuration, account);
+    return std::make_unique<PlainSocket>(std::move(accepted), peer, setup->poller, account);
+}
+
+/// Makes descriptors free for new clients: those that idle the longest go.
+bool WebServer::closeIdle()
+{
+    std::vector<Connection *> idle;
+    std::copy_if(connections.begin(), connections.end(), std::back_inserter(idle),
+                 [](const Connection *connection) { return connection->isIdle(); });
+    std::sort(idle.begin(), idle.end(), [](const Connection *a, const Connection *b) {
+        return a->lastActivity() < b->lastActivity();
+    });
+    idle.resize(std::min<std::size_t>(idle.size(), closedAtOnce));
+    for (Connection *connection : idle) {
+        connections.remove(connection);
+        delete connection;
+    }
+    // The next look goes on accepting.
+    deadlines.start();
+    return !idle.empty();
+}
+
+void WebServer::forget(Connection *connection)
+{
+    connections.remove(connection);
+    listener.resume();
+}
+
+void WebServer::checkDeadlines(Face::Clock::time_point now)
+{
+    const QSet<Connection *> all = connections;
+    for (Connection *connection : all)
+        connection->checkDeadline(now);
+    if (connections.isEmpty())
+        deadlines.stop();
+    listener.resume();
 }
 
 void WebServer::limitReached()
 {
-    Q_EMIT dataLimit(this);
-}
-
-void WebServer::closeIgnored()
-{
-    for (const qintptr descriptor : std::as_const(ignored))
-        ::close(int(descriptor));
-    ignored.clear();
+    // Queued: whoever hears of the limit may end the connection that reached it.
+    QMetaObject::invokeMethod(
+        this, [this] { Q_EMIT dataLimit(this); }, Qt::QueuedConnection);
 }

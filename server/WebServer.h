@@ -1,38 +1,30 @@
 #pragma once
 
-#include "config/Directories.h"
-#include "server/Channel.h"
-#include "server/Routes.h"
-#include "server/SessionTable.h"
+#include "net/Listener.h"
+#include "server/Service.h"
+#include "server/TlsIdentity.h"
 
-#include <QFileInfo>
 #include <QList>
 #include <QNetworkAddressEntry>
-#include <QSslCertificate>
-#include <QSslKey>
-#include <QTcpServer>
+#include <QObject>
+#include <QSet>
+#include <QTimer>
 
 #include <memory>
+#include <optional>
+#include <vector>
 
-class Profile;
 class Connection;
-class StatusSink;
-
-/// What all servers of a program have in common. The sink outlives them.
-struct ServerSetup
-{
-    Routes rows;
-    StatusSink *sink = nullptr;
-    Directories directories;
-};
+class Profile;
+class Socket;
 
 /// The listening end of one server item: one address and port, one shared file or folder, one
 /// profile. Owns its connections. Lives in the event loop; nothing in it blocks.
-class WebServer : public QTcpServer
+class WebServer : public QObject
 {
     Q_OBJECT
 public:
-    /// `profile` outlives the server.
+    /// Runs with `profile`, which outlives it, until `setProfile`.
     WebServer(const QNetworkAddressEntry &entry, Profile *profile,
               std::shared_ptr<const ServerSetup> common, QObject *parent = nullptr);
 
@@ -55,9 +47,8 @@ public:
     /// Stops listening and cuts all connections; partial uploads are removed.
     void stopAll();
 
-    /// Reads key and certificate of `profile`. True when both can be used together; otherwise
-    /// the status sink is told what is wrong.
-    bool loadKeys(const Profile *profile);
+    bool isListening() const { return listener.isListening(); }
+    QString errorString() const { return listener.errorString(); }
 
     /// The server runs with `profile` from now on; the profiles' use counts follow.
     void setProfile(Profile *profile);
@@ -70,20 +61,21 @@ public:
     void setShared(const QString &path);
 
     /// Whether connections are encrypted. False on a TLS profile whose keys can't be used.
-    bool isTlsReady() const { return privateKey && certificate; }
+    bool isTlsReady() const { return identity.has_value(); }
 
+    Profile *profile() const { return service.profile; }
+    const QFileInfo &shared() const { return service.shared; }
     QHostAddress ip() const { return address.ip(); }
-    qint64 sentBytes() const { return traffic.sentBytes; }
-    qint64 receivedBytes() const { return traffic.receivedBytes; }
-    void addReceivedBytes(qint64 count) { traffic.receivedBytes += count; }
-    qint64 dataLimitBytes() const { return traffic.dataLimit; }
-    bool isBlocked() const { return traffic.blocked; }
+    qint64 sentBytes() const { return service.traffic.sent(); }
+    qint64 receivedBytes() const { return service.traffic.received(); }
+    qint64 dataLimitBytes() const { return service.traffic.limit(); }
+    void addReceivedBytes(qint64 count) { service.traffic.addReceived(count); }
+    bool isBlocked() const { return service.traffic.isBlocked(); }
+    /// Ends what peers have kept waiting for too long. Happens once a second by itself.
+    void checkDeadlines(Face::Clock::time_point now);
+
     int connectionCount() const { return int(connections.size()); }
 
-    QList<Connection *> connections; ///< the live connections; each removes itself
-    bool singleFile = false;
-    QFileInfo shared;
-    Profile *config = nullptr;
     quint16 port = 0;
 
 Q_SIGNALS:
@@ -91,23 +83,22 @@ Q_SIGNALS:
     /// own call, so a receiver may stop the server at once.
     void dataLimit(WebServer *server);
 
-protected:
-    void incomingConnection(qintptr descriptor) override;
-
-private Q_SLOTS:
-    void limitReached();
-
 private:
-    void dropKeys();
+    void openShare();
+    void loadKeys(const Profile *profile);
     void warn(const QString &text) const;
-    void closeIgnored();
-    void startEncryption(QSslSocket &socket) const;
+    void accept(FileDescriptor accepted, const QHostAddress &peer);
+    std::unique_ptr<Socket> makeSocket(FileDescriptor accepted, const QHostAddress &peer);
+    bool closeIdle();
+    void forget(Connection *connection);
+    void limitReached();
 
     QNetworkAddressEntry address;
     std::shared_ptr<const ServerSetup> setup;
-    Channel::Traffic traffic;
-    std::unique_ptr<QSslKey> privateKey;
-    std::unique_ptr<QSslCertificate> certificate;
-    SessionTable clients;
-    QList<qintptr> ignored; ///< descriptors accepted while blocked
+    Service service;
+    std::optional<TlsIdentity> identity;
+    Listener listener;
+    QSet<Connection *> connections; ///< children; each is taken out when its peer is gone
+    QTimer deadlines; ///< runs while there are connections
+    std::vector<FileDescriptor> ignored; ///< accepted while blocked
 };

@@ -1,133 +1,230 @@
 #include "classic/dav/Copy.h"
 
-#include <QDir>
+#include "files/DiskWorker.h"
+#include "files/FileCopy.h"
+#include "files/Path.h"
+#include "files/Share.h"
+#include "files/TreeCopy.h"
+
+#include <QFile>
 
 #include <utility>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace {
 
+constexpr char copied = '+';
+constexpr char notCopied = '-';
 constexpr auto copyFailed = "500 File Copy Failed";
 
-bool isSameEntry(const QFileInfo &a, const QFileInfo &b)
+/// The name that a path ends with; none when it ends with a "/".
+QByteArray nameOf(const QByteArray &path)
 {
-    return a.exists() && a.canonicalFilePath() == b.canonicalFilePath();
+    return path.mid(path.lastIndexOf('/') + 1);
 }
+
+QByteArray folderOf(const QByteArray &path)
+{
+    return path.left(qMax(0, int(path.lastIndexOf('/'))));
+}
+
+Place inWorkingFolder(const QByteArray &name)
+{
+    Place place;
+    place.folder.reset(::open(".", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    place.name = name;
+    return place;
+}
+
+EntryFacts factsOf(const Place &place)
+{
+    return entryFacts(place.folder.get(), place.name.constData());
+}
+
+/// Few bytes in one block: a large tree has a million outcomes.
+QByteArray packed(const std::vector<TreeCopy::Outcome> &outcomes)
+{
+    QByteArray batch;
+    for (const TreeCopy::Outcome &outcome : outcomes) {
+        batch += outcome.error == DiskError::None ? copied : notCopied;
+        batch += outcome.path;
+        batch += '\0';
+    }
+    return batch;
+}
+
+/// Copies one file; once that is done, the one goes that stood at the destination.
+class CopyJob final : public DiskJob
+{
+public:
+    /// `outdated` may be no valid place.
+    CopyJob(OpenFile source, Place target, FileCopy::Existing existing, Place outdatedFile)
+        : copy(std::move(source), std::move(target), existing)
+        , outdated(std::move(outdatedFile))
+    {
+    }
+
+    bool run(const Budget &until) override
+    {
+        if (!copy.run(until))
+            return false;
+        if (isDone() && outdated.isValid())
+            ::unlinkat(outdated.folder.get(), outdated.name.constData(), 0);
+        return true;
+    }
+
+    bool isDone() const { return copy.error() == DiskError::None; }
+
+private:
+    FileCopy copy;
+    Place outdated;
+};
+
+/// Where the copies of a tree go: the whole path of a source is nested below the destination.
+struct Nest
+{
+    std::shared_ptr<const Share> share;
+    QByteArray sharedPath;
+    QByteArray source;
+    QByteArray destination;
+
+    std::unique_ptr<FileCopy> copy(const QByteArray &path, OpenFile file) const
+    {
+        const QByteArray folder = destination + '/' + folderOf(path.mid(source.size()));
+        const QByteArray target = folder + '/' + sharedPath + '/' + path;
+        const bool exists = share->facts(target).file;
+        return std::make_unique<FileCopy>(
+            std::move(file), exists ? share->target(target) : share->place(target),
+            exists ? FileCopy::Existing::Replaced : FileCopy::Existing::Kept);
+    }
+};
 
 } // namespace
 
-Copy::Copy(Request *httpRequest)
-    : Dav(httpRequest, name)
+Copy::Copy(Exchange &current)
+    : DocumentReply(current)
 {
 }
 
-void Copy::reply(const QFileInfo &shared)
+Copy::~Copy()
 {
-    overwrite = request->overwrite != "F";
-    const RequestTarget target = request->destinationTarget();
-    const QFileInfo source(pathIn(shared, request->path));
-    const QFileInfo destination(pathIn(shared, target.path));
-    const bool refused = target.form != RequestTarget::Form::Path
-        || isSameEntry(source, destination) || (destination.isFile() && !overwrite);
-    if (refused)
-        return sendHeader(DavStatus::preconditionFailed, 0);
-
-    if (source.isDir())
-        return copyTree(source, destination);
-    copySingle(source, destination);
+    if (tree)
+        tree->cancel();
 }
 
-void Copy::copySingle(const QFileInfo &source, QFileInfo destination)
+void Copy::reply()
 {
-    if (!source.isFile())
-        return sendHeader("410 Gone", 0);
-    if (destination.isDir())
-        destination.setFile(destination.absoluteFilePath() + QLatin1Char('/') + source.fileName());
-    if (isSameEntry(source, destination))
-        return sendHeader(DavStatus::preconditionFailed, 0);
-    if (destination.fileName().isEmpty())
-        return sendHeader(copyFailed, 0);
+    overwrite = request.overwrite != "F";
+    const RequestTarget target = request.destinationTarget();
+    const QByteArray path = nativePath(target.path);
+    const EntryFacts source = facts(requestedPath());
+    const EntryFacts destination = facts(path);
+    const bool kept = destination.file && (!overwrite || source.folder);
+    if (target.form != RequestTarget::Form::Path || isSameEntry(source, destination) || kept)
+        return answer(DavStatus::preconditionFailed);
 
-    // The copy goes to the working folder, whatever folder the destination names; that one only
-    // loses the file which stood there.
-    const QString copy = QDir::current().absoluteFilePath(destination.fileName());
-    const bool existed = destination.isFile();
-    const QString outdated = existed && overwrite ? destination.absoluteFilePath() : QString();
-    const bool inPlace = !outdated.isEmpty() && isSameEntry(QFileInfo(copy), destination);
+    if (!source.folder && !source.file)
+        return answer("410 Gone");
+    if (path.contains('\0'))
+        return answer(copyFailed);
+    if (source.folder)
+        return copyTree(path);
+    copyFile(destination.folder ? path + '/' + nameOf(cleanPath(requestedPath())) : path);
+}
+
+/// The copy goes to the working folder, whatever folder the destination names; that one only loses
+/// the file which stood there.
+void Copy::copyFile(const QByteArray &destination)
+{
+    std::optional<OpenFile> source = share()->openFile(requestedPath());
+    const EntryFacts there = facts(destination);
+    if (source && isSameEntry(source->facts, there))
+        return answer(DavStatus::preconditionFailed);
+    Place copy = inWorkingFolder(nameOf(destination));
+    if (!source || !copy.isValid())
+        return answer(copyFailed);
+
+    const bool existed = there.file;
+    const bool inPlace = existed && overwrite && isSameEntry(factsOf(copy), there);
+    Place outdated = existed && overwrite && !inPlace ? place(destination) : Place();
     const auto existing = inPlace ? FileCopy::Existing::Replaced : FileCopy::Existing::Kept;
-    copier.start(source.absoluteFilePath(), copy, existing,
-                 [this, existed, outdated, inPlace](bool copied) {
-                     if (copied && !inPlace && !outdated.isEmpty())
-                         QFile::remove(outdated);
-                     const char *status = existed ? "204 No Content" : DavStatus::created;
-                     sendHeader(copied ? status : copyFailed, 0);
-                 });
+    const auto job = std::make_shared<CopyJob>(std::move(*source), std::move(copy), existing,
+                                               std::move(outdated));
+    disk().run(job, this, [this, job, existed] {
+        const char *done = existed ? "204 No Content" : DavStatus::created;
+        answer(job->isDone() ? done : copyFailed);
+    });
 }
 
-void Copy::copyTree(const QFileInfo &source, const QFileInfo &destination)
+void Copy::copyTree(const QByteArray &destination)
 {
-    if (destination.isFile())
-        return sendHeader(DavStatus::preconditionFailed, 0);
-    if (destination.filePath().isEmpty())
-        return sendHeader(copyFailed, 0);
+    const QByteArray source = cleanPath(requestedPath());
+    const std::shared_ptr<const Share> shared = exchange.service.share;
+    sharedPath = nativePath(exchange.service.shared.absoluteFilePath());
+    if (sharedPath.endsWith('/'))
+        sharedPath.chop(1);
+    TreeCopy::Begin begin = [](const QByteArray &, OpenFile) { return nullptr; };
+    if (overwrite) {
+        begin = [nest = Nest{ shared, sharedPath, source, destination }](const QByteArray &path,
+                                                                         OpenFile file) {
+            return nest.copy(path, std::move(file));
+        };
+    }
+    tree = std::make_shared<TreeCopy>(shared, source, Share::Links::Followed, std::move(begin));
+    copyOn();
+}
 
-    init(body);
+void Copy::copyOn()
+{
+    disk().run(tree, this, [this] { takeOutcomes(); });
+}
+
+void Copy::takeOutcomes()
+{
+    batches.push_back(packed(tree->takeOutcomes()));
+    if (!tree->isAtEnd())
+        return copyOn();
+    tree.reset();
+    sendOutcomes();
+}
+
+void Copy::sendOutcomes()
+{
     // An attribute without a value: that is how this document has always begun.
-    body += "multistatus xmlns>";
-    pending.clear();
-    visited.clear();
-    copyDir(source, destination.absoluteFilePath());
+    sendDocument({ QByteArray(declaration) + "<multistatus xmlns>", qint64(batches.size()),
+                   [this](QByteArray &text, qint64 index) {
+                       appendBatch(text, batches[std::size_t(index)]);
+                   },
+                   "</multistatus>" });
 }
 
-void Copy::copyNext()
+void Copy::appendBatch(QByteArray &text, const QByteArray &batch) const
 {
-    if (pending.empty()) {
-        body += "</multistatus>";
-        sendDocument(std::exchange(body, {}));
-        return;
+    for (const QByteArray &outcome : batch.split('\0')) {
+        if (outcome.isEmpty())
+            continue;
+        const QString path = QFile::decodeName(sharedPath + '/' + outcome.mid(1));
+        text += "<response><href>" + hrefPath(path.toUtf8()) + "</href>";
+        text += "<status>HTTP/1.1 ";
+        text += statusOf(outcome.front());
+        text += "</status></response>";
     }
-    const Pending next = std::move(pending.back());
-    pending.pop_back();
-    if (next.source.isDir())
-        copyDir(next.source, next.destination + QLatin1Char('/') + next.source.fileName());
-    else
-        copyFile(next.source, next.destination);
 }
 
-/// Puts the entries of a folder in front of what is left.
-void Copy::copyDir(const QFileInfo &folder, const QString &destination)
+const char *Copy::statusOf(char outcome) const
 {
-    const QString path = folder.canonicalFilePath();
-    if (!visited.contains(path)) {
-        visited.insert(path);
-        const QFileInfoList entries =
-            QDir(folder.absoluteFilePath()).entryInfoList(QDir::AllEntries | QDir::NoDotAndDotDot);
-        for (auto entry = entries.crbegin(); entry != entries.crend(); ++entry)
-            pending.push_back({ *entry, destination });
-    }
-    // Queued, here and below: a large tree is worked off between other requests.
-    QMetaObject::invokeMethod(this, &Copy::copyNext, Qt::QueuedConnection);
+    if (!overwrite)
+        return DavStatus::preconditionFailed;
+    return outcome == copied ? DavStatus::ok : "500 File copy error";
 }
 
-void Copy::copyFile(const QFileInfo &file, const QString &destination)
+void Copy::replyEnded()
 {
-    if (!overwrite) {
-        addResponse(file, DavStatus::preconditionFailed);
-        QMetaObject::invokeMethod(this, &Copy::copyNext, Qt::QueuedConnection);
-        return;
-    }
-    // The whole path of the source is nested below the destination; no folder is made for it.
-    const QString source = file.absoluteFilePath();
-    const QString copy = destination + QLatin1Char('/') + source;
-    const bool exists = QFileInfo(copy).isFile();
-    copier.start(source, copy, exists ? FileCopy::Existing::Replaced : FileCopy::Existing::Kept,
-                 [this, file](bool copied) {
-                     addResponse(file, copied ? DavStatus::ok : "500 File copy error");
-                     copyNext();
-                 });
-}
-
-void Copy::addResponse(const QFileInfo &file, const QByteArray &status)
-{
-    body += "<response><href>" + hrefPath(file.absoluteFilePath()) + "</href>";
-    body += "<status>HTTP/1.1 " + status + "</status></response>";
+    if (tree)
+        tree->cancel();
+    tree.reset();
+    batches = {};
+    DocumentReply::replyEnded();
 }

@@ -1,42 +1,34 @@
 #pragma once
 
-#include "classic/dav/Dav.h"
-#include "classic/dav/FileCopy.h"
+#include "classic/dav/DocumentReply.h"
 
-#include <QSet>
-
+#include <memory>
 #include <vector>
 
-/// COPY: one file, or the files of a folder tree, in as many turns of the event loop as it takes;
-/// the answer follows the last one.
-class Copy : public Dav
+class TreeCopy;
+
+/// COPY: one file, or the files of a folder tree one by one; the answer follows the last of them.
+class Copy : public DocumentReply
 {
     Q_OBJECT
 public:
-    static constexpr auto name = "CP";
+    explicit Copy(Exchange &current);
+    ~Copy() override;
 
-    explicit Copy(Request *request);
-
-    using Dav::reply;
-    void reply(const QFileInfo &shared) override;
+    void reply() override;
+    void replyEnded() override;
 
 private:
-    struct Pending
-    {
-        QFileInfo source;
-        QString destination; ///< the folder to copy into
-    };
+    void copyFile(const QByteArray &destination);
+    void copyTree(const QByteArray &destination);
+    void copyOn();
+    void takeOutcomes();
+    void sendOutcomes();
+    void appendBatch(QByteArray &text, const QByteArray &batch) const;
+    const char *statusOf(char outcome) const;
 
-    void copySingle(const QFileInfo &source, QFileInfo destination);
-    void copyTree(const QFileInfo &source, const QFileInfo &destination);
-    void copyNext();
-    void copyDir(const QFileInfo &folder, const QString &destination);
-    void copyFile(const QFileInfo &file, const QString &destination);
-    void addResponse(const QFileInfo &file, const QByteArray &status);
-
-    QByteArray body; ///< the document being built
     bool overwrite = true;
-    std::vector<Pending> pending; ///< of a folder tree, the next one last
-    QSet<QString> visited; ///< folders, so that links can't lead in circles
-    FileCopy copier;
+    QByteArray sharedPath; ///< absolute, without a "/" at its end
+    std::shared_ptr<TreeCopy> tree; ///< under way
+    std::vector<QByteArray> batches; ///< packed outcomes of its files so far
 };

@@ -1,47 +1,52 @@
 #include "classic/dav/Dav.h"
 
-#include <QDir>
-#include <QUrl>
+#include "files/Path.h"
+#include "files/Share.h"
 
 namespace {
 
 // The header writer puts the name in front once more. Clients have always seen it doubled.
 constexpr auto typeLine = "Content-Type: text/xml; charset=\"utf-8\"";
 
-// What a URL's path may hold as it is (RFC 3986, section 3.3), with the brackets that Qt leaves in
-// it and without "&", which would begin an entity in XML.
+// What a URL's path may hold as it is (RFC 3986, section 3.3), with brackets, which clients know
+// from here, and without "&", which would begin an entity in XML.
 constexpr auto literalInPath = "!$'()*+,;=:@/[]";
 
 } // namespace
 
-Dav::Dav(Request *httpRequest, const char *name)
-    : Responder(httpRequest)
+Dav::Dav(Exchange &current)
+    : Responder(current)
 {
-    contentType = typeLine;
-    setObjectName(QLatin1String(name));
+    setContentType(typeLine);
 }
 
-QString Dav::pathIn(const QFileInfo &shared, const QString &requested)
+QByteArray Dav::hrefPath(const QByteArray &path)
 {
-    if (requested.contains(QChar::Null))
-        return {};
-    const QString path = shared.absoluteFilePath() + requested;
-    // Behind a link ".." leads elsewhere than by name, and by name it was found to stay inside.
-    return path.contains(QLatin1String("/..")) ? QDir::cleanPath(path) : path;
+    return path.toPercentEncoding(literalInPath);
 }
 
-QByteArray Dav::hrefPath(const QString &path)
+QByteArray Dav::requestedPath() const
 {
-    return QUrl::toPercentEncoding(path, literalInPath);
+    return nativePath(request.path);
 }
 
-void Dav::init(QByteArray &body)
+EntryFacts Dav::facts(const QByteArray &path) const
 {
-    body = R"(<?xml version="1.0" encoding="utf-8"?><)";
+    const EntryFacts found = share() ? share()->facts(path) : EntryFacts();
+    return found.folder || !path.endsWith('/') ? found : EntryFacts();
 }
 
-void Dav::sendDocument(const QByteArray &body)
+Place Dav::place(const QByteArray &path) const
 {
-    sendHeader(DavStatus::multiStatus, body.size());
-    request->channel.write(body, true);
+    return share() ? share()->place(path) : Place();
+}
+
+const Share *Dav::share() const
+{
+    return exchange.service.share.get();
+}
+
+DiskWorker &Dav::disk() const
+{
+    return *exchange.service.setup.disk;
 }

@@ -1,10 +1,13 @@
 #pragma once
 
-#include "server/Responder.h"
+#include "classic/http/Responder.h"
+#include "files/Entry.h"
+#include "files/Place.h"
 
 #include <QByteArray>
-#include <QFileInfo>
-#include <QString>
+
+class DiskWorker;
+class Share;
 
 /// The status lines that several methods share.
 namespace DavStatus {
@@ -16,28 +19,32 @@ constexpr auto preconditionFailed = "412 Precondition Failed";
 constexpr auto locked = "423 Locked";
 } // namespace DavStatus
 
-/// The base of the responders of the WebDAV methods (RFC 4918). A child of the request's channel,
-/// kept while the connection asks for the same method again.
+/// The base of the responders of the WebDAV methods (RFC 4918). Paths are those of requests, as
+/// bytes of the disk.
 class Dav : public Responder
 {
     Q_OBJECT
 public:
-    using Responder::reply;
+    explicit Dav(Exchange &current);
 
-    /// The path that `requested`, a decoded path of a request, has in the file system. Empty when
-    /// no entry can have it; every operation on an empty path fails.
-    static QString pathIn(const QFileInfo &shared, const QString &requested);
-
-    /// A path as it stands in an href: percent-encoded, and harmless in XML.
-    static QByteArray hrefPath(const QString &path);
+    /// A path in UTF-8 as it stands in an href: percent-encoded, and harmless in XML.
+    static QByteArray hrefPath(const QByteArray &path);
 
 protected:
-    /// `name` is the object name.
-    Dav(Request *request, const char *name);
+    /// The whole reply.
+    void answer(const char *status) { sendHeader(status, 0); }
 
-    /// Begins an XML document in `body`; the name of the root element is to follow.
-    static void init(QByteArray &body);
+    /// The path of the request.
+    QByteArray requestedPath() const;
 
-    /// Answers with a whole document.
-    void sendDocument(const QByteArray &body);
+    /// A look at what `path` names. A "/" at its end asks for a folder: a file is not there then.
+    EntryFacts facts(const QByteArray &path) const;
+
+    /// Where `path` names an entry, a last link itself. Not valid when there is no such folder.
+    Place place(const QByteArray &path) const;
+
+    /// Null when what is shared can't be opened.
+    const Share *share() const;
+
+    DiskWorker &disk() const;
 };

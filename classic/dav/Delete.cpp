@@ -1,32 +1,27 @@
 #include "classic/dav/Delete.h"
 
-#include "classic/dav/DeleteDir.h"
 #include "config/Profile.h"
+#include "files/DiskWorker.h"
+#include "files/TreeRemoval.h"
 
-#include <QFile>
+#include <utility>
 
-namespace {
-
-const char *remove(const QFileInfo &target)
+void Delete::reply()
 {
-    if (!target.exists())
-        return "200 Not exists"; // what the client asked for is so
-    if (target.isDir())
-        return DeleteDir(target.absoluteFilePath()).deleteDir() ? "200 Dir deleted"
-                                                                : DavStatus::locked;
-    return QFile::remove(target.absoluteFilePath()) ? "200 File deleted" : DavStatus::locked;
+    if (!exchange.service.profile->allowsDelete())
+        return answer("423 Read-only");
+    Place target = place(requestedPath());
+    EntryFacts found;
+    if (target.isValid())
+        found = entryFacts(target.folder.get(), target.name.constData());
+    if (!found.exists && !found.link)
+        return answer("200 Not exists"); // what the client asked for is so
+    remove(std::move(target), found.folder ? "200 Dir deleted" : "200 File deleted");
 }
 
-} // namespace
-
-Delete::Delete(Request *httpRequest)
-    : Dav(httpRequest, name)
+void Delete::remove(Place target, const char *success)
 {
-}
-
-void Delete::reply(const QFileInfo &shared, Profile *profile)
-{
-    if (!profile->allowsDelete())
-        return sendHeader("423 Read-only", 0);
-    sendHeader(remove(QFileInfo(pathIn(shared, request->path))), 0);
+    const auto job = std::make_shared<TreeRemoval>(std::move(target));
+    disk().run(job, this,
+               [this, job, success] { answer(job->isWhole() ? success : DavStatus::locked); });
 }

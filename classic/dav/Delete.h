@@ -2,15 +2,16 @@
 
 #include "classic/dav/Dav.h"
 
-/// DELETE: removes a file, or a folder with all it holds, when the profile lets it.
+/// DELETE: removes a file, or a folder with all it holds, when the profile lets it. It goes on
+/// to its end when the client is gone.
 class Delete : public Dav
 {
     Q_OBJECT
 public:
-    static constexpr auto name = "D";
+    using Dav::Dav;
 
-    explicit Delete(Request *request);
+    void reply() override;
 
-    using Dav::reply;
-    void reply(const QFileInfo &shared, Profile *profile) override;
+private:
+    void remove(Place target, const char *success);
 };

@@ -1,15 +1,9 @@
 #include "classic/dav/MkCol.h"
 
-#include <QDir>
+#include "files/Share.h"
 
-MkCol::MkCol(Request *httpRequest)
-    : Dav(httpRequest, name)
+void MkCol::reply()
 {
-}
-
-void MkCol::reply(const QFileInfo &shared)
-{
-    const QString path = pathIn(shared, request->path);
-    const bool made = !path.isEmpty() && QDir().mkpath(path);
-    sendHeader(made ? DavStatus::created : "500 MKPATH Failed", 0);
+    const bool made = share() && share()->makeFolders(requestedPath()) == 0;
+    answer(made ? DavStatus::created : "500 MKPATH Failed");
 }

@@ -7,10 +7,7 @@ class MkCol : public Dav
 {
     Q_OBJECT
 public:
-    static constexpr auto name = "MC";
+    using Dav::Dav;
 
-    explicit MkCol(Request *request);
-
-    using Dav::reply;
-    void reply(const QFileInfo &shared) override;
+    void reply() override;
 };

@@ -1,57 +1,28 @@
 #include "classic/dav/PropFind.h"
 
-#include "classic/dav/Listing.h"
 #include "config/Profile.h"
+#include "files/DiskWorker.h"
+#include "files/ListingCache.h"
+#include "files/Path.h"
+#include "files/Share.h"
+#include "server/Url.h"
 
-#include <QDir>
-#include <QHostAddress>
-#include <QUrl>
+#include <QFile>
 
-#include <array>
-#include <cstdio>
-#include <ctime>
+#include <utility>
 
 namespace {
-
-constexpr int usualEntrySize = 400; ///< bytes of one response element
-constexpr int largestReserve = 1 << 30;
-
-// English in every locale (RFC 9110, section 5.6.7).
-constexpr std::array<const char *, 7> dayNames{ "Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat" };
-constexpr std::array<const char *, 12> monthNames{ "Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                                   "Jul", "Aug", "Sep", "Oct", "Nov", "Dec" };
-
-/// Local time under the label "GMT": clients of this server compare it with what they saw before.
-QByteArray lastModified(qint64 seconds)
-{
-    const auto time = std::time_t(seconds);
-    std::tm local = {};
-    ::localtime_r(&time, &local);
-    std::array<char, 64> text;
-    const int size = std::snprintf(text.data(), text.size(), "%s, %d %s %04d %02d:%02d:%02d GMT",
-                                   dayNames.at(size_t(local.tm_wday)), local.tm_mday,
-                                   monthNames.at(size_t(local.tm_mon)), local.tm_year + 1900,
-                                   local.tm_hour, local.tm_min, local.tm_sec);
-    return { text.data(), size };
-}
 
 bool isLetter(char c)
 {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
 }
 
-QString plainAddress(const QHostAddress &address)
+QHostAddress plainAddress(const QHostAddress &address)
 {
     bool isIPv4 = false;
     const quint32 ipv4 = address.toIPv4Address(&isIPv4);
-    return isIPv4 ? QHostAddress(ipv4).toString() : address.toString();
-}
-
-/// Where `path` of a request stands in the share, without needless slashes and dots: "" or "/a/b".
-QString relativePath(const QString &path)
-{
-    const QString clean = QDir::cleanPath(QLatin1Char('/') + path);
-    return clean == QLatin1String("/") ? QString() : clean;
+    return isIPv4 ? QHostAddress(ipv4) : address;
 }
 
 QString withoutLastSlashes(QString path)
@@ -61,71 +32,51 @@ QString withoutLastSlashes(QString path)
     return path;
 }
 
+ListingShape shapeFor(const Profile &profile)
+{
+    ListingShape shape;
+    shape.foldersFirst = false;
+    shape.folders = profile.showsFolders();
+    return shape;
+}
+
 } // namespace
 
-/// What stands between the values of a response element.
-struct PropFind::Markup
-{
-    /// `prefix` is a letter and ":", or empty.
-    explicit Markup(const QByteArray &prefix);
-
-    QByteArray root, toHref, toDate, fileToSize, folderToSize, toEnd, rootEnd;
-};
-
-PropFind::Markup::Markup(const QByteArray &prefix)
-{
-    const auto prefixed = [&prefix](QByteArray text) { return text.replace('~', prefix); };
-    const QByteArray declared = prefix.isEmpty() ? QByteArray() : ':' + prefix.left(1);
-
-    root = prefixed("~multistatus xmlns") + declared + "=\"DAV:\">";
-    toHref = prefixed("<~response><~href>");
-    toDate = prefixed("</~href><~propstat><~prop><~getlastmodified>");
-    fileToSize = prefixed("</~getlastmodified><~getcontentlength>");
-    folderToSize = prefixed("</~getlastmodified><~resourcetype><~collection/></~resourcetype>"
-                            "<~getcontentlength>");
-    toEnd = prefixed("</~getcontentlength></~prop><~status>HTTP/1.1 200 OK</~status>"
-                     "</~propstat></~response>");
-    rootEnd = prefixed("</~multistatus>");
-}
-
-PropFind::PropFind(Request *httpRequest)
-    : Dav(httpRequest, name)
+PropFind::PropFind(Exchange &current)
+    : DocumentReply(current)
 {
 }
 
-PropFind::~PropFind() = default;
-
-void PropFind::reply(const QFileInfo &shared, Profile *profile)
+PropFind::~PropFind()
 {
-    const QString path = requestedPath();
-    const QString target = pathIn(shared, path);
+    stopListing();
+}
+
+void PropFind::reply()
+{
+    const QString path = askedPath();
     // Clients ask Depth 1 of files too, which must not make them folders.
-    const std::optional<Resource> found = resourceAt(withoutLastSlashes(target));
-    if (!found)
-        return sendHeader(DavStatus::notFound, 0);
+    const EntryFacts found = facts(nativePath(withoutLastSlashes(path)));
+    if (!found.folder && !found.file)
+        return answer(DavStatus::notFound);
 
-    foldersShown = profile->showsFolders();
-    markup = std::make_unique<Markup>(requestedPrefix());
-    init(body);
-    body += markup->root;
-    const QByteArray href = baseUrl() + hrefPath(relativePath(path));
-    if (found->isFolder && path.endsWith(QLatin1Char('/')))
-        addDir(target, href);
-    else
-        addEntry(*found, relativePath(path).isEmpty() ? href + '/' : href);
-    body += markup->rootEnd;
-    sendDocument(body);
-    body.clear();
+    markup = ResourceMarkup(askedPrefix());
+    const QByteArray relative = cleanPath(path.toUtf8());
+    const QByteArray href = baseUrl() + (relative.isEmpty() ? "" : "/") + hrefPath(relative);
+    if (found.folder && path.endsWith(QLatin1Char('/')))
+        return listFolder(nativePath(path), href + '/');
+    sendResource(
+        { relative.isEmpty() ? href + '/' : href, found.size, found.seconds, found.folder });
 }
 
 /// The path with or without a "/" at its end: with one, a folder's entries are meant.
-QString PropFind::requestedPath() const
+QString PropFind::askedPath() const
 {
-    QString path = request->path;
-    if (request->depth.isEmpty())
+    QString path = request.path;
+    if (request.depth.isEmpty())
         return path;
     const bool endsWithSlash = path.endsWith(QLatin1Char('/'));
-    if (!request->depth.contains('0'))
+    if (!request.depth.contains('0'))
         return endsWithSlash ? path : path + QLatin1Char('/');
     if (endsWithSlash)
         path.chop(1);
@@ -134,9 +85,9 @@ QString PropFind::requestedPath() const
 
 /// The namespace prefix of the request body's root element, a letter and ":"; some clients only
 /// understand their own. Empty when there is none.
-QByteArray PropFind::requestedPrefix()
+QByteArray PropFind::askedPrefix() const
 {
-    const QByteArray asked = request->channel.read(request->contentLength);
+    const QByteArray asked = channel.request().readBuffered(request.contentLength);
     const int element = int(asked.indexOf("propfind "));
     if (element < 2 || asked.at(element - 1) != ':')
         return {};
@@ -147,32 +98,57 @@ QByteArray PropFind::requestedPrefix()
 
 QByteArray PropFind::baseUrl() const
 {
-    const Channel &channel = request->channel;
-    QUrl url;
-    url.setScheme(channel.isEncrypted() ? QStringLiteral("https") : QStringLiteral("http"));
-    url.setHost(plainAddress(channel.localAddress()));
-    url.setPort(channel.localPort());
-    return url.toEncoded();
+    const QHostAddress address = plainAddress(channel.localAddress());
+    const QString url = serverUrl(channel.isEncrypted(), address, channel.localPort());
+    // Of a link-local address, before the name of its link (RFC 6874).
+    return url.toLatin1().replace('%', "%25");
 }
 
-/// One element for each entry; `href` is the folder's.
-void PropFind::addDir(const QString &folder, const QByteArray &href)
+void PropFind::listFolder(const QByteArray &path, const QByteArray &href)
 {
-    const std::vector<Resource> entries = listFolder(folder, foldersShown);
-    const auto expected = qint64(entries.size() + 1) * (usualEntrySize + href.size());
-    body.reserve(int(qMin<qint64>(expected, largestReserve)));
-    const QByteArray base = href + '/';
-    for (const Resource &entry : entries)
-        addEntry(entry, base + hrefPath(entry.name));
+    std::optional<FolderReader> reader = share()->openFolder(path);
+    if (!reader)
+        return sendResources(0, {});
+    readFolder(std::move(*reader), href);
 }
 
-void PropFind::addEntry(const Resource &entry, const QByteArray &href)
+void PropFind::readFolder(FolderReader reader, const QByteArray &href)
 {
-    body += markup->toHref;
-    body += href;
-    body += markup->toDate;
-    body += lastModified(entry.modified);
-    body += entry.isFolder ? markup->folderToSize : markup->fileToSize;
-    body += QByteArray::number(entry.size);
-    body += markup->toEnd;
+    waiting = std::make_unique<QObject>();
+    exchange.service.setup.listings->list(
+        std::move(reader), shapeFor(*exchange.service.profile), {}, waiting.get(),
+        [this, href](const Listing &listing) { sendEntries(listing, href); });
+}
+
+void PropFind::sendResource(const Resource &resource)
+{
+    sendResources(1, [this, resource](QByteArray &text, qint64) { markup.append(text, resource); });
+}
+
+/// One element for each entry; `href` is the folder's with its last "/".
+void PropFind::sendEntries(const Listing &listing, const QByteArray &href)
+{
+    sendResources(listing->count(), [this, listing, href](QByteArray &text, qint64 index) {
+        const FolderListing::Entry entry = listing->at(index);
+        const QByteArray name = QFile::decodeName(entry.name).toUtf8();
+        markup.append(text,
+                      { href + hrefPath(name), entry.size, entry.modifiedSeconds(), entry.folder });
+    });
+}
+
+void PropFind::sendResources(qint64 count,
+                             std::function<void(QByteArray &text, qint64 index)> append)
+{
+    sendDocument({ declaration + markup.rootStart(), count, std::move(append), markup.rootEnd() });
+}
+
+void PropFind::stopListing()
+{
+    waiting.reset();
+}
+
+void PropFind::replyEnded()
+{
+    stopListing();
+    DocumentReply::replyEnded();
 }

@@ -1,35 +1,38 @@
 #pragma once
 
-#include "classic/dav/Dav.h"
+#include "classic/dav/DocumentReply.h"
+#include "classic/dav/ResourceMarkup.h"
 
 #include <memory>
 
-struct Resource;
+class FolderListing;
+class FolderReader;
 
 /// PROPFIND: one resource, or the entries of one folder, with a fixed set of properties.
 /// What the client asked for is not looked at; there is no recursion.
-class PropFind : public Dav
+class PropFind : public DocumentReply
 {
     Q_OBJECT
 public:
-    static constexpr auto name = "PF";
-
-    explicit PropFind(Request *request);
+    explicit PropFind(Exchange &current);
     ~PropFind() override;
 
-    using Dav::reply;
-    void reply(const QFileInfo &shared, Profile *profile) override;
+    void reply() override;
+    void replyEnded() override;
 
 private:
-    struct Markup;
+    using Listing = std::shared_ptr<const FolderListing>;
 
-    QString requestedPath() const;
-    QByteArray requestedPrefix();
+    QString askedPath() const;
+    QByteArray askedPrefix() const;
     QByteArray baseUrl() const;
-    void addDir(const QString &folder, const QByteArray &href);
-    void addEntry(const Resource &entry, const QByteArray &href);
+    void listFolder(const QByteArray &path, const QByteArray &href);
+    void readFolder(FolderReader reader, const QByteArray &href);
+    void sendResource(const Resource &resource);
+    void sendEntries(const Listing &listing, const QByteArray &href);
+    void sendResources(qint64 count, std::function<void(QByteArray &text, qint64 index)> append);
+    void stopListing();
 
-    QByteArray body; ///< the document being built
-    std::unique_ptr<const Markup> markup;
-    bool foldersShown = false;
+    ResourceMarkup markup;
+    std::unique_ptr<QObject> waiting; ///< for the listing; nothing is told once it is gone
 };

@@ -1,7 +1,12 @@
 #include "classic/dav/Put.h"
 
-#include "classic/dav/UploadFile.h"
 #include "config/Profile.h"
+#include "files/DiskWorker.h"
+#include "files/Reservation.h"
+#include "files/Share.h"
+#include "files/UploadFile.h"
+
+#include <utility>
 
 namespace {
 
@@ -9,64 +14,77 @@ constexpr auto replacingClient = "mc";
 constexpr auto probingClient = "ezdavplugin";
 constexpr int probeSize = 1; ///< bytes
 
+const char *keptStatus(DiskError error)
+{
+    switch (error) {
+    case DiskError::None:
+        return DavStatus::created;
+    case DiskError::Exists:
+        return DavStatus::preconditionFailed;
+    default:
+        return "507 Insufficient Storage";
+    }
+}
+
 } // namespace
 
-Put::Put(Request *httpRequest)
-    : Dav(httpRequest, name)
+Put::Put(Exchange &current)
+    : Dav(current)
 {
 }
 
 Put::~Put() = default;
 
-void Put::reply(const QFileInfo &shared, Profile *profile)
+void Put::reply()
 {
-    if (!profile->allowsUpload())
-        return sendHeader("423 Read only", 0);
-
-    const QString path = pathIn(shared, request->path);
-    const bool exists = QFileInfo::exists(path);
-    if (exists && request->userAgent != replacingClient)
-        return sendHeader(DavStatus::preconditionFailed, 0);
+    if (!exchange.service.profile->allowsUpload())
+        return answer("423 Read only");
+    const QByteArray path = requestedPath();
+    const bool exists = facts(path).exists;
+    const bool taken = exists || Reservation::isTaken(place(path));
+    if (taken && !isFrom(replacingClient))
+        return answer(DavStatus::preconditionFailed);
     if (isProbe())
-        return sendHeader(DavStatus::created, 0);
-    if (isLengthUnknown())
-        return sendHeader("411 Length Required", 0);
+        return answer(DavStatus::created);
     receive(path, exists);
+}
+
+/// Whether this request says so: what a program may do, nobody else may on the same connection.
+bool Put::isFrom(const char *program) const
+{
+    return request.bringsUserAgent && request.userAgent == program;
 }
 
 /// A plug-in tries a share out by writing one byte, and expects no file of it.
 bool Put::isProbe() const
 {
-    return request->contentLength == probeSize && request->userAgent == probingClient;
+    return request.contentLength == probeSize && isFrom(probingClient);
 }
 
-/// The head was too long for its buffer and the length lies behind the cut: an empty file would
-/// pass for a stored one.
-bool Put::isLengthUnknown() const
+void Put::receive(const QByteArray &path, bool exists)
 {
-    const HeadScan &framing = request->channel.framing();
-    return framing.end < 0 && !framing.lengthDeclared;
-}
-
-void Put::receive(const QString &path, bool exists)
-{
-    upload = std::make_unique<UploadFile>();
-    const bool opened = !path.isEmpty() && (exists ? upload->replace(path) : upload->create(path));
-    if (!opened) {
-        upload.reset();
-        return sendHeader(DavStatus::locked, 0);
-    }
-    awaitUpload();
-    request->channel.saveFile(upload->device(), request->contentLength);
-}
-
-void Put::reply(int result)
-{
-    const char *status = DavStatus::created;
-    if (result == OpenFailed || result == ReadFailed)
-        status = "500 Network read error";
-    else if (result == WriteFailed || !upload->keep())
-        status = "507 Insufficient Storage";
+    if (!share() || path.endsWith('/'))
+        return answer(DavStatus::locked);
+    upload = std::make_shared<UploadFile>();
+    const DiskError error =
+        exists ? upload->replace(share()->target(path)) : upload->create(place(path));
+    if (error == DiskError::None)
+        return channel.saveBody(upload.get(), request.contentLength);
     upload.reset();
-    sendHeader(status, 0);
+    answer(DavStatus::locked);
+}
+
+void Put::uploadEnded(SaveResult result)
+{
+    const std::shared_ptr<UploadFile> received = std::exchange(upload, {});
+    if (result == Saved)
+        return keep(received);
+    received->discard();
+    disk().run(received, nullptr, {});
+    answer(result == WriteFailed ? "507 Insufficient Storage" : "500 Network read error");
+}
+
+void Put::keep(const std::shared_ptr<UploadFile> &received)
+{
+    disk().run(received, this, [this, received] { answer(keptStatus(received->error())); });
 }

@@ -5,6 +5,7 @@
 #include <memory>
 
 class UploadFile;
+enum class DiskError;
 
 /// PUT: stores the request body as a new file. Only one client program may replace files; the
 /// others have to DELETE first.
@@ -12,21 +13,17 @@ class Put : public Dav
 {
     Q_OBJECT
 public:
-    static constexpr auto name = "PT";
-
-    explicit Put(Request *request);
+    explicit Put(Exchange &current);
     ~Put() override;
 
-    using Dav::reply;
-    void reply(const QFileInfo &shared, Profile *profile) override;
-
-    /// The body is whole, or will never be, see `SaveResult`.
-    void reply(int result) override;
+    void reply() override;
+    void uploadEnded(SaveResult result) override;
 
 private:
+    bool isFrom(const char *program) const;
     bool isProbe() const;
-    bool isLengthUnknown() const;
-    void receive(const QString &path, bool exists);
+    void receive(const QByteArray &path, bool exists);
+    void keep(const std::shared_ptr<UploadFile> &received);
 
-    std::unique_ptr<UploadFile> upload; ///< while a body is being received
+    std::shared_ptr<UploadFile> upload; ///< while a body is being received
 };

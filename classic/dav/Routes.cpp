@@ -10,14 +10,9 @@
 
 namespace {
 
-template <typename Kind> Responder *make(Profile *, Request *request)
+template <typename Kind> constexpr Route route(Request::Method method)
 {
-    return new Kind(request);
-}
-
-template <typename Kind> constexpr Route row(Request::Method method, ReplyCall call)
-{
-    return { method, nullptr, Kind::name, make<Kind>, call };
+    return { method, nullptr, makeResponder<Kind> };
 }
 
 } // namespace
@@ -25,15 +20,10 @@ template <typename Kind> constexpr Route row(Request::Method method, ReplyCall c
 Routes davRoutes()
 {
     return {
-        row<PropFind>(Request::PropFind, ReplyCall::SharedAndProfile),
-        row<Options>(Request::Options, ReplyCall::Plain),
-        row<Delete>(Request::Delete, ReplyCall::SharedAndProfile),
-        row<Copy>(Request::Copy, ReplyCall::Shared),
-        row<Put>(Request::Put, ReplyCall::SharedAndProfile),
-        row<Move>(Request::Move, ReplyCall::Shared),
-        row<MkCol>(Request::MkCol, ReplyCall::Shared),
-        row<Head>(Request::Head, ReplyCall::Shared),
-        row<Lock>(Request::Lock, ReplyCall::Shared),
-        row<UnLock>(Request::UnLock, ReplyCall::Plain),
+        route<PropFind>(Request::PropFind), route<Options>(Request::Options),
+        route<Delete>(Request::Delete),     route<Copy>(Request::Copy),
+        route<Put>(Request::Put),           route<Move>(Request::Move),
+        route<MkCol>(Request::MkCol),       route<Head>(Request::Head),
+        route<Lock>(Request::Lock),         route<UnLock>(Request::UnLock),
     };
 }

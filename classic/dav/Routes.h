@@ -1,7 +1,7 @@
 #pragma once
 
-#include "server/Routes.h"
+#include "classic/http/Routes.h"
 
-/// The WebDAV methods. They answer every request of their methods, so rows with conditions of
+/// The WebDAV methods. They answer every request of their methods, so routes with conditions of
 /// their own go in front of these.
 Routes davRoutes();

@@ -1,57 +1,29 @@
 #include "classic/dav/SimpleMethods.h"
 
-#include <QFile>
-
 namespace {
 
-constexpr auto davLine = "DAV: 1,2";
-constexpr auto allowLine = "Allow: GET, POST, PUT, DELETE, OPTIONS, PROPFIND, COPY, MOVE, MKCOL, "
-                           "HEAD, LOCK, UNLOCK";
+constexpr auto extraLines = "DAV: 1,2\r\n"
+                            "Allow: GET, POST, PUT, DELETE, OPTIONS, PROPFIND, COPY, MOVE, MKCOL, "
+                            "HEAD, LOCK, UNLOCK\r\n";
 
 } // namespace
 
-Options::Options(Request *httpRequest)
-    : Dav(httpRequest, name)
-{
-}
-
 void Options::reply()
 {
-    QByteArray extra;
-    extra.reserve(128);
-    addLine(extra, davLine);
-    addLine(extra, allowLine);
-    sendHeader(DavStatus::ok, 0, extra);
+    sendHeader(DavStatus::ok, 0, extraLines);
 }
 
-Head::Head(Request *httpRequest)
-    : Dav(httpRequest, name)
+void Head::reply()
 {
+    answer(facts(requestedPath()).exists ? DavStatus::ok : DavStatus::notFound);
 }
 
-void Head::reply(const QFileInfo &shared)
+void Lock::reply()
 {
-    const bool exists = QFile::exists(pathIn(shared, request->path));
-    sendHeader(exists ? DavStatus::ok : DavStatus::notFound, 0);
-}
-
-Lock::Lock(Request *httpRequest)
-    : Dav(httpRequest, name)
-{
-}
-
-void Lock::reply(const QFileInfo &shared)
-{
-    const bool exists = QFile::exists(pathIn(shared, request->path));
-    sendHeader(exists ? "200 Locked" : DavStatus::notFound, 0);
-}
-
-UnLock::UnLock(Request *httpRequest)
-    : Dav(httpRequest, name)
-{
+    answer(facts(requestedPath()).exists ? "200 Locked" : DavStatus::notFound);
 }
 
 void UnLock::reply()
 {
-    sendHeader(DavStatus::ok, 0);
+    answer(DavStatus::ok);
 }

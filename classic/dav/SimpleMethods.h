@@ -7,11 +7,8 @@ class Options : public Dav
 {
     Q_OBJECT
 public:
-    static constexpr auto name = "O";
+    using Dav::Dav;
 
-    explicit Options(Request *request);
-
-    using Dav::reply;
     void reply() override;
 };
 
@@ -20,12 +17,9 @@ class Head : public Dav
 {
     Q_OBJECT
 public:
-    static constexpr auto name = "H";
+    using Dav::Dav;
 
-    explicit Head(Request *request);
-
-    using Dav::reply;
-    void reply(const QFileInfo &shared) override;
+    void reply() override;
 };
 
 /// LOCK: a nod for clients that insist on locking before they write. Nothing is locked.
@@ -33,12 +27,9 @@ class Lock : public Dav
 {
     Q_OBJECT
 public:
-    static constexpr auto name = "L";
+    using Dav::Dav;
 
-    explicit Lock(Request *request);
-
-    using Dav::reply;
-    void reply(const QFileInfo &shared) override;
+    void reply() override;
 };
 
 /// UNLOCK: always fine.
@@ -46,10 +37,7 @@ class UnLock : public Dav
 {
     Q_OBJECT
 public:
-    static constexpr auto name = "UL";
+    using Dav::Dav;
 
-    explicit UnLock(Request *request);
-
-    using Dav::reply;
     void reply() override;
 };

@@ -1,204 +1,219 @@
 #include "classic/listing/ClientListing.h"
 
-#include "classic/pages/BrowserPages.h"
-#include "classic/pages/Entry.h"
+#include "classic/pages/ListedEntry.h"
+#include "classic/pages/SharedPreviews.h"
 #include "config/Profile.h"
+#include "files/DiskJob.h"
+#include "files/DiskWorker.h"
+#include "files/Path.h"
+#include "files/Share.h"
 
-#include <QDirIterator>
 #include <QElapsedTimer>
+#include <QFile>
+#include <QFileInfo>
 
-#include <queue>
-#include <algorithm>
 #include <chrono>
-#include <memory>
-#include <utility>
 
 using namespace std::chrono_literals;
 
 namespace {
 
 constexpr std::chrono::milliseconds sliceTime = 2ms;
-constexpr int sliceBytes = 64 * 1024;
+constexpr int sliceBytes = 32 * 1024;
 
 /// What a folder's listing holds: files, folders, and links to anything that exists.
-bool isListed(const QFileInfo &entry)
+bool isListed(const EntryFacts &entry)
 {
-    return (entry.isFile() || entry.isDir() || (entry.isSymLink() && entry.exists()))
-        && entry.isReadable();
+    return (entry.file || entry.folder || (entry.link && entry.exists)) && entry.readable;
 }
 
 /// A line break in a name would read as the start of another record.
-bool fitsOneLine(const QString &name)
+bool fitsOneLine(const QByteArray &name)
 {
-    return !name.contains(QLatin1Char('\n')) && !name.contains(QLatin1Char('\r'));
+    return !name.contains('\n') && !name.contains('\r');
 }
 
-struct Name
+void addLine(QByteArray &lines, const QByteArray &text = {})
 {
-    QString key; ///< lower case
-    QString name;
-};
+    lines.append(text).append("\r\n");
+}
 
-/// Clients show entries in the order they come: by name, in any case.
-struct ComesLater
+QByteArray timeText(qint64 modified)
 {
-    bool operator()(const Name &left, const Name &right) const
-    {
-        const int order = left.key.compare(right.key);
-        return order > 0 || (order == 0 && left.name > right.name);
-    }
-};
+    return QByteArray::number(clientTime(modified));
+}
+
+QByteArray nativeOf(const QByteArray &utf8Path)
+{
+    return nativePath(QString::fromUtf8(utf8Path));
+}
 
 } // namespace
 
-/// A folder that is being listed. All of its names are read before the first is sent; they are
-/// sorted as they go, a heap, so that no slice has to sort a large folder whole.
-struct ClientListing::Folder
+/// Frees the names of folders. With many of them that takes too long for the event loop.
+class ClientListing::Discard final : public DiskJob
 {
-    QString path; ///< ends in "/"
-    QByteArray prefix; ///< what its lines begin with, ends in "/"
-    QString canonicalPath;
-    std::unique_ptr<QDirIterator> unread; ///< null once all names were read
-    std::priority_queue<Name, std::vector<Name>, ComesLater> names; ///< yet to be sent
+public:
+    explicit Discard(std::vector<Level> unwanted)
+        : levels(std::move(unwanted))
+    {
+    }
+
+    bool run(const Budget &until) override
+    {
+        if (until.mayBlock())
+            levels.clear();
+        return until.mayBlock();
+    }
+
+private:
+    std::vector<Level> levels;
 };
 
-ClientListing::ClientListing(Request *httpRequest)
-    : Responder(httpRequest)
+bool ClientListing::ComesLater::operator()(const Found &left, const Found &right) const
 {
-    connect(&request->channel, &Channel::drained, this, &ClientListing::resume);
-    connect(&request->channel, &Channel::replyEnded, this, &ClientListing::stop);
+    const int order = left.key.compare(right.key);
+    return order > 0 || (order == 0 && left.name > right.name);
 }
 
-ClientListing::~ClientListing() = default;
+ClientListing::ClientListing(Exchange &current)
+    : Responder(current)
+{
+}
 
-void ClientListing::reply(const QFileInfo &shared, Profile *profile)
+void ClientListing::reply()
 {
     stop();
-    const QString previews = request->field("i");
-    if (!previews.isEmpty())
-        return switchThumbnails(profile, previews == QLatin1String("1"));
-
-    filter.init(request->url);
-    thumbnails = profile->showsThumbnails();
-    showHidden = request->session()->showHidden;
-    list(QFileInfo(shared.absoluteFilePath() + request->path));
+    Profile &profile = *exchange.service.profile;
+    const QString previews = request.field("i");
+    if (!previews.isEmpty()) {
+        profile.showImages = previews == QLatin1String("1") ? Qt::Checked : Qt::Unchecked;
+        return channel.write({}, true);
+    }
+    filter.init(request.fields());
+    thumbnails = profile.showsThumbnails();
+    showHidden = exchange.session()->showHidden;
+    share = exchange.service.share;
+    root = exchange.service.shared.absoluteFilePath().toUtf8();
+    list();
 }
 
-void ClientListing::switchThumbnails(Profile *profile, bool on)
+void ClientListing::list()
 {
-    profile->showImages = on ? Qt::Checked : Qt::Unchecked;
-    request->channel.write({}, true);
-}
-
-void ClientListing::list(const QFileInfo &target)
-{
-    const QByteArray prefix = request->path.toUtf8();
-    const bool possible = !request->path.contains(QChar::Null);
-    const EntryFacts facts = possible ? entryFacts(target.filePath()) : EntryFacts();
+    const QByteArray path = request.path.toUtf8();
+    const EntryFacts facts = share ? share->facts(nativePath(request.path)) : EntryFacts();
     if (!facts.exists)
         return finish();
 
-    if (prefix.endsWith('/')) {
-        sendDir(prefix, target.filePath(), target.canonicalFilePath());
+    if (path.endsWith('/')) {
+        if (!enter(path))
+            return finish();
         state = State::Walking;
         return walk();
     }
-    sendFile(prefix, target, facts);
-    request->channel.write(std::exchange(buffer, {}), true);
+    const QString name = QFileInfo(request.path).fileName();
+    sendFile(path, { {}, name, facts.size, facts.modified(), facts.folder });
+    channel.write(std::exchange(buffer, {}), true);
 }
 
-void ClientListing::sendDir(const QByteArray &prefix, const QString &path,
-                            const QString &canonicalPath)
+void ClientListing::sendFile(const QByteArray &path, const Found &file)
 {
-    Folder folder;
-    folder.path = path;
-    folder.prefix = prefix;
-    folder.canonicalPath = canonicalPath;
-    // Everything, so that no step has to pass over many entries: `readName` chooses.
-    folder.unread = std::make_unique<QDirIterator>(
-        path, QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot);
-    folders.push_back(std::move(folder));
+    addLine(buffer, QByteArray::number(file.size));
+    addLine(buffer, timeText(file.modified));
+    if (thumbnails)
+        addPicture(path, file);
+    addLine(buffer);
 }
 
-void ClientListing::sendFile(const QByteArray &prefix, const QFileInfo &file,
-                             const EntryFacts &facts)
+void ClientListing::sendEntry(const Found &entry)
 {
-    addLine(buffer, QByteArray::number(facts.size));
-    addLine(buffer, QByteArray::number(clientTime(facts.modified)));
-    addLine(buffer, thumbnails ? picture(prefix, file, facts) : QByteArray());
+    const QByteArray path = prefix + entry.name.toUtf8();
+    if (entry.folder)
+        return sendFolder(path + '/', entry);
+    addLine(buffer, path);
+    sendFile(path, entry);
 }
 
-void ClientListing::sendEntry(const QString &name)
+void ClientListing::sendFolder(const QByteArray &path, const Found &folder)
 {
-    const Folder &folder = folders.back();
-    const QFileInfo entry(folder.path + name);
-    const EntryFacts facts = entryFacts(entry.filePath());
-    if (!facts.exists || !filter.accept(name, facts))
-        return;
-
-    const QByteArray line = folder.prefix + name.toUtf8();
-    if (facts.folder)
-        return sendFolder(line + '/', entry, facts);
-    addLine(buffer, line);
-    sendFile(folder.prefix, entry, facts);
-}
-
-void ClientListing::sendFolder(const QByteArray &line, const QFileInfo &entry,
-                               const EntryFacts &facts)
-{
-    if (!filter.isRecursive()) {
-        addLine(buffer, line);
-        addLine(buffer, QByteArray::number(clientTime(facts.modified)));
+    if (filter.isRecursive()) {
+        enter(path);
         return;
     }
-    const QString canonicalPath = entry.canonicalFilePath();
-    if (!isOnPath(canonicalPath))
-        sendDir(line, entry.filePath() + QLatin1Char('/'), canonicalPath);
+    addLine(buffer, path);
+    addLine(buffer, timeText(folder.modified));
 }
 
-QByteArray ClientListing::picture(const QByteArray &prefix, const QFileInfo &file,
-                                  const EntryFacts &facts) const
+void ClientListing::addPicture(const QByteArray &path, const Found &file)
 {
-    HTML_Element_Manager &manager = BrowserPages::previews;
-    const ListedEntry element = folders.empty()
-        ? manager.toHTML(file)
-        : manager.toHTML(file, facts, folders.back().canonicalPath);
-    QByteArray reference;
-    element.toMC(&reference, prefix.left(prefix.lastIndexOf('/') + 1));
-    return reference;
+    const ListedEntry entry({ nativePath(file.name), file.size, file.modified, file.folder });
+    Previews::State preview = Previews::State::Failed;
+    if (entry.needsPreview()) {
+        const QByteArray native = nativeOf(path);
+        preview = askForPreview(exchange.service.setup.previews, share, native,
+                                share->facts(native), entry.extension(), Urgency::Listed);
+    }
+    entry.addReference(&buffer, path, root, preview);
 }
 
-/// Links may lead back to a folder that is being listed; entering it again would never end.
-bool ClientListing::isOnPath(const QString &canonicalPath) const
+/// Goes down into a folder. False when it can't be read, or is being listed already: links may
+/// lead back, and entering it again would never end.
+bool ClientListing::enter(const QByteArray &path)
 {
-    return std::any_of(folders.cbegin(), folders.cend(), [&canonicalPath](const Folder &folder) {
-        return folder.canonicalPath == canonicalPath;
-    });
+    std::optional<FolderReader> reader = share->openFolder(nativeOf(path));
+    if (!reader)
+        return false;
+    const EntryFacts facts = openFacts(reader->descriptor());
+    const Identity identity(facts.device, facts.inode);
+    if (!onPath.insert(identity).second)
+        return false;
+    prefix = path;
+    levels.push_back({ int(prefix.size()), identity, {} });
+    unread.emplace(std::move(*reader));
+    return true;
 }
 
-void ClientListing::readName(Folder &folder) const
+void ClientListing::leave()
 {
-    if (!folder.unread->hasNext())
-        return folder.unread.reset();
+    onPath.erase(levels.back().identity);
+    levels.pop_back();
+    if (!levels.empty())
+        prefix.truncate(levels.back().prefixSize);
+}
 
-    folder.unread->next();
-    const QString name = folder.unread->fileName();
-    const bool visible = showHidden || !name.startsWith(QLatin1Char('.'));
-    if (visible && isListed(folder.unread->fileInfo()) && fitsOneLine(name))
-        folder.names.push({ name.toLower(), name });
+void ClientListing::readEntry()
+{
+    FolderReader::Item item;
+    if (!unread->next(item))
+        return unread.reset();
+
+    const QByteArray nativeName(item.name);
+    if (!isVisible(nativeName))
+        return;
+    const EntryFacts facts = unread->facts(item);
+    const QString name = QFile::decodeName(nativeName);
+    if (isListed(facts) && filter.accept(name, facts))
+        levels.back().entries.push(
+            { name.toLower(), name, facts.size, facts.modified(), facts.folder });
+}
+
+bool ClientListing::isVisible(const QByteArray &nativeName) const
+{
+    const bool hidden = nativeName.startsWith('.');
+    return (showHidden || !hidden) && fitsOneLine(nativeName) && isSpellable(nativeName);
 }
 
 void ClientListing::step()
 {
-    Folder &folder = folders.back();
-    if (folder.unread)
-        return readName(folder);
-    if (folder.names.empty())
-        return folders.pop_back();
+    if (unread)
+        return readEntry();
+    Level &level = levels.back();
+    if (level.entries.empty())
+        return leave();
 
-    const QString name = folder.names.top().name;
-    folder.names.pop();
-    sendEntry(name);
+    const Found entry = level.entries.top();
+    level.entries.pop();
+    sendEntry(entry);
 }
 
 void ClientListing::walk()
@@ -209,15 +224,14 @@ void ClientListing::walk()
 
     QElapsedTimer clock;
     clock.start();
-    while (!folders.empty() && buffer.size() < sliceBytes && !clock.hasExpired(sliceTime.count()))
+    while (!levels.empty() && buffer.size() < sliceBytes && !clock.hasExpired(sliceTime.count()))
         step();
-    if (folders.empty())
+    if (levels.empty())
         return finish();
 
-    request->channel.write(std::exchange(buffer, {}), false);
-    if (state != State::Walking)
-        return; // the connection broke
-    if (request->channel.isCongested())
+    if (!buffer.isEmpty())
+        channel.write(std::exchange(buffer, {}), false);
+    if (channel.isCongested())
         state = State::Paused;
     else
         schedule();
@@ -230,7 +244,7 @@ void ClientListing::schedule()
         QMetaObject::invokeMethod(this, &ClientListing::walk, Qt::QueuedConnection);
 }
 
-void ClientListing::resume()
+void ClientListing::drained()
 {
     if (state != State::Paused)
         return;
@@ -241,12 +255,17 @@ void ClientListing::resume()
 void ClientListing::finish()
 {
     addLine(buffer);
-    request->channel.write(std::exchange(buffer, {}), true);
+    channel.write(std::exchange(buffer, {}), true);
 }
 
 void ClientListing::stop()
 {
-    folders.clear();
+    if (!levels.empty())
+        exchange.service.setup.disk->run(std::make_shared<Discard>(std::move(levels)), nullptr, {});
+    levels.clear();
+    onPath.clear();
+    unread.reset();
+    share.reset();
     buffer.clear();
     state = State::Idle;
 }

@@ -1,35 +1,67 @@
 #pragma once
 
+#include "classic/http/Responder.h"
 #include "classic/listing/Filter.h"
-#include "server/Responder.h"
+#include "files/FolderReader.h"
 
 #include <QByteArray>
 #include <QString>
 
+#include <queue>
+#include <deque>
+#include <memory>
+#include <optional>
+#include <set>
+#include <utility>
 #include <vector>
 
-struct EntryFacts;
+class Share;
 
 /// Lists files for the desktop client: lines alone, without a status line or header.
-/// Kept by its connection for the next request. A long listing is made in slices, between which
-/// the event loop serves other clients; it stops when its reply ends or the peer is lost.
-class ClientListing : public Responder
+/// Kept by its face for the next request. A long listing is made in slices, between which the
+/// event loop serves other clients; it stops when its reply ends or the peer is lost.
+class ClientListing final : public Responder
 {
     Q_OBJECT
 public:
-    explicit ClientListing(Request *request);
-    ~ClientListing() override;
+    explicit ClientListing(Exchange &current);
 
-    using Responder::reply;
-    using Responder::sendFile;
+    /// Lists the folder or file at the request's path; a lone empty line for a missing one. The
+    /// query selects (`Filter`), or only switches the previews of the profile, until it is loaded
+    /// again.
+    void reply() override;
 
-    /// Lists the folder or file at the request's path below `shared`; a lone empty line for a
-    /// missing one. The query selects (`Filter`), or only switches the previews of `profile`,
-    /// until it is loaded again.
-    void reply(const QFileInfo &shared, Profile *profile) override;
+    void drained() override;
+    void replyEnded() override { stop(); }
 
 private:
-    struct Folder;
+    using Identity = std::pair<dev_t, ino_t>;
+
+    struct Found
+    {
+        QString key; ///< lower case
+        QString name;
+        qint64 size; ///< bytes
+        qint64 modified; ///< milliseconds since 1970-01-01 UTC
+        bool folder;
+    };
+
+    /// Clients show entries in the order they come: by name, in any case.
+    struct ComesLater
+    {
+        bool operator()(const Found &left, const Found &right) const;
+    };
+
+    /// A folder that is being listed. All of its names are read before the first is sent; they are
+    /// sorted as they go, a heap, so that no slice has to sort a large folder whole.
+    struct Level
+    {
+        int prefixSize; ///< of its lines
+        Identity identity;
+        std::priority_queue<Found, std::deque<Found>, ComesLater> entries; ///< yet to be sent
+    };
+
+    class Discard;
 
     enum class State {
         Idle,
@@ -37,29 +69,31 @@ private:
         Paused ///< until the peer has taken what waits to be sent
     };
 
-    void switchThumbnails(Profile *profile, bool on);
-    void list(const QFileInfo &target);
-    void sendDir(const QByteArray &prefix, const QString &path, const QString &canonicalPath);
-    void sendFile(const QByteArray &prefix, const QFileInfo &file, const EntryFacts &facts);
-    void sendEntry(const QString &name);
-    void sendFolder(const QByteArray &line, const QFileInfo &entry, const EntryFacts &facts);
-    QByteArray picture(const QByteArray &prefix, const QFileInfo &file,
-                       const EntryFacts &facts) const;
-
-    bool isOnPath(const QString &canonicalPath) const;
-    void readName(Folder &folder) const;
+    void list();
+    void sendFile(const QByteArray &path, const Found &file);
+    void sendEntry(const Found &entry);
+    void sendFolder(const QByteArray &path, const Found &folder);
+    void addPicture(const QByteArray &path, const Found &file);
+    bool enter(const QByteArray &path);
+    void leave();
+    void readEntry();
+    bool isVisible(const QByteArray &nativeName) const;
     void step();
     void walk();
     void schedule();
-    void resume();
     void finish();
     void stop();
 
     bool thumbnails = false;
     bool showHidden = false;
     Filter filter;
+    std::shared_ptr<const Share> share; ///< of this request, also when another is shared meanwhile
+    QByteArray root; ///< the path of the share on disk, UTF-8
     QByteArray buffer; ///< lines not yet written
-    std::vector<Folder> folders; ///< from the top of the listing down to the current one
+    QByteArray prefix; ///< what the lines of the current folder begin with, ends in "/"
+    std::vector<Level> levels; ///< from the top of the listing down to the current one
+    std::set<Identity> onPath; ///< the same folders
+    std::optional<FolderReader> unread; ///< the current one, until all of its names were read
     State state = State::Idle;
     bool scheduled = false; ///< a slice is queued
 };

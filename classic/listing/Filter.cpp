@@ -1,9 +1,8 @@
 #include "classic/listing/Filter.h"
 
-#include "classic/pages/Entry.h"
+#include "files/Entry.h"
 
 #include <QDateTime>
-#include <QUrl>
 #include <QUrlQuery>
 
 #include <algorithm>
@@ -115,10 +114,9 @@ quint32 clientTime(qint64 milliseconds)
     return seconds < 0 || seconds > largest ? largest : quint32(seconds);
 }
 
-void Filter::init(const QUrl &url)
+void Filter::init(const QUrlQuery &query)
 {
     *this = Filter();
-    const QUrlQuery query(url);
     recursive = !item(query, "r").isEmpty();
     size1 = sizeLimit(item(query, "s1"));
     size1Op = comparison(item(query, "s1o"));
@@ -136,7 +134,7 @@ void Filter::init(const QUrl &url)
 bool Filter::accept(const QString &name, const EntryFacts &facts) const
 {
     return facts.folder
-        || (acceptSize(facts.size) && acceptName(name) && acceptTime(facts.modified));
+        || (acceptSize(facts.size) && acceptName(name) && acceptTime(facts.modified()));
 }
 
 bool Filter::accept(int op, qint64 limit, qint64 value)

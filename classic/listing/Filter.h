@@ -5,7 +5,7 @@
 
 class QDateTime;
 class QString;
-class QUrl;
+class QUrlQuery;
 struct EntryFacts;
 
 /// Which files a client's listing reports, as the query of its request says. Folders pass every
@@ -13,9 +13,9 @@ struct EntryFacts;
 class Filter
 {
 public:
-    /// Forgets what was set and reads the query of `url`. What it lacks, and what can't be read
-    /// as a number or a date, sets no condition.
-    void init(const QUrl &url);
+    /// Forgets what was set and reads `query`. What it lacks, and what can't be read as a number
+    /// or a date, sets no condition.
+    void init(const QUrlQuery &query);
 
     /// Whether the listing reports the entry `name` of these facts.
     bool accept(const QString &name, const EntryFacts &facts) const;

@@ -1,17 +1,16 @@
 #include "classic/pages/BrowserPages.h"
 
-#include "classic/dav/DeleteDir.h"
-#include "classic/pages/FolderListing.h"
-#include "classic/pages/ListingPage.h"
-#include "classic/pages/Markup.h"
+#include "classic/pages/SelectionRemoval.h"
+#include "classic/pages/SharedPreviews.h"
 #include "config/Profile.h"
+#include "files/DiskWorker.h"
+#include "files/Path.h"
 
 #include <QDir>
-#include <QFile>
-#include <QUrlQuery>
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace {
 
@@ -20,14 +19,18 @@ constexpr auto launchType = "application/x-java-jnlp-file; charset=UTF-8";
 constexpr auto launchDisposition =
     "Content-Disposition: attachment; filename=\"filemanager.jnlp\"\r\n";
 
-constexpr auto iconUrl = "/_i/";
-constexpr auto previewUrl = "/_t/";
-constexpr int specialUrlSize = 4;
-
+constexpr int specialUrlSize = 4; ///< of "/_i/" and its like
 constexpr auto actionField = "a";
-constexpr auto folderField = "d"; ///< the check box of a folder
+constexpr auto uploadAction = "";
+const QLatin1Char slash('/');
 
-const char *uploadMessage(int result)
+constexpr int maxItemsPerPage = 10000;
+constexpr int maxMessage = 8192; ///< bytes that a session keeps for its next page
+
+constexpr auto uploadsOff = "File send failed: Uploads are not allowed.";
+constexpr auto folderFailed = "Create new folder failed";
+
+const char *uploadMessage(SaveResult result)
 {
     switch (result) {
     case Saved:
@@ -45,50 +48,21 @@ const char *uploadMessage(int result)
     }
 }
 
-/// Whether a form field names the listed folder itself.
-bool isListedFolder(const QString &name)
-{
-    const QString clean = QDir::cleanPath(QLatin1Char('/') + name);
-    return clean == QLatin1String("/");
-}
-
-/// Browsers post a line feed in a name as CR LF.
-QString existingEntry(const QString &path)
-{
-    const QLatin1String posted("\r\n");
-    if (!path.contains(posted) || QFileInfo(path).isSymLink() || QFile::exists(path))
-        return path;
-    return QString(path).replace(posted, QLatin1String("\n"));
-}
-
-/// What can be seen at all: folders only while they may be browsed.
-QDir::Filters listingFilter(bool folders, bool hidden)
-{
-    QDir::Filters filter = QDir::Files;
-    if (folders)
-        filter |= QDir::AllDirs | QDir::Readable | QDir::NoDotAndDotDot;
-    if (hidden)
-        filter |= QDir::Hidden;
-    return filter;
-}
-
 } // namespace
 
-HTML_Element_Manager BrowserPages::previews;
-
-BrowserPages::BrowserPages(Profile *profile, Request *httpRequest)
-    : FileReply(profile, httpRequest)
+BrowserPages::BrowserPages(Exchange &current)
+    : FileReply(current)
+    , listing(current, [this](const QByteArray &status, qint64 length) {
+        setContentType(htmlType);
+        sendHeader(status, length);
+    })
 {
-    setObjectName(QStringLiteral("SD"));
 }
 
-void BrowserPages::reply(const QFileInfo &shared)
+void BrowserPages::reply()
 {
-    root = shared.absoluteFilePath();
-    thumbnails = config->showsThumbnails();
-    deleteAllowed = config->allowsDelete();
-    const bool posted = request->methodCode == Request::Post;
-    if (posted && act(request->field(actionField)) == Then::Nothing)
+    const bool posted = request.methodCode == Request::Post;
+    if (posted && act() == Then::Nothing)
         return;
     servePath();
 }
@@ -96,195 +70,198 @@ void BrowserPages::reply(const QFileInfo &shared)
 const BrowserPages::PostAction *BrowserPages::findAction(const QString &value)
 {
     static constexpr std::array<PostAction, 12> actions{ {
-        { "up", &BrowserPages::sendUpload },
+        { "up", &BrowserPages::sendUpload, uploadsOff },
         { "upm", &BrowserPages::sendFileBrowser },
         { "upfm", &BrowserPages::sendJNLP },
-        { "cf", &BrowserPages::sendCreate },
+        { "cf", &BrowserPages::sendCreate, folderFailed },
         { "c", &BrowserPages::setItemsPerPage },
         { "n", &BrowserPages::sortByName },
         { "s", &BrowserPages::sortBySize },
         { "t", &BrowserPages::sortByTime },
         { "del", &BrowserPages::deleteSelected },
-        { "cfd", &BrowserPages::createFolder },
-        { "", &BrowserPages::receiveUpload },
+        { "cfd", &BrowserPages::createFolder, folderFailed },
+        { uploadAction, &BrowserPages::receiveUpload, uploadsOff },
         { "log", &BrowserPages::goOn },
     } };
 
-    for (const PostAction &action : actions) {
-        if (value == QLatin1String(action.value))
-            return &action;
-    }
-    return nullptr;
+    const auto *const found =
+        std::find_if(actions.begin(), actions.end(), [&value](const PostAction &action) {
+            return value == QLatin1String(action.value);
+        });
+    return found == actions.end() ? nullptr : found;
 }
 
-BrowserPages::Then BrowserPages::act(const QString &value)
+BrowserPages::Then BrowserPages::act()
 {
     // The form of a listing's second page still carries that page's "a" in its URL.
-    if (request->isMultipart())
-        return receiveUpload();
-    if (const PostAction *action = findAction(value))
-        return (this->*action->act)();
-    request->session()->message = "Unknown request " + value.toUtf8();
-    return Then::ServePath;
+    const QString value =
+        request.isMultipart() ? QLatin1String(uploadAction) : request.field(actionField);
+    const PostAction *action = findAction(value);
+    if (!action) {
+        tell("Unknown request " + value.toUtf8());
+        return Then::ServePath;
+    }
+    if (action->refusal && !exchange.service.profile->allowsUpload()) {
+        tell(action->refusal);
+        return Then::ServePath;
+    }
+    return (this->*action->act)();
 }
 
 BrowserPages::Then BrowserPages::sendUpload()
 {
-    sendPage("200 OK", uploadPage(request->path.toUtf8(), thumbnails));
+    sendPage(uploadPage(request.path.toUtf8(), exchange.service.profile->showsThumbnails()));
     return Then::Nothing;
 }
 
 BrowserPages::Then BrowserPages::sendCreate()
 {
-    sendPage("200 OK", createPage(request->path.toUtf8(), thumbnails));
+    sendPage(createPage(request.path.toUtf8(), exchange.service.profile->showsThumbnails()));
     return Then::Nothing;
 }
 
 BrowserPages::Then BrowserPages::sendFileBrowser()
 {
-    sendPage("200 OK", appletPage(launch()));
+    sendPage(appletPage(launch()));
     return Then::Nothing;
 }
 
 BrowserPages::Then BrowserPages::sendJNLP()
 {
-    const QByteArray scheme = config->usesTls() ? "https" : "http";
-    contentType = launchType;
-    sendBody("200 OK", launchDescriptor(scheme + "://" + request->host + '/', launch()),
+    const QByteArray scheme = exchange.service.profile->usesTls() ? "https" : "http";
+    setContentType(launchType);
+    sendBody("200 OK", launchDescriptor(scheme + "://" + request.host + '/', launch()),
              launchDisposition);
     return Then::Nothing;
 }
 
-ClientLaunch BrowserPages::launch() const
+ClientLaunch BrowserPages::launch()
 {
-    return { request->path.toUtf8(), request->session()->id, request->credentials };
+    return { request.path.toUtf8(), exchange.session()->id, request.credentials };
 }
 
 BrowserPages::Then BrowserPages::setItemsPerPage()
 {
-    request->session()->itemsPerPage = request->field("cv").toInt();
-    sendDir(diskPath());
+    exchange.session()->itemsPerPage = std::min(request.field("cv").toInt(), maxItemsPerPage);
+    listing.start();
     return Then::Nothing;
 }
 
 BrowserPages::Then BrowserPages::sortBy(SessionData::SortMode mode)
 {
-    request->session()->sortMode = mode;
+    exchange.session()->sortMode = mode;
     return Then::ServePath;
 }
 
 BrowserPages::Then BrowserPages::receiveUpload()
 {
-    saveFileTo(diskPath());
-    return Then::Nothing;
-}
-
-BrowserPages::Then BrowserPages::refuse()
-{
-    sendHeader("403 Forbidden", 0);
+    upload.start(request.path);
     return Then::Nothing;
 }
 
 BrowserPages::Then BrowserPages::deleteSelected()
 {
-    if (!deleteAllowed)
+    if (!exchange.service.profile->allowsDelete() || !exchange.service.share)
         return Then::ServePath;
-    const auto fields = QUrlQuery(request->url).queryItems(QUrl::FullyDecoded);
-    const bool climbing = std::any_of(fields.begin(), fields.end(),
-                                      [](const auto &field) { return climbsOut(field.second); });
-    if (climbing)
-        return refuse();
-
-    removedCount = 0;
-    for (const auto &[field, name] : fields) {
-        if (field != QLatin1String(actionField) && !isListedFolder(name))
-            removeEntry(field, name);
-    }
-    request->session()->message += QByteArray::number(removedCount) + " file removed. ";
-    return Then::ServePath;
+    const auto removal = std::make_shared<SelectionRemoval>(
+        exchange.service.share, request.path,
+        exchange.service.shared.absoluteFilePath() + request.path, request.fields());
+    exchange.service.setup.disk->run(removal, this,
+                                     [this, removal] { selectionRemoved(*removal); });
+    return Then::Nothing;
 }
 
-void BrowserPages::removeEntry(const QString &field, const QString &name)
+void BrowserPages::selectionRemoved(const SelectionRemoval &removal)
 {
-    const QString target = root + request->path + QLatin1Char('/') + name;
-    const QString path = existingEntry(QDir::cleanPath(target));
-    if (field != QLatin1String(folderField)) {
-        if (QFile::remove(path))
-            ++removedCount;
+    if (!removal.isForbidden())
+        tell(removal.message());
+    if (!channel.canAnswer())
         return;
-    }
-    DeleteDir folder(path);
-    if (!folder.deleteDir())
-        request->session()->message += " delete " + toAscii(target) + " failed,";
-    removedCount += folder.getDeleted();
+    if (removal.isForbidden())
+        return sendHeader("403 Forbidden", 0);
+    servePath();
 }
 
 BrowserPages::Then BrowserPages::createFolder()
 {
-    const QString name = request->field("f");
-    if (climbsOut(name))
-        return refuse();
-    QByteArray &message = request->session()->message;
-    const QString folder = QDir::cleanPath(diskPath() + QLatin1Char('/') + name);
-    if (QFileInfo(folder).isDir())
-        message = "Folder create failed: Folder exists";
-    else if (QDir().mkpath(folder))
-        message = "New folder created";
+    const QString name = request.field("f");
+    if (climbsOut(name)) {
+        sendHeader("403 Forbidden", 0);
+        return Then::Nothing;
+    }
+    const Share *share = exchange.service.share.get();
+    const QByteArray folder = nativePath(request.path + slash + name);
+    if (share && share->facts(folder).folder)
+        tell("Folder create failed: Folder exists");
+    else if (share && share->makeFolders(folder) == 0)
+        tell("New folder created");
     else
-        message = "Create new folder failed";
+        tell(folderFailed);
     return Then::ServePath;
 }
 
-/// Without "." and "..", so that a link can't be left by its back door.
-QString BrowserPages::diskPath() const
+void BrowserPages::uploadDone(SaveResult result)
 {
-    return QDir::cleanPath(root + request->path);
+    tell(uploadMessage(result));
+    const bool broken = result == ReadFailed || !channel.canAnswer();
+    if (!broken)
+        return listing.start();
+    // Nobody would see its page: the message waits for another connection.
+    channel.setKeepAlive(false);
+    channel.end();
 }
 
 void BrowserPages::servePath()
 {
-    const QString &path = request->path;
+    const QString &path = request.path;
     const QString rest = path.mid(specialUrlSize);
     if (path.startsWith(QLatin1String(iconUrl)))
-        return sendFile(request->directories->icons + rest);
+        return sendInstalled(exchange.service.setup.directories.icons + rest);
     if (path.startsWith(QLatin1String(previewUrl)))
-        return sendFile(previews.getTempFile(rest));
+        return sendPreview(rest);
 
-    const QString target = diskPath();
-    if (!QFileInfo(target).isDir())
-        return sendFile(path.endsWith(QLatin1Char('/')) ? target + QLatin1Char('/') : target);
-    if (request->field(actionField) == QLatin1String("p"))
-        request->session()->page = request->field("p").toInt();
-    sendDir(target);
+    const Share *share = exchange.service.share.get();
+    const bool isFolder = share && share->facts(nativePath(path)).folder;
+    if (!isFolder)
+        return sendEntry();
+    if (request.field(actionField) == QLatin1String("p"))
+        exchange.session()->page = request.field("p").toInt();
+    listing.start();
 }
 
-void BrowserPages::sendDir(const QString &folder)
+/// A file, or what is told of one that isn't there.
+void BrowserPages::sendEntry()
 {
-    SessionData &session = *request->session();
-    const FolderListing listing(folder, listingFilter(config->showsFolders(), session.showHidden),
-                                session.sortMode);
-    const ListingPage::Options options{ request->path, thumbnails ? &previews : nullptr,
-                                        deleteAllowed, config->allowsUpload() };
-    ListingPage page(listing, options, session);
-    sendPage(page.isComplete() ? "200 OK" : "202 Accepted", page.render());
+    if (request.path.endsWith(slash))
+        return sendShared(request.path, pathOnDisk() + slash);
+    sendShared(QDir::cleanPath(request.path), pathOnDisk());
 }
 
-void BrowserPages::sendPage(const QByteArray &status, const QByteArray &page)
+void BrowserPages::sendPreview(const QString &pathOnDisk)
 {
-    contentType = htmlType;
-    sendBody(status, page);
+    // Of six letters, as the name has always ended: no type is told by it.
+    const QLatin1String nameEnd(".sketch");
+    std::optional<OpenFile> preview = openPreview(exchange.service, pathOnDisk);
+    if (!preview)
+        return notFound({});
+    const QString name = QFileInfo(pathOnDisk).fileName() + nameEnd;
+    sendOpened(std::move(*preview), name);
 }
 
-void BrowserPages::sendBody(const QByteArray &status, const QByteArray &body,
-                            const QByteArray &extra)
+void BrowserPages::sendPage(const QByteArray &page)
 {
-    sendHeader(status, body.size(), extra);
-    request->channel.write(body, true);
+    setContentType(htmlType);
+    sendBody("200 OK", page);
 }
 
-void BrowserPages::reply(int result)
+/// For the session's next page. It takes the place of an older one, which nobody asked to see.
+void BrowserPages::tell(const QByteArray &message)
 {
-    finishUpload(result);
-    request->session()->message = uploadMessage(result);
-    sendDir(diskPath());
+    exchange.session()->message = message.left(maxMessage);
+}
+
+/// Of what the request names, without "." and "..".
+QString BrowserPages::pathOnDisk() const
+{
+    return QDir::cleanPath(exchange.service.shared.absoluteFilePath() + request.path);
 }

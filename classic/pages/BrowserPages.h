@@ -1,31 +1,31 @@
 #pragma once
 
-#include "classic/pages/HTML_Element_Manager.h"
+#include "classic/http/FileReply.h"
+#include "classic/pages/ListingReply.h"
 #include "classic/pages/Pages.h"
-#include "server/FileReply.h"
+
+class SelectionRemoval;
 
 /// Serves the shared folder to browsers: listings, forms, launch pages and what they ask for.
-/// Kept by its connection for the next request; all that outlives a request is in the session.
-class BrowserPages : public FileReply
+/// Kept by its face for the next request; all that outlives a request is in the session.
+class BrowserPages final : public FileReply
 {
     Q_OBJECT
 public:
-    /// Makes and keeps the previews for all servers of the process.
-    static HTML_Element_Manager previews;
+    explicit BrowserPages(Exchange &current);
 
-    /// Both are borrowed and outlive the connection.
-    BrowserPages(Profile *profile, Request *request);
+    void reply() override;
+    void drained() override { listing.drained(); }
+    void replyEnded() override { listing.stop(); }
 
-    using FileReply::reply;
-    void reply(const QFileInfo &shared) override;
-
-    /// An upload has ended: shows how, atop the listing of its folder.
-    void reply(int result) override;
+protected:
+    /// Shows how an upload ended, atop the listing of its folder.
+    void uploadDone(SaveResult result) override;
 
 private:
     /// What a posted action leaves to do.
     enum class Then {
-        Nothing, ///< it has answered
+        Nothing, ///< it has answered, or will
         ServePath ///< its effect shows in what the path gives
     };
 
@@ -33,11 +33,12 @@ private:
     {
         const char *value; ///< of the field "a"
         Then (BrowserPages::*act)();
+        const char *refusal = nullptr; ///< while uploads are off; null: it is none
     };
 
     static const PostAction *findAction(const QString &value);
 
-    Then act(const QString &value);
+    Then act();
     Then sendUpload();
     Then sendFileBrowser();
     Then sendJNLP();
@@ -48,21 +49,18 @@ private:
     Then sortByTime() { return sortBy(SessionData::ByTime); }
     Then sortBy(SessionData::SortMode mode);
     Then deleteSelected();
+    void selectionRemoved(const SelectionRemoval &removal);
     Then createFolder();
     Then receiveUpload();
     Then goOn() { return Then::ServePath; }
-    Then refuse();
 
     void servePath();
-    void sendDir(const QString &folder);
-    void sendPage(const QByteArray &status, const QByteArray &page);
-    void sendBody(const QByteArray &status, const QByteArray &body, const QByteArray &extra = {});
-    void removeEntry(const QString &field, const QString &name);
-    QString diskPath() const;
-    ClientLaunch launch() const;
+    void sendEntry();
+    void sendPreview(const QString &pathOnDisk);
+    void sendPage(const QByteArray &page);
+    void tell(const QByteArray &message);
+    QString pathOnDisk() const;
+    ClientLaunch launch();
 
-    bool deleteAllowed = false;
-    int removedCount = 0; ///< by the current delete action
-    bool thumbnails = false;
-    QString root; ///< absolute path of the shared folder
+    ListingReply listing;
 };

@@ -1,12 +1,9 @@
 #include "classic/pages/ListedEntry.h"
 
-#include "classic/pages/Cell.h"
 #include "classic/pages/Markup.h"
-#include "classic/pages/Preview.h"
+#include "classic/pages/SharedPreviews.h"
 
-#include <QDir>
 #include <QFile>
-#include <QTemporaryFile>
 
 #include <array>
 #include <utility>
@@ -19,7 +16,7 @@ struct IconRow
     const char *icon;
 };
 
-constexpr std::array<IconRow, 26> icons{ {
+constexpr std::array<IconRow, 28> icons{ {
     { "html", "html.png" },       { "doc", "doc.png" },         { "rtf", "doc.png" },
     { "pdf", "doc.png" },         { "pps", "doc.png" },         { "mp3", "music.png" },
     { "wav", "music.png" },       { "ogg", "music.png" },       { "aac", "music.png" },
@@ -28,161 +25,121 @@ constexpr std::array<IconRow, 26> icons{ {
     { "wmv", "media.png" },       { "m4a", "media.png" },       { "zip", "folder_tar.png" },
     { "rar", "folder_tar.png" },  { "gz", "folder_tar.png" },   { "txt", "txt.png" },
     { "xls", "sheet.png" },       { "exe", "application.png" }, { "bat", "application.png" },
-    { "cmd", "application.png" }, { "sh", "application.png" },
+    { "cmd", "application.png" }, { "sh", "application.png" },  { "jpg", "image.png" },
+    { "png", "image.png" },
 } };
 
-constexpr auto pictureIcon = "image.png";
-constexpr auto previewUrl = "/_t/";
-constexpr auto iconUrl = "/_i/";
+constexpr qint64 smallPictureBytes = 20000; ///< smaller ones are shown themselves
+constexpr auto imageStart = R"(<img src=")";
 constexpr auto imageEnd = R"(" vspace="8" align="center" border="0">)";
 
-bool isPicture(const QString &extension)
+bool isPicture(const QByteArray &extension)
 {
-    return extension == QLatin1String("jpg") || extension == QLatin1String("png");
+    return extension == "jpg" || extension == "png";
+}
+
+/// Null when there is none.
+const char *iconOf(const QByteArray &extension)
+{
+    for (const IconRow &row : icons) {
+        if (extension == row.extension)
+            return row.icon;
+    }
+    return nullptr;
 }
 
 } // namespace
 
-/// A finished preview on disk, which goes with its owner.
-class ListedEntry::TempFile
+ListedEntry::ListedEntry(FolderListing::Entry listed)
+    : entry(std::move(listed))
+    , name(QFile::decodeName(entry.name).toUtf8())
 {
-public:
-    explicit TempFile(QString fileName)
-        : name(std::move(fileName))
-    {
-    }
-    ~TempFile() { QFile::remove(name); }
-
-    QString fileName() const { return name; }
-
-private:
-    Q_DISABLE_COPY_MOVE(TempFile)
-
-    const QString name;
-};
-
-QString ListedEntry::previewFolder()
-{
-    return QDir::homePath() + QLatin1String("/.thumbnails");
-}
-
-ListedEntry::ListedEntry(const QFileInfo &entry)
-    : ListedEntry(entry, entryFacts(entry.filePath()))
-{
-}
-
-ListedEntry::ListedEntry(const QFileInfo &entry, const EntryFacts &entryFacts)
-    : info(entry)
-    , facts(entryFacts)
-    , ext(entry.fileName())
-{
-    const int dot = int(ext.lastIndexOf(QLatin1Char('.')));
+    const auto dot = name.lastIndexOf('.');
     if (dot < 1)
         return;
-    ext = ext.mid(dot + 1).toLower();
-    if (!isPicture(ext)) {
-        icon = getIcon(ext);
-        return;
-    }
-    if (facts.folder)
-        return;
-    ready = facts.size < smallPictureBytes;
-    icon = ready ? "" : pictureIcon;
+    ext = name.mid(dot + 1).toLower();
+    if (isPicture(ext) && !entry.folder)
+        picture = entry.size < smallPictureBytes ? Picture::Small : Picture::Large;
 }
 
-void ListedEntry::init()
+void ListedEntry::addCell(QByteArray *page, const CellFrame &frame, Previews::State preview) const
 {
-    const QImage picture = makePreview(info.filePath(), ext);
-    ready = !picture.isNull() && savePreview(picture);
-    if (!ready)
-        scaleFailed();
-}
-
-bool ListedEntry::savePreview(const QImage &picture)
-{
-    const QString folder = previewFolder();
-    QDir().mkpath(folder);
-    QTemporaryFile file(folder + QLatin1Char('/') + info.fileName());
-    if (!file.open() || file.fileName().isEmpty()) // it is named late, which may fail
-        return false;
-    // The format is named, since the file's name ends in its unique part.
-    const char *format = ext == QLatin1String("png") ? "PNG" : "JPEG";
-    if (!picture.save(&file, format) || !file.flush())
-        return false;
-    file.setAutoRemove(false);
-    tmp = std::make_shared<const TempFile>(file.fileName());
-    return true;
-}
-
-void ListedEntry::takePreview(const ListedEntry &other)
-{
-    tmp = other.tmp;
-    ready = true;
-}
-
-void ListedEntry::scaleFailed()
-{
-    deleteTmpFile();
-    ready = true;
-}
-
-QString ListedEntry::tempFileName() const
-{
-    return tmp ? tmp->fileName() : QString();
-}
-
-void ListedEntry::toHTML(QByteArray *page, const CellFrame &frame) const
-{
-    const QByteArray name = info.fileName().toUtf8();
-    addCellStart(page, frame, facts, name);
-    if (!icon.isNull()) {
-        page->append(R"(<img src=")");
-        addPicture(page, frame.urlFolder, name);
-        page->append(imageEnd);
-    }
+    addCellStart(page, frame);
+    addImage(page, frame, preview);
     page->append("<br>");
     addEscaped(page, name);
     page->append("<br>");
-    if (facts.folder) {
-        page->append(R"(<img src="/_i/folder.png)").append(imageEnd).append("</a>");
+    if (entry.folder) {
+        page->append(imageStart).append(iconUrl).append("folder.png").append(imageEnd);
+        page->append("</a>");
     } else {
         page->append("</a>");
-        addFileFacts(page, frame, facts);
+        addFileFacts(page, frame);
     }
     page->append("</td>");
 }
 
-void ListedEntry::addPicture(QByteArray *page, const QByteArray &urlFolder,
-                             const QByteArray &name) const
+void ListedEntry::addPlainCell(QByteArray *page, const CellFrame &frame) const
 {
-    if (icon.isEmpty()) {
-        page->append(urlFolder);
+    addCellStart(page, frame);
+    addEscaped(page, name);
+    page->append("</a><br>");
+    if (entry.folder)
+        page->append(frame.folderText);
+    else
+        addFileFacts(page, frame);
+    page->append("</td>");
+}
+
+/// As far as the start tag of the link.
+void ListedEntry::addCellStart(QByteArray *page, const CellFrame &frame) const
+{
+    page->append(R"(<td align="center" width="200">)");
+    if (frame.withCheckbox) {
+        // The delete action tells folders from files by these names.
+        page->append(R"(<input type="checkbox" name=")").append(entry.folder ? "d" : "f");
+        page->append(R"(" value=")");
+        addEscaped(page, name);
+        page->append(R"("> )");
+    }
+    page->append(R"(<a href=")").append(frame.urlFolder);
+    addEncodedPath(page, name);
+    page->append(R"(">)");
+}
+
+void ListedEntry::addFileFacts(QByteArray *page, const CellFrame &frame) const
+{
+    addSize(page, entry.size);
+    page->append("<br>").append(frame.dates->text(entry.modified));
+}
+
+void ListedEntry::addImage(QByteArray *page, const CellFrame &frame, Previews::State preview) const
+{
+    const char *icon = iconOf(ext);
+    const bool folderOfPictures = entry.folder && isPicture(ext);
+    if (!icon || folderOfPictures)
+        return;
+    page->append(imageStart);
+    if (picture == Picture::Small) {
+        page->append(frame.urlFolder);
         addEncodedPath(page, name);
-    } else if (ready && tmp) {
-        page->append(previewUrl);
-        addEncodedPath(page, info.filePath().toUtf8());
+    } else if (picture == Picture::Large && preview == Previews::State::Ready) {
+        page->append(frame.previewFolder);
+        addEncodedPath(page, name);
     } else {
         page->append(iconUrl).append(icon);
     }
+    page->append(imageEnd);
 }
 
-void ListedEntry::toMC(QByteArray *out, const QByteArray &urlFolder) const
+void ListedEntry::addReference(QByteArray *out, const QByteArray &urlPath, const QByteArray &root,
+                               Previews::State preview) const
 {
-    if (icon.isNull())
+    if (picture == Picture::Small)
+        out->append(urlPath);
+    if (picture != Picture::Large || preview == Previews::State::Failed)
         return;
-    if (icon.isEmpty())
-        out->append(urlFolder).append(info.fileName().toUtf8());
-    else if (!ready)
-        out->append(previewUrl);
-    else if (tmp)
-        out->append(previewUrl).append(info.filePath().toUtf8());
-}
-
-QByteArray ListedEntry::getIcon(const QString &extension)
-{
-    for (const IconRow &row : icons) {
-        if (extension == QLatin1String(row.extension))
-            return row.icon;
-    }
-    return {};
+    out->append(previewUrl);
+    if (preview == Previews::State::Ready)
+        out->append(root).append(urlPath);
 }

@@ -1,74 +1,58 @@
 #pragma once
 
-#include "classic/pages/Entry.h"
+#include "classic/pages/ShortDates.h"
+#include "files/FolderListing.h"
+#include "files/Previews.h"
 
 #include <QByteArray>
-#include <QFileInfo>
-#include <QString>
 
-#include <memory>
+/// What the cells of one page have in common. Lives while the page is made.
+struct CellFrame
+{
+    QByteArray urlFolder; ///< URL path of the listed folder, percent-encoded, ending in "/"
+    QByteArray previewFolder; ///< the same for the previews of its pictures
+    QByteArray folderText; ///< what folders are called on pages without pictures
+    bool withCheckbox = false; ///< entries can be selected for deletion
+    ShortDates *dates = nullptr; ///< borrowed
+};
 
-class QImage;
-struct CellFrame;
-
-/// One entry of a listing as it is now, and how browsers and the desktop client see it.
-/// A value: its copies share nothing but the finished preview, whose file goes with the last of
-/// them.
+/// One entry of a listing as browsers and the desktop client see it. A value.
 class ListedEntry
 {
 public:
-    /// Pictures of fewer bytes than this are shown themselves.
-    static constexpr qint64 smallPictureBytes = 20000;
+    explicit ListedEntry(FolderListing::Entry listed);
 
-    /// Where preview files are kept, in the home folder.
-    static QString previewFolder();
+    /// Whether it is too large to be shown itself; its preview is shown once that is made.
+    bool needsPreview() const { return picture == Picture::Large; }
 
-    explicit ListedEntry(const QFileInfo &entry);
+    /// That of its name, in lower case.
+    QByteArray extension() const { return ext; }
 
-    /// For callers that have looked at the entry already.
-    ListedEntry(const QFileInfo &entry, const EntryFacts &entryFacts);
+    /// Appends the table cell of a page with pictures. `preview` counts for what needs one.
+    void addCell(QByteArray *page, const CellFrame &frame, Previews::State preview) const;
 
-    /// Nothing is left to do for this element: it is no large picture, or its preview was made
-    /// or given up.
-    bool isReady() const { return ready; }
-
-    /// Makes the preview of a large picture, or gives it up; the element is ready then. Takes its
-    /// time, so never call it in the event loop.
-    void init();
-
-    /// The element becomes ready, with the preview of `other`, a ready element of the same file.
-    void takePreview(const ListedEntry &other);
-
-    /// Gives the preview up: the element shows the plain picture icon from now on.
-    void scaleFailed();
-
-    /// Lets the preview go.
-    void deleteTmpFile() { tmp.reset(); }
-
-    /// The file of the finished preview; empty when there is none.
-    QString tempFileName() const;
-
-    /// Appends the table cell.
-    void toHTML(QByteArray *page, const CellFrame &frame) const;
+    /// Appends the table cell of a page without pictures.
+    void addPlainCell(QByteArray *page, const CellFrame &frame) const;
 
     /// Appends the picture reference for the desktop client: nothing, the picture's own URL path,
     /// "/_t/" and the path of the file whose preview is ready, or "/_t/" alone while it is being
-    /// made. `urlFolder` is the URL path of the listed folder, UTF-8 and ending in "/".
-    void toMC(QByteArray *out, const QByteArray &urlFolder) const;
-
-    /// The icon of a lower-case extension; null when there is none.
-    static QByteArray getIcon(const QString &extension);
+    /// made. `urlPath` is that of the entry, UTF-8; `root` the path of the share's root.
+    void addReference(QByteArray *out, const QByteArray &urlPath, const QByteArray &root,
+                      Previews::State preview) const;
 
 private:
-    class TempFile;
+    enum class Picture {
+        None,
+        Small, ///< is shown itself
+        Large ///< is shown by its preview
+    };
 
-    bool savePreview(const QImage &picture);
-    void addPicture(QByteArray *page, const QByteArray &urlFolder, const QByteArray &name) const;
+    void addCellStart(QByteArray *page, const CellFrame &frame) const;
+    void addFileFacts(QByteArray *page, const CellFrame &frame) const;
+    void addImage(QByteArray *page, const CellFrame &frame, Previews::State preview) const;
 
-    std::shared_ptr<const TempFile> tmp; ///< the preview; null until it is made, or given up
-    QFileInfo info;
-    EntryFacts facts;
-    bool ready = true;
-    QByteArray icon; ///< null: no picture; empty: the picture itself; else a file of the icons
-    QString ext; ///< lower case; the whole name when there is no extension
+    const FolderListing::Entry entry;
+    const QByteArray name; ///< UTF-8
+    QByteArray ext; ///< empty when there is none
+    Picture picture = Picture::None;
 };

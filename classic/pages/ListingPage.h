@@ -1,72 +1,79 @@
 #pragma once
 
-#include "classic/pages/Cell.h"
-#include "classic/pages/FolderListing.h"
 #include "classic/pages/ListedEntry.h"
-#include "classic/pages/ShortDates.h"
-#include "server/SessionTable.h"
 
 #include <QByteArray>
 #include <QString>
 
-#include <optional>
+#include <memory>
 #include <vector>
 
-class HTML_Element_Manager;
-
-/// Appends the cell of an entry on a page without pictures.
-void writeDirFile(QByteArray *page, const FolderListing::Entry &entry, const CellFrame &frame);
-
-/// Renders one folder as the page that browsers get. Made for one reply; borrows all it is given.
+/// Renders one folder as the page that browsers get, bit by bit, so that a page of any size takes
+/// little at once. Made for one reply; gives the same bytes whenever it is gone through.
 class ListingPage
 {
 public:
     struct Options
     {
         QString urlPath; ///< as it was asked for, decoded
-        HTML_Element_Manager *pictures = nullptr; ///< null: a page without icons and previews
+        QString diskFolder; ///< absolute path of the folder
+        QByteArray message; ///< shown once
+        int sortMode = 0; ///< see `SessionData`
+        int itemsPerPage = 1; ///< as it was set; less than 1 counts as 1
+        qint64 pageIndex = 0;
+        bool pictures = false; ///< or a page without icons and previews
         bool deleting = false;
         bool uploading = false;
     };
 
-    /// Takes the entries that the page of `clientData` shows and queues the previews they lack. A
-    /// page that does not exist becomes the first one.
-    ListingPage(const FolderListing &entries, Options pageOptions, SessionData &clientData);
+    /// `entries` covers what the page shows.
+    ListingPage(std::shared_ptr<const FolderListing> entries, Options pageOptions);
+
+    /// How many entries it shows.
+    qint64 shownCount() const { return end - first; }
+
+    /// One of those, from 0 on.
+    FolderListing::Entry shown(qint64 index) const { return listing->at(first + index); }
+
+    /// Says how far the preview of a shown entry is; without it, none can be made. To be called
+    /// before the page is gone through.
+    void setPreview(qint64 index, Previews::State state);
 
     /// Whether all previews of the page are there, or given up.
     bool isComplete() const { return complete; }
 
-    /// The whole page. Uses the session's message up.
-    QByteArray render();
+    /// Appends the next bit; false when it was the last one.
+    bool addNext(QByteArray *out);
+
+    /// Goes back to the start.
+    void restart();
 
 private:
-    struct Shown
-    {
-        FolderListing::Entry entry;
-        std::optional<ListedEntry> element; ///< on pages with pictures
-    };
+    Q_DISABLE_COPY_MOVE(ListingPage)
 
-    void choosePage();
-    void takeEntries();
-    int sizeLimit() const;
-    void addPageHead();
+    enum class Part { Top, Entries, Middle, Links, Bottom };
+
+    void addTop();
     void addUpLink();
     void addSortForm();
     void addActionForm();
     void addDeleteForm();
-    void addMessage();
-    void addEntries();
-    void addCell(const Shown &shown);
-    void addPageLinks();
+    void addEntry();
+    void addMiddle();
+    void addPageLink();
+    void goOn(qint64 steps, Part then);
+    qint64 pageCount() const;
 
-    const FolderListing &listing;
+    const std::shared_ptr<const FolderListing> listing;
     const Options options;
-    SessionData &session;
     const qint64 perPage;
-    qint64 pageIndex = 0;
+    const qint64 first; ///< of the listing
+    const qint64 end;
+    std::vector<Previews::State> previews; ///< on pages with pictures
     bool complete = true;
-    std::vector<std::optional<Shown>> places; ///< one that can't be read keeps its place
     ShortDates dates;
     CellFrame frame;
-    QByteArray page;
+    Part part = Part::Top;
+    qint64 step = 0; ///< within the part
+    QByteArray *page = nullptr; ///< while a bit is made
 };

@@ -81,6 +81,26 @@ void addEncodedPath(QByteArray *out, const QByteArray &utf8Path)
     }
 }
 
+QByteArray withOneSlash(const QByteArray &path)
+{
+    int start = 0;
+    while (start < path.size() && path.at(start) == '/')
+        ++start;
+    return '/' + path.mid(start);
+}
+
+void addLocalLink(QByteArray *out, const QByteArray &utf8Path)
+{
+    const QByteArray path = withOneSlash(utf8Path);
+    // Browsers read a backslash as a slash and overlook control characters.
+    const char second = path.size() > 1 ? path.at(1) : 'a';
+    const bool misread = second == '\\' || (second >= 0 && second < ' ');
+    if (misread)
+        addEncodedPath(out, path);
+    else
+        addEscaped(out, path);
+}
+
 void addSize(QByteArray *out, qint64 bytes)
 {
     for (const SizeUnit &unit : sizeUnits) {

@@ -11,6 +11,13 @@ void addEscaped(QByteArray *out, const QByteArray &utf8);
 /// `utf8Path` as the path of a URL, percent-encoded (RFC 3986, section 3.3).
 void addEncodedPath(QByteArray *out, const QByteArray &utf8Path);
 
+/// `path` with one slash at its start. Browsers take what follows two for another host.
+QByteArray withOneSlash(const QByteArray &path);
+
+/// `utf8Path` as the target of a link to this server, escaped as text is. Only one that browsers
+/// would take for another host is percent-encoded.
+void addLocalLink(QByteArray *out, const QByteArray &utf8Path);
+
 /// A size in its unit, rounded down.
 void addSize(QByteArray *out, qint64 bytes);
 

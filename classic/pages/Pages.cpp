@@ -117,7 +117,7 @@ QByteArray appletPage(ClientLaunch launch)
     addHead(&page);
     page.append(appletBody);
     page.append(scriptStart).append(resize).append(scriptEnd).append(R"(<a href=")");
-    addEscaped(&page, path);
+    addLocalLink(&page, path);
     page.append(appletStart);
     addParam(&page, "Cookie", QByteArray::number(launch.session));
     if (!isRoot(path))

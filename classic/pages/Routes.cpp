@@ -5,16 +5,6 @@
 
 namespace {
 
-Responder *makeBrowserPages(Profile *profile, Request *request)
-{
-    return new BrowserPages(profile, request);
-}
-
-Responder *makeClientListing(Profile * /*profile*/, Request *request)
-{
-    return new ClientListing(request);
-}
-
 /// The desktop client; WebDAV clients ask with the same method.
 bool isDesktopClient(const Request &request)
 {
@@ -26,9 +16,8 @@ bool isDesktopClient(const Request &request)
 Routes pageRoutes()
 {
     return {
-        { Request::Get, nullptr, "SD", makeBrowserPages, ReplyCall::Shared },
-        { Request::Post, nullptr, "SD", makeBrowserPages, ReplyCall::Shared },
-        { Request::PropFind, isDesktopClient, "MF", makeClientListing,
-          ReplyCall::SharedAndProfile },
+        { Request::Get, nullptr, makeResponder<BrowserPages> },
+        { Request::Post, nullptr, makeResponder<BrowserPages> },
+        { Request::PropFind, isDesktopClient, makeResponder<ClientListing> },
     };
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "server/Routes.h"
+#include "classic/http/Routes.h"
 
-/// What the browser file manager answers. Goes in front of the base rows.
+/// What the browser file manager answers. Goes in front of `fileRoutes`.
 Routes pageRoutes();

@@ -1,6 +1,5 @@
 #include "desktop/window/MainWindow.h"
 
-#include "classic/pages/BrowserPages.h"
 #include "config/Profiles.h"
 #include "desktop/look/LookDialog.h"
 #include "desktop/widgets/LinkLabel.h"
@@ -109,20 +108,17 @@ QString trafficLimitText(const WebServer &server)
         + QStringLiteral(": %1 KB").arg(shownKB(server.receivedBytes()));
 }
 
-MainWindow::MainWindow(Profiles *choice, Look *lookInUse, const char *mode, Routes routes,
-                       AddressSource source)
+MainWindow::MainWindow(Profiles *choice, Look *lookInUse, const char *mode, FaceMaker makeFace,
+                       Previews *previews, AddressSource source)
     : profiles(choice)
     , look(lookInUse)
     , m_events(std::make_unique<EventHandler>(this))
+    , engine(std::move(makeFace), choice->directories(), m_events.get(), previews)
 {
     setWindowTitle(QStringLiteral("Quillon"));
     setWindowIcon(icon(QLatin1String("MobileServer.png")));
     startProfiles();
-    m_rows = std::make_unique<ServerRows>(
-        profiles,
-        std::make_shared<ServerSetup>(
-            ServerSetup{ std::move(routes), m_events.get(), profiles->directories() }),
-        std::move(source));
+    m_rows = std::make_unique<ServerRows>(profiles, engine.setup(), std::move(source));
     m_reachability = std::make_unique<Reachability>(m_rows.get(), profiles);
     m_events->watch(m_rows.get());
 
@@ -150,8 +146,6 @@ MainWindow::~MainWindow()
 
 void MainWindow::startProfiles()
 {
-    if (profiles->lastRun() == LastRun::Aborted)
-        HTML_Element_Manager::removeLeftFiles();
     for (int i = 0; i < profiles->count(); ++i) {
         const Profile *profile = profiles->at(i);
         if (!profile->isUsable())
@@ -307,14 +301,14 @@ void MainWindow::showCurrent(ServerRow *row)
 {
     itemStart->setEnabled(row);
     itemSettings->setEnabled(row);
-    fileMenu->setStart(row ? folderOf(row->server()->shared) : QDir::rootPath());
+    fileMenu->setStart(row ? folderOf(row->server()->shared()) : QDir::rootPath());
     if (!row)
         return;
     const QString action = startStopText(row->isListening());
     itemStart->setIcon(startStopIcon(row->isListening()));
     itemStart->setAccessibleName(action);
     itemStart->setToolTip(action);
-    sharedLink->setLink(shownPath(row->server()->shared.absoluteFilePath()), row->url());
+    sharedLink->setLink(shownPath(row->server()->shared().absoluteFilePath()), row->url());
 }
 
 void MainWindow::dataLimit(WebServer *server)
@@ -396,7 +390,6 @@ bool MainWindow::endInOrder()
     ended = true;
     const bool rowsSaved = m_rows->end();
     m_events->stopTimer();
-    BrowserPages::previews.clear();
     return profiles->endInOrder() && rowsSaved;
 }
 

@@ -3,7 +3,7 @@
 #include "desktop/window/EventHandler.h"
 #include "desktop/window/Reachability.h"
 #include "desktop/window/ServerRows.h"
-#include "server/Routes.h"
+#include "server/Engine.h"
 
 #include <QMainWindow>
 #include <QSet>
@@ -27,9 +27,9 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 public:
     /// `choice` and `lookInUse` are borrowed. `mode` is the first command-line argument, null when
-    /// there is none. `routes` answer the requests of all servers.
-    MainWindow(Profiles *choice, Look *lookInUse, const char *mode, Routes routes = fileRoutes(),
-               AddressSource source = deviceAddresses);
+    /// there is none. `makeFace` and `previews` (borrowed, may be null) are for all servers.
+    MainWindow(Profiles *choice, Look *lookInUse, const char *mode, FaceMaker makeFace,
+               Previews *previews, AddressSource source = deviceAddresses);
     ~MainWindow() override;
 
     EventHandler *events() const { return m_events.get(); }
@@ -65,6 +65,7 @@ private:
     Profiles *profiles;
     Look *look;
     std::unique_ptr<EventHandler> m_events;
+    Engine engine;
     std::unique_ptr<ServerRows> m_rows;
     std::unique_ptr<Reachability> m_reachability;
     QSet<const WebServer *> limitBoxes; ///< servers whose box is open

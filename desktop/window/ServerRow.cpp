@@ -45,7 +45,7 @@ void ServerRow::start()
                         .arg(m_server->errorString(), address().toString(),
                              QString::number(m_server->port)));
     Q_EMIT reachChanged();
-    const QString path = m_server->shared.filePath();
+    const QString path = m_server->shared().filePath();
     if (!QFileInfo::exists(path))
         tell(missingText(path), tr("Choose what to share."));
 }
@@ -72,8 +72,8 @@ void ServerRow::setPort(int port)
 void ServerRow::share(const QString &path)
 {
     m_server->setShared(path);
-    if (m_server->shared != QFileInfo(path))
-        tell(missingText(path), tr("Shared now: %1").arg(m_server->shared.absoluteFilePath()));
+    if (m_server->shared() != QFileInfo(path))
+        tell(missingText(path), tr("Shared now: %1").arg(m_server->shared().absoluteFilePath()));
 }
 
 void ServerRow::useProfile(Profile *profile)
@@ -94,7 +94,7 @@ SavedRow ServerRow::state() const
 {
     SavedRow row;
     row.port = m_server->port;
-    row.file = m_server->shared.absoluteFilePath();
+    row.file = m_server->shared().absoluteFilePath();
     row.profile = profile()->name;
     row.address = address().toString();
     row.addedPort = addedPort;

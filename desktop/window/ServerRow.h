@@ -53,7 +53,7 @@ public:
     /// status sink hears so.
     void share(const QString &path);
 
-    Profile *profile() const override { return m_server->config; }
+    Profile *profile() const override { return m_server->profile(); }
     void useProfile(Profile *profile) override;
 
     /// The values of the row's profile have changed.

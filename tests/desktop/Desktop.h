@@ -1,5 +1,6 @@
 #pragma once
 
+#include "classic/http/ClassicFace.h"
 #include "desktop/look/Look.h"
 #include "desktop/window/AddressList.h"
 #include "desktop/window/MainWindow.h"
@@ -88,9 +89,7 @@ struct Rows : Device
 
     void open()
     {
-        const auto setup =
-            std::make_shared<ServerSetup>(ServerSetup{ fileRoutes(), &sink, home.directories });
-        rows = std::make_unique<ServerRows>(home.profiles.get(), setup, source());
+        rows = std::make_unique<ServerRows>(home.profiles.get(), engine.setup(), source());
     }
 
     /// The next run, after an orderly end.
@@ -102,9 +101,10 @@ struct Rows : Device
     }
 
     ServerRow *row(int index = 0) const { return rows->at(index); }
-    QString shared() const { return row()->server()->shared.filePath(); }
+    QString shared() const { return row()->server()->shared().filePath(); }
 
     RecordingSink sink;
+    Engine engine{ classicFaces(fileRoutes()), home.directories, &sink, nullptr };
     std::unique_ptr<ServerRows> rows;
 };
 
@@ -119,8 +119,8 @@ struct Desktop : Device
 
     void open(const char *mode = nullptr)
     {
-        window =
-            std::make_unique<MainWindow>(home.profiles.get(), &look, mode, fileRoutes(), source());
+        window = std::make_unique<MainWindow>(home.profiles.get(), &look, mode,
+                                              classicFaces(fileRoutes()), nullptr, source());
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window.get()));
     }

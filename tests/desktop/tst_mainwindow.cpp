@@ -141,8 +141,8 @@ private Q_SLOTS:
         service.answer(R"({"status":"success","message":"Port 80 is open on 192.0.2.7."})");
         QSettings().setValue(QStringLiteral("services/portCheck"), service.base());
         desktop.window.reset();
-        MainWindow window(desktop.home.profiles.get(), &desktop.look, nullptr, fileRoutes(),
-                          desktop.source());
+        MainWindow window(desktop.home.profiles.get(), &desktop.look, nullptr,
+                          classicFaces(fileRoutes()), nullptr, desktop.source());
         QTest::qWait(0);
         QVERIFY(service.requests.isEmpty());
         const auto ask = [&window] {

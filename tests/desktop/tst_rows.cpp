@@ -118,7 +118,7 @@ private Q_SLOTS:
         const auto rows = [&] {
             QStringList all;
             for (const ServerRow *row : device.rows->all())
-                all.append(row->url().mid(15) + row->server()->shared.filePath());
+                all.append(row->url().mid(15) + row->server()->shared().filePath());
             all.sort();
             return all.join(QLatin1Char('|')).toUtf8().replace(home, "~");
         };

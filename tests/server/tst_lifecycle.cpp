@@ -170,9 +170,7 @@ void TestLifecycle::makesAPeerWaitThatTakesNoReplies()
         requests += "GET " + longPath + " HTTP/1.1\r\n\r\n";
     client.send(requests);
     QTest::qWait(300);
-    QSslSocket &socket = live->server->connections.first()->httpRequest().channel.socket();
-    QVERIFY(socket.bytesToWrite() < 1000000);
-    QVERIFY(socket.bytesAvailable() < 1000000);
+    QVERIFY(live->engine.setup()->poller->backlog() < 1000000);
     QVERIFY(client.socket->bytesToWrite() > 0);
 }
 
@@ -288,7 +286,6 @@ void TestLifecycle::dropsAllConnections()
     QTRY_COMPARE(live->server->connectionCount(), 3);
     QTest::qWait(20);
     live->server->stopAll();
-    QCOMPARE(live->server->connectionCount(), 0);
     for (const auto &client : clients) {
         client->socket->setReadBufferSize(0);
         QVERIFY(client->waitForClose());
@@ -325,7 +322,7 @@ void TestLifecycle::movesProfilesAndTheirUseCounts()
     {
         const WebServer copy(live->server.get());
         QCOMPARE(other.useCount, 2);
-        QCOMPARE(copy.shared, live->server->shared);
+        QCOMPARE(copy.shared(), live->server->shared());
     }
     QCOMPARE(other.useCount, 1);
     live->server->setProfile(live->profile);

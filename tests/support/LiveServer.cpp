@@ -1,5 +1,7 @@
 #include "tests/support/LiveServer.h"
 
+#include "classic/http/ClassicFace.h"
+
 #include <QDir>
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -48,14 +50,17 @@ void TestHome::writeProfile(const QString &fileName, const QByteArray &bytes) co
     QCOMPARE(file.write(bytes), qint64(bytes.size()));
 }
 
-LiveServer::LiveServer(Routes rows)
+LiveServer::LiveServer(Routes routes, const QString &previewProgram)
     : profile(home.profiles->global())
+    , previews(previewProgram.isEmpty()
+                   ? nullptr
+                   : std::make_unique<Previews>(previewProgram,
+                                                home.path() + QLatin1String("/.thumbnails")))
+    , engine(classicFaces(std::move(routes)), home.directories, &sink, previews.get())
 {
     QNetworkAddressEntry loopback;
     loopback.setIp(QHostAddress(QHostAddress::LocalHost));
-    server = std::make_unique<WebServer>(
-        loopback, profile,
-        std::make_shared<ServerSetup>(ServerSetup{ std::move(rows), &sink, home.directories }));
+    server = std::make_unique<WebServer>(loopback, profile, engine.setup());
     server->setShared(share.path());
 }
 
@@ -105,6 +110,14 @@ QByteArray RawReply::header(const QByteArray &name) const
 RawClient::RawClient(quint16 port, std::unique_ptr<QTcpSocket> given)
     : socket(given ? std::move(given) : std::make_unique<QTcpSocket>())
 {
+    socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+    waitUntil([this] { return isOpen(); });
+}
+
+RawClient::RawClient(quint16 port, const QHostAddress &from)
+    : socket(std::make_unique<QTcpSocket>())
+{
+    socket->bind(from);
     socket->connectToHost(QHostAddress(QHostAddress::LocalHost), port);
     waitUntil([this] { return isOpen(); });
 }

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "classic/http/Routes.h"
 #include "config/Profiles.h"
-#include "server/Routes.h"
+#include "files/Previews.h"
+#include "server/Engine.h"
 #include "server/StatusSink.h"
 #include "server/WebServer.h"
 
@@ -57,7 +59,8 @@ public:
 class LiveServer
 {
 public:
-    explicit LiveServer(Routes rows = fileRoutes());
+    /// `previewProgram` makes previews; none are made without.
+    explicit LiveServer(Routes routes = fileRoutes(), const QString &previewProgram = {});
 
     /// Starts to listen; fails the test when that is not possible.
     void start();
@@ -71,6 +74,8 @@ public:
     QTemporaryDir share;
     RecordingSink sink;
     Profile *profile; ///< the global profile of this test
+    std::unique_ptr<Previews> previews;
+    Engine engine;
     std::unique_ptr<WebServer> server;
 };
 
@@ -93,6 +98,9 @@ class RawClient
 public:
     /// `socket` may be a QSslSocket; a plain one is made when there is none.
     explicit RawClient(quint16 port, std::unique_ptr<QTcpSocket> socket = nullptr);
+
+    /// A plain one that comes from another address of this machine.
+    RawClient(quint16 port, const QHostAddress &from);
 
     void send(const QByteArray &bytes);
 

@@ -1,21 +1,14 @@
-#include "classic/dav/Routes.h"
-#include "tests/support/LiveServer.h"
-
-#include <QDir>
-#include <QTest>
-
-#include <sys/resource.h>
-
-#include <csignal>
+#include "tests/classic/dav/DavTest.h"
+#include "tests/support/FullDisk.h"
 
 namespace {
 
 constexpr auto mc = "User-Agent: mc\r\n";
+constexpr auto plugIn = "User-Agent: ezdavplugin\r\n";
 
 // Twice what a head's buffer holds, so that the first half of a body does not wait there.
-const QByteArray firstHalf(3000, '1');
 const QByteArray secondHalf(3000, '2');
-const QByteArray whole = firstHalf + secondHalf;
+const QByteArray whole = QByteArray(3000, '1') + secondHalf;
 const QByteArray rival(whole.size(), 'r');
 
 QByteArray put(const QByteArray &target, const QByteArray &headers = {},
@@ -26,51 +19,23 @@ QByteArray put(const QByteArray &target, const QByteArray &headers = {},
 
 } // namespace
 
-class TestPut : public QObject
+class TestPut : public DavTest
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init();
-
     void answers_data();
     void answers();
-    void lostConnectionLeavesNothing();
-    void lostConnectionTouchesOnlyItsFile();
-    void replacingKeepsTheOldUntilTheEnd();
+    void namesAreTakenAtTheEnd();
     void oneUploadAtATime();
+    void replacingKeepsTheOldUntilTheEnd();
     void fullDisk();
 
 private:
-    QByteArray content(const char *name) const
-    {
-        return live->fileContent(QString::fromUtf8(name));
-    }
-    QStringList entries() const
-    {
-        return QDir(live->sharePath())
-            .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-    }
-    /// A client that stopped in the middle of its body.
     std::unique_ptr<RawClient> halfway(const QByteArray &headers, const QByteArray &target) const;
-
-    std::unique_ptr<LiveServer> live;
-    std::unique_ptr<RawClient> client;
-    QStringList before;
 };
 
-void TestPut::init()
-{
-    client.reset();
-    live.reset(); // before the next one: it gives the home folder back
-    live = std::make_unique<LiveServer>(davRoutes());
-    live->addFile(QStringLiteral("old.txt"), "the old content");
-    QVERIFY(QDir(live->sharePath()).mkdir(QStringLiteral("folder")));
-    live->start();
-    client = std::make_unique<RawClient>(live->port());
-    before = entries();
-}
-
+/// A client that stopped in the middle of its body.
 std::unique_ptr<RawClient> TestPut::halfway(const QByteArray &headers,
                                             const QByteArray &target) const
 {
@@ -86,110 +51,115 @@ std::unique_ptr<RawClient> TestPut::halfway(const QByteArray &headers,
 void TestPut::answers_data()
 {
     QTest::addColumn<QByteArray>("request");
-    QTest::addColumn<QByteArray>("status");
-    QTest::addColumn<QStringList>("made");
-    const auto row = [](const char *name, const QByteArray &request, const char *status,
-                        const QStringList &made = {}) {
-        QTest::newRow(name) << request << QByteArray(status) << made;
+    QTest::addColumn<QByteArray>("answer");
+    QTest::addColumn<QByteArray>("made"); // a name
+    QTest::addColumn<QByteArray>("stored");
+    const auto row = [](const char *name, const QByteArray &request, const QByteArray &answer,
+                        const QByteArray &made = {}, const QByteArray &stored = whole) {
+        QTest::newRow(name) << request << answer << made << stored;
     };
-    row("a new name in other letters", put("/%C3%BC%23%25+%20x"), "201 Created",
-        { QStringLiteral("ü#%+ x") });
-    row("an existing file", put("/old.txt"), "412 Precondition Failed");
-    row("an existing file, by mc", put("/old.txt", mc), "201 Created");
+    const QByteArray heldBack = "PUT /a.txt HTTP/1.1\r\nExpect: 100-continue\r\n"
+                                "Content-Length: 9\r\n\r\n";
+    const QByteArray longLine = "X: " + QByteArray(2500, 'x') + "\r\n";
+    QByteArray many;
+    while (many.size() < 3000000)
+        many += QByteArray::number(many.size());
+    row("a new name in other letters", put("/%C3%BC%23%25+%20x"), "201 Created", "ü#%+ x");
+    row("three megabytes", put("/3M", {}, many), "201 Created", "3M", many);
+    row("an existing file", put("/a.txt"), "412 Precondition Failed");
+    row("the same, before its body is asked for", heldBack, "412 Precondition Failed");
+    row("an existing file, by mc", put("/a.txt", mc), "201 Created", "a.txt");
+    row("through a link, by mc", put("/link/b.txt", mc), "201 Created", "folder/sub/b.txt");
     row("a folder, by mc", put("/folder", mc), "423 Locked");
+    row("the name of a broken link", put("/broken"), "201 Created", "broken");
     row("below a missing folder", put("/missing/new"), "423 Locked");
-    row("a length behind the cut of a head", put("/new", "X: " + QByteArray(2500, 'x') + "\r\n"),
-        "411 Length Required");
+    row("a name for a folder", put("/new/"), "423 Locked");
+    row("a length behind the cut of a head", put("/cut", longLine), "201 Created", "cut");
     row("a name cut at its NUL", put("/new%00"), "423 Locked");
     row("a name that is too long", put("/" + QByteArray(300, 'n')), "423 Locked");
-    row("a plug-in's probe", rawRequest("PUT", "/new", "User-Agent: ezdavplugin\r\n", "x"),
-        "201 Created");
-    row("a plug-in's real file", put("/p", "User-Agent: ezdavplugin\r\n"), "201 Created",
-        { QStringLiteral("p") });
+    row("a plug-in's probe", put("/new", plugIn, "x"), "201 Created");
+    row("a plug-in's real file", put("/p", plugIn, "xy"), "201 Created", "p", "xy");
 }
 
 void TestPut::answers()
 {
     QFETCH(QByteArray, request);
-    QFETCH(QStringList, made);
-    QTEST(client->exchange(request).status(), "status");
-    QCOMPARE(entries(), QStringList(before + made));
+    QFETCH(QByteArray, made);
+    const bool isNew = !made.isEmpty() && !isThere(made);
+    const auto before = entries().size();
+    QTEST(status(request), "answer");
+    QCOMPARE(entries().size(), before + (isNew ? 1 : 0));
+    if (made.isEmpty())
+        return;
+    QTEST(content(made), "stored");
+    // What one program may do is not allowed to the next request of the connection.
+    QCOMPARE(status(put('/' + made.toPercentEncoding("/"))), QByteArray("412 Precondition Failed"));
 }
 
-void TestPut::lostConnectionLeavesNothing()
-{
-    const auto uploader = halfway({}, "/new");
-    QVERIFY(entries().contains(QStringLiteral("new")));
-    QCOMPARE(client->exchange(put("/new")).status(), QByteArray("412 Precondition Failed"));
-    uploader->socket->abort();
-    QTRY_COMPARE(entries(), before);
-    QCOMPARE(client->exchange(put("/new")).status(), QByteArray("201 Created"));
-}
-
-void TestPut::lostConnectionTouchesOnlyItsFile()
+/// What is not whole has no name yet, and what happens to its name meanwhile does it no harm.
+void TestPut::namesAreTakenAtTheEnd()
 {
     auto uploader = halfway({}, "/folder/new");
-    client->exchange(rawRequest("MOVE", "/folder", "Destination: /elsewhere\r\n"));
-    const QString moved = live->sharePath(QStringLiteral("elsewhere/new"));
-    QVERIFY(QFile::exists(moved));
-    uploader->socket->abort();
-    QTRY_VERIFY(!QFile::exists(moved));
+    QCOMPARE(status(rawRequest("HEAD", "/folder/new")), QByteArray("404 Not Found"));
+    QCOMPARE(status(rawRequest("DELETE", "/folder/new")), QByteArray("200 Not exists"));
+    QCOMPARE(ask("MOVE", "/folder", destination("/moved")).status(), QByteArray("201 Created"));
+    uploader->send(secondHalf);
+    QCOMPARE(uploader->reply().status(), QByteArray("201 Created"));
+    QCOMPARE(content("moved/new"), whole);
 
     uploader = halfway({}, "/new");
-    client->exchange(rawRequest("DELETE", "/new"));
-    QCOMPARE(client->exchange(put("/new")).status(), QByteArray("201 Created"));
-    uploader->socket->abort();
-    QTRY_COMPARE(live->server->connectionCount(), 1);
-    QCOMPARE(content("new"), whole);
-}
-
-void TestPut::replacingKeepsTheOldUntilTheEnd()
-{
-    const QString old = live->sharePath(QStringLiteral("old.txt"));
-    QVERIFY(QFile::setPermissions(old, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther));
-    const QFile::Permissions permissions = QFileInfo(old).permissions();
-    auto uploader = halfway(mc, "/old.txt");
-    QCOMPARE(content("old.txt"), QByteArray("the old content"));
-    uploader->socket->abort();
-    QTRY_COMPARE(live->server->connectionCount(), 1);
-    QCOMPARE(entries(), before);
-    QCOMPARE(content("old.txt"), QByteArray("the old content"));
-
-    uploader = halfway(mc, "/old.txt");
+    live->addFile(QStringLiteral("new"), rival); // by another program
     uploader->send(secondHalf);
-    QTRY_COMPARE(content("old.txt"), whole);
-    QCOMPARE(QFileInfo(old).permissions(), permissions);
-    QCOMPARE(entries(), before);
+    QCOMPARE(uploader->reply().status(), QByteArray("412 Precondition Failed"));
+    QCOMPARE(content("new"), rival);
 }
 
 void TestPut::oneUploadAtATime()
 {
-    for (const QByteArray target : { "/new", "/old.txt" }) {
+    for (const QByteArray target : { "/new", "/a.txt" }) {
+        const QStringList before = entries();
         const auto uploader = halfway(mc, target);
-        QCOMPARE(client->exchange(put(target, mc, rival)).status(), QByteArray("423 Locked"));
-        uploader->send(secondHalf);
-        QTRY_COMPARE(content(target.constData() + 1), whole);
-        // The name is free again once the first one is whole.
-        QCOMPARE(client->exchange(put(target, mc, rival)).status(), QByteArray("201 Created"));
-        QCOMPARE(content(target.constData() + 1), rival);
+        QCOMPARE(status(put(target)), QByteArray("412 Precondition Failed"));
+        QCOMPARE(status(put(target, mc, rival)), QByteArray("423 Locked"));
+        uploader->socket->abort();
+        QTRY_COMPARE(live->server->connectionCount(), 1);
+        QCOMPARE(entries(), before);
+        QCOMPARE(content("a.txt"), QByteArray("alpha"));
+        QTRY_COMPARE(status(put(target, mc, "free")), QByteArray("201 Created"));
     }
 }
 
-/// A limit on the size of files stands in for the disk.
+void TestPut::replacingKeepsTheOldUntilTheEnd()
+{
+    const QString old = path("a.txt");
+    QVERIFY(QFile::setPermissions(old, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther));
+    const QFile::Permissions permissions = QFileInfo(old).permissions();
+    const QStringList before = entries();
+    for (const bool deleted : { false, true }) {
+        const QByteArray oldContent = content("a.txt");
+        const auto uploader = halfway(mc, "/a.txt");
+        QCOMPARE(content("a.txt"), oldContent);
+        // What is written to it from then on would be lost.
+        QCOMPARE(ask("MOVE", "/a.txt", destination("/c")).status(),
+                 QByteArray("500 Rename Failed"));
+        QVERIFY(!deleted || QFile::remove(old));
+        uploader->send(secondHalf);
+        QCOMPARE(uploader->reply().status(), QByteArray("201 Created"));
+        QCOMPARE(content("a.txt"), whole);
+        QCOMPARE(QFileInfo(old).permissions(), permissions);
+        QCOMPARE(entries(), before);
+    }
+}
+
 void TestPut::fullDisk()
 {
-    rlimit usual = {};
-    QCOMPARE(::getrlimit(RLIMIT_FSIZE, &usual), 0);
-    const rlimit tight{ 4096, usual.rlim_max };
-    for (const char *target : { "/new", "/old.txt" }) {
-        const auto ignored = std::signal(SIGXFSZ, SIG_IGN);
-        QCOMPARE(::setrlimit(RLIMIT_FSIZE, &tight), 0);
-        const RawReply reply = client->exchange(put(target, mc, QByteArray(200000, 'x')));
-        ::setrlimit(RLIMIT_FSIZE, &usual);
-        std::signal(SIGXFSZ, ignored);
-        QCOMPARE(reply.status(), QByteArray("507 Insufficient Storage"));
+    const QStringList before = entries();
+    for (const char *target : { "/new", "/a.txt" }) {
+        const FullDisk disk(4096);
+        QCOMPARE(status(put(target, mc, QByteArray(200000, 'x'))),
+                 QByteArray("507 Insufficient Storage"));
         QCOMPARE(entries(), before);
-        QCOMPARE(content("old.txt"), QByteArray("the old content"));
+        QCOMPARE(content("a.txt"), QByteArray("alpha"));
     }
 }
 

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "classic/http/MultipartCutter.h"
+
+#include <QByteArray>
+
+class UploadFile;
+
+/// How an upload ended.
+enum SaveResult {
+    Saved = 0,
+    OpenFailed = 1,
+    ReadFailed = 2,
+    WriteFailed = 3,
+    NoUsableForm = 4,
+    NameExists = 5,
+    BoundaryMissing = 6
+};
+
+/// Writes a request body, or one part of a multipart body, into a file. It calls nobody.
+class BodySaver
+{
+public:
+    /// The next `length` bytes of a body belong into `upload`, which is borrowed.
+    void start(UploadFile *upload, qint64 length);
+
+    /// The same for one part of a multipart body: the file ends at the first `delimiter` within
+    /// these bytes.
+    void startPart(UploadFile *upload, qint64 length, const QByteArray &delimiter);
+
+    /// How many bytes may still be fed.
+    qint64 left() const { return toSave; }
+
+    /// Takes the next bytes of the body; false when they could not be written.
+    bool feed(const char *data, qint64 size);
+
+    bool isDone() const { return toSave <= 0 || (inMultipart && cutter.isFound()); }
+
+    /// What became of a body that is done.
+    SaveResult result() const;
+
+private:
+    UploadFile *file = nullptr;
+    qint64 toSave = 0;
+    bool inMultipart = false;
+    MultipartCutter cutter;
+};

@@ -1,0 +1,401 @@
+#include "classic/http/Channel.h"
+
+#include "net/Socket.h"
+#include "net/TrafficAccount.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int savedAtOnce = 256 * 1024;
+constexpr int savesInATurn = 16;
+constexpr auto lingerTime = 2s;
+constexpr auto drainTime = 10s; ///< for a peer that takes nothing of the last bytes
+constexpr auto stallTime = 60s; ///< without a byte either way
+constexpr auto idleTime = 600s; ///< between requests
+
+} // namespace
+
+Channel::Channel(Socket &connection, TrafficAccount &traffic, User &channelUser)
+    : socket(connection)
+    , account(traffic)
+    , user(channelUser)
+{
+}
+
+QHostAddress Channel::peerAddress() const
+{
+    return socket.peerAddress();
+}
+
+QHostAddress Channel::localAddress() const
+{
+    return socket.localAddress();
+}
+
+quint16 Channel::localPort() const
+{
+    return socket.localPort();
+}
+
+bool Channel::isEncrypted() const
+{
+    return socket.isEncrypted();
+}
+
+// Reading
+
+void Channel::readable()
+{
+    switch (state) {
+    case State::Collecting:
+        collectHead();
+        break;
+    case State::ReadingHeadRest:
+        collectHeadRest();
+        break;
+    case State::ReadingForm:
+        collectForm();
+        break;
+    case State::ReadingPartHead:
+        collectPartHead();
+        break;
+    case State::Saving:
+        continueSaving();
+        break;
+    case State::Settling:
+        settle();
+        break;
+    case State::Lingering:
+        linger();
+        break;
+    case State::Replying:
+    case State::Streaming:
+    case State::Closing:
+    case State::Gone:
+        // Further bytes wait in the socket.
+        break;
+    }
+    if (account.isBlocked())
+        giveUp();
+}
+
+void Channel::collectHead()
+{
+    const auto look = reader.collect(socket);
+    if (look == RequestReader::Look::Ended)
+        return closeSocket();
+    if (look == RequestReader::Look::Incomplete)
+        return;
+    state = State::Replying;
+    user.headReady();
+}
+
+void Channel::readHeadRest()
+{
+    state = State::ReadingHeadRest;
+    collectHeadRest();
+}
+
+void Channel::collectHeadRest()
+{
+    const auto look = reader.collectRest(socket);
+    if (look == RequestReader::Look::Incomplete)
+        return;
+    state = State::Replying;
+    user.headRestReady(look == RequestReader::Look::Ready);
+}
+
+/// Some peers hold their body back until they are asked for it (RFC 9110, section 10.1.1): only
+/// somebody who wants it asks.
+void Channel::askForBody()
+{
+    if (!isBodyHeldBack())
+        return;
+    bodyAskedFor = true;
+    socket.write("HTTP/1.1 100 Continue\r\n\r\n", false);
+}
+
+bool Channel::isBodyHeldBack() const
+{
+    return reader.framing().expectsContinue && !bodyAskedFor && !reader.isBodyBuffered();
+}
+
+void Channel::readForm(qint64 length)
+{
+    state = State::ReadingForm;
+    collected.clear();
+    formLength = std::min<qint64>(length, maxForm);
+    askForBody();
+    collectForm();
+}
+
+void Channel::collectForm()
+{
+    std::array<char, RequestReader::bufferSize> piece;
+    qint64 size = 0;
+    while (collected.size() < formLength) {
+        const qint64 room = formLength - collected.size();
+        size = reader.readBody(socket, piece.data(),
+                               std::min<qint64>(room, RequestReader::bufferSize));
+        if (size <= 0)
+            break;
+        collected.append(piece.data(), int(size));
+    }
+    if (size == 0 && collected.size() < formLength && !reader.isAllRead())
+        return;
+    state = State::Replying;
+    user.formReady(std::exchange(collected, {}));
+}
+
+void Channel::readPartHead()
+{
+    state = State::ReadingPartHead;
+    collected.clear();
+    askForBody();
+    collectPartHead();
+}
+
+void Channel::collectPartHead()
+{
+    char byte = 0;
+    qint64 size = 0;
+    // One byte at a time: what follows the blank line is the part's content.
+    while (collected.size() < maxPartHead && (size = reader.readBody(socket, &byte, 1)) == 1) {
+        collected += byte;
+        if (byte == '\n' && collected.endsWith("\r\n\r\n")) {
+            state = State::Replying;
+            return user.partHeadReady(std::exchange(collected, {}));
+        }
+    }
+    if (size == 0 && collected.size() < maxPartHead && !reader.isAllRead())
+        return;
+    state = State::Replying;
+    user.partHeadReady({});
+}
+
+void Channel::saveBody(UploadFile *upload, qint64 length)
+{
+    state = State::Saving;
+    saver.start(upload, length);
+    askForBody();
+    continueSaving();
+}
+
+void Channel::savePart(UploadFile *upload, const QByteArray &delimiter, qint64 length)
+{
+    state = State::Saving;
+    saver.startPart(upload, length, delimiter);
+    continueSaving();
+}
+
+void Channel::continueSaving()
+{
+    std::array<char, savedAtOnce> piece;
+    for (int i = 0; !saver.isDone(); ++i) {
+        if (i == savesInATurn)
+            return socket.again();
+        const qint64 size =
+            reader.readBody(socket, piece.data(), std::min<qint64>(savedAtOnce, saver.left()));
+        if (size < 0)
+            return finishSaving(ReadFailed);
+        if (size == 0)
+            return;
+        if (!saver.feed(piece.data(), size))
+            return finishSaving(WriteFailed);
+    }
+    finishSaving(saver.result());
+}
+
+void Channel::finishSaving(SaveResult result)
+{
+    state = State::Replying;
+    user.uploadEnded(result);
+}
+
+// Writing
+
+void Channel::write(const QByteArray &bytes, bool last)
+{
+    if (state == State::Gone)
+        return;
+    socket.write(bytes, !last);
+    if (last)
+        end();
+}
+
+bool Channel::isCongested() const
+{
+    return socket.isCongested();
+}
+
+void Channel::sendFile(FileDescriptor file, qint64 offset, qint64 count)
+{
+    sender.start(std::move(file), offset, count);
+    state = State::Streaming;
+    continueStreaming();
+}
+
+void Channel::continueStreaming()
+{
+    switch (sender.send(socket)) {
+    case FileSender::Outcome::Waiting:
+        return;
+    case FileSender::Outcome::Helped:
+        return socket.again();
+    case FileSender::Outcome::Failed:
+        // The peer was told more than it got: only the end of the connection can end this reply.
+        keepAlive = false;
+        break;
+    case FileSender::Outcome::Sent:
+        break;
+    }
+    sender.stop();
+    state = State::Replying;
+    end();
+}
+
+void Channel::writable()
+{
+    if (state == State::Streaming)
+        return continueStreaming();
+    if (isCongested())
+        return;
+    if (state == State::Settling)
+        settle();
+    else if (state == State::Replying)
+        user.drained();
+}
+
+// Ending
+
+void Channel::end()
+{
+    if (state != State::Replying)
+        return;
+    user.replyEnded();
+    if (!keepAlive || account.isBlocked())
+        return close();
+    state = State::Settling;
+    if (reader.isAllRead() && !isCongested())
+        rearm();
+    // Later: the next request must not be parsed inside the reply to this one.
+    if (!reader.isEmpty() || socket.mayRead())
+        socket.again();
+}
+
+/// Goes on to the next request once the last one is dropped and its reply is on its way. A peer
+/// that sends requests but takes no replies waits here. The rest of a cut head may have told that
+/// nobody can say where the next request begins.
+void Channel::settle()
+{
+    const auto look = reader.drop(socket);
+    if (look == RequestReader::Look::Ended || (reader.isFramingUnknown() && !reader.isCut()))
+        return close();
+    if (look == RequestReader::Look::Incomplete || isCongested())
+        return;
+    rearm();
+    if (!reader.isEmpty() || socket.mayRead())
+        socket.again();
+}
+
+void Channel::rearm()
+{
+    reader.next();
+    bodyAskedFor = false;
+    state = State::Collecting;
+}
+
+void Channel::close()
+{
+    if (reader.isAllRead() && !reader.isFramingUnknown())
+        return closeSocket();
+    // Closing on unread input would destroy the reply on its way (RFC 9112, section 9.6).
+    state = State::Lingering;
+    lingersUntil = Clock::now() + lingerTime;
+    socket.endWriting();
+    socket.again();
+}
+
+/// Drops input while the reply is on its way to a peer that may still be sending, until there is
+/// surely no more of it.
+void Channel::linger()
+{
+    if (reader.drop(socket) != RequestReader::Look::Incomplete)
+        closeSocket();
+}
+
+void Channel::closeSocket()
+{
+    state = State::Closing;
+    socket.finish();
+}
+
+void Channel::abort()
+{
+    socket.abort();
+}
+
+/// The traffic limit was reached: an upload counts as cut off, and the connection closes.
+void Channel::giveUp()
+{
+    abandonUpload();
+    if (state != State::Closing && state != State::Gone)
+        closeSocket();
+}
+
+bool Channel::canAnswer() const
+{
+    return state != State::Gone && !account.isBlocked();
+}
+
+/// Tells the responder that the rest of an upload won't come.
+void Channel::abandonUpload()
+{
+    if (state == State::Saving)
+        return finishSaving(ReadFailed);
+    if (state != State::ReadingPartHead)
+        return;
+    state = State::Replying;
+    user.partHeadReady({});
+}
+
+void Channel::gone()
+{
+    sender.stop();
+    const State last = std::exchange(state, State::Gone);
+    if (last == State::Saving)
+        user.uploadEnded(ReadFailed);
+    else if (last == State::ReadingPartHead)
+        user.partHeadReady({});
+    else if (last == State::Streaming || last == State::Replying)
+        user.replyEnded();
+}
+
+Channel::Clock::time_point Channel::deadline(Clock::time_point lastActivity) const
+{
+    switch (state) {
+    case State::Collecting:
+        return lastActivity + (reader.isEmpty() ? idleTime : stallTime);
+    case State::Replying:
+        return socket.queued() > 0 ? lastActivity + stallTime : Clock::time_point::max();
+    case State::Closing:
+        return lastActivity + drainTime;
+    case State::Lingering:
+        return lingersUntil;
+    default:
+        return lastActivity + stallTime;
+    }
+}
+
+void Channel::expire()
+{
+    if (state == State::Lingering)
+        closeSocket();
+    else
+        abort();
+}

@@ -1,0 +1,164 @@
+#pragma once
+
+#include "classic/http/BodySaver.h"
+#include "classic/http/RequestReader.h"
+#include "net/FileSender.h"
+
+#include <QByteArray>
+#include <QHostAddress>
+
+#include <chrono>
+
+class Socket;
+class TrafficAccount;
+class UploadFile;
+
+/// The channel of one connection: joins what reads requests, writes replies, streams files out and
+/// request bodies into files. Owned by its face, which is its user.
+///
+/// One request at a time: collecting a head, then its reply, then - on a kept-alive connection -
+/// whatever nobody read of that request is dropped and the next head is collected.
+class Channel
+{
+public:
+    using Clock = std::chrono::steady_clock;
+
+    static constexpr int maxPartHead = 8 * 1024; ///< bytes of part headers in a multipart body
+    static constexpr int maxForm = 1024 * 1024; ///< bytes of a form
+
+    class User
+    {
+    public:
+        User() = default;
+        virtual ~User() = default;
+
+        virtual void headReady() = 0; ///< a request head can be parsed
+        virtual void headRestReady(bool whole) = 0; ///< see `readHeadRest`
+        virtual void formReady(const QByteArray &form) = 0; ///< see `readForm`
+        virtual void partHeadReady(const QByteArray &lines) = 0; ///< see `readPartHead`
+        virtual void uploadEnded(SaveResult result) = 0; ///< see `saveBody`
+        virtual void drained() = 0; ///< what waited to be sent fell below the mark
+        virtual void replyEnded() = 0; ///< the reply is over, or its peer is gone
+
+    private:
+        Q_DISABLE_COPY(User)
+    };
+
+    /// All are borrowed and outlive the channel.
+    Channel(Socket &socket, TrafficAccount &account, User &user);
+
+    QHostAddress peerAddress() const;
+    QHostAddress localAddress() const;
+    quint16 localPort() const;
+    bool isEncrypted() const;
+
+    /// Whether the connection serves another request after this one.
+    bool isKeepAlive() const { return keepAlive; }
+    void setKeepAlive(bool on) { keepAlive = on; }
+
+    /// The request whose head was collected.
+    RequestReader &request() { return reader; }
+    const RequestReader &request() const { return reader; }
+    const HeadScan &framing() const { return reader.framing(); }
+
+    /// Whether the peer holds its body back and was not asked for it.
+    bool isBodyHeldBack() const;
+
+    /// Reads the rest of a head that the buffer could not hold; `headRestReady` tells the end,
+    /// perhaps before this call returns: false when it is too long or the peer is gone.
+    void readHeadRest();
+
+    /// Reads the body of a form, at most `maxForm` bytes, and reports it through `formReady`,
+    /// perhaps before this call returns. A form that breaks off is cut.
+    void readForm(qint64 length);
+
+    /// Collects the headers of the first part of a multipart body, its opening boundary line
+    /// included, and reports them through `partHeadReady`, perhaps before this call returns:
+    /// empty when they are too long or the connection is lost.
+    void readPartHead();
+
+    /// Writes a request body of `length` bytes into `upload`, which is borrowed, and
+    /// reports the end, once, through `uploadEnded`: `Saved`, `ReadFailed` or `WriteFailed`.
+    void saveBody(UploadFile *upload, qint64 length);
+
+    /// The same for one part of a multipart body: the file ends at the first `delimiter` within
+    /// the `length` bytes (`BoundaryMissing` if there is none), the rest of the body is dropped.
+    void savePart(UploadFile *upload, const QByteArray &delimiter, qint64 length);
+
+    /// Sends `bytes`; nothing once the traffic limit was reached. `last` ends the reply.
+    void write(const QByteArray &bytes, bool last);
+
+    /// Whether a responder that writes in pieces should pause until `drained`.
+    bool isCongested() const;
+
+    /// Streams `count` bytes of `file` from `offset` on and ends the reply. A file that ends
+    /// early closes the connection, since the peer was told more.
+    void sendFile(FileDescriptor file, qint64 offset, qint64 count);
+
+    /// Whether somebody will get an answer; clean up without one otherwise.
+    bool canAnswer() const;
+
+    /// Ends the reply: the connection is re-armed for the next request, or closed once the peer
+    /// has taken the last bytes. Never calls into the next request, and does nothing when no
+    /// reply is due.
+    void end();
+
+    /// Cuts the connection at once.
+    void abort();
+
+    // What the connection tells.
+    void readable();
+    void writable();
+    void gone();
+
+    /// When a peer that did nothing since `lastActivity` is to `expire`.
+    Clock::time_point deadline(Clock::time_point lastActivity) const;
+    void expire();
+
+    /// Whether it waits for the first byte of a request.
+    bool isIdle() const { return state == State::Collecting && reader.isEmpty(); }
+
+private:
+    enum class State {
+        Collecting, ///< a request head
+        ReadingHeadRest, ///< of a head that was cut
+        Replying, ///< a responder is at work
+        Streaming, ///< a file goes out
+        ReadingForm, ///< a body that is kept in memory
+        ReadingPartHead, ///< of a multipart body
+        Saving, ///< a request body goes into a file
+        Settling, ///< between requests: the rest of the last one is dropped, its reply drains
+        Lingering, ///< about to close, input is dropped for a while so that the reply arrives
+        Closing, ///< the last bytes drain
+        Gone
+    };
+
+    void collectHead();
+    void collectHeadRest();
+    void collectForm();
+    void collectPartHead();
+    void continueSaving();
+    void finishSaving(SaveResult result);
+    void askForBody();
+    void continueStreaming();
+    void settle();
+    void rearm();
+    void close();
+    void linger();
+    void closeSocket();
+    void giveUp();
+    void abandonUpload();
+
+    Socket &socket;
+    TrafficAccount &account;
+    User &user;
+    State state = State::Collecting;
+    bool keepAlive = true;
+    bool bodyAskedFor = false;
+    Clock::time_point lingersUntil;
+    RequestReader reader;
+    FileSender sender;
+    BodySaver saver;
+    qint64 formLength = 0;
+    QByteArray collected; ///< of a form or a part's head
+};

@@ -1,0 +1,260 @@
+#include "classic/http/ClassicFace.h"
+
+#include "classic/Log.h"
+#include "classic/http/FileReply.h"
+#include "classic/http/Refusals.h"
+#include "config/Profile.h"
+#include "server/Connection.h"
+#include "server/Secret.h"
+
+#include <utility>
+
+namespace {
+
+constexpr auto sessionCookieName = "ID";
+constexpr auto loginAction = "log";
+constexpr auto clientArchive = "Client.jar"; ///< the launcher fetches it without a password
+
+constexpr Route statusRoute{ Request::None, nullptr, makeResponder<StatusReply> };
+constexpr Route loginPageRoute{ Request::None, nullptr, makeResponder<LoginPage> };
+constexpr Route challengeRoute{ Request::None, nullptr, makeResponder<Challenge> };
+constexpr Route formTooLargeRoute{ Request::None, nullptr, makeResponder<FormTooLarge> };
+constexpr Route fileRoute{ Request::Get, nullptr, makeResponder<FileReply> };
+constexpr Route formRoute{ Request::Post, nullptr, makeResponder<FileReply> };
+
+} // namespace
+
+Routes fileRoutes()
+{
+    return { fileRoute, formRoute };
+}
+
+FaceMaker classicFaces(Routes routes)
+{
+    auto table = std::make_shared<const Routes>(std::move(routes));
+    return [table](Connection &connection) -> std::unique_ptr<Face> {
+        return std::make_unique<ClassicFace>(connection, table);
+    };
+}
+
+ClassicFace::ClassicFace(Connection &owner, std::shared_ptr<const Routes> table)
+    : connection(owner)
+    , routes(std::move(table))
+    , channel(owner.socket(), owner.service().traffic, *this)
+    , exchange{ owner.service(), channel, {}, {} }
+{
+}
+
+ClassicFace::~ClassicFace() = default;
+
+void ClassicFace::headReady()
+{
+    connection.noteRequest();
+    Request &request = exchange.request;
+    if (!request.parse(channel.request(), exchange.service.singleFile)) {
+        qCDebug(classicLog) << "dropped: no request line from" << channel.peerAddress();
+        return channel.abort();
+    }
+    takeSession();
+    // What only reads is answered by the part of its head that was seen.
+    if (channel.request().isCut() && !channel.request().isTruncated() && !request.onlyReads())
+        return channel.readHeadRest();
+    examine();
+}
+
+void ClassicFace::headRestReady(bool whole)
+{
+    if (!whole)
+        return refuse("431 Request Header Fields Too Large");
+    exchange.request.parseRest(channel.request());
+    examine();
+}
+
+/// A cookie counts for its own request; without one the connection's last session goes on.
+void ClassicFace::takeSession()
+{
+    const Request &request = exchange.request;
+    SessionTable &sessions = exchange.service.sessions;
+    if (request.keepAlive)
+        channel.setKeepAlive(*request.keepAlive);
+    if (request.bringsCookies) {
+        const Request::Cookie *number = request.cookie(sessionCookieName);
+        exchange.client = number ? sessions.ofCookie(number->value) : nullptr;
+    }
+    if (!exchange.client)
+        return;
+    if (sessions.holds(exchange.client))
+        exchange.client->active = true;
+    else
+        exchange.client.reset();
+}
+
+void ClassicFace::examine()
+{
+    if (channel.framing().lengthDoubtful)
+        channel.setKeepAlive(false);
+    if (const char *status = reasonToRefuse())
+        return refuse(status);
+    if (exchange.request.isForm())
+        return readForm();
+    admit();
+}
+
+/// Why no responder must see the request; null when there is no reason.
+const char *ClassicFace::reasonToRefuse() const
+{
+    const Request &request = exchange.request;
+    const HeadScan &framing = channel.framing();
+    // Not to be guessed at by a method that changes something.
+    const bool unclear =
+        channel.request().isTruncated() || framing.lengthDoubtful || framing.strayBreak;
+    if (request.methodCode == Request::None)
+        return "405 Method Not Allowed";
+    if (framing.transferEncoding)
+        return "411 Length Required";
+    if ((unclear && !request.onlyReads()) || request.isMalformed())
+        return "400 Bad Request";
+    if (request.climbs() || request.isCrossSite())
+        return "403 Forbidden";
+    return nullptr;
+}
+
+void ClassicFace::refuse(const char *status)
+{
+    qCDebug(classicLog) << "refused:" << status << exchange.request.path << "from"
+                        << channel.peerAddress();
+    channel.setKeepAlive(false);
+    static_cast<StatusReply &>(responder(statusRoute)).send(status);
+}
+
+void ClassicFace::readForm()
+{
+    const qint64 length = exchange.request.contentLength;
+    RequestReader &reader = channel.request();
+    if (length > Channel::maxForm) {
+        channel.setKeepAlive(false);
+        return responder(formTooLargeRoute).reply();
+    }
+    // A short form that pauses is taken as far as it came; its clients rely on the answer.
+    const bool paused = reader.fitsBuffer() && !reader.isBodyBuffered();
+    if (paused && !channel.isBodyHeldBack())
+        return formReady(reader.readBuffered(length));
+    channel.readForm(length);
+}
+
+/// Makes the fields of a posted form the query of the request.
+void ClassicFace::formReady(const QByteArray &form)
+{
+    QByteArray body = form;
+    // A field that was cut off would name something that nobody chose.
+    if (body.size() < exchange.request.contentLength)
+        body.truncate(qMax(0, int(body.lastIndexOf('&'))));
+    exchange.request.setForm(body);
+    admit();
+}
+
+void ClassicFace::admit()
+{
+    if (!isAdmitted())
+        return refuseLogin();
+    dispatch();
+}
+
+bool ClassicFace::isAdmitted()
+{
+    const Profile &profile = *exchange.service.profile;
+    switch (profile.authMode) {
+    case AuthNone:
+        return true;
+    case AuthPasswordPage:
+        return passwordFits();
+    case AuthBasic:
+        return isAccount();
+    default:
+        return false;
+    }
+}
+
+bool ClassicFace::passwordFits()
+{
+    const Request &request = exchange.request;
+    const Session session = exchange.session();
+    const QHostAddress peer = channel.peerAddress();
+    if (request.field("a") == QLatin1String(loginAction)) {
+        session->password = request.field("password");
+        session->loginAddress = peer;
+    } else if (request.path.endsWith(QLatin1String(clientArchive)) && request.isDownload()) {
+        return true;
+    }
+    const QByteArray password = exchange.service.profile->password.toUtf8();
+    const bool loggedInHere = password.isEmpty() || session->loginAddress == peer;
+    return isSameSecret(session->password.toUtf8(), password) && loggedInHere;
+}
+
+bool ClassicFace::isAccount() const
+{
+    bool known = false;
+    const QStringList accounts = exchange.service.profile->accounts();
+    for (const QString &account : accounts)
+        known = isSameSecret(exchange.request.credentials, account.toUtf8()) || known;
+    return known;
+}
+
+void ClassicFace::refuseLogin()
+{
+    qCDebug(classicLog) << "not logged in:" << channel.peerAddress();
+    channel.setKeepAlive(false);
+    const bool asksForPage = exchange.service.profile->authMode != AuthBasic;
+    responder(asksForPage ? loginPageRoute : challengeRoute).reply();
+}
+
+void ClassicFace::dispatch()
+{
+    const Route *route = exchange.service.singleFile ? &fileRoute : findRoute();
+    if (!route)
+        return refuse("405 Method Not Allowed");
+    responder(*route).reply();
+}
+
+const Route *ClassicFace::findRoute() const
+{
+    for (const Route &route : *routes) {
+        if (route.method == exchange.request.methodCode
+            && (!route.applies || route.applies(exchange.request)))
+            return &route;
+    }
+    return nullptr;
+}
+
+Responder &ClassicFace::responder(const Route &route)
+{
+    if (kept != &route) {
+        kept = &route;
+        current = route.make(exchange);
+    }
+    return *current;
+}
+
+void ClassicFace::partHeadReady(const QByteArray &lines)
+{
+    current->partHeadReady(lines);
+}
+
+void ClassicFace::uploadEnded(SaveResult result)
+{
+    current->uploadEnded(result);
+}
+
+void ClassicFace::drained()
+{
+    if (current)
+        current->drained();
+}
+
+void ClassicFace::replyEnded()
+{
+    if (current)
+        current->replyEnded();
+    if (exchange.client)
+        exchange.client->end();
+}

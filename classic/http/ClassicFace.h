@@ -1,0 +1,62 @@
+#pragma once
+
+#include "classic/http/Exchange.h"
+#include "classic/http/Routes.h"
+#include "server/Face.h"
+
+#include <memory>
+
+class Responder;
+
+/// The classic face: reads requests as this server's clients have always sent them, admits them
+/// and has the responder of their route answer.
+class ClassicFace final : public Face, private Channel::User
+{
+public:
+    /// `table` is shared with the other connections.
+    ClassicFace(Connection &owner, std::shared_ptr<const Routes> table);
+    ~ClassicFace() override;
+
+    void readable() override { channel.readable(); }
+    void writable() override { channel.writable(); }
+    void gone() override { channel.gone(); }
+    Clock::time_point deadline(Clock::time_point lastActivity) const override
+    {
+        return channel.deadline(lastActivity);
+    }
+    void expire() override { channel.expire(); }
+    bool isIdle() const override { return channel.isIdle(); }
+
+private:
+    void headReady() override;
+    void headRestReady(bool whole) override;
+    void formReady(const QByteArray &form) override;
+    void partHeadReady(const QByteArray &lines) override;
+    void uploadEnded(SaveResult result) override;
+    void drained() override;
+    void replyEnded() override;
+
+    void takeSession();
+    void examine();
+    const char *reasonToRefuse() const;
+    void refuse(const char *status);
+    void readForm();
+    void admit();
+    bool isAdmitted();
+    bool passwordFits();
+    bool isAccount() const;
+    void refuseLogin();
+    void dispatch();
+    const Route *findRoute() const;
+    Responder &responder(const Route &route);
+
+    Connection &connection;
+    std::shared_ptr<const Routes> routes;
+    Channel channel;
+    Exchange exchange;
+    const Route *kept = nullptr; ///< whose responder is kept
+    std::unique_ptr<Responder> current;
+};
+
+/// Makes faces that answer by `routes`.
+FaceMaker classicFaces(Routes routes);

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "classic/http/Channel.h"
+#include "classic/http/Request.h"
+#include "server/Service.h"
+
+/// What a responder works with: the request, the channel to its client, the client's session and
+/// what is served to whom. One for each connection, owned by its face; it outlives the responders.
+struct Exchange
+{
+    /// The session of this request; a new one is handed out when it brought none.
+    Session session();
+
+    Service &service;
+    Channel &channel;
+    Request request;
+    Session client; ///< null until the request needs one
+};

@@ -1,0 +1,124 @@
+#include "classic/http/FormUpload.h"
+
+#include "classic/http/Exchange.h"
+#include "files/DiskWorker.h"
+#include "files/Path.h"
+#include "files/Share.h"
+#include "files/UploadFile.h"
+
+#include <QList>
+
+namespace {
+
+constexpr auto dispositionMark = "ition: "; ///< of "Content-Disposition: ", in any case of its head
+constexpr int earliestMark = 13;
+constexpr int dispositionSize = 31; ///< "Content-Disposition: form-data;"
+const QLatin1Char slash('/');
+
+QString decodedName(const QByteArray &bytes)
+{
+    const QString name = QString::fromUtf8(bytes.constData(), bytes.size());
+    const bool isUtf8 = !name.contains(QChar::ReplacementCharacter);
+    return isUtf8 ? name : QString::fromLatin1(bytes.constData(), bytes.size());
+}
+
+/// Browsers of other systems send the whole path of their file.
+QByteArray withoutFolders(const QByteArray &name)
+{
+    auto cut = name.lastIndexOf('/');
+    if (cut < 0)
+        cut = name.lastIndexOf('\\');
+    return name.mid(int(cut) + 1);
+}
+
+SaveResult resultOf(DiskError error)
+{
+    switch (error) {
+    case DiskError::None:
+        return Saved;
+    case DiskError::Exists:
+    case DiskError::Locked:
+        return NameExists;
+    default:
+        return WriteFailed;
+    }
+}
+
+} // namespace
+
+QString uploadName(const QByteArray &partHeaders)
+{
+    QByteArray parameters;
+    const QList<QByteArray> lines = partHeaders.split('\n');
+    for (const QByteArray &line : lines) {
+        if (line.indexOf(dispositionMark, earliestMark) >= 0)
+            parameters = line.mid(dispositionSize);
+    }
+    const QByteArray key("filename=");
+    const auto start = parameters.indexOf(key);
+    if (start < 0)
+        return {};
+    const auto nameStart = int(start + key.size()) + 1; // behind the opening quote
+    const auto nameEnd = int(parameters.indexOf('"', nameStart));
+    if (nameEnd < 0)
+        return {};
+    return decodedName(withoutFolders(parameters.mid(nameStart, nameEnd - nameStart)));
+}
+
+FormUpload::FormUpload(Exchange &current, QObject *responder, Ended whenEnded)
+    : exchange(current)
+    , context(responder)
+    , ended(std::move(whenEnded))
+{
+}
+
+FormUpload::~FormUpload() = default;
+
+void FormUpload::start(const QString &target)
+{
+    folder = target;
+    file.reset();
+    if (!exchange.request.contentType.contains("boundary="))
+        return ended(NoUsableForm);
+    exchange.channel.readPartHead();
+}
+
+void FormUpload::partHeadReady(const QByteArray &lines)
+{
+    const QString name = uploadName(lines);
+    if (name.isEmpty() || name.contains(QChar::Null) || climbsOut(name))
+        return ended(NoUsableForm);
+    if (const SaveResult result = open(name); result != Saved)
+        return ended(result);
+
+    const QByteArray key("boundary=");
+    const QByteArray &type = exchange.request.contentType;
+    const QByteArray boundary = type.mid(int(type.indexOf(key) + key.size()));
+    exchange.channel.savePart(file.get(), "\r\n--" + boundary,
+                              exchange.request.contentLength - lines.size());
+}
+
+/// `Saved` when the file can be received.
+SaveResult FormUpload::open(const QString &name)
+{
+    if (!exchange.service.share)
+        return OpenFailed;
+    Place place = exchange.service.share->place(nativePath(folder + slash + name));
+    if (!place.isValid())
+        return OpenFailed;
+    file = std::make_shared<UploadFile>();
+    const SaveResult result = resultOf(file->create(std::move(place)));
+    return result == WriteFailed ? OpenFailed : result;
+}
+
+void FormUpload::bodyEnded(SaveResult result)
+{
+    const std::shared_ptr<UploadFile> received = std::move(file);
+    DiskWorker &disk = *exchange.service.setup.disk;
+    if (result != Saved) {
+        received->discard();
+        disk.run(received, nullptr, {});
+        return ended(result);
+    }
+    disk.run(received, context, [this, received] { ended(resultOf(received->error())); });
+}

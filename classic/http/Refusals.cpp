@@ -1,0 +1,62 @@
+#include "classic/http/Refusals.h"
+
+#include "files/Share.h"
+
+#include <QCoreApplication>
+
+namespace {
+
+constexpr auto loginAction = "log";
+constexpr auto loginPage = "login.html";
+constexpr auto challenge = "WWW-Authenticate: Basic realm=\"Private Area\"\r\n";
+constexpr auto htmlType = "text/html; charset=UTF-8";
+
+} // namespace
+
+StatusReply::StatusReply(Exchange &current)
+    : Responder(current)
+{
+}
+
+LoginPage::LoginPage(Exchange &current)
+    : FileReply(current)
+{
+}
+
+void LoginPage::reply()
+{
+    if (request.methodCode == Request::Head)
+        return sendHeader("200 OK", 0);
+    // "200 OK" would make who wants to store something believe that it is stored.
+    const bool triesLogin = request.field("a") == QLatin1String(loginAction);
+    const bool refused = !request.onlyReads() && !triesLogin;
+    sendInstalled(exchange.service.setup.directories.language + QLatin1String(loginPage),
+                  refused ? "403 Forbidden" : "200 OK");
+}
+
+Challenge::Challenge(Exchange &current)
+    : Responder(current)
+{
+    setContentType("text/xml; charset=\"utf-8\"");
+}
+
+void Challenge::reply()
+{
+    const QString text = QCoreApplication::translate("Connection", "Wrong password");
+    const QByteArray body = "<h2>" + text.toUtf8() + "</h2>";
+    sendBody("401 Authorization Required", body, challenge);
+}
+
+FormTooLarge::FormTooLarge(Exchange &current)
+    : Responder(current)
+{
+    setContentType(htmlType);
+}
+
+void FormTooLarge::reply()
+{
+    sendBody("413 Content Too Large",
+             "<html><head><title>Quillon</title></head><body><h1>Too much at once</h1>"
+             "This form is larger than 1 MB. Go back, select fewer entries and try again."
+             "</body></html>");
+}

@@ -1,0 +1,57 @@
+#include "classic/http/Responder.h"
+
+#include <QNetworkCookie>
+
+namespace {
+
+constexpr auto serverLine = "Server: Quillon_4\r\n";
+constexpr auto cacheLine = "Cache-Control: no-cache\r\n";
+constexpr auto rangesLine = "Accept-Ranges: bytes\r\n";
+constexpr auto closeLine = "Connection: close\r\n";
+constexpr auto sessionCookieName = "ID";
+constexpr auto eol = "\r\n";
+constexpr int usualHeadSize = 512;
+
+QByteArray sessionCookie(Exchange &exchange)
+{
+    const Request::Cookie *sent = exchange.request.cookie(sessionCookieName);
+    const QByteArray value = sent ? sent->value : QByteArray::number(exchange.session()->id);
+    return QNetworkCookie(sessionCookieName, value).toRawForm();
+}
+
+} // namespace
+
+Responder::Responder(Exchange &current)
+    : exchange(current)
+    , request(current.request)
+    , channel(current.channel)
+{
+}
+
+void Responder::sendHeader(const QByteArray &status, qint64 length, const QByteArray &extra)
+{
+    // A peer that was not asked for its body may send the next request instead of it.
+    if (channel.isBodyHeldBack())
+        channel.setKeepAlive(false);
+    QByteArray head;
+    head.reserve(usualHeadSize);
+    head.append("HTTP/1.1 ").append(status).append(eol);
+    head.append(serverLine).append(cacheLine);
+    head.append("Set-Cookie: ").append(sessionCookie(exchange)).append(eol);
+    if (!channel.isKeepAlive())
+        head.append(closeLine);
+    head.append(rangesLine).append(extra);
+    if (length > 0 && !contentType.isEmpty())
+        head.append("Content-Type: ").append(contentType).append(eol);
+    head.append("Content-Length: ").append(QByteArray::number(length)).append(eol).append(eol);
+    channel.write(head, length == 0);
+}
+
+void Responder::sendBody(const QByteArray &status, const QByteArray &body, const QByteArray &extra)
+{
+    if (request.methodCode == Request::Head)
+        return sendHeader(status, 0, extra);
+    sendHeader(status, body.size(), extra);
+    if (!body.isEmpty())
+        channel.write(body, true);
+}

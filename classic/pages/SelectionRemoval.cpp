@@ -1,0 +1,115 @@
+#include "classic/pages/SelectionRemoval.h"
+
+#include "classic/http/RequestTarget.h"
+#include "classic/pages/Markup.h"
+#include "files/Path.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <unistd.h>
+
+namespace {
+
+const QLatin1String actionField("a");
+const QLatin1String folderField("d"); ///< the check box of a folder
+const QLatin1Char slash('/');
+constexpr int maxFailures = 8000; ///< bytes: a session keeps them until its next page
+
+/// Whether a field names the listed folder itself.
+bool isListedFolder(const QString &name)
+{
+    return cleanPath(nativePath(name)).isEmpty();
+}
+
+/// Browsers post a line feed in a name as CR LF.
+QByteArray existingPath(const Share &share, const QByteArray &folder, QByteArray name)
+{
+    QByteArray path = folder + '/' + name;
+    if (!name.contains("\r\n"))
+        return path;
+    const EntryFacts facts = share.facts(path);
+    const bool found = facts.exists || facts.link;
+    return found ? path : folder + '/' + name.replace("\r\n", "\n");
+}
+
+} // namespace
+
+SelectionRemoval::SelectionRemoval(std::shared_ptr<const Share> sharedFolder, QString path,
+                                   QString pathOnDisk, const QUrlQuery &postedForm)
+    : share(std::move(sharedFolder))
+    , folder(std::move(path))
+    , shownFolder(std::move(pathOnDisk))
+    , form(postedForm)
+{
+}
+
+bool SelectionRemoval::run(const Budget &until)
+{
+    if (!until.mayBlock())
+        return false;
+    if (!std::exchange(formRead, true))
+        readForm();
+    while (tree || !fields.isEmpty()) {
+        if (until.isUsedUp())
+            return until.isCancelled();
+        if (!tree)
+            begin(fields.takeLast());
+        else if (tree->run(until))
+            endFolder();
+    }
+    return true;
+}
+
+void SelectionRemoval::readForm()
+{
+    fields = form.queryItems(QUrl::FullyDecoded);
+    forbidden = std::any_of(fields.cbegin(), fields.cend(),
+                            [](const Field &field) { return climbsOut(field.second); });
+    if (forbidden)
+        fields.clear();
+    std::reverse(fields.begin(), fields.end());
+}
+
+void SelectionRemoval::begin(const Field &field)
+{
+    const QString &name = field.second;
+    if (field.first == actionField || isListedFolder(name))
+        return;
+    const QByteArray path = existingPath(*share, nativePath(folder), nativePath(name));
+    if (field.first == folderField)
+        removeFolder(path, name);
+    else
+        removeFile(path);
+}
+
+void SelectionRemoval::removeFile(const QByteArray &path)
+{
+    const Place place = share->place(path);
+    if (place.isValid() && ::unlinkat(place.folder.get(), place.name.constData(), 0) == 0)
+        ++removed;
+}
+
+void SelectionRemoval::removeFolder(const QByteArray &path, const QString &name)
+{
+    if (!share->facts(path).folder)
+        return;
+    tree = std::make_unique<TreeRemoval>(share->place(path));
+    treeName = name;
+}
+
+void SelectionRemoval::endFolder()
+{
+    const std::unique_ptr<TreeRemoval> ended = std::move(tree);
+    removed += ended->removed();
+    if (ended->isWhole())
+        return;
+    const QByteArray failure = " delete " + toAscii(shownFolder + slash + treeName) + " failed,";
+    if (failures.size() + failure.size() <= maxFailures)
+        failures += failure;
+}
+
+QByteArray SelectionRemoval::message() const
+{
+    return failures + QByteArray::number(removed) + " file removed. ";
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "files/DiskJob.h"
+#include "files/Share.h"
+#include "files/TreeRemoval.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QPair>
+#include <QString>
+#include <QUrlQuery>
+
+#include <memory>
+#include <optional>
+
+/// Removes what was ticked on the page of a folder: files, and folders with all they hold. When
+/// one name climbs out of the folder, nothing is touched.
+class SelectionRemoval final : public DiskJob
+{
+public:
+    /// `path` is that of the folder in the share; `pathOnDisk` is only told.
+    SelectionRemoval(std::shared_ptr<const Share> sharedFolder, QString path, QString pathOnDisk,
+                     const QUrlQuery &postedForm);
+
+    bool run(const Budget &until) override;
+
+    /// Whether a name climbed out.
+    bool isForbidden() const { return forbidden; }
+
+    /// What browsers are told: the folders that stay, as far as there is room, and how many
+    /// entries were removed. Of a folder only those below it count.
+    QByteArray message() const;
+
+private:
+    using Field = QPair<QString, QString>;
+
+    void readForm();
+    void begin(const Field &field);
+    void removeFile(const QByteArray &path);
+    void removeFolder(const QByteArray &path, const QString &name);
+    void endFolder();
+
+    const std::shared_ptr<const Share> share;
+    const QString folder;
+    const QString shownFolder;
+    const QUrlQuery form;
+    bool formRead = false;
+    bool forbidden = false;
+    QList<Field> fields; ///< yet to be removed, backwards
+    std::unique_ptr<TreeRemoval> tree; ///< under way
+    QString treeName;
+    qint64 removed = 0;
+    QByteArray failures;
+};

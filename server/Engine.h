@@ -1,0 +1,26 @@
+#pragma once
+
+#include "files/DiskWorker.h"
+#include "files/ListingCache.h"
+#include "net/Poller.h"
+#include "server/Service.h"
+
+#include <memory>
+
+/// What the servers of a program wait and work with. Made once in `main`; outlives its servers.
+class Engine
+{
+public:
+    /// `sink` and `previews` are borrowed and outlive the engine; both may be null.
+    Engine(FaceMaker makeFace, const Directories &directories, StatusSink *sink,
+           Previews *previews);
+
+    /// For every server of the program.
+    std::shared_ptr<const ServerSetup> setup() const { return common; }
+
+private:
+    Poller poller;
+    DiskWorker disk;
+    ListingCache listings{ disk };
+    std::shared_ptr<const ServerSetup> common;
+};

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "config/Directories.h"
+#include "net/TrafficAccount.h"
+#include "server/Face.h"
+#include "server/SessionTable.h"
+
+#include <QFileInfo>
+
+class DiskWorker;
+class ListingCache;
+class Poller;
+class Previews;
+class Profile;
+class Share;
+
+class StatusSink;
+
+/// What all servers of a program have in common. What it points to outlives them.
+struct ServerSetup
+{
+    FaceMaker makeFace;
+    StatusSink *sink = nullptr;
+    Poller *poller = nullptr;
+    DiskWorker *disk = nullptr;
+    ListingCache *listings = nullptr;
+    Previews *previews = nullptr;
+    Directories directories;
+};
+
+/// One served item as its connections see it. Owned by its server.
+struct Service
+{
+    const ServerSetup &setup;
+    Profile *profile; ///< live: its values may change between two requests
+    QFileInfo shared;
+    bool singleFile = false;
+    std::shared_ptr<const Share> share; ///< of `shared`; null when that can't be opened
+    SessionTable sessions;
+    TrafficAccount traffic;
+};

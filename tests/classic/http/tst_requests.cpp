@@ -1,0 +1,510 @@
+#include "classic/http/Responder.h"
+#include "tests/support/LiveServer.h"
+
+#include <QRegularExpression>
+#include <QTest>
+
+#include <sys/socket.h>
+#include <sys/stat.h>
+
+namespace {
+
+/// Answers without reading the body, as locking does.
+class Acknowledge : public Responder
+{
+public:
+    using Responder::Responder;
+    void reply() override { sendHeader("200 Locked", 0); }
+};
+
+/// Tells what the request holds.
+class Describe : public Responder
+{
+public:
+    using Responder::Responder;
+    void reply() override
+    {
+        sendBody("200 OK",
+                 request.path.toUtf8() + '|' + request.depth + '|' + request.destination + '|'
+                     + QByteArray::number(request.contentLength) + '|' + request.userAgent + '|'
+                     + channel.request().readBuffered(request.contentLength) + '|'
+                     + request.field("f").toUtf8());
+    }
+};
+
+/// Reads the body of the request as a form.
+class AskForBody : public Describe
+{
+public:
+    using Describe::Describe;
+    void partHeadReady(const QByteArray &lines) override { sendBody("200 OK", lines); }
+    void reply() override { channel.readPartHead(); }
+};
+
+/// Header lines of which the last stands behind what is seen of a head at first.
+QByteArray late(const QByteArray &line)
+{
+    return "X: " + QByteArray(2500, 'x') + "\r\n" + line + "\r\n";
+}
+
+bool isLoud(const Request &request)
+{
+    return request.path.endsWith(u'!');
+}
+
+Routes testRoutes()
+{
+    Routes routes{
+        { Request::Post, isLoud, makeResponder<Describe> },
+        { Request::Put, nullptr, makeResponder<AskForBody> },
+        { Request::Lock, nullptr, makeResponder<Acknowledge> },
+        { Request::PropFind, nullptr, makeResponder<Describe> },
+        { Request::Copy, nullptr, makeResponder<Describe> },
+    };
+    for (const Route &route : fileRoutes())
+        routes.push_back(route);
+    return routes;
+}
+
+} // namespace
+
+/// Requests as they arrive in packets, and what is answered to them.
+class TestRequests : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void writesTheHeaderInItsFixedOrder();
+    void answersHowAFileGoesOut_data();
+    void answersHowAFileGoesOut();
+    void sendsPartsOfAFile_data();
+    void sendsPartsOfAFile();
+    void servesTheIconWhileThumbnailsAreOn();
+    void answersAHeadHoweverItArrives();
+    void cutsAHeadAt2048Bytes();
+    void answersAHalfClosedPeer();
+    void goesOnAfterABodyThatNobodyRead();
+    void answersManyPipelinedRequestsOnAShallowStack();
+    void asksForABodyThatIsHeldBack();
+    void keepsHeadersButNotWhatWouldRepeat();
+    void refusesBrokenRequests_data();
+    void refusesBrokenRequests();
+    void decodesForms();
+    void readsLongFormsWhole();
+    void showsTheLoginPageUntilThePasswordFits();
+    void asksForBasicCredentials_data();
+    void asksForBasicCredentials();
+    void sharesTheSessionOfOneBrowser();
+    void knowsOnlyGetAndPostForASingleFile();
+
+private:
+    std::unique_ptr<LiveServer> live;
+};
+
+void TestRequests::init()
+{
+    live = std::make_unique<LiveServer>(testRoutes());
+    live->addFile(QStringLiteral("a.txt"), "0123456789");
+    live->start();
+}
+
+void TestRequests::cleanup()
+{
+    live.reset();
+}
+
+void TestRequests::writesTheHeaderInItsFixedOrder()
+{
+    RawClient client(live->port());
+    const RawReply reply =
+        client.exchange("GET /a.txt HTTP/1.1\r\nCookie: x=1; ID=42\r\nConnection: close\r\n\r\n");
+    QCOMPARE(reply.head,
+             QByteArray("HTTP/1.1 200 OK\r\nServer: Quillon_4\r\nCache-Control: no-cache\r\n"
+                        "Set-Cookie: ID=42\r\nConnection: close\r\nAccept-Ranges: bytes\r\n"
+                        "Content-Disposition: attachment; filename=\"a.txt\"\r\n"
+                        "Content-Length: 10"));
+    QCOMPARE(reply.body, QByteArray("0123456789"));
+    QVERIFY(client.waitForClose());
+}
+
+void TestRequests::answersHowAFileGoesOut_data()
+{
+    QTest::addColumn<QByteArray>("target");
+    QTest::addColumn<QByteArray>("status");
+    QTest::addColumn<QByteArray>("type");
+    QTest::addColumn<QByteArray>("disposition");
+
+    const auto row = [](const char *name, const char *target, const char *status,
+                        const QByteArray &type, const QByteArray &fileName) {
+        QTest::newRow(name) << QByteArray(target) << QByteArray(status) << type
+                            << (fileName.isEmpty() ? QByteArray()
+                                                   : "attachment; filename=\"" + fileName + '"');
+    };
+    row("HTML is shown inline", "/PAGE.HTML", "200 OK", "text/html; charset=UTF-8", {});
+    row("two types in one value", "/x.aac", "200 OK", "video/mp4v-es, audio/mp4", "x.aac");
+    row("unknown type", "/x.css", "200 OK", {}, "x.css");
+    row("Latin-1 name", "/%C3%A4%E2%82%AC.zip", "200 OK", "application/zip", "\xe4?.zip");
+    row("no header injection", "/%22%0D%0AX:%20y", "200 OK", {}, "???X: y");
+    row("empty file", "/empty.jpg", "200 OK", {}, "empty.jpg");
+    row("missing", "/none", "404 Not Found", "text/html", {});
+    row("NUL in the name", "/a.txt%00.html", "404 Not Found", "text/html", {});
+    row("folder", "/sub", "500 Can't read file", {}, {});
+    row("pipe without a writer", "/fifo", "500 Can't read file", {}, {});
+    row("name too long", QByteArray("/" + QByteArray(300, 'n')).constData(), "404 Not Found",
+        "text/html", {});
+}
+
+void TestRequests::answersHowAFileGoesOut()
+{
+    for (const char *name : { "PAGE.HTML", "x.aac", "x.css", "ä€.zip", "\"\r\nX: y", "sub/b" })
+        live->addFile(QString::fromUtf8(name), "content");
+    live->addFile(QStringLiteral("empty.jpg"), {});
+    QCOMPARE(mkfifo(live->sharePath(QStringLiteral("fifo")).toUtf8().constData(), 0600), 0);
+
+    QFETCH(QByteArray, target);
+    RawClient client(live->port());
+    const RawReply reply = client.exchange(rawRequest("GET", target));
+    QTEST(reply.status(), "status");
+    QTEST(reply.header("Content-Type"), "type");
+    QTEST(reply.header("Content-Disposition"), "disposition");
+    // The connection is still good.
+    QCOMPARE(client.exchange(rawRequest("GET", "/a.txt")).body, QByteArray("0123456789"));
+}
+
+void TestRequests::sendsPartsOfAFile_data()
+{
+    QTest::addColumn<QByteArray>("range");
+    QTest::addColumn<QByteArray>("contentRange");
+    QTest::addColumn<QByteArray>("body");
+
+    const auto row = [](const char *name, const char *range, const char *line, const char *body) {
+        QTest::newRow(name) << QByteArray(range) << QByteArray(line) << QByteArray(body);
+    };
+    row("open end", "bytes=4-", "bytes 4--1/0", "456789");
+    row("the end is a count", "bytes=0-4", "bytes 0-4/0", "0123");
+    row("start and count", "bytes=2-3", "bytes 2-3/0", "234");
+    row("suffix", "bytes=-5", "bytes 0-5/0", "01234");
+    row("starts past the end", "bytes=50-60", "bytes 50-60/0", "");
+    row("more than there is", "bytes=8-99999999999", "bytes 8-99999999999/0", "89");
+}
+
+void TestRequests::sendsPartsOfAFile()
+{
+    QFETCH(QByteArray, range);
+    RawClient client(live->port());
+    client.send(rawRequest("GET", "/a.txt", "Range: " + range + "\r\n"));
+    // Fewer bytes than announced, so the end of the connection ends the reply.
+    const QByteArray all = client.readToEnd();
+    QVERIFY(!client.isOpen());
+    QVERIFY(all.startsWith("HTTP/1.1 206 Partial Content\r\n"));
+    QVERIFY(all.contains("\r\nContent-Length: 10\r\n"));
+    const int end = int(all.indexOf("\r\n\r\n"));
+    QTEST((RawReply{ all.left(end), {} }.header("Content-Range")), "contentRange");
+    QTEST(all.mid(end + 4), "body");
+}
+
+void TestRequests::servesTheIconWhileThumbnailsAreOn()
+{
+    QFile icon(live->home.directories.icons + QLatin1String("n900.ico"));
+    QVERIFY(icon.open(QIODevice::WriteOnly));
+    icon.write("ICON");
+    icon.close();
+
+    RawClient client(live->port());
+    const RawReply reply = client.exchange(rawRequest("GET", "/x/favicon.ico"));
+    QCOMPARE(reply.body, QByteArray("ICON"));
+    QCOMPARE(reply.header("Content-Disposition"), QByteArray("attachment; filename=\"n900.ico\""));
+    live->profile->showImages = 0;
+    const QByteArray tried = live->sharePath(QStringLiteral("favicon.ico")).toUtf8();
+    QCOMPARE(client.exchange(rawRequest("GET", "/favicon.ico")).body,
+             "<html><title>Wrong URL</title><body><h1>Wrong URL</h1>Path=/favicon.ico<br>or File="
+                 + tried + "<br>Not found.</body></html>");
+}
+
+void TestRequests::answersAHeadHoweverItArrives()
+{
+    const QByteArray head = rawRequest("PROPFIND", "/x", "Depth: 1\r\nContent-Length: 7\r\n");
+    RawClient client(live->port());
+    const QByteArray whole = client.exchange(head + "<body/>").body;
+    QCOMPARE(whole, QByteArray("/x|1||7||<body/>|"));
+    for (const char byte : head) {
+        client.send(QByteArray(1, byte));
+        QTest::qWait(1); // a packet of its own
+    }
+    QCOMPARE(client.exchange("<body/>").body, whole);
+}
+
+void TestRequests::cutsAHeadAt2048Bytes()
+{
+    // What does not fit - more header lines and a body announced by one of them - is dropped.
+    const QByteArray head = "GET /a.txt HTTP/1.1\r\nX: " + QByteArray(3000, 'x')
+        + "\r\ncontent-length: 7\r\nCookie: ID=5\r\n\r\nGET / X";
+    RawClient client(live->port());
+    client.send(head + rawRequest("GET", "/none"));
+    const RawReply cut = client.reply();
+    QCOMPARE(cut.body, QByteArray("0123456789"));
+    QVERIFY(cut.header("Set-Cookie") != "ID=5");
+    QCOMPARE(client.reply().status(), QByteArray("404 Not Found"));
+}
+
+void TestRequests::answersAHalfClosedPeer()
+{
+    RawClient client(live->port());
+    client.send("GET /a.txt HTTP/1.1\r\nHost: x\r\n");
+    ::shutdown(int(client.socket->socketDescriptor()), SHUT_WR);
+    QCOMPARE(client.reply().body, QByteArray("0123456789"));
+
+    // A lost connection must not turn half a head into a whole change.
+    RawClient writer(live->port());
+    writer.send("LOCK /a.txt HTTP/1.1\r\nContent-Le");
+    ::shutdown(int(writer.socket->socketDescriptor()), SHUT_WR);
+    QCOMPARE(writer.reply().status(), QByteArray("400 Bad Request"));
+}
+
+void TestRequests::goesOnAfterABodyThatNobodyRead()
+{
+    RawClient client(live->port());
+    const QByteArray next = rawRequest("GET", "/a.txt");
+    for (const int size : { 5, 2000, 70000 }) {
+        client.send(rawRequest("LOCK", "/a.txt", {}, QByteArray(size, 'G')) + next);
+        QCOMPARE(client.reply().status(), QByteArray("200 Locked"));
+        QCOMPARE(client.reply().body, QByteArray("0123456789"));
+    }
+    // A GET's body belongs to it too.
+    client.send(rawRequest("GET", "/none", {}, "GET / HTTP/1.1\r\n\r\n") + next);
+    QCOMPARE(client.reply().status(), QByteArray("404 Not Found"));
+    QCOMPARE(client.reply().body, QByteArray("0123456789"));
+}
+
+void TestRequests::answersManyPipelinedRequestsOnAShallowStack()
+{
+    constexpr int count = 10000;
+    QByteArray requests;
+    for (int i = 0; i < count; ++i)
+        requests += "GET /a.txt HTTP/1.1\r\n\r\n";
+    RawClient client(live->port());
+    client.send(requests);
+    for (int i = 0; i < count; ++i)
+        QCOMPARE(client.reply().body, QByteArray("0123456789"));
+}
+
+void TestRequests::asksForABodyThatIsHeldBack()
+{
+    RawClient client(live->port());
+    const QByteArray headers = "Expect: 100-continue\r\nContent-Length: 5\r\n";
+    client.send(rawRequest("PUT", "/x", headers));
+    QCOMPARE(client.reply().status(), QByteArray("100 Continue"));
+    QCOMPARE(client.exchange("x\r\n\r\n").body, QByteArray("x\r\n\r\n"));
+    // Who gets a refusal is not asked for a body first.
+    QCOMPARE(client.exchange(rawRequest("MOVE", "/x", headers)).status(),
+             QByteArray("405 Method Not Allowed"));
+}
+
+void TestRequests::keepsHeadersButNotWhatWouldRepeat()
+{
+    RawClient client(live->port());
+    const QByteArray first =
+        client
+            .exchange(rawRequest("COPY", "/x", "User-Agent: me\r\nDepth: 1\r\ndestination: /y\r\n",
+                                 "abc"))
+            .body;
+    QCOMPARE(first, QByteArray("/x|1|/y|3|me|abc|"));
+    QCOMPARE(client.exchange(rawRequest("COPY", "/x")).body, QByteArray("/x|1||0|me||"));
+    QCOMPARE(client.exchange(rawRequest("COPY", "http://h/x?y", "DEPTH:0 \r\n")).body,
+             QByteArray("/x|0||0|me||"));
+    // What decides is found however late it comes.
+    QCOMPARE(client.exchange(rawRequest("COPY", "/x", late("Destination: /late"))).body,
+             QByteArray("/x|0|/late|0|me||"));
+}
+
+void TestRequests::refusesBrokenRequests_data()
+{
+    QTest::addColumn<QByteArray>("request");
+    QTest::addColumn<QByteArray>("status");
+
+    const auto row = [](const char *name, const QByteArray &request, const char *status) {
+        QTest::newRow(name) << request << QByteArray(status);
+    };
+    row("unknown method", rawRequest("BREW", "/"), "405 Method Not Allowed");
+    row("longer than a known one", rawRequest("GETX", "/"), "405 Method Not Allowed");
+    row("method without a responder", rawRequest("UNLOCK", "/"), "405 Method Not Allowed");
+    row("chunked body", rawRequest("POST", "/", "Transfer-Encoding: chunked\r\n"),
+        "411 Length Required");
+    row("negative length", rawRequest("LOCK", "/a", "Content-Length: -5\r\n"), "400 Bad Request");
+    row("two lengths", rawRequest("POST", "/!", "Content-Length: 1\r\n", "abc"), "400 Bad Request");
+    row("a lone CR in a head that changes something",
+        rawRequest("LOCK", "/a", "X: y\rContent-Length: 3\r\n"), "400 Bad Request");
+    row("a blank before a colon", rawRequest("LOCK", "/a", "Content-Length : 3\r\n"),
+        "400 Bad Request");
+    row("a late Transfer-Encoding", rawRequest("LOCK", "/a", late("Transfer-Encoding: chunked")),
+        "411 Length Required");
+    row("a late Destination that is too long",
+        rawRequest("COPY", "/a", late("Destination: /" + QByteArray(9000, 'd'))),
+        "431 Request Header Fields Too Large");
+    row("a head without an end", rawRequest("LOCK", "/a", late(QByteArray(70000, 'x') + ": y")),
+        "431 Request Header Fields Too Large");
+    row("a form of another site", rawRequest("POST", "/!", "Origin: http://elsewhere\r\n"),
+        "403 Forbidden");
+    row("climbing target", rawRequest("GET", "/../x"), "403 Forbidden");
+    row("climbing by escapes", rawRequest("GET", "/%2e%2E%2fx"), "403 Forbidden");
+    row("climbing below the icons", rawRequest("GET", "/_i/../a.txt"), "403 Forbidden");
+    row("climbing Destination", rawRequest("COPY", "/a", "Destination: http://h/../b\r\n"),
+        "403 Forbidden");
+    row("sibling of the share", rawRequest("GET", "-other/x"), "400 Bad Request");
+    row("sibling as Destination", rawRequest("COPY", "/a", "Destination: -other\r\n"),
+        "400 Bad Request");
+    row("change without a target", rawRequest("LOCK", "http://host"), "400 Bad Request");
+    row("asterisk", rawRequest("GET", "*"), "400 Bad Request");
+    row("no request at all", "\r\n\r\n", "");
+    row("garbage without an end", QByteArray(5000, '\xff'), "");
+    row("NULs", QByteArray(2048, '\0'), "");
+}
+
+void TestRequests::refusesBrokenRequests()
+{
+    QFETCH(QByteArray, request);
+    RawClient client(live->port());
+    QTEST(client.exchange(request).status(), "status");
+    QVERIFY(client.waitForClose());
+}
+
+void TestRequests::decodesForms()
+{
+    RawClient client(live->port());
+    const QByteArray type = "Content-Type: application/x-www-form-urlencoded\r\n";
+    const RawReply reply =
+        client.exchange(rawRequest("POST", "/!", type, "g=1&f=My+Trip+%2B+%c3%a4%26"));
+    QVERIFY(reply.body.endsWith("|My Trip + ä&"));
+    QVERIFY(client.exchange(rawRequest("POST", "/!?f=a+b")).body.endsWith("|a+b"));
+}
+
+void TestRequests::readsLongFormsWhole()
+{
+    const QByteArray type = late("Content-Type: application/x-www-form-urlencoded");
+    const QByteArray value(500000, 'x');
+    RawClient client(live->port());
+    QVERIFY(client.exchange(rawRequest("POST", "/!", type, "a=del&f=" + value))
+                .body.endsWith('|' + value));
+    QCOMPARE(client.exchange(rawRequest("POST", "/!", type, QByteArray(1100000, 'x'))).status(),
+             QByteArray("413 Content Too Large"));
+
+    // What a lost connection cut off would name something that nobody chose.
+    RawClient leaving(live->port());
+    leaving.send("POST /! HTTP/1.1\r\nContent-Type: application/x-www-form-urlencoded\r\n"
+                 "Content-Length: 4000\r\n\r\na=del&f=xxx");
+    ::shutdown(int(leaving.socket->socketDescriptor()), SHUT_WR);
+    QVERIFY(leaving.reply().body.endsWith('|'));
+}
+
+void TestRequests::showsTheLoginPageUntilThePasswordFits()
+{
+    QFile page(live->home.directories.language + QLatin1String("login.html"));
+    QVERIFY(page.open(QIODevice::WriteOnly));
+    page.write("LOGIN");
+    page.close();
+    live->profile->authMode = AuthPasswordPage;
+    live->profile->password = QStringLiteral("pä ss+");
+
+    const auto get = [this](const QByteArray &target, const QByteArray &headers) {
+        return RawClient(live->port()).exchange(rawRequest("GET", target, headers));
+    };
+    const RawReply refused = get("/a.txt", {});
+    QCOMPARE(refused.body, QByteArray("LOGIN"));
+    QCOMPARE(refused.header("Connection"), QByteArray("close"));
+    const QByteArray cookie = "Cookie: " + refused.header("Set-Cookie") + "\r\n";
+
+    const QByteArray type = "Content-Type: application/x-www-form-urlencoded\r\n";
+    const auto login = [&](const QByteArray &form) {
+        return RawClient(live->port()).exchange(rawRequest("POST", "/a.txt", cookie + type, form));
+    };
+    QCOMPARE(login("a=log&password=p").body, QByteArray("LOGIN"));
+    QCOMPARE(login("a=log&password=p%c3%a4+ss%2b").body, QByteArray("0123456789"));
+    QCOMPARE(get("/a.txt", cookie).body, QByteArray("0123456789"));
+    QCOMPARE(get("/a.txt", "Cookie: ID=77777\r\n").body, QByteArray("LOGIN"));
+    // What changes something must not pass for done, and no head has a body.
+    const auto ask = [this](const QByteArray &method) {
+        RawClient client(live->port());
+        client.send(rawRequest(method, "/xClient.jar"));
+        return client.readToEnd();
+    };
+    QVERIFY(ask("LOCK").startsWith("HTTP/1.1 403 Forbidden\r\n"));
+    QVERIFY(ask("HEAD").endsWith("\r\n\r\n"));
+    // A number that was overheard is of no use elsewhere.
+    RawClient neighbour(live->port(), QHostAddress(QStringLiteral("127.0.0.2")));
+    QCOMPARE(neighbour.exchange(rawRequest("GET", "/a.txt", cookie)).body, QByteArray("LOGIN"));
+    QCOMPARE(get("/xClient.jar", {}).status(), QByteArray("404 Not Found"));
+    QCOMPARE(get("/xClient.jar?a=log", {}).body, QByteArray("LOGIN"));
+}
+
+void TestRequests::asksForBasicCredentials_data()
+{
+    QTest::addColumn<QByteArray>("credentials");
+    QTest::addColumn<bool>("admitted");
+
+    QTest::newRow("right") << QByteArray("user:pass") << true;
+    QTest::newRow("any characters") << QByteArray("ü%41:a:b c") << true;
+    QTest::newRow("up to the first NUL") << QByteArray("user:pass\0x", 11) << true;
+    QTest::newRow("wrong") << QByteArray("user:Pass") << false;
+    QTest::newRow("escapes mean nothing") << QByteArray("üA:a:b c") << false;
+    QTest::newRow("longer") << QByteArray("user:passpass") << false;
+    QTest::newRow("empty") << QByteArray() << false;
+}
+
+void TestRequests::asksForBasicCredentials()
+{
+    live->profile->authMode = AuthBasic;
+    live->profile->users = QStringList{ QStringLiteral("user:pass"), QStringLiteral("ü%41:a:b c") };
+    QFETCH(QByteArray, credentials);
+    QFETCH(bool, admitted);
+    RawClient client(live->port());
+    const RawReply reply = client.exchange(
+        rawRequest("GET", "/a.txt", "authorization: Basic " + credentials.toBase64() + "\r\n"));
+    if (admitted) {
+        QCOMPARE(reply.body, QByteArray("0123456789"));
+        // The next request has to bring its own.
+        QCOMPARE(client.exchange(rawRequest("GET", "/a.txt")).status(),
+                 QByteArray("401 Authorization Required"));
+        return;
+    }
+    QVERIFY(reply.head.endsWith("Accept-Ranges: bytes\r\n"
+                                "WWW-Authenticate: Basic realm=\"Private Area\"\r\n"
+                                "Content-Type: text/xml; charset=\"utf-8\"\r\n"
+                                "Content-Length: 23"));
+    QCOMPARE(reply.body, QByteArray("<h2>Wrong password</h2>"));
+    QVERIFY(client.waitForClose());
+}
+
+void TestRequests::sharesTheSessionOfOneBrowser()
+{
+    RawClient first(live->port());
+    const QByteArray cookie = first.exchange(rawRequest("GET", "/a.txt")).header("Set-Cookie");
+    QVERIFY(QRegularExpression(QStringLiteral("^ID=\\d{1,3}$"))
+                .match(QString::fromLatin1(cookie))
+                .hasMatch());
+    RawClient second(live->port());
+    const QByteArray headers = "Cookie: " + cookie + "\r\n";
+    QCOMPARE(second.exchange(rawRequest("GET", "/a.txt", headers)).header("Set-Cookie"), cookie);
+
+    // Several people may come on one connection of a proxy.
+    QCOMPARE(second.exchange(rawRequest("GET", "/a.txt", "Cookie: ID=7\r\n")).header("Set-Cookie"),
+             QByteArray("ID=7"));
+    // A cookie can't begin a header line of its own.
+    QVERIFY(!second.exchange(rawRequest("GET", "/a.txt", "Cookie: ID=7\nX: y\r\n"))
+                 .head.contains("X: y"));
+}
+
+void TestRequests::knowsOnlyGetAndPostForASingleFile()
+{
+    live->server->setShared(live->sharePath(QStringLiteral("a.txt")));
+    RawClient client(live->port());
+    QCOMPARE(client.exchange(rawRequest("GET", "/")).body, QByteArray("0123456789"));
+    QCOMPARE(client.exchange(rawRequest("POST", "/")).body, QByteArray("0123456789"));
+    QCOMPARE(client.exchange(rawRequest("GET", "/b")).status(), QByteArray("404 Not Found"));
+    QCOMPARE(client.exchange(rawRequest("PROPFIND", "/")).status(),
+             QByteArray("405 Method Not Allowed"));
+}
+
+QTEST_GUILESS_MAIN(TestRequests)
+#include "tst_requests.moc"
