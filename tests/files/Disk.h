@@ -2,10 +2,9 @@
 
 #include "files/DiskJob.h"
 #include "files/Share.h"
+#include "tests/support/Files.h"
 
-#include <QDir>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <cstddef>
 
@@ -36,15 +35,9 @@ public:
     /// With the folders above it.
     void write(const QByteArray &name, const QByteArray &content = "x") const
     {
-        QDir().mkpath(QFileInfo(path(name)).path());
-        QFile file(path(name));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+        writeFile(path(name), content);
     }
-    QByteArray read(const QByteArray &name) const
-    {
-        QFile file(path(name));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(none)");
-    }
+    QByteArray read(const QByteArray &name) const { return readFile(path(name)); }
     void link(const QByteArray &name, const QByteArray &target) const
     {
         QVERIFY(::symlink(target.constData(), native(name).constData()) == 0);

@@ -67,13 +67,6 @@ inline quint32 crc32(const QByteArray &bytes)
 
 constexpr int pngHeaderEnd = 33; ///< of the signature and the first chunk
 
-/// The same PNG with other dimensions in its header chunk (ISO/IEC 15948).
-inline QByteArray withPngSize(QByteArray png, quint32 width, quint32 height)
-{
-    png.replace(16, 8, bigEndian(width, 4) + bigEndian(height, 4));
-    return png.replace(29, 4, bigEndian(crc32(png.mid(12, 17)), 4));
-}
-
 /// The same PNG with `count` notes that are small in the file and 7 MB each in memory.
 inline QByteArray withPngNotes(QByteArray png, int count)
 {

@@ -1,4 +1,4 @@
-#include "Disk.h"
+#include "tests/files/Disk.h"
 
 #include "files/DiskWorker.h"
 #include "files/FileMove.h"
@@ -6,10 +6,10 @@
 #include "files/Rename.h"
 #include "files/TreeCopy.h"
 #include "files/TreeRemoval.h"
+#include "tests/support/FullDisk.h"
 
 #include <QTimer>
 
-#include <csignal>
 #include <ctime>
 
 namespace {
@@ -151,16 +151,13 @@ void FilesTest::replacedFileKeepsItsMode()
 void FilesTest::fullDisk()
 {
     const Disk disk;
-    rlimit limit = {};
-    ::getrlimit(RLIMIT_FSIZE, &limit);
-    const rlim_t before = std::exchange(limit.rlim_cur, 1000);
-    ::setrlimit(RLIMIT_FSIZE, &limit);
     UploadFile upload;
-    upload.create(disk.place("a"));
-    const DiskError written = upload.write(QByteArray(2000, 'x').constData(), 2000);
-    limit.rlim_cur = before;
-    ::setrlimit(RLIMIT_FSIZE, &limit);
-    QCOMPARE(written, DiskError::NoSpace);
+    QCOMPARE(upload.create(disk.place("a")), DiskError::None);
+    {
+        const FullDisk full(1000);
+        const QByteArray content(2000, 'x');
+        QCOMPARE(upload.write(content.constData(), content.size()), DiskError::NoSpace);
+    }
     QCOMPARE(keep(upload), DiskError::NoSpace);
     QCOMPARE(disk.names(), QString());
 }
@@ -285,7 +282,6 @@ void FilesTest::largeFolderLeavesTheLoopFree()
 int main(int argc, char **argv)
 {
     const QCoreApplication app(argc, argv);
-    std::signal(SIGXFSZ, SIG_IGN);
     FilesTest test;
     const int failures = QTest::qExec(&test, argc, argv);
     test.named = true;

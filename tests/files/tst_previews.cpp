@@ -1,12 +1,10 @@
 #include "files/Previews.h"
 
 #include "tests/files/Pictures.h"
+#include "tests/support/Files.h"
 
-#include <QDir>
-#include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <memory>
 
@@ -57,11 +55,8 @@ private:
     QString at(const char *name) const { return dir.filePath(QLatin1String(name)); }
     QString addFile(const char *name, const QByteArray &content) const
     {
-        QFile file(at(name));
-        QDir().mkpath(QFileInfo(file).path());
-        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
-            qFatal("can't write a file");
-        return file.fileName();
+        writeFile(at(name), content);
+        return at(name);
     }
     QStringList ownFolders() const
     {

@@ -1,4 +1,4 @@
-#include "Disk.h"
+#include "tests/files/Disk.h"
 
 #include "files/Path.h"
 #include "files/Rename.h"

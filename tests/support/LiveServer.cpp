@@ -2,11 +2,8 @@
 
 #include "classic/http/ClassicFace.h"
 
-#include <QDir>
 #include <QElapsedTimer>
 #include <QEventLoop>
-#include <QFile>
-#include <QTest>
 #include <QTimer>
 
 #include <utility>
@@ -39,15 +36,12 @@ void TestHome::restart()
 
 QByteArray TestHome::profileBytes(const QString &fileName) const
 {
-    QFile file(directories.profiles + fileName);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return readFile(directories.profiles + fileName);
 }
 
 void TestHome::writeProfile(const QString &fileName, const QByteArray &bytes) const
 {
-    QFile file(directories.profiles + fileName);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(bytes), qint64(bytes.size()));
+    writeFile(directories.profiles + fileName, bytes);
 }
 
 LiveServer::LiveServer(Routes routes, const QString &previewProgram)
@@ -78,17 +72,12 @@ QString LiveServer::sharePath(const QString &name) const
 
 void LiveServer::addFile(const QString &name, const QByteArray &content) const
 {
-    const QString path = sharePath(name);
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    QCOMPARE(file.write(content), qint64(content.size()));
+    writeFile(sharePath(name), content);
 }
 
 QByteArray LiveServer::fileContent(const QString &name) const
 {
-    QFile file(sharePath(name));
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    return readFile(sharePath(name));
 }
 
 QByteArray RawReply::status() const

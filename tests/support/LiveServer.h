@@ -6,6 +6,7 @@
 #include "server/Engine.h"
 #include "server/StatusSink.h"
 #include "server/WebServer.h"
+#include "tests/support/Files.h"
 
 #include <QByteArray>
 #include <QList>
