@@ -32,7 +32,6 @@ void TestMethods::answers_data()
         QTest::newRow(name) << request << status << there << gone;
     };
     row("HEAD of a file as a folder", "HEAD /a.txt/", "404 Not Found");
-    row("LOCK of a folder", "LOCK /folder/", "200 Locked");
     row("DELETE a file as a folder", "DELETE /b.txt/", "200 File deleted", "a.txt", "b.txt");
     row("DELETE a broken link", "DELETE /broken", "200 File deleted", "a.txt", "broken");
     row("DELETE a link", "DELETE /link/", "200 Dir deleted", "folder/sub/b.txt", "link");
@@ -43,16 +42,12 @@ void TestMethods::answers_data()
     row("MKCOL by dots behind a link", "MKCOL /link/../x", "201 Created", "x", "folder/x");
     row("MKCOL of an existing folder", "MKCOL /folder", "201 Created", "folder/inner.txt");
     row("MKCOL on a file", "MKCOL /a.txt", "500 MKPATH Failed");
-    row("MKCOL of a name cut at its NUL", "MKCOL /c%00y", "500 MKPATH Failed");
     row("MOVE a folder", "MOVE /folder/ /moved/", "201 Created", "moved/sub/b.txt", "folder");
     row("MOVE to other letters", "MOVE /b.txt /%C3%A4%20b&%23", "201 Created", "ä b&#", "b.txt");
     row("MOVE onto a file", "MOVE /missing /b.txt", "412 Name exists");
     row("MOVE onto a broken link", "MOVE /a.txt /broken", "412 Name exists");
     row("MOVE a folder into itself", "MOVE /folder /folder/sub/x", "500 Rename Failed", "folder");
-    row("MOVE to a name cut at its NUL", "MOVE /a.txt /c%00", "500 Rename Failed");
     row("COPY nothing", "COPY /missing /c", "410 Gone");
-    row("COPY a file as a folder", "COPY /a.txt/ /c", "410 Gone");
-    row("COPY to a name cut at its NUL", "COPY /a.txt /c%00", "500 File Copy Failed");
     row("COPY to a missing folder", "COPY /a.txt /missing/", "500 File Copy Failed");
     row("COPY onto itself", "COPY /a.txt http://localhost:1/a.txt", "412 Precondition Failed");
     row("COPY into its own folder", "COPY /folder/inner.txt /folder", "412 Precondition Failed");

@@ -28,7 +28,7 @@ private Q_SLOTS:
     void answers();
     void namesAreTakenAtTheEnd();
     void oneUploadAtATime();
-    void replacingKeepsTheOldUntilTheEnd();
+    void bodiesInOneStream();
     void fullDisk();
 
 private:
@@ -121,6 +121,8 @@ void TestPut::oneUploadAtATime()
         const auto uploader = halfway(mc, target);
         QCOMPARE(status(put(target)), QByteArray("412 Precondition Failed"));
         QCOMPARE(status(put(target, mc, rival)), QByteArray("423 Locked"));
+        // What is written to it from then on would be lost.
+        QCOMPARE(ask("MOVE", target, destination("/c")).status(), QByteArray("500 Rename Failed"));
         uploader->socket->abort();
         QTRY_COMPARE(live->server->connectionCount(), 1);
         QCOMPARE(entries(), before);
@@ -129,26 +131,16 @@ void TestPut::oneUploadAtATime()
     }
 }
 
-void TestPut::replacingKeepsTheOldUntilTheEnd()
+/// Each has to end at its own last byte.
+void TestPut::bodiesInOneStream()
 {
-    const QString old = path("a.txt");
-    QVERIFY(QFile::setPermissions(old, QFile::ReadOwner | QFile::WriteOwner | QFile::ReadOther));
-    const QFile::Permissions permissions = QFileInfo(old).permissions();
-    const QStringList before = entries();
-    for (const bool deleted : { false, true }) {
-        const QByteArray oldContent = content("a.txt");
-        const auto uploader = halfway(mc, "/a.txt");
-        QCOMPARE(content("a.txt"), oldContent);
-        // What is written to it from then on would be lost.
-        QCOMPARE(ask("MOVE", "/a.txt", destination("/c")).status(),
-                 QByteArray("500 Rename Failed"));
-        QVERIFY(!deleted || QFile::remove(old));
-        uploader->send(secondHalf);
-        QCOMPARE(uploader->reply().status(), QByteArray("201 Created"));
-        QCOMPARE(content("a.txt"), whole);
-        QCOMPARE(QFileInfo(old).permissions(), permissions);
-        QCOMPARE(entries(), before);
-    }
+    const QByteArray large = whole.repeated(50);
+    client->send(put("/1", {}, "one") + put("/2", {}, large)
+                 + put("/3", "Content-Length: 0\r\n", {}) + put("/4", {}, "four"));
+    for (int i = 1; i <= 4; ++i)
+        QCOMPARE(client->reply().status(), QByteArray("201 Created"));
+    QCOMPARE(content("1") + content("2") + content("4"), "one" + large + "four");
+    QVERIFY(isThere("3"));
 }
 
 void TestPut::fullDisk()

@@ -91,7 +91,6 @@ private Q_SLOTS:
     void keepsHeadersButNotWhatWouldRepeat();
     void refusesBrokenRequests_data();
     void refusesBrokenRequests();
-    void decodesForms();
     void readsLongFormsWhole();
     void showsTheLoginPageUntilThePasswordFits();
     void asksForBasicCredentials_data();
@@ -207,11 +206,7 @@ void TestRequests::sendsPartsOfAFile()
 
 void TestRequests::servesTheIconWhileThumbnailsAreOn()
 {
-    QFile icon(live->home.directories.icons + QLatin1String("n900.ico"));
-    QVERIFY(icon.open(QIODevice::WriteOnly));
-    icon.write("ICON");
-    icon.close();
-
+    writeFile(live->home.directories.icons + QLatin1String("n900.ico"), "ICON");
     RawClient client(live->port());
     const RawReply reply = client.exchange(rawRequest("GET", "/x/favicon.ico"));
     QCOMPARE(reply.body, QByteArray("ICON"));
@@ -305,12 +300,9 @@ void TestRequests::asksForABodyThatIsHeldBack()
 void TestRequests::keepsHeadersButNotWhatWouldRepeat()
 {
     RawClient client(live->port());
-    const QByteArray first =
-        client
-            .exchange(rawRequest("COPY", "/x", "User-Agent: me\r\nDepth: 1\r\ndestination: /y\r\n",
-                                 "abc"))
-            .body;
-    QCOMPARE(first, QByteArray("/x|1|/y|3|me|abc|"));
+    const QByteArray headers = "User-Agent: me\r\nDepth: 1\r\ndestination: /y\r\n";
+    QCOMPARE(client.exchange(rawRequest("COPY", "/x", headers, "abc")).body,
+             QByteArray("/x|1|/y|3|me|abc|"));
     QCOMPARE(client.exchange(rawRequest("COPY", "/x")).body, QByteArray("/x|1||0|me||"));
     QCOMPARE(client.exchange(rawRequest("COPY", "http://h/x?y", "DEPTH:0 \r\n")).body,
              QByteArray("/x|0||0|me||"));
@@ -329,10 +321,8 @@ void TestRequests::refusesBrokenRequests_data()
     };
     row("unknown method", rawRequest("BREW", "/"), "405 Method Not Allowed");
     row("longer than a known one", rawRequest("GETX", "/"), "405 Method Not Allowed");
-    row("method without a responder", rawRequest("UNLOCK", "/"), "405 Method Not Allowed");
     row("chunked body", rawRequest("POST", "/", "Transfer-Encoding: chunked\r\n"),
         "411 Length Required");
-    row("negative length", rawRequest("LOCK", "/a", "Content-Length: -5\r\n"), "400 Bad Request");
     row("two lengths", rawRequest("POST", "/!", "Content-Length: 1\r\n", "abc"), "400 Bad Request");
     row("a lone CR in a head that changes something",
         rawRequest("LOCK", "/a", "X: y\rContent-Length: 3\r\n"), "400 Bad Request");
@@ -347,7 +337,6 @@ void TestRequests::refusesBrokenRequests_data()
         "431 Request Header Fields Too Large");
     row("a form of another site", rawRequest("POST", "/!", "Origin: http://elsewhere\r\n"),
         "403 Forbidden");
-    row("climbing target", rawRequest("GET", "/../x"), "403 Forbidden");
     row("climbing by escapes", rawRequest("GET", "/%2e%2E%2fx"), "403 Forbidden");
     row("climbing below the icons", rawRequest("GET", "/_i/../a.txt"), "403 Forbidden");
     row("climbing Destination", rawRequest("COPY", "/a", "Destination: http://h/../b\r\n"),
@@ -355,11 +344,9 @@ void TestRequests::refusesBrokenRequests_data()
     row("sibling of the share", rawRequest("GET", "-other/x"), "400 Bad Request");
     row("sibling as Destination", rawRequest("COPY", "/a", "Destination: -other\r\n"),
         "400 Bad Request");
-    row("change without a target", rawRequest("LOCK", "http://host"), "400 Bad Request");
     row("asterisk", rawRequest("GET", "*"), "400 Bad Request");
     row("no request at all", "\r\n\r\n", "");
     row("garbage without an end", QByteArray(5000, '\xff'), "");
-    row("NULs", QByteArray(2048, '\0'), "");
 }
 
 void TestRequests::refusesBrokenRequests()
@@ -370,23 +357,13 @@ void TestRequests::refusesBrokenRequests()
     QVERIFY(client.waitForClose());
 }
 
-void TestRequests::decodesForms()
-{
-    RawClient client(live->port());
-    const QByteArray type = "Content-Type: application/x-www-form-urlencoded\r\n";
-    const RawReply reply =
-        client.exchange(rawRequest("POST", "/!", type, "g=1&f=My+Trip+%2B+%c3%a4%26"));
-    QVERIFY(reply.body.endsWith("|My Trip + ä&"));
-    QVERIFY(client.exchange(rawRequest("POST", "/!?f=a+b")).body.endsWith("|a+b"));
-}
-
 void TestRequests::readsLongFormsWhole()
 {
     const QByteArray type = late("Content-Type: application/x-www-form-urlencoded");
     const QByteArray value(500000, 'x');
     RawClient client(live->port());
-    QVERIFY(client.exchange(rawRequest("POST", "/!", type, "a=del&f=" + value))
-                .body.endsWith('|' + value));
+    QVERIFY(client.exchange(rawRequest("POST", "/!", type, "a=del&f=+%c3%a4%26+%2B" + value))
+                .body.endsWith("| ä& +" + value));
     QCOMPARE(client.exchange(rawRequest("POST", "/!", type, QByteArray(1100000, 'x'))).status(),
              QByteArray("413 Content Too Large"));
 
@@ -400,10 +377,7 @@ void TestRequests::readsLongFormsWhole()
 
 void TestRequests::showsTheLoginPageUntilThePasswordFits()
 {
-    QFile page(live->home.directories.language + QLatin1String("login.html"));
-    QVERIFY(page.open(QIODevice::WriteOnly));
-    page.write("LOGIN");
-    page.close();
+    writeFile(live->home.directories.language + QLatin1String("login.html"), "LOGIN");
     live->profile->authMode = AuthPasswordPage;
     live->profile->password = QStringLiteral("pä ss+");
 
@@ -442,14 +416,11 @@ void TestRequests::asksForBasicCredentials_data()
 {
     QTest::addColumn<QByteArray>("credentials");
     QTest::addColumn<bool>("admitted");
-
     QTest::newRow("right") << QByteArray("user:pass") << true;
     QTest::newRow("any characters") << QByteArray("ü%41:a:b c") << true;
     QTest::newRow("up to the first NUL") << QByteArray("user:pass\0x", 11) << true;
-    QTest::newRow("wrong") << QByteArray("user:Pass") << false;
     QTest::newRow("escapes mean nothing") << QByteArray("üA:a:b c") << false;
     QTest::newRow("longer") << QByteArray("user:passpass") << false;
-    QTest::newRow("empty") << QByteArray() << false;
 }
 
 void TestRequests::asksForBasicCredentials()

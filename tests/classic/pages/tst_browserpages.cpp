@@ -4,7 +4,6 @@
 #include "tests/support/FullDisk.h"
 
 #include <QDateTime>
-#include <QDir>
 
 #include <ctime>
 
@@ -306,8 +305,7 @@ void TestBrowserPages::conversations()
     QVERIFY(
         QFile::link(QStringLiteral("../other/in"), live->sharePath(QStringLiteral("sub/link"))));
     QVERIFY(QFile::link(QStringLiteral("."), live->sharePath(QStringLiteral("sub/loop"))));
-    QFile icon(live->home.directories.icons + QLatin1String("a b.png"));
-    QVERIFY(icon.open(QIODevice::WriteOnly | QIODevice::Unbuffered) && icon.write("icon") == 4);
+    writeFile(live->home.directories.icons + QLatin1String("a b.png"), "icon");
     std::unique_ptr<RawClient> client;
     for (const Step &step : steps) {
         if (!client || !client->isOpen())
