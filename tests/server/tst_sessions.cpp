@@ -10,22 +10,9 @@ class TestSessions : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void entersAHandedOutSessionWhenItsNumberComesBack();
     void expiresIdleSessions();
     void aCrowdOfStrangersLogsNobodyOut();
 };
-
-void TestSessions::entersAHandedOutSessionWhenItsNumberComesBack()
-{
-    SessionTable table;
-    const Session own = table.handOut();
-    QVERIFY(own->id >= 0 && own->id < 1000);
-    QCOMPARE(table.sessionCount(), 0);
-    QVERIFY(table.holds(own));
-    QCOMPARE(table.ofCookie(QByteArray::number(own->id)), own);
-    QCOMPARE(table.sessionCount(), 1);
-    QCOMPARE(table.ofCookie("junk")->id, 0);
-}
 
 void TestSessions::expiresIdleSessions()
 {
