@@ -7,11 +7,9 @@
 #include "desktop/window/ServerRow.h"
 #include "tests/support/LiveServer.h"
 
-#include <QDir>
 #include <QLabel>
 #include <QSettings>
 #include <QTcpServer>
-#include <QTest>
 
 #include <functional>
 #include <memory>
@@ -49,9 +47,7 @@ struct Device
 
     void addFile(const QByteArray &name, const QByteArray &content = "x") const
     {
-        QDir().mkpath(QFileInfo(path(name)).absolutePath());
-        QFile file(path(name));
-        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+        writeFile(path(name), content);
     }
 
     AddressSource source() const

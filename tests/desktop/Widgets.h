@@ -121,33 +121,26 @@ inline QByteArray faults(const QWidget *window)
     return found;
 }
 
-/// Keeps a picture of `widget` for people to look at.
-inline bool keepPicture(QWidget *widget, const QString &name)
-{
-    const QString folder = QDir::cleanPath(QStringLiteral(__FILE__ "/../../artefacts/"));
-    return QDir().mkpath(folder)
-        && widget->grab().save(folder + QLatin1Char('/') + name + QLatin1String(".png"));
-}
-
-/// Shows `window` on a small screen, keeps its picture and looks for faults.
+/// Shows `window` on a small screen, keeps its picture for people to look at, and looks for faults.
 inline QByteArray faultsAt(QWidget *window, const QSize &size, const QString &name)
 {
     window->show();
     window->resize(size);
     // Pages settle in a few rounds of the event loop.
     (void)QTest::qWaitFor([window] { return faults(window).isEmpty(); }, 1000);
-    const QString picture = QStringLiteral("%1-%2").arg(name).arg(size.width());
-    if (!keepPicture(window, picture) || window->size() != size)
+    const QDir folder(QDir::cleanPath(QStringLiteral(__FILE__ "/../../artefacts/")));
+    const QString picture = QStringLiteral("%1-%2.png").arg(name).arg(size.width());
+    if (!folder.mkpath(QStringLiteral(".")) || !window->grab().save(folder.filePath(picture))
+        || window->size() != size)
         return "does not fit or is not kept: " + name.toUtf8();
     return faults(window);
 }
 
-/// The sizes of the screens, as rows of a test.
-inline void addSizes()
+/// Fails the test when `window` does not fit into such a screen, whichever way it is held.
+inline void check(QWidget *window, const QString &name)
 {
-    QTest::addColumn<QSize>("size");
-    QTest::newRow("landscape") << QSize(800, 480);
-    QTest::newRow("portrait") << QSize(480, 800);
+    for (const QSize &size : { QSize(800, 480), QSize(480, 800) })
+        QCOMPARE(faultsAt(window, size, name), QByteArray());
 }
 
 } // namespace SmallScreens

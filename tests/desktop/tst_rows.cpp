@@ -140,18 +140,6 @@ private Q_SLOTS:
                  QStringLiteral("3 7002 7001 Default  7003 127.0.0.1"));
     }
 
-    void currentRow()
-    {
-        Rows device(inExpertMode(), 4);
-        const QList<ServerRow *> rows = device.rows->all();
-        device.rows->setCurrent(2);
-        device.rows->remove(rows.at(0)); // above it
-        QCOMPARE(device.rows->current(), rows.at(2));
-        device.rows->remove(rows.at(2));
-        device.rows->remove(rows.at(3)); // the next, else the last
-        QCOMPARE(device.rows->current(), rows.at(1));
-    }
-
     void savedRow_data()
     {
         QTest::addColumn<bool>("expert");
@@ -227,31 +215,13 @@ private Q_SLOTS:
         QVERIFY(device.row(1)->url().startsWith(QLatin1String("https://127.0.0.2:")));
     }
 
-    void statusLine()
-    {
-        Rows device;
-        EventHandler events(nullptr);
-        events.watch(device.rows.get());
-        QString line;
-        connect(&events, &EventHandler::statusChanged, this,
-                [&](const auto &text) { line = text; });
-        device.row()->server()->addReceivedBytes(3999);
-        events.newConnection(QStringLiteral("192.0.2.9"));
-        QCOMPARE(line, QStringLiteral("<center>3KB Last connection: 192.0.2.9</center>"));
-        device.row()->server()->addReceivedBytes(8000);
-        QTRY_COMPARE(line, QStringLiteral("<center>11KB Last connection: 192.0.2.9</center>"));
-    }
-
     void texts()
     {
         const QHostAddress v6(QHostAddress::LocalHostIPv6);
-        QCOMPARE(shortServerUrl(true, v6, 80), QStringLiteral("https://[::1]:80"));
         QCOMPARE(shortServerUrl(false, v6, 80), QStringLiteral("http://[::1]"));
-        const auto label = [](const char *name, int port) {
-            return publicAddressLabel(QLatin1String(name), QStringLiteral("a"), port);
-        };
-        QCOMPARE(label("me", 80), QStringLiteral("<centcer>Public addresses: me , a</center>"));
-        QCOMPARE(label("%1<b>", 81),
+        QCOMPARE(publicAddressLabel(QStringLiteral("me"), QStringLiteral("a"), 80),
+                 QStringLiteral("<centcer>Public addresses: me , a</center>"));
+        QCOMPARE(publicAddressLabel(QStringLiteral("%1<b>"), QStringLiteral("a"), 81),
                  QStringLiteral("<center>Public addresses: %1&lt;b&gt;:81 , a:81</center>"));
         QCOMPARE(recentFileLabel(QStringLiteral("/home/user/abcd/a&/")), QStringLiteral("a&&"));
     }
