@@ -8,7 +8,7 @@
 
 import assert from 'node:assert/strict';
 import { existsSync } from 'node:fs';
-import { mkdir, readdir, readFile } from 'node:fs/promises';
+import { mkdir, readFile } from 'node:fs/promises';
 import { join } from 'node:path';
 import { after, before, describe, it } from 'node:test';
 import { chromium } from 'playwright-core';
@@ -196,11 +196,6 @@ for (const [screen, options] of Object.entries(screens)) {
 
       const [download] = await Promise.all([page.waitForEvent('download'), link(file.name).click()]);
       assert.ok(file.buffer.equals(await readFile(await download.path())), 'the file came back changed');
-
-      await choose('Add File');
-      await page.locator('input[type=file]').setInputFiles(file);
-      await press('Send');
-      assert.match(await text(), /File send failed: File exists/);
     });
 
     it('asks before it deletes', async () => {
@@ -245,11 +240,6 @@ for (const [screen, options] of Object.entries(screens)) {
       assert.equal(download.suggestedFilename(), 'filemanager.jnlp');
     });
 
-    it('leaves nothing behind', async () => {
-      const [own] = await readdir(join(server.home, '.thumbnails'));
-      assert.equal((await readdir(join(server.home, '.thumbnails', own))).length, 3, 'with the lock');
-      assert.equal(await server.stop(), 0);
-      assert.deepEqual(await readdir(join(server.home, '.thumbnails')), []);
-    });
+    it('ends in order', async () => assert.equal(await server.stop(), 0));
   });
 }

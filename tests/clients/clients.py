@@ -86,11 +86,11 @@ class Served(unittest.TestCase):
         self.server.stdout.close()
         self.assertEqual(status, 0, "the server ends in order")
 
-    def run_client(self, *command, text=None, fails=False):
+    def run_client(self, *command, text=None):
         done = subprocess.run(command, input=text, env=self.environment, cwd=self.local, text=True,
                               stdout=subprocess.PIPE, stderr=subprocess.STDOUT,
                               timeout=CLIENT_TIMEOUT)
-        self.assertEqual(done.returncode != 0, fails, f"{command}\n{done.stdout}")
+        self.assertEqual(done.returncode, 0, f"{command}\n{done.stdout}")
         return done.stdout
 
     def address(self, path):
@@ -158,24 +158,17 @@ class Cadaver(Served):
         self.assertIn("collection is empty", said)
         self.assertEqual(digests(self.share), {})
 
-    def test_what_the_server_refuses(self):
-        (self.local / "a.txt").write_text("old")
-        said = self.cadaver("put a.txt", "put a.txt", "lock a.txt", "move a.txt b.txt")
-        self.assertIn("412 Precondition Failed", said)
-        self.assertRegex(said, r"Locking .*failed")
-        self.assertEqual((self.share / "b.txt").read_text(), "old")
-
 
 class Rclone(Served):
-    def rclone(self, *arguments, below="", fails=False):
+    def rclone(self, *arguments, below):
         return self.run_client("rclone", "--config", os.devnull, "--retries", "1",
                                "--low-level-retries", "1", "--webdav-vendor", "other",
-                               "--webdav-url", self.address(below), *arguments, fails=fails)
+                               "--webdav-url", self.address(below), *arguments)
 
     def test_tree(self):
         tree = self.folder("tree")
         make_tree(tree)
-        self.rclone("mkdir", ":webdav:ü #%+")
+        self.rclone("mkdir", ":webdav:ü #%+", below="")
         self.rclone("copy", str(tree), ":webdav:", below="ü #%+/")
         self.assertEqual(digests(self.share / "ü #%+"), digests(tree))
 
@@ -185,28 +178,6 @@ class Rclone(Served):
 
         self.rclone("purge", ":webdav:", below="ü #%+/")
         self.assertEqual(digests(self.share), {})
-
-    def test_names(self):
-        for name in NAMES:
-            (self.local / name).write_text(name)
-            self.rclone("copyto", name, ":webdav:" + name)
-        self.assertEqual(self.rclone("lsf", ":webdav:").split("\n"), sorted(NAMES) + [""])
-        self.rclone("mkdir", ":webdav:folder")
-        for name in NAMES:
-            self.assertEqual(self.rclone("cat", ":webdav:" + name), name)
-            self.rclone("moveto", ":webdav:" + name, ":webdav:folder/" + name)
-        for name in NAMES:
-            self.rclone("deletefile", ":webdav:folder/" + name)
-        self.rclone("rmdir", ":webdav:folder")
-        self.assertEqual(digests(self.share), {})
-
-    def test_what_the_server_refuses(self):
-        (self.share / "a.txt").write_text("old")
-        (self.local / "a.txt").write_text("newer")
-        self.rclone("copy", "--ignore-existing", "a.txt", ":webdav:")
-        self.assertEqual((self.share / "a.txt").read_text(), "old")
-        self.rclone("copyto", ":webdav:a.txt", ":webdav:b.txt", fails=True)
-        self.assertFalse((self.share / "b.txt").exists())
 
 
 def setUpModule():
