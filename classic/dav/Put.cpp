@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr auto replacingClient = "mc";
 constexpr auto probingClient = "ezdavplugin";
 constexpr int probeSize = 1; ///< bytes
 
@@ -42,7 +41,7 @@ void Put::reply()
     const QByteArray path = requestedPath();
     const bool exists = facts(path).exists;
     const bool taken = exists || Reservation::isTaken(place(path));
-    if (taken && !isFrom(replacingClient))
+    if (taken && !isFrom(Request::desktopClient))
         return answer(DavStatus::preconditionFailed);
     if (isProbe())
         return answer(DavStatus::created);

@@ -11,8 +11,6 @@
 
 namespace {
 
-constexpr auto sessionCookieName = "ID";
-constexpr auto loginAction = "log";
 constexpr auto clientArchive = "Client.jar"; ///< the launcher fetches it without a password
 
 constexpr Route statusRoute{ Request::None, nullptr, makeResponder<StatusReply> };
@@ -78,7 +76,7 @@ void ClassicFace::takeSession()
     if (request.keepAlive)
         channel.setKeepAlive(*request.keepAlive);
     if (request.bringsCookies) {
-        const Request::Cookie *number = request.cookie(sessionCookieName);
+        const Request::Cookie *number = request.sessionCookie();
         exchange.client = number ? sessions.ofCookie(number->value) : nullptr;
     }
     if (!exchange.client)
@@ -180,7 +178,7 @@ bool ClassicFace::passwordFits()
     const Request &request = exchange.request;
     const Session session = exchange.session();
     const QHostAddress peer = channel.peerAddress();
-    if (request.field("a") == QLatin1String(loginAction)) {
+    if (request.isLogin()) {
         session->password = request.field("password");
         session->loginAddress = peer;
     } else if (request.path.endsWith(QLatin1String(clientArchive)) && request.isDownload()) {

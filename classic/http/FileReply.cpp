@@ -21,7 +21,7 @@ struct TypeRow
 
 // Clients know these values. "aac" stands twice; the first row counts.
 constexpr std::array<TypeRow, 21> contentTypes{ {
-    { "html", "text/html; charset=UTF-8" },
+    { "html", htmlType },
     { "jpg", "image/jpeg" },
     { "png", "image/png" },
     { "avi", "video/x-msvideo" },
@@ -113,7 +113,8 @@ FileReply::FileReply(Exchange &current)
 void FileReply::reply()
 {
     const bool uploads = request.methodCode == Request::Post
-        && (request.isMultipart() || request.field("a") == QLatin1String(uploadAction));
+        && (request.isMultipart()
+            || request.field(Request::actionField) == QLatin1String(uploadAction));
     if (!uploads)
         return sendShared(request.path, exchange.service.shared.absoluteFilePath() + request.path);
     if (!exchange.service.profile->allowsUpload())

@@ -6,10 +6,8 @@
 
 namespace {
 
-constexpr auto loginAction = "log";
 constexpr auto loginPage = "login.html";
 constexpr auto challenge = "WWW-Authenticate: Basic realm=\"Private Area\"\r\n";
-constexpr auto htmlType = "text/html; charset=UTF-8";
 
 } // namespace
 
@@ -28,8 +26,7 @@ void LoginPage::reply()
     if (request.methodCode == Request::Head)
         return sendHeader("200 OK", 0);
     // "200 OK" would make who wants to store something believe that it is stored.
-    const bool triesLogin = request.field("a") == QLatin1String(loginAction);
-    const bool refused = !request.onlyReads() && !triesLogin;
+    const bool refused = !request.onlyReads() && !request.isLogin();
     sendInstalled(exchange.service.setup.directories.language + QLatin1String(loginPage),
                   refused ? "403 Forbidden" : "200 OK");
 }

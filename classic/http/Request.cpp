@@ -32,7 +32,6 @@ constexpr std::array<MethodName, 12> methods{ {
 } };
 
 constexpr int shortestRequestLine = 3;
-constexpr auto iconFolder = "/_i/";
 constexpr auto formType = "application/x-www";
 
 bool hasDestination(int method)
@@ -256,7 +255,7 @@ bool Request::climbs() const
 {
     if (climbsOut(path))
         return true;
-    if (path.startsWith(QLatin1String(iconFolder)) && climbsOut(path.mid(int(qstrlen(iconFolder)))))
+    if (const auto icon = restBehind(iconUrl, path); icon && climbsOut(*icon))
         return true;
     return hasDestination(methodCode) && climbsOut(destinationTarget().path);
 }
@@ -274,6 +273,16 @@ bool Request::isMalformed() const
     if (malformed(targetForm))
         return true;
     return hasDestination(methodCode) && malformed(destinationTarget().form);
+}
+
+bool Request::isLogin() const
+{
+    return field(actionField) == QLatin1String(loginAction);
+}
+
+const Request::Cookie *Request::sessionCookie() const
+{
+    return cookie(sessionCookieName);
 }
 
 bool Request::isForm() const

@@ -39,6 +39,11 @@ public:
         QByteArray value;
     };
 
+    static constexpr auto sessionCookieName = "ID";
+    static constexpr auto actionField = "a"; ///< tells what a form is for
+    static constexpr auto loginAction = "log";
+    static constexpr auto desktopClient = "mc"; ///< as its User-Agent says
+
     /// Parses the head that `reader` collected. False when its first line is shorter than 3 bytes:
     /// the connection is to be dropped. A method that is not known leaves `methodCode` None.
     /// A server of a `singleFile` knows only GET and POST.
@@ -49,6 +54,7 @@ public:
 
     /// The first cookie of this name, or null.
     const Cookie *cookie(const char *name) const;
+    const Cookie *sessionCookie() const;
 
     /// Reads a Cookie header's value.
     void setCookies(const QByteArray &value);
@@ -63,7 +69,7 @@ public:
     /// The value of the first of this name, decoded; empty if absent.
     QString field(const char *name) const;
 
-    /// Whether the target, a Destination, or what follows "/_i/" leaves its folder by ".."
+    /// Whether the target, a Destination, or the name of an icon leaves its folder by ".."
     /// segments.
     bool climbs() const;
 
@@ -72,6 +78,9 @@ public:
 
     bool isForm() const;
     bool isMultipart() const;
+
+    /// Whether it brings the password of the login page.
+    bool isLogin() const;
 
     /// Whether it asks for a file or its head.
     bool isDownload() const { return methodCode == Get || methodCode == Head; }

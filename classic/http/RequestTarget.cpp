@@ -72,3 +72,11 @@ bool climbsOut(const QString &path)
     }
     return false;
 }
+
+std::optional<QString> restBehind(const char *start, const QString &path)
+{
+    const QLatin1String latin1(start);
+    if (!path.startsWith(latin1))
+        return {};
+    return path.mid(int(latin1.size()));
+}

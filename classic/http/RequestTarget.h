@@ -3,6 +3,13 @@
 #include <QByteArray>
 #include <QString>
 
+#include <optional>
+
+// Paths that stand for something else than the content of the share.
+
+constexpr auto iconUrl = "/_i/"; ///< and the name of an icon
+constexpr auto previewUrl = "/_t/"; ///< and the path on disk of a picture of the share
+
 /// The target of a request line, or of a Destination header (RFC 9112, section 3.2).
 struct RequestTarget
 {
@@ -25,3 +32,6 @@ RequestTarget parseTarget(const QByteArray &encoded);
 /// Whether ".." segments of `path` lead out of the folder that the path is relative to.
 /// Leading and doubled slashes don't matter.
 bool climbsOut(const QString &path);
+
+/// What follows `start` in a path that begins with it.
+std::optional<QString> restBehind(const char *start, const QString &path);

@@ -8,15 +8,14 @@ constexpr auto serverLine = "Server: Quillon_4\r\n";
 constexpr auto cacheLine = "Cache-Control: no-cache\r\n";
 constexpr auto rangesLine = "Accept-Ranges: bytes\r\n";
 constexpr auto closeLine = "Connection: close\r\n";
-constexpr auto sessionCookieName = "ID";
 constexpr auto eol = "\r\n";
 constexpr int usualHeadSize = 512;
 
 QByteArray sessionCookie(Exchange &exchange)
 {
-    const Request::Cookie *sent = exchange.request.cookie(sessionCookieName);
+    const Request::Cookie *sent = exchange.request.sessionCookie();
     const QByteArray value = sent ? sent->value : QByteArray::number(exchange.session()->id);
-    return QNetworkCookie(sessionCookieName, value).toRawForm();
+    return QNetworkCookie(Request::sessionCookieName, value).toRawForm();
 }
 
 } // namespace

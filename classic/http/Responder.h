@@ -5,6 +5,8 @@
 #include <QByteArray>
 #include <QObject>
 
+constexpr auto htmlType = "text/html; charset=UTF-8";
+
 /// The base of every responder: answers the requests of its route and writes the header block.
 /// Owned by its face and kept for the next request of the same route, so each `reply` must start
 /// with fresh state.

@@ -14,13 +14,10 @@
 
 namespace {
 
-constexpr auto htmlType = "text/html; charset=UTF-8";
 constexpr auto launchType = "application/x-java-jnlp-file; charset=UTF-8";
 constexpr auto launchDisposition =
     "Content-Disposition: attachment; filename=\"filemanager.jnlp\"\r\n";
 
-constexpr int specialUrlSize = 4; ///< of "/_i/" and its like
-constexpr auto actionField = "a";
 constexpr auto uploadAction = "";
 const QLatin1Char slash('/');
 
@@ -81,7 +78,7 @@ const BrowserPages::PostAction *BrowserPages::findAction(const QString &value)
         { "del", &BrowserPages::deleteSelected },
         { "cfd", &BrowserPages::createFolder, folderFailed },
         { uploadAction, &BrowserPages::receiveUpload, uploadsOff },
-        { "log", &BrowserPages::goOn },
+        { Request::loginAction, &BrowserPages::goOn },
     } };
 
     const auto *const found =
@@ -95,7 +92,7 @@ BrowserPages::Then BrowserPages::act()
 {
     // The form of a listing's second page still carries that page's "a" in its URL.
     const QString value =
-        request.isMultipart() ? QLatin1String(uploadAction) : request.field(actionField);
+        request.isMultipart() ? QLatin1String(uploadAction) : request.field(Request::actionField);
     const PostAction *action = findAction(value);
     if (!action) {
         tell("Unknown request " + value.toUtf8());
@@ -214,17 +211,16 @@ void BrowserPages::uploadDone(SaveResult result)
 void BrowserPages::servePath()
 {
     const QString &path = request.path;
-    const QString rest = path.mid(specialUrlSize);
-    if (path.startsWith(QLatin1String(iconUrl)))
-        return sendInstalled(exchange.service.setup.directories.icons + rest);
-    if (path.startsWith(QLatin1String(previewUrl)))
-        return sendPreview(rest);
+    if (const auto icon = restBehind(iconUrl, path))
+        return sendInstalled(exchange.service.setup.directories.icons + *icon);
+    if (const auto picture = restBehind(previewUrl, path))
+        return sendPreview(*picture);
 
     const Share *share = exchange.service.share.get();
     const bool isFolder = share && share->facts(nativePath(path)).folder;
     if (!isFolder)
         return sendEntry();
-    if (request.field(actionField) == QLatin1String("p"))
+    if (request.field(Request::actionField) == QLatin1String("p"))
         exchange.session()->page = request.field("p").toInt();
     listing.start();
 }

@@ -1,7 +1,7 @@
 #include "classic/pages/ListedEntry.h"
 
+#include "classic/http/RequestTarget.h"
 #include "classic/pages/Markup.h"
-#include "classic/pages/SharedPreviews.h"
 
 #include <QFile>
 

@@ -1,8 +1,8 @@
 #include "classic/pages/ListingPage.h"
 
+#include "classic/http/RequestTarget.h"
 #include "classic/pages/Markup.h"
 #include "classic/pages/Pages.h"
-#include "classic/pages/SharedPreviews.h"
 #include "server/SessionTable.h"
 
 #include <QCoreApplication>

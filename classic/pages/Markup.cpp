@@ -1,5 +1,7 @@
 #include "classic/pages/Markup.h"
 
+#include "classic/http/RequestTarget.h"
+
 #include <QCoreApplication>
 
 #include <algorithm>
@@ -8,7 +10,7 @@
 
 namespace {
 
-constexpr auto background = "/_i/sand-light.jpg";
+constexpr auto background = "sand-light.jpg";
 constexpr auto pathMarks = "-._~!$&'()*+,;=:@/[]";
 
 constexpr bool isPlain(char c)
@@ -132,7 +134,7 @@ void addHead(QByteArray *out)
 void addBody(QByteArray *out, bool picture)
 {
     if (picture)
-        out->append(R"(<body background=")").append(background).append(R"(">)");
+        out->append(R"(<body background=")").append(iconUrl).append(background).append(R"(">)");
     else
         out->append("<body>");
 }

@@ -1,5 +1,6 @@
 #include "classic/pages/Pages.h"
 
+#include "classic/http/RequestTarget.h"
 #include "classic/pages/Markup.h"
 
 namespace {
@@ -7,6 +8,8 @@ namespace {
 // Until the owner names them.
 constexpr auto makersSite = "https://quillon.example/";
 constexpr auto javaDownload = "https://java.example/";
+
+constexpr auto clientArchive = "QuillonClient.jar";
 
 constexpr int clientPageSize = 800; ///< bytes, usually enough
 constexpr int formPageSize = 1024;
@@ -60,8 +63,8 @@ constexpr auto appletBody =
 
 constexpr auto appletStart =
     R"("><-Back</a>&nbsp;&nbsp;&nbsp;File manager for copy selected files and folders<br>)"
-    R"(<APPLET name="mc" archive="/_i/QuillonClient.jar" )"
-    R"(code="quillonclient/QuillonApplet.class" width=1600 height=1200>)";
+    R"(<APPLET name="mc" archive=")";
+constexpr auto appletEnd = R"(" code="quillonclient/QuillonApplet.class" width=1600 height=1200>)";
 
 struct FormPage
 {
@@ -118,7 +121,7 @@ QByteArray appletPage(ClientLaunch launch)
     page.append(appletBody);
     page.append(scriptStart).append(resize).append(scriptEnd).append(R"(<a href=")");
     addLocalLink(&page, path);
-    page.append(appletStart);
+    page.append(appletStart).append(iconUrl).append(clientArchive).append(appletEnd);
     addParam(&page, "Cookie", QByteArray::number(launch.session));
     if (!isRoot(path))
         addParam(&page, "Path", path.endsWith('/') ? path : path + '/');
@@ -140,7 +143,8 @@ QByteArray launchDescriptor(const QByteArray &baseUrl, const ClientLaunch &launc
     page.append("<security><all-permissions/></security><resources>");
     page.append(R"(<j2se version="1.5+" href=")").append(javaDownload);
     page.append(R"(" java-vm-args="-client"><property name="http.keepAlive" value="true"/>)");
-    page.append(R"(</j2se><jar href="/_i/QuillonClient.jar" main="true" download="eager" />)");
+    page.append(R"(</j2se><jar href=")").append(iconUrl).append(clientArchive);
+    page.append(R"(" main="true" download="eager" />)");
     page.append("</resources>");
     page.append(R"(<application-desc name="Quillon" main-class="quillonclient.QuillonApplet">)");
     addArg(&page, "URL", baseUrl);

@@ -11,11 +11,7 @@
 
 struct Service;
 
-// The previews of the pictures of one share, and the paths of the share's host that stand for
-// something else than its content.
-
-constexpr auto iconUrl = "/_i/"; ///< and the name of an icon
-constexpr auto previewUrl = "/_t/"; ///< and the path on disk of a picture of the share
+// The previews of the pictures of one share.
 
 /// How far the preview of a picture is; a new one is queued. `facts` are what was found at `path`,
 /// a path of `share`; `extension` is what its name ends in, in lower case. Without `previews`

@@ -1,3 +1,4 @@
+#include "classic/listing/Routes.h"
 #include "config/Profile.h"
 #include "tests/classic/pages/Fixtures.h"
 #include "tests/files/Pictures.h"
@@ -49,7 +50,8 @@ private:
 
 void TestClientListing::init()
 {
-    server = std::make_unique<LiveServer>(browserRoutes(), QLatin1String(QUILLON_PREVIEW));
+    server =
+        std::make_unique<LiveServer>(withFiles(listingRoutes()), QLatin1String(QUILLON_PREVIEW));
     server->profile->showImages = Qt::Unchecked;
     server->start();
 }

@@ -1,16 +1,14 @@
 #pragma once
 
-#include "classic/pages/Routes.h"
 #include "tests/support/LiveServer.h"
 
 #include <QTest>
 
 #include <filesystem>
 
-/// The routes of browsers and the desktop client.
-inline Routes browserRoutes()
+/// `routes`, and plain files behind them.
+inline Routes withFiles(Routes routes)
 {
-    Routes routes = pageRoutes();
     for (const Route &route : fileRoutes())
         routes.push_back(route);
     return routes;

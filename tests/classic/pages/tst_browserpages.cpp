@@ -1,3 +1,4 @@
+#include "classic/pages/Routes.h"
 #include "config/Profile.h"
 #include "tests/classic/pages/Fixtures.h"
 #include "tests/files/Pictures.h"
@@ -143,7 +144,7 @@ void TestBrowserPages::init()
     qputenv("TZ", "UTC");
     tzset();
     QLocale::setDefault(QLocale::c());
-    live = std::make_unique<LiveServer>(browserRoutes(), QLatin1String(QUILLON_PREVIEW));
+    live = std::make_unique<LiveServer>(withFiles(pageRoutes()), QLatin1String(QUILLON_PREVIEW));
     live->start();
 }
 
