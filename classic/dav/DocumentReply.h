@@ -1,8 +1,7 @@
 #pragma once
 
 #include "classic/dav/Dav.h"
-
-#include <QBasicTimer>
+#include "classic/http/Slices.h"
 
 #include <functional>
 
@@ -26,26 +25,25 @@ public:
 
     explicit DocumentReply(Exchange &current);
 
-    void drained() override;
+    void drained() override { slices.drained(); }
     void replyEnded() override;
 
 protected:
-    void timerEvent(QTimerEvent *event) override;
-
     /// Answers with `whole`, in turns of the event loop.
     void sendDocument(Document whole);
 
 private:
     enum class State { Idle, Counting, Sending };
 
+    bool work(const Slices::Turn &turn);
     void count();
+    void begin();
     void send();
-    void fillPiece();
 
     State state = State::Idle;
     Document document;
     qint64 next = 0; ///< element
     qint64 length = 0; ///< bytes, as far as they were counted
     QByteArray rendered; ///< and not written yet
-    QBasicTimer nextTurn;
+    Slices slices;
 };

@@ -8,18 +8,10 @@
 #include "files/Path.h"
 #include "files/Share.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 
-#include <chrono>
-
-using namespace std::chrono_literals;
-
 namespace {
-
-constexpr std::chrono::milliseconds sliceTime = 2ms;
-constexpr int sliceBytes = 32 * 1024;
 
 /// What a folder's listing holds: files, folders, and links to anything that exists.
 bool isListed(const EntryFacts &entry)
@@ -78,6 +70,7 @@ bool ClientListing::ComesLater::operator()(const Found &left, const Found &right
 
 ClientListing::ClientListing(Exchange &current)
     : Responder(current)
+    , slices(current.channel, [this](const Slices::Turn &turn) { return walk(turn); })
 {
 }
 
@@ -108,8 +101,7 @@ void ClientListing::list()
     if (path.endsWith('/')) {
         if (!enter(path))
             return finish();
-        state = State::Walking;
-        return walk();
+        return slices.start();
     }
     const QString name = QFileInfo(request.path).fileName();
     sendFile(path, { {}, name, facts.size, facts.modified(), facts.folder });
@@ -216,40 +208,17 @@ void ClientListing::step()
     sendEntry(entry);
 }
 
-void ClientListing::walk()
+bool ClientListing::walk(const Slices::Turn &turn)
 {
-    scheduled = false;
-    if (state != State::Walking)
-        return;
-
-    QElapsedTimer clock;
-    clock.start();
-    while (!levels.empty() && buffer.size() < sliceBytes && !clock.hasExpired(sliceTime.count()))
+    while (!levels.empty() && buffer.size() < Slices::pieceBytes && !turn.isOver())
         step();
-    if (levels.empty())
-        return finish();
-
+    if (levels.empty()) {
+        finish();
+        return false;
+    }
     if (!buffer.isEmpty())
         channel.write(std::exchange(buffer, {}), false);
-    if (channel.isCongested())
-        state = State::Paused;
-    else
-        schedule();
-}
-
-void ClientListing::schedule()
-{
-    // Queued: other clients are served before the next slice.
-    if (!std::exchange(scheduled, true))
-        QMetaObject::invokeMethod(this, &ClientListing::walk, Qt::QueuedConnection);
-}
-
-void ClientListing::drained()
-{
-    if (state != State::Paused)
-        return;
-    state = State::Walking;
-    schedule();
+    return true;
 }
 
 void ClientListing::finish()
@@ -260,6 +229,7 @@ void ClientListing::finish()
 
 void ClientListing::stop()
 {
+    slices.stop();
     if (!levels.empty())
         exchange.service.setup.disk->run(std::make_shared<Discard>(std::move(levels)), nullptr, {});
     levels.clear();
@@ -267,5 +237,4 @@ void ClientListing::stop()
     unread.reset();
     share.reset();
     buffer.clear();
-    state = State::Idle;
 }

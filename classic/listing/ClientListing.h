@@ -1,6 +1,7 @@
 #pragma once
 
 #include "classic/http/Responder.h"
+#include "classic/http/Slices.h"
 #include "classic/listing/Filter.h"
 #include "files/FolderReader.h"
 
@@ -31,7 +32,7 @@ public:
     /// again.
     void reply() override;
 
-    void drained() override;
+    void drained() override { slices.drained(); }
     void replyEnded() override { stop(); }
 
 private:
@@ -63,12 +64,6 @@ private:
 
     class Discard;
 
-    enum class State {
-        Idle,
-        Walking, ///< the next slice is under way or queued
-        Paused ///< until the peer has taken what waits to be sent
-    };
-
     void list();
     void sendFile(const QByteArray &path, const Found &file);
     void sendEntry(const Found &entry);
@@ -79,8 +74,7 @@ private:
     void readEntry();
     bool isVisible(const QByteArray &nativeName) const;
     void step();
-    void walk();
-    void schedule();
+    bool walk(const Slices::Turn &turn);
     void finish();
     void stop();
 
@@ -94,6 +88,5 @@ private:
     std::vector<Level> levels; ///< from the top of the listing down to the current one
     std::set<Identity> onPath; ///< the same folders
     std::optional<FolderReader> unread; ///< the current one, until all of its names were read
-    State state = State::Idle;
-    bool scheduled = false; ///< a slice is queued
+    Slices slices;
 };

@@ -7,21 +7,13 @@
 #include "files/Path.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
 #include <fcntl.h>
 
-using namespace std::chrono_literals;
-
 namespace {
-
-constexpr std::chrono::milliseconds sliceTime = 2ms;
-constexpr int pieceBytes = 32 * 1024;
-constexpr int wholeBytes = 256 * 1024; ///< pages up to that size are made once and sent at once
 
 ListingShape::Order orderOf(int sortMode)
 {
@@ -40,6 +32,7 @@ ListingShape::Order orderOf(int sortMode)
 ListingReply::ListingReply(Exchange &current, SendHead headSender)
     : exchange(current)
     , sendHead(std::move(headSender))
+    , slices(current.channel, [this](const Slices::Turn &turn) { return work(turn); })
 {
 }
 
@@ -88,6 +81,9 @@ FolderListing::Window ListingReply::window() const
 
 void ListingReply::show(const std::shared_ptr<const FolderListing> &listing)
 {
+    // The message of the session is for a page that somebody gets.
+    if (!exchange.channel.canAnswer())
+        return exchange.channel.end();
     // A page that does not exist becomes the first one.
     if (window().first >= listing->count())
         exchange.session()->page = 0;
@@ -100,7 +96,7 @@ void ListingReply::show(const std::shared_ptr<const FolderListing> &listing)
         folder = share->open(nativePath(exchange.request.path), O_PATH | O_DIRECTORY);
     toLookAt = folder.isOpen() ? page->shownCount() : 0;
     state = State::Looking;
-    work();
+    slices.start();
 }
 
 /// Uses the session's message up.
@@ -122,27 +118,16 @@ ListingPage::Options ListingReply::takeOptions() const
     return options;
 }
 
+bool ListingReply::work(const Slices::Turn &turn)
+{
+    while (isWorking() && !turn.isOver() && !exchange.channel.isCongested())
+        step();
+    return isWorking();
+}
+
 bool ListingReply::isWorking() const
 {
     return state == State::Looking || state == State::Counting || state == State::Sending;
-}
-
-void ListingReply::schedule()
-{
-    // Queued: other clients are served before the next slice.
-    if (!std::exchange(scheduled, true))
-        QMetaObject::invokeMethod(this, &ListingReply::work, Qt::QueuedConnection);
-}
-
-void ListingReply::work()
-{
-    scheduled = false;
-    QElapsedTimer clock;
-    clock.start();
-    while (isWorking() && !clock.hasExpired(sliceTime.count()))
-        step();
-    if (isWorking())
-        schedule();
 }
 
 void ListingReply::step()
@@ -180,7 +165,7 @@ void ListingReply::count()
     const auto before = buffer.size();
     const bool more = page->addNext(&buffer);
     length += buffer.size() - before;
-    if (length > wholeBytes)
+    if (length > Slices::keptBytes)
         buffer.resize(0);
     if (!more)
         sendHeadOrAll();
@@ -190,7 +175,7 @@ void ListingReply::sendHeadOrAll()
 {
     const QByteArray whole = std::exchange(buffer, {});
     sendHead(page->isComplete() ? "200 OK" : "202 Accepted", length);
-    if (length <= wholeBytes)
+    if (length <= Slices::keptBytes)
         return exchange.channel.write(whole, true);
     page->restart();
     state = State::Sending;
@@ -199,24 +184,15 @@ void ListingReply::sendHeadOrAll()
 void ListingReply::send()
 {
     bool more = true;
-    while (more && buffer.size() < pieceBytes)
+    while (more && buffer.size() < Slices::pieceBytes)
         more = page->addNext(&buffer);
     const QByteArray piece = std::exchange(buffer, {});
     exchange.channel.write(piece, !more);
-    if (state == State::Sending && exchange.channel.isCongested())
-        state = State::Congested;
-}
-
-void ListingReply::drained()
-{
-    if (state != State::Congested)
-        return;
-    state = State::Sending;
-    schedule();
 }
 
 void ListingReply::stop()
 {
+    slices.stop();
     reading.reset();
     page.reset();
     folder.reset();

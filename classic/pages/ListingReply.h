@@ -1,5 +1,6 @@
 #pragma once
 
+#include "classic/http/Slices.h"
 #include "classic/pages/ListingPage.h"
 #include "files/FileDescriptor.h"
 
@@ -26,7 +27,7 @@ public:
     /// A folder that can't be read has a page without entries.
     void start();
 
-    void drained();
+    void drained() { slices.drained(); }
     void stop();
 
 private:
@@ -35,8 +36,7 @@ private:
         Reading, ///< the folder; somebody else does it
         Looking, ///< for previews
         Counting, ///< the bytes of the page
-        Sending,
-        Congested ///< until the peer has taken what waits to be sent
+        Sending
     };
 
     ListingShape shape() const;
@@ -45,9 +45,8 @@ private:
     void list();
     void show(const std::shared_ptr<const FolderListing> &listing);
     ListingPage::Options takeOptions() const;
+    bool work(const Slices::Turn &turn);
     bool isWorking() const;
-    void schedule();
-    void work();
     void step();
     void look();
     void count();
@@ -57,7 +56,6 @@ private:
     Exchange &exchange;
     const SendHead sendHead;
     State state = State::Idle;
-    bool scheduled = false; ///< a slice is queued
     std::unique_ptr<QObject> reading; ///< while it is there, the entries are waited for
     std::unique_ptr<ListingPage> page;
     std::shared_ptr<const Share> share; ///< of this request, also when another is shared meanwhile
@@ -65,4 +63,5 @@ private:
     qint64 toLookAt = 0; ///< entries of the page, the last ones
     qint64 length = 0; ///< bytes of the page so far
     QByteArray buffer; ///< bits that are not sent yet
+    Slices slices;
 };
