@@ -102,11 +102,11 @@ qint64 PlainSocket::receive(char *data, qint64 max)
 
 bool PlainSocket::send(const QByteArray &bytes, bool more)
 {
-    if (state != State::Open)
+    if (!canSend())
         return false;
     const qint64 taken = queued() > 0 ? 0 : sendNow(bytes.constData(), bytes.size(), more);
-    if (taken == bytes.size() || state != State::Open)
-        return state == State::Open;
+    if (taken == bytes.size() || !canSend())
+        return canSend();
     queue.append(bytes.constData() + taken, int(bytes.size() - taken));
     poller->addBacklog(bytes.size() - taken);
     return true;
@@ -152,7 +152,7 @@ void PlainSocket::dropQueue()
 
 qint64 PlainSocket::send(int file, qint64 offset, qint64 count)
 {
-    if (state != State::Open)
+    if (!canSend())
         return -1;
     if (queued() > 0)
         return 0;

@@ -15,6 +15,7 @@ public:
     ~PlainSocket() override;
 
     bool mayRead() const override { return inputWaits; }
+    bool canSend() const override { return state == State::Open; }
     qint64 queued() const override { return queue.size() - queueStart; }
     bool isCongested() const override;
     void again() override { poller->again(this); }

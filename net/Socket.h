@@ -72,6 +72,9 @@ public:
         return taken;
     }
 
+    /// Whether what is written may still reach the peer; false before the user is told `gone`.
+    virtual bool canSend() const = 0;
+
     /// Bytes that wait here for the peer.
     virtual qint64 queued() const = 0;
 

@@ -50,7 +50,7 @@ qint64 TlsSocket::receive(char *data, qint64 max)
 
 bool TlsSocket::send(const QByteArray &bytes, bool more)
 {
-    if (socket.state() != QAbstractSocket::ConnectedState)
+    if (!canSend())
         return false;
     const QScopedValueRollback<bool> guard(writing, true);
     socket.write(bytes);
@@ -61,7 +61,7 @@ bool TlsSocket::send(const QByteArray &bytes, bool more)
 
 qint64 TlsSocket::send(int file, qint64 offset, qint64 count)
 {
-    if (socket.state() != QAbstractSocket::ConnectedState)
+    if (!canSend())
         return -1;
     if (isCongested())
         return 0;
@@ -73,6 +73,11 @@ qint64 TlsSocket::send(int file, qint64 offset, qint64 count)
         return -1;
     socket.flush();
     return size;
+}
+
+bool TlsSocket::canSend() const
+{
+    return socket.state() == QAbstractSocket::ConnectedState;
 }
 
 qint64 TlsSocket::queued() const

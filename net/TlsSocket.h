@@ -19,6 +19,7 @@ public:
     ~TlsSocket() override;
 
     bool mayRead() const override { return ended || socket.bytesAvailable() > 0; }
+    bool canSend() const override;
     qint64 queued() const override;
     bool isCongested() const override;
     void again() override;

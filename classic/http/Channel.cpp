@@ -350,7 +350,7 @@ void Channel::giveUp()
 
 bool Channel::canAnswer() const
 {
-    return state != State::Gone && !account.isBlocked();
+    return state != State::Gone && socket.canSend() && !account.isBlocked();
 }
 
 /// Tells the responder that the rest of an upload won't come.

@@ -173,7 +173,7 @@ void BrowserPages::selectionRemoved(const SelectionRemoval &removal)
     if (!removal.isForbidden())
         tell(removal.message());
     if (!channel.canAnswer())
-        return;
+        return channel.end();
     if (removal.isForbidden())
         return sendHeader("403 Forbidden", 0);
     servePath();
