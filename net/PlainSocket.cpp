@@ -8,10 +8,13 @@
 #include <sys/epoll.h>
 #include <sys/sendfile.h>
 #include <sys/socket.h>
+#include <unistd.h>
 
 namespace {
 
 constexpr qint64 maxQueued = qint64(256) * 1024; ///< bytes for one peer
+constexpr qint64 maxHeld = qint64(64) * 1024; ///< bytes that are put together in one turn
+constexpr qint64 smallFile = qint64(16) * 1024; ///< bytes; copying them costs less than a call
 constexpr qint64 maxBacklog = qint64(32) * 1024 * 1024; ///< bytes for all peers
 
 bool mustWait()
@@ -58,7 +61,8 @@ PlainSocket::PlainSocket(FileDescriptor accepted, const QHostAddress &peerAddres
 PlainSocket::~PlainSocket()
 {
     dropQueue();
-    poller->forget(fd.get(), this);
+    if (fd.isOpen())
+        poller->forget(fd.get(), this);
 }
 
 void PlainSocket::ready(quint32 events)
@@ -72,6 +76,15 @@ void PlainSocket::ready(quint32 events)
         state = State::Broken;
         poller->again(this);
     }
+    serving = true;
+    serve(events);
+    serving = false;
+    if (held)
+        flush();
+}
+
+void PlainSocket::serve(quint32 events)
+{
     const bool asked = events == 0;
     if ((events & EPOLLOUT) != 0 || asked) {
         flush();
@@ -104,12 +117,31 @@ bool PlainSocket::send(const QByteArray &bytes, bool more)
 {
     if (!canSend())
         return false;
-    const qint64 taken = queued() > 0 ? 0 : sendNow(bytes.constData(), bytes.size(), more);
-    if (taken == bytes.size() || !canSend())
-        return canSend();
-    queue.append(bytes.constData() + taken, int(bytes.size() - taken));
-    poller->addBacklog(bytes.size() - taken);
-    return true;
+    // Within a turn the head of a reply waits for its body: one call and one packet for both.
+    held = held || (more && serving && queued() == 0);
+    const bool first = queued() == 0 && !held;
+    const qint64 taken = first ? sendNow(bytes.constData(), bytes.size(), more) : 0;
+    enqueue(bytes.constData() + taken, bytes.size() - taken);
+    if (held && (!more || queued() > maxHeld))
+        flush(more);
+    return canSend();
+}
+
+void PlainSocket::enqueue(const char *data, qint64 size)
+{
+    queue.append(data, int(size));
+    poller->addBacklog(size);
+}
+
+/// Gives how many bytes were read.
+qint64 PlainSocket::enqueue(int file, qint64 offset, qint64 count)
+{
+    const auto start = queue.size();
+    queue.resize(int(start + count));
+    const qint64 size = ::pread(file, queue.data() + start, size_t(count), offset);
+    queue.resize(int(start + std::max<qint64>(0, size)));
+    poller->addBacklog(std::max<qint64>(0, size));
+    return size;
 }
 
 bool PlainSocket::isCongested() const
@@ -126,10 +158,11 @@ qint64 PlainSocket::sendNow(const char *data, qint64 size, bool more)
     return std::max<qint64>(0, taken);
 }
 
-void PlainSocket::flush()
+void PlainSocket::flush(bool more)
 {
+    held = false;
     if (queued() > 0) {
-        const qint64 taken = sendNow(queue.constData() + queueStart, queued(), false);
+        const qint64 taken = sendNow(queue.constData() + queueStart, queued(), more);
         poller->addBacklog(-taken);
         queueStart += int(taken);
         if (queued() == 0)
@@ -154,6 +187,13 @@ qint64 PlainSocket::send(int file, qint64 offset, qint64 count)
 {
     if (!canSend())
         return -1;
+    if (held && count <= smallFile) {
+        const qint64 size = enqueue(file, offset, count);
+        flush();
+        return size > 0 ? size : -1;
+    }
+    if (held)
+        flush(true);
     if (queued() > 0)
         return 0;
     off_t position = offset;

@@ -42,7 +42,10 @@ private:
     bool send(const QByteArray &bytes, bool more) override;
     qint64 send(int file, qint64 offset, qint64 count) override;
     qint64 sendNow(const char *data, qint64 size, bool more);
-    void flush();
+    void serve(quint32 events);
+    void enqueue(const char *data, qint64 size);
+    qint64 enqueue(int file, qint64 offset, qint64 count);
+    void flush(bool more = false);
     void dropQueue();
     void breakOff();
     void close();
@@ -55,4 +58,6 @@ private:
     bool inputEnded = false; ///< the peer stopped sending, though bytes may still wait
     QByteArray queue; ///< not yet taken by the system
     int queueStart = 0; ///< what stands before it was taken
+    bool serving = false; ///< the user is being told of something
+    bool held = false; ///< what is queued waits for what follows it in this turn
 };

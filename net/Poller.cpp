@@ -49,8 +49,22 @@ void Poller::again(PollTarget *target)
     if (std::find(nextTurn.begin(), nextTurn.end(), target) != nextTurn.end())
         return;
     nextTurn.push_back(target);
-    if (nextTurn.size() == 1)
-        QMetaObject::invokeMethod(this, &Poller::takeTurns, Qt::QueuedConnection);
+    if (!reporting)
+        schedule();
+}
+
+void Poller::schedule()
+{
+    if (scheduled)
+        return;
+    scheduled = true;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            scheduled = false;
+            takeTurns();
+        },
+        Qt::QueuedConnection);
 }
 
 void Poller::collect()
@@ -62,6 +76,8 @@ void Poller::collect()
         happenings.push_back({ static_cast<PollTarget *>(event.data.ptr), event.events });
     }
     report();
+    // Everybody had a turn just now: a second one costs less than another round of the event loop.
+    takeTurns();
 }
 
 void Poller::takeTurns()
@@ -70,14 +86,18 @@ void Poller::takeTurns()
         happenings.push_back({ target, 0 });
     nextTurn.clear();
     report();
+    if (!nextTurn.empty())
+        schedule();
 }
 
 void Poller::report()
 {
+    reporting = true;
     while (!happenings.empty()) {
         const Happening happening = happenings.front();
         happenings.pop_front();
         if (happening.target)
             happening.target->ready(happening.events);
     }
+    reporting = false;
 }

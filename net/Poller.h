@@ -56,10 +56,13 @@ private:
     void collect();
     void takeTurns();
     void report();
+    void schedule();
 
     int epoll;
     QSocketNotifier notifier;
     std::deque<Happening> happenings; ///< not yet reported
     std::vector<PollTarget *> nextTurn;
+    bool reporting = false;
+    bool scheduled = false; ///< the next turns are queued in the event loop
     qint64 m_backlog = 0;
 };
