@@ -13,6 +13,7 @@ namespace {
 
 constexpr int savedAtOnce = 256 * 1024;
 constexpr int savesInATurn = 16;
+constexpr int requestsInATurn = 16; ///< of one peer that sends many at once
 constexpr auto lingerTime = 2s;
 constexpr auto drainTime = 10s; ///< for a peer that takes nothing of the last bytes
 constexpr auto stallTime = 60s; ///< without a byte either way
@@ -51,6 +52,22 @@ bool Channel::isEncrypted() const
 
 void Channel::readable()
 {
+    inTurn = true;
+    for (int i = 0; i < requestsInATurn; ++i) {
+        nextWaits = false;
+        takeInput();
+        if (!nextWaits)
+            break;
+    }
+    inTurn = false;
+    if (account.isBlocked())
+        giveUp();
+    else if (nextWaits)
+        socket.again();
+}
+
+void Channel::takeInput()
+{
     switch (state) {
     case State::Collecting:
         collectHead();
@@ -80,8 +97,6 @@ void Channel::readable()
         // Further bytes wait in the socket.
         break;
     }
-    if (account.isBlocked())
-        giveUp();
 }
 
 void Channel::collectHead()
@@ -283,8 +298,16 @@ void Channel::end()
     state = State::Settling;
     if (reader.isAllRead() && !isCongested())
         rearm();
-    // Later: the next request must not be parsed inside the reply to this one.
-    if (!reader.isEmpty() || socket.mayRead())
+    lookFurther();
+}
+
+/// The next request may be here already. It must not be parsed inside the reply to this one.
+void Channel::lookFurther()
+{
+    if (reader.isEmpty() && !socket.mayRead())
+        return;
+    nextWaits = inTurn;
+    if (!inTurn)
         socket.again();
 }
 
@@ -299,8 +322,7 @@ void Channel::settle()
     if (look == RequestReader::Look::Incomplete || isCongested())
         return;
     rearm();
-    if (!reader.isEmpty() || socket.mayRead())
-        socket.again();
+    lookFurther();
 }
 
 void Channel::rearm()

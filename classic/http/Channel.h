@@ -133,6 +133,7 @@ private:
         Gone
     };
 
+    void takeInput();
     void collectHead();
     void collectHeadRest();
     void collectForm();
@@ -141,6 +142,7 @@ private:
     void finishSaving(SaveResult result);
     void askForBody();
     void continueStreaming();
+    void lookFurther();
     void settle();
     void rearm();
     void close();
@@ -155,6 +157,8 @@ private:
     State state = State::Collecting;
     bool keepAlive = true;
     bool bodyAskedFor = false;
+    bool inTurn = false; ///< input is being taken
+    bool nextWaits = false; ///< there may be another request to look at in this turn
     Clock::time_point lingersUntil;
     RequestReader reader;
     FileSender sender;
