@@ -44,6 +44,8 @@ constexpr std::array<TypeRow, 21> contentTypes{ {
     { "exe", "application/octet-stream" },
 } };
 
+const QLatin1Char slash('/');
+const QLatin1String top("/");
 constexpr auto uploadAction = "up";
 constexpr auto uploadsFolder = "/uploads";
 constexpr auto iconRequest = "/favicon.ico";
@@ -89,6 +91,17 @@ QByteArray disposition(const QString &name)
     return "Content-Disposition: attachment; filename=\"" + headerSafe(name) + "\"\r\n";
 }
 
+/// What ends in a slash is no file.
+bool namesFolder(const QString &path)
+{
+    return path.endsWith(slash) && path != top;
+}
+
+QString lastName(const QString &path)
+{
+    return path.mid(path.lastIndexOf(slash) + 1);
+}
+
 /// A file of ours by its own path.
 std::optional<OpenFile> openInstalled(const QString &path)
 {
@@ -122,21 +135,24 @@ void FileReply::reply()
     upload.start(QLatin1String(uploadsFolder));
 }
 
-void FileReply::sendShared(const QString &path, const QString &shownPath)
+bool FileReply::sendRegular(const QString &path)
 {
     const Share *share = exchange.service.share.get();
-    if (!share)
-        return refuse(shownPath, false);
-    // What ends in a slash is no file.
-    const bool isTop = path == QLatin1String("/");
-    const bool namesFolder = path.endsWith(QLatin1Char('/')) && !isTop;
-    std::optional<OpenFile> file;
-    if (!namesFolder)
-        file = share->openFile(nativePath(path));
+    if (!share || namesFolder(path))
+        return false;
+    std::optional<OpenFile> file = share->openFile(nativePath(path));
     if (!file)
-        return refuse(shownPath, !namesFolder && share->facts(nativePath(path)).exists);
-    const QString name = isTop ? exchange.service.shared.fileName() : QFileInfo(path).fileName();
-    sendOpened(std::move(*file), name);
+        return false;
+    sendOpened(std::move(*file), path == top ? exchange.service.shared.fileName() : lastName(path));
+    return true;
+}
+
+void FileReply::sendShared(const QString &path, const QString &shownPath)
+{
+    if (sendRegular(path))
+        return;
+    const Share *share = exchange.service.share.get();
+    refuse(shownPath, share && !namesFolder(path) && share->facts(nativePath(path)).exists);
 }
 
 void FileReply::sendInstalled(const QString &path, const QByteArray &status)

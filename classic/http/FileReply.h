@@ -21,6 +21,10 @@ public:
     static QByteArray typeOf(const QString &extension);
 
 protected:
+    /// Sends the regular file at `path` of the share. False, with nothing sent, when there is none
+    /// that can be read.
+    bool sendRegular(const QString &path);
+
     /// Sends the file at `path` of the share, the site icon, or the not-found page, which tells
     /// `shownPath`. Only regular files are opened; anything else that exists is
     /// "500 Can't read file".

@@ -216,6 +216,9 @@ void BrowserPages::servePath()
     if (const auto picture = restBehind(previewUrl, path))
         return sendPreview(*picture);
 
+    // Files are asked for most often, and opening is the only look that they need.
+    if (!path.endsWith(slash) && sendRegular(QDir::cleanPath(path)))
+        return;
     const Share *share = exchange.service.share.get();
     const bool isFolder = share && share->facts(nativePath(path)).folder;
     if (!isFolder)
