@@ -3,9 +3,6 @@
 #include "classic/dav/Routes.h"
 #include "tests/support/LiveServer.h"
 
-#include <QDir>
-#include <QTest>
-
 /// A server of the WebDAV methods, something to share, and a client: fresh for each test.
 class DavTest : public QObject
 {

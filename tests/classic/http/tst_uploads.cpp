@@ -23,7 +23,7 @@ class TestUploads : public QObject
 
 private Q_SLOTS:
     void init();
-    void cleanup();
+    void cleanup() { live.reset(); }
     void receivesAForm_data();
     void receivesAForm();
     void refusesAForm_data();
@@ -52,11 +52,6 @@ void TestUploads::init()
     live = std::make_unique<LiveServer>();
     QVERIFY(QDir(live->sharePath()).mkdir(QStringLiteral("uploads")));
     live->start();
-}
-
-void TestUploads::cleanup()
-{
-    live.reset();
 }
 
 void TestUploads::receivesAForm_data()
@@ -119,8 +114,6 @@ void TestUploads::refusesAForm_data()
     QTest::newRow("no file chosen") << form({}, {});
     QTest::newRow("no file field") << form("a", "x").replace(" filename=", " filesize=");
     QTest::newRow("no closing quote") << form("a", "x").replace("\"a\"", "\"a'");
-    QTest::newRow("no part at all") << post(type, "--B--\r\n");
-    QTest::newRow("no body") << post(type, {});
     QTest::newRow("a name that climbs") << form("..", "x");
     QTest::newRow("a name with a NUL") << form(QByteArray("a\0b", 3), "x");
     QTest::newRow("a name too long") << form(QByteArray(300, 'n'), "x");

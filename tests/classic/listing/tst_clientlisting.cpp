@@ -4,7 +4,6 @@
 #include "tests/files/Pictures.h"
 
 #include <QDateTime>
-#include <QDir>
 
 static const QByteArray asLastRequest = "User-Agent: mc\r\nConnection: close\r\n";
 

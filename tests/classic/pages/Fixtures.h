@@ -2,8 +2,6 @@
 
 #include "tests/support/LiveServer.h"
 
-#include <QTest>
-
 #include <filesystem>
 
 /// `routes`, and plain files behind them.

@@ -1,10 +1,36 @@
 #include "classic/http/HeadScan.h"
 #include "classic/http/MultipartCutter.h"
 #include "classic/http/RequestTarget.h"
+#include "classic/listing/Filter.h"
+#include "classic/pages/Markup.h"
+#include "classic/pages/ShortDates.h"
+#include "files/Entry.h"
 
+#include <QDateTime>
+#include <QElapsedTimer>
+#include <QLocale>
 #include <QTest>
+#include <QUrl>
+#include <QUrlQuery>
 
-/// The parsers that work on bytes alone.
+#include <ctime>
+
+namespace {
+
+/// What the filter of `query` says of a file of 2010-03-07 12:34:56 local time.
+bool accepts(const QByteArray &query, const QString &name, qint64 size = 0)
+{
+    EntryFacts facts;
+    facts.size = size;
+    facts.seconds = QDateTime(QDate(2010, 3, 7), QTime(12, 34, 56)).toSecsSinceEpoch();
+    Filter filter;
+    filter.init(QUrlQuery(QString::fromUtf8(query)));
+    return filter.accept(name, facts);
+}
+
+} // namespace
+
+/// What parses and writes bytes alone.
 class TestBytes : public QObject
 {
     Q_OBJECT
@@ -19,6 +45,11 @@ private Q_SLOTS:
     void takesTargetsApart_data();
     void takesTargetsApart();
     void seesWhoClimbsOut();
+    void filters_data();
+    void filters();
+    void manyStarsDontTryAllCombinations();
+    void encodesEscapesAndRounds();
+    void writesDatesLikeTheLocale();
 };
 
 void TestBytes::scansHeads_data()
@@ -34,7 +65,6 @@ void TestBytes::scansHeads_data()
     row("any case, any blanks", "cOnTent-lenGTH:\t 12 \r\n", 12, false);
     row("beyond 2 GiB", "Content-Length: 5000000000\r\n", 5000000000, false);
     row("negative", "Content-Length: -5\r\n", 0, true);
-    row("signed", "Content-Length: +5\r\n", 0, true);
     row("at the edge of 64 bit", "Content-Length: 9223372036854775807\r\n", 0, true);
     row("beyond 64 bit", "Content-Length: 99999999999999999999\r\n", 0, true);
     row("empty", "Content-Length:\r\n", 0, true);
@@ -152,6 +182,99 @@ void TestBytes::seesWhoClimbsOut()
         QVERIFY2(climbsOut(QLatin1String(path)), path);
     for (const char *path : { "/", "", "/a/..", "/a/../b", "/...", "/..a", "/a..", "/a/./b/../c" })
         QVERIFY2(!climbsOut(QLatin1String(path)), path);
+}
+
+void TestBytes::filters_data()
+{
+    QTest::addColumn<QByteArray>("query");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<qint64>("size");
+    QTest::addColumn<bool>("accepted");
+    const auto size = [](const char *name, const QByteArray &query, qint64 bytes, bool accepted) {
+        QTest::newRow(name) << query << QString() << bytes << accepted;
+    };
+    const auto time = [&](const char *name, const QByteArray &query, bool accepted) {
+        size(name, "t=" + query, 0, accepted);
+    };
+    const auto match = [](const char *name, const QByteArray &glob, const char *file, bool fits) {
+        const QByteArray encoded = glob.toPercentEncoding();
+        QTest::newRow(name) << "p=" + encoded << QString::fromUtf8(file) << qint64(0) << fits;
+    };
+    constexpr qint64 GiB = qint64(1) << 30;
+
+    size("not below the limit", "s1=100&s1o=<", 100, false);
+    size("no sign means equal", "s1=100", 100, true);
+    size("zero is a limit", "s1=0", 1, false);
+    size("what is no number is no limit", "s1=abc&s2=99999999999", 5, true);
+    size("3 GiB compare as a negative number", "s1=0&s1o=<", 3 * GiB, true);
+    time("not before the limit", "201003071234&to=<", false);
+    time("minutes of one digit", "20100307129&to=<", false);
+    time("same hour", "201003071200&to==&tu=2", true);
+    time("unit 3 is the month, not the day", "201003010000&to==&tu=3", true);
+    time("an unknown unit leaves the time", "201003071234&to==&tu=5", false);
+    time("a date that does not exist", "201002301200&to=<", true);
+    match("in the middle of a name, in any case", "*.JPG", "a.jpg.txt", true);
+    match("a line break is a character", "a?c", "a\nc", true);
+    match("a negated set", "x[^ab]", "xa", false);
+    match("an exclamation mark is a member", "x[!a]", "xa", true);
+    match("a backslash is itself", "a\\*c[\\]", "a\\bc\\", true);
+    match("signs of expressions are themselves", "(a)+{1}|^$", "(a)+{1}|^$", true);
+    match("a set without end matches nothing", "a*[b", "a[b", false);
+    match("letters beyond ASCII", "\xc3\x84*", "\xc3\xa4rger", true);
+}
+
+void TestBytes::filters()
+{
+    QFETCH(QByteArray, query);
+    QFETCH(QString, name);
+    QFETCH(qint64, size);
+    QTEST(accepts(query, name, size), "accepted");
+}
+
+void TestBytes::manyStarsDontTryAllCombinations()
+{
+    QElapsedTimer clock;
+    clock.start();
+    for (int i = 0; i < 100; ++i)
+        QVERIFY(!accepts("p=" + QByteArray("a*").repeated(200) + 'b', QString(250, u'a')));
+    QVERIFY(clock.elapsed() < 1000);
+}
+
+void TestBytes::encodesEscapesAndRounds()
+{
+    QString path = QString::fromUtf8("/100%25 [a] \xf0\x9f\x93\xb7");
+    for (ushort code = 1; code < 0x800; ++code)
+        path += QChar(code);
+    QUrl url;
+    url.setPath(path, QUrl::DecodedMode);
+    QByteArray out;
+    addEncodedPath(&out, path.toUtf8());
+    QCOMPARE(out, url.path(QUrl::FullyEncoded).toLatin1());
+
+    addEscaped(&(out = "="), "<script a=\"b\">'&amp;'\n");
+    for (const qint64 bytes : { 1024LL, 1025LL, 1048577LL, 1073741824LL, 5368709120LL })
+        addSize(&out, bytes);
+    QCOMPARE(out, QByteArray("=&lt;script a=&quot;b&quot;&gt;'&amp;'\n1024Byte1KB1MB1024MB5GB"));
+}
+
+void TestBytes::writesDatesLikeTheLocale()
+{
+    const std::pair<const char *, const char *> places[] = { { "UTC", "C" },
+                                                             { "America/New_York", "en_US" },
+                                                             { "Australia/Adelaide", "de_DE" } };
+    for (const auto &[zone, locale] : places) {
+        qputenv("TZ", zone);
+        tzset();
+        QLocale::setDefault(QLocale(QLatin1String(locale)));
+        ShortDates dates;
+        // Steps of about 89 days: both halves of the year, all hours.
+        for (qint64 msecs = 1000000000999; msecs < 2000000000000; msecs += 7654321000) {
+            const QDateTime time = QDateTime::fromMSecsSinceEpoch(msecs);
+            const QByteArray text = toAscii(QLocale().toString(time, QLocale::ShortFormat));
+            QCOMPARE(dates.text(msecs), text);
+            QCOMPARE(dates.text(msecs), text); // from memory
+        }
+    }
 }
 
 QTEST_GUILESS_MAIN(TestBytes)
