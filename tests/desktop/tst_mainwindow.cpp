@@ -1,5 +1,4 @@
 #include "desktop/settings/SettingsDialog.h"
-#include "desktop/widgets/InputDialog.h"
 #include "desktop/widgets/LinkLabel.h"
 #include "desktop/widgets/PageView.h"
 #include "desktop/window/AddressTable.h"
@@ -21,11 +20,6 @@ class tst_mainwindow : public QObject
                 return each;
         }
         qFatal("no action %s", name);
-    }
-
-    static QMessageBox *openBox()
-    {
-        return qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
     }
 
 private Q_SLOTS:
@@ -114,14 +108,14 @@ private Q_SLOTS:
         const auto tell = [&](int i) { events->msg(QStringLiteral("title"), QString::number(i)); };
         for (int i = 0; i < 3 * EventHandler::maxWaitingBoxes; ++i)
             tell(i / 2);
-        QVERIFY(!openBox()); // never inside the call
+        QVERIFY(!QApplication::activeModalWidget()); // never inside the call
         for (int i = 0; i <= EventHandler::maxWaitingBoxes; ++i)
             QCOMPARE(boxText([] {}), QStringLiteral("title\n%1").arg(i));
         // The others are dropped, and a text whose box is closed can be shown again.
         QCOMPARE(boxText([&] { tell(0); }), QStringLiteral("title\n0"));
     }
 
-    void servicesWaitForTheWindow()
+    void warnsOfOpenAccess()
     {
         Desktop desktop([](Profile &global) { global.warningMode = Qt::Checked; });
         StandIn service;
@@ -131,7 +125,7 @@ private Q_SLOTS:
         MainWindow window(desktop.home.profiles.get(), &desktop.look, nullptr,
                           classicFaces(fileRoutes()), nullptr, desktop.source());
         QTest::qWait(0);
-        QVERIFY(service.requests.isEmpty());
+        QVERIFY(service.requests.isEmpty()); // it waits for the window
         const auto ask = [&window] {
             const QString text = boxText([&window] { window.show(); }, QMessageBox::Yes);
             QVERIFY(
