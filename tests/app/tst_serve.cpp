@@ -110,7 +110,6 @@ void TestServe::endsAtOnce_data()
     row("unknown option", QStringLiteral("--loud /tmp"), 2, "loud");
     row("port out of range", QStringLiteral("--port 65536 /tmp"), 2, "65536");
     row("two profiles", QStringLiteral("--profile a --default-profile /tmp"), 2, "exclude");
-    row("no address", QStringLiteral("--address here /tmp"), 2, "here");
     row("missing path", QStringLiteral("/none"), 1, "/none");
     row("device", QStringLiteral("/dev/null"), 1, "/dev/null");
     row("unknown profile", QStringLiteral("--profile none /tmp"), 1, "none");

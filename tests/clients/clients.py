@@ -129,14 +129,6 @@ class Curl(Served):
         self.assertEqual(self.curl("a b", "-X", "DELETE")[0], 200)
         self.assertEqual(digests(self.share), {})
 
-    def test_large_file(self):
-        content = os.urandom(5_000_000)  # curl asks before it sends as much
-        (self.local / "file").write_bytes(content)
-        self.assertEqual(self.curl("large", "-T", "file")[0], 201)
-        self.assertEqual((self.share / "large").read_bytes(), content)
-        self.curl("large", "-o", "back")
-        self.assertEqual((self.local / "back").read_bytes(), content)
-
 
 class Cadaver(Served):
     def cadaver(self, *commands):

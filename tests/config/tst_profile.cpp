@@ -1,9 +1,6 @@
 #include "config/Profiles.h"
 #include "tests/support/LiveServer.h"
 
-#include <QDir>
-#include <QTest>
-
 namespace {
 
 QByteArray number(qint32 value)
