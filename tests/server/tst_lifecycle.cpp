@@ -200,8 +200,8 @@ void TestLifecycle::stopsAtTheTrafficLimit()
     QCOMPARE(reached, 1);
     QVERIFY(live->server->isBlocked());
     QVERIFY(other.waitForClose());
-    const qint64 total = live->server->sentBytes() + live->server->receivedBytes();
-    QVERIFY(total >= 100 * 1024 && total < 100 * 1024 + 4096);
+    const qint64 beyond = live->server->sentBytes() + live->server->receivedBytes() - 100 * 1024LL;
+    QVERIFY(beyond >= 0 && beyond < 4096);
 
     // The counters go on where they stopped until they are cleared.
     QVERIFY(live->server->start());
@@ -242,12 +242,12 @@ void TestLifecycle::stopsListeningButServesOn()
 void TestLifecycle::dropsConnectionsAtAnyMoment()
 {
     live->addFile(QStringLiteral("big"), QByteArray(20000000, 'x'));
+    const auto *form = "POST /?a=up HTTP/1.1\r\nContent-Type: multipart/form-data; boundary=B\r\n"
+                       "Content-Length: 99999\r\n\r\n--B\r\nX: y";
     for (const bool stopped : { true, false }) {
         live->start();
         std::vector<std::unique_ptr<RawClient>> clients;
-        for (const char *bytes : { "", "\r", "GET /", "GET /big HTTP/1.1\r\n\r\n",
-                                   "POST /?a=up HTTP/1.1\r\nContent-Type: multipart/form-data; "
-                                   "boundary=B\r\nContent-Length: 99999\r\n\r\n--B\r\nX: y" }) {
+        for (const char *bytes : { "", "\r", "GET /", "GET /big HTTP/1.1\r\n\r\n", form }) {
             clients.push_back(std::make_unique<RawClient>(live->port()));
             clients.back()->socket->setReadBufferSize(1);
             clients.back()->send(bytes);
