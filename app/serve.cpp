@@ -43,65 +43,83 @@ int usageError(Console *console, const QString &problem)
     return WrongUsage;
 }
 
-/// Reads the command line. When the program is to end at once, `status` holds its exit status.
-std::optional<Options> readOptions(Console *console, int &status)
+/// What the command line may say.
+struct CommandLine
 {
     QCommandLineParser parser;
-    parser.setApplicationDescription(
-        text("Serves a file or folder to browsers and WebDAV clients."));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
-    const QCommandLineOption address(QStringLiteral("address"),
-                                     text("Listen on this address only."), QStringLiteral("ADDR"));
-    const QCommandLineOption port(QStringLiteral("port"),
-                                  text("Listen on this port; 0 takes a free one."),
-                                  QStringLiteral("N"));
-    const QCommandLineOption profile(QStringLiteral("profile"),
-                                     text("Use the profile of this name."), QStringLiteral("NAME"));
-    const QCommandLineOption defaults(
+    const QCommandLineOption address{ QStringLiteral("address"),
+                                      text("Listen on this address only."),
+                                      QStringLiteral("ADDR") };
+    const QCommandLineOption port{ QStringLiteral("port"),
+                                   text("Listen on this port; 0 takes a free one."),
+                                   QStringLiteral("N") };
+    const QCommandLineOption profile{ QStringLiteral("profile"),
+                                      text("Use the profile of this name."),
+                                      QStringLiteral("NAME") };
+    const QCommandLineOption defaults{
         QStringLiteral("default-profile"),
-        text("Use the default values and no stored profile: no password, deleting allowed."));
-    parser.addOptions({ address, port, profile, defaults });
-    parser.addPositionalArgument(QStringLiteral("PATH"), text("The file or folder to serve."));
+        text("Use the default values and no stored profile: no password, deleting allowed.")
+    };
 
-    status = Done;
-    const bool parsed = parser.parse(QCoreApplication::arguments());
-    if (parser.isSet(help)) {
-        console->print(parser.helpText());
-        return {};
+    CommandLine()
+    {
+        parser.setApplicationDescription(
+            text("Serves a file or folder to browsers and WebDAV clients."));
+        parser.addOptions({ address, port, profile, defaults });
+        parser.addPositionalArgument(QStringLiteral("PATH"), text("The file or folder to serve."));
     }
-    if (parser.isSet(version)) {
+};
+
+/// Prints what is asked for instead of serving; false when nothing is.
+bool printsInformation(Console *console, const CommandLine &line)
+{
+    if (line.parser.isSet(line.help))
+        console->print(line.parser.helpText());
+    else if (line.parser.isSet(line.version))
         console->print(QCoreApplication::applicationName() + QLatin1Char(' ')
                        + QCoreApplication::applicationVersion());
-        return {};
-    }
-    const auto wrong = [console, &status](const QString &problem) {
-        status = usageError(console, problem);
-        return std::nullopt;
-    };
-    if (!parsed)
-        return wrong(parser.errorText());
-    if (parser.positionalArguments().size() != 1)
-        return wrong(text("Name one file or folder to serve."));
+    else
+        return false;
+    return true;
+}
 
-    Options options;
-    options.path = parser.positionalArguments().constFirst();
-    options.profile = parser.value(profile);
-    options.defaultProfile = parser.isSet(defaults);
-    if (options.defaultProfile && parser.isSet(profile))
-        return wrong(text("--profile and --default-profile exclude each other."));
-    if (parser.isSet(address) && !options.address.setAddress(parser.value(address)))
-        return wrong(text("This is no address: %1").arg(parser.value(address)));
+// These take values over from the command line and give what is wrong with them, or nothing.
+
+QString takeAddress(const CommandLine &line, Options *options)
+{
+    const QString given = line.parser.value(line.address);
+    if (line.parser.isSet(line.address) && !options->address.setAddress(given))
+        return text("This is no address: %1").arg(given);
     // "::" is meant to reach everyone, but the toolkit takes it for IPv6 alone.
-    if (options.address == QHostAddress(QHostAddress::AnyIPv6))
-        options.address = QHostAddress(QHostAddress::Any);
-    if (parser.isSet(port)) {
-        bool isNumber = false;
-        options.port = parser.value(port).toUShort(&isNumber);
-        if (!isNumber)
-            return wrong(text("This is no port from 0 to 65535: %1").arg(parser.value(port)));
-    }
-    return options;
+    if (options->address == QHostAddress(QHostAddress::AnyIPv6))
+        options->address = QHostAddress(QHostAddress::Any);
+    return {};
+}
+
+QString takePort(const CommandLine &line, Options *options)
+{
+    if (!line.parser.isSet(line.port))
+        return {};
+    bool isNumber = false;
+    options->port = line.parser.value(line.port).toUShort(&isNumber);
+    return isNumber ? QString()
+                    : text("This is no port from 0 to 65535: %1").arg(line.parser.value(line.port));
+}
+
+QString takeOptions(const CommandLine &line, Options *options)
+{
+    const QStringList paths = line.parser.positionalArguments();
+    if (paths.size() != 1)
+        return text("Name one file or folder to serve.");
+    options->path = paths.constFirst();
+    options->profile = line.parser.value(line.profile);
+    options->defaultProfile = line.parser.isSet(line.defaults);
+    if (options->defaultProfile && line.parser.isSet(line.profile))
+        return text("--profile and --default-profile exclude each other.");
+    const QString problem = takeAddress(line, options);
+    return problem.isEmpty() ? takePort(line, options) : problem;
 }
 
 /// Why `path` can't be served; empty when it can.
@@ -223,11 +241,15 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationVersion(QStringLiteral(QUILLON_VERSION));
 
     Console console;
-    int status = Done;
-    const std::optional<Options> options = readOptions(&console, status);
-    if (!options)
-        return status;
-    if (const QString problem = problemWith(options->path); !problem.isEmpty()) {
+    CommandLine line;
+    const bool parsed = line.parser.parse(QCoreApplication::arguments());
+    if (printsInformation(&console, line))
+        return Done;
+    Options options;
+    const QString mistake = parsed ? takeOptions(line, &options) : line.parser.errorText();
+    if (!mistake.isEmpty())
+        return usageError(&console, mistake);
+    if (const QString problem = problemWith(options.path); !problem.isEmpty()) {
         console.error(problem);
         return Failed;
     }
@@ -237,7 +259,7 @@ int main(int argc, char **argv)
         return Failed;
     }
 
-    const QString shared = QFileInfo(options->path).absoluteFilePath();
+    const QString shared = QFileInfo(options.path).absoluteFilePath();
     const WorkingFolder workingFolder;
     if (!workingFolder.isEntered()) {
         console.error(text("Can't make the folder %1").arg(WorkingFolder::usualPlace()));
@@ -247,7 +269,7 @@ int main(int argc, char **argv)
     endSignals.quitOnFirst(&app);
     Profiles profiles(directories);
     Previews::sweep(previewFolder());
-    status = serve(&console, *options, shared, profiles);
+    const int status = serve(&console, options, shared, profiles);
     if (!profiles.endInOrder())
         console.error(text("The profile could not be saved in %1").arg(directories.profiles));
     return status;
