@@ -5,6 +5,7 @@
 #include "files/ListingCache.h"
 #include "files/Path.h"
 #include "files/Share.h"
+#include "net/Socket.h"
 #include "server/Url.h"
 
 #include <QFile>
@@ -98,8 +99,9 @@ QByteArray PropFind::askedPrefix() const
 
 QByteArray PropFind::baseUrl() const
 {
-    const QHostAddress address = plainAddress(channel.localAddress());
-    const QString url = serverUrl(channel.isEncrypted(), address, channel.localPort());
+    const Socket &socket = channel.connection();
+    const QHostAddress address = plainAddress(socket.localAddress());
+    const QString url = serverUrl(socket.isEncrypted(), address, socket.localPort());
     // Of a link-local address, before the name of its link (RFC 6874).
     return url.toLatin1().replace('%', "%25");
 }

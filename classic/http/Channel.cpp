@@ -21,31 +21,11 @@ constexpr auto idleTime = 600s; ///< between requests
 
 } // namespace
 
-Channel::Channel(Socket &connection, TrafficAccount &traffic, User &channelUser)
-    : socket(connection)
+Channel::Channel(Socket &borrowed, TrafficAccount &traffic, User &channelUser)
+    : socket(borrowed)
     , account(traffic)
     , user(channelUser)
 {
-}
-
-QHostAddress Channel::peerAddress() const
-{
-    return socket.peerAddress();
-}
-
-QHostAddress Channel::localAddress() const
-{
-    return socket.localAddress();
-}
-
-quint16 Channel::localPort() const
-{
-    return socket.localPort();
-}
-
-bool Channel::isEncrypted() const
-{
-    return socket.isEncrypted();
 }
 
 // Reading
@@ -143,54 +123,33 @@ bool Channel::isBodyHeldBack() const
 void Channel::readForm(qint64 length)
 {
     state = State::ReadingForm;
-    collected.clear();
-    formLength = std::min<qint64>(length, maxForm);
+    collector.start(std::min<qint64>(length, maxForm));
     askForBody();
     collectForm();
 }
 
 void Channel::collectForm()
 {
-    std::array<char, RequestReader::bufferSize> piece;
-    qint64 size = 0;
-    while (collected.size() < formLength) {
-        const qint64 room = formLength - collected.size();
-        size = reader.readBody(socket, piece.data(),
-                               std::min<qint64>(room, RequestReader::bufferSize));
-        if (size <= 0)
-            break;
-        collected.append(piece.data(), int(size));
-    }
-    if (size == 0 && collected.size() < formLength && !reader.isAllRead())
+    if (!collector.collectForm(reader, socket))
         return;
     state = State::Replying;
-    user.formReady(std::exchange(collected, {}));
+    user.formReady(collector.take());
 }
 
 void Channel::readPartHead()
 {
     state = State::ReadingPartHead;
-    collected.clear();
+    collector.start(maxPartHead);
     askForBody();
     collectPartHead();
 }
 
 void Channel::collectPartHead()
 {
-    char byte = 0;
-    qint64 size = 0;
-    // One byte at a time: what follows the blank line is the part's content.
-    while (collected.size() < maxPartHead && (size = reader.readBody(socket, &byte, 1)) == 1) {
-        collected += byte;
-        if (byte == '\n' && collected.endsWith("\r\n\r\n")) {
-            state = State::Replying;
-            return user.partHeadReady(std::exchange(collected, {}));
-        }
-    }
-    if (size == 0 && collected.size() < maxPartHead && !reader.isAllRead())
+    if (!collector.collectPartHead(reader, socket))
         return;
     state = State::Replying;
-    user.partHeadReady({});
+    user.partHeadReady(collector.take());
 }
 
 void Channel::saveBody(UploadFile *upload, qint64 length)

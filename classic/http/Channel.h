@@ -1,11 +1,11 @@
 #pragma once
 
+#include "classic/http/BodyCollector.h"
 #include "classic/http/BodySaver.h"
 #include "classic/http/RequestReader.h"
 #include "net/FileSender.h"
 
 #include <QByteArray>
-#include <QHostAddress>
 
 #include <chrono>
 
@@ -47,10 +47,8 @@ public:
     /// All are borrowed and outlive the channel.
     Channel(Socket &socket, TrafficAccount &account, User &user);
 
-    QHostAddress peerAddress() const;
-    QHostAddress localAddress() const;
-    quint16 localPort() const;
-    bool isEncrypted() const;
+    /// Whose bytes it carries, and how.
+    const Socket &connection() const { return socket; }
 
     /// Whether the connection serves another request after this one.
     bool isKeepAlive() const { return keepAlive; }
@@ -163,6 +161,5 @@ private:
     RequestReader reader;
     FileSender sender;
     BodySaver saver;
-    qint64 formLength = 0;
-    QByteArray collected; ///< of a form or a part's head
+    BodyCollector collector; ///< of a form or a part's head
 };

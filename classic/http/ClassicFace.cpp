@@ -4,6 +4,7 @@
 #include "classic/http/FileReply.h"
 #include "classic/http/Refusals.h"
 #include "config/Profile.h"
+#include "net/Socket.h"
 #include "server/Connection.h"
 #include "server/Secret.h"
 
@@ -50,7 +51,8 @@ void ClassicFace::headReady()
     connection.noteRequest();
     Request &request = exchange.request;
     if (!request.parse(channel.request(), exchange.service.singleFile)) {
-        qCDebug(classicLog) << "dropped: no request line from" << channel.peerAddress();
+        qCDebug(classicLog) << "dropped: no request line from"
+                            << channel.connection().peerAddress();
         return channel.abort();
     }
     takeSession();
@@ -120,7 +122,7 @@ const char *ClassicFace::reasonToRefuse() const
 void ClassicFace::refuse(const char *status)
 {
     qCDebug(classicLog) << "refused:" << status << exchange.request.path << "from"
-                        << channel.peerAddress();
+                        << channel.connection().peerAddress();
     channel.setKeepAlive(false);
     static_cast<StatusReply &>(responder(statusRoute)).send(status);
 }
@@ -177,7 +179,7 @@ bool ClassicFace::passwordFits()
 {
     const Request &request = exchange.request;
     const Session session = exchange.session();
-    const QHostAddress peer = channel.peerAddress();
+    const QHostAddress peer = channel.connection().peerAddress();
     if (request.isLogin()) {
         session->password = request.field("password");
         session->loginAddress = peer;
@@ -200,7 +202,7 @@ bool ClassicFace::isAccount() const
 
 void ClassicFace::refuseLogin()
 {
-    qCDebug(classicLog) << "not logged in:" << channel.peerAddress();
+    qCDebug(classicLog) << "not logged in:" << channel.connection().peerAddress();
     channel.setKeepAlive(false);
     const bool asksForPage = exchange.service.profile->authMode != AuthBasic;
     responder(asksForPage ? loginPageRoute : challengeRoute).reply();

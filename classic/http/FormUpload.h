@@ -24,9 +24,9 @@ public:
     FormUpload(Exchange &current, QObject *responder, Ended whenEnded);
     ~FormUpload();
 
-    /// Receives into `folder`, a path below the share. The end is told once, perhaps before this
-    /// call returns.
-    void start(const QString &folder);
+    /// Receives into `target`, a folder's path below the share. The end is told once, perhaps
+    /// before this call returns.
+    void start(const QString &target);
 
     void partHeadReady(const QByteArray &lines);
     void bodyEnded(SaveResult result);
