@@ -29,8 +29,6 @@ void Profiles::loadGlobal()
 {
     Profile *global =
         add(std::make_unique<Profile>(m_directories, QLatin1String(Profile::globalFile)));
-    if (!global->cleanExit && !mark.hasNeighbours())
-        m_lastRun = LastRun::Aborted;
     if (global->cleanExit)
         global->amend([](Profile &profile) { profile.cleanExit = false; });
     if (global->name.isEmpty())

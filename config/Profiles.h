@@ -6,9 +6,6 @@
 #include <memory>
 #include <vector>
 
-/// How the previous run ended, as far as the global profile and running neighbours tell.
-enum class LastRun { EndedInOrder, Aborted };
-
 /// All profiles of the user and the mark that this run leaves in the global one. Made in `main`,
 /// owns its profiles and outlives everything that runs with one.
 class Profiles
@@ -22,7 +19,6 @@ public:
     /// Nothing else in it changes. False when it can't be written.
     bool endInOrder();
 
-    LastRun lastRun() const { return m_lastRun; }
     const Directories &directories() const { return m_directories; }
 
     /// The first profile, from which new ones are cloned.
@@ -55,5 +51,4 @@ private:
     Directories m_directories;
     RunningMark mark;
     std::vector<std::unique_ptr<Profile>> all;
-    LastRun m_lastRun = LastRun::EndedInOrder;
 };
