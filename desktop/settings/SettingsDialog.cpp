@@ -1,8 +1,8 @@
 #include "desktop/settings/SettingsDialog.h"
 
-#include "config/Configurable.h"
 #include "config/Profile.h"
 #include "desktop/settings/AccessPage.h"
+#include "desktop/settings/Configurable.h"
 #include "desktop/settings/DnsPage.h"
 #include "desktop/settings/FolderPage.h"
 #include "desktop/settings/LimitsPage.h"

@@ -4,23 +4,10 @@
 #include "desktop/window/ServerRow.h"
 #include "server/StatusSink.h"
 
-#include <QNetworkInterface>
-
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
-using namespace std::chrono_literals;
-
 namespace {
-
-constexpr auto lookInterval = 5s;
-
-bool hasAddress(const QList<QNetworkAddressEntry> &entries, const QHostAddress &address)
-{
-    return std::any_of(entries.begin(), entries.end(),
-                       [&address](const auto &entry) { return entry.ip() == address; });
-}
 
 template <typename Test> QList<ServerRow *> filtered(const QList<ServerRow *> &rows, Test test)
 {
@@ -36,33 +23,19 @@ bool isListening(const ServerRow *row)
 
 } // namespace
 
-QList<QNetworkAddressEntry> deviceAddresses()
-{
-    QList<QNetworkAddressEntry> usable;
-    const QList<QNetworkInterface> interfaces = QNetworkInterface::allInterfaces();
-    for (const QNetworkInterface &interface : interfaces) {
-        const auto flags = interface.flags();
-        if (!flags.testFlag(QNetworkInterface::IsUp)
-            || flags.testFlag(QNetworkInterface::IsLoopBack))
-            continue;
-        const QList<QNetworkAddressEntry> entries = interface.addressEntries();
-        std::copy_if(entries.begin(), entries.end(), std::back_inserter(usable),
-                     [](const auto &entry) { return !entry.broadcast().isNull(); });
-    }
-    return usable;
-}
-
 ServerRows::ServerRows(Profiles *choice, std::shared_ptr<const ServerSetup> common,
                        AddressSource source)
     : profiles(choice)
     , setup(std::move(common))
-    , addresses(std::move(source))
+    , network(std::move(source))
     , saved(choice->directories().profiles + QLatin1String("list.ini"))
     , noticed(globalNow())
 {
-    connect(&watch, &QTimer::timeout, this, &ServerRows::lookForChanges);
-    watch.start(lookInterval);
-    loadLocal();
+    connect(&network, &DeviceNetwork::changed, this, [this] {
+        followNetwork();
+        Q_EMIT onlineChanged(hasNetwork());
+    });
+    followNetwork();
 }
 
 ServerRows::~ServerRows()
@@ -159,20 +132,14 @@ void ServerRows::share(const QString &path)
 
 // --- the network --------------------------------------------------------------------------------
 
-void ServerRows::lookForChanges()
-{
-    const QList<QNetworkAddressEntry> now = addresses();
-    const bool same = std::equal(now.begin(), now.end(), found.begin(), found.end(),
-                                 [](const auto &a, const auto &b) { return a.ip() == b.ip(); });
-    if (same)
-        return;
-    loadLocal();
-    Q_EMIT onlineChanged(hasNetwork());
-}
-
 void ServerRows::loadLocal()
 {
-    found = addresses();
+    network.look();
+    followNetwork();
+}
+
+void ServerRows::followNetwork()
+{
     dropVanished();
     addFound();
     Q_EMIT loaded();
@@ -183,7 +150,7 @@ void ServerRows::loadLocal()
 void ServerRows::dropVanished()
 {
     const QList<ServerRow *> vanished =
-        filtered(rows, [this](const ServerRow *row) { return !hasAddress(found, row->address()); });
+        filtered(rows, [this](const ServerRow *row) { return !network.has(row->address()); });
     for (ServerRow *row : vanished) {
         if (row->isListening())
             setup->sink->msg(tr("The network address is gone, the server stopped"), row->url());
@@ -198,7 +165,7 @@ void ServerRows::dropVanished()
 void ServerRows::addFound()
 {
     QList<std::pair<ServerRow *, QList<SavedRow>>> fresh;
-    for (const QNetworkAddressEntry &entry : std::as_const(found)) {
+    for (const QNetworkAddressEntry &entry : network.addresses()) {
         const bool hasRow = std::any_of(rows.begin(), rows.end(), [&entry](const ServerRow *row) {
             return row->address() == entry.ip();
         });
@@ -262,7 +229,7 @@ bool ServerRows::end()
     stopAll();
     saveRows();
     letAllGo();
-    watch.stop();
+    network.stop();
     return saved.flush();
 }
 

@@ -1,15 +1,13 @@
 #pragma once
 
-#include "config/Configurable.h"
+#include "desktop/settings/Configurable.h"
+#include "desktop/window/DeviceNetwork.h"
 #include "desktop/window/SavedRows.h"
 #include "desktop/window/TrafficSource.h"
 
 #include <QList>
-#include <QNetworkAddressEntry>
 #include <QObject>
-#include <QTimer>
 
-#include <functional>
 #include <memory>
 #include <optional>
 #include <tuple>
@@ -19,13 +17,6 @@ class Profiles;
 class ServerRow;
 class WebServer;
 struct ServerSetup;
-
-/// The addresses that a server can be reached at now.
-using AddressSource = std::function<QList<QNetworkAddressEntry>()>;
-
-/// Those of the device's network interfaces that are up, loopback ones aside; only addresses with
-/// a broadcast address count.
-QList<QNetworkAddressEntry> deviceAddresses();
 
 /// The listen addresses of the device, a row with a server for each, and the further ports that
 /// were added to them. Knows no widget. Made by the main window; its servers end with it.
@@ -54,7 +45,7 @@ public:
     int currentIndex() const { return m_current; }
     void setCurrent(int index);
 
-    bool hasNetwork() const { return !found.isEmpty(); }
+    bool hasNetwork() const { return !network.addresses().isEmpty(); }
     bool isExpert() const;
     void setExpert(bool on);
 
@@ -77,7 +68,7 @@ public:
     void loadLocal();
 
     /// Does so when an address came or went.
-    void lookForChanges();
+    void lookForChanges() { network.lookForChanges(); }
 
     /// Stops all servers, saves the rows and lets them go. False when they can't be written.
     bool end();
@@ -117,6 +108,7 @@ private:
     void append(ServerRow *row);
     void tellReach(ServerRow *row);
     void letAllGo();
+    void followNetwork();
     void dropVanished();
     void addFound();
     SavedRow savedStateOf(const ServerRow *row, const QList<SavedRow> &kept);
@@ -126,12 +118,10 @@ private:
 
     Profiles *profiles;
     std::shared_ptr<const ServerSetup> setup;
-    AddressSource addresses;
-    QList<QNetworkAddressEntry> found; ///< as of the last `loadLocal`
+    DeviceNetwork network;
     SavedRows saved;
     std::optional<SavedRow> single; ///< simple mode: what the next row takes over
     QList<ServerRow *> rows; ///< children
     int m_current = -1; ///< index of a row
     Noticed noticed;
-    QTimer watch;
 };

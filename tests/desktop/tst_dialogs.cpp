@@ -1,6 +1,6 @@
-#include "config/Configurable.h"
 #include "desktop/look/Look.h"
 #include "desktop/look/LookDialog.h"
+#include "desktop/settings/Configurable.h"
 #include "desktop/settings/ProfileDialog.h"
 #include "desktop/settings/ProfileUser.h"
 #include "desktop/settings/SettingsDialog.h"

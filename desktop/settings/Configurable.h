@@ -13,7 +13,7 @@ public:
     virtual ~Configurable() = default;
 
     /// `profile` holds the edited values. It belongs to the caller and may be gone after the call.
-    virtual void profileEdited(Profile *profile) { Q_UNUSED(profile) }
+    virtual void profileEdited(Profile *profile) = 0;
 
 private:
     Q_DISABLE_COPY(Configurable)
