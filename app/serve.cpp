@@ -15,7 +15,6 @@
 #include <QNetworkInterface>
 
 #include <algorithm>
-#include <memory>
 #include <optional>
 
 namespace {

@@ -4,7 +4,6 @@
 #include "server/Service.h"
 #include "server/TlsIdentity.h"
 
-#include <QList>
 #include <QNetworkAddressEntry>
 #include <QObject>
 #include <QSet>

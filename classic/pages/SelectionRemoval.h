@@ -11,7 +11,6 @@
 #include <QUrlQuery>
 
 #include <memory>
-#include <optional>
 
 /// Removes what was ticked on the page of a folder: files, and folders with all they hold. When
 /// one name climbs out of the folder, nothing is touched.
