@@ -136,6 +136,9 @@ private:
     std::optional<qint32> m_refusedPort;
 };
 
+constexpr int httpPort = 80; ///< the ports that a URL need not name
+constexpr int httpsPort = 443;
+
 /// Whether a server can be told to listen on this port: 1 to 65535.
 constexpr bool isPort(int number)
 {

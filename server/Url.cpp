@@ -1,9 +1,8 @@
 #include "server/Url.h"
 
-namespace {
+#include "config/Profile.h"
 
-constexpr int httpPort = 80;
-constexpr int httpsPort = 443;
+namespace {
 
 QString withoutPort(bool tls, const QHostAddress &address)
 {

@@ -13,8 +13,6 @@ namespace {
 // Less than the label promises, as it always was.
 constexpr int highestPort = 65000;
 constexpr QSize browseIconSize(32, 32);
-constexpr int httpPort = 80;
-constexpr int httpsPort = 443;
 
 QToolButton *browseButton(const QString &name)
 {

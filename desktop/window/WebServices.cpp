@@ -1,5 +1,7 @@
 #include "desktop/window/WebServices.h"
 
+#include "config/Profile.h"
+
 #include <QNetworkRequest>
 #include <QSettings>
 #include <QTimer>
@@ -13,7 +15,6 @@ const QLatin1String dynamicDnsPath("/cgi-bin/dynip.cgi");
 const QLatin1String portCheckKey("services/portCheck");
 const QLatin1String dnsKey("services/dns");
 const QLatin1String dnsDomainKey("services/dnsDomain");
-constexpr int httpPort = 80;
 
 QString setting(QLatin1String key)
 {
