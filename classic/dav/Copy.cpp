@@ -123,7 +123,7 @@ void Copy::reply()
     const EntryFacts destination = facts(path);
     const bool kept = destination.file && (!overwrite || source.folder);
     if (target.form != RequestTarget::Form::Path || isSameEntry(source, destination) || kept)
-        return answer(DavStatus::preconditionFailed);
+        return answer(Status::preconditionFailed);
 
     if (!source.folder && !source.file)
         return answer("410 Gone");
@@ -141,7 +141,7 @@ void Copy::copyFile(const QByteArray &destination)
     std::optional<OpenFile> source = share()->openFile(requestedPath());
     const EntryFacts there = facts(destination);
     if (source && isSameEntry(source->facts, there))
-        return answer(DavStatus::preconditionFailed);
+        return answer(Status::preconditionFailed);
     Place copy = inWorkingFolder(nameOf(destination));
     if (!source || !copy.isValid())
         return answer(copyFailed);
@@ -153,7 +153,7 @@ void Copy::copyFile(const QByteArray &destination)
     const auto job = std::make_shared<CopyJob>(std::move(*source), std::move(copy), existing,
                                                std::move(outdated));
     disk().run(job, this, [this, job, existed] {
-        const char *done = existed ? "204 No Content" : DavStatus::created;
+        const char *done = existed ? "204 No Content" : Status::created;
         answer(job->isDone() ? done : copyFailed);
     });
 }
@@ -216,8 +216,8 @@ void Copy::appendBatch(QByteArray &text, const QByteArray &batch) const
 const char *Copy::statusOf(char outcome) const
 {
     if (!overwrite)
-        return DavStatus::preconditionFailed;
-    return outcome == copied ? DavStatus::ok : "500 File copy error";
+        return Status::preconditionFailed;
+    return outcome == copied ? Status::ok : "500 File copy error";
 }
 
 void Copy::replyEnded()

@@ -9,16 +9,6 @@
 class DiskWorker;
 class Share;
 
-/// The status lines that several methods share.
-namespace DavStatus {
-constexpr auto ok = "200 OK";
-constexpr auto created = "201 Created";
-constexpr auto multiStatus = "207 Multi-Status";
-constexpr auto notFound = "404 Not Found";
-constexpr auto preconditionFailed = "412 Precondition Failed";
-constexpr auto locked = "423 Locked";
-} // namespace DavStatus
-
 /// The base of the responders of the WebDAV methods (RFC 4918). Paths are those of requests, as
 /// bytes of the disk.
 class Dav : public Responder

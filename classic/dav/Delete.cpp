@@ -23,5 +23,5 @@ void Delete::remove(Place target, const char *success)
 {
     const auto job = std::make_shared<TreeRemoval>(std::move(target));
     disk().run(job, this,
-               [this, job, success] { answer(job->isWhole() ? success : DavStatus::locked); });
+               [this, job, success] { answer(job->isWhole() ? success : Status::locked); });
 }

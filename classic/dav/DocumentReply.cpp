@@ -45,7 +45,7 @@ void DocumentReply::begin()
         rendered = document.start;
     }
     state = State::Sending;
-    sendHeader(DavStatus::multiStatus, length);
+    sendHeader(Status::multiStatus, length);
 }
 
 void DocumentReply::send()

@@ -5,5 +5,5 @@
 void MkCol::reply()
 {
     const bool made = share() && share()->makeFolders(requestedPath()) == 0;
-    answer(made ? DavStatus::created : "500 MKPATH Failed");
+    answer(made ? Status::created : "500 MKPATH Failed");
 }

@@ -25,7 +25,7 @@ void Move::reply()
 {
     const RequestTarget target = request.destinationTarget();
     if (target.form != RequestTarget::Form::Path)
-        return answer(DavStatus::preconditionFailed);
+        return answer(Status::preconditionFailed);
     Place from = place(requestedPath());
     Place to = place(nativePath(target.path));
     // Looked at first: what is missing can't be moved onto a name that is taken either.
@@ -49,5 +49,5 @@ void Move::moveAcross(Place from, Place to)
 
 void Move::finish(bool moved)
 {
-    answer(moved ? DavStatus::created : "500 Rename Failed");
+    answer(moved ? Status::created : "500 Rename Failed");
 }

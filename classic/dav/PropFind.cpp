@@ -59,7 +59,7 @@ void PropFind::reply()
     // Clients ask Depth 1 of files too, which must not make them folders.
     const EntryFacts found = facts(nativePath(withoutLastSlashes(path)));
     if (!found.folder && !found.file)
-        return answer(DavStatus::notFound);
+        return answer(Status::notFound);
 
     markup = ResourceMarkup(askedPrefix());
     const QByteArray relative = cleanPath(path.toUtf8());

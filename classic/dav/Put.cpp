@@ -17,11 +17,11 @@ const char *keptStatus(DiskError error)
 {
     switch (error) {
     case DiskError::None:
-        return DavStatus::created;
+        return Status::created;
     case DiskError::Exists:
-        return DavStatus::preconditionFailed;
+        return Status::preconditionFailed;
     default:
-        return "507 Insufficient Storage";
+        return Status::insufficientStorage;
     }
 }
 
@@ -42,9 +42,9 @@ void Put::reply()
     const bool exists = facts(path).exists;
     const bool taken = exists || Reservation::isTaken(place(path));
     if (taken && !isFrom(Request::desktopClient))
-        return answer(DavStatus::preconditionFailed);
+        return answer(Status::preconditionFailed);
     if (isProbe())
-        return answer(DavStatus::created);
+        return answer(Status::created);
     receive(path, exists);
 }
 
@@ -63,14 +63,14 @@ bool Put::isProbe() const
 void Put::receive(const QByteArray &path, bool exists)
 {
     if (!share() || path.endsWith('/'))
-        return answer(DavStatus::locked);
+        return answer(Status::locked);
     upload = std::make_shared<UploadFile>();
     const DiskError error =
         exists ? upload->replace(share()->target(path)) : upload->create(place(path));
     if (error == DiskError::None)
         return channel.saveBody(upload.get(), request.contentLength);
     upload.reset();
-    answer(DavStatus::locked);
+    answer(Status::locked);
 }
 
 void Put::uploadEnded(SaveResult result)
@@ -80,7 +80,7 @@ void Put::uploadEnded(SaveResult result)
         return keep(received);
     received->discard();
     disk().run(received, nullptr, {});
-    answer(result == WriteFailed ? "507 Insufficient Storage" : "500 Network read error");
+    answer(result == WriteFailed ? Status::insufficientStorage : "500 Network read error");
 }
 
 void Put::keep(const std::shared_ptr<UploadFile> &received)

@@ -10,20 +10,20 @@ constexpr auto extraLines = "DAV: 1,2\r\n"
 
 void Options::reply()
 {
-    sendHeader(DavStatus::ok, 0, extraLines);
+    sendHeader(Status::ok, 0, extraLines);
 }
 
 void Head::reply()
 {
-    answer(facts(requestedPath()).exists ? DavStatus::ok : DavStatus::notFound);
+    answer(facts(requestedPath()).exists ? Status::ok : Status::notFound);
 }
 
 void Lock::reply()
 {
-    answer(facts(requestedPath()).exists ? "200 Locked" : DavStatus::notFound);
+    answer(facts(requestedPath()).exists ? "200 Locked" : Status::notFound);
 }
 
 void UnLock::reply()
 {
-    answer(DavStatus::ok);
+    answer(Status::ok);
 }

@@ -109,13 +109,13 @@ const char *ClassicFace::reasonToRefuse() const
     const bool unclear =
         channel.request().isTruncated() || framing.lengthDoubtful || framing.strayBreak;
     if (request.methodCode == Request::None)
-        return "405 Method Not Allowed";
+        return Status::methodNotAllowed;
     if (framing.transferEncoding)
         return "411 Length Required";
     if ((unclear && !request.onlyReads()) || request.isMalformed())
         return "400 Bad Request";
     if (request.climbs() || request.isCrossSite())
-        return "403 Forbidden";
+        return Status::forbidden;
     return nullptr;
 }
 
@@ -212,7 +212,7 @@ void ClassicFace::dispatch()
 {
     const Route *route = exchange.service.singleFile ? &fileRoute : findRoute();
     if (!route)
-        return refuse("405 Method Not Allowed");
+        return refuse(Status::methodNotAllowed);
     responder(*route).reply();
 }
 

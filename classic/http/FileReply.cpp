@@ -4,7 +4,6 @@
 #include "files/Path.h"
 #include "files/Share.h"
 
-#include <QFile>
 #include <QFileInfo>
 
 #include <array>
@@ -220,7 +219,7 @@ void FileReply::notFound(const QByteArray &triedFile)
     body += "<br>Not found.</body></html>";
     setContentType("text/html");
     // A path that carries a script must not run in the page's name.
-    sendBody("404 Not Found", body, sandboxed);
+    sendBody(Status::notFound, body, sandboxed);
 }
 
 void FileReply::partHeadReady(const QByteArray &lines)

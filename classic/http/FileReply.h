@@ -31,10 +31,10 @@ protected:
     void sendShared(const QString &path, const QString &shownPath);
 
     /// The same with a file of the program's own, by its absolute path.
-    void sendInstalled(const QString &path, const QByteArray &status = "200 OK");
+    void sendInstalled(const QString &path, const QByteArray &status = Status::ok);
 
     /// Sends `file` under `name`, or the part of it that is asked for.
-    void sendOpened(OpenFile file, const QString &name, const QByteArray &status = "200 OK");
+    void sendOpened(OpenFile file, const QString &name, const QByteArray &status = Status::ok);
 
     /// The "404 Not Found" page. `triedFile` is a path in UTF-8.
     void notFound(const QByteArray &triedFile);

@@ -24,11 +24,11 @@ LoginPage::LoginPage(Exchange &current)
 void LoginPage::reply()
 {
     if (request.methodCode == Request::Head)
-        return sendHeader("200 OK", 0);
+        return sendHeader(Status::ok, 0);
     // "200 OK" would make who wants to store something believe that it is stored.
     const bool refused = !request.onlyReads() && !request.isLogin();
     sendInstalled(exchange.service.setup.directories.language + QLatin1String(loginPage),
-                  refused ? "403 Forbidden" : "200 OK");
+                  refused ? Status::forbidden : Status::ok);
 }
 
 Challenge::Challenge(Exchange &current)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "classic/http/Exchange.h"
+#include "classic/http/Status.h"
 
 #include <QByteArray>
 #include <QObject>

@@ -127,7 +127,7 @@ BrowserPages::Then BrowserPages::sendJNLP()
 {
     const QByteArray scheme = exchange.service.profile->usesTls() ? "https" : "http";
     setContentType(launchType);
-    sendBody("200 OK", launchDescriptor(scheme + "://" + request.host + '/', launch()),
+    sendBody(Status::ok, launchDescriptor(scheme + "://" + request.host + '/', launch()),
              launchDisposition);
     return Then::Nothing;
 }
@@ -175,7 +175,7 @@ void BrowserPages::selectionRemoved(const SelectionRemoval &removal)
     if (!channel.canAnswer())
         return channel.end();
     if (removal.isForbidden())
-        return sendHeader("403 Forbidden", 0);
+        return sendHeader(Status::forbidden, 0);
     servePath();
 }
 
@@ -183,7 +183,7 @@ BrowserPages::Then BrowserPages::createFolder()
 {
     const QString name = request.field("f");
     if (climbsOut(name)) {
-        sendHeader("403 Forbidden", 0);
+        sendHeader(Status::forbidden, 0);
         return Then::Nothing;
     }
     const Share *share = exchange.service.share.get();
@@ -250,7 +250,7 @@ void BrowserPages::sendPreview(const QString &pathOnDisk)
 void BrowserPages::sendPage(const QByteArray &page)
 {
     setContentType(htmlType);
-    sendBody("200 OK", page);
+    sendBody(Status::ok, page);
 }
 
 /// For the session's next page. It takes the place of an older one, which nobody asked to see.

@@ -1,6 +1,7 @@
 #include "classic/pages/ListingReply.h"
 
 #include "classic/http/Exchange.h"
+#include "classic/http/Status.h"
 #include "classic/pages/SharedPreviews.h"
 #include "config/Profile.h"
 #include "files/ListingCache.h"
@@ -174,7 +175,7 @@ void ListingReply::count()
 void ListingReply::sendHeadOrAll()
 {
     const QByteArray whole = std::exchange(buffer, {});
-    sendHead(page->isComplete() ? "200 OK" : "202 Accepted", length);
+    sendHead(page->isComplete() ? Status::ok : "202 Accepted", length);
     if (length <= Slices::keptBytes)
         return exchange.channel.write(whole, true);
     page->restart();
