@@ -1,12 +1,17 @@
+# A newer compiler that warns of more must not keep a user from building: only those who work on
+# the code are stopped by a warning.
+option(QUILLON_WERROR "Take warnings for errors" OFF)
+
 # What every layer of ours is compiled with. An interface target, so that nothing leaks into
 # code that is not ours.
 add_library(quillon-strict INTERFACE)
 target_include_directories(quillon-strict INTERFACE ${PROJECT_SOURCE_DIR})
 
 target_compile_options(quillon-strict INTERFACE
-  -Werror -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Woverloaded-virtual
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Woverloaded-virtual
   -Wnon-virtual-dtor -Wcast-align -Wcast-qual -Wformat=2 -Wundef -Wextra-semi
-  $<$<CXX_COMPILER_ID:GNU>:-Wsuggest-override -Wduplicated-cond -Wduplicated-branches -Wlogical-op>)
+  $<$<CXX_COMPILER_ID:GNU>:-Wsuggest-override -Wduplicated-cond -Wduplicated-branches -Wlogical-op>
+  $<$<BOOL:${QUILLON_WERROR}>:-Werror>)
 
 target_compile_definitions(quillon-strict INTERFACE
   QUILLON_VERSION="${PROJECT_VERSION}"
