@@ -21,8 +21,8 @@ constexpr auto idleTime = 600s; ///< between requests
 
 } // namespace
 
-Channel::Channel(Socket &borrowed, TrafficAccount &traffic, User &channelUser)
-    : socket(borrowed)
+Channel::Channel(Socket &peerSocket, TrafficAccount &traffic, User &channelUser)
+    : socket(peerSocket)
     , account(traffic)
     , user(channelUser)
 {

@@ -26,7 +26,7 @@ class SettingsDialog : public QDialog
 public:
     /// Builds the dialog. `edited` and `told`, the receiver of applied values, are borrowed;
     /// `page` is the row shown first, -1 for the one last shown with this profile.
-    SettingsDialog(Profile *edited, SettingsScope scope, Configurable *told, QWidget *parent,
+    SettingsDialog(Profile *edited, SettingsScope offered, Configurable *told, QWidget *parent,
                    int page);
     ~SettingsDialog() override;
 
