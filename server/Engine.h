@@ -3,6 +3,7 @@
 #include "files/DiskWorker.h"
 #include "files/ListingCache.h"
 #include "net/Poller.h"
+#include "server/MemoryBudget.h"
 #include "server/Service.h"
 
 #include <memory>
@@ -20,6 +21,7 @@ public:
 
 private:
     Poller poller;
+    MemoryBudget forms;
     DiskWorker disk;
     ListingCache listings{ disk };
     std::shared_ptr<const ServerSetup> common;

@@ -9,6 +9,7 @@
 
 class DiskWorker;
 class ListingCache;
+class MemoryBudget;
 class Poller;
 class Previews;
 class Profile;
@@ -22,6 +23,7 @@ struct ServerSetup
     FaceMaker makeFace;
     StatusSink *sink = nullptr;
     Poller *poller = nullptr;
+    MemoryBudget *forms = nullptr; ///< for bodies that are read whole
     DiskWorker *disk = nullptr;
     ListingCache *listings = nullptr;
     Previews *previews = nullptr;

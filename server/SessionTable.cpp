@@ -13,14 +13,32 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto checkInterval = 60s;
+constexpr int maxLoginAddresses = 16; ///< of one session number
 constexpr int numbers = 1000; ///< session numbers that are handed out: 0 to 999
 
 } // namespace
 
-void SessionData::end()
+void SessionData::logIn(const QString &fitting, const QHostAddress &peer)
 {
-    active = false;
-    lastSeen = std::chrono::steady_clock::now();
+    if (password != fitting)
+        loginAddresses.clear();
+    password = fitting;
+    loginAddresses.removeAll(peer);
+    loginAddresses.append(peer);
+    if (loginAddresses.size() > maxLoginAddresses)
+        loginAddresses.removeFirst();
+}
+
+SessionUse::SessionUse(Session used)
+    : held(std::move(used))
+{
+    ++held->uses;
+}
+
+SessionUse::~SessionUse()
+{
+    --held->uses;
+    held->lastSeen = std::chrono::steady_clock::now();
 }
 
 SessionTable::SessionTable()
@@ -48,10 +66,7 @@ Session SessionTable::ofCookie(const QByteArray &value)
 {
     const int id = value.toInt();
     const Session known = sessions.value(id);
-    if (!known)
-        return enter(id);
-    known->active = true;
-    return known;
+    return known ? known : enter(id);
 }
 
 Session SessionTable::enter(int id)
@@ -61,7 +76,6 @@ Session SessionTable::enter(int id)
         session = std::make_shared<SessionData>();
         session->id = id;
     }
-    session->active = true;
     if (sessions.size() >= maxSessions)
         makeRoom();
     sessions.insert(id, session);
@@ -86,27 +100,25 @@ void SessionTable::checkSessions()
     const auto oldest = std::chrono::steady_clock::now() - std::chrono::seconds(lifetime);
     for (auto it = sessions.begin(); it != sessions.end();) {
         const SessionData &session = **it;
-        const bool expired = !session.active && session.lastSeen < oldest;
+        const bool expired = session.uses == 0 && session.lastSeen < oldest;
         it = expired ? sessions.erase(it) : std::next(it);
     }
     startTimer();
 }
 
-/// A crowd of strangers must not log anybody out.
+/// A crowd of strangers must not log anybody out, whatever it does with its connections.
 void SessionTable::makeRoom()
 {
-    std::vector<Session> idle;
+    std::vector<Session> dispensable;
     for (const Session &session : std::as_const(sessions)) {
-        if (!session->active)
-            idle.push_back(session);
+        if (session->uses == 0 || !session->isLoggedIn())
+            dispensable.push_back(session);
     }
-    std::sort(idle.begin(), idle.end(), [](const Session &a, const Session &b) {
-        const bool strangerA = a->password.isEmpty();
-        const bool strangerB = b->password.isEmpty();
-        return strangerA != strangerB ? strangerA : a->lastSeen < b->lastSeen;
+    std::sort(dispensable.begin(), dispensable.end(), [](const Session &a, const Session &b) {
+        return a->isLoggedIn() != b->isLoggedIn() ? b->isLoggedIn() : a->lastSeen < b->lastSeen;
     });
     // A tenth at a time, so that a flood of numbers does not pay for a sort with every request.
-    idle.resize(std::min<size_t>(idle.size(), maxSessions / 10));
-    for (const Session &session : idle)
+    dispensable.resize(std::min<size_t>(dispensable.size(), maxSessions / 10));
+    for (const Session &session : dispensable)
         sessions.remove(session->id);
 }

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QHash>
 #include <QHostAddress>
+#include <QList>
 #include <QObject>
 #include <QString>
 #include <QTimer>
@@ -18,24 +19,44 @@ struct SessionData
 {
     enum SortMode { ByName = 0, ByTime = 1, BySize = 2 };
 
-    bool active = true; ///< a request of this session is being served
+    int uses = 0; ///< requests of this session that are being served, see `SessionUse`
     bool showHidden = true; ///< listings include hidden entries
     QString password; ///< as typed into the login page
-    QHostAddress loginAddress; ///< where that was; from elsewhere it does not count
+    QList<QHostAddress> loginAddresses; ///< where that was; from elsewhere it does not count
     int sortMode = ByName;
     int id = 0; ///< as sent in the cookie "ID"
     int page = 0; ///< zero-based page of the listing
     int itemsPerPage = 24;
-    std::chrono::steady_clock::time_point lastSeen; ///< when the last request ended
+    std::chrono::steady_clock::time_point lastSeen =
+        std::chrono::steady_clock::now(); ///< when the last request ended
     QByteArray message; ///< shown once atop the next listing
 
-    /// A request of this session ended.
-    void end();
+    /// `fitting` was typed into the login page at `peer`. Two visitors may have been given the
+    /// same number: neither logs the other out.
+    void logIn(const QString &fitting, const QHostAddress &peer);
+
+    bool isLoggedIn() const { return !password.isEmpty(); }
+    bool isLoggedInFrom(const QHostAddress &peer) const { return loginAddresses.contains(peer); }
 
     bool operator==(const SessionData &other) const { return id == other.id; }
 };
 
 using Session = std::shared_ptr<SessionData>;
+
+/// A request of the session is being served while it lives; from then on the session idles.
+class SessionUse
+{
+public:
+    explicit SessionUse(Session used);
+    ~SessionUse();
+
+    const Session &session() const { return held; }
+
+private:
+    Q_DISABLE_COPY_MOVE(SessionUse)
+
+    Session held;
+};
 
 /// The session table of one server. Sessions that idle longer than the profile's lifetime go.
 class SessionTable : public QObject

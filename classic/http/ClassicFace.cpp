@@ -40,7 +40,7 @@ ClassicFace::ClassicFace(Connection &owner, std::shared_ptr<const Routes> table)
     : connection(owner)
     , routes(std::move(table))
     , channel(owner.socket(), owner.service().traffic, *this)
-    , exchange{ owner.service(), channel, {}, {} }
+    , exchange{ owner.service(), channel, {}, {}, {} }
 {
 }
 
@@ -81,12 +81,10 @@ void ClassicFace::takeSession()
         const Request::Cookie *number = request.sessionCookie();
         exchange.client = number ? sessions.ofCookie(number->value) : nullptr;
     }
-    if (!exchange.client)
-        return;
-    if (sessions.holds(exchange.client))
-        exchange.client->active = true;
-    else
+    if (exchange.client && !sessions.holds(exchange.client))
         exchange.client.reset();
+    if (exchange.client)
+        exchange.use.emplace(exchange.client);
 }
 
 void ClassicFace::examine()
@@ -135,6 +133,9 @@ void ClassicFace::readForm()
         channel.setKeepAlive(false);
         return responder(formTooLargeRoute).reply();
     }
+    formMemory.emplace(*exchange.service.setup.forms, length);
+    if (!formMemory->isGranted())
+        return refuse("503 Service Unavailable");
     // A short form that pauses is taken as far as it came; its clients rely on the answer.
     const bool paused = reader.fitsBuffer() && !reader.isBodyBuffered();
     if (paused && !channel.isBodyHeldBack())
@@ -178,17 +179,21 @@ bool ClassicFace::isAdmitted()
 bool ClassicFace::passwordFits()
 {
     const Request &request = exchange.request;
-    const Session session = exchange.session();
+    const QString &password = exchange.service.profile->password;
     const QHostAddress peer = channel.connection().peerAddress();
+    const Session session = exchange.session();
     if (request.isLogin()) {
-        session->password = request.field("password");
-        session->loginAddress = peer;
-    } else if (request.path.endsWith(QLatin1String(clientArchive)) && request.isDownload()) {
+        // A wrong one changes nothing: the number may be somebody else's.
+        const QString given = request.field("password");
+        if (!isSameSecret(given.toUtf8(), password.toUtf8()))
+            return false;
+        session->logIn(given, peer);
         return true;
     }
-    const QByteArray password = exchange.service.profile->password.toUtf8();
-    const bool loggedInHere = password.isEmpty() || session->loginAddress == peer;
-    return isSameSecret(session->password.toUtf8(), password) && loggedInHere;
+    if (request.path.endsWith(QLatin1String(clientArchive)) && request.isDownload())
+        return true;
+    const bool loggedInHere = password.isEmpty() || session->isLoggedInFrom(peer);
+    return loggedInHere && isSameSecret(session->password.toUtf8(), password.toUtf8());
 }
 
 bool ClassicFace::isAccount() const
@@ -235,6 +240,19 @@ Responder &ClassicFace::responder(const Route &route)
     return *current;
 }
 
+void ClassicFace::gone()
+{
+    channel.gone();
+    endRequest();
+}
+
+/// What was kept for the request goes, however it ended.
+void ClassicFace::endRequest()
+{
+    exchange.use.reset();
+    formMemory.reset();
+}
+
 void ClassicFace::partHeadReady(const QByteArray &lines)
 {
     current->partHeadReady(lines);
@@ -255,6 +273,5 @@ void ClassicFace::replyEnded()
 {
     if (current)
         current->replyEnded();
-    if (exchange.client)
-        exchange.client->end();
+    endRequest();
 }

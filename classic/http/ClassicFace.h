@@ -3,8 +3,10 @@
 #include "classic/http/Exchange.h"
 #include "classic/http/Routes.h"
 #include "server/Face.h"
+#include "server/MemoryBudget.h"
 
 #include <memory>
+#include <optional>
 
 class Responder;
 
@@ -19,7 +21,7 @@ public:
 
     void readable() override { channel.readable(); }
     void writable() override { channel.writable(); }
-    void gone() override { channel.gone(); }
+    void gone() override;
     Clock::time_point deadline(Clock::time_point lastActivity) const override
     {
         return channel.deadline(lastActivity);
@@ -37,6 +39,7 @@ private:
     void replyEnded() override;
 
     void takeSession();
+    void endRequest();
     void examine();
     const char *reasonToRefuse() const;
     void refuse(const char *status);
@@ -54,6 +57,7 @@ private:
     std::shared_ptr<const Routes> routes;
     Channel channel;
     Exchange exchange;
+    std::optional<MemoryBudget::Part> formMemory; ///< while a form is read and answered
     const Route *kept = nullptr; ///< whose responder is kept
     std::unique_ptr<Responder> current;
 };

@@ -4,5 +4,7 @@ Session Exchange::session()
 {
     if (!client)
         client = service.sessions.handOut();
+    if (!use || use->session() != client)
+        use.emplace(client);
     return client;
 }

@@ -4,6 +4,8 @@
 #include "classic/http/Request.h"
 #include "server/Service.h"
 
+#include <optional>
+
 /// What a responder works with: the request, the channel to its client, the client's session and
 /// what is served to whom. One for each connection, owned by its face; it outlives the responders.
 struct Exchange
@@ -15,4 +17,5 @@ struct Exchange
     Channel &channel;
     Request request;
     Session client; ///< null until the request needs one
+    std::optional<SessionUse> use; ///< of `client`, while a request is being answered
 };

@@ -1,5 +1,6 @@
 #include "classic/http/Request.h"
 
+#include "classic/http/FormFields.h"
 #include "classic/http/RequestReader.h"
 
 #include <QUrl>
@@ -246,9 +247,12 @@ QUrlQuery Request::fields() const
 
 QString Request::field(const char *name) const
 {
-    if (query.isEmpty())
-        return {};
-    return fields().queryItemValue(QLatin1String(name), QUrl::FullyDecoded);
+    FormFields fields(query);
+    while (fields.next()) {
+        if (fields.is(name))
+            return fields.value();
+    }
+    return {};
 }
 
 bool Request::climbs() const
@@ -303,7 +307,10 @@ bool Request::onlyReads() const
 
 bool Request::isCrossSite() const
 {
-    if (!fetchSite.isEmpty())
-        return fetchSite == "cross-site";
-    return !origin.isEmpty() && authority(origin) != authority(host);
+    // Browsers don't let pages write these lines. A proxy may have changed the Host, but what the
+    // browser itself calls its own site is.
+    if (fetchSite == "same-origin" || fetchSite == "none")
+        return false;
+    const bool otherOrigin = !origin.isEmpty() && authority(origin) != authority(host);
+    return fetchSite == "cross-site" || otherOrigin;
 }

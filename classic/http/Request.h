@@ -63,10 +63,11 @@ public:
     /// "+" is a blank there, "%2B" a plus.
     void setForm(QByteArray body);
 
-    /// The query items or form fields.
+    /// The items of the target's query, which a head bounds; forms are gone through by
+    /// `FormFields`.
     QUrlQuery fields() const;
 
-    /// The value of the first of this name, decoded; empty if absent.
+    /// The value of the first query item or form field of this name, decoded; empty if absent.
     QString field(const char *name) const;
 
     /// Whether the target, a Destination, or the name of an icon leaves its folder by ".."

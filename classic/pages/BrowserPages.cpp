@@ -162,7 +162,7 @@ BrowserPages::Then BrowserPages::deleteSelected()
         return Then::ServePath;
     const auto removal = std::make_shared<SelectionRemoval>(
         exchange.service.share, request.path,
-        exchange.service.shared.absoluteFilePath() + request.path, request.fields());
+        exchange.service.shared.absoluteFilePath() + request.path, request.query);
     exchange.service.setup.disk->run(removal, this,
                                      [this, removal] { selectionRemoved(*removal); });
     return Then::Nothing;

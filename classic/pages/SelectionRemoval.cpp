@@ -11,8 +11,8 @@
 
 namespace {
 
-const QLatin1String actionField("a");
-const QLatin1String folderField("d"); ///< the check box of a folder
+constexpr auto actionField = "a";
+constexpr auto folderField = "d"; ///< the check box of a folder
 const QLatin1Char slash('/');
 constexpr int maxFailures = 8000; ///< bytes: a session keeps them until its next page
 
@@ -36,11 +36,12 @@ QByteArray existingPath(const Share &share, const QByteArray &folder, QByteArray
 } // namespace
 
 SelectionRemoval::SelectionRemoval(std::shared_ptr<const Share> sharedFolder, QString path,
-                                   QString pathOnDisk, const QUrlQuery &postedForm)
+                                   QString pathOnDisk, const QByteArray &postedForm)
     : share(std::move(sharedFolder))
     , folder(std::move(path))
     , shownFolder(std::move(pathOnDisk))
-    , form(postedForm)
+    , unchecked(postedForm)
+    , fields(postedForm)
 {
 }
 
@@ -48,36 +49,38 @@ bool SelectionRemoval::run(const Budget &until)
 {
     if (!until.mayBlock())
         return false;
-    if (!std::exchange(formRead, true))
-        readForm();
-    while (tree || !fields.isEmpty()) {
-        if (until.isUsedUp())
-            return until.isCancelled();
+    if (!checked && !check(until))
+        return until.isCancelled();
+    while (!forbidden && (tree || fields.next())) {
         if (!tree)
-            begin(fields.takeLast());
+            begin();
         else if (tree->run(until))
             endFolder();
+        if (until.isUsedUp())
+            return until.isCancelled();
     }
     return true;
 }
 
-void SelectionRemoval::readForm()
+/// Nothing goes before every name was looked at. True once that is done.
+bool SelectionRemoval::check(const Budget &until)
 {
-    fields = form.queryItems(QUrl::FullyDecoded);
-    forbidden = std::any_of(fields.cbegin(), fields.cend(),
-                            [](const Field &field) { return climbsOut(field.second); });
-    if (forbidden)
-        fields.clear();
-    std::reverse(fields.begin(), fields.end());
+    while (!forbidden && unchecked.next()) {
+        forbidden = climbsOut(unchecked.value());
+        if (until.isUsedUp())
+            return false;
+    }
+    checked = true;
+    return true;
 }
 
-void SelectionRemoval::begin(const Field &field)
+void SelectionRemoval::begin()
 {
-    const QString &name = field.second;
-    if (field.first == actionField || isListedFolder(name))
+    const QString name = fields.value();
+    if (fields.is(actionField) || isListedFolder(name))
         return;
     const QByteArray path = existingPath(*share, nativePath(folder), nativePath(name));
-    if (field.first == folderField)
+    if (fields.is(folderField))
         removeFolder(path, name);
     else
         removeFile(path);

@@ -1,14 +1,12 @@
 #pragma once
 
+#include "classic/http/FormFields.h"
 #include "files/DiskJob.h"
 #include "files/Share.h"
 #include "files/TreeRemoval.h"
 
 #include <QByteArray>
-#include <QList>
-#include <QPair>
 #include <QString>
-#include <QUrlQuery>
 
 #include <memory>
 
@@ -19,7 +17,7 @@ class SelectionRemoval final : public DiskJob
 public:
     /// `path` is that of the folder in the share; `pathOnDisk` is only told.
     SelectionRemoval(std::shared_ptr<const Share> sharedFolder, QString path, QString pathOnDisk,
-                     const QUrlQuery &postedForm);
+                     const QByteArray &postedForm);
 
     bool run(const Budget &until) override;
 
@@ -31,10 +29,8 @@ public:
     QByteArray message() const;
 
 private:
-    using Field = QPair<QString, QString>;
-
-    void readForm();
-    void begin(const Field &field);
+    bool check(const Budget &until);
+    void begin();
     void removeFile(const QByteArray &path);
     void removeFolder(const QByteArray &path, const QString &name);
     void endFolder();
@@ -42,10 +38,10 @@ private:
     const std::shared_ptr<const Share> share;
     const QString folder;
     const QString shownFolder;
-    const QUrlQuery form;
-    bool formRead = false;
+    FormFields unchecked;
+    FormFields fields; ///< the current one is being removed
+    bool checked = false;
     bool forbidden = false;
-    QList<Field> fields; ///< yet to be removed, backwards
     std::unique_ptr<TreeRemoval> tree; ///< under way
     QString treeName;
     qint64 removed = 0;

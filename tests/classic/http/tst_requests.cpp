@@ -396,9 +396,13 @@ void TestRequests::showsTheLoginPageUntilThePasswordFits()
     };
     QVERIFY(ask("LOCK").startsWith("HTTP/1.1 403 Forbidden\r\n"));
     QVERIFY(ask("HEAD").endsWith("\r\n\r\n"));
-    // A number that was overheard is of no use elsewhere.
-    RawClient neighbour(live->port(), QHostAddress(QStringLiteral("127.0.0.2")));
-    QCOMPARE(neighbour.exchange(rawRequest("GET", "/a.txt", cookie)).body, QByteArray("LOGIN"));
+    // A number that was overheard is of no use elsewhere, and does its owner no harm.
+    const QByteArray wrong = rawRequest("POST", "/a.txt", cookie + type, "a=log&password=x");
+    for (const QByteArray &request : { rawRequest("GET", "/a.txt", cookie), wrong }) {
+        RawClient neighbour(live->port(), QHostAddress(QStringLiteral("127.0.0.2")));
+        QCOMPARE(neighbour.exchange(request).body, QByteArray("LOGIN"));
+    }
+    QCOMPARE(get("/a.txt", cookie).body, QByteArray("0123456789"));
     QCOMPARE(get("/xClient.jar", {}).status(), QByteArray("404 Not Found"));
     QCOMPARE(get("/xClient.jar?a=log", {}).body, QByteArray("LOGIN"));
 }
