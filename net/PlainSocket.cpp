@@ -12,10 +12,8 @@
 
 namespace {
 
-constexpr qint64 maxQueued = qint64(256) * 1024; ///< bytes for one peer
 constexpr qint64 maxHeld = qint64(64) * 1024; ///< bytes that are put together in one turn
 constexpr qint64 smallFile = qint64(16) * 1024; ///< bytes; copying them costs less than a call
-constexpr qint64 maxBacklog = qint64(32) * 1024 * 1024; ///< bytes for all peers
 
 bool mustWait()
 {
@@ -146,7 +144,7 @@ qint64 PlainSocket::enqueue(int file, qint64 offset, qint64 count)
 
 bool PlainSocket::isCongested() const
 {
-    return queued() > (poller->backlog() > maxBacklog ? 0 : maxQueued);
+    return poller->isCrowded(queued());
 }
 
 qint64 PlainSocket::sendNow(const char *data, qint64 size, bool more)

@@ -9,6 +9,8 @@
 namespace {
 
 constexpr int batchSize = 128;
+constexpr qint64 maxQueued = qint64(256) * 1024; ///< bytes for one peer
+constexpr qint64 maxBacklog = qint64(32) * 1024 * 1024; ///< bytes for all peers
 constexpr quint32 watchedEvents = EPOLLIN | EPOLLOUT | EPOLLRDHUP | EPOLLET;
 
 } // namespace
@@ -65,6 +67,11 @@ void Poller::schedule()
             takeTurns();
         },
         Qt::QueuedConnection);
+}
+
+bool Poller::isCrowded(qint64 queued) const
+{
+    return queued > (m_backlog > maxBacklog ? 0 : maxQueued);
 }
 
 void Poller::collect()

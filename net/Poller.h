@@ -42,9 +42,13 @@ public:
     /// Gives `target` another turn once the others had theirs.
     void again(PollTarget *target);
 
-    /// Bytes that wait for their peers in all sockets that are watched here.
+    /// Bytes that wait for their peers in all sockets of the program.
     qint64 backlog() const { return m_backlog; }
     void addBacklog(qint64 bytes) { m_backlog += bytes; }
+
+    /// Whether a peer for whom `queued` bytes wait should get no more for now: it has enough, or
+    /// all peers together have.
+    bool isCrowded(qint64 queued) const;
 
 private:
     struct Happening

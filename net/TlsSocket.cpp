@@ -1,5 +1,7 @@
 #include "net/TlsSocket.h"
 
+#include "net/Poller.h"
+
 #include <QScopedValueRollback>
 #include <QSslConfiguration>
 
@@ -10,15 +12,16 @@
 
 namespace {
 
-constexpr qint64 maxQueuedBytes = qint64(256) * 1024;
+constexpr qint64 maxQueued = qint64(64) * 1024; ///< bytes; the toolkit keeps them twice
 constexpr qint64 readBufferSize = qint64(64) * 1024;
 constexpr qint64 pieceSize = qint64(64) * 1024; ///< several records of full size
 
 } // namespace
 
-TlsSocket::TlsSocket(FileDescriptor accepted, const QSslConfiguration &identity,
+TlsSocket::TlsSocket(FileDescriptor accepted, const QSslConfiguration &identity, Poller *engine,
                      TrafficAccount *counter)
     : Socket(counter)
+    , poller(engine)
 {
     connect(&socket, &QIODevice::readyRead, this, [this] { user->readable(); });
     connect(&socket, &QIODevice::bytesWritten, this, &TlsSocket::written);
@@ -40,6 +43,7 @@ TlsSocket::TlsSocket(FileDescriptor accepted, const QSslConfiguration &identity,
 TlsSocket::~TlsSocket()
 {
     QObject::disconnect(&socket, nullptr, this, nullptr);
+    poller->addBacklog(-counted);
 }
 
 qint64 TlsSocket::receive(char *data, qint64 max)
@@ -56,6 +60,7 @@ bool TlsSocket::send(const QByteArray &bytes, bool more)
     socket.write(bytes);
     if (!more)
         socket.flush();
+    countQueued();
     return true;
 }
 
@@ -72,6 +77,7 @@ qint64 TlsSocket::send(int file, qint64 offset, qint64 count)
     if (size <= 0 || socket.write(piece.data(), size) != size)
         return -1;
     socket.flush();
+    countQueued();
     return size;
 }
 
@@ -87,14 +93,24 @@ qint64 TlsSocket::queued() const
 
 bool TlsSocket::isCongested() const
 {
-    return queued() > maxQueuedBytes;
+    return queued() > maxQueued || poller->isCrowded(queued());
+}
+
+/// What waits here counts with what waits in all other sockets.
+void TlsSocket::countQueued()
+{
+    const qint64 now = queued();
+    poller->addBacklog(now - counted);
+    counted = now;
 }
 
 /// The toolkit tells it also inside a write; whoever writes goes on by itself.
 void TlsSocket::written()
 {
-    if (!writing)
-        user->writable();
+    if (writing)
+        return;
+    countQueued();
+    user->writable();
 }
 
 void TlsSocket::again()

@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QSslSocket>
 
+class Poller;
 class QSslConfiguration;
 
 /// An encrypted connection, by the toolkit's own class. The only place that needs its TLS library.
@@ -14,8 +15,9 @@ class TlsSocket final : public QObject, public Socket
     Q_OBJECT
 public:
     /// Takes an accepted descriptor and begins the handshake as a server. At most
-    /// 64 KiB wait here unread. `counter` is borrowed and outlives the socket.
-    TlsSocket(FileDescriptor accepted, const QSslConfiguration &identity, TrafficAccount *counter);
+    /// 64 KiB wait here unread. Both pointers are borrowed and outlive the socket.
+    TlsSocket(FileDescriptor accepted, const QSslConfiguration &identity, Poller *engine,
+              TrafficAccount *counter);
     ~TlsSocket() override;
 
     bool mayRead() const override { return ended || socket.bytesAvailable() > 0; }
@@ -37,10 +39,13 @@ private:
     bool send(const QByteArray &bytes, bool more) override;
     qint64 send(int file, qint64 offset, qint64 count) override;
     void written();
+    void countQueued();
     void takeTurn();
     void disconnected();
 
+    Poller *poller;
     QSslSocket socket;
+    qint64 counted = 0; ///< queued bytes that are in the poller's backlog
     bool ended = false; ///< the connection is over; what arrived can still be read
     bool turnAsked = false;
     bool writing = false;

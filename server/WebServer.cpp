@@ -180,7 +180,8 @@ std::unique_ptr<Socket> WebServer::makeSocket(FileDescriptor accepted, const QHo
 {
     TrafficAccount *account = &service.traffic;
     if (identity)
-        return std::make_unique<TlsSocket>(std::move(accepted), identity->configuration, account);
+        return std::make_unique<TlsSocket>(std::move(accepted), identity->configuration,
+                                           setup->poller, account);
     return std::make_unique<PlainSocket>(std::move(accepted), peer, setup->poller, account);
 }
 
