@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <csignal>
 
+#include <fcntl.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 namespace {
 
@@ -23,6 +25,16 @@ void survive(int signalNumber)
     sigaction(signalNumber, &action, nullptr);
 }
 
+/// What is opened next must not be taken for a standard stream: lines would go there.
+void fillStandardStreams()
+{
+    int fd = ::open("/dev/null", O_RDWR);
+    while (fd >= 0 && fd <= STDERR_FILENO)
+        fd = ::open("/dev/null", O_RDWR);
+    if (fd >= 0)
+        ::close(fd);
+}
+
 void raiseDescriptorLimit()
 {
     rlimit limit = {};
@@ -36,6 +48,7 @@ void raiseDescriptorLimit()
 
 void prepareProcess()
 {
+    fillStandardStreams();
     survive(SIGPIPE);
     survive(SIGXFSZ);
     raiseDescriptorLimit();
