@@ -21,8 +21,8 @@ public:
         std::function<bool()> crowded;
     };
 
-    /// `poller` is borrowed and outlives the listener.
-    Listener(Poller *poller, Events events);
+    /// `watcher` is borrowed and outlives the listener.
+    Listener(Poller *watcher, Events listenerEvents);
     ~Listener() override;
 
     /// Listens on `address`; port 0 takes a free one. False when that fails, see `errorString`.

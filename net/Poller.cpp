@@ -28,7 +28,7 @@ Poller::~Poller()
     ::close(epoll);
 }
 
-bool Poller::watch(int fd, PollTarget *target)
+bool Poller::watch(int fd, PollTarget *target) const
 {
     epoll_event event = {};
     event.events = watchedEvents;

@@ -34,7 +34,7 @@ public:
     /// Reports input, output and hang-ups of `fd` to `target`, each time anew something happens
     /// (edge-triggered: the target goes on until the system says that it would have to wait).
     /// Both are borrowed until `forget`. False when the system can't watch it.
-    bool watch(int fd, PollTarget *target);
+    bool watch(int fd, PollTarget *target) const;
 
     /// Nothing more is reported to `target`, and `fd`, still open, is no longer watched.
     void forget(int fd, PollTarget *target);
