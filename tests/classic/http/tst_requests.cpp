@@ -242,6 +242,16 @@ void TestRequests::answersAHalfClosedPeer()
     ::shutdown(int(client.socket->socketDescriptor()), SHUT_WR);
     QCOMPARE(client.reply().body, QByteArray("0123456789"));
 
+    // It gets every answer that it asked for, however long that takes.
+    const QByteArray big(20000000, 'b');
+    live->addFile(QStringLiteral("big"), big);
+    RawClient patient(live->port());
+    patient.send(rawRequest("GET", "/a.txt").repeated(50) + rawRequest("GET", "/big"));
+    ::shutdown(int(patient.socket->socketDescriptor()), SHUT_WR);
+    for (int i = 0; i < 50; ++i)
+        QCOMPARE(patient.reply().body, QByteArray("0123456789"));
+    QVERIFY(patient.reply().body == big);
+
     // A lost connection must not turn half a head into a whole change.
     RawClient writer(live->port());
     writer.send("LOCK /a.txt HTTP/1.1\r\nContent-Le");
