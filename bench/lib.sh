@@ -73,9 +73,9 @@ server_command() {
     local server=$1 share=$2 port=$3 tls=${4:-}
     local config=$BENCH_DIR/$server.$port.conf
     case $server in
-    quillon)
+    quillon | before)
         printf '%s\n' env HOME="$BENCH_DIR/home" QUILLON_RESDIR="$ROOT/build/res" \
-            "$QUILLON_SERVE" --address 127.0.0.1 --port "$port" ${tls:+--profile tls} "$share"
+            "$([[ $server == before ]] && echo "$QUILLON_BEFORE" || echo "$QUILLON_SERVE")" --address 127.0.0.1 --port "$port" ${tls:+--profile tls} "$share"
         ;;
     nginx)
         nginx_config "$share" "$port" "$tls" >"$config"

@@ -2,8 +2,9 @@
 # Measures quillon-serve beside nginx and lighttpd, one worker each, on the same files over loopback,
 # and prints one table of the best figures of three rounds; then what the other measuring scripts of
 # this folder print.
-#   bench/run.sh [--quick]      --quick: smaller files, shorter runs and this table alone, to see that
-#                               everything works
+#   bench/run.sh [--quick] [--against BUILD]
+#       --quick: smaller files, shorter runs and this table alone, to see that everything works
+#       --against BUILD: beside another build of ours, such as /tmp/old/build
 set -euo pipefail
 # shellcheck source=bench/lib.sh
 source "$(dirname "${BASH_SOURCE[0]}")/lib.sh"
@@ -109,7 +110,7 @@ measure_uploads() {
     local target
     target=$(form_target)
     for _ in 1 2; do
-        [[ $1 != quillon ]] || note form quillon "$(form_upload "$target")"
+        [[ $1 != quillon && $1 != before ]] || note form "$1" "$(form_upload "$target")"
         ! can_put || note put "$1" "$(put_upload)"
     done
     rm -f "$share/uploads/form.bin" "$share/put.bin"
@@ -171,12 +172,24 @@ measure() {
     note start "$1" "$(start_once "$1")"
 }
 
+read_arguments() {
+    while (($#)); do
+        case $1 in
+        --quick) size_mib=128 seconds=2 rounds=1 others=() ;;
+        --against)
+            QUILLON_BEFORE=${2:-}/bin/quillon-serve
+            [[ -x $QUILLON_BEFORE ]] || die "no program: $QUILLON_BEFORE"
+            servers+=(before)
+            shift
+            ;;
+        *) die "usage: bench/run.sh [--quick] [--against BUILD]" ;;
+        esac
+        shift
+    done
+}
+
 main() {
-    if [[ ${1:-} == --quick ]]; then
-        size_mib=128 seconds=2 rounds=1 others=()
-    elif (($#)); then
-        die "usage: bench/run.sh [--quick]"
-    fi
+    read_arguments "$@"
     bench_begin
     declare_metrics
     make_share
