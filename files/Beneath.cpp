@@ -60,7 +60,8 @@ FileDescriptor walkBeneath(int root, const QByteArray &path, int flags)
 
 FileDescriptor openPlain(int root, const QByteArray &path, int flags)
 {
-    FileDescriptor found = openResolved(root, path, flags, RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS);
+    FileDescriptor found =
+        openResolved(root, path, flags, RESOLVE_BENEATH | RESOLVE_NO_SYMLINKS | RESOLVE_NO_XDEV);
     if (!found.isOpen() && isUnknownCall(errno))
         errno = ELOOP;
     return found;

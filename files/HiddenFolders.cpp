@@ -1,6 +1,7 @@
 #include "files/HiddenFolders.h"
 
 #include "files/Entry.h"
+#include "files/Mounts.h"
 #include "files/Path.h"
 
 #include <algorithm>
@@ -25,26 +26,41 @@ QByteArray canonicalPath(const QString &folder)
 
 } // namespace
 
-bool isWithin(const QByteArray &path, const QByteArray &folder)
-{
-    if (folder == "/")
-        return path.startsWith('/');
-    return path.startsWith(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
-}
-
 HiddenFolders::HiddenFolders(const QStringList &folders)
 {
     for (const QString &folder : folders) {
         const QByteArray path = canonicalPath(folder);
-        const EntryFacts facts = entryFacts(AT_FDCWD, path.constData());
-        hidden.push_back({ path, facts.device, facts.inode });
+        add(path);
+        for (const QByteArray &other : otherPaths(path))
+            add(other);
     }
+}
+
+void HiddenFolders::add(const QByteArray &path)
+{
+    const EntryFacts facts = entryFacts(AT_FDCWD, path.constData());
+    hidden.push_back({ path, facts.device, facts.inode });
 }
 
 bool HiddenFolders::covers(const QByteArray &path) const
 {
-    return std::any_of(hidden.cbegin(), hidden.cend(),
-                       [&path](const Folder &folder) { return isWithin(path, folder.path); });
+    const bool named = std::any_of(hidden.cbegin(), hidden.cend(), [&path](const Folder &folder) {
+        return isWithin(path, folder.path);
+    });
+    return named || isReachedBy(path);
+}
+
+/// Whether the way there leads through one of them, by a mount that was made since.
+bool HiddenFolders::isReachedBy(const QByteArray &path) const
+{
+    const auto isHiddenAt = [this](const QByteArray &folder) {
+        return has(entryFacts(AT_FDCWD, folder.constData()));
+    };
+    for (auto slash = path.indexOf('/', 1); slash >= 0; slash = path.indexOf('/', slash + 1)) {
+        if (isHiddenAt(path.left(slash)))
+            return true;
+    }
+    return isHiddenAt(path);
 }
 
 bool HiddenFolders::coversOpen(int descriptor) const
@@ -74,7 +90,7 @@ std::vector<QByteArray> HiddenFolders::below(const QByteArray &top) const
     std::vector<QByteArray> paths;
     for (const Folder &folder : hidden) {
         if (folder.path != top && isWithin(folder.path, top))
-            paths.push_back(folder.path.mid(top == "/" ? 1 : top.size() + 1));
+            paths.push_back(pathBelow(folder.path, top));
     }
     return paths;
 }

@@ -10,7 +10,7 @@
 struct EntryFacts;
 
 /// Folders that are never shown, served or changed, with all below them, whatever is shared and
-/// whatever link leads there. Made once at Start, where they stand then.
+/// whatever link or mount leads there. Made once at Start, where they stand then.
 class HiddenFolders
 {
 public:
@@ -37,6 +37,9 @@ public:
     std::vector<QByteArray> below(const QByteArray &top) const;
 
 private:
+    void add(const QByteArray &path);
+    bool isReachedBy(const QByteArray &path) const;
+
     struct Folder
     {
         QByteArray path;
@@ -46,6 +49,3 @@ private:
 
     std::vector<Folder> hidden;
 };
-
-/// Whether `path` is `folder` or lies below it, by their names.
-bool isWithin(const QByteArray &path, const QByteArray &folder);

@@ -50,3 +50,15 @@ QByteArray pathOf(int descriptor)
         return {};
     return { path.data(), int(size) };
 }
+
+bool isWithin(const QByteArray &path, const QByteArray &folder)
+{
+    if (folder == "/")
+        return path.startsWith('/');
+    return path.startsWith(folder) && (path.size() == folder.size() || path[folder.size()] == '/');
+}
+
+QByteArray pathBelow(const QByteArray &path, const QByteArray &folder)
+{
+    return path.mid(folder == "/" ? 1 : folder.size() + 1);
+}

@@ -16,3 +16,9 @@ bool isSpellable(const QByteArray &name);
 /// Where the system says that an open descriptor stands: an absolute path without links. Empty
 /// when it can't tell, as for paths that are longer than it can say.
 QByteArray pathOf(int descriptor);
+
+/// Whether an absolute `path` is `folder` or lies below it, by their names.
+bool isWithin(const QByteArray &path, const QByteArray &folder);
+
+/// The part of `path` below `folder`, in which it is; "" for the folder itself.
+QByteArray pathBelow(const QByteArray &path, const QByteArray &folder);

@@ -97,9 +97,9 @@ FileDescriptor Share::open(const QByteArray &path, int flags, Links links) const
         return failed(ENOENT);
     if (!folder)
         return openSingle(clean, patient(flags));
-    // Without links on the way the path is what it says, and looking at the name was enough.
+    // Without links and mounts on the way the path is what it says: its name was enough.
     FileDescriptor found = openPlain(root.get(), clean, patient(flags));
-    if (found.isOpen() || errno != ELOOP)
+    if (found.isOpen() || (errno != ELOOP && errno != EXDEV))
         return found;
     return openLinked(clean, patient(flags), links);
 }
@@ -218,7 +218,7 @@ Place Share::placeOf(const QByteArray &absolutePath) const
     return found.isValid() ? checked(std::move(found)) : Place();
 }
 
-/// Through links a place may be another than its path says.
+/// Through links and mounts a place may be another than its path says.
 Place Share::checked(Place found) const
 {
     found.hidden = hidden;

@@ -7,6 +7,9 @@
 #include <atomic>
 #include <thread>
 
+#include <sched.h>
+#include <sys/mount.h>
+
 namespace {
 
 /// What a path gives to read, or the error.
@@ -38,6 +41,7 @@ private Q_SLOTS:
     void paths();
     void places();
     void hiddenFoldersShowNowhere();
+    void mountsLeadToNothingHidden();
     void whatStandsThereIsRemoved();
     void deepTreesAreRemoved();
     void linksPutInMeanwhileLeadNowhere();
@@ -153,6 +157,38 @@ void ShareTest::hiddenFoldersShowNowhere()
     QVERIFY(disk.exists("home/conf/profile/key"));
     for (const char *root : { "home", "home/conf", "home/conf/profile/key" })
         QVERIFY(!disk.share(root, "home").open("/", O_RDONLY).isOpen());
+}
+
+void ShareTest::mountsLeadToNothingHidden()
+{
+    if (::unshare(CLONE_NEWNS) != 0
+        || ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0)
+        QSKIP("not allowed to mount");
+    const Disk disk;
+    disk.write("real/home/conf/key");
+    disk.write("real/other");
+    const auto mount = [&disk](const QByteArray &from, const QByteArray &to) {
+        QDir().mkpath(disk.path(to));
+        QVERIFY(::mount(disk.native(from).constData(), disk.native(to).constData(), nullptr,
+                        MS_BIND, nullptr)
+                == 0);
+    };
+    mount("real/home", "known");
+    mount("real/home", "a \\ name");
+    mount("real/home/conf", "share/part");
+    const Share share = disk.share("share", "known/conf");
+    mount("real", "share/later");
+    const auto isHidden = [](const Share &from, const QByteArray &path) {
+        return content(from, path + "/key") == "ENOENT" && !from.openFolder(path)
+            && !from.place(path).isValid() && !from.place(path + "/new").isValid();
+    };
+    QVERIFY(isHidden(share, "part") && isHidden(share, "later/home/conf"));
+    QVERIFY(isHidden(disk.share("real", "known/conf"), "home/conf"));
+    QVERIFY(isHidden(disk.share("a \\ name", "known/conf"), "conf"));
+    QVERIFY(isHidden(disk.share("share/part", "known/conf"), ""));
+    QVERIFY(content(share, "later/other") == "x" && share.place("later/new").isValid());
+    for (const char *point : { "known", "a \\ name", "share/part", "share/later" })
+        ::umount2(disk.native(point).constData(), MNT_DETACH);
 }
 
 void ShareTest::whatStandsThereIsRemoved()
