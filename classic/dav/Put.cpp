@@ -20,6 +20,8 @@ const char *keptStatus(DiskError error)
         return Status::created;
     case DiskError::Exists:
         return Status::preconditionFailed;
+    case DiskError::Missing: // its folder is, by now
+        return Status::locked;
     default:
         return Status::insufficientStorage;
     }
