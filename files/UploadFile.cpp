@@ -175,13 +175,26 @@ int UploadFile::inherit() const
 
 int UploadFile::takeName()
 {
-    if (replaced.isOpen())
+    if (replaced.isOpen() && isOldThere())
         return replaceName();
+    const int error = takeFreeName();
+    const bool givesWay = error == EEXIST && !replaced.isOpen()
+        && entryFacts(target.folder.get(), target.name.constData()).isBrokenLink();
+    return givesWay ? replaceName() : error;
+}
+
+/// Others may have moved or replaced it since.
+bool UploadFile::isOldThere() const
+{
+    const EntryFacts there = entryFacts(target.folder.get(), target.name.constData());
+    return !there.link && isSameEntry(old, there);
+}
+
+int UploadFile::takeFreeName()
+{
     const int folder = target.folder.get();
     const int error = hiddenName.isEmpty() ? linkTo(target.name)
                                            : renameNew(folder, hiddenName, folder, target.name);
-    if (error == EEXIST && entryFacts(folder, target.name.constData()).isBrokenLink())
-        return replaceName();
     if (error == 0)
         hiddenName.clear();
     return error;

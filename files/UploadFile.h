@@ -37,7 +37,7 @@ public:
     /// Begins a file that takes the place, the mode and, where the system allows it, the owner,
     /// group and extended attributes of a regular one. That one is served until then, and its
     /// further names (hard links) keep the old content. `place` is that of the file itself, see
-    /// `Share::target`; a link is refused.
+    /// `Share::target`; a link is refused. What has taken its name by the end stays (`Exists`).
     DiskError replace(Place place);
 
     /// Appends to the content. An error leaves nothing to be kept.
@@ -73,6 +73,8 @@ private:
     DiskError keep();
     int inherit() const;
     int takeName();
+    bool isOldThere() const;
+    int takeFreeName();
     int replaceName();
     int linkTo(const QByteArray &name) const;
     int syncFolder() const;

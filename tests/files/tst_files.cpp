@@ -127,24 +127,29 @@ void FilesTest::brokenOffLeavesNothing() const
 
 void FilesTest::replacedFileKeepsItsMode()
 {
-    const Disk disk;
-    for (const bool deleted : { false, true }) {
-        disk.write("a", "old");
+    for (const QByteArray meanwhile : { "", "gone", "another", "link" }) {
+        const Disk disk;
+        disk.write("a", "link");
         ::chmod(disk.native("a").constData(), 0640);
         UploadFile upload;
         QCOMPARE(upload.replace(disk.place("a")), DiskError::None);
         QCOMPARE(upload.write("new", 3), DiskError::None);
-        QCOMPARE(disk.read("a"), QByteArray("old"));
+        QCOMPARE(disk.read("a"), QByteArray("link"));
         QCOMPARE(UploadFile().replace(disk.place("a")), DiskError::Locked);
         QCOMPARE(renameNew(disk.place("a"), disk.place("b")), EBUSY);
         FileMove move(std::move(*disk.share().openFile("a")), disk.place("a"), disk.place("b"));
         runToEnd(move);
         QCOMPARE(move.error(), DiskError::Locked);
-        if (deleted)
-            QFile::remove(disk.path("a"));
-        QCOMPARE(keep(upload), DiskError::None);
-        QCOMPARE(disk.read("a"), QByteArray("new"));
-        QCOMPARE(disk.share().facts("a").mode, mode_t(S_IFREG | 0640));
+        if (!meanwhile.isEmpty())
+            QFile::rename(disk.path("a"), disk.path("moved"));
+        if (meanwhile == "another")
+            disk.write("a", meanwhile);
+        if (meanwhile == "link")
+            disk.link("a", "moved");
+        const bool kept = meanwhile.isEmpty() || meanwhile == "gone";
+        QCOMPARE(keep(upload), kept ? DiskError::None : DiskError::Exists);
+        QCOMPARE(disk.read("a"), kept ? QByteArray("new") : meanwhile);
+        QVERIFY(!kept || disk.share().facts("a").mode == mode_t(S_IFREG | 0640));
     }
 }
 
