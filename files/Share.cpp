@@ -2,6 +2,7 @@
 
 #include "files/Beneath.h"
 #include "files/Path.h"
+#include "files/Reservation.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -249,3 +250,5 @@ int Share::makeFolders(const QByteArray &path, Links links) const
     }
     return open(path, O_PATH | O_DIRECTORY, links).isOpen() ? 0 : errno;
 }
+        if (Reservation::isTaken(next))
+            return EEXIST;

@@ -64,7 +64,7 @@ public:
     Place target(const QByteArray &path, Links links = Links::Followed) const;
 
     /// Makes a folder and those above it that are missing. 0, also when it stands already, or the
-    /// number of the error.
+    /// number of the error: `EEXIST` for a name that is being received.
     int makeFolders(const QByteArray &path, Links links = Links::Followed) const;
 
 private:

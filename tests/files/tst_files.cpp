@@ -88,6 +88,7 @@ void FilesTest::newFile()
     QCOMPARE(upload->write("content", 7), DiskError::None);
     QCOMPARE(UploadFile().create(disk.place("./x/../a")), DiskError::Locked);
     QCOMPARE(renameNew(disk.place("b"), disk.place("a")), EEXIST);
+    QCOMPARE(disk.share().makeFolders("a/below"), EEXIST);
     QVERIFY(!disk.exists("a"));
     DiskWorker worker; // which goes on when nobody is left to be told
     worker.run(upload, std::make_unique<QObject>().get(), [] { QFAIL("gone"); });
