@@ -89,6 +89,13 @@ bool Share::isHidden(const QByteArray &clean) const
                [&clean](const QByteArray &folderBelow) { return isWithin(clean, folderBelow); });
 }
 
+/// Nothing has a name for the root any more.
+bool Share::isRemoved() const
+{
+    struct stat status = {};
+    return ::fstat(root.get(), &status) == 0 && status.st_nlink == 0;
+}
+
 FileDescriptor Share::open(const QByteArray &path, int flags, Links links) const
 {
     if (path.contains('\0'))
@@ -98,6 +105,9 @@ FileDescriptor Share::open(const QByteArray &path, int flags, Links links) const
         return failed(ENOENT);
     if (!folder)
         return openSingle(clean, patient(flags));
+    // Below it nothing is found then anyway.
+    if (clean.isEmpty() && isRemoved())
+        return failed(ENOENT);
     // Without links and mounts on the way the path is what it says: its name was enough.
     FileDescriptor found = openPlain(root.get(), clean, patient(flags));
     if (found.isOpen() || (errno != ELOOP && errno != EXDEV))
@@ -123,8 +133,7 @@ FileDescriptor Share::openSingle(const QByteArray &clean, int flags) const
 {
     if (!clean.isEmpty())
         return failed(ENOTDIR);
-    struct stat status = {};
-    const bool removed = ::fstat(root.get(), &status) == 0 && status.st_nlink == 0;
+    const bool removed = isRemoved();
     const QByteArray path = removed ? rootPath : "/proc/self/fd/" + QByteArray::number(root.get());
     FileDescriptor found(::open(path.constData(), flags & ~O_NOFOLLOW));
     if (!removed || !found.isOpen() || !hidden->coversOpen(found.get()))
@@ -244,11 +253,11 @@ int Share::makeFolders(const QByteArray &path, Links links) const
         const Place next = place(clean.left(slash), links);
         if (!next.isValid())
             return errno;
+        if (Reservation::isTaken(next))
+            return EEXIST;
         const int made = ::mkdirat(next.folder.get(), next.name.constData(), folderMode);
         if (made != 0 && errno != EEXIST)
             return errno;
     }
     return open(path, O_PATH | O_DIRECTORY, links).isOpen() ? 0 : errno;
 }
-        if (Reservation::isTaken(next))
-            return EEXIST;

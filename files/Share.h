@@ -24,8 +24,8 @@ struct OpenFile
 /// The only way from a request's path to the disk: a folder, or one file, and all that requests
 /// may name of it. Holds the root open from Start on, so it stays right when that is renamed.
 /// Paths are bytes as on disk, in any spelling; ".." never climbs, through a link either. One with
-/// a NUL, and whatever is hidden, does not exist (`ENOENT`). Constant after it was made, for any
-/// thread.
+/// a NUL, whatever is hidden, and a root that was removed do not exist (`ENOENT`). Constant after
+/// it was made, for any thread.
 class Share
 {
 public:
@@ -72,6 +72,7 @@ private:
 
     void setHidden(const QStringList &hiddenFolders);
     bool isHidden(const QByteArray &clean) const;
+    bool isRemoved() const;
     FileDescriptor openSingle(const QByteArray &clean, int flags) const;
     FileDescriptor openLinked(const QByteArray &clean, int flags, Links links) const;
     Place rootPlace() const;

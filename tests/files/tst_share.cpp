@@ -131,6 +131,8 @@ void ShareTest::places()
     QVERIFY(QFile::remove(disk.path("renamed")));
     disk.write("share/a", "saved anew");
     QCOMPARE(content(single, "/"), QByteArray("saved anew"));
+    QCOMPARE(removeAt(share.place("/")), 7);
+    QVERIFY(!share.facts("/").exists && !share.place("/new").isValid());
 }
 
 void ShareTest::hiddenFoldersShowNowhere()
