@@ -178,7 +178,8 @@ Profile *storedProfile(Console *console, const Options &options, const Profiles 
         return nullptr;
     }
     if (!profile->isUsable()) {
-        console->error(text("The profile is damaged or can't be read: %1 (restore the file, or use "
+        console->error(text("The profile is damaged or can't be read: %1 (restore the file, remove "
+                            "%1.sum if you changed the file on purpose, or use "
                             "--default-profile to serve with the default values)")
                            .arg(profile->fileName()));
         return nullptr;

@@ -1,21 +1,18 @@
 #include "config/Profile.h"
 
 #include "config/Log.h"
+#include "config/ProfileFile.h"
 
 #include <QDataStream>
 #include <QFile>
-#include <QSaveFile>
 #if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
 #include <QTextCodec>
 #endif
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <tuple>
 #include <utility>
-
-#include <sys/stat.h>
 
 namespace {
 
@@ -56,7 +53,7 @@ struct StoredProfile
 };
 
 /// Whether all that can only be one of a few values is. A changed byte must not switch off what
-/// protects, and the format has no checksum.
+/// protects, and a file from elsewhere comes without a checksum.
 bool isPlausible(const ProfileValues &v)
 {
     const std::array checkStates = { v.sslMode,      v.showFolders, v.showImages, v.enableDelete,
@@ -68,9 +65,9 @@ bool isPlausible(const ProfileValues &v)
 
 /// Reads a whole record; false when it is cut short, the mark at its end is another, or more
 /// follows.
-bool readRecord(QIODevice &device, StoredProfile &record)
+bool readRecord(const QByteArray &content, StoredProfile &record)
 {
-    QDataStream in(&device);
+    QDataStream in(content);
     in.setVersion(QDataStream::Qt_5_15);
     std::apply([&in](auto &...item) { (readItem(in, item), ...); }, inFileOrder(record.values));
 
@@ -80,19 +77,14 @@ bool readRecord(QIODevice &device, StoredProfile &record)
         && isPlausible(record.values);
 }
 
-void writeRecord(QIODevice &device, const ProfileValues &values, bool cleanExit)
+QByteArray toRecord(const ProfileValues &values, bool cleanExit)
 {
-    QDataStream out(&device);
+    QByteArray content;
+    QDataStream out(&content, QIODevice::WriteOnly);
     out.setVersion(QDataStream::Qt_5_15);
     std::apply([&out](const auto &...item) { (out << ... << item); }, inFileOrder(values));
     out << cleanExit << formatMark;
-}
-
-/// Nothing but "there is no such file" makes a file missing: what can't be reached may exist.
-bool isMissing(const QString &path)
-{
-    struct stat status = {};
-    return ::lstat(QFile::encodeName(path).constData(), &status) != 0 && errno == ENOENT;
+    return content;
 }
 
 } // namespace
@@ -125,11 +117,13 @@ bool Profile::load()
 
 Profile::FileState Profile::read()
 {
+    const ProfileLock lock(m_fileName);
     QFile file(m_fileName);
     if (!file.open(QIODevice::ReadOnly))
         return isMissing(m_fileName) ? FileState::Missing : FileState::Unreadable;
+    const QByteArray content = file.readAll();
     StoredProfile record;
-    if (!readRecord(file, record))
+    if (!fitsItsSum(m_fileName, content) || !readRecord(content, record))
         return FileState::Damaged;
 
     if (!isPort(record.values.port))
@@ -146,30 +140,14 @@ bool Profile::isUsable() const
 
 bool Profile::save()
 {
-    if (!keepUnusableFile())
+    const ProfileLock lock(m_fileName);
+    const bool inTheWay = !isUsable() && !isMissing(m_fileName);
+    if (inTheWay && !setAside(m_fileName))
         return false;
-
-    QSaveFile file(m_fileName);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    // Passwords stand in the file as they are.
-    file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    writeRecord(file, *this, cleanExit);
-    if (!file.commit())
+    if (!writeWithSum(m_fileName, toRecord(*this, cleanExit)))
         return false;
     m_fileState = FileState::Fine;
     return true;
-}
-
-bool Profile::keepUnusableFile()
-{
-    if (isUsable() || isMissing(m_fileName))
-        return true;
-
-    const QString kept = m_fileName + QLatin1String(".bad");
-    if (QFile::exists(kept) && !QFile::remove(kept))
-        return false;
-    return QFile::rename(m_fileName, kept);
 }
 
 bool Profile::amend(const std::function<void(Profile &)> &change)
@@ -196,7 +174,8 @@ void Profile::setFileName(const QString &profileName)
 
 bool Profile::remove()
 {
-    return QFile::remove(m_fileName);
+    const ProfileLock lock(m_fileName);
+    return removeWithSum(m_fileName);
 }
 
 std::unique_ptr<Profile> Profile::clone() const

@@ -52,7 +52,7 @@ public:
     enum class FileState {
         Missing, ///< the defaults are what is meant
         Fine,
-        Damaged, ///< cut short, changed, or something else
+        Damaged, ///< cut short, changed since it was written, or something else
         Unreadable ///< it may not be opened
     };
 
@@ -67,9 +67,9 @@ public:
     /// `fileState` says why, and the result is false.
     bool load();
 
-    /// Writes the profile whole or not at all, readable by its owner alone. False when it can't be
-    /// written; the file then keeps its content. A file that can't be used is first kept beside
-    /// under its name + ".bad".
+    /// Writes the profile whole or not at all, readable by its owner alone, with a checksum in a
+    /// file beside it, of its name + ".sum". False when it can't be written; the file then keeps
+    /// its content. A file that can't be used is first kept beside under its name + ".bad".
     bool save();
 
     /// Changes values here and in the file, where all others stay as they are: another program of
@@ -90,7 +90,7 @@ public:
     void setFileName(const QString &profileName);
     QString fileName() const { return m_fileName; }
 
-    /// Deletes the profile's file; false when that fails.
+    /// Deletes the profile's file and checksum; false when that fails.
     bool remove();
 
     /// A new profile of the same values and file name.
@@ -128,7 +128,6 @@ private:
     Q_DISABLE_COPY(Profile)
 
     FileState read();
-    bool keepUnusableFile();
 
     Directories m_directories;
     QString m_fileName;

@@ -1,4 +1,5 @@
 #include "config/Profiles.h"
+#include "tests/support/FullDisk.h"
 #include "tests/support/LiveServer.h"
 
 namespace {
@@ -34,6 +35,7 @@ private Q_SLOTS:
 
     void storesTheRecordInItsFixedOrder();
     void keepsAFileThatCantBeUsed();
+    void noChangedByteOpensWhatIsProtected();
     void replacesAPortThatIsNone();
     void amendsOnlyWhatChanged();
     void comparesAndCopiesWhatAnEditorChanges();
@@ -117,6 +119,42 @@ void TestProfile::keepsAFileThatCantBeUsed()
              Profile::FileState::Unreadable);
     QCOMPARE(Profile(home->directories, QStringLiteral("none.cnf")).fileState(),
              Profile::FileState::Missing);
+}
+
+void TestProfile::noChangedByteOpensWhatIsProtected()
+{
+    const QString file = QStringLiteral("Global.conf");
+    const QString sums = file + QLatin1String(".sum");
+    const auto isUsable = [&](const QByteArray &bytes) {
+        home->writeProfile(file, bytes);
+        return Profile(home->directories, file).isUsable();
+    };
+    global()->authMode = AuthPasswordPage;
+    global()->password = QStringLiteral("secret");
+    QVERIFY(global()->save());
+    const QByteArray whole = home->profileBytes(file);
+    for (int i = 0; i < int(whole.size()); ++i) {
+        QByteArray changed = whole;
+        changed[i] = char(changed[i] ^ 1); // often a value that is valid too
+        QVERIFY2(!isUsable(changed), QByteArray::number(i).constData());
+    }
+    QVERIFY(isUsable(whole));
+
+    // Broken off at any of its steps, a save leaves a file that can be used.
+    global()->port = 99;
+    {
+        const FullDisk full(150); // enough for the sums
+        QVERIFY(!global()->save());
+    }
+    const QByteArray both = home->profileBytes(sums);
+    QVERIFY(isUsable(whole) && global()->save());
+    const QByteArray next = home->profileBytes(file);
+    QVERIFY(isUsable(next) && !isUsable(whole));
+    home->writeProfile(sums, both);
+    QVERIFY(isUsable(next) && isUsable(whole));
+
+    QVERIFY(global()->remove() && home->profileBytes(sums).isEmpty());
+    QVERIFY(isUsable(whole)); // from another machine
 }
 
 void TestProfile::replacesAPortThatIsNone()
