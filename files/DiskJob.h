@@ -50,6 +50,10 @@ public:
     /// nothing left to do, done or failed.
     virtual bool run(const Budget &until) = 0;
 
+    /// Frees what a cancelled job holds. Called on a worker's thread, where it keeps nobody
+    /// waiting.
+    virtual void abandon() { }
+
     /// Ends the work at its next step; what was begun is left or undone as the job documents.
     /// For any thread.
     void cancel() { cancelled.store(true, std::memory_order_relaxed); }

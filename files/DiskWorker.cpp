@@ -66,8 +66,11 @@ void DiskWorker::enqueue(DiskJob *job)
 void DiskWorker::work()
 {
     while (DiskJob *job = takeWaiting()) {
-        const bool ended = job->isCancelled() || job->run(Budget::ofWorker(job->cancelFlag()));
-        putBack(job, ended || job->isCancelled());
+        const bool ended = !job->isCancelled() && job->run(Budget::ofWorker(job->cancelFlag()));
+        const bool cancelled = job->isCancelled();
+        if (cancelled)
+            job->abandon();
+        putBack(job, ended || cancelled);
     }
 }
 

@@ -5,11 +5,35 @@
 #include <QFile>
 
 #include <algorithm>
-#include <iterator>
+#include <cstring>
 
 namespace {
 
 constexpr std::size_t batchOutcomes = 256;
+
+bool isPlain(const char *name)
+{
+    return std::all_of(name, name + std::strlen(name), [](char c) { return c > 0; });
+}
+
+int compareLetters(const char *a, const char *b)
+{
+    return isPlain(a) && isPlain(b)
+        ? qstricmp(a, b)
+        : QFile::decodeName(a).toLower().compare(QFile::decodeName(b).toLower());
+}
+
+/// By name in any case; of two that differ in case alone, by their bytes.
+bool precedes(const char *a, const char *b)
+{
+    const int order = compareLetters(a, b);
+    return order != 0 ? order < 0 : std::strcmp(a, b) < 0;
+}
+
+QByteArray pathIn(const QByteArray &folder, const char *name)
+{
+    return folder.isEmpty() ? QByteArray(name) : folder + '/' + name;
+}
 
 } // namespace
 
@@ -19,7 +43,7 @@ TreeCopy::TreeCopy(std::shared_ptr<const Share> shared, const QByteArray &path,
     , links(linksFollowed)
     , begin(std::move(beginCopy))
 {
-    pending.push_back({ cleanPath(path), {}, true });
+    levels.push_back({ {}, cleanPath(path).toStdString(), { { 0, true } } });
 }
 
 bool TreeCopy::run(const Budget &until)
@@ -34,6 +58,14 @@ bool TreeCopy::run(const Budget &until)
     return true;
 }
 
+void TreeCopy::abandon()
+{
+    copy.reset();
+    folder.reset();
+    levels = {};
+    entered.clear();
+}
+
 void TreeCopy::step(const Budget &until)
 {
     if (copy) {
@@ -45,12 +77,21 @@ void TreeCopy::step(const Budget &until)
     }
     if (folder)
         return read(until);
-    const Found next = std::move(pending.back());
-    pending.pop_back();
-    if (next.folder)
-        open(next.path);
+    takeNext();
+}
+
+void TreeCopy::takeNext()
+{
+    Level &level = levels.back();
+    const Entry entry = level.entries.back();
+    const QByteArray path = pathIn(level.path, level.names.data() + entry.name);
+    level.entries.pop_back();
+    if (level.entries.empty())
+        levels.pop_back();
+    if (entry.folder)
+        open(path);
     else
-        copyFile(next.path);
+        copyFile(path);
 }
 
 void TreeCopy::open(const QByteArray &path)
@@ -60,7 +101,9 @@ void TreeCopy::open(const QByteArray &path)
     if (!folder)
         return;
     const EntryFacts facts = openFacts(folder->descriptor());
-    if (!entered.insert({ facts.device, facts.inode }).second)
+    if (entered.insert({ facts.device, facts.inode }).second)
+        levels.push_back({ path, {}, {} });
+    else
         folder.reset();
 }
 
@@ -73,23 +116,25 @@ void TreeCopy::read(const Budget &until)
             return;
     }
     folder.reset();
-    std::sort(found.begin(), found.end(), [](const Found &a, const Found &b) {
-        return a.key != b.key ? a.key > b.key : a.path > b.path;
-    });
-    std::move(found.begin(), found.end(), std::back_inserter(pending));
-    found.clear();
+    Level &level = levels.back();
+    std::sort(level.entries.begin(), level.entries.end(),
+              [names = level.names.data()](const Entry &a, const Entry &b) {
+                  return precedes(names + b.name, names + a.name);
+              });
+    if (level.entries.empty())
+        levels.pop_back();
 }
 
 void TreeCopy::keep(const FolderReader::Item &item)
 {
-    const QByteArray name(item.name);
-    if (name.startsWith('.') || !isSpellable(name))
+    if (item.name[0] == '.' || !isSpellable(item.name))
         return;
     const EntryFacts facts = folder->facts(item);
     if (!facts.file && !facts.folder)
         return;
-    const QByteArray path = current.isEmpty() ? name : current + '/' + name;
-    found.push_back({ path, QFile::decodeName(name).toLower(), facts.folder });
+    Level &level = levels.back();
+    level.entries.push_back({ level.names.size(), facts.folder });
+    level.names.append(item.name, std::strlen(item.name) + 1);
 }
 
 void TreeCopy::copyFile(const QByteArray &path)

@@ -11,6 +11,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -37,34 +38,42 @@ public:
              Begin begin);
 
     bool run(const Budget &until) override;
+    void abandon() override;
 
-    bool isAtEnd() const { return pending.empty() && !folder && !copy; }
+    bool isAtEnd() const { return levels.empty() && !folder && !copy; }
 
     /// What was done since the last call, in order.
     std::vector<Outcome> takeOutcomes() { return std::exchange(outcomes, {}); }
 
 private:
-    struct Found
+    struct Entry
     {
-        QByteArray path;
-        QString key; ///< what it is sorted by
-        bool folder = true;
+        std::size_t name; ///< where it begins in the names
+        bool folder;
+    };
+
+    /// What is left to do in a folder. Few bytes an entry: there may be a million.
+    struct Level
+    {
+        QByteArray path; ///< of the folder
+        std::string names; ///< each with a NUL behind it
+        std::vector<Entry> entries; ///< the next one last
     };
 
     void step(const Budget &until);
     void read(const Budget &until);
     void keep(const FolderReader::Item &item);
+    void takeNext();
     void open(const QByteArray &path);
     void copyFile(const QByteArray &path);
 
     const std::shared_ptr<const Share> share;
     const Share::Links links;
     const Begin begin;
-    std::vector<Found> pending; ///< the next one last
+    std::vector<Level> levels; ///< from the top to the current one
     std::set<std::pair<dev_t, ino_t>> entered; ///< folders
     std::optional<FolderReader> folder; ///< being read
     QByteArray current; ///< the path of the folder or file at work
-    std::vector<Found> found; ///< in `folder` so far
     std::unique_ptr<FileCopy> copy; ///< under way
     std::vector<Outcome> outcomes;
 };
