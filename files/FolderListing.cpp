@@ -2,9 +2,11 @@
 
 #include "files/Path.h"
 
+#include <QFile>
+#include <QString>
+
 #include <algorithm>
 #include <cstring>
-#include <string_view>
 #include <utility>
 
 #include <sys/stat.h>
@@ -30,12 +32,28 @@ int utf16Rank(char byte)
     return behindSurrogates ? value + 0x10 : value;
 }
 
-bool precedesByName(std::string_view a, std::string_view b)
+bool precedes(std::string_view a, std::string_view b)
 {
     const auto [differsInA, differsInB] = std::mismatch(a.begin(), a.end(), b.begin(), b.end());
     if (differsInA == a.end() || differsInB == b.end())
         return a.size() < b.size();
     return utf16Rank(*differsInA) < utf16Rank(*differsInB);
+}
+
+bool isPlain(std::string_view name)
+{
+    return std::all_of(name.begin(), name.end(),
+                       [](char c) { return c >= 0 && (c < 'A' || c > 'Z'); });
+}
+
+/// The name in lower case; nothing when that is the same.
+QByteArray folded(std::string_view name)
+{
+    if (isPlain(name))
+        return {};
+    const QByteArray bytes(name.data(), int(name.size()));
+    const QByteArray lower = QFile::decodeName(bytes).toLower().toUtf8();
+    return lower == bytes ? QByteArray() : lower;
 }
 
 } // namespace
@@ -110,7 +128,8 @@ bool FolderListing::isListed(const char *name) const
 
 bool FolderListing::isListed(const EntryFacts &facts) const
 {
-    const bool kind = facts.file || (facts.folder && wanted.folders);
+    const bool kind = facts.file || (facts.folder && wanted.folders)
+        || (facts.link && facts.exists && wanted.links);
     return kind && (facts.readable || wanted.unreadable);
 }
 
@@ -119,10 +138,12 @@ void FolderListing::add(const FolderReader::Item &item)
     const EntryFacts facts = unread->facts(item);
     if (!isListed(facts))
         return;
-    const std::size_t size = std::strlen(item.name);
-    rows.push_back({ names->size(), facts.size, facts.modified(), quint16(size), facts.folder,
-                     facts.link, facts.readable });
-    names->append(item.name, size);
+    const std::string_view name(item.name);
+    const QByteArray lower =
+        wanted.order == ListingShape::Order::ByNameInAnyCase ? folded(name) : QByteArray();
+    rows.push_back({ names->size(), facts.size, facts.modified(), quint16(name.size()),
+                     quint16(lower.size()), facts.folder, facts.link, facts.readable });
+    names->append(name).append(lower.constData(), std::size_t(lower.size()));
 }
 
 void FolderListing::arrange()
@@ -148,8 +169,26 @@ bool FolderListing::precedes(const Row &a, const Row &b) const
     const qint64 keyOfB = key(b);
     if (keyOfA != keyOfB)
         return keyOfA > keyOfB;
-    const std::string_view all(*names);
-    return precedesByName(all.substr(a.name, a.nameSize), all.substr(b.name, b.nameSize));
+    return precedesByName(a, b);
+}
+
+bool FolderListing::precedesByName(const Row &a, const Row &b) const
+{
+    const std::string_view foldedA = foldedNameOf(a);
+    const std::string_view foldedB = foldedNameOf(b);
+    return foldedA == foldedB ? ::precedes(nameOf(a), nameOf(b)) : ::precedes(foldedA, foldedB);
+}
+
+std::string_view FolderListing::nameOf(const Row &row) const
+{
+    return std::string_view(*names).substr(row.name, row.nameSize);
+}
+
+std::string_view FolderListing::foldedNameOf(const Row &row) const
+{
+    if (row.foldedSize == 0)
+        return nameOf(row);
+    return std::string_view(*names).substr(row.name + row.nameSize, row.foldedSize);
 }
 
 /// By what the order compares; the larger comes first.

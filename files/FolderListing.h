@@ -10,6 +10,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 /// What tells that a folder's entries are still those that were read.
@@ -33,18 +34,20 @@ struct FolderStamp
 /// Which entries a listing has, and in what order; names decide between equals.
 struct ListingShape
 {
-    enum class Order { ByName, NewestFirst, LargestFirst };
+    enum class Order { ByName, ByNameInAnyCase, NewestFirst, LargestFirst };
 
     Order order = Order::ByName;
     bool foldersFirst = true;
     bool folders = true; ///< or files alone
     bool hidden = false; ///< names with a leading "." too
     bool unreadable = false; ///< what can't be read too
+    bool links = false; ///< whatever they lead to
 
     bool operator==(const ListingShape &other) const
     {
         return order == other.order && foldersFirst == other.foldersFirst
-            && folders == other.folders && hidden == other.hidden && unreadable == other.unreadable;
+            && folders == other.folders && hidden == other.hidden && unreadable == other.unreadable
+            && links == other.links;
     }
 };
 
@@ -101,6 +104,7 @@ private:
         qint64 size;
         qint64 modified;
         quint16 nameSize;
+        quint16 foldedSize; ///< of the name in lower case, which follows it; 0: it is the same
         bool folder;
         bool link;
         bool readable;
@@ -110,6 +114,9 @@ private:
     bool isListed(const EntryFacts &facts) const;
     bool read(const Budget &until);
     void add(const FolderReader::Item &item);
+    std::string_view nameOf(const Row &row) const;
+    std::string_view foldedNameOf(const Row &row) const;
+    bool precedesByName(const Row &a, const Row &b) const;
     void arrange();
     bool precedes(const Row &a, const Row &b) const;
     qint64 key(const Row &row) const;
