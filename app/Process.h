@@ -6,7 +6,8 @@
 ///
 /// A peer or reader that is gone and a file that has reached its largest size become errors of the
 /// write, which by default end the process. Programs that it starts get the defaults back.
-/// A crowd of clients needs more descriptors than usual.
+/// A crowd of clients needs more descriptors than usual, and what it needed of memory is to be
+/// given back, for which few heaps are better than one a thread.
 void prepareProcess();
 
 /// The program that makes previews; it lies beside this one.

@@ -4,7 +4,9 @@
 #include "files/ListingCache.h"
 #include "net/Poller.h"
 #include "server/MemoryBudget.h"
+#include "server/MemoryTrim.h"
 #include "server/Service.h"
+#include "server/Turns.h"
 
 #include <memory>
 
@@ -24,5 +26,7 @@ private:
     MemoryBudget forms;
     DiskWorker disk;
     ListingCache listings{ disk };
+    MemoryTrim memory{ disk };
+    Turns turns{ memory };
     std::shared_ptr<const ServerSetup> common;
 };

@@ -10,12 +10,13 @@
 class DiskWorker;
 class ListingCache;
 class MemoryBudget;
+class MemoryTrim;
 class Poller;
 class Previews;
 class Profile;
 class Share;
-
 class StatusSink;
+class Turns;
 
 /// What all servers of a program have in common. What it points to outlives them.
 struct ServerSetup
@@ -26,6 +27,8 @@ struct ServerSetup
     MemoryBudget *forms = nullptr; ///< for bodies that are read whole
     DiskWorker *disk = nullptr;
     ListingCache *listings = nullptr;
+    MemoryTrim *memory = nullptr;
+    Turns *turns = nullptr; ///< of long replies
     Previews *previews = nullptr;
     Directories directories;
 };

@@ -4,8 +4,15 @@
 
 DocumentReply::DocumentReply(Exchange &current)
     : Dav(current)
-    , slices(current.channel, [this](const Slices::Turn &turn) { return work(turn); })
+    , slices(current, [this](const Turn &turn) { return work(turn); })
 {
+}
+
+void DocumentReply::whenInTurn(std::function<void()> making)
+{
+    makeDocument = std::move(making);
+    state = State::Making;
+    slices.start();
 }
 
 void DocumentReply::sendDocument(Document whole)
@@ -14,17 +21,43 @@ void DocumentReply::sendDocument(Document whole)
     next = 0;
     length = document.start.size() + document.end.size();
     rendered = document.start;
+    if (document.count <= 1)
+        return sendAtOnce();
+    const bool isBegun = state == State::Making;
     state = State::Counting;
-    slices.start();
+    if (isBegun)
+        slices.resume();
+    else
+        slices.start();
 }
 
-bool DocumentReply::work(const Slices::Turn &turn)
+void DocumentReply::sendAtOnce()
 {
+    if (document.count == 1)
+        document.append(rendered, 0);
+    rendered += document.end;
+    sendHeader(Status::multiStatus, rendered.size());
+    channel.write(std::exchange(rendered, {}), true);
+}
+
+bool DocumentReply::work(const Turn &turn)
+{
+    if (state == State::Making)
+        make();
     while (state == State::Counting && !turn.isOver())
         count();
     while (state == State::Sending && !turn.isOver() && !channel.isCongested())
         send();
     return state != State::Idle;
+}
+
+void DocumentReply::make()
+{
+    if (!makeDocument)
+        return;
+    // Whoever waits for the disk needs no turns.
+    slices.pause();
+    std::exchange(makeDocument, {})();
 }
 
 void DocumentReply::count()
@@ -63,6 +96,7 @@ void DocumentReply::replyEnded()
 {
     slices.stop();
     state = State::Idle;
+    makeDocument = nullptr;
     document = {};
     rendered.clear();
 }

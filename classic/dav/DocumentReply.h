@@ -29,18 +29,25 @@ public:
     void replyEnded() override;
 
 protected:
-    /// Answers with `whole`, in turns of the event loop.
+    /// Calls `makeDocument` when the reply has its turn, perhaps before this call returns.
+    /// `sendDocument` is to follow, at once or later.
+    void whenInTurn(std::function<void()> makeDocument);
+
+    /// Answers with `whole`, in turns of the event loop unless that is but an element.
     void sendDocument(Document whole);
 
 private:
-    enum class State { Idle, Counting, Sending };
+    enum class State { Idle, Making, Counting, Sending };
 
-    bool work(const Slices::Turn &turn);
+    bool work(const Turn &turn);
+    void make();
+    void sendAtOnce();
     void count();
     void begin();
     void send();
 
     State state = State::Idle;
+    std::function<void()> makeDocument; ///< until it has its turn
     Document document;
     qint64 next = 0; ///< element
     qint64 length = 0; ///< bytes, as far as they were counted

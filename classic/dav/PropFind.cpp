@@ -65,7 +65,8 @@ void PropFind::reply()
     const QByteArray relative = cleanPath(path.toUtf8());
     const QByteArray href = baseUrl() + (relative.isEmpty() ? "" : "/") + hrefPath(relative);
     if (found.folder && path.endsWith(QLatin1Char('/')))
-        return listFolder(nativePath(path), href + '/');
+        return whenInTurn(
+            [this, native = nativePath(path), href] { listFolder(native, href + '/'); });
     sendResource(
         { relative.isEmpty() ? href + '/' : href, found.size, found.seconds, found.folder });
 }
@@ -108,17 +109,12 @@ QByteArray PropFind::baseUrl() const
 
 void PropFind::listFolder(const QByteArray &path, const QByteArray &href)
 {
-    std::optional<FolderReader> reader = share()->openFolder(path);
+    std::optional<FolderReader> reader = share() ? share()->openFolder(path) : std::nullopt;
     if (!reader)
         return sendResources(0, {});
-    readFolder(std::move(*reader), href);
-}
-
-void PropFind::readFolder(FolderReader reader, const QByteArray &href)
-{
     waiting = std::make_unique<QObject>();
     exchange.service.setup.listings->list(
-        std::move(reader), shapeFor(*exchange.service.profile), {}, waiting.get(),
+        std::move(*reader), shapeFor(*exchange.service.profile), {}, waiting.get(),
         [this, href](const Listing &listing) { sendEntries(listing, href); });
 }
 

@@ -6,7 +6,6 @@
 #include <memory>
 
 class FolderListing;
-class FolderReader;
 
 /// PROPFIND: one resource, or the entries of one folder, with a fixed set of properties.
 /// What the client asked for is not looked at; there is no recursion.
@@ -27,7 +26,6 @@ private:
     QByteArray askedPrefix() const;
     QByteArray baseUrl() const;
     void listFolder(const QByteArray &path, const QByteArray &href);
-    void readFolder(FolderReader reader, const QByteArray &href);
     void sendResource(const Resource &resource);
     void sendEntries(const Listing &listing, const QByteArray &href);
     void sendResources(qint64 count, std::function<void(QByteArray &text, qint64 index)> append);

@@ -1,48 +1,59 @@
 #include "classic/http/Slices.h"
 
-#include "classic/http/Channel.h"
+#include "classic/http/Exchange.h"
 
 #include <utility>
 
-Slices::Slices(Channel &target, Work slice)
-    : channel(target)
+Slices::Slices(Exchange &current, Work slice)
+    : channel(current.channel)
+    , turns(*current.service.setup.turns)
     , doSlice(std::move(slice))
 {
 }
 
 void Slices::start()
 {
+    stop();
     state = State::Working;
-    work();
+    turns.begin(this);
 }
 
-void Slices::work()
+bool Slices::takeTurn(const Turn &turn)
 {
-    scheduled = false;
-    if (state != State::Working)
-        return;
-    if (!channel.canAnswer())
-        return channel.end();
-    const bool more = doSlice(Turn());
-    if (!more)
-        return stop();
-    if (channel.isCongested())
+    if (!channel.canAnswer()) {
+        stop();
+        channel.end();
+        return false;
+    }
+    if (!doSlice(turn))
+        stop();
+    if (state == State::Working && channel.isCongested()) {
         state = State::Resting;
-    else
-        schedule();
-}
-
-void Slices::schedule()
-{
-    // Queued: other clients are served before the next slice.
-    if (!std::exchange(scheduled, true))
-        QMetaObject::invokeMethod(this, &Slices::work, Qt::QueuedConnection);
+        turns.rest(this);
+    }
+    return state == State::Working;
 }
 
 void Slices::drained()
 {
-    if (state != State::Resting)
-        return;
+    if (state == State::Resting)
+        goOn();
+}
+
+void Slices::resume()
+{
+    if (state == State::Paused)
+        goOn();
+}
+
+void Slices::goOn()
+{
     state = State::Working;
-    schedule();
+    turns.again(this);
+}
+
+void Slices::stop()
+{
+    if (std::exchange(state, State::Idle) != State::Idle)
+        turns.leave(this);
 }

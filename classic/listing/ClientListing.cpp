@@ -3,8 +3,7 @@
 #include "classic/pages/ListedEntry.h"
 #include "classic/pages/SharedPreviews.h"
 #include "config/Profile.h"
-#include "files/DiskJob.h"
-#include "files/DiskWorker.h"
+#include "files/ListingCache.h"
 #include "files/Path.h"
 #include "files/Share.h"
 
@@ -12,12 +11,6 @@
 #include <QFileInfo>
 
 namespace {
-
-/// What a folder's listing holds: files, folders, and links to anything that exists.
-bool isListed(const EntryFacts &entry)
-{
-    return (entry.file || entry.folder || (entry.link && entry.exists)) && entry.readable;
-}
 
 /// A line break in a name would read as the start of another record.
 bool fitsOneLine(const QByteArray &name)
@@ -40,37 +33,21 @@ QByteArray nativeOf(const QByteArray &utf8Path)
     return nativePath(QString::fromUtf8(utf8Path));
 }
 
-} // namespace
-
-/// Frees the names of folders. With many of them that takes too long for the event loop.
-class ClientListing::Discard final : public DiskJob
+EntryFacts factsOf(const FolderListing::Entry &entry)
 {
-public:
-    explicit Discard(std::vector<Level> unwanted)
-        : levels(std::move(unwanted))
-    {
-    }
-
-    bool run(const Budget &until) override
-    {
-        if (until.mayBlock())
-            levels.clear();
-        return until.mayBlock();
-    }
-
-private:
-    std::vector<Level> levels;
-};
-
-bool ClientListing::ComesLater::operator()(const Found &left, const Found &right) const
-{
-    const int order = left.key.compare(right.key);
-    return order > 0 || (order == 0 && left.name > right.name);
+    EntryFacts facts;
+    facts.folder = entry.folder;
+    facts.size = entry.size;
+    facts.seconds = entry.modifiedSeconds();
+    facts.nanoseconds = qint32((entry.modified - facts.seconds * 1000) * 1000000);
+    return facts;
 }
+
+} // namespace
 
 ClientListing::ClientListing(Exchange &current)
     : Responder(current)
-    , slices(current.channel, [this](const Slices::Turn &turn) { return walk(turn); })
+    , slices(current, [this](const Turn &turn) { return walk(turn); })
 {
 }
 
@@ -91,6 +68,17 @@ void ClientListing::reply()
     list();
 }
 
+/// Clients show entries in the order they come.
+ListingShape ClientListing::shape() const
+{
+    ListingShape shape;
+    shape.order = ListingShape::Order::ByNameInAnyCase;
+    shape.foldersFirst = false;
+    shape.hidden = showHidden;
+    shape.links = true;
+    return shape;
+}
+
 void ClientListing::list()
 {
     const QByteArray path = request.path.toUtf8();
@@ -99,16 +87,19 @@ void ClientListing::list()
         return finish();
 
     if (path.endsWith('/')) {
-        if (!enter(path))
-            return finish();
+        top = path;
         return slices.start();
     }
-    const QString name = QFileInfo(request.path).fileName();
-    sendFile(path, { {}, name, facts.size, facts.modified(), facts.folder });
+    FolderListing::Entry file;
+    file.name = nativePath(QFileInfo(request.path).fileName());
+    file.size = facts.size;
+    file.modified = facts.modified();
+    file.folder = facts.folder;
+    sendFile(path, file);
     channel.write(std::exchange(buffer, {}), true);
 }
 
-void ClientListing::sendFile(const QByteArray &path, const Found &file)
+void ClientListing::sendFile(const QByteArray &path, const FolderListing::Entry &file)
 {
     addLine(buffer, QByteArray::number(file.size));
     addLine(buffer, timeText(file.modified));
@@ -117,28 +108,26 @@ void ClientListing::sendFile(const QByteArray &path, const Found &file)
     addLine(buffer);
 }
 
-void ClientListing::sendEntry(const Found &entry)
+void ClientListing::sendEntry(const FolderListing::Entry &entry)
 {
-    const QByteArray path = prefix + entry.name.toUtf8();
+    const QByteArray path = prefix + QFile::decodeName(entry.name).toUtf8();
     if (entry.folder)
         return sendFolder(path + '/', entry);
     addLine(buffer, path);
     sendFile(path, entry);
 }
 
-void ClientListing::sendFolder(const QByteArray &path, const Found &folder)
+void ClientListing::sendFolder(const QByteArray &path, const FolderListing::Entry &folder)
 {
-    if (filter.isRecursive()) {
-        enter(path);
-        return;
-    }
+    if (filter.isRecursive())
+        return enter(path);
     addLine(buffer, path);
     addLine(buffer, timeText(folder.modified));
 }
 
-void ClientListing::addPicture(const QByteArray &path, const Found &file)
+void ClientListing::addPicture(const QByteArray &path, const FolderListing::Entry &file)
 {
-    const ListedEntry entry({ nativePath(file.name), file.size, file.modified, file.folder });
+    const ListedEntry entry(file);
     Previews::State preview = Previews::State::Failed;
     if (entry.needsPreview()) {
         const QByteArray native = nativeOf(path);
@@ -148,21 +137,31 @@ void ClientListing::addPicture(const QByteArray &path, const Found &file)
     entry.addReference(&buffer, path, root, preview);
 }
 
-/// Goes down into a folder. False when it can't be read, or is being listed already: links may
-/// lead back, and entering it again would never end.
-bool ClientListing::enter(const QByteArray &path)
+bool ClientListing::isWanted(const FolderListing::Entry &entry) const
+{
+    return fitsOneLine(entry.name) && filter.accept(QFile::decodeName(entry.name), factsOf(entry));
+}
+
+/// Goes down into a folder. Not when it can't be read, or is being listed already: links may lead
+/// back, and entering it again would never end.
+void ClientListing::enter(const QByteArray &path)
 {
     std::optional<FolderReader> reader = share->openFolder(nativeOf(path));
     if (!reader)
-        return false;
+        return;
     const EntryFacts facts = openFacts(reader->descriptor());
     const Identity identity(facts.device, facts.inode);
     if (!onPath.insert(identity).second)
-        return false;
+        return;
     prefix = path;
     levels.push_back({ int(prefix.size()), identity, {} });
-    unread.emplace(std::move(*reader));
-    return true;
+    slices.pause();
+    reading = std::make_unique<QObject>();
+    exchange.service.setup.listings->list(std::move(*reader), shape(), {}, reading.get(),
+                                          [this](const ListingCache::Listing &listing) {
+                                              levels.back().listing = listing;
+                                              slices.resume();
+                                          });
 }
 
 void ClientListing::leave()
@@ -173,44 +172,21 @@ void ClientListing::leave()
         prefix.truncate(levels.back().prefixSize);
 }
 
-void ClientListing::readEntry()
-{
-    FolderReader::Item item;
-    if (!unread->next(item))
-        return unread.reset();
-
-    const QByteArray nativeName(item.name);
-    if (!isVisible(nativeName))
-        return;
-    const EntryFacts facts = unread->facts(item);
-    const QString name = QFile::decodeName(nativeName);
-    if (isListed(facts) && filter.accept(name, facts))
-        levels.back().entries.push(
-            { name.toLower(), name, facts.size, facts.modified(), facts.folder });
-}
-
-bool ClientListing::isVisible(const QByteArray &nativeName) const
-{
-    const bool hidden = nativeName.startsWith('.');
-    return (showHidden || !hidden) && fitsOneLine(nativeName) && isSpellable(nativeName);
-}
-
 void ClientListing::step()
 {
-    if (unread)
-        return readEntry();
     Level &level = levels.back();
-    if (level.entries.empty())
+    if (level.next == level.listing->count())
         return leave();
-
-    const Found entry = level.entries.top();
-    level.entries.pop();
-    sendEntry(entry);
+    const FolderListing::Entry entry = level.listing->at(level.next++);
+    if (isWanted(entry))
+        sendEntry(entry);
 }
 
-bool ClientListing::walk(const Slices::Turn &turn)
+bool ClientListing::walk(const Turn &turn)
 {
-    while (!levels.empty() && buffer.size() < Slices::pieceBytes && !turn.isOver())
+    if (!top.isEmpty())
+        enter(std::exchange(top, {}));
+    while (!levels.empty() && !isReading() && buffer.size() < Slices::pieceBytes && !turn.isOver())
         step();
     if (levels.empty()) {
         finish();
@@ -230,11 +206,10 @@ void ClientListing::finish()
 void ClientListing::stop()
 {
     slices.stop();
-    if (!levels.empty())
-        exchange.service.setup.disk->run(std::make_shared<Discard>(std::move(levels)), nullptr, {});
+    reading.reset();
     levels.clear();
     onPath.clear();
-    unread.reset();
     share.reset();
+    top.clear();
     buffer.clear();
 }

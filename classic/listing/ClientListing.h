@@ -3,15 +3,11 @@
 #include "classic/http/Responder.h"
 #include "classic/http/Slices.h"
 #include "classic/listing/Filter.h"
-#include "files/FolderReader.h"
+#include "files/FolderListing.h"
 
 #include <QByteArray>
-#include <QString>
 
-#include <queue>
-#include <deque>
 #include <memory>
-#include <optional>
 #include <set>
 #include <utility>
 #include <vector>
@@ -20,7 +16,8 @@ class Share;
 
 /// Lists files for the desktop client: lines alone, without a status line or header.
 /// Kept by its face for the next request. A long listing is made in slices, between which the
-/// event loop serves other clients; it stops when its reply ends or the peer is lost.
+/// event loop serves other clients; its folders are read once for all who look at them. It stops
+/// when its reply ends or the peer is lost.
 class ClientListing final : public Responder
 {
     Q_OBJECT
@@ -38,43 +35,27 @@ public:
 private:
     using Identity = std::pair<dev_t, ino_t>;
 
-    struct Found
-    {
-        QString key; ///< lower case
-        QString name;
-        qint64 size; ///< bytes
-        qint64 modified; ///< milliseconds since 1970-01-01 UTC
-        bool folder;
-    };
-
-    /// Clients show entries in the order they come: by name, in any case.
-    struct ComesLater
-    {
-        bool operator()(const Found &left, const Found &right) const;
-    };
-
-    /// A folder that is being listed. All of its names are read before the first is sent; they are
-    /// sorted as they go, a heap, so that no slice has to sort a large folder whole.
+    /// A folder that is being listed.
     struct Level
     {
         int prefixSize; ///< of its lines
         Identity identity;
-        std::priority_queue<Found, std::deque<Found>, ComesLater> entries; ///< yet to be sent
+        std::shared_ptr<const FolderListing> listing; ///< null until it is read
+        qint64 next = 0; ///< entry
     };
 
-    class Discard;
-
+    ListingShape shape() const;
     void list();
-    void sendFile(const QByteArray &path, const Found &file);
-    void sendEntry(const Found &entry);
-    void sendFolder(const QByteArray &path, const Found &folder);
-    void addPicture(const QByteArray &path, const Found &file);
-    bool enter(const QByteArray &path);
+    void sendFile(const QByteArray &path, const FolderListing::Entry &file);
+    void sendEntry(const FolderListing::Entry &entry);
+    void sendFolder(const QByteArray &path, const FolderListing::Entry &folder);
+    void addPicture(const QByteArray &path, const FolderListing::Entry &file);
+    bool isWanted(const FolderListing::Entry &entry) const;
+    void enter(const QByteArray &path);
     void leave();
-    void readEntry();
-    bool isVisible(const QByteArray &nativeName) const;
+    bool isReading() const { return !levels.empty() && !levels.back().listing; }
     void step();
-    bool walk(const Slices::Turn &turn);
+    bool walk(const Turn &turn);
     void finish();
     void stop();
 
@@ -87,6 +68,7 @@ private:
     QByteArray prefix; ///< what the lines of the current folder begin with, ends in "/"
     std::vector<Level> levels; ///< from the top of the listing down to the current one
     std::set<Identity> onPath; ///< the same folders
-    std::optional<FolderReader> unread; ///< the current one, until all of its names were read
+    QByteArray top; ///< the path to begin with, until there is a turn
+    std::unique_ptr<QObject> reading; ///< while it is there, a folder is waited for
     Slices slices;
 };

@@ -33,7 +33,7 @@ ListingShape::Order orderOf(int sortMode)
 ListingReply::ListingReply(Exchange &current, SendHead headSender)
     : exchange(current)
     , sendHead(std::move(headSender))
-    , slices(current.channel, [this](const Slices::Turn &turn) { return work(turn); })
+    , slices(current, [this](const Turn &turn) { return work(turn); })
 {
 }
 
@@ -41,12 +41,14 @@ void ListingReply::start()
 {
     stop();
     share = exchange.service.share;
-    list();
+    state = State::Waiting;
+    slices.start();
 }
 
 void ListingReply::list()
 {
     state = State::Reading;
+    slices.pause();
     reading = std::make_unique<QObject>();
     exchange.service.setup.listings->list(
         openFolder(), shape(), window(), reading.get(),
@@ -97,7 +99,7 @@ void ListingReply::show(const std::shared_ptr<const FolderListing> &listing)
         folder = share->open(nativePath(exchange.request.path), O_PATH | O_DIRECTORY);
     toLookAt = folder.isOpen() ? page->shownCount() : 0;
     state = State::Looking;
-    slices.start();
+    slices.resume();
 }
 
 /// Uses the session's message up.
@@ -119,11 +121,13 @@ ListingPage::Options ListingReply::takeOptions() const
     return options;
 }
 
-bool ListingReply::work(const Slices::Turn &turn)
+bool ListingReply::work(const Turn &turn)
 {
+    if (state == State::Waiting)
+        list();
     while (isWorking() && !turn.isOver() && !exchange.channel.isCongested())
         step();
-    return isWorking();
+    return state != State::Idle;
 }
 
 bool ListingReply::isWorking() const

@@ -33,6 +33,7 @@ public:
 private:
     enum class State {
         Idle,
+        Waiting, ///< for the first turn
         Reading, ///< the folder; somebody else does it
         Looking, ///< for previews
         Counting, ///< the bytes of the page
@@ -45,7 +46,7 @@ private:
     void list();
     void show(const std::shared_ptr<const FolderListing> &listing);
     ListingPage::Options takeOptions() const;
-    bool work(const Slices::Turn &turn);
+    bool work(const Turn &turn);
     bool isWorking() const;
     void step();
     void look();

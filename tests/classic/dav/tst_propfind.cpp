@@ -1,5 +1,7 @@
 #include "tests/classic/dav/DavTest.h"
 
+#include <QElapsedTimer>
+
 #include <ctime>
 
 #include <fcntl.h>
@@ -29,6 +31,7 @@ private Q_SLOTS:
     void resources_data();
     void resources();
     void largeFolder();
+    void aCrowdLeavesTimeForOthers();
     void addressOfHrefs();
 
 private:
@@ -149,6 +152,23 @@ void TestPropFind::largeFolder()
 }
 
 /// On a socket for both families an IPv4 address arrives in the clothes of IPv6.
+void TestPropFind::aCrowdLeavesTimeForOthers()
+{
+    QVERIFY(QDir().mkdir(path("large")));
+    for (int i = 0; i < 5000; ++i)
+        QVERIFY(QFile(path("large/" + QByteArray::number(i))).open(QIODevice::WriteOnly));
+    std::vector<std::unique_ptr<RawClient>> crowd;
+    for (int i = 0; i < 300; ++i)
+        crowd.push_back(std::make_unique<RawClient>(live->port()));
+    for (const auto &one : crowd)
+        one->send(rawRequest("PROPFIND", "/large/"));
+    QElapsedTimer clock;
+    clock.start();
+    for (int i = 0; i < 10; ++i)
+        QCOMPARE(ask("PROPFIND", "/a.txt").status(), QByteArray("207 Multi-Status"));
+    QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
+}
+
 void TestPropFind::addressOfHrefs()
 {
     QNetworkAddressEntry entry;

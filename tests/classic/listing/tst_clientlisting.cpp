@@ -114,12 +114,13 @@ void TestClientListing::oddEntries()
         add(name);
     link("nowhere", "broken link");
     link("file", "link");
+    link("/dev/null", "no file");
     QFile old(server->sharePath(QStringLiteral("old")));
     QVERIFY(old.open(QIODevice::ReadWrite));
     const QDateTime before1970(QDate(1960, 1, 1), QTime(0, 0));
     QVERIFY(old.setFileTime(before1970, QFileDevice::FileModificationTime));
 
-    QCOMPARE(names("/?r=1"), QByteArray("/file /link /old "));
+    QCOMPARE(names("/?r=1"), QByteArray("/file /link /no file /old "));
     // Clients read 32 bits without a sign.
     QVERIFY(list("/").contains("/old\r\n0\r\n4294967295\r\n"));
 }
