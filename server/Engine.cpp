@@ -12,7 +12,7 @@ Engine::Engine(FaceMaker makeFace, const Directories &directories, StatusSink *s
                Previews *previews)
     : forms(maxForms)
     , common(std::make_shared<ServerSetup>(ServerSetup{ std::move(makeFace), sink, &poller, &forms,
-                                                        &disk, &listings, &memory, &turns, previews,
-                                                        directories }))
+                                                        &disk, &listings, &memory, &turns, &copies,
+                                                        previews, directories }))
 {
 }

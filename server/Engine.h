@@ -5,6 +5,7 @@
 #include "net/Poller.h"
 #include "server/MemoryBudget.h"
 #include "server/MemoryTrim.h"
+#include "server/Places.h"
 #include "server/Service.h"
 #include "server/Turns.h"
 
@@ -24,6 +25,7 @@ public:
 private:
     Poller poller;
     MemoryBudget forms;
+    Places copies{ 4, qint64(32) << 20 }; // outlives the jobs that have its passes
     DiskWorker disk;
     ListingCache listings{ disk };
     MemoryTrim memory{ disk };

@@ -11,6 +11,7 @@ class DiskWorker;
 class ListingCache;
 class MemoryBudget;
 class MemoryTrim;
+class Places;
 class Poller;
 class Previews;
 class Profile;
@@ -29,6 +30,7 @@ struct ServerSetup
     ListingCache *listings = nullptr;
     MemoryTrim *memory = nullptr;
     Turns *turns = nullptr; ///< of long replies
+    Places *copies = nullptr; ///< for what COPY does
     Previews *previews = nullptr;
     Directories directories;
 };

@@ -5,9 +5,11 @@
 #include "files/Path.h"
 #include "files/Share.h"
 #include "files/TreeCopy.h"
+#include "server/MemoryTrim.h"
 
 #include <QFile>
 
+#include <numeric>
 #include <utility>
 
 #include <fcntl.h>
@@ -60,9 +62,11 @@ class CopyJob final : public DiskJob
 {
 public:
     /// `outdated` may be no valid place.
-    CopyJob(OpenFile source, Place target, FileCopy::Existing existing, Place outdatedFile)
+    CopyJob(OpenFile source, Place target, FileCopy::Existing existing, Place outdatedFile,
+            Pass given)
         : copy(std::move(source), std::move(target), existing)
         , outdated(std::move(outdatedFile))
+        , pass(std::move(given))
     {
     }
 
@@ -80,6 +84,7 @@ public:
 private:
     FileCopy copy;
     Place outdated;
+    Pass pass; ///< it goes to its end also when nobody waits for the answer any more
 };
 
 /// Where the copies of a tree go: the whole path of a source is nested below the destination.
@@ -110,28 +115,49 @@ Copy::Copy(Exchange &current)
 
 Copy::~Copy()
 {
-    if (tree)
-        tree->cancel();
+    stop();
 }
 
 void Copy::reply()
 {
     overwrite = request.overwrite != "F";
-    const RequestTarget target = request.destinationTarget();
-    const QByteArray path = nativePath(target.path);
-    const EntryFacts source = facts(requestedPath());
-    const EntryFacts destination = facts(path);
-    const bool kept = destination.file && (!overwrite || source.folder);
-    if (target.form != RequestTarget::Form::Path || isSameEntry(source, destination) || kept)
-        return answer(Status::preconditionFailed);
+    if (const char *status = reasonToRefuse())
+        return answer(status);
+    exchange.service.setup.copies->enter(this);
+}
 
+/// Null when there is none.
+const char *Copy::reasonToRefuse() const
+{
+    const QByteArray path = destinationPath();
+    const EntryFacts source = facts(requestedPath());
+    const EntryFacts there = facts(path);
+    const bool kept = there.file && (!overwrite || source.folder);
+    if (request.destinationTarget().form != RequestTarget::Form::Path || isSameEntry(source, there)
+        || kept)
+        return Status::preconditionFailed;
     if (!source.folder && !source.file)
-        return answer("410 Gone");
-    if (path.contains('\0'))
-        return answer(copyFailed);
-    if (source.folder)
+        return "410 Gone";
+    return path.contains('\0') ? copyFailed : nullptr;
+}
+
+QByteArray Copy::destinationPath() const
+{
+    return nativePath(request.destinationTarget().path);
+}
+
+void Copy::take(Pass given)
+{
+    if (!channel.canAnswer())
+        return channel.end();
+    // Others may have changed what is there while it waited.
+    if (const char *status = reasonToRefuse())
+        return answer(status);
+    pass = std::move(given);
+    const QByteArray path = destinationPath();
+    if (facts(requestedPath()).folder)
         return copyTree(path);
-    copyFile(destination.folder ? path + '/' + nameOf(cleanPath(requestedPath())) : path);
+    copyFile(facts(path).folder ? path + '/' + nameOf(cleanPath(requestedPath())) : path);
 }
 
 /// The copy goes to the working folder, whatever folder the destination names; that one only loses
@@ -151,7 +177,7 @@ void Copy::copyFile(const QByteArray &destination)
     Place outdated = existed && overwrite && !inPlace ? place(destination) : Place();
     const auto existing = inPlace ? FileCopy::Existing::Replaced : FileCopy::Existing::Kept;
     const auto job = std::make_shared<CopyJob>(std::move(*source), std::move(copy), existing,
-                                               std::move(outdated));
+                                               std::move(outdated), std::move(pass));
     disk().run(job, this, [this, job, existed] {
         const char *done = existed ? "204 No Content" : Status::created;
         answer(job->isDone() ? done : copyFailed);
@@ -187,6 +213,11 @@ void Copy::takeOutcomes()
     if (!tree->isAtEnd())
         return copyOn();
     tree.reset();
+    const auto bytes =
+        std::accumulate(batches.begin(), batches.end(), qint64(0),
+                        [](qint64 sum, const QByteArray &batch) { return sum + batch.capacity(); });
+    pass.keep(bytes);
+    exchange.service.setup.memory->trimSoon();
     sendOutcomes();
 }
 
@@ -222,9 +253,16 @@ const char *Copy::statusOf(char outcome) const
 
 void Copy::replyEnded()
 {
+    stop();
+    DocumentReply::replyEnded();
+}
+
+void Copy::stop()
+{
+    exchange.service.setup.copies->leave(this);
     if (tree)
         tree->cancel();
     tree.reset();
     batches = {};
-    DocumentReply::replyEnded();
+    pass.end();
 }

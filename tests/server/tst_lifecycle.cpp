@@ -1,4 +1,5 @@
 #include "server/Connection.h"
+#include "server/Places.h"
 #include "server/SessionTable.h"
 #include "tests/support/LiveServer.h"
 
@@ -20,6 +21,18 @@ std::unique_ptr<QTcpSocket> tlsSocket()
     QObject::connect(tls, &QAbstractSocket::connected, tls, &QSslSocket::startClientEncryption);
     return socket;
 }
+
+struct Worker final : PassTaker
+{
+    void take(Pass given) override
+    {
+        pass = std::move(given);
+        works = true;
+    }
+
+    Pass pass;
+    bool works = false;
+};
 
 } // namespace
 
@@ -44,6 +57,7 @@ private Q_SLOTS:
     void warnsOfAnEmptyPassword();
     void expiresIdleSessions();
     void aCrowdOfStrangersLogsNobodyOut();
+    void aFewWorkAtATime();
 
 private:
     QString key(const QString &name) const { return keys.path() + QLatin1Char('/') + name; }
@@ -309,6 +323,29 @@ void TestLifecycle::aCrowdOfStrangersLogsNobodyOut()
         kept.emplace_back(table.ofCookie(QByteArray::number(id)));
     QVERIFY(table.sessionCount() <= SessionTable::maxSessions);
     QVERIFY(table.holds(member));
+}
+
+void TestLifecycle::aFewWorkAtATime()
+{
+    Places places(1, 100);
+    std::array<Worker, 5> workers;
+    const auto working = [&] {
+        return std::count_if(workers.begin(), workers.end(),
+                             [](const Worker &w) { return w.works; });
+    };
+    for (Worker &worker : workers)
+        places.enter(&worker);
+    QCOMPARE(working(), 1);
+    workers[0].pass.keep(50);
+    workers[1].pass.keep(50); // now much is kept
+    QCOMPARE(working(), 2);
+    workers[0].pass.end();
+    QCOMPARE(working(), 3);
+    places.leave(&workers[3]);
+    workers[1].pass.end();
+    QCOMPARE(working(), 3);
+    workers[2].pass.end();
+    QVERIFY(workers[4].works && !workers[3].works);
 }
 
 QTEST_GUILESS_MAIN(TestLifecycle)
