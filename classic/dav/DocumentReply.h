@@ -29,9 +29,9 @@ public:
     void replyEnded() override;
 
 protected:
-    /// Calls `makeDocument` when the reply has its turn, perhaps before this call returns.
+    /// Calls `making` when the reply has its turn, perhaps before this call returns.
     /// `sendDocument` is to follow, at once or later.
-    void whenInTurn(std::function<void()> makeDocument);
+    void whenInTurn(std::function<void()> making);
 
     /// Answers with `whole`, in turns of the event loop unless that is but an element.
     void sendDocument(Document whole);
