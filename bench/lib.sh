@@ -44,8 +44,8 @@ bench_end() {
 make_tls_profile() {
     "$ROOT/scripts/make-keys.sh" "$BENCH_DIR" >/dev/null
     cat "$BENCH_DIR/server.crt" "$BENCH_DIR/server.key" >"$BENCH_DIR/server.pem"
-    python3 "$ROOT/bench/profile.py" "$BENCH_DIR/home/.quillon/tls.cnf" name=tls sslMode=2 \
-        privateKeyFile="$BENCH_DIR/server.key" publicKeyFile="$BENCH_DIR/server.crt"
+    build release make-profile
+    HOME=$BENCH_DIR/home "$ROOT/build/bin/make-profile" tls tls "$BENCH_DIR/server.key" "$BENCH_DIR/server.crt"
 }
 
 background() {
