@@ -1,5 +1,7 @@
 #include "desktop/window/DeviceNetwork.h"
 
+#include "desktop/Log.h"
+
 #include <QNetworkInterface>
 
 #include <algorithm>
@@ -49,6 +51,8 @@ void DeviceNetwork::lookForChanges()
     const QList<QNetworkAddressEntry> before = std::exchange(found, now());
     const bool same = std::equal(found.begin(), found.end(), before.begin(), before.end(),
                                  [](const auto &a, const auto &b) { return a.ip() == b.ip(); });
-    if (!same)
-        Q_EMIT changed();
+    if (same)
+        return;
+    qCDebug(desktopLog) << "addresses:" << found.size();
+    Q_EMIT changed();
 }

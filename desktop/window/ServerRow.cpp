@@ -1,6 +1,7 @@
 #include "desktop/window/ServerRow.h"
 
 #include "config/Profiles.h"
+#include "desktop/Log.h"
 #include "server/StatusSink.h"
 #include "server/Url.h"
 
@@ -39,11 +40,13 @@ void ServerRow::start()
     if (!profile()->isUsable())
         return tell(tr("The profile can't be used until its settings are saved"),
                     profile()->fileName());
-    if (!m_server->start())
+    if (!m_server->start()) {
+        qCDebug(desktopLog) << "not started:" << url() << m_server->errorString();
         return tell(tr("Unable to start the server"),
                     QStringLiteral("%1\n%2:%3")
                         .arg(m_server->errorString(), address().toString(),
                              QString::number(m_server->port)));
+    }
     Q_EMIT reachChanged();
     const QString path = m_server->shared().filePath();
     if (!QFileInfo::exists(path))
