@@ -1,5 +1,7 @@
 #include "files/FolderReader.h"
 
+#include "files/Path.h"
+
 #include <cerrno>
 #include <cstring>
 #include <utility>
@@ -76,8 +78,16 @@ EntryFacts FolderReader::facts(const Item &item) const
 
 FileDescriptor FolderReader::openFolder(const char *name) const
 {
-    FileDescriptor found(::openat(folder.get(), name, O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!found.isOpen() || !hidden || !hidden->coversOpen(found.get()))
+    constexpr int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
+    FileDescriptor found(::openat(folder.get(), name, flags | O_NOFOLLOW));
+    const bool throughLink = !found.isOpen();
+    if (throughLink)
+        found.reset(::openat(folder.get(), name, flags));
+    if (!found.isOpen() || !hidden)
+        return found;
+    // Where no path can say it, a folder below one that shows is hidden only if it is such itself.
+    const bool unspeakable = !throughLink && pathOf(found.get()).isEmpty();
+    if (!(unspeakable ? hidden->has(openFacts(found.get())) : hidden->coversOpen(found.get())))
         return found;
     found.reset();
     errno = ENOENT;

@@ -164,6 +164,11 @@ std::optional<FolderReader> Share::openFolder(const QByteArray &path, Links link
     return FolderReader(std::move(found), hidden);
 }
 
+FolderReader Share::reader(FileDescriptor folderBelow) const
+{
+    return FolderReader(std::move(folderBelow), hidden);
+}
+
 EntryFacts Share::facts(const QByteArray &path, Links links) const
 {
     const FileDescriptor plain = open(path, placeFlags | O_NOFOLLOW, links);

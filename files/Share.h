@@ -51,6 +51,10 @@ public:
     std::optional<FolderReader> openFolder(const QByteArray &path,
                                            Links links = Links::Followed) const;
 
+    /// Goes on with a folder that was opened beneath this share, for paths that are longer than the
+    /// system can say.
+    FolderReader reader(FileDescriptor folderBelow) const;
+
     /// A look at what `path` names. Nothing exists when it can't be looked at.
     EntryFacts facts(const QByteArray &path, Links links = Links::Followed) const;
 

@@ -10,7 +10,14 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <cerrno>
+
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace {
+
+constexpr int longPath = 2048; ///< bytes; from here on the system may not know a path one day
 
 /// A line break in a name would read as the start of another record.
 bool fitsOneLine(const QByteArray &name)
@@ -31,6 +38,11 @@ QByteArray timeText(qint64 modified)
 QByteArray nativeOf(const QByteArray &utf8Path)
 {
     return nativePath(QString::fromUtf8(utf8Path));
+}
+
+std::pair<dev_t, ino_t> identityOf(const EntryFacts &facts)
+{
+    return { facts.device, facts.inode };
 }
 
 EntryFacts factsOf(const FolderListing::Entry &entry)
@@ -120,7 +132,7 @@ void ClientListing::sendEntry(const FolderListing::Entry &entry)
 void ClientListing::sendFolder(const QByteArray &path, const FolderListing::Entry &folder)
 {
     if (filter.isRecursive())
-        return enter(path);
+        return enter(path, folder.name);
     addLine(buffer, path);
     addLine(buffer, timeText(folder.modified));
 }
@@ -144,17 +156,20 @@ bool ClientListing::isWanted(const FolderListing::Entry &entry) const
 
 /// Goes down into a folder. Not when it can't be read, or is being listed already: links may lead
 /// back, and entering it again would never end.
-void ClientListing::enter(const QByteArray &path)
+void ClientListing::enter(const QByteArray &path, const QByteArray &name)
 {
-    std::optional<FolderReader> reader = share->openFolder(nativeOf(path));
+    std::optional<FolderReader> reader = open(path, name);
     if (!reader)
         return;
-    const EntryFacts facts = openFacts(reader->descriptor());
-    const Identity identity(facts.device, facts.inode);
+    const Identity identity = identityOf(openFacts(reader->descriptor()));
     if (!onPath.insert(identity).second)
         return;
     prefix = path;
-    levels.push_back({ int(prefix.size()), identity, {} });
+    // One at a time is enough: the way up is found from below.
+    FileDescriptor kept(path.size() > longPath ? ::dup(reader->descriptor()) : -1);
+    if (!levels.empty())
+        levels.back().folder.reset();
+    levels.push_back({ int(prefix.size()), identity, std::move(kept), {} });
     slices.pause();
     reading = std::make_unique<QObject>();
     exchange.service.setup.listings->list(std::move(*reader), shape(), {}, reading.get(),
@@ -164,12 +179,39 @@ void ClientListing::enter(const QByteArray &path)
                                           });
 }
 
+/// By its path, or by its `name` in the current folder where that is too long.
+std::optional<FolderReader> ClientListing::open(const QByteArray &path,
+                                                const QByteArray &name) const
+{
+    std::optional<FolderReader> reader = share->openFolder(nativeOf(path));
+    if (reader || errno != ENAMETOOLONG || levels.empty() || !levels.back().folder.isOpen())
+        return reader;
+    const FolderReader parent = share->reader(FileDescriptor(::dup(levels.back().folder.get())));
+    FileDescriptor folder = parent.openFolder(name.constData());
+    if (!folder.isOpen())
+        return {};
+    return share->reader(std::move(folder));
+}
+
 void ClientListing::leave()
 {
+    const FileDescriptor left = std::move(levels.back().folder);
     onPath.erase(levels.back().identity);
     levels.pop_back();
-    if (!levels.empty())
-        prefix.truncate(levels.back().prefixSize);
+    if (levels.empty())
+        return;
+    prefix.truncate(levels.back().prefixSize);
+    if (left.isOpen() && prefix.size() > longPath)
+        climb(left);
+}
+
+/// Opens the folder above `left` anew, if that is still where it lies.
+void ClientListing::climb(const FileDescriptor &left)
+{
+    Level &level = levels.back();
+    level.folder.reset(::openat(left.get(), "..", O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (identityOf(entryFacts(level.folder.get())) != level.identity)
+        level.folder.reset();
 }
 
 void ClientListing::step()
@@ -185,7 +227,7 @@ void ClientListing::step()
 bool ClientListing::walk(const Turn &turn)
 {
     if (!top.isEmpty())
-        enter(std::exchange(top, {}));
+        enter(std::exchange(top, {}), {});
     while (!levels.empty() && !isReading() && buffer.size() < Slices::pieceBytes && !turn.isOver())
         step();
     if (levels.empty()) {

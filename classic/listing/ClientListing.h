@@ -3,6 +3,7 @@
 #include "classic/http/Responder.h"
 #include "classic/http/Slices.h"
 #include "classic/listing/Filter.h"
+#include "files/FileDescriptor.h"
 #include "files/FolderListing.h"
 
 #include <QByteArray>
@@ -40,6 +41,7 @@ private:
     {
         int prefixSize; ///< of its lines
         Identity identity;
+        FileDescriptor folder; ///< kept only where paths grow longer than the system can say
         std::shared_ptr<const FolderListing> listing; ///< null until it is read
         qint64 next = 0; ///< entry
     };
@@ -51,8 +53,10 @@ private:
     void sendFolder(const QByteArray &path, const FolderListing::Entry &folder);
     void addPicture(const QByteArray &path, const FolderListing::Entry &file);
     bool isWanted(const FolderListing::Entry &entry) const;
-    void enter(const QByteArray &path);
+    void enter(const QByteArray &path, const QByteArray &name);
+    std::optional<FolderReader> open(const QByteArray &path, const QByteArray &name) const;
     void leave();
+    void climb(const FileDescriptor &left);
     bool isReading() const { return !levels.empty() && !levels.back().listing; }
     void step();
     bool walk(const Turn &turn);

@@ -1,11 +1,15 @@
 #include "classic/listing/Routes.h"
 #include "config/Profile.h"
+#include "files/FileDescriptor.h"
 #include "tests/classic/pages/Fixtures.h"
 #include "tests/files/Pictures.h"
 
 #include <QDateTime>
 
 static const QByteArray asLastRequest = "User-Agent: mc\r\nConnection: close\r\n";
+
+#include <fcntl.h>
+#include <sys/stat.h>
 
 class TestClientListing : public QObject
 {
@@ -19,6 +23,7 @@ private Q_SLOTS:
     void oddEntries();
     void pictureReferences();
     void links();
+    void foldersDeeperThanAPathCanSay();
     void requestsOnOneConnectionStartAfresh();
     void aClientThatStopsReading();
 
@@ -165,6 +170,22 @@ void TestClientListing::links()
     clock.start();
     QCOMPARE(names("/d/?r=1"), deep + "/file ");
     QVERIFY(clock.elapsed() < 3000);
+}
+
+void TestClientListing::foldersDeeperThanAPathCanSay()
+{
+    const QByteArray name(200, 'd');
+    FileDescriptor folder(::open(server->sharePath().toUtf8().constData(), O_PATH));
+    for (int depth = 0; depth < 30; ++depth) {
+        QCOMPARE(::mkdirat(folder.get(), name.constData(), 0700), 0);
+        folder.reset(::openat(folder.get(), name.constData(), O_PATH));
+        // Behind the folder in the order, so that the way up is needed too.
+        const FileDescriptor file(::openat(folder.get(), "e", O_CREAT | O_WRONLY, 0600));
+        QVERIFY(file.isOpen());
+    }
+    const QByteArray found = names("/?r=1&p=e");
+    QCOMPARE(found.count("/e "), 30);
+    QVERIFY(found.startsWith('/' + (name + '/').repeated(30) + "e "));
 }
 
 void TestClientListing::requestsOnOneConnectionStartAfresh()
