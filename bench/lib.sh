@@ -172,14 +172,14 @@ note() {
 }
 
 print_table() {
-    local key format='%-44s %9s %9s %9s %8s %8s %9s  %s\n'
+    local key format='%-44s %9s %9s %9s %9s %8s %8s %8s %9s  %s\n'
     # shellcheck disable=SC2059
-    printf "$format" "" quillon nginx lighttpd "/nginx" "/lighttpd" wanted ""
+    printf "$format" "" quillon before nginx lighttpd "/before" "/nginx" "/lighttpd" wanted ""
     for key in "${BENCH_METRICS[@]}"; do
         # shellcheck disable=SC2059
-        printf "$format" "${BENCH_TITLE[$key]}" "$(figure "$key" quillon)" "$(figure "$key" nginx)" \
-            "$(figure "$key" lighttpd)" "$(ratio "$key" nginx)" "$(ratio "$key" lighttpd)" \
-            "$(wanted "$key")" "$(verdict "$key")"
+        printf "$format" "${BENCH_TITLE[$key]}" "$(figure "$key" quillon)" "$(figure "$key" before)" \
+            "$(figure "$key" nginx)" "$(figure "$key" lighttpd)" "$(ratio "$key" before)" \
+            "$(ratio "$key" nginx)" "$(ratio "$key" lighttpd)" "$(wanted "$key")" "$(verdict "$key")"
     done
 }
 

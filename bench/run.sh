@@ -23,7 +23,7 @@ declare_metrics() {
     metric fresh high 8000 "4 KiB files, new connections [1/s]"
     metric form high 1.0 "upload by a form, 1 client [GB/s]"
     metric put high 1.0 "upload by PUT, 1 client [GB/s]"
-    metric rest low 20 "resident at rest [MiB]"
+    metric rest low 14 "resident at rest [MiB]"
     metric idle low 24 "resident per idle connection [KiB]"
     metric start low 60 "accepting after start [ms]"
     metric crowd low - "small GET while 200 clients stall, worst [ms]"
