@@ -6,7 +6,7 @@
 
 namespace {
 
-constexpr qint64 helping = qint64(2) * 1024 * 1024; ///< bytes for one peer in one turn
+constexpr qint64 helping = qint64(256) * 1024; ///< bytes for one peer in one turn
 
 } // namespace
 
