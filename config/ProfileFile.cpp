@@ -15,6 +15,7 @@
 
 namespace {
 
+constexpr int tailBytes = 5; ///< the clean exit and the format's mark, which is looked at anyway
 constexpr qint64 maxSumBytes = 1024;
 
 QString sumFile(const QString &profileFile)
@@ -23,9 +24,13 @@ QString sumFile(const QString &profileFile)
 }
 
 /// A line of the sum file, without its end.
+/// Of everything but the mark of a clean exit, the last byte before the format's own mark: programs
+/// of before this sum write that at each start and end.
 QByteArray sumOf(const QByteArray &content)
 {
-    return QCryptographicHash::hash(content, QCryptographicHash::Sha256).toHex();
+    QCryptographicHash hash(QCryptographicHash::Sha256);
+    hash.addData(content.left(content.size() - tailBytes));
+    return hash.result().toHex();
 }
 
 QByteArray presentSum(const QString &profileFile)

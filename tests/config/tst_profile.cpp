@@ -136,7 +136,9 @@ void TestProfile::noChangedByteOpensWhatIsProtected()
     for (int i = 0; i < int(whole.size()); ++i) {
         QByteArray changed = whole;
         changed[i] = char(changed[i] ^ 1); // often a value that is valid too
-        QVERIFY2(!isUsable(changed), QByteArray::number(i).constData());
+        // How the last run ended is written by programs that know no sum, and opens nothing.
+        const bool isCleanExit = i == whole.size() - 5;
+        QVERIFY2(isUsable(changed) == isCleanExit, QByteArray::number(i).constData());
     }
     QVERIFY(isUsable(whole));
 
