@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr qint64 maxQueued = qint64(64) * 1024; ///< bytes; the toolkit keeps them twice
 constexpr qint64 readBufferSize = qint64(64) * 1024;
 constexpr qint64 pieceSize = qint64(64) * 1024; ///< several records of full size
 
@@ -93,7 +92,7 @@ qint64 TlsSocket::queued() const
 
 bool TlsSocket::isCongested() const
 {
-    return queued() > maxQueued || poller->isCrowded(queued());
+    return poller->isCrowded(queued());
 }
 
 /// What waits here counts with what waits in all other sockets.
