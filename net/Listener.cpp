@@ -4,6 +4,8 @@
 
 #include <cerrno>
 
+#include <netinet/in.h>
+#include <netinet/tcp.h>
 #include <sys/socket.h>
 
 namespace {
@@ -37,6 +39,9 @@ bool Listener::listen(const QHostAddress &address, quint16 port)
     const auto fd = int(server.socketDescriptor());
     // The toolkit asks for 50, which a crowd of new clients fills within a moment.
     ::listen(fd, pendingHandshakes);
+    // The system hands it on to every accepted descriptor: replies are put together here.
+    const int on = 1;
+    ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     paused = false;
     return poller->watch(fd, this);
 }

@@ -1,13 +1,14 @@
 #include "net/PlainSocket.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 
 #include <netinet/in.h>
-#include <netinet/tcp.h>
 #include <sys/epoll.h>
 #include <sys/sendfile.h>
 #include <sys/socket.h>
+#include <sys/uio.h>
 #include <unistd.h>
 
 namespace {
@@ -50,17 +51,14 @@ PlainSocket::PlainSocket(FileDescriptor accepted, const QHostAddress &peerAddres
     , poller(watcher)
     , peer(peerAddress)
 {
-    const int on = 1;
-    ::setsockopt(fd.get(), IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     if (!poller->watch(fd.get(), this))
         breakOff();
 }
 
 PlainSocket::~PlainSocket()
 {
-    dropQueue();
-    if (fd.isOpen())
-        poller->forget(fd.get(), this);
+    closeDescriptor();
+    poller->forget(this);
 }
 
 void PlainSocket::ready(quint32 events)
@@ -117,12 +115,21 @@ bool PlainSocket::send(const QByteArray &bytes, bool more)
         return false;
     // Within a turn the head of a reply waits for its body: one call and one packet for both.
     held = held || (more && serving && queued() == 0);
-    const bool first = queued() == 0 && !held;
-    const qint64 taken = first ? sendNow(bytes.constData(), bytes.size(), more) : 0;
-    enqueue(bytes.constData() + taken, bytes.size() - taken);
-    if (held && (!more || queued() > maxHeld))
-        flush(more);
+    if (held && more && queued() + bytes.size() <= maxHeld)
+        enqueue(bytes.constData(), bytes.size());
+    else
+        sendOrQueue(bytes.constData(), bytes.size(), more);
     return canSend();
+}
+
+/// Sends these bytes behind what is queued, or queues what the system does not take.
+void PlainSocket::sendOrQueue(const char *data, qint64 size, bool more)
+{
+    // Who waits for the peer already is told when it took something.
+    const bool waits = queued() > 0 && !held;
+    held = false;
+    const qint64 taken = waits ? 0 : sendNow(data, size, more);
+    enqueue(data + taken, size - taken);
 }
 
 void PlainSocket::enqueue(const char *data, qint64 size)
@@ -131,41 +138,43 @@ void PlainSocket::enqueue(const char *data, qint64 size)
     poller->addBacklog(size);
 }
 
-/// Gives how many bytes were read.
-qint64 PlainSocket::enqueue(int file, qint64 offset, qint64 count)
-{
-    const auto start = queue.size();
-    queue.resize(int(start + count));
-    const qint64 size = ::pread(file, queue.data() + start, size_t(count), offset);
-    queue.resize(int(start + std::max<qint64>(0, size)));
-    poller->addBacklog(std::max<qint64>(0, size));
-    return size;
-}
-
 bool PlainSocket::isCongested() const
 {
     return poller->isCrowded(queued());
 }
 
+/// Offers the system what is queued and then these bytes, with one call. Gives how many of these
+/// it took.
 qint64 PlainSocket::sendNow(const char *data, qint64 size, bool more)
 {
+    const qint64 first = queued();
+    std::array<iovec, 2> pieces{ { { const_cast<char *>(queue.constData()) + queueStart,
+                                     size_t(first) },
+                                   { const_cast<char *>(data), size_t(size) } } };
+    msghdr message = {};
+    message.msg_iov = pieces.data();
+    message.msg_iovlen = pieces.size();
     const int flags = MSG_DONTWAIT | MSG_NOSIGNAL | (more ? MSG_MORE : 0);
-    const qint64 taken = ::send(fd.get(), data, size_t(size), flags);
+    const qint64 taken = ::sendmsg(fd.get(), &message, flags);
     if (taken < 0 && !mustWait())
         breakOff();
-    return std::max<qint64>(0, taken);
+    dequeue(std::clamp<qint64>(taken, 0, first));
+    return std::max<qint64>(0, taken - first);
+}
+
+void PlainSocket::dequeue(qint64 size)
+{
+    poller->addBacklog(-size);
+    queueStart += int(size);
+    if (queued() == 0)
+        dropQueue();
 }
 
 void PlainSocket::flush(bool more)
 {
     held = false;
-    if (queued() > 0) {
-        const qint64 taken = sendNow(queue.constData() + queueStart, queued(), more);
-        poller->addBacklog(-taken);
-        queueStart += int(taken);
-        if (queued() == 0)
-            dropQueue();
-    }
+    if (queued() > 0)
+        sendNow(nullptr, 0, more);
     if (queued() > 0)
         return;
     if (state == State::WritingEnded)
@@ -185,11 +194,8 @@ qint64 PlainSocket::send(int file, qint64 offset, qint64 count)
 {
     if (!canSend())
         return -1;
-    if (held && count <= smallFile) {
-        const qint64 size = enqueue(file, offset, count);
-        flush();
-        return size > 0 ? size : -1;
-    }
+    if (held && count <= smallFile)
+        return sendSmall(file, offset, count);
     if (held)
         flush(true);
     if (queued() > 0)
@@ -199,6 +205,15 @@ qint64 PlainSocket::send(int file, qint64 offset, qint64 count)
     if (taken > 0)
         return taken;
     return taken < 0 && mustWait() ? 0 : -1;
+}
+
+/// Together with the head that waits for it.
+qint64 PlainSocket::sendSmall(int file, qint64 offset, qint64 count)
+{
+    std::array<char, smallFile> content;
+    const qint64 size = ::pread(file, content.data(), size_t(count), offset);
+    sendOrQueue(content.data(), std::max<qint64>(0, size), false);
+    return size > 0 ? size : -1;
 }
 
 void PlainSocket::endWriting()
@@ -222,9 +237,19 @@ void PlainSocket::abort()
 {
     if (state == State::Closed)
         return;
-    breakOff();
     // The peer sees the end now; the user hears of it in a turn of its own.
-    ::shutdown(fd.get(), SHUT_RDWR);
+    closeDescriptor();
+    breakOff();
+}
+
+void PlainSocket::closeDescriptor()
+{
+    dropQueue();
+    held = false;
+    if (!fd.isOpen())
+        return;
+    poller->forget(fd.get(), this);
+    fd.reset();
 }
 
 void PlainSocket::breakOff()
@@ -237,9 +262,8 @@ void PlainSocket::close()
 {
     if (state == State::Closed)
         return;
+    closeDescriptor();
     state = State::Closed;
-    poller->forget(fd.get(), this);
-    fd.reset();
     user->gone();
 }
 

@@ -41,12 +41,15 @@ private:
     qint64 receive(char *data, qint64 max) override;
     bool send(const QByteArray &bytes, bool more) override;
     qint64 send(int file, qint64 offset, qint64 count) override;
+    void sendOrQueue(const char *data, qint64 size, bool more);
     qint64 sendNow(const char *data, qint64 size, bool more);
+    qint64 sendSmall(int file, qint64 offset, qint64 count);
     void serve(quint32 events);
     void enqueue(const char *data, qint64 size);
-    qint64 enqueue(int file, qint64 offset, qint64 count);
+    void dequeue(qint64 size);
     void flush(bool more = false);
     void dropQueue();
+    void closeDescriptor();
     void breakOff();
     void close();
 

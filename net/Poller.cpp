@@ -2,13 +2,18 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
 
 #include <sys/epoll.h>
 #include <unistd.h>
 
+using namespace std::chrono_literals;
+
 namespace {
 
 constexpr int batchSize = 128;
+constexpr int rounds = 8; ///< before the event loop's others have their turn
+constexpr auto roundTime = 2ms; ///< no further round is begun after that
 constexpr qint64 maxQueued = qint64(256) * 1024; ///< bytes for one peer
 constexpr qint64 maxBacklog = qint64(32) * 1024 * 1024; ///< bytes for all peers
 constexpr quint32 watchedEvents = EPOLLIN | EPOLLOUT | EPOLLRDHUP | EPOLLET;
@@ -19,7 +24,7 @@ Poller::Poller()
     : epoll(::epoll_create1(EPOLL_CLOEXEC))
     , notifier(epoll, QSocketNotifier::Read)
 {
-    connect(&notifier, &QSocketNotifier::activated, this, &Poller::collect);
+    connect(&notifier, &QSocketNotifier::activated, this, &Poller::serve);
 }
 
 Poller::~Poller()
@@ -39,6 +44,11 @@ bool Poller::watch(int fd, PollTarget *target) const
 void Poller::forget(int fd, PollTarget *target)
 {
     ::epoll_ctl(epoll, EPOLL_CTL_DEL, fd, nullptr);
+    forget(target);
+}
+
+void Poller::forget(const PollTarget *target)
+{
     for (Happening &happening : happenings) {
         if (happening.target == target)
             happening.target = nullptr;
@@ -64,7 +74,7 @@ void Poller::schedule()
         this,
         [this] {
             scheduled = false;
-            takeTurns();
+            serve();
         },
         Qt::QueuedConnection);
 }
@@ -72,6 +82,23 @@ void Poller::schedule()
 bool Poller::isCrowded(qint64 queued) const
 {
     return queued > (m_backlog > maxBacklog ? 0 : maxQueued);
+}
+
+/// A look costs less than a round of the event loop. Who is at work on something long goes on only
+/// after what came in meanwhile.
+void Poller::serve()
+{
+    const auto end = std::chrono::steady_clock::now() + roundTime;
+    for (int i = 0; i < rounds; ++i) {
+        collect();
+        takeTurns();
+        report();
+        if (nextTurn.empty())
+            return;
+        if (std::chrono::steady_clock::now() >= end)
+            break;
+    }
+    schedule();
 }
 
 void Poller::collect()
@@ -82,9 +109,6 @@ void Poller::collect()
         const epoll_event &event = events.at(std::size_t(i));
         happenings.push_back({ static_cast<PollTarget *>(event.data.ptr), event.events });
     }
-    report();
-    // Everybody had a turn just now: a second one costs less than another round of the event loop.
-    takeTurns();
 }
 
 void Poller::takeTurns()
@@ -92,9 +116,6 @@ void Poller::takeTurns()
     for (PollTarget *target : nextTurn)
         happenings.push_back({ target, 0 });
     nextTurn.clear();
-    report();
-    if (!nextTurn.empty())
-        schedule();
 }
 
 void Poller::report()

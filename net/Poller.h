@@ -36,8 +36,11 @@ public:
     /// Both are borrowed until `forget`. False when the system can't watch it.
     bool watch(int fd, PollTarget *target) const;
 
-    /// Nothing more is reported to `target`, and `fd`, still open, is no longer watched.
+    /// `fd`, still open, is no longer watched, and nothing more is reported to `target`.
     void forget(int fd, PollTarget *target);
+
+    /// The same of a target whose descriptor is closed by now.
+    void forget(const PollTarget *target);
 
     /// Gives `target` another turn once the others had theirs.
     void again(PollTarget *target);
@@ -57,6 +60,7 @@ private:
         quint32 events;
     };
 
+    void serve();
     void collect();
     void takeTurns();
     void report();
