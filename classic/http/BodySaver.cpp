@@ -6,26 +6,25 @@ void BodySaver::start(UploadFile *upload, qint64 length)
 {
     file = upload;
     toSave = length;
-    inMultipart = false;
+    cutter.reset();
 }
 
 void BodySaver::startPart(UploadFile *upload, qint64 length, const QByteArray &delimiter)
 {
     start(upload, length);
-    inMultipart = true;
-    cutter = MultipartCutter(delimiter);
+    cutter = std::make_unique<MultipartCutter>(delimiter);
 }
 
 bool BodySaver::feed(const char *data, qint64 size)
 {
     toSave -= size;
-    if (!inMultipart)
+    if (!cutter)
         return file->write(data, size) == DiskError::None;
-    const QByteArray content = cutter.feed(QByteArray::fromRawData(data, int(size)));
+    const QByteArray content = cutter->feed(QByteArray::fromRawData(data, int(size)));
     return file->write(content.constData(), content.size()) == DiskError::None;
 }
 
 SaveResult BodySaver::result() const
 {
-    return inMultipart && !cutter.isFound() ? BoundaryMissing : Saved;
+    return cutter && !cutter->isFound() ? BoundaryMissing : Saved;
 }

@@ -4,6 +4,8 @@
 
 #include <QByteArray>
 
+#include <memory>
+
 class UploadFile;
 
 /// How an upload ended.
@@ -34,7 +36,7 @@ public:
     /// Takes the next bytes of the body; false when they could not be written.
     bool feed(const char *data, qint64 size);
 
-    bool isDone() const { return toSave <= 0 || (inMultipart && cutter.isFound()); }
+    bool isDone() const { return toSave <= 0 || (cutter && cutter->isFound()); }
 
     /// What became of a body that is done.
     SaveResult result() const;
@@ -42,6 +44,5 @@ public:
 private:
     UploadFile *file = nullptr;
     qint64 toSave = 0;
-    bool inMultipart = false;
-    MultipartCutter cutter;
+    std::unique_ptr<MultipartCutter> cutter; ///< of one part; null for a whole body
 };

@@ -9,7 +9,7 @@ class MultipartCutter
 {
 public:
     /// `delimiter` is CR LF, two hyphens and the boundary.
-    explicit MultipartCutter(const QByteArray &delimiter = {});
+    explicit MultipartCutter(const QByteArray &delimiter);
 
     /// Takes the next piece of the body, gives the bytes that surely belong to the part.
     /// After the delimiter was found, nothing more does.
