@@ -4,9 +4,9 @@
 #include "server/Service.h"
 #include "server/StatusSink.h"
 
-Connection::Connection(std::unique_ptr<Socket> accepted, Service &service, QObject *parent)
-    : QObject(parent)
-    , m_service(service)
+Connection::Connection(std::unique_ptr<Socket> accepted, Service &service, const Ended &whenEnded)
+    : m_service(service)
+    , ended(whenEnded)
     , m_socket(std::move(accepted))
     , face(service.setup.makeFace(*this))
 {
@@ -58,6 +58,5 @@ void Connection::gone()
 {
     over = true;
     face->gone();
-    Q_EMIT ended(this);
-    deleteLater();
+    ended(this);
 }

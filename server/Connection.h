@@ -3,20 +3,21 @@
 #include "net/Socket.h"
 #include "server/Face.h"
 
-#include <QObject>
-
+#include <functional>
 #include <memory>
 
 struct Service;
 
-/// One accepted connection: its socket and the face that answers on it. Lives in the event loop as
-/// a child of its server and goes (deleteLater) once the peer is gone.
-class Connection : public QObject, private Socket::User
+/// One accepted connection: its socket and the face that answers on it. Owned by its server, which
+/// lets it go in a later turn of the event loop once the peer is gone.
+class Connection final : private Socket::User
 {
-    Q_OBJECT
 public:
-    /// `service` is borrowed from the server and outlives the connection.
-    Connection(std::unique_ptr<Socket> accepted, Service &service, QObject *parent);
+    /// Told once, when the peer is gone; the connection stays until that call has returned.
+    using Ended = std::function<void(Connection *)>;
+
+    /// Both references are borrowed from the server and outlive the connection.
+    Connection(std::unique_ptr<Socket> accepted, Service &service, const Ended &whenEnded);
     ~Connection() override;
 
     Socket &socket() { return *m_socket; }
@@ -34,15 +35,13 @@ public:
     /// Ends what the peer keeps waiting for too long.
     void checkDeadline(Face::Clock::time_point now);
 
-Q_SIGNALS:
-    void ended(Connection *connection); ///< the peer is gone; the connection is about to go
-
 private:
     void readable() override;
     void writable() override;
     void gone() override;
 
     Service &m_service;
+    const Ended &ended;
     std::unique_ptr<Socket> m_socket;
     std::unique_ptr<Face> face;
     Face::Clock::time_point activeAt = Face::Clock::now();

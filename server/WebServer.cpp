@@ -4,7 +4,6 @@
 #include "files/Share.h"
 #include "net/PlainSocket.h"
 #include "net/TlsSocket.h"
-#include "server/Connection.h"
 #include "server/StatusSink.h"
 
 #include <QDir>
@@ -41,6 +40,7 @@ WebServer::WebServer(const QNetworkAddressEntry &entry, Profile *profile,
                     accept(std::move(accepted), peer);
                 },
                  [this] { return closeIdle(); } })
+    , connectionEnded([this](Connection *connection) { forget(connection); })
 {
     ++profile->useCount;
     deadlines.setInterval(deadlineInterval);
@@ -60,7 +60,8 @@ WebServer::~WebServer()
 {
     stop();
     // At once and while the service is whole.
-    qDeleteAll(findChildren<Connection *>(QString(), Qt::FindDirectChildrenOnly));
+    connections.clear();
+    leaving.clear();
     --service.profile->useCount;
 }
 
@@ -98,7 +99,7 @@ void WebServer::stopAll()
 {
     stop();
     service.traffic.setBlocked(true);
-    for (Connection *connection : std::as_const(connections))
+    for (const auto &[connection, owned] : connections)
         connection->drop();
 }
 
@@ -169,9 +170,9 @@ void WebServer::accept(FileDescriptor accepted, const QHostAddress &peer)
         ignored.push_back(std::move(accepted));
         return;
     }
-    auto *connection = new Connection(makeSocket(std::move(accepted), peer), service, this);
-    connect(connection, &Connection::ended, this, &WebServer::forget);
-    connections.insert(connection);
+    auto connection = std::make_unique<Connection>(makeSocket(std::move(accepted), peer), service,
+                                                   connectionEnded);
+    connections.emplace(connection.get(), std::move(connection));
     if (!deadlines.isActive())
         deadlines.start();
 }
@@ -189,33 +190,38 @@ std::unique_ptr<Socket> WebServer::makeSocket(FileDescriptor accepted, const QHo
 bool WebServer::closeIdle()
 {
     std::vector<Connection *> idle;
-    std::copy_if(connections.begin(), connections.end(), std::back_inserter(idle),
-                 [](const Connection *connection) { return connection->isIdle(); });
+    for (const auto &[connection, owned] : connections) {
+        if (connection->isIdle())
+            idle.push_back(connection);
+    }
     std::sort(idle.begin(), idle.end(), [](const Connection *a, const Connection *b) {
         return a->lastActivity() < b->lastActivity();
     });
     idle.resize(std::min<std::size_t>(idle.size(), closedAtOnce));
-    for (Connection *connection : idle) {
-        connections.remove(connection);
-        delete connection;
-    }
+    for (Connection *connection : idle)
+        connections.erase(connection);
     // The next look goes on accepting.
     deadlines.start();
     return !idle.empty();
 }
 
+/// It goes later: it is telling of its end.
 void WebServer::forget(Connection *connection)
 {
-    connections.remove(connection);
+    const auto found = connections.find(connection);
+    if (leaving.empty())
+        QMetaObject::invokeMethod(
+            this, [this] { leaving.clear(); }, Qt::QueuedConnection);
+    leaving.push_back(std::move(found->second));
+    connections.erase(found);
     listener.resume();
 }
 
 void WebServer::checkDeadlines(Face::Clock::time_point now)
 {
-    const QSet<Connection *> all = connections;
-    for (Connection *connection : all)
+    for (const auto &[connection, owned] : connections)
         connection->checkDeadline(now);
-    if (connections.isEmpty())
+    if (connections.empty())
         deadlines.stop();
     listener.resume();
 }

@@ -1,19 +1,19 @@
 #pragma once
 
 #include "net/Listener.h"
+#include "server/Connection.h"
 #include "server/Service.h"
 #include "server/TlsIdentity.h"
 
 #include <QNetworkAddressEntry>
 #include <QObject>
-#include <QSet>
 #include <QTimer>
 
 #include <memory>
 #include <optional>
+#include <unordered_map>
 #include <vector>
 
-class Connection;
 class Profile;
 class Socket;
 
@@ -97,7 +97,9 @@ private:
     Service service;
     std::optional<TlsIdentity> identity;
     Listener listener;
-    QSet<Connection *> connections; ///< children; each is taken out when its peer is gone
+    const Connection::Ended connectionEnded;
+    std::unordered_map<Connection *, std::unique_ptr<Connection>> connections;
+    std::vector<std::unique_ptr<Connection>> leaving; ///< their peers are gone
     QTimer deadlines; ///< runs while there are connections
     std::vector<FileDescriptor> ignored; ///< accepted while blocked
 };

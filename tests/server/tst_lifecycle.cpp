@@ -1,4 +1,3 @@
-#include "server/Connection.h"
 #include "server/Places.h"
 #include "server/SessionTable.h"
 #include "tests/support/LiveServer.h"
@@ -278,7 +277,7 @@ void TestLifecycle::dropsConnectionsAtAnyMoment()
                 client->socket->abort();
             QVERIFY(client->waitForClose());
         }
-        QTRY_COMPARE(live->server->findChildren<Connection *>().size(), 0);
+        QTRY_COMPARE(live->server->connectionCount(), 0);
     }
     QCOMPARE(RawClient(live->port()).exchange(rawRequest("GET", "/a.txt")).status(),
              QByteArray("200 OK"));
