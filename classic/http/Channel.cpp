@@ -21,10 +21,11 @@ constexpr auto idleTime = 600s; ///< between requests
 
 } // namespace
 
-Channel::Channel(Socket &peerSocket, TrafficAccount &traffic, User &channelUser)
+Channel::Channel(Socket &peerSocket, TrafficAccount &traffic, BufferPool &heads, User &channelUser)
     : socket(peerSocket)
     , account(traffic)
     , user(channelUser)
+    , reader(heads)
 {
 }
 

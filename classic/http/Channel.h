@@ -45,7 +45,7 @@ public:
     };
 
     /// All are borrowed and outlive the channel.
-    Channel(Socket &peerSocket, TrafficAccount &traffic, User &channelUser);
+    Channel(Socket &peerSocket, TrafficAccount &traffic, BufferPool &heads, User &channelUser);
 
     /// Whose bytes it carries, and how.
     const Socket &connection() const { return socket; }

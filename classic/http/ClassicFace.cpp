@@ -12,6 +12,7 @@
 
 namespace {
 
+constexpr int spareHeads = 64;
 constexpr auto clientArchive = "Client.jar"; ///< the launcher fetches it without a password
 
 constexpr Route statusRoute{ Request::None, nullptr, makeResponder<StatusReply> };
@@ -28,18 +29,24 @@ Routes fileRoutes()
     return { fileRoute, formRoute };
 }
 
+ClassicFace::Common::Common(Routes table)
+    : routes(std::move(table))
+    , heads(RequestReader::bufferSize, spareHeads)
+{
+}
+
 FaceMaker classicFaces(Routes routes)
 {
-    auto table = std::make_shared<const Routes>(std::move(routes));
-    return [table](Connection &connection) -> std::unique_ptr<Face> {
-        return std::make_unique<ClassicFace>(connection, table);
+    auto common = std::make_shared<ClassicFace::Common>(std::move(routes));
+    return [common](Connection &connection) -> std::unique_ptr<Face> {
+        return std::make_unique<ClassicFace>(connection, common);
     };
 }
 
-ClassicFace::ClassicFace(Connection &owner, std::shared_ptr<const Routes> table)
+ClassicFace::ClassicFace(Connection &owner, std::shared_ptr<Common> shared)
     : connection(owner)
-    , routes(std::move(table))
-    , channel(owner.socket(), owner.service().traffic, *this)
+    , common(std::move(shared))
+    , channel(owner.socket(), owner.service().traffic, common->heads, *this)
     , exchange{ owner.service(), channel, {}, {}, {} }
 {
 }
@@ -223,7 +230,7 @@ void ClassicFace::dispatch()
 
 const Route *ClassicFace::findRoute() const
 {
-    for (const Route &route : *routes) {
+    for (const Route &route : common->routes) {
         if (route.method == exchange.request.methodCode
             && (!route.applies || route.applies(exchange.request)))
             return &route;

@@ -15,8 +15,16 @@ class Responder;
 class ClassicFace final : public Face, private Channel::User
 {
 public:
-    /// `table` is shared with the other connections.
-    ClassicFace(Connection &owner, std::shared_ptr<const Routes> table);
+    /// What all connections share.
+    struct Common
+    {
+        explicit Common(Routes table);
+
+        const Routes routes;
+        BufferPool heads;
+    };
+
+    ClassicFace(Connection &owner, std::shared_ptr<Common> shared);
     ~ClassicFace() override;
 
     void readable() override { channel.readable(); }
@@ -54,7 +62,7 @@ private:
     Responder &responder(const Route &route);
 
     Connection &connection;
-    std::shared_ptr<const Routes> routes;
+    std::shared_ptr<Common> common;
     Channel channel;
     Exchange exchange;
     std::optional<MemoryBudget::Part> formMemory; ///< while a form is read and answered

@@ -3,6 +3,7 @@
 #include "net/Socket.h"
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 #include <utility>
 
@@ -31,7 +32,7 @@ RequestReader::Look RequestReader::collect(Socket &socket)
 {
     const qint64 size = fillBuffer(socket);
     if (fill == 0) {
-        buffer.reset();
+        buffer.giveBack();
         return size < 0 ? Look::Ended : Look::Incomplete;
     }
 
@@ -47,11 +48,10 @@ RequestReader::Look RequestReader::collect(Socket &socket)
 /// Reads what there is. Gives what the last read gave.
 qint64 RequestReader::fillBuffer(Socket &socket)
 {
-    if (!buffer)
-        buffer = std::make_unique<Buffer>();
+    buffer.borrow();
     qint64 size = 0;
     while (fill < bufferSize) {
-        size = socket.read(buffer->data() + fill, qint64(bufferSize) - fill);
+        size = socket.read(buffer.data() + fill, qint64(bufferSize) - fill);
         if (size <= 0)
             break;
         fill += int(size);
@@ -77,19 +77,20 @@ bool RequestReader::fitsBuffer() const
 
 QByteArray RequestReader::readLine()
 {
-    const auto rest = QByteArray::fromRawData(buffer->data() + readPos, requestEnd - readPos);
-    const auto size = rest.indexOf('\r');
-    if (size < 0)
+    const char *line = buffer.data() + readPos;
+    const void *end = std::memchr(line, '\r', size_t(requestEnd - readPos));
+    if (!end)
         return {};
-    readPos = qMin(requestEnd, readPos + int(size) + 2);
-    return { rest.constData(), int(size) };
+    const auto size = int(static_cast<const char *>(end) - line);
+    readPos = qMin(requestEnd, readPos + size + 2);
+    return QByteArray::fromRawData(line, size);
 }
 
 QByteArray RequestReader::readBuffered(qint64 count)
 {
     const auto size = int(std::clamp<qint64>(count, 0, requestEnd - readPos));
     const int start = std::exchange(readPos, readPos + size);
-    return { buffer->data() + start, size };
+    return { buffer.data() + start, size };
 }
 
 RequestReader::Look RequestReader::collectRest(Socket &socket)
@@ -105,7 +106,7 @@ qint64 RequestReader::skipHeadRest(Socket &socket)
 {
     qint64 size = 0;
     while (cut && restSize <= maxHeadRest) {
-        size = socket.read(buffer->data(), bufferSize);
+        size = socket.read(buffer.data(), bufferSize);
         if (size <= 0)
             break;
         readPos = 0;
@@ -121,7 +122,7 @@ qint64 RequestReader::skipHeadRest(Socket &socket)
 /// Content-Length is needed to find the next request, although this one was answered without.
 bool RequestReader::takeRestLine()
 {
-    const auto rest = QByteArray::fromRawData(buffer->data() + readPos, fill - readPos);
+    const auto rest = QByteArray::fromRawData(buffer.data() + readPos, fill - readPos);
     const auto eol = rest.indexOf('\n');
     const auto size = eol < 0 ? rest.size() : eol;
     const auto kept = int(qMin<qint64>(size, longestRestLine - restLine.size()));
@@ -160,7 +161,7 @@ qint64 RequestReader::readBody(Socket &socket, char *data, qint64 max)
     }
     if (const int buffered = requestEnd - readPos; buffered > 0) {
         const auto size = int(qMin<qint64>(max, buffered));
-        std::memcpy(data, buffer->data() + readPos, size_t(size));
+        std::memcpy(data, buffer.data() + readPos, size_t(size));
         readPos += size;
         return size;
     }
@@ -193,9 +194,9 @@ void RequestReader::next()
 {
     fill -= requestEnd;
     if (fill > 0)
-        std::memmove(buffer->data(), buffer->data() + requestEnd, size_t(fill));
+        std::memmove(buffer.data(), buffer.data() + requestEnd, size_t(fill));
     else
-        buffer.reset();
+        buffer.giveBack();
     requestEnd = 0;
     readPos = 0;
     head = {};

@@ -1,12 +1,10 @@
 #pragma once
 
 #include "classic/http/HeadScan.h"
+#include "net/BufferPool.h"
 
 #include <QByteArray>
 #include <QList>
-
-#include <array>
-#include <memory>
 
 class Socket;
 
@@ -24,6 +22,12 @@ public:
         Ended ///< the peer is gone and left nothing to answer
     };
 
+    /// `heads` are of `bufferSize`; they are borrowed and outlive the reader.
+    explicit RequestReader(BufferPool &heads)
+        : buffer(heads)
+    {
+    }
+
     /// Reads what arrived of a head.
     Look collect(Socket &socket);
 
@@ -38,8 +42,9 @@ public:
     /// Whether a part of the head did not fit and is still to come.
     bool isCut() const { return cut; }
 
-    /// The next line of the head without its CR LF. Empty at its end, and when no whole line is
-    /// buffered; the position then stays.
+    /// The next line of the head without its CR LF, as it stands in the buffer: valid until the
+    /// request is over. Empty at its end, and when no whole line is buffered; the position then
+    /// stays.
     QByteArray readLine();
 
     /// Up to `count` bytes of the body that stand in the buffer; it never waits for more.
@@ -75,16 +80,14 @@ public:
     void next();
 
 private:
-    using Buffer = std::array<char, bufferSize>;
-
-    QByteArray filled() const { return QByteArray::fromRawData(buffer->data(), fill); }
+    QByteArray filled() const { return QByteArray::fromRawData(buffer.data(), fill); }
     qint64 fillBuffer(Socket &socket);
     void handOver();
     qint64 skipHeadRest(Socket &socket);
     bool takeRestLine();
     void endHead();
 
-    std::unique_ptr<Buffer> buffer; ///< null while empty
+    BufferPool::Buffer buffer; ///< none while empty
     int readPos = 0; ///< where the parser reads
     int fill = 0;
     int requestEnd = 0; ///< what follows belongs to the next request
