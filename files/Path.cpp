@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <string_view>
 
 #include <climits>
 #include <unistd.h>
@@ -16,18 +17,19 @@ QByteArray nativePath(const QString &path)
 QByteArray cleanPath(const QByteArray &requested)
 {
     QByteArray clean;
-    const QList<QByteArray> segments = requested.split('/');
-    for (const QByteArray &segment : segments) {
-        if (segment.isEmpty() || segment == ".")
-            continue;
+    clean.reserve(requested.size());
+    std::string_view rest(requested.constData(), std::size_t(requested.size()));
+    while (!rest.empty()) {
+        const std::string_view segment = rest.substr(0, rest.find('/'));
+        rest.remove_prefix(std::min(segment.size() + 1, rest.size()));
         if (segment == "..") {
             const auto slash = clean.lastIndexOf('/');
             clean.truncate(slash < 0 ? 0 : slash);
-            continue;
+        } else if (!segment.empty() && segment != ".") {
+            if (!clean.isEmpty())
+                clean += '/';
+            clean.append(segment.data(), int(segment.size()));
         }
-        if (!clean.isEmpty())
-            clean += '/';
-        clean += segment;
     }
     return clean;
 }

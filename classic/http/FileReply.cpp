@@ -14,33 +14,38 @@ namespace {
 
 struct TypeRow
 {
-    const char *extension;
+    QLatin1String extension;
     const char *contentType;
 };
 
+constexpr QLatin1String operator""_l1(const char *text, std::size_t size)
+{
+    return QLatin1String(text, int(size));
+}
+
 // Clients know these values. "aac" stands twice; the first row counts.
 constexpr std::array<TypeRow, 21> contentTypes{ {
-    { "html", htmlType },
-    { "jpg", "image/jpeg" },
-    { "png", "image/png" },
-    { "avi", "video/x-msvideo" },
-    { "torrent", "application/x-bittorrent" },
-    { "pdf", "application/pdf" },
-    { "mp4", "video/mp4v-es, audio/mp4" },
-    { "aac", "video/mp4v-es, audio/mp4" },
-    { "flv", "video/x-flv" },
-    { "3gp", "audio/3gpp, video/3gpp" },
-    { "mp3", "audio/mpeg3" },
-    { "aac", "audio/mp4" },
-    { "mov", "video/quicktime" },
-    { "doc", "application/msword" },
-    { "pps", "application/vnd.ms-powerpoint" },
-    { "rtf", "application/rtf" },
-    { "xls", "application/excel" },
-    { "wav", "audio/wav" },
-    { "wmv", "video/x-ms-wmv" },
-    { "zip", "application/zip" },
-    { "exe", "application/octet-stream" },
+    { "html"_l1, htmlType },
+    { "jpg"_l1, "image/jpeg" },
+    { "png"_l1, "image/png" },
+    { "avi"_l1, "video/x-msvideo" },
+    { "torrent"_l1, "application/x-bittorrent" },
+    { "pdf"_l1, "application/pdf" },
+    { "mp4"_l1, "video/mp4v-es, audio/mp4" },
+    { "aac"_l1, "video/mp4v-es, audio/mp4" },
+    { "flv"_l1, "video/x-flv" },
+    { "3gp"_l1, "audio/3gpp, video/3gpp" },
+    { "mp3"_l1, "audio/mpeg3" },
+    { "aac"_l1, "audio/mp4" },
+    { "mov"_l1, "video/quicktime" },
+    { "doc"_l1, "application/msword" },
+    { "pps"_l1, "application/vnd.ms-powerpoint" },
+    { "rtf"_l1, "application/rtf" },
+    { "xls"_l1, "application/excel" },
+    { "wav"_l1, "audio/wav" },
+    { "wmv"_l1, "video/x-ms-wmv" },
+    { "zip"_l1, "application/zip" },
+    { "exe"_l1, "application/octet-stream" },
 } };
 
 const QLatin1Char slash('/');
@@ -99,6 +104,13 @@ bool namesFolder(const QString &path)
 QString lastName(const QString &path)
 {
     return path.mid(path.lastIndexOf(slash) + 1);
+}
+
+/// In lower case, without its dot.
+QString extensionOf(const QString &name)
+{
+    const auto dot = name.lastIndexOf(QLatin1Char('.'));
+    return dot < 0 ? QString() : name.mid(dot + 1).toLower();
 }
 
 /// A file of ours by its own path.
@@ -166,7 +178,7 @@ void FileReply::sendOpened(OpenFile file, const QString &name, const QByteArray 
 {
     const bool part = isPart(request.rangeStart, request.rangeEnd);
     const qint64 size = file.facts.size;
-    const QString suffix = QFileInfo(name).suffix().toLower();
+    const QString suffix = extensionOf(name);
     QByteArray extra;
     if (part)
         extra += contentRange(request);
@@ -202,7 +214,7 @@ void FileReply::refuse(const QString &shownPath, bool exists)
 QByteArray FileReply::typeOf(const QString &extension)
 {
     for (const TypeRow &row : contentTypes) {
-        if (extension == QLatin1String(row.extension))
+        if (extension == row.extension)
             return row.contentType;
     }
     return {};

@@ -1,5 +1,7 @@
 #include "classic/http/HeadScan.h"
 
+#include <cstring>
+
 namespace {
 
 constexpr int windowLead = 40; ///< bytes that the window begins before a body's supposed start
@@ -35,15 +37,49 @@ bool isMisspelt(const QByteArray &line, const char *name)
         && line.mid(size).trimmed().startsWith(':');
 }
 
-bool hasStrayBreak(const QByteArray &head)
+/// Goes through the lines of a head, each ended by CR LF, and notes every CR or LF that is not.
+class HeadLines
 {
-    for (int i = 0; i < head.size(); ++i) {
-        const bool afterCr = i > 0 && head.at(i - 1) == '\r';
-        if (afterCr != (head.at(i) == '\n'))
-            return true;
+public:
+    HeadLines(const QByteArray &bytes, HeadScan &result)
+        : start(bytes.constData())
+        , position(start)
+        , end(start + bytes.size())
+        , scan(result)
+    {
     }
-    return false;
-}
+
+    /// Goes on to the next line; false when there is no whole one.
+    bool next()
+    {
+        line = position;
+        const char *feed = find(line, '\n');
+        for (; feed && (feed == start || feed[-1] != '\r'); feed = find(feed + 1, '\n'))
+            scan.strayBreak = true;
+        // A CR at the very end may yet become a pair.
+        size = (feed ? feed : end) - 1 - line;
+        scan.strayBreak = scan.strayBreak || (size > 0 && std::memchr(line, '\r', size_t(size)));
+        position = feed ? feed + 1 : end;
+        return feed != nullptr;
+    }
+
+    QByteArray current() const { return QByteArray::fromRawData(line, int(size)); }
+    bool isBlank() const { return size == 0; }
+    int offset() const { return int(position - start); } ///< behind the line
+
+private:
+    const char *find(const char *from, char c) const
+    {
+        return static_cast<const char *>(std::memchr(from, c, size_t(end - from)));
+    }
+
+    const char *start;
+    const char *position;
+    const char *end;
+    const char *line = nullptr;
+    qint64 size = 0;
+    HeadScan &scan;
+};
 
 /// The window of the later looks; false when the blank line is not in it.
 bool windowIsContent(const QByteArray &bytes, qint64 contentLength)
@@ -74,17 +110,20 @@ QByteArray headerValue(const QByteArray &line, const char *name)
 void scanHeaderLine(const QByteArray &line, HeadScan &scan)
 {
     // "Content-Length :" is no header by RFC 9112, section 5.1, but some readers take it for one.
-    if (isMisspelt(line, "Content-Length") || isMisspelt(line, "Transfer-Encoding"))
-        scan.lengthDoubtful = true;
+    const auto doubtIf = [&line, &scan](const char *name) {
+        scan.lengthDoubtful = scan.lengthDoubtful || isMisspelt(line, name);
+    };
     // Most lines are ruled out by their first letter.
     switch (line.isEmpty() ? '\0' : line.at(0)) {
     case 'C':
     case 'c':
+        doubtIf("Content-Length");
         if (const QByteArray value = headerValue(line, "Content-Length:"); !value.isNull())
             takeLength(value, scan);
         break;
     case 'T':
     case 't':
+        doubtIf("Transfer-Encoding");
         if (!headerValue(line, "Transfer-Encoding:").isNull())
             scan.transferEncoding = true;
         break;
@@ -101,20 +140,15 @@ void scanHeaderLine(const QByteArray &line, HeadScan &scan)
 HeadScan scanHead(const QByteArray &bytes)
 {
     HeadScan scan;
-    const auto blank = bytes.indexOf(blankLine);
-    if (blank >= 0)
-        scan.end = int(blank) + blankLineSize;
-
-    const auto headSize = blank >= 0 ? blank : bytes.size();
-    scan.strayBreak = hasStrayBreak(QByteArray::fromRawData(bytes.constData(), int(headSize)));
-    auto lineStart = bytes.indexOf("\r\n") + 2;
-    while (lineStart >= 2 && lineStart < headSize) {
-        const auto lineEnd = bytes.indexOf("\r\n", lineStart);
-        if (lineEnd < 0)
+    HeadLines lines(bytes, scan);
+    if (!lines.next()) // the request line
+        return scan;
+    while (lines.next()) {
+        if (lines.isBlank()) {
+            scan.end = lines.offset();
             break;
-        const auto size = int(lineEnd - lineStart);
-        scanHeaderLine(QByteArray::fromRawData(bytes.constData() + lineStart, size), scan);
-        lineStart = lineEnd + 2;
+        }
+        scanHeaderLine(lines.current(), scan);
     }
     return scan;
 }

@@ -1,21 +1,17 @@
 #include "classic/http/Responder.h"
 
-#include <QNetworkCookie>
-
 namespace {
 
-constexpr auto serverLine = "Server: Quillon_4\r\n";
-constexpr auto cacheLine = "Cache-Control: no-cache\r\n";
+constexpr auto firstLines = "\r\nServer: Quillon_4\r\nCache-Control: no-cache\r\nSet-Cookie: ";
 constexpr auto rangesLine = "Accept-Ranges: bytes\r\n";
 constexpr auto closeLine = "Connection: close\r\n";
 constexpr auto eol = "\r\n";
 constexpr int usualHeadSize = 512;
 
-QByteArray sessionCookie(Exchange &exchange)
+QByteArray sessionNumber(Exchange &exchange)
 {
     const Request::Cookie *sent = exchange.request.sessionCookie();
-    const QByteArray value = sent ? sent->value : QByteArray::number(exchange.session()->id);
-    return QNetworkCookie(Request::sessionCookieName, value).toRawForm();
+    return sent ? sent->value : QByteArray::number(exchange.session()->id);
 }
 
 } // namespace
@@ -34,9 +30,8 @@ void Responder::sendHeader(const QByteArray &status, qint64 length, const QByteA
         channel.setKeepAlive(false);
     QByteArray head;
     head.reserve(usualHeadSize);
-    head.append("HTTP/1.1 ").append(status).append(eol);
-    head.append(serverLine).append(cacheLine);
-    head.append("Set-Cookie: ").append(sessionCookie(exchange)).append(eol);
+    head.append("HTTP/1.1 ").append(status).append(firstLines);
+    head.append(Request::sessionCookieName).append('=').append(sessionNumber(exchange)).append(eol);
     if (!channel.isKeepAlive())
         head.append(closeLine);
     head.append(rangesLine).append(extra);
