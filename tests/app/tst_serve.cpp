@@ -3,11 +3,65 @@
 #include <QProcess>
 #include <QRegularExpression>
 
+#include <array>
 #include <csignal>
+#include <thread>
 
 #include <fcntl.h>
+#include <netinet/in.h>
+#include <sys/ptrace.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
+
+namespace {
+
+constexpr int wakeSignal = SIGWINCH; ///< does nothing but to tell that the work is done
+
+/// How often the process asked the system for something while `work` ran in another thread; -1
+/// where nobody may look.
+int systemCalls(pid_t process, const std::function<void()> &work)
+{
+    if (::ptrace(PTRACE_SEIZE, process, 0, PTRACE_O_TRACESYSGOOD) != 0)
+        return -1;
+    ::ptrace(PTRACE_INTERRUPT, process, 0, 0);
+    int status = 0;
+    ::waitpid(process, &status, __WALL);
+    std::thread worker([&work, process] {
+        work();
+        ::kill(process, wakeSignal);
+    });
+    int stops = 0;
+    while (WIFSTOPPED(status) && WSTOPSIG(status) != wakeSignal) {
+        stops += WSTOPSIG(status) == (SIGTRAP | 0x80) ? 1 : 0;
+        ::ptrace(PTRACE_SYSCALL, process, 0, 0);
+        ::waitpid(process, &status, __WALL);
+    }
+    worker.join();
+    ::ptrace(PTRACE_DETACH, process, 0, 0);
+    return stops / 2; // at the beginning and at the end of each
+}
+
+/// Asks for the same small file over and over on one connection.
+void askFor(const QByteArray &target, quint16 port, int times)
+{
+    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_in address = {};
+    address.sin_family = AF_INET;
+    address.sin_port = htons(port);
+    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    std::array<char, 4096> reply;
+    ::connect(fd, reinterpret_cast<sockaddr *>(&address), sizeof address);
+    const QByteArray request = rawRequest("GET", target);
+    for (int i = 0; i < times; ++i) {
+        ::send(fd, request.constData(), std::size_t(request.size()), 0);
+        ::recv(fd, reply.data(), reply.size(), 0);
+    }
+    ::close(fd);
+}
+
+} // namespace
 
 /// The console program as its user sees it: what it prints and how it ends.
 class TestServe : public QObject
@@ -20,6 +74,7 @@ private Q_SLOTS:
     void endsAtOnce_data();
     void endsAtOnce();
     void servesUntilASignal();
+    void asksTheSystemLittleForASmallFile();
     void removesACutOffUploadAtItsEnd();
     void stopsAtTheTrafficLimit();
     void refusesToServeWithoutItsKeys();
@@ -147,6 +202,22 @@ void TestServe::servesUntilASignal()
     QVERIFY(program.readAllStandardError().contains("New client: 127.0.0.1"));
     const Profile global(home->directories, QStringLiteral("Global.conf"));
     QVERIFY(global.cleanExit);
+}
+
+void TestServe::asksTheSystemLittleForASmallFile()
+{
+    start(serving());
+    const quint16 port = waitForPort();
+    QVERIFY(port > 0);
+    constexpr int times = 100;
+    askFor("/a.txt", port, times); // whoever comes first is told of
+    const int calls =
+        systemCalls(pid_t(program.processId()), [port] { askFor("/a.txt", port, times); });
+    if (calls < 0)
+        QSKIP("no process may look at another one here");
+    constexpr int forAConnection = 40;
+    QVERIFY2(calls > times && calls <= 8 * times + forAConnection,
+             QByteArray::number(calls).constData());
 }
 
 void TestServe::removesACutOffUploadAtItsEnd()
