@@ -5,8 +5,10 @@
 #include "config/Profiles.h"
 #include "desktop/look/Look.h"
 #include "desktop/look/StartUp.h"
+#include "desktop/window/EventHandler.h"
 #include "desktop/window/MainWindow.h"
 #include "files/Previews.h"
+#include "server/Engine.h"
 
 #include <QApplication>
 
@@ -34,12 +36,13 @@ int main(int argc, char **argv)
     Profiles profiles(directories);
     Previews::sweep(previewFolder());
     Previews previews(previewProgram(), previewFolder());
-    MainWindow window(&profiles, &look, argc > 1 ? argv[1] : nullptr, classicFaces(allRoutes()),
-                      &previews);
+    EventHandler events;
+    Engine engine(classicFaces(allRoutes()), directories, &events, &previews);
+    MainWindow window(&profiles, &look, &events, engine.setup(), argc > 1 ? argv[1] : nullptr);
     if (!hasFolder)
-        window.events()->msg(MainWindow::tr("Can't make the folder"), directories.profiles);
+        events.msg(MainWindow::tr("Can't make the folder"), directories.profiles);
     if (!workingFolder.isEntered())
-        window.events()->msg(MainWindow::tr("Can't make the folder"), WorkingFolder::usualPlace());
+        events.msg(MainWindow::tr("Can't make the folder"), WorkingFolder::usualPlace());
     window.show();
     return QApplication::exec();
 }

@@ -13,10 +13,15 @@ constexpr auto refreshInterval = 2000ms;
 
 } // namespace
 
-EventHandler::EventHandler(QWidget *parent)
-    : window(parent)
+EventHandler::EventHandler()
 {
     connect(&timer, &QTimer::timeout, this, &EventHandler::sendDataInfo);
+}
+
+void EventHandler::showBoxesOver(QWidget *parent)
+{
+    window = parent;
+    queueNext();
 }
 
 void EventHandler::startTimer()
@@ -58,13 +63,21 @@ void EventHandler::msg(const QString &title, const QString &text)
     if (boxes.contains(whole) || boxes.size() > maxWaitingBoxes)
         return;
     boxes.append(whole);
-    // Queued: the caller may be a connection in the middle of its request.
     if (boxes.size() == 1)
+        queueNext();
+}
+
+void EventHandler::queueNext()
+{
+    // Queued: the caller may be a connection in the middle of its request.
+    if (window && !boxes.isEmpty())
         QMetaObject::invokeMethod(this, &EventHandler::showNext, Qt::QueuedConnection);
 }
 
 void EventHandler::showNext()
 {
+    if (!window)
+        return;
     const QMessageBox *box = showBox(window, QMessageBox::Warning, boxes.constFirst());
     connect(box, &QDialog::finished, this, &EventHandler::boxClosed);
 }
@@ -72,8 +85,7 @@ void EventHandler::showNext()
 void EventHandler::boxClosed()
 {
     boxes.removeFirst();
-    if (!boxes.isEmpty())
-        QMetaObject::invokeMethod(this, &EventHandler::showNext, Qt::QueuedConnection);
+    queueNext();
 }
 
 void EventHandler::statusmsg(const QString &text)

@@ -3,6 +3,7 @@
 #include "server/StatusSink.h"
 
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <QStringList>
 #include <QTimer>
@@ -11,7 +12,7 @@ class QWidget;
 class TrafficSource;
 
 /// The desktop's status sink: message boxes, and a status line with the total traffic and the last
-/// client. Made by the main window; outlives all servers.
+/// client. Made in `main`; outlives the main window and all servers.
 class EventHandler : public QObject, public StatusSink
 {
     Q_OBJECT
@@ -19,10 +20,12 @@ public:
     /// Different messages that wait behind an open box; further ones are dropped.
     static constexpr int maxWaitingBoxes = 16;
 
-    /// Message boxes stand over `parent`, which outlives the handler.
-    explicit EventHandler(QWidget *parent);
+    EventHandler();
 
-    /// Whose traffic is shown from now on; it outlives the last client.
+    /// Message boxes stand over `parent` from now on; those told before have waited for it.
+    void showBoxesOver(QWidget *parent);
+
+    /// Whose traffic is shown from now on; null, before it goes, for nobody's.
     void watch(TrafficSource *source) { traffic = source; }
 
     /// Starts or stops the refreshing of the status line, every two seconds.
@@ -45,10 +48,11 @@ Q_SIGNALS:
     void statusChanged(const QString &text);
 
 private:
+    void queueNext();
     void showNext();
     void boxClosed();
 
-    QWidget *window;
+    QPointer<QWidget> window;
     TrafficSource *traffic = nullptr;
     QString lastAddress; ///< peer of the newest client
     QTimer timer;

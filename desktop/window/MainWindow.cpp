@@ -8,6 +8,7 @@
 #include "desktop/widgets/Touch.h"
 #include "desktop/window/AddressList.h"
 #include "desktop/window/AddressTable.h"
+#include "desktop/window/EventHandler.h"
 #include "desktop/window/FileMenu.h"
 #include "desktop/window/ServerRow.h"
 #include "desktop/window/StartStop.h"
@@ -108,19 +109,20 @@ QString trafficLimitText(const WebServer &server)
         + QStringLiteral(": %1 KB").arg(shownKB(server.receivedBytes()));
 }
 
-MainWindow::MainWindow(Profiles *choice, Look *lookInUse, const char *mode, FaceMaker makeFace,
-                       Previews *previews, AddressSource source)
+MainWindow::MainWindow(Profiles *choice, Look *lookInUse, EventHandler *sink,
+                       std::shared_ptr<const ServerSetup> common, const char *mode,
+                       AddressSource source)
     : profiles(choice)
     , look(lookInUse)
-    , m_events(std::make_unique<EventHandler>(this))
-    , engine(std::move(makeFace), choice->directories(), m_events.get(), previews)
+    , events(sink)
 {
+    events->showBoxesOver(this);
     setWindowTitle(QStringLiteral("Quillon"));
     setWindowIcon(icon(QLatin1String("MobileServer.png")));
     startProfiles();
-    m_rows = std::make_unique<ServerRows>(profiles, engine.setup(), std::move(source));
+    m_rows = std::make_unique<ServerRows>(profiles, std::move(common), std::move(source));
     m_reachability = std::make_unique<Reachability>(m_rows.get(), profiles);
-    m_events->watch(m_rows.get());
+    events->watch(m_rows.get());
 
     const bool rootMode = mode && std::strcmp(mode, "root") == 0;
     addresses = new AddressList(profiles, m_rows.get(), rootMode, this);
@@ -139,6 +141,7 @@ MainWindow::MainWindow(Profiles *choice, Look *lookInUse, const char *mode, Face
 
 MainWindow::~MainWindow()
 {
+    events->watch(nullptr);
     // While what they report to is whole.
     m_reachability.reset();
     m_rows.reset();
@@ -149,14 +152,14 @@ void MainWindow::startProfiles()
     for (int i = 0; i < profiles->count(); ++i) {
         const Profile *profile = profiles->at(i);
         if (!profile->isUsable())
-            m_events->msg(
+            events->msg(
                 tr("A profile is damaged or can't be read. It isn't used until its settings "
                    "are saved; the file is kept then as %1")
                     .arg(profile->fileName() + QLatin1String(".bad")),
                 profile->fileName());
         if (profile->refusedPort())
-            m_events->msg(tr("Invalid port") + QStringLiteral(": %1").arg(*profile->refusedPort()),
-                          profile->fileName());
+            events->msg(tr("Invalid port") + QStringLiteral(": %1").arg(*profile->refusedPort()),
+                        profile->fileName());
     }
 }
 
@@ -271,15 +274,15 @@ void MainWindow::connectRows()
     });
     connect(servers, &ServerRows::runningChanged, this, [this](bool running) {
         if (running)
-            m_events->startTimer();
+            events->startTimer();
     });
     connect(reach, &Reachability::labelChanged, addresses->statusLabel(), &QLabel::setText);
-    connect(reach, &Reachability::told, events(), &EventHandler::statusmsg);
+    connect(reach, &Reachability::told, events, &EventHandler::statusmsg);
     connect(reach, &Reachability::warned, this,
             [this](const QString &text) { showBox(this, QMessageBox::Warning, text); });
     connect(reach, &Reachability::everyoneAdmitted, this, &MainWindow::askForPassword);
     connect(reach, &Reachability::pageOffered, this, &QDesktopServices::openUrl);
-    connect(events(), &EventHandler::statusChanged, statusLine, &QLabel::setText);
+    connect(events, &EventHandler::statusChanged, statusLine, &QLabel::setText);
 }
 
 // --- what is shared -----------------------------------------------------------------------------
@@ -389,7 +392,7 @@ bool MainWindow::endInOrder()
 {
     ended = true;
     const bool rowsSaved = m_rows->end();
-    m_events->stopTimer();
+    events->stopTimer();
     return profiles->endInOrder() && rowsSaved;
 }
 

@@ -1,9 +1,7 @@
 #pragma once
 
-#include "desktop/window/EventHandler.h"
 #include "desktop/window/Reachability.h"
 #include "desktop/window/ServerRows.h"
-#include "server/Engine.h"
 
 #include <QMainWindow>
 #include <QSet>
@@ -11,6 +9,7 @@
 #include <memory>
 
 class AddressList;
+class EventHandler;
 class FileMenu;
 class LinkLabel;
 class Look;
@@ -20,19 +19,19 @@ class QLabel;
 class QMenu;
 class QPushButton;
 
-/// The main window: what is shared, the address list, menus and the status line. Makes the rows and
-/// what reports of them; lives for the whole run.
+/// The main window: what is shared, the address list, menus and the status line. Made in `main`,
+/// lives for the whole run; the rows are its own.
 class MainWindow : public QMainWindow
 {
     Q_OBJECT
 public:
-    /// `choice` and `lookInUse` are borrowed. `mode` is the first command-line argument, null when
-    /// there is none. `makeFace` and `previews` (borrowed, may be null) are for all servers.
-    MainWindow(Profiles *choice, Look *lookInUse, const char *mode, FaceMaker makeFace,
-               Previews *previews, AddressSource source = deviceAddresses);
+    /// `choice`, `lookInUse` and `sink` are borrowed. `common` is for all servers, which report to
+    /// `sink`. `mode` is the first command-line argument, null when there is none.
+    MainWindow(Profiles *choice, Look *lookInUse, EventHandler *sink,
+               std::shared_ptr<const ServerSetup> common, const char *mode,
+               AddressSource source = deviceAddresses);
     ~MainWindow() override;
 
-    EventHandler *events() const { return m_events.get(); }
     ServerRows *rows() const { return m_rows.get(); }
     Reachability *reachability() const { return m_reachability.get(); }
     AddressList *addressList() const { return addresses; }
@@ -64,8 +63,7 @@ private:
 
     Profiles *profiles;
     Look *look;
-    std::unique_ptr<EventHandler> m_events;
-    Engine engine;
+    EventHandler *events;
     std::unique_ptr<ServerRows> m_rows;
     std::unique_ptr<Reachability> m_reachability;
     QSet<const WebServer *> limitBoxes; ///< servers whose box is open

@@ -3,8 +3,10 @@
 #include "classic/http/ClassicFace.h"
 #include "desktop/look/Look.h"
 #include "desktop/window/AddressList.h"
+#include "desktop/window/EventHandler.h"
 #include "desktop/window/MainWindow.h"
 #include "desktop/window/ServerRow.h"
+#include "server/Engine.h"
 #include "tests/support/LiveServer.h"
 
 #include <QLabel>
@@ -115,10 +117,16 @@ struct Desktop : Device
 
     void open(const char *mode = nullptr)
     {
-        window = std::make_unique<MainWindow>(home.profiles.get(), &look, mode,
-                                              classicFaces(fileRoutes()), nullptr, source());
+        window = makeWindow(mode);
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+    }
+
+    /// Not shown yet.
+    std::unique_ptr<MainWindow> makeWindow(const char *mode = nullptr)
+    {
+        return std::make_unique<MainWindow>(home.profiles.get(), &look, &events, engine.setup(),
+                                            mode, source());
     }
 
     /// Closes the window in order and lets it go; the next run begins.
@@ -134,6 +142,8 @@ struct Desktop : Device
     AddressList *list() const { return window->addressList(); }
 
     Look look;
+    EventHandler events;
+    Engine engine{ classicFaces(fileRoutes()), home.directories, &events, nullptr };
     std::unique_ptr<MainWindow> window;
 };
 

@@ -103,11 +103,14 @@ private Q_SLOTS:
 
     void messagesQueue()
     {
-        Desktop desktop;
-        EventHandler *events = desktop.window->events();
-        const auto tell = [&](int i) { events->msg(QStringLiteral("title"), QString::number(i)); };
+        EventHandler events;
+        const auto tell = [&](int i) { events.msg(QStringLiteral("title"), QString::number(i)); };
         for (int i = 0; i < 3 * EventHandler::maxWaitingBoxes; ++i)
             tell(i / 2);
+        QTest::qWait(0); // they wait for the window
+        QWidget window;
+        window.show();
+        events.showBoxesOver(&window);
         QVERIFY(!QApplication::activeModalWidget()); // never inside the call
         for (int i = 0; i <= EventHandler::maxWaitingBoxes; ++i)
             QCOMPARE(boxText([] {}), QStringLiteral("title\n%1").arg(i));
@@ -122,12 +125,11 @@ private Q_SLOTS:
         service.answer(R"({"status":"success","message":"Port 80 is open on 192.0.2.7."})");
         QSettings().setValue(QStringLiteral("services/portCheck"), service.base());
         desktop.window.reset();
-        MainWindow window(desktop.home.profiles.get(), &desktop.look, nullptr,
-                          classicFaces(fileRoutes()), nullptr, desktop.source());
+        desktop.window = desktop.makeWindow();
         QTest::qWait(0);
         QVERIFY(service.requests.isEmpty()); // it waits for the window
-        const auto ask = [&window] {
-            const QString text = boxText([&window] { window.show(); }, QMessageBox::Yes);
+        const auto ask = [&desktop] {
+            const QString text = boxText([&desktop] { desktop.window->show(); }, QMessageBox::Yes);
             QVERIFY(
                 text.startsWith(QLatin1String("The shared files are accessible for everyone.")));
         };
@@ -166,7 +168,7 @@ private Q_SLOTS:
             desktop.addFile(file);
             desktop.window->share(desktop.path(file));
             desktop.list()->startButton()->click();
-            desktop.window->events()->newConnection(QStringLiteral("192.0.2.9"));
+            desktop.events.newConnection(QStringLiteral("192.0.2.9"));
             const QString picture = QLatin1String(expert ? "window-expert" : "window-simple");
             SmallScreens::check(desktop.window.get(), picture);
             QCOMPARE(desktop.window->findChild<QScrollArea *>()->verticalScrollBar()->maximum(), 0);
