@@ -8,8 +8,8 @@
 #include "desktop/widgets/Touch.h"
 #include "desktop/window/AddressTable.h"
 #include "desktop/window/Reachability.h"
+#include "desktop/window/RowKeeper.h"
 #include "desktop/window/ServerRow.h"
-#include "desktop/window/ServerRows.h"
 #include "desktop/window/StartStop.h"
 
 #include <QLabel>
@@ -26,10 +26,11 @@ constexpr QSize pictureSize(32, 32);
 
 } // namespace
 
-AddressList::AddressList(Profiles *choice, ServerRows *servers, bool forRoot, QWidget *parent)
+AddressList::AddressList(Profiles *choice, RowKeeper *ofRows, bool forRoot, QWidget *parent)
     : QWidget(parent)
     , profiles(choice)
-    , rows(servers)
+    , keeper(ofRows)
+    , rows(ofRows->rows())
     , rootMode(forRoot)
 {
     buildWidgets();
@@ -76,7 +77,7 @@ void AddressList::connectRows()
     showMode();
     connect(rows, &ServerRows::modeChanged, this, showMode);
     connect(rows, &ServerRows::runningChanged, this, &AddressList::showRunning);
-    connect(rows, &ServerRows::loaded, this, &AddressList::showNetwork);
+    connect(keeper, &RowKeeper::loaded, this, &AddressList::showNetwork);
     connect(m_startButton, &QPushButton::clicked, rows, &ServerRows::startOrStop);
     connect(m_table, &QTableWidget::cellPressed, this, &AddressList::cellPressed);
 }
@@ -98,7 +99,7 @@ void AddressList::showRunning(bool running)
 
 void AddressList::showNetwork()
 {
-    if (!rows->hasNetwork())
+    if (!keeper->hasNetwork())
         m_statusLabel->setText(tr("<center><b>Network not found</b></center>"));
     else if (!rows->isRunning())
         m_statusLabel->setText(Reachability::localText());

@@ -10,6 +10,7 @@ class Profiles;
 class QLabel;
 class QMenu;
 class QPushButton;
+class RowKeeper;
 class ServerRow;
 class ServerRows;
 
@@ -19,8 +20,8 @@ class AddressList : public QWidget
 {
     Q_OBJECT
 public:
-    /// Shows `servers`; both are borrowed. In root mode ports up to 1024 can be used.
-    AddressList(Profiles *choice, ServerRows *servers, bool forRoot, QWidget *parent);
+    /// Shows the rows of `ofRows`; both are borrowed. In root mode ports up to 1024 can be used.
+    AddressList(Profiles *choice, RowKeeper *ofRows, bool forRoot, QWidget *parent);
 
     /// Lets the user edit a profile, beginning with a page of the dialog or, with -1, the last one.
     void edit(Profile *profile, int page = -1);
@@ -50,6 +51,7 @@ private:
     std::optional<int> askPort(const QString &title, const ServerRow *row);
 
     Profiles *profiles;
+    RowKeeper *keeper;
     ServerRows *rows;
     const bool rootMode;
     QLabel *caption = nullptr;

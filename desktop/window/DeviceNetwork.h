@@ -15,7 +15,7 @@ using AddressSource = std::function<QList<QNetworkAddressEntry>()>;
 QList<QNetworkAddressEntry> deviceAddresses();
 
 /// The addresses of the device as of the last look, and a look from time to time. A part of the
-/// rows.
+/// keeper of the rows.
 class DeviceNetwork : public QObject
 {
     Q_OBJECT

@@ -110,7 +110,7 @@ QString trafficLimitText(const WebServer &server)
 }
 
 MainWindow::MainWindow(Profiles *choice, Look *lookInUse, EventHandler *sink,
-                       std::shared_ptr<const ServerSetup> common, const char *mode,
+                       const std::shared_ptr<const ServerSetup> &common, const char *mode,
                        AddressSource source)
     : profiles(choice)
     , look(lookInUse)
@@ -120,12 +120,12 @@ MainWindow::MainWindow(Profiles *choice, Look *lookInUse, EventHandler *sink,
     setWindowTitle(QStringLiteral("Quillon"));
     setWindowIcon(icon(QLatin1String("MobileServer.png")));
     startProfiles();
-    m_rows = std::make_unique<ServerRows>(profiles, std::move(common), std::move(source));
-    m_reachability = std::make_unique<Reachability>(m_rows.get(), profiles);
-    events->watch(m_rows.get());
+    m_keeper = std::make_unique<RowKeeper>(profiles, common, std::move(source));
+    m_reachability = std::make_unique<Reachability>(rows(), profiles);
+    events->watch(rows());
 
     const bool rootMode = mode && std::strcmp(mode, "root") == 0;
-    addresses = new AddressList(profiles, m_rows.get(), rootMode, this);
+    addresses = new AddressList(profiles, keeper(), rootMode, this);
     menu = new QMenu(this);
     fileMenu = new FileMenu(this);
     makeMenu();
@@ -134,7 +134,7 @@ MainWindow::MainWindow(Profiles *choice, Look *lookInUse, EventHandler *sink,
     connectRows();
     fileMenu->showRecent(profiles->global()->recentFiles);
     setExpertMode(expertMode->isChecked());
-    showCurrent(m_rows->current());
+    showCurrent(rows()->current());
     if (rootMode)
         warnOfRoot();
 }
@@ -144,7 +144,7 @@ MainWindow::~MainWindow()
     events->watch(nullptr);
     // While what they report to is whole.
     m_reachability.reset();
-    m_rows.reset();
+    m_keeper.reset();
 }
 
 void MainWindow::startProfiles()
@@ -192,13 +192,13 @@ void MainWindow::makeMenu()
     const QAction *lookAction = addMenuAction(tr("Look and Feel"), "lookAndFeel");
     expertMode = addMenuAction(tr("Expert mode"), "expertMode");
     expertMode->setCheckable(true);
-    expertMode->setChecked(m_rows->isExpert());
+    expertMode->setChecked(rows()->isExpert());
     QAction *helpAction = addMenuAction(tr("Help"), "help");
     const QAction *aboutAction = addMenuAction(tr("About Quillon"), "about");
     const QAction *aboutQt = addMenuAction(tr("About Qt"), "aboutQt");
 
     connect(reloadPublic, &QAction::triggered, m_reachability.get(), &Reachability::loadPublic);
-    connect(reloadLocal, &QAction::triggered, m_rows.get(), &ServerRows::loadLocal);
+    connect(reloadLocal, &QAction::triggered, keeper(), &RowKeeper::loadLocal);
     connect(settings, &QAction::triggered, this, [this] { addresses->edit(profiles->global()); });
     connect(lookAction, &QAction::triggered, this, [this] { LookDialog(look, this).exec(); });
     connect(expertMode, &QAction::triggered, this, &MainWindow::setExpertMode);
@@ -220,11 +220,11 @@ void MainWindow::makeButtons()
     statusLine->setWordWrap(true);
     connect(itemSettings, &QPushButton::clicked, addresses, &AddressList::editProfile);
     connect(itemStart, &QPushButton::clicked, this, [this] {
-        if (ServerRow *row = m_rows->current())
+        if (ServerRow *row = rows()->current())
             row->toggle();
     });
     connect(sharedLink, &QLabel::linkActivated, this, [this] {
-        if (const ServerRow *row = m_rows->current())
+        if (const ServerRow *row = rows()->current())
             QDesktopServices::openUrl(QUrl(row->url()));
     });
     connect(fileMenu, &FileMenu::chosen, this, &MainWindow::share);
@@ -266,7 +266,7 @@ void MainWindow::connectRows()
     connect(servers, &ServerRows::dataLimit, this, &MainWindow::dataLimit);
     connect(servers, &ServerRows::publicAddressWanted, reach, &Reachability::refreshPublic);
     connect(servers, &ServerRows::dnsWanted, reach, &Reachability::loadPublic);
-    connect(servers, &ServerRows::onlineChanged, this, [this](bool online) {
+    connect(keeper(), &RowKeeper::onlineChanged, this, [this](bool online) {
         if (online)
             return m_reachability->refreshPublic();
         m_reachability->noPublic();
@@ -293,9 +293,9 @@ void MainWindow::share(const QString &path)
         showBox(this, QMessageBox::Warning, missingText(path));
         return;
     }
-    m_rows->share(path);
+    m_keeper->share(path);
     sharedLink->setLink(shownPath(path), {});
-    showCurrent(m_rows->current());
+    showCurrent(rows()->current());
     profiles->global()->amend([&path](Profile &global) { global.addRecentFile(path); });
     fileMenu->showRecent(profiles->global()->recentFiles);
 }
@@ -316,7 +316,7 @@ void MainWindow::showCurrent(ServerRow *row)
 
 void MainWindow::dataLimit(WebServer *server)
 {
-    ServerRow *row = m_rows->rowOf(server);
+    ServerRow *row = rows()->rowOf(server);
     if (!row)
         return;
     row->stop();
@@ -346,12 +346,12 @@ void MainWindow::askForPassword(ServerRow *row)
 void MainWindow::setExpertMode(bool on)
 {
     if (!addresses->askForStop(tr("Do you want to stop?"))) {
-        expertMode->setChecked(m_rows->isExpert());
+        expertMode->setChecked(rows()->isExpert());
         return;
     }
-    if (m_rows->isRunning())
-        m_rows->stopAll();
-    m_rows->setExpert(on);
+    if (rows()->isRunning())
+        rows()->stopAll();
+    rows()->setExpert(on);
     settings->setText(on ? tr("Global Default Settings") : tr("Settings"));
     reloadPublic->setVisible(on);
     reloadLocal->setVisible(on);
@@ -391,7 +391,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
 bool MainWindow::endInOrder()
 {
     ended = true;
-    const bool rowsSaved = m_rows->end();
+    const bool rowsSaved = m_keeper->end();
     events->stopTimer();
     return profiles->endInOrder() && rowsSaved;
 }

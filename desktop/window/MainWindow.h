@@ -1,7 +1,7 @@
 #pragma once
 
 #include "desktop/window/Reachability.h"
-#include "desktop/window/ServerRows.h"
+#include "desktop/window/RowKeeper.h"
 
 #include <QMainWindow>
 #include <QSet>
@@ -28,11 +28,12 @@ public:
     /// `choice`, `lookInUse` and `sink` are borrowed. `common` is for all servers, which report to
     /// `sink`. `mode` is the first command-line argument, null when there is none.
     MainWindow(Profiles *choice, Look *lookInUse, EventHandler *sink,
-               std::shared_ptr<const ServerSetup> common, const char *mode,
+               const std::shared_ptr<const ServerSetup> &common, const char *mode,
                AddressSource source = deviceAddresses);
     ~MainWindow() override;
 
-    ServerRows *rows() const { return m_rows.get(); }
+    RowKeeper *keeper() const { return m_keeper.get(); }
+    ServerRows *rows() const { return m_keeper->rows(); }
     Reachability *reachability() const { return m_reachability.get(); }
     AddressList *addressList() const { return addresses; }
 
@@ -64,7 +65,7 @@ private:
     Profiles *profiles;
     Look *look;
     EventHandler *events;
-    std::unique_ptr<ServerRows> m_rows;
+    std::unique_ptr<RowKeeper> m_keeper;
     std::unique_ptr<Reachability> m_reachability;
     QSet<const WebServer *> limitBoxes; ///< servers whose box is open
     bool asksForPassword = false; ///< the question is open

@@ -19,7 +19,7 @@ struct SavedRow
 };
 
 /// The file "list.ini" and, within a run, the rows whose address went away.
-/// A value of the address list.
+/// A value of the rows' keeper.
 class SavedRows
 {
 public:

@@ -2,7 +2,6 @@
 
 #include "config/Profiles.h"
 #include "desktop/window/ServerRow.h"
-#include "server/StatusSink.h"
 
 #include <algorithm>
 #include <utility>
@@ -23,19 +22,11 @@ bool isListening(const ServerRow *row)
 
 } // namespace
 
-ServerRows::ServerRows(Profiles *choice, std::shared_ptr<const ServerSetup> common,
-                       AddressSource source)
+ServerRows::ServerRows(Profiles *choice, std::shared_ptr<const ServerSetup> common)
     : profiles(choice)
     , setup(std::move(common))
-    , network(std::move(source))
-    , saved(choice->directories().profiles + QLatin1String("list.ini"))
     , noticed(globalNow())
 {
-    connect(&network, &DeviceNetwork::changed, this, [this] {
-        followNetwork();
-        Q_EMIT onlineChanged(hasNetwork());
-    });
-    followNetwork();
 }
 
 ServerRows::~ServerRows()
@@ -43,11 +34,11 @@ ServerRows::~ServerRows()
     letAllGo();
 }
 
-/// At once, as the servers hold profiles; rows removed before are children still.
 void ServerRows::letAllGo()
 {
     while (!rows.isEmpty())
         remove(rows.constLast());
+    // Rows removed before are children still.
     qDeleteAll(findChildren<ServerRow *>(QString(), Qt::FindDirectChildrenOnly));
 }
 
@@ -90,6 +81,13 @@ void ServerRows::tellReach(ServerRow *row)
         Q_EMIT currentChanged(row);
 }
 
+ServerRow *ServerRows::add(const QNetworkAddressEntry &address)
+{
+    auto *row = new ServerRow(profiles, address, setup, this);
+    append(row);
+    return row;
+}
+
 ServerRow *ServerRows::addPort(const ServerRow *first)
 {
     auto *row = new ServerRow(first, this);
@@ -112,139 +110,6 @@ void ServerRows::remove(ServerRow *row)
     Q_EMIT runningChanged(isRunning());
     if (wasCurrent)
         Q_EMIT currentChanged(current());
-}
-
-void ServerRows::share(const QString &path)
-{
-    if (isExpert()) {
-        if (ServerRow *row = current())
-            row->share(path);
-        return;
-    }
-    if (rows.isEmpty()) {
-        single = SavedRow::read(saved.settings(), 0);
-        single->file = path;
-    }
-    const QList<ServerRow *> shown = shownRows();
-    for (ServerRow *row : shown)
-        row->share(path);
-}
-
-// --- the network --------------------------------------------------------------------------------
-
-void ServerRows::loadLocal()
-{
-    network.look();
-    followNetwork();
-}
-
-void ServerRows::followNetwork()
-{
-    dropVanished();
-    addFound();
-    Q_EMIT loaded();
-    if (m_current < 0 && !rows.isEmpty())
-        setCurrent(0);
-}
-
-void ServerRows::dropVanished()
-{
-    const QList<ServerRow *> vanished =
-        filtered(rows, [this](const ServerRow *row) { return !network.has(row->address()); });
-    for (ServerRow *row : vanished) {
-        if (row->isListening())
-            setup->sink->msg(tr("The network address is gone, the server stopped"), row->url());
-        if (isExpert())
-            saved.keep(row->state());
-        else if (!row->isAddedPort())
-            single = row->state();
-        remove(row);
-    }
-}
-
-void ServerRows::addFound()
-{
-    QList<std::pair<ServerRow *, QList<SavedRow>>> fresh;
-    for (const QNetworkAddressEntry &entry : network.addresses()) {
-        const bool hasRow = std::any_of(rows.begin(), rows.end(), [&entry](const ServerRow *row) {
-            return row->address() == entry.ip();
-        });
-        if (hasRow)
-            continue;
-        auto *row = new ServerRow(profiles, entry, setup, this);
-        append(row);
-        const QList<SavedRow> kept = saved.take(entry.ip().toString());
-        row->takeState(savedStateOf(row, kept));
-        fresh.append({ row, kept });
-    }
-    // Behind the addresses, as they were added.
-    for (const auto &[row, kept] : std::as_const(fresh))
-        restoreAddedPorts(row, kept);
-}
-
-/// What a new row of an address takes over: its own earlier state in expert mode, that of all rows
-/// in simple mode.
-SavedRow ServerRows::savedStateOf(const ServerRow *row, const QList<SavedRow> &kept)
-{
-    if (!isExpert()) {
-        if (rows.constFirst() != row)
-            return rows.constFirst()->state();
-        return single ? *single : fromFile(0);
-    }
-    const auto own = std::find_if(kept.begin(), kept.end(),
-                                  [](const SavedRow &each) { return !each.addedPort; });
-    if (own != kept.end())
-        return *own;
-    const auto before = std::count_if(rows.begin(), rows.end() - 1,
-                                      [](const ServerRow *each) { return !each->isAddedPort(); });
-    return fromFile(saved.indexOf(int(before)));
-}
-
-SavedRow ServerRows::fromFile(int group)
-{
-    SavedRow row = SavedRow::read(saved.settings(), group);
-    // In expert mode every row starts out on the global profile, whatever it ran with.
-    if (isExpert())
-        row.profile = profiles->global()->name;
-    if (row.portDamaged)
-        setup->sink->msg(tr("Invalid port"), saved.settings()->fileName());
-    return row;
-}
-
-void ServerRows::restoreAddedPorts(const ServerRow *first, const QList<SavedRow> &kept)
-{
-    for (const SavedRow &row : kept) {
-        if (row.addedPort)
-            addPort(first)->takeState(row);
-    }
-    if (!kept.isEmpty())
-        return;
-    const QList<int> groups = saved.addedPorts(first->address().toString());
-    for (const int group : groups)
-        addPort(first)->takeState(fromFile(group));
-}
-
-bool ServerRows::end()
-{
-    stopAll();
-    saveRows();
-    letAllGo();
-    network.stop();
-    return saved.flush();
-}
-
-void ServerRows::saveRows()
-{
-    if (isExpert()) {
-        int group = 0;
-        for (const ServerRow *row : std::as_const(rows))
-            row->state().write(saved.settings(), group++);
-        saved.writeRest(group);
-    } else if (!rows.isEmpty()) {
-        rows.constFirst()->state().write(saved.settings(), 0);
-    } else if (single) {
-        single->write(saved.settings(), 0);
-    }
 }
 
 // --- start and stop -----------------------------------------------------------------------------

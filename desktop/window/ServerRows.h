@@ -1,35 +1,32 @@
 #pragma once
 
 #include "desktop/settings/Configurable.h"
-#include "desktop/window/DeviceNetwork.h"
-#include "desktop/window/SavedRows.h"
 #include "desktop/window/TrafficSource.h"
 
 #include <QList>
 #include <QObject>
 
 #include <memory>
-#include <optional>
 #include <tuple>
 
 class Profile;
 class Profiles;
+class QNetworkAddressEntry;
 class ServerRow;
 class WebServer;
 struct ServerSetup;
 
-/// The listen addresses of the device, a row with a server for each, and the further ports that
-/// were added to them. Knows no widget. Made by the main window; its servers end with it.
+/// The rows: a server for each listen address of the device, and for the further ports that were
+/// added to it. Knows no widget. A part of their keeper; its servers end with it.
 ///
-/// In simple mode the rows are one to the user: they share the same content and are kept as one,
-/// and added ports are there but not shown.
+/// In simple mode the rows are one to the user: they share the same content, and added ports are
+/// there but not shown.
 class ServerRows : public QObject, public Configurable, public TrafficSource
 {
     Q_OBJECT
 public:
-    /// Makes the rows of the addresses that `source` gives now, as they were saved, and looks for
-    /// others from time to time. `choice` outlives the rows.
-    ServerRows(Profiles *choice, std::shared_ptr<const ServerSetup> common, AddressSource source);
+    /// No rows yet. `choice` outlives them.
+    ServerRows(Profiles *choice, std::shared_ptr<const ServerSetup> common);
     ~ServerRows() override;
 
     const QList<ServerRow *> &all() const { return rows; }
@@ -45,13 +42,8 @@ public:
     int currentIndex() const { return m_current; }
     void setCurrent(int index);
 
-    bool hasNetwork() const { return !network.addresses().isEmpty(); }
     bool isExpert() const;
     void setExpert(bool on);
-
-    /// Shares `path` through the current row; in simple mode through all of them, now and when
-    /// the network comes.
-    void share(const QString &path);
 
     /// Whether any server is listening.
     bool isRunning() const;
@@ -60,18 +52,15 @@ public:
     void startOrStop();
     void stopAll();
 
+    /// A new row for an address of the device.
+    ServerRow *add(const QNetworkAddressEntry &address);
+
     /// A new row for a further port of the address of `first`.
     ServerRow *addPort(const ServerRow *first);
     void remove(ServerRow *row);
 
-    /// Brings the rows in line with the device's addresses.
-    void loadLocal();
-
-    /// Does so when an address came or went.
-    void lookForChanges() { network.lookForChanges(); }
-
-    /// Stops all servers, saves the rows and lets them go. False when they can't be written.
-    bool end();
+    /// Removes all rows, at once, as their servers hold profiles.
+    void letAllGo();
 
     /// `edited` is one of the user's profiles, or an edited copy of one, which then is stored.
     void profileEdited(Profile *edited) override;
@@ -87,8 +76,6 @@ Q_SIGNALS:
     void currentChanged(ServerRow *row);
 
     void runningChanged(bool running); ///< or goes on
-    void loaded(); ///< by `loadLocal`
-    void onlineChanged(bool online);
     void modeChanged();
 
     /// The servers might be reachable from the internet now.
@@ -107,20 +94,9 @@ private:
     void noticeGlobal();
     void append(ServerRow *row);
     void tellReach(ServerRow *row);
-    void letAllGo();
-    void followNetwork();
-    void dropVanished();
-    void addFound();
-    SavedRow savedStateOf(const ServerRow *row, const QList<SavedRow> &kept);
-    SavedRow fromFile(int group);
-    void restoreAddedPorts(const ServerRow *first, const QList<SavedRow> &kept);
-    void saveRows();
 
     Profiles *profiles;
     std::shared_ptr<const ServerSetup> setup;
-    DeviceNetwork network;
-    SavedRows saved;
-    std::optional<SavedRow> single; ///< simple mode: what the next row takes over
     QList<ServerRow *> rows; ///< children
     int m_current = -1; ///< index of a row
     Noticed noticed;

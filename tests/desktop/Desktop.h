@@ -87,13 +87,14 @@ struct Rows : Device
 
     void open()
     {
-        rows = std::make_unique<ServerRows>(home.profiles.get(), engine.setup(), source());
+        keeper = std::make_unique<RowKeeper>(home.profiles.get(), engine.setup(), source());
+        rows = keeper->rows();
     }
 
     /// The next run, after an orderly end.
     void reopen()
     {
-        QVERIFY(rows->end());
+        QVERIFY(keeper->end());
         home.restart();
         open();
     }
@@ -103,7 +104,8 @@ struct Rows : Device
 
     RecordingSink sink;
     Engine engine{ classicFaces(fileRoutes()), home.directories, &sink, nullptr };
-    std::unique_ptr<ServerRows> rows;
+    std::unique_ptr<RowKeeper> keeper;
+    ServerRows *rows = nullptr;
 };
 
 /// The whole program but its `main`.

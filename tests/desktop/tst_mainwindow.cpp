@@ -62,7 +62,7 @@ private Q_SLOTS:
             QCOMPARE(label->text().contains(desktop.row()->url()), desktop.row()->isListening());
         }
         desktop.addresses.clear();
-        desktop.rows()->lookForChanges();
+        desktop.window->keeper()->lookForChanges();
         QCOMPARE(label->text(), QStringLiteral("<center><b>Network not found</b></center>"));
     }
 

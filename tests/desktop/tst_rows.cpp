@@ -29,7 +29,7 @@ struct Checked : Rows
     }
 
     StandIn service;
-    Reachability reach{ rows.get(), home.profiles.get() };
+    Reachability reach{ rows, home.profiles.get() };
     QString label, told;
     int finished = 0, pages = 0;
 };
@@ -86,21 +86,21 @@ private Q_SLOTS:
     {
         for (const bool expert : { false, true }) {
             Rows device(inExpertMode(expert));
-            device.rows->share(device.path("res"));
+            device.keeper->share(device.path("res"));
             device.row()->start();
             const QString url = device.row()->url();
             device.addresses.clear();
-            device.rows->lookForChanges();
+            device.keeper->lookForChanges();
             QVERIFY(device.sink.messages.value(0).endsWith(QLatin1Char('\n') + url));
-            QVERIFY(!device.rows->current() && !device.rows->hasNetwork());
+            QVERIFY(!device.rows->current() && !device.keeper->hasNetwork());
             device.addresses.append(loopback);
-            device.rows->lookForChanges();
+            device.keeper->lookForChanges();
             QCOMPARE(device.rows->current()->url() + device.shared(), url + device.path("res"));
             QTRY_COMPARE(device.global()->useCount, 1);
         }
         // Chosen while there is no network.
         Rows device({}, 0);
-        device.rows->share(device.path("res"));
+        device.keeper->share(device.path("res"));
         device.addresses.append(loopback);
         device.reopen();
         QCOMPARE(device.shared(), device.path("res"));
@@ -126,11 +126,11 @@ private Q_SLOTS:
         device.reopen();
         QCOMPARE(rows(), expected);
         device.addresses.takeFirst();
-        device.rows->lookForChanges();
+        device.keeper->lookForChanges();
         device.addresses.append(loopback);
-        device.rows->lookForChanges();
+        device.keeper->lookForChanges();
         QCOMPARE(rows(), expected);
-        QVERIFY(device.rows->end());
+        QVERIFY(device.keeper->end());
         const QSettings file(device.path(".quillon/list.ini"), QSettings::IniFormat);
         QStringList values;
         for (const char *key :
@@ -167,7 +167,7 @@ private Q_SLOTS:
         const std::unique_ptr<Profile> work = device.global()->clone();
         work->name = QStringLiteral("work");
         work->setFileName(work->name);
-        QVERIFY(work->save() && device.rows->end());
+        QVERIFY(work->save() && device.keeper->end());
         device.addFile(".quillon/list.ini", "[0]\n" + saved + '\n');
         device.home.restart();
         device.open();
