@@ -73,9 +73,9 @@ void AddressList::buildRowMenu()
 
 void AddressList::connectRows()
 {
-    const auto showMode = [this] { caption->setVisible(rows->isExpert()); };
+    const auto showMode = [this] { caption->setVisible(rows->mode()->isExpert()); };
     showMode();
-    connect(rows, &ServerRows::modeChanged, this, showMode);
+    connect(rows->mode(), &GlobalMode::modeChanged, this, showMode);
     connect(rows, &ServerRows::runningChanged, this, &AddressList::showRunning);
     connect(keeper, &RowKeeper::loaded, this, &AddressList::showNetwork);
     connect(m_startButton, &QPushButton::clicked, rows, &ServerRows::startOrStop);
@@ -119,7 +119,7 @@ bool AddressList::askForStop(const QString &question)
 void AddressList::cellPressed(int index, int column)
 {
     ServerRow *row = rows->at(index);
-    if (!rows->isExpert() || !row)
+    if (!rows->mode()->isExpert() || !row)
         return;
     if (column == AddressTable::StatusColumn)
         row->toggle();

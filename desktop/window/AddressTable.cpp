@@ -48,7 +48,7 @@ void AddressTable::followRows()
     connect(rows, &ServerRows::rowRemoved, this, &AddressTable::drop);
     connect(rows, &ServerRows::currentChanged, this,
             [this] { setCurrentCell(rows->currentIndex(), qMax(0, currentColumn())); });
-    connect(rows, &ServerRows::modeChanged, this, &AddressTable::showMode);
+    connect(rows->mode(), &GlobalMode::modeChanged, this, &AddressTable::showMode);
     connect(this, &QTableWidget::currentCellChanged, rows, &ServerRows::setCurrent);
     for (ServerRow *row : rows->all())
         add(row);
@@ -99,7 +99,7 @@ void AddressTable::showRow(ServerRow *row)
 
 void AddressTable::showMode()
 {
-    const bool on = rows->isExpert();
+    const bool on = rows->mode()->isExpert();
     for (int index = 0; index < rowCount(); ++index)
         setRowHidden(index, !rows->isShown(rows->at(index)));
     QHeaderView *header = horizontalHeader();

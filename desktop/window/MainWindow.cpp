@@ -192,7 +192,7 @@ void MainWindow::makeMenu()
     const QAction *lookAction = addMenuAction(tr("Look and Feel"), "lookAndFeel");
     expertMode = addMenuAction(tr("Expert mode"), "expertMode");
     expertMode->setCheckable(true);
-    expertMode->setChecked(rows()->isExpert());
+    expertMode->setChecked(rows()->mode()->isExpert());
     QAction *helpAction = addMenuAction(tr("Help"), "help");
     const QAction *aboutAction = addMenuAction(tr("About Quillon"), "about");
     const QAction *aboutQt = addMenuAction(tr("About Qt"), "aboutQt");
@@ -260,12 +260,12 @@ void MainWindow::layOut()
 
 void MainWindow::connectRows()
 {
-    const ServerRows *servers = rows();
+    ServerRows *servers = rows();
     const Reachability *reach = reachability();
     connect(servers, &ServerRows::currentChanged, this, &MainWindow::showCurrent);
     connect(servers, &ServerRows::dataLimit, this, &MainWindow::dataLimit);
     connect(servers, &ServerRows::publicAddressWanted, reach, &Reachability::refreshPublic);
-    connect(servers, &ServerRows::dnsWanted, reach, &Reachability::loadPublic);
+    connect(servers->mode(), &GlobalMode::dnsWanted, reach, &Reachability::loadPublic);
     connect(keeper(), &RowKeeper::onlineChanged, this, [this](bool online) {
         if (online)
             return m_reachability->refreshPublic();
@@ -346,12 +346,12 @@ void MainWindow::askForPassword(ServerRow *row)
 void MainWindow::setExpertMode(bool on)
 {
     if (!addresses->askForStop(tr("Do you want to stop?"))) {
-        expertMode->setChecked(rows()->isExpert());
+        expertMode->setChecked(rows()->mode()->isExpert());
         return;
     }
     if (rows()->isRunning())
         rows()->stopAll();
-    rows()->setExpert(on);
+    rows()->mode()->setExpert(on);
     settings->setText(on ? tr("Global Default Settings") : tr("Settings"));
     reloadPublic->setVisible(on);
     reloadLocal->setVisible(on);

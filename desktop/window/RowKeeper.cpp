@@ -24,7 +24,7 @@ RowKeeper::RowKeeper(Profiles *choice, const std::shared_ptr<const ServerSetup> 
 
 void RowKeeper::share(const QString &path)
 {
-    if (m_rows.isExpert()) {
+    if (m_rows.mode()->isExpert()) {
         if (ServerRow *row = m_rows.current())
             row->share(path);
         return;
@@ -64,7 +64,7 @@ void RowKeeper::dropVanished()
         if (row->isListening())
             sink->msg(ServerRows::tr("The network address is gone, the server stopped"),
                       row->url());
-        if (m_rows.isExpert())
+        if (m_rows.mode()->isExpert())
             saved.keep(row->state());
         else if (!row->isAddedPort())
             single = row->state();
@@ -99,7 +99,7 @@ void RowKeeper::addFound()
 SavedRow RowKeeper::savedStateOf(const ServerRow *row, const QList<SavedRow> &kept)
 {
     const QList<ServerRow *> &all = m_rows.all();
-    if (!m_rows.isExpert()) {
+    if (!m_rows.mode()->isExpert()) {
         if (all.constFirst() != row)
             return all.constFirst()->state();
         return single ? *single : fromFile(0);
@@ -117,7 +117,7 @@ SavedRow RowKeeper::fromFile(int group)
 {
     SavedRow row = SavedRow::read(saved.settings(), group);
     // In expert mode every row starts out on the global profile, whatever it ran with.
-    if (m_rows.isExpert())
+    if (m_rows.mode()->isExpert())
         row.profile = profiles->global()->name;
     if (row.portDamaged)
         sink->msg(ServerRows::tr("Invalid port"), saved.settings()->fileName());
@@ -151,7 +151,7 @@ bool RowKeeper::end()
 void RowKeeper::saveRows()
 {
     const QList<ServerRow *> &all = m_rows.all();
-    if (m_rows.isExpert()) {
+    if (m_rows.mode()->isExpert()) {
         int group = 0;
         for (const ServerRow *row : all)
             row->state().write(saved.settings(), group++);

@@ -25,7 +25,7 @@ bool isListening(const ServerRow *row)
 ServerRows::ServerRows(Profiles *choice, std::shared_ptr<const ServerSetup> common)
     : profiles(choice)
     , setup(std::move(common))
-    , noticed(globalNow())
+    , m_mode(choice)
 {
 }
 
@@ -52,7 +52,7 @@ ServerRow *ServerRows::rowOf(const WebServer *server) const
 
 bool ServerRows::isShown(const ServerRow *row) const
 {
-    return isExpert() || !row->isAddedPort();
+    return m_mode.isExpert() || !row->isAddedPort();
 }
 
 QList<ServerRow *> ServerRows::shownRows() const
@@ -154,19 +154,6 @@ void ServerRows::updateListening()
 
 // --- profiles -----------------------------------------------------------------------------------
 
-bool ServerRows::isExpert() const
-{
-    return profiles->global()->expertMode;
-}
-
-void ServerRows::setExpert(bool on)
-{
-    if (isExpert() == on)
-        return;
-    profiles->global()->amend([on](Profile &global) { global.expertMode = on; });
-    noticeGlobal();
-}
-
 void ServerRows::profileEdited(Profile *edited)
 {
     Profile *live = profiles->original(edited);
@@ -185,23 +172,7 @@ void ServerRows::profileEdited(Profile *edited)
     }
     for (ServerRow *row : users)
         row->profileChanged();
-    noticeGlobal();
+    m_mode.look();
     if (live->usesTls() != tls && current())
         tellReach(current());
-}
-
-ServerRows::Noticed ServerRows::globalNow() const
-{
-    const Profile *global = profiles->global();
-    return { global->dnsEnabled, global->dnsUser, global->dnsPassword, global->expertMode };
-}
-
-void ServerRows::noticeGlobal()
-{
-    const Noticed before = std::exchange(noticed, globalNow());
-    if (noticed == before)
-        return;
-    Q_EMIT modeChanged();
-    if (profiles->global()->usesDns())
-        Q_EMIT dnsWanted();
 }

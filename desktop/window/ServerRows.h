@@ -1,13 +1,13 @@
 #pragma once
 
 #include "desktop/settings/Configurable.h"
+#include "desktop/window/GlobalMode.h"
 #include "desktop/window/TrafficSource.h"
 
 #include <QList>
 #include <QObject>
 
 #include <memory>
-#include <tuple>
 
 class Profile;
 class Profiles;
@@ -42,8 +42,7 @@ public:
     int currentIndex() const { return m_current; }
     void setCurrent(int index);
 
-    bool isExpert() const;
-    void setExpert(bool on);
+    GlobalMode *mode() { return &m_mode; }
 
     /// Whether any server is listening.
     bool isRunning() const;
@@ -76,22 +75,13 @@ Q_SIGNALS:
     void currentChanged(ServerRow *row);
 
     void runningChanged(bool running); ///< or goes on
-    void modeChanged();
 
     /// The servers might be reachable from the internet now.
     void publicAddressWanted();
 
-    /// The settings of the dynamic-DNS name, or the mode, have changed.
-    void dnsWanted();
-
     void dataLimit(WebServer *server);
 
 private:
-    /// What the global profile says that more than its rows depends on.
-    using Noticed = std::tuple<qint32, QString, QString, bool>;
-
-    Noticed globalNow() const;
-    void noticeGlobal();
     void append(ServerRow *row);
     void tellReach(ServerRow *row);
 
@@ -99,5 +89,5 @@ private:
     std::shared_ptr<const ServerSetup> setup;
     QList<ServerRow *> rows; ///< children
     int m_current = -1; ///< index of a row
-    Noticed noticed;
+    GlobalMode m_mode;
 };
