@@ -10,14 +10,11 @@
 
 class AddressList;
 class EventHandler;
-class FileMenu;
-class LinkLabel;
 class Look;
+class MainMenu;
 class Profiles;
-class QAction;
 class QLabel;
-class QMenu;
-class QPushButton;
+class RowPanel;
 
 /// The main window: what is shared, the address list, menus and the status line. Made in `main`,
 /// lives for the whole run; the rows are its own.
@@ -36,15 +33,11 @@ public:
     ServerRows *rows() const { return m_keeper->rows(); }
     Reachability *reachability() const { return m_reachability.get(); }
     AddressList *addressList() const { return addresses; }
+    RowPanel *rowPanel() const { return panel; }
 
 public Q_SLOTS:
     void setExpertMode(bool on);
-    void help();
-    void about();
     void dataLimit(WebServer *server);
-
-    /// Shares `path` from now on, if there is such a file or folder.
-    void share(const QString &path);
 
 protected:
     void closeEvent(QCloseEvent *event) override;
@@ -53,17 +46,14 @@ protected:
 private:
     void startProfiles();
     void warnOfRoot();
-    void makeMenu();
-    QAction *addMenuAction(const QString &text, const char *name);
-    void makeButtons();
     void layOut();
     void connectRows();
-    void showCurrent(ServerRow *row);
+    void connectReachability();
+    void connectMenus();
     void askForPassword(ServerRow *row);
     bool endInOrder();
 
     Profiles *profiles;
-    Look *look;
     EventHandler *events;
     std::unique_ptr<RowKeeper> m_keeper;
     std::unique_ptr<Reachability> m_reachability;
@@ -73,16 +63,9 @@ private:
     bool wasShown = false;
 
     AddressList *addresses;
-    QMenu *menu;
-    FileMenu *fileMenu;
-    QAction *reloadPublic = nullptr;
-    QAction *reloadLocal = nullptr;
-    QAction *settings = nullptr;
-    QAction *expertMode = nullptr;
-    LinkLabel *sharedLink = nullptr;
-    QPushButton *itemStart = nullptr;
-    QPushButton *itemSettings = nullptr;
-    QLabel *statusLine = nullptr;
+    MainMenu *menu;
+    RowPanel *panel;
+    QLabel *statusLine;
 };
 
 /// What to say when `server` has reached its traffic limit.

@@ -1,11 +1,10 @@
 #include "desktop/window/StartStop.h"
 
-#include <QCoreApplication>
+#include "desktop/window/WindowText.h"
 
 QString startStopText(bool running)
 {
-    return running ? QCoreApplication::translate("MainWindow", "Stop")
-                   : QCoreApplication::translate("MainWindow", "Start");
+    return running ? WindowText::tr("Stop") : WindowText::tr("Start");
 }
 
 QIcon startStopIcon(bool running)

@@ -5,6 +5,7 @@
 #include "desktop/window/AddressList.h"
 #include "desktop/window/EventHandler.h"
 #include "desktop/window/MainWindow.h"
+#include "desktop/window/RowPanel.h"
 #include "desktop/window/ServerRow.h"
 #include "server/Engine.h"
 #include "tests/support/LiveServer.h"
@@ -142,6 +143,7 @@ struct Desktop : Device
     ServerRows *rows() const { return window->rows(); }
     ServerRow *row(int index = 0) const { return window->rows()->at(index); }
     AddressList *list() const { return window->addressList(); }
+    RowPanel *panel() const { return window->rowPanel(); }
 
     Look look;
     EventHandler events;

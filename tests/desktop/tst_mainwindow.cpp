@@ -31,13 +31,13 @@ private Q_SLOTS:
         const auto link = [&] { return desktop.window->findChild<LinkLabel *>()->linkText(); };
         for (const QByteArray name : { "res/1", "res/2", "res/3", "res/4", "res/<b>&" }) {
             desktop.addFile(name);
-            desktop.window->share(desktop.path(name));
+            desktop.panel()->share(desktop.path(name));
         }
         QVERIFY(desktop.window->findChild<LinkLabel *>()->text().contains(
             QLatin1String("/res/&lt;b&gt;&amp;")));
-        desktop.window->share(desktop.path("res"));
+        desktop.panel()->share(desktop.path("res"));
         QCOMPARE(link(), desktop.path("res") + QLatin1Char('/'));
-        const QString box = boxText([&] { desktop.window->share(desktop.path("<b>")); });
+        const QString box = boxText([&] { desktop.panel()->share(desktop.path("<b>")); });
         QVERIFY(box.endsWith(QLatin1String("/<b>\" not exists!")));
         action(desktop, "3")->trigger();
         action(desktop, "expertMode")->trigger();
@@ -166,7 +166,7 @@ private Q_SLOTS:
             Desktop desktop(inExpertMode(expert), 2);
             const QByteArray file = "a folder with a rather long name/and another one, also long/a";
             desktop.addFile(file);
-            desktop.window->share(desktop.path(file));
+            desktop.panel()->share(desktop.path(file));
             desktop.list()->startButton()->click();
             desktop.events.newConnection(QStringLiteral("192.0.2.9"));
             const QString picture = QLatin1String(expert ? "window-expert" : "window-simple");
