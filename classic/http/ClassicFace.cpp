@@ -3,6 +3,7 @@
 #include "classic/Log.h"
 #include "classic/http/FileReply.h"
 #include "classic/http/Refusals.h"
+#include "classic/http/RequestParser.h"
 #include "config/Profile.h"
 #include "net/Socket.h"
 #include "server/Connection.h"
@@ -57,7 +58,7 @@ void ClassicFace::headReady()
 {
     connection.noteRequest();
     Request &request = exchange.request;
-    if (!request.parse(channel.request(), exchange.service.singleFile)) {
+    if (!RequestParser(request).parse(channel.request(), exchange.service.singleFile)) {
         qCDebug(classicLog) << "dropped: no request line from"
                             << channel.connection().peerAddress();
         return channel.abort();
@@ -73,7 +74,7 @@ void ClassicFace::headRestReady(bool whole)
 {
     if (!whole)
         return refuse("431 Request Header Fields Too Large");
-    exchange.request.parseRest(channel.request());
+    RequestParser(exchange.request).parseRest(channel.request());
     examine();
 }
 
@@ -85,7 +86,7 @@ void ClassicFace::takeSession()
     if (request.keepAlive)
         channel.setKeepAlive(*request.keepAlive);
     if (request.bringsCookies) {
-        const Request::Cookie *number = request.sessionCookie();
+        const Cookies::Cookie *number = request.sessionCookie();
         exchange.client = number ? sessions.ofCookie(number->value) : nullptr;
     }
     if (exchange.client && !sessions.holds(exchange.client))

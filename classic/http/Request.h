@@ -1,5 +1,6 @@
 #pragma once
 
+#include "classic/http/Cookies.h"
 #include "classic/http/RequestTarget.h"
 
 #include <QByteArray>
@@ -7,13 +8,10 @@
 #include <QUrlQuery>
 
 #include <optional>
-#include <vector>
 
-class RequestReader;
-
-/// The parsed form of the current request on one connection. A record: it knows neither the
-/// connection nor the server. It lives across all requests of a kept-alive connection, since some
-/// of its fields stay as they were last sent.
+/// The parsed form of the current request on one connection, see `RequestParser`. A record: it
+/// knows neither the connection nor the server. It lives across all requests of a kept-alive
+/// connection, since some of its fields stay as they were last sent.
 class Request
 {
 public:
@@ -33,31 +31,12 @@ public:
         UnLock = 12
     };
 
-    struct Cookie
-    {
-        QByteArray name;
-        QByteArray value;
-    };
-
     static constexpr auto sessionCookieName = "ID";
     static constexpr auto actionField = "a"; ///< tells what a form is for
     static constexpr auto loginAction = "log";
     static constexpr auto desktopClient = "mc"; ///< as its User-Agent says
 
-    /// Parses the head that `reader` collected. False when its first line is shorter than 3 bytes:
-    /// the connection is to be dropped. A method that is not known leaves `methodCode` None.
-    /// A server of a `singleFile` knows only GET and POST.
-    bool parse(RequestReader &reader, bool singleFile);
-
-    /// Takes over the header lines of the head's rest, see `RequestReader::restLines`.
-    void parseRest(const RequestReader &reader);
-
-    /// The first cookie of this name, or null.
-    const Cookie *cookie(const char *name) const;
-    const Cookie *sessionCookie() const;
-
-    /// Reads a Cookie header's value.
-    void setCookies(const QByteArray &value);
+    const Cookies::Cookie *sessionCookie() const;
 
     /// Makes the form in `body` (application/x-www-form-urlencoded) the query:
     /// "+" is a blank there, "%2B" a plus.
@@ -96,6 +75,7 @@ public:
     RequestTarget destinationTarget() const { return parseTarget(destination); }
 
     int methodCode = None;
+    RequestTarget::Form targetForm = RequestTarget::Form::Malformed;
     QString path; ///< decoded path of the target
     QByteArray query; ///< of the target, encoded; the form of a POST replaces it
     qint64 contentLength = 0; ///< bytes; stays 0 for GET
@@ -110,22 +90,8 @@ public:
     QByteArray overwrite;
     std::optional<bool> keepAlive; ///< what a Connection header asks for
     bool bringsUserAgent = false; ///< this request has a User-Agent header
-    bool bringsCookies = false; ///< this request has a Cookie header, `cookies` may be older
-
-private:
-    void startFresh();
-    bool parseMethod(QByteArray &line, bool singleFile);
-    void parseRequestTarget(const QByteArray &encoded);
-    void parseHeaderLine(const QByteArray &line);
-    bool parseCommonHeader(const QByteArray &line);
-    void parseBodyHeader(const QByteArray &line);
-    void parseRange(const QByteArray &value);
-    void parseCredentials(const QByteArray &value);
-    void addCookie(const QByteArray &piece);
-
-    RequestTarget::Form targetForm = RequestTarget::Form::Malformed;
-    bool lengthDeclared = false;
-    std::vector<Cookie> cookies;
+    Cookies cookies; ///< perhaps of an earlier request
+    bool bringsCookies = false; ///< this request has a Cookie header
     QByteArray origin;
     QByteArray fetchSite;
 };

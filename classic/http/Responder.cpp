@@ -10,7 +10,7 @@ constexpr int usualHeadSize = 512;
 
 QByteArray sessionNumber(Exchange &exchange)
 {
-    const Request::Cookie *sent = exchange.request.sessionCookie();
+    const Cookies::Cookie *sent = exchange.request.sessionCookie();
     return sent ? sent->value : QByteArray::number(exchange.session()->id);
 }
 
