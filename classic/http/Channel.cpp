@@ -4,15 +4,12 @@
 #include "net/TrafficAccount.h"
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int savedAtOnce = 256 * 1024;
-constexpr int savesInATurn = 16;
 constexpr int requestsInATurn = 16; ///< of one peer that sends many at once
 constexpr auto lingerTime = 2s;
 constexpr auto drainTime = 10s; ///< for a peer that takes nothing of the last bytes
@@ -26,6 +23,7 @@ Channel::Channel(Socket &peerSocket, TrafficAccount &traffic, BufferPool &heads,
     , account(traffic)
     , user(channelUser)
     , reader(heads)
+    , intake(reader, socket)
 {
 }
 
@@ -56,14 +54,8 @@ void Channel::takeInput()
     case State::ReadingHeadRest:
         collectHeadRest();
         break;
-    case State::ReadingForm:
-        collectForm();
-        break;
-    case State::ReadingPartHead:
-        collectPartHead();
-        break;
-    case State::Saving:
-        continueSaving();
+    case State::Receiving:
+        receive();
         break;
     case State::Settling:
         settle();
@@ -106,90 +98,62 @@ void Channel::collectHeadRest()
     user.headRestReady(look == RequestReader::Look::Ready);
 }
 
-/// Some peers hold their body back until they are asked for it (RFC 9110, section 10.1.1): only
-/// somebody who wants it asks.
-void Channel::askForBody()
-{
-    if (!isBodyHeldBack())
-        return;
-    bodyAskedFor = true;
-    socket.write("HTTP/1.1 100 Continue\r\n\r\n", false);
-}
-
-bool Channel::isBodyHeldBack() const
-{
-    return reader.framing().expectsContinue && !bodyAskedFor && !reader.isBodyBuffered();
-}
-
 void Channel::readForm(qint64 length)
 {
-    state = State::ReadingForm;
-    collector.start(std::min<qint64>(length, maxForm));
-    askForBody();
-    collectForm();
-}
-
-void Channel::collectForm()
-{
-    if (!collector.collectForm(reader, socket))
-        return;
-    state = State::Replying;
-    user.formReady(collector.take());
+    intake.startForm(std::min<qint64>(length, maxForm));
+    receive();
 }
 
 void Channel::readPartHead()
 {
-    state = State::ReadingPartHead;
-    collector.start(maxPartHead);
-    askForBody();
-    collectPartHead();
-}
-
-void Channel::collectPartHead()
-{
-    if (!collector.collectPartHead(reader, socket))
-        return;
-    state = State::Replying;
-    user.partHeadReady(collector.take());
+    intake.startPartHead(maxPartHead);
+    receive();
 }
 
 void Channel::saveBody(UploadFile *upload, qint64 length)
 {
-    state = State::Saving;
-    saver.start(upload, length);
-    askForBody();
-    continueSaving();
+    intake.startFile(upload, length);
+    receive();
 }
 
 void Channel::savePart(UploadFile *upload, const QByteArray &delimiter, qint64 length)
 {
-    state = State::Saving;
-    saver.startPart(upload, length, delimiter);
-    continueSaving();
+    intake.startPart(upload, delimiter, length);
+    receive();
 }
 
-void Channel::continueSaving()
+void Channel::receive()
 {
-    std::array<char, savedAtOnce> piece;
-    for (int i = 0; !saver.isDone(); ++i) {
-        if (i == savesInATurn)
-            return socket.again();
-        const qint64 size =
-            reader.readBody(socket, piece.data(), std::min<qint64>(savedAtOnce, saver.left()));
-        if (size < 0)
-            return finishSaving(ReadFailed);
-        if (size == 0)
-            return;
-        if (!saver.feed(piece.data(), size))
-            return finishSaving(WriteFailed);
-    }
-    finishSaving(saver.result());
-}
-
-void Channel::finishSaving(SaveResult result)
-{
+    state = State::Receiving;
+    const auto progress = intake.goOn();
+    if (progress == BodyIntake::Progress::TurnOver)
+        return socket.again();
+    if (progress == BodyIntake::Progress::Waiting)
+        return;
     state = State::Replying;
-    user.uploadEnded(result);
+    tellReceived();
+}
+
+void Channel::tellReceived()
+{
+    switch (intake.target()) {
+    case BodyIntake::Target::Form:
+        return user.formReady(intake.takeBytes());
+    case BodyIntake::Target::PartHead:
+        return user.partHeadReady(intake.takeBytes());
+    case BodyIntake::Target::File:
+        return user.uploadEnded(intake.result());
+    }
+}
+
+/// Tells the responder that the rest of an upload won't come.
+void Channel::tellCutOff()
+{
+    // A form that breaks off ends with its connection.
+    if (intake.target() == BodyIntake::Target::Form)
+        return;
+    intake.cutOff();
+    tellReceived();
 }
 
 // Writing
@@ -288,7 +252,7 @@ void Channel::settle()
 void Channel::rearm()
 {
     reader.next();
-    bodyAskedFor = false;
+    intake.next();
     state = State::Collecting;
 }
 
@@ -325,7 +289,10 @@ void Channel::abort()
 /// The traffic limit was reached: an upload counts as cut off, and the connection closes.
 void Channel::giveUp()
 {
-    abandonUpload();
+    if (state == State::Receiving) {
+        state = State::Replying;
+        tellCutOff();
+    }
     if (state != State::Closing && state != State::Gone)
         closeSocket();
 }
@@ -335,25 +302,12 @@ bool Channel::canAnswer() const
     return state != State::Gone && socket.canSend() && !account.isBlocked();
 }
 
-/// Tells the responder that the rest of an upload won't come.
-void Channel::abandonUpload()
-{
-    if (state == State::Saving)
-        return finishSaving(ReadFailed);
-    if (state != State::ReadingPartHead)
-        return;
-    state = State::Replying;
-    user.partHeadReady({});
-}
-
 void Channel::gone()
 {
     sender.stop();
     const State last = std::exchange(state, State::Gone);
-    if (last == State::Saving)
-        user.uploadEnded(ReadFailed);
-    else if (last == State::ReadingPartHead)
-        user.partHeadReady({});
+    if (last == State::Receiving)
+        tellCutOff();
     else if (last == State::Streaming || last == State::Replying)
         user.replyEnded();
 }

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "classic/http/BodyCollector.h"
-#include "classic/http/BodySaver.h"
+#include "classic/http/BodyIntake.h"
 #include "classic/http/RequestReader.h"
 #include "net/FileSender.h"
 
@@ -57,10 +56,9 @@ public:
     /// The request whose head was collected.
     RequestReader &request() { return reader; }
     const RequestReader &request() const { return reader; }
-    const HeadScan &framing() const { return reader.framing(); }
 
     /// Whether the peer holds its body back and was not asked for it.
-    bool isBodyHeldBack() const;
+    bool isBodyHeldBack() const { return intake.isHeldBack(); }
 
     /// Reads the rest of a head that the buffer could not hold; `headRestReady` tells the end,
     /// perhaps before this call returns: false when it is too long or the peer is gone.
@@ -122,9 +120,7 @@ private:
         ReadingHeadRest, ///< of a head that was cut
         Replying, ///< a responder is at work
         Streaming, ///< a file goes out
-        ReadingForm, ///< a body that is kept in memory
-        ReadingPartHead, ///< of a multipart body
-        Saving, ///< a request body goes into a file
+        Receiving, ///< a request body, or a part of one
         Settling, ///< between requests: the rest of the last one is dropped, its reply drains
         Lingering, ///< about to close, input is dropped for a while so that the reply arrives
         Closing, ///< the last bytes drain
@@ -134,11 +130,9 @@ private:
     void takeInput();
     void collectHead();
     void collectHeadRest();
-    void collectForm();
-    void collectPartHead();
-    void continueSaving();
-    void finishSaving(SaveResult result);
-    void askForBody();
+    void receive();
+    void tellReceived();
+    void tellCutOff();
     void continueStreaming();
     void lookFurther();
     void settle();
@@ -147,19 +141,16 @@ private:
     void linger();
     void closeSocket();
     void giveUp();
-    void abandonUpload();
 
     Socket &socket;
     TrafficAccount &account;
     User &user;
     State state = State::Collecting;
     bool keepAlive = true;
-    bool bodyAskedFor = false;
     bool inTurn = false; ///< input is being taken
     bool nextWaits = false; ///< there may be another request to look at in this turn
     Clock::time_point lingersUntil;
     RequestReader reader;
+    BodyIntake intake;
     FileSender sender;
-    BodySaver saver;
-    BodyCollector collector; ///< of a form or a part's head
 };

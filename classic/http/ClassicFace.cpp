@@ -97,7 +97,7 @@ void ClassicFace::takeSession()
 
 void ClassicFace::examine()
 {
-    if (channel.framing().lengthDoubtful)
+    if (channel.request().framing().lengthDoubtful)
         channel.setKeepAlive(false);
     if (const char *status = reasonToRefuse())
         return refuse(status);
@@ -110,7 +110,7 @@ void ClassicFace::examine()
 const char *ClassicFace::reasonToRefuse() const
 {
     const Request &request = exchange.request;
-    const HeadScan &framing = channel.framing();
+    const HeadScan &framing = channel.request().framing();
     // Not to be guessed at by a method that changes something.
     const bool unclear =
         channel.request().isTruncated() || framing.lengthDoubtful || framing.strayBreak;

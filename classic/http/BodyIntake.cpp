@@ -1,0 +1,99 @@
+#include "classic/http/BodyIntake.h"
+
+#include "classic/http/RequestReader.h"
+#include "net/Socket.h"
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr int savedAtOnce = 256 * 1024;
+constexpr int savesInATurn = 16;
+
+} // namespace
+
+BodyIntake::BodyIntake(RequestReader &requestReader, Socket &peerSocket)
+    : reader(requestReader)
+    , socket(peerSocket)
+{
+}
+
+void BodyIntake::startForm(qint64 length)
+{
+    collector.start(length);
+    start(Target::Form);
+}
+
+void BodyIntake::startPartHead(qint64 most)
+{
+    collector.start(most);
+    start(Target::PartHead);
+}
+
+void BodyIntake::startFile(UploadFile *upload, qint64 length)
+{
+    saver.start(upload, length);
+    start(Target::File);
+}
+
+void BodyIntake::startPart(UploadFile *upload, const QByteArray &delimiter, qint64 length)
+{
+    saver.startPart(upload, length, delimiter);
+    start(Target::File);
+}
+
+/// Some peers hold their body back until they are asked for it (RFC 9110, section 10.1.1): only
+/// somebody who wants it asks.
+void BodyIntake::start(Target what)
+{
+    m_target = what;
+    if (!isHeldBack())
+        return;
+    asked = true;
+    socket.write("HTTP/1.1 100 Continue\r\n\r\n", false);
+}
+
+bool BodyIntake::isHeldBack() const
+{
+    return reader.framing().expectsContinue && !asked && !reader.isBodyBuffered();
+}
+
+BodyIntake::Progress BodyIntake::goOn()
+{
+    if (m_target == Target::File)
+        return save();
+    const bool done = m_target == Target::Form ? collector.collectForm(reader, socket)
+                                               : collector.collectPartHead(reader, socket);
+    return done ? Progress::Done : Progress::Waiting;
+}
+
+BodyIntake::Progress BodyIntake::save()
+{
+    std::array<char, savedAtOnce> piece;
+    for (int i = 0; !saver.isDone(); ++i) {
+        if (i == savesInATurn)
+            return Progress::TurnOver;
+        const qint64 size =
+            reader.readBody(socket, piece.data(), std::min<qint64>(savedAtOnce, saver.left()));
+        if (size < 0)
+            return end(ReadFailed);
+        if (size == 0)
+            return Progress::Waiting;
+        if (!saver.feed(piece.data(), size))
+            return end(WriteFailed);
+    }
+    return end(saver.result());
+}
+
+BodyIntake::Progress BodyIntake::end(SaveResult how)
+{
+    m_result = how;
+    return Progress::Done;
+}
+
+void BodyIntake::cutOff()
+{
+    collector.take();
+    end(ReadFailed);
+}

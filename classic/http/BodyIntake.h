@@ -1,0 +1,70 @@
+#pragma once
+
+#include "classic/http/BodyCollector.h"
+#include "classic/http/BodySaver.h"
+
+#include <QByteArray>
+
+class RequestReader;
+class Socket;
+class UploadFile;
+
+/// Receives the body of a request, or the first part of a multipart body: into memory or into a
+/// file. It calls nobody.
+class BodyIntake
+{
+public:
+    enum class Target {
+        Form, ///< kept in memory
+        PartHead, ///< the headers of the first part, kept in memory
+        File
+    };
+
+    enum class Progress {
+        Waiting, ///< for more to arrive
+        TurnOver, ///< others wait for theirs
+        Done
+    };
+
+    /// Both are borrowed and outlive it.
+    BodyIntake(RequestReader &requestReader, Socket &peerSocket);
+
+    void startForm(qint64 length);
+    void startPartHead(qint64 most);
+    void startFile(UploadFile *upload, qint64 length);
+    void startPart(UploadFile *upload, const QByteArray &delimiter, qint64 length);
+
+    /// Takes what has arrived.
+    Progress goOn();
+
+    /// The rest won't come.
+    void cutOff();
+
+    /// What it is, or was last, received for.
+    Target target() const { return m_target; }
+
+    /// What was kept in memory: of a form that breaks off what there is, of a part's headers none.
+    QByteArray takeBytes() { return collector.take(); }
+
+    /// How a file ended.
+    SaveResult result() const { return m_result; }
+
+    /// Whether the peer holds its body back and was not asked for it.
+    bool isHeldBack() const;
+
+    /// Goes on to the next request.
+    void next() { asked = false; }
+
+private:
+    void start(Target what);
+    Progress save();
+    Progress end(SaveResult how);
+
+    RequestReader &reader;
+    Socket &socket;
+    BodyCollector collector;
+    BodySaver saver;
+    Target m_target = Target::Form;
+    SaveResult m_result = ReadFailed;
+    bool asked = false; ///< for a body that was held back
+};
