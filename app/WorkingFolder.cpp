@@ -29,9 +29,10 @@ bool lock(const FileDescriptor &folder)
 void sweep(const QString &place)
 {
     const QFileInfoList folders =
-        QDir(place).entryInfoList({ QLatin1String(folderPrefix) + QLatin1Char('*') },
-                                  QDir::Dirs | QDir::Hidden | QDir::NoSymLinks);
+        QDir(place).entryInfoList(QDir::Dirs | QDir::Hidden | QDir::NoSymLinks);
     for (const QFileInfo &folder : folders) {
+        if (!folder.fileName().startsWith(QLatin1String(folderPrefix)))
+            continue;
         const FileDescriptor left = openFolder(QFile::encodeName(folder.filePath()));
         if (left.isOpen() && lock(left))
             QDir(folder.filePath()).removeRecursively();

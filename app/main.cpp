@@ -3,6 +3,7 @@
 #include "app/WorkingFolder.h"
 #include "classic/http/ClassicFace.h"
 #include "config/Profiles.h"
+#include "config/Utf8Names.h"
 #include "desktop/look/Look.h"
 #include "desktop/look/StartUp.h"
 #include "desktop/window/EventHandler.h"

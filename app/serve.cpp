@@ -4,6 +4,7 @@
 #include "app/WorkingFolder.h"
 #include "classic/http/ClassicFace.h"
 #include "config/Profiles.h"
+#include "config/Utf8Names.h"
 #include "files/Previews.h"
 #include "server/Engine.h"
 #include "server/Url.h"

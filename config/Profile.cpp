@@ -5,9 +5,6 @@
 
 #include <QDataStream>
 #include <QFile>
-#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-#include <QTextCodec>
-#endif
 
 #include <algorithm>
 #include <array>
@@ -223,12 +220,4 @@ QStringList Profile::accounts() const
                                 }),
                  usable.end());
     return usable;
-}
-
-void useUtf8Names()
-{
-#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-    // The next toolkit knows no other encoding.
-    QTextCodec::setCodecForLocale(QTextCodec::codecForName("UTF-8"));
-#endif
 }

@@ -143,6 +143,3 @@ constexpr bool isPort(int number)
 {
     return number >= 1 && number <= 65535;
 }
-
-/// Makes names on disk UTF-8 whatever the locale says. Call before the application object is made.
-void useUtf8Names();

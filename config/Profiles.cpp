@@ -37,11 +37,12 @@ void Profiles::loadGlobal()
 
 void Profiles::loadOthers()
 {
-    const QStringList files =
-        QDir(m_directories.profiles)
-            .entryList({ QLatin1Char('*') + QLatin1String(Profile::fileSuffix) },
-                       QDir::Files | QDir::CaseSensitive, QDir::Name);
+    const QString suffix = QLatin1String(Profile::fileSuffix);
+    // Filters of names would load the library of regular expressions.
+    const QStringList files = QDir(m_directories.profiles).entryList(QDir::Files, QDir::Name);
     for (const QString &file : files) {
+        if (!file.endsWith(suffix))
+            continue;
         Profile *profile = add(std::make_unique<Profile>(m_directories, file));
         // Found by its name it is refused; not found, another one would be taken instead.
         if (!profile->isUsable())
