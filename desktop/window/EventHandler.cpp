@@ -10,6 +10,7 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto refreshInterval = 2000ms;
+constexpr auto gatherTime = 100ms; ///< ten reports a second, however many clients come
 
 } // namespace
 
@@ -39,9 +40,9 @@ void EventHandler::newConnection(const QString &peer)
 {
     if (peer == lastAddress)
         return;
-    stopTimer();
     lastAddress = peer;
-    sendDataInfo();
+    if (!timer.isActive() || timer.remainingTimeAsDuration() > gatherTime)
+        timer.start(gatherTime);
 }
 
 void EventHandler::sendDataInfo()
@@ -54,7 +55,7 @@ void EventHandler::sendDataInfo()
         traffic->updateListening();
     statusmsg(shownKB(total) + QLatin1String("KB ") + tr("Last connection") + QLatin1String(": ")
               + lastAddress);
-    startTimer();
+    timer.start(refreshInterval);
 }
 
 void EventHandler::msg(const QString &title, const QString &text)
