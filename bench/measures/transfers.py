@@ -1,0 +1,50 @@
+"""Large files, down and up."""
+
+from loads import download, download_together, upload
+from servers import CLASSIC
+from table import BEST, high, low
+
+CLIENTS = 4
+
+
+def metrics(sizes):
+    size = "1 GiB" if sizes.big_mib == 1024 else f"{sizes.big_mib} MiB"
+    return [
+        high("download", f"download of {size}, 1 client [GB/s]", 1.0, BEST),
+        low("download_cpu", "server's CPU time for it [s/GiB]", 1.2, BEST),
+        high("downloads", f"download, {CLIENTS} clients together [GB/s]", 1.0, BEST),
+        high("tls", "download over TLS, 1 client [GB/s]", 1.0, BEST),
+        low("tls_cpu", "server's CPU time for it [s/GiB]"),
+        high("put", f"upload of {size} by PUT [GB/s]", 1.0, BEST),
+        high("form", "upload by a form [GB/s]", 1.0),
+    ]
+
+
+def measure(bench, name):
+    with bench.serve(name) as server:
+        measure_download(bench, server, "download")
+        together = download_together(server.url + "big.bin", bench.sizes.big, CLIENTS)
+        bench.note("downloads", name, together / 1e9)
+        # Twice: the first upload also pays for memory that the machine has not touched for long.
+        for _ in range(2):
+            measure_uploads(bench, server)
+    with bench.serve(name, tls=True) as server:
+        measure_download(bench, server, "tls")
+
+
+def measure_download(bench, server, key):
+    before = server.cpu_seconds()
+    seconds = download(server.url + "big.bin", bench.sizes.big)
+    bench.note(f"{key}_cpu", server.name,
+               (server.cpu_seconds() - before) * 1024 / bench.sizes.big_mib)
+    bench.note(key, server.name, bench.sizes.big / seconds / 1e9)
+
+
+def measure_uploads(bench, server):
+    big, size = bench.share / "big.bin", bench.sizes.big
+    seconds = upload(server.url + "put.bin", bench.share / "put.bin", size, "-T", big)
+    bench.note("put", server.name, size / seconds / 1e9)
+    if server.name in CLASSIC:
+        seconds = upload(server.url + "?a=up", bench.share / "form.bin", size,
+                         "-F", f"f=@{big};filename=form.bin")
+        bench.note("form", server.name, size / seconds / 1e9)
