@@ -18,13 +18,14 @@ from dataclasses import asdict, dataclass
 from pathlib import Path
 
 import share
-from measures import (crowd, dav, latency, listing, memory, pages, previews, requests,
+from measures import (crowd, dav, latency, listing, memory, pages, previews, requests, soak,
                       transfers)
 from servers import NAMES, ROOT, Failure, Launcher
 from table import Results
 
 SUBJECTS = {subject.__name__.split(".")[-1]: subject for subject in (
-    transfers, requests, memory, latency, crowd, dav, pages, previews, listing)}
+    transfers, requests, memory, latency, crowd, dav, pages, previews, listing, soak)}
+USUAL = [name for name in SUBJECTS if name != "soak"]
 
 
 @dataclass(frozen=True)
@@ -40,6 +41,7 @@ class Sizes:
     motifs: int = 4  # different pictures; the others are copies
     crowd: int = 10000
     settle: int = 10  # seconds until a server has given memory back
+    soak: int = 200000  # requests
 
     @property
     def big(self):
@@ -47,7 +49,7 @@ class Sizes:
 
 
 QUICK = Sizes(rounds=1, seconds=1, big_mib=64, entries=2000, listed_tree=10000, pictures=12, motifs=1,
-              crowd=1000, settle=2)
+              crowd=1000, settle=2, soak=10000)
 
 
 class Bench:
@@ -76,7 +78,7 @@ class Bench:
         self.results.declare(metrics)
         if hasattr(subject, "prepare"):
             subject.prepare(self)
-        for turn in range(self.sizes.rounds):
+        for turn in range(getattr(subject, "ROUNDS", self.sizes.rounds)):
             for name in self.results.servers:
                 print(f"==> {subject.__name__}, round {turn + 1}: {name}", file=sys.stderr)
                 self.measure(subject, name)
@@ -96,8 +98,8 @@ def read_arguments():
                         help="small files and one short round, to see that everything works")
     parser.add_argument("--against", type=Path, metavar="BUILD",
                         help="beside another build of ours, such as /tmp/old/build")
-    parser.add_argument("--only", type=names_of(SUBJECTS), default=list(SUBJECTS), metavar="SUBJECT,...",
-                        help=f"of {', '.join(SUBJECTS)}; all by default")
+    parser.add_argument("--only", type=names_of(SUBJECTS), default=USUAL, metavar="SUBJECT,...",
+                        help=f"of {', '.join(SUBJECTS)}; all but soak by default")
     parser.add_argument("--rounds", type=int, metavar="N")
     parser.add_argument("--servers", type=names_of(NAMES), default=NAMES, metavar="NAME,...",
                         help=f"of {', '.join(NAMES)}; all by default")

@@ -7,4 +7,5 @@ source "$(dirname "${BASH_SOURCE[0]}")/../scripts/common.sh"
 
 "$ROOT/scripts/packages.sh" build bench
 build release quillon-serve quillon-preview make-profile
+[[ $* != *soak* ]] || build asan quillon-serve
 exec python3 -B "$ROOT/bench/main.py" "$@"

@@ -95,7 +95,8 @@ class Launcher:
 
     def __init__(self, folder, before=None):
         self.folder = folder
-        builds = {"quillon": ROOT / "build", "before": before, "standard": ROOT / "build"}
+        builds = {"quillon": ROOT / "build", "before": before, "standard": ROOT / "build",
+                  "sanitized": ROOT / "build-asan"}
         self.builds = {name: build for name, build in builds.items() if build}
         self.parts = {"nginx": self.nginx, "lighttpd": self.lighttpd, "apache": self.apache}
         (folder / "tmp").mkdir(mode=0o777)
