@@ -19,6 +19,8 @@ EntryFacts toFacts(const struct stat &status)
     facts.size = status.st_size;
     facts.seconds = status.st_mtim.tv_sec;
     facts.nanoseconds = qint32(status.st_mtim.tv_nsec);
+    facts.changeSeconds = status.st_ctim.tv_sec;
+    facts.changeNanoseconds = qint32(status.st_ctim.tv_nsec);
     return facts;
 }
 

@@ -19,6 +19,8 @@ struct EntryFacts
     qint64 size = 0; ///< bytes
     qint64 seconds = 0; ///< of the last change of content, since 1970-01-01 UTC
     qint32 nanoseconds = 0; ///< of the same, beyond the second
+    qint64 changeSeconds = 0; ///< of the last change of anything, name and rights included
+    qint32 changeNanoseconds = 0; ///< of the same, beyond the second
 
     /// Milliseconds since 1970-01-01 UTC.
     qint64 modified() const { return seconds * 1000 + nanoseconds / 1000000; }
