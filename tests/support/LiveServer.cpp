@@ -45,12 +45,17 @@ void TestHome::writeProfile(const QString &fileName, const QByteArray &bytes) co
 }
 
 LiveServer::LiveServer(Routes routes, const QString &previewProgram)
+    : LiveServer(classicFaces(std::move(routes)), previewProgram)
+{
+}
+
+LiveServer::LiveServer(FaceMaker faces, const QString &previewProgram)
     : profile(home.profiles->global())
     , previews(previewProgram.isEmpty()
                    ? nullptr
                    : std::make_unique<Previews>(previewProgram,
                                                 home.path() + QLatin1String("/.thumbnails")))
-    , engine(classicFaces(std::move(routes)), home.directories, &sink, previews.get())
+    , engine(std::move(faces), home.directories, &sink, previews.get())
 {
     QNetworkAddressEntry loopback;
     loopback.setIp(QHostAddress(QHostAddress::LocalHost));

@@ -63,6 +63,9 @@ public:
     /// `previewProgram` makes previews; none are made without.
     explicit LiveServer(Routes routes = fileRoutes(), const QString &previewProgram = {});
 
+    /// With another face.
+    explicit LiveServer(FaceMaker faces, const QString &previewProgram = {});
+
     /// Starts to listen; fails the test when that is not possible.
     void start();
 

@@ -1,0 +1,3 @@
+#include "standard/Log.h"
+
+Q_LOGGING_CATEGORY(standardLog, "quillon.standard", QtWarningMsg)

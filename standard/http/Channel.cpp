@@ -1,0 +1,355 @@
+#include "standard/http/Channel.h"
+
+#include "net/Socket.h"
+#include "net/TrafficAccount.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+using namespace std::chrono_literals;
+
+namespace standard {
+
+namespace {
+
+constexpr qint64 readAtOnce = qint64(256) * 1024;
+constexpr int readsInATurn = 16;
+constexpr qint64 droppedAtOnce = qint64(16) * 1024;
+constexpr int requestsInATurn = 16; ///< of one peer that sends many at once
+constexpr qint64 maxDropped = qint64(1024) * 1024; ///< a longer body costs more than a connection
+constexpr auto lingerTime = 2s;
+constexpr auto drainTime = 10s; ///< for a peer that takes nothing of the last bytes
+constexpr auto stallTime = 60s; ///< without a byte either way
+constexpr auto idleTime = 600s; ///< between requests
+
+} // namespace
+
+Channel::Channel(Socket &peerSocket, TrafficAccount &traffic, User &channelUser)
+    : socket(peerSocket)
+    , account(traffic)
+    , user(channelUser)
+    , input(peerSocket)
+{
+}
+
+// Reading
+
+void Channel::readable()
+{
+    inTurn = true;
+    for (int i = 0; i < requestsInATurn; ++i) {
+        nextWaits = false;
+        takeInput();
+        if (!nextWaits)
+            break;
+    }
+    inTurn = false;
+    if (account.isBlocked())
+        giveUp();
+    else if (nextWaits)
+        socket.again();
+}
+
+void Channel::takeInput()
+{
+    switch (state) {
+    case State::Collecting:
+        return collectHead();
+    case State::ReadingBody:
+        return continueBody();
+    case State::Settling:
+        return settle();
+    case State::Lingering:
+        return linger();
+    case State::Replying:
+    case State::Streaming:
+    case State::Closing:
+    case State::Gone:
+        return; // Further bytes wait in the socket.
+    }
+}
+
+void Channel::collectHead()
+{
+    switch (head.collect(input)) {
+    case HeadCollector::Look::Incomplete:
+        return;
+    case HeadCollector::Look::Ended:
+        return closeSocket();
+    case HeadCollector::Look::TooLong:
+        return refuse(Status::HeadTooLarge);
+    case HeadCollector::Look::Ready:
+        break;
+    }
+    std::variant<Request, Status> parsed = parseHead(head.take(input));
+    if (const auto *status = std::get_if<Status>(&parsed))
+        return refuse(*status);
+    auto &request = std::get<Request>(parsed);
+    state = State::Replying;
+    keepAlive = request.keepAlive;
+    body = BodyReader(request.framing);
+    expectsContinue = request.framing.expectsContinue;
+    user.requestReady(std::move(request));
+}
+
+/// Nobody can say where the next request would begin.
+void Channel::refuse(Status status)
+{
+    state = State::Replying;
+    keepAlive = false;
+    user.requestBad(status);
+}
+
+bool Channel::isBodyHeldBack() const
+{
+    return expectsContinue && input.buffered().isEmpty();
+}
+
+/// Only somebody who wants the body asks for it (RFC 9110, section 10.1.1).
+void Channel::askForBody()
+{
+    if (isBodyHeldBack())
+        socket.write("HTTP/1.1 100 Continue\r\n\r\n", false);
+    expectsContinue = false;
+}
+
+void Channel::readBody(BodySink target, qint64 most)
+{
+    state = State::ReadingBody;
+    sink = std::move(target);
+    sinkRoom = most;
+    if (body.bytesLeft() > most)
+        return finishBody(BodyEnd::TooLarge);
+    askForBody();
+    continueBody();
+}
+
+void Channel::continueBody()
+{
+    std::array<char, readAtOnce> piece;
+    for (int i = 0; !body.isAtEnd(); ++i) {
+        if (i == readsInATurn)
+            return socket.again();
+        const qint64 size = body.read(input, piece.data(), readAtOnce);
+        if (size < 0)
+            return finishBody(body.isBad() ? BodyEnd::Bad : BodyEnd::Lost);
+        if (size == 0 && !body.isAtEnd())
+            return;
+        sinkRoom -= size;
+        if (sinkRoom < 0)
+            return finishBody(BodyEnd::TooLarge);
+        if (size > 0 && !sink(piece.data(), size))
+            return finishBody(BodyEnd::SinkFailed);
+    }
+    finishBody(BodyEnd::Whole);
+}
+
+void Channel::finishBody(BodyEnd end)
+{
+    sink = {};
+    state = State::Replying;
+    user.bodyEnded(end);
+}
+
+// Writing
+
+/// A body that is held back may come or not, so nobody could tell it from the next request.
+bool Channel::settlePersistence()
+{
+    if (isBodyHeldBack() || body.isBad() || body.bytesLeft() > maxDropped || account.isBlocked())
+        keepAlive = false;
+    return keepAlive;
+}
+
+void Channel::write(const QByteArray &bytes, bool more)
+{
+    if (state != State::Gone)
+        socket.write(bytes, more);
+}
+
+bool Channel::isCongested() const
+{
+    return socket.isCongested();
+}
+
+void Channel::sendFile(FileDescriptor file, qint64 offset, qint64 count)
+{
+    sender.start(std::move(file), offset, count);
+    state = State::Streaming;
+    continueStreaming();
+}
+
+void Channel::continueStreaming()
+{
+    switch (sender.send(socket)) {
+    case FileSender::Outcome::Waiting:
+        return;
+    case FileSender::Outcome::Helped:
+        return socket.again();
+    case FileSender::Outcome::Failed:
+        // The peer was told more than it got: only the end of the connection can end this reply.
+        sender.stop();
+        state = State::Replying;
+        keepAlive = false;
+        return end();
+    case FileSender::Outcome::Sent:
+        sender.stop();
+        state = State::Replying;
+        return user.fileSent();
+    }
+}
+
+void Channel::writable()
+{
+    if (state == State::Streaming)
+        return continueStreaming();
+    if (isCongested())
+        return;
+    if (state == State::Settling)
+        settle();
+    else if (state == State::Replying)
+        user.drained();
+}
+
+// Ending
+
+void Channel::end()
+{
+    if (state != State::Replying)
+        return;
+    user.replyEnded();
+    if (!settlePersistence())
+        return close();
+    state = State::Settling;
+    dropped = 0;
+    if (body.isAtEnd() && !isCongested())
+        rearm();
+    lookFurther();
+}
+
+/// The next request may be here already. It must not be parsed inside the reply to this one.
+void Channel::lookFurther()
+{
+    if (!input.mayRead())
+        return;
+    nextWaits = inTurn;
+    if (!inTurn)
+        socket.again();
+}
+
+/// Goes on to the next request once the last one is dropped and its reply is on its way. A peer
+/// that sends requests but takes no replies waits here.
+void Channel::settle()
+{
+    if (!dropBody() || isCongested())
+        return;
+    rearm();
+    lookFurther();
+}
+
+/// True once nothing of the body is left.
+bool Channel::dropBody()
+{
+    std::array<char, droppedAtOnce> piece;
+    while (!body.isAtEnd()) {
+        const qint64 size = body.read(input, piece.data(), droppedAtOnce);
+        dropped += qMax<qint64>(size, 0);
+        if (size < 0 || dropped > maxDropped) {
+            close();
+            return false;
+        }
+        if (size == 0 && !body.isAtEnd())
+            return false;
+    }
+    return true;
+}
+
+void Channel::rearm()
+{
+    expectsContinue = false;
+    state = State::Collecting;
+}
+
+void Channel::close()
+{
+    if (body.isAtEnd() && head.isEmpty() && !expectsContinue && !input.mayRead())
+        return closeSocket();
+    // Closing on unread input would destroy the reply on its way (RFC 9112, section 9.6).
+    state = State::Lingering;
+    lingersUntil = Clock::now() + lingerTime;
+    socket.endWriting();
+    socket.again();
+}
+
+/// Drops input while the reply is on its way to a peer that may still be sending, for a while or
+/// until it stops.
+void Channel::linger()
+{
+    std::array<char, droppedAtOnce> piece;
+    for (int i = 0; i < readsInATurn; ++i) {
+        const qint64 size = input.read(piece.data(), droppedAtOnce);
+        if (size < 0)
+            return closeSocket();
+        if (size == 0)
+            return;
+    }
+    socket.again();
+}
+
+void Channel::closeSocket()
+{
+    state = State::Closing;
+    socket.finish();
+}
+
+/// The traffic limit was reached: a body counts as cut off, and the connection closes.
+void Channel::giveUp()
+{
+    if (state == State::ReadingBody)
+        finishBody(BodyEnd::Lost);
+    if (state != State::Closing && state != State::Gone)
+        closeSocket();
+}
+
+bool Channel::canAnswer() const
+{
+    return state != State::Gone && socket.canSend() && !account.isBlocked();
+}
+
+void Channel::gone()
+{
+    sender.stop();
+    sink = {};
+    const State last = std::exchange(state, State::Gone);
+    if (last == State::ReadingBody)
+        user.bodyEnded(BodyEnd::Lost);
+    if (last == State::ReadingBody || last == State::Streaming || last == State::Replying)
+        user.replyEnded();
+}
+
+Channel::Clock::time_point Channel::deadline(Clock::time_point lastActivity) const
+{
+    switch (state) {
+    case State::Collecting:
+        return lastActivity + (input.buffered().isEmpty() ? idleTime : stallTime);
+    case State::Replying:
+        return socket.queued() > 0 ? lastActivity + stallTime : Clock::time_point::max();
+    case State::Closing:
+        return lastActivity + drainTime;
+    case State::Lingering:
+        return lingersUntil;
+    default:
+        return lastActivity + stallTime;
+    }
+}
+
+void Channel::expire()
+{
+    if (state == State::Lingering)
+        closeSocket();
+    else
+        socket.abort();
+}
+
+} // namespace standard

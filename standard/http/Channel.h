@@ -1,0 +1,148 @@
+#pragma once
+
+#include "files/FileDescriptor.h"
+#include "net/FileSender.h"
+#include "standard/http/BodyReader.h"
+#include "standard/http/HeadCollector.h"
+#include "standard/http/Input.h"
+#include "standard/http/Request.h"
+
+#include <QByteArray>
+
+#include <chrono>
+#include <functional>
+
+class Socket;
+class TrafficAccount;
+
+namespace standard {
+
+/// Takes the next bytes of a body; false when it could not.
+using BodySink = std::function<bool(const char *data, qint64 size)>;
+
+/// How reading a body ended.
+enum class BodyEnd {
+    Whole,
+    TooLarge,
+    SinkFailed, ///< the sink took no more
+    Bad, ///< its framing is broken
+    Lost ///< the peer stopped sending, or is gone
+};
+
+/// The requests and replies of one connection, one after another, as bytes: collects a head, reads
+/// its body when somebody wants it, sends what it is given, and drops what nobody read before it
+/// goes on. Owned by its face, which is its user.
+class Channel
+{
+public:
+    using Clock = std::chrono::steady_clock;
+
+    class User
+    {
+    public:
+        User() = default;
+        virtual ~User() = default;
+
+        virtual void requestReady(Request request) = 0;
+        virtual void requestBad(Status status) = 0; ///< to be answered; the connection ends then
+        virtual void bodyEnded(BodyEnd end) = 0; ///< see `readBody`
+        virtual void drained() = 0; ///< more can be written
+        virtual void fileSent() = 0; ///< see `sendFile`
+        virtual void replyEnded() = 0; ///< the reply is over, or its peer is gone
+
+    private:
+        Q_DISABLE_COPY(User)
+    };
+
+    /// All are borrowed and outlive the channel.
+    Channel(Socket &peerSocket, TrafficAccount &traffic, User &channelUser);
+
+    const Socket &connection() const { return socket; }
+
+    /// Feeds the body of the request, at most `most` bytes, to `target`, and tells the end once
+    /// through `bodyEnded`, perhaps before this call returns. The peer is asked for its body now,
+    /// where it waits for that.
+    void readBody(BodySink target, qint64 most);
+
+    /// Decides whether the connection goes on after the reply, whose head is about to be written.
+    bool settlePersistence();
+
+    /// The connection ends with this reply.
+    void closeAfterReply() { keepAlive = false; }
+
+    /// Sends or queues `bytes`; `more` tells that further ones follow at once.
+    void write(const QByteArray &bytes, bool more);
+
+    /// Whether who writes in pieces should pause until `drained`.
+    bool isCongested() const;
+
+    /// Sends `count` bytes of `file` from `offset` on, then tells `fileSent`, perhaps before this
+    /// call returns. A file that ends early ends the connection, as the peer was told more.
+    void sendFile(FileDescriptor file, qint64 offset, qint64 count);
+
+    /// Ends the reply. The next request is never looked at before this call returns.
+    void end();
+
+    /// Whether somebody will get an answer.
+    bool canAnswer() const;
+
+    // What the connection tells.
+    void readable();
+    void writable();
+    void gone();
+
+    /// When a peer that did nothing since `lastActivity` is to `expire`.
+    Clock::time_point deadline(Clock::time_point lastActivity) const;
+    void expire();
+
+    /// Whether it waits for the first byte of a request.
+    bool isIdle() const { return state == State::Collecting && input.buffered().isEmpty(); }
+
+private:
+    enum class State {
+        Collecting, ///< a request head
+        Replying, ///< somebody is at work on the answer
+        ReadingBody, ///< for the same
+        Streaming, ///< a file goes out
+        Settling, ///< between requests: the rest of the last one is dropped, its reply drains
+        Lingering, ///< about to close, input is dropped for a while so that the reply arrives
+        Closing, ///< the last bytes drain
+        Gone
+    };
+
+    void takeInput();
+    void collectHead();
+    void refuse(Status status);
+    bool isBodyHeldBack() const;
+    void askForBody();
+    void continueBody();
+    void finishBody(BodyEnd end);
+    void continueStreaming();
+    void settle();
+    bool dropBody();
+    void rearm();
+    void lookFurther();
+    void close();
+    void linger();
+    void closeSocket();
+    void giveUp();
+
+    Socket &socket;
+    TrafficAccount &account;
+    User &user;
+    State state = State::Collecting;
+    Input input;
+    HeadCollector head;
+    BodyReader body;
+    bool keepAlive = true;
+    bool expectsContinue = false; ///< the peer was not yet asked for its body
+    bool inTurn = false; ///< input is being taken
+    bool nextWaits = false; ///< there may be another request to look at in this turn
+    qint64 dropped = 0; ///< bytes of the body that nobody read
+    BodySink sink;
+    qint64 sinkRoom = 0;
+    FileSender sender;
+    Clock::time_point lingersUntil;
+};
+
+} // namespace standard

@@ -1,0 +1,136 @@
+#include "standard/http/Exchange.h"
+
+#include "files/Path.h"
+
+#include <limits>
+#include <utility>
+
+namespace standard {
+
+Exchange::Exchange(Service &served, Channel &peerChannel, const Routes &table)
+    : m_service(served)
+    , m_channel(peerChannel)
+    , m_routes(table)
+{
+}
+
+void Exchange::begin(Request request)
+{
+    current = std::move(request);
+    cleaned = cleanPath(current.target.path);
+    userName.clear();
+}
+
+void Exchange::finish()
+{
+    bodyMemory.reset();
+    collected.reset();
+}
+
+bool Exchange::namesFolder() const
+{
+    return current.target.path.endsWith('/');
+}
+
+bool Exchange::mayChange(const std::vector<Change> &changes)
+{
+    if (!m_routes.guard)
+        return true;
+    std::optional<Refusal> refused = m_routes.guard->refusal(*this, changes);
+    if (!refused)
+        return true;
+    reply(refused->status, std::move(refused->fields), refused->body);
+    return false;
+}
+
+void Exchange::readBody(qint64 max)
+{
+    const Framing &framing = current.framing;
+    if (framing.contentLength > max)
+        return refuse(Status::ContentTooLarge);
+    bodyMemory.emplace(*m_service.setup.forms, framing.chunked ? max : framing.contentLength);
+    if (!bodyMemory->isGranted())
+        return refuse(Status::Unavailable);
+    collected.emplace();
+    const auto collect = [this](const char *data, qint64 size) {
+        collected->append(data, int(size));
+        return true;
+    };
+    m_channel.readBody(collect, max);
+}
+
+std::optional<QByteArray> Exchange::takeBody()
+{
+    return std::exchange(collected, std::nullopt);
+}
+
+void Exchange::saveBody(BodySink sink)
+{
+    m_channel.readBody(std::move(sink), std::numeric_limits<qint64>::max());
+}
+
+void Exchange::reply(Status status, Fields fields, const QByteArray &body)
+{
+    const bool bodiless = isBodiless(status);
+    const bool sends = !bodiless && !current.isHead() && !body.isEmpty();
+    writeHead(status, std::move(fields), bodiless ? Ending::NoBody : Ending::Length, body.size(),
+              sends);
+    if (sends)
+        m_channel.write(body, false);
+    m_channel.end();
+}
+
+void Exchange::refuse(Status status, const QByteArray &text, Fields fields)
+{
+    fields.push_back({ "Content-Type", "text/plain; charset=utf-8" });
+    reply(status, std::move(fields), (text.isEmpty() ? statusText(status) : text) + '\n');
+}
+
+bool Exchange::startBody(Status status, Fields fields, std::optional<qint64> length)
+{
+    Ending kind = Ending::Length;
+    if (!length)
+        kind = current.minorVersion > 0 ? Ending::Chunks : Ending::Close;
+    writeHead(status, std::move(fields), kind, length.value_or(0), !current.isHead());
+    if (!current.isHead())
+        return true;
+    m_channel.end();
+    return false;
+}
+
+void Exchange::writeHead(Status status, Fields fields, Ending kind, qint64 length, bool more)
+{
+    ending = kind;
+    if (kind == Ending::Close)
+        m_channel.closeAfterReply();
+    ReplyHead head{ status, std::move(fields), kind, length };
+    head.keepAlive = m_channel.settlePersistence();
+    head.tellsKeepAlive = current.minorVersion == 0;
+    m_channel.write(headBlock(head), more);
+}
+
+void Exchange::write(const QByteArray &bytes)
+{
+    if (!bytes.isEmpty())
+        m_channel.write(ending == Ending::Chunks ? chunk(bytes) : bytes, true);
+}
+
+void Exchange::sendFile(FileDescriptor file, qint64 offset, qint64 count)
+{
+    m_channel.sendFile(std::move(file), offset, count);
+}
+
+void Exchange::end()
+{
+    if (ending == Ending::Chunks)
+        m_channel.write(lastChunk, false);
+    m_channel.end();
+}
+
+void Exchange::breakOff()
+{
+    m_channel.closeAfterReply();
+    m_channel.end();
+}
+
+} // namespace standard

@@ -1,0 +1,110 @@
+#pragma once
+
+#include "server/MemoryBudget.h"
+#include "server/Service.h"
+#include "standard/http/Channel.h"
+#include "standard/http/Guard.h"
+#include "standard/http/Reply.h"
+#include "standard/http/Request.h"
+#include "standard/http/Routes.h"
+
+#include <memory>
+#include <optional>
+
+namespace standard {
+
+/// What a handler works with: the request, what is served to whom, and the way to answer. One for
+/// each connection, owned by its face; begun anew for each request.
+class Exchange
+{
+public:
+    /// All are borrowed and outlive it.
+    Exchange(Service &served, Channel &peerChannel, const Routes &table);
+
+    // What is asked for
+
+    const Request &request() const { return current; }
+    Service &service() const { return m_service; }
+    const Channel &channel() const { return m_channel; }
+    const Routes &routes() const { return m_routes; }
+
+    /// What the request names in the share: bytes, relative to the root, which is "", without
+    /// empty, "." and ".." segments, and without a "/" at its end.
+    const QByteArray &path() const { return cleaned; }
+
+    /// Whether the request's path ends with a "/".
+    bool namesFolder() const;
+
+    /// The user name of the login; empty without one.
+    const QByteArray &user() const { return userName; }
+
+    /// Whether the request may make `changes`; else the refusal is sent, and the reply is over.
+    bool mayChange(const std::vector<Change> &changes);
+
+    // The body of the request. A peer that waits to be asked for it is asked now.
+
+    /// Reads it whole, up to `max` bytes, and gives it to `Handler::bodyReady`, perhaps before this
+    /// call returns. A body that is longer or broken is refused here.
+    void readBody(qint64 max);
+
+    /// Feeds it to `sink`; the end is told to `Handler::bodySaved`, perhaps before this call
+    /// returns.
+    void saveBody(BodySink sink);
+
+    // The reply: one of these, once
+
+    /// The whole reply. The length is told; a body is not sent to HEAD.
+    void reply(Status status, Fields fields = {}, const QByteArray &body = {});
+
+    /// The same with `text` as a plain text for people; what the status says when it is empty.
+    void refuse(Status status, const QByteArray &text = {}, Fields fields = {});
+
+    /// The head of a reply whose body is written in pieces; `length` is its size in bytes, none
+    /// when that isn't known. False when no body is wanted (HEAD): the reply is over then.
+    bool startBody(Status status, Fields fields, std::optional<qint64> length);
+
+    /// A piece of the body. Nothing is kept back: watch `isCongested`.
+    void write(const QByteArray &bytes);
+
+    /// Whether to pause until `Handler::drained`.
+    bool isCongested() const { return m_channel.isCongested(); }
+
+    /// A part of a file as a piece of the body; `Handler::fileSent` follows. The length of the
+    /// body must have been told.
+    void sendFile(FileDescriptor file, qint64 offset, qint64 count);
+
+    /// The body is whole.
+    void end();
+
+    /// The reply can't be ended as it was begun: the connection is cut off.
+    void breakOff();
+
+    /// Whether somebody will get an answer; clean up without one otherwise.
+    bool canAnswer() const { return m_channel.canAnswer(); }
+
+    // For the face
+
+    void begin(Request request);
+    void setUser(const QByteArray &name) { userName = name; }
+
+    /// What was read by `readBody`, if that is what was going on.
+    std::optional<QByteArray> takeBody();
+
+    /// Lets go of what was kept for the request.
+    void finish();
+
+private:
+    void writeHead(Status status, Fields fields, Ending ending, qint64 length, bool more);
+
+    Service &m_service;
+    Channel &m_channel;
+    const Routes &m_routes;
+    Request current;
+    QByteArray cleaned;
+    QByteArray userName;
+    Ending ending = Ending::Length; ///< of the reply under way
+    std::optional<QByteArray> collected; ///< while a body is read whole
+    std::optional<MemoryBudget::Part> bodyMemory; ///< for the same, until the reply is over
+};
+
+} // namespace standard

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "standard/http/Method.h"
+
+#include <memory>
+#include <vector>
+
+namespace standard {
+
+class Exchange;
+class Guard;
+class Handler;
+
+/// Says who answers a method.
+struct Route
+{
+    Method method;
+    std::unique_ptr<Handler> (*make)(Exchange &exchange);
+};
+
+/// The `make` of a route for a handler that needs nothing but the exchange.
+template <typename Kind> std::unique_ptr<Handler> makeHandler(Exchange &exchange)
+{
+    return std::make_unique<Kind>(exchange);
+}
+
+/// Everything that the face answers, one row for each method.
+struct Routes
+{
+    std::vector<Route> rows;
+    std::shared_ptr<Guard> guard = {}; ///< null: everything may be changed
+};
+
+/// The methods of plain HTTP. Those of other folders are added to them.
+Routes fileRoutes();
+
+} // namespace standard

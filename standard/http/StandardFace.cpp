@@ -1,0 +1,123 @@
+#include "standard/http/StandardFace.h"
+
+#include "net/Socket.h"
+#include "server/Connection.h"
+#include "standard/Log.h"
+#include "standard/http/FileReply.h"
+#include "standard/http/Handler.h"
+
+#include <utility>
+
+namespace standard {
+
+Routes fileRoutes()
+{
+    return { { { Method::Get, makeHandler<FileReply> }, { Method::Head, makeHandler<FileReply> } },
+             {} };
+}
+
+FaceMaker standardFaces(Routes routes)
+{
+    auto table = std::make_shared<const Routes>(std::move(routes));
+    return [table](Connection &connection) -> std::unique_ptr<Face> {
+        return std::make_unique<StandardFace>(connection, table);
+    };
+}
+
+StandardFace::StandardFace(Connection &owner, std::shared_ptr<const Routes> table)
+    : connection(owner)
+    , routes(std::move(table))
+    , channel(owner.socket(), owner.service().traffic, *this)
+    , exchange(owner.service(), channel, *routes)
+{
+}
+
+StandardFace::~StandardFace() = default;
+
+void StandardFace::readable()
+{
+    channel.readable();
+    dropHandler();
+}
+
+void StandardFace::writable()
+{
+    channel.writable();
+    dropHandler();
+}
+
+/// Not where the handler itself may be at work.
+void StandardFace::dropHandler()
+{
+    if (!isAnswering)
+        handler.reset();
+}
+
+void StandardFace::requestReady(Request request)
+{
+    connection.noteRequest();
+    exchange.begin(std::move(request));
+    const Route *route = findRoute();
+    if (!route)
+        return exchange.refuse(Status::MethodNotAllowed);
+    handler = route->make(exchange);
+    isAnswering = true;
+    handler->start();
+}
+
+void StandardFace::requestBad(Status status)
+{
+    qCDebug(standardLog) << "refused:" << statusText(status) << "from"
+                         << channel.connection().peerAddress();
+    connection.noteRequest();
+    exchange.begin({});
+    exchange.refuse(status);
+}
+
+void StandardFace::bodyEnded(BodyEnd end)
+{
+    std::optional<QByteArray> body = exchange.takeBody();
+    if (!body)
+        return handler->bodySaved(end);
+    switch (end) {
+    case BodyEnd::Whole:
+        return handler->bodyReady(*body);
+    case BodyEnd::TooLarge:
+    case BodyEnd::SinkFailed:
+        return exchange.refuse(Status::ContentTooLarge);
+    case BodyEnd::Bad:
+        return exchange.refuse(Status::BadRequest);
+    case BodyEnd::Lost:
+        return exchange.breakOff();
+    }
+}
+
+void StandardFace::drained()
+{
+    if (isAnswering)
+        handler->drained();
+}
+
+void StandardFace::fileSent()
+{
+    if (isAnswering)
+        handler->fileSent();
+}
+
+void StandardFace::replyEnded()
+{
+    if (std::exchange(isAnswering, false))
+        handler->ended();
+    exchange.finish();
+}
+
+const Route *StandardFace::findRoute() const
+{
+    for (const Route &route : routes->rows) {
+        if (route.method == exchange.request().method)
+            return &route;
+    }
+    return nullptr;
+}
+
+} // namespace standard

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "server/Face.h"
+#include "standard/http/Channel.h"
+#include "standard/http/Exchange.h"
+#include "standard/http/Routes.h"
+
+#include <memory>
+
+namespace standard {
+
+class Handler;
+
+/// The standard face: admits requests and has the handler of their method answer, as the RFCs say.
+class StandardFace final : public Face, private Channel::User
+{
+public:
+    /// `table` is shared with the other connections.
+    StandardFace(Connection &owner, std::shared_ptr<const Routes> table);
+    ~StandardFace() override;
+
+    void readable() override;
+    void writable() override;
+    void gone() override { channel.gone(); }
+    Clock::time_point deadline(Clock::time_point lastActivity) const override
+    {
+        return channel.deadline(lastActivity);
+    }
+    void expire() override { channel.expire(); }
+    bool isIdle() const override { return channel.isIdle(); }
+
+private:
+    void requestReady(Request request) override;
+    void requestBad(Status status) override;
+    void bodyEnded(BodyEnd end) override;
+    void drained() override;
+    void fileSent() override;
+    void replyEnded() override;
+
+    const Route *findRoute() const;
+    void dropHandler();
+
+    Connection &connection;
+    std::shared_ptr<const Routes> routes;
+    Channel channel;
+    Exchange exchange;
+    bool isAnswering = false; ///< the handler has not ended
+    std::unique_ptr<Handler> handler;
+};
+
+/// Makes faces that answer by `routes`.
+FaceMaker standardFaces(Routes routes);
+
+} // namespace standard

@@ -1,0 +1,90 @@
+#include "standard/http/Uri.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+namespace standard {
+
+namespace {
+
+constexpr std::array<const char *, 2> schemes{ "http://", "https://" };
+
+// Of what a URL's path may hold as it is (RFC 3986, section 3.3) all but "&" and "'", which mean
+// something in XML.
+constexpr auto literalInPath = "!$()*+,;=:@/";
+
+bool isHexPair(const QByteArray &text, int at)
+{
+    const auto isHex = [&text](int index) {
+        return std::isxdigit(static_cast<unsigned char>(text[index])) != 0;
+    };
+    return at + 1 < text.size() && isHex(at) && isHex(at + 1);
+}
+
+/// Whether a URL can't hold it: blanks, controls, and what begins a fragment.
+bool isForbidden(char c)
+{
+    return static_cast<unsigned char>(c) <= ' ' || c == '\x7f' || c == '#';
+}
+
+/// The length of the scheme in front, with "://"; 0 when there is none of ours.
+int schemeLength(const QByteArray &text)
+{
+    for (const char *scheme : schemes) {
+        const auto size = int(qstrlen(scheme));
+        if (qstrnicmp(text.constData(), scheme, uint(size)) == 0)
+            return size;
+    }
+    return 0;
+}
+
+} // namespace
+
+std::optional<QByteArray> percentDecoded(const QByteArray &text)
+{
+    for (int at = int(text.indexOf('%')); at >= 0; at = int(text.indexOf('%', at + 1))) {
+        if (!isHexPair(text, at + 1))
+            return {};
+    }
+    const QByteArray decoded = QByteArray::fromPercentEncoding(text);
+    if (decoded.contains('\0'))
+        return {};
+    return decoded;
+}
+
+std::optional<Target> parseTarget(const QByteArray &text)
+{
+    if (std::any_of(text.begin(), text.end(), isForbidden))
+        return {};
+    Target target;
+    QByteArray rest = text;
+    if (const int scheme = schemeLength(text); scheme > 0) {
+        const auto isAuthorityEnd = [](char c) { return c == '/' || c == '?'; };
+        const auto begin = text.begin() + scheme;
+        const auto end = std::find_if(begin, text.end(), isAuthorityEnd);
+        target.authority = text.mid(scheme, int(end - begin));
+        rest = text.mid(int(end - text.begin()));
+        if (target.authority.isEmpty())
+            return {};
+        if (!rest.startsWith('/'))
+            rest.prepend('/');
+    }
+    if (!rest.startsWith('/'))
+        return {};
+    const int mark = int(rest.indexOf('?'));
+    target.rawPath = rest.left(mark);
+    target.query = mark < 0 ? QByteArray() : rest.mid(mark + 1);
+    const std::optional<QByteArray> path = percentDecoded(target.rawPath);
+    if (!path)
+        return {};
+    target.path = *path;
+    return target;
+}
+
+QByteArray encodedPath(const QByteArray &path)
+{
+    return path.toPercentEncoding(literalInPath);
+}
+
+} // namespace standard

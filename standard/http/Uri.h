@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QByteArray>
+
+#include <optional>
+
+namespace standard {
+
+/// The target of a request, or a Destination, taken apart (RFC 9112, section 3.2).
+struct Target
+{
+    QByteArray authority; ///< of an absolute URL; empty for a mere path
+    QByteArray rawPath; ///< as it was sent, begins with "/"
+    QByteArray path; ///< decoded bytes, begins with "/"; never holds a NUL
+    QByteArray query; ///< as it was sent, without its "?"
+};
+
+/// A path or an http(s) URL. None when it is neither or badly encoded.
+std::optional<Target> parseTarget(const QByteArray &text);
+
+/// Decodes "%41". None when a "%" is followed by something else than two hex digits, and for "%00".
+std::optional<QByteArray> percentDecoded(const QByteArray &text);
+
+/// A path of bytes as it stands in a URL; harmless in XML and in header lines.
+QByteArray encodedPath(const QByteArray &path);
+
+} // namespace standard
