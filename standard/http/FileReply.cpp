@@ -1,22 +1,177 @@
 #include "standard/http/FileReply.h"
 
-#include "files/Share.h"
+#include "config/Profile.h"
+#include "files/ListingCache.h"
+#include "files/Path.h"
+#include "standard/http/ContentType.h"
+#include "standard/http/FolderPage.h"
 
+#include <QRandomGenerator>
+
+#include <algorithm>
+#include <cerrno>
+#include <numeric>
 #include <utility>
+
+#include <fcntl.h>
 
 namespace standard {
 
+namespace {
+
+/// What is served is somebody's file, never a part of this program.
+void addProtection(Fields &fields)
+{
+    fields.push_back({ "X-Content-Type-Options", "nosniff" });
+    fields.push_back({ "Content-Security-Policy", "sandbox" });
+}
+
+QByteArray newBoundary()
+{
+    return QByteArray::number(QRandomGenerator::system()->generate64(), 16);
+}
+
+FileDescriptor duplicate(const FileDescriptor &descriptor)
+{
+    return FileDescriptor(::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, 0));
+}
+
+} // namespace
+
 void FileReply::start()
 {
-    const Share *share = exchange.service().share.get();
-    std::optional<OpenFile> file;
-    if (share && !exchange.namesFolder())
-        file = share->openFile(exchange.path());
-    if (!file)
+    if (!share())
         return exchange.refuse(Status::NotFound);
-    const qint64 size = file->facts.size;
-    if (exchange.startBody(Status::Ok, {}, size))
-        exchange.sendFile(std::move(file->descriptor), 0, size);
+    if (share()->isFolder() && exchange.namesFolder())
+        return listFolder();
+    std::optional<OpenFile> opened = share()->openFile(exchange.path());
+    if (opened)
+        return sendFile(std::move(*opened));
+    if (errno == EISDIR)
+        return redirectToFolder();
+    exchange.refuse(statusOf(errno));
+}
+
+void FileReply::sendFile(OpenFile opened)
+{
+    file = std::move(opened);
+    if (!meetsConditions(file.facts))
+        return;
+    const Request &request = exchange.request();
+    Fields fields = validatorFields(file.facts);
+    fields.push_back({ "Accept-Ranges", "bytes" });
+    addProtection(fields);
+    type = contentType(fileName(), file.descriptor.get());
+    fields.push_back({ "Content-Disposition", disposition(fileName(), type) });
+
+    const std::optional<QByteArray> asked = request.field("Range");
+    // For HEAD, and all that isn't GET, there are no ranges (RFC 9110, section 14.2).
+    if (!asked || request.isHead() || !rangeApplies(request, Validators::of(file.facts)))
+        return sendWhole(std::move(fields));
+    RangeAnswer answer = rangesOf(*asked, file.facts.size);
+    if (answer.kind == RangeAnswer::Kind::Whole)
+        return sendWhole(std::move(fields));
+    if (answer.kind == RangeAnswer::Kind::Unsatisfiable) {
+        return exchange.refuse(
+            Status::RangeNotSatisfiable, {},
+            { { "Content-Range", "bytes */" + QByteArray::number(file.facts.size) } });
+    }
+    if (answer.parts.size() == 1)
+        return sendPart(std::move(fields), answer.parts.front());
+    startParts(std::move(fields), std::move(answer.parts));
+}
+
+void FileReply::sendWhole(Fields fields)
+{
+    fields.push_back({ "Content-Type", type });
+    const qint64 size = file.facts.size;
+    if (exchange.startBody(Status::Ok, std::move(fields), size))
+        exchange.sendFile(std::move(file.descriptor), 0, size);
+}
+
+void FileReply::sendPart(Fields fields, const ByteRange &part)
+{
+    fields.push_back({ "Content-Type", type });
+    fields.push_back({ "Content-Range", contentRange(part, file.facts.size) });
+    if (exchange.startBody(Status::PartialContent, std::move(fields), part.count))
+        exchange.sendFile(std::move(file.descriptor), part.first, part.count);
+}
+
+void FileReply::startParts(Fields fields, std::vector<ByteRange> wanted)
+{
+    boundary = newBoundary();
+    fields.push_back({ "Content-Type", "multipart/byteranges; boundary=" + boundary });
+    const auto length = std::accumulate(wanted.begin(), wanted.end(), qint64(boundary.size()) + 8,
+                                        [this](qint64 sum, const ByteRange &part) {
+                                            return sum + partHead(part).size() + part.count;
+                                        });
+    parts = std::move(wanted);
+    std::reverse(parts.begin(), parts.end());
+    if (exchange.startBody(Status::PartialContent, std::move(fields), length))
+        sendNextPart();
+}
+
+/// Each begins with the line break that ends the one before.
+QByteArray FileReply::partHead(const ByteRange &part) const
+{
+    return "\r\n--" + boundary + "\r\nContent-Type: " + type
+        + "\r\nContent-Range: " + contentRange(part, file.facts.size) + "\r\n\r\n";
+}
+
+void FileReply::sendNextPart()
+{
+    const ByteRange part = parts.back();
+    parts.pop_back();
+    exchange.write(partHead(part));
+    exchange.sendFile(duplicate(file.descriptor), part.first, part.count);
+}
+
+void FileReply::fileSent()
+{
+    if (boundary.isEmpty())
+        return exchange.end();
+    if (!parts.empty())
+        return sendNextPart();
+    exchange.write("\r\n--" + boundary + "--\r\n");
+    exchange.end();
+}
+
+QByteArray FileReply::fileName() const
+{
+    const QByteArray &path = exchange.path();
+    if (path.isEmpty())
+        return nativePath(exchange.service().shared.fileName());
+    return path.mid(path.lastIndexOf('/') + 1);
+}
+
+/// Relative links of its page would lead elsewhere without the "/". Only the path is told: what is
+/// in front of it a proxy may know better.
+void FileReply::redirectToFolder()
+{
+    QByteArray location = '/' + encodedPath(exchange.path()) + '/';
+    if (const QByteArray &query = exchange.request().target.query; !query.isEmpty())
+        location += '?' + query;
+    exchange.refuse(Status::PermanentRedirect, {}, { { "Location", location } });
+}
+
+void FileReply::listFolder()
+{
+    if (!exchange.service().profile->showsFolders())
+        return exchange.refuse(Status::Forbidden, "Folders are not listed here.");
+    std::optional<FolderReader> folder = share()->openFolder(exchange.path());
+    if (!folder)
+        return exchange.refuse(statusOf(errno));
+    exchange.service().setup.listings->list(
+        std::move(*folder), ListingShape(), { 0, maxPageEntries }, this,
+        [this](const ListingCache::Listing &listing) { sendListing(*listing); });
+}
+
+void FileReply::sendListing(const FolderListing &listing)
+{
+    Fields fields{ { "Content-Type", "text/html; charset=utf-8" },
+                   { "Cache-Control", "no-cache" } };
+    addProtection(fields);
+    exchange.reply(Status::Ok, std::move(fields), folderPage(exchange.path(), listing));
 }
 
 } // namespace standard

@@ -1,16 +1,43 @@
 #pragma once
 
-#include "standard/http/Handler.h"
+#include "files/Share.h"
+#include "standard/http/Ranges.h"
+#include "standard/http/Resource.h"
+
+#include <memory>
+#include <vector>
+
+class FolderListing;
 
 namespace standard {
 
-/// GET and HEAD of what is shared.
-class FileReply final : public Handler
+/// GET and HEAD of what is shared: a file, the parts of it that are asked for, or a page that lists
+/// a folder.
+class FileReply final : public ResourceHandler
 {
 public:
-    using Handler::Handler;
+    using ResourceHandler::ResourceHandler;
 
     void start() override;
+    void fileSent() override;
+
+private:
+    void sendFile(OpenFile opened);
+    void sendWhole(Fields fields);
+    void sendPart(Fields fields, const ByteRange &part);
+    void startParts(Fields fields, std::vector<ByteRange> wanted);
+    void sendNextPart();
+    QByteArray partHead(const ByteRange &part) const;
+    QByteArray fileName() const;
+    void redirectToFolder();
+    void listFolder();
+    void sendListing(const FolderListing &listing);
+
+    OpenFile file;
+    QByteArray type;
+    QByteArray boundary;
+    std::vector<ByteRange>
+        parts; ///< of several, those that are still to be sent, the next one last
 };
 
 } // namespace standard

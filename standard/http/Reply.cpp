@@ -1,6 +1,7 @@
 #include "standard/http/Reply.h"
 
-#include <array>
+#include "standard/http/HttpDate.h"
+
 #include <ctime>
 
 namespace standard {
@@ -8,9 +9,6 @@ namespace standard {
 namespace {
 
 constexpr auto product = "Quillon/" QUILLON_VERSION;
-constexpr std::array<const char *, 7> days{ "Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat" };
-constexpr std::array<const char *, 12> months{ "Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                               "Jul", "Aug", "Sep", "Oct", "Nov", "Dec" };
 
 /// The time now; made once a second.
 const QByteArray &currentDate()
@@ -23,12 +21,6 @@ const QByteArray &currentDate()
         date = httpDate(now);
     }
     return date;
-}
-
-/// Two digits.
-QByteArray padded(int number)
-{
-    return QByteArray::number(number).rightJustified(2, '0');
 }
 
 /// Nothing in a value ends its line.
@@ -58,18 +50,6 @@ void appendEnding(QByteArray &block, const ReplyHead &head)
 }
 
 } // namespace
-
-QByteArray httpDate(qint64 secondsSinceEpoch)
-{
-    const auto seconds = std::time_t(secondsSinceEpoch);
-    std::tm time = {};
-    if (!::gmtime_r(&seconds, &time))
-        return httpDate(0);
-    const QByteArray year = QByteArray::number(time.tm_year + 1900).rightJustified(4, '0');
-    return QByteArray(days[std::size_t(time.tm_wday)]) + ", " + padded(time.tm_mday) + ' '
-        + months[std::size_t(time.tm_mon)] + ' ' + year + ' ' + padded(time.tm_hour) + ':'
-        + padded(time.tm_min) + ':' + padded(time.tm_sec) + " GMT";
-}
 
 QByteArray headBlock(const ReplyHead &head)
 {

@@ -9,9 +9,6 @@
 
 namespace standard {
 
-/// A time as HTTP writes it: "Sun, 06 Nov 1994 08:49:37 GMT" (RFC 9110, section 5.6.7).
-QByteArray httpDate(qint64 secondsSinceEpoch);
-
 /// How the end of a reply's body is told.
 enum class Ending {
     Length, ///< by its length

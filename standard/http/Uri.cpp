@@ -73,7 +73,7 @@ std::optional<Target> parseTarget(const QByteArray &text)
     if (!rest.startsWith('/'))
         return {};
     const int mark = int(rest.indexOf('?'));
-    target.rawPath = rest.left(mark);
+    target.rawPath = mark < 0 ? rest : rest.left(mark);
     target.query = mark < 0 ? QByteArray() : rest.mid(mark + 1);
     const std::optional<QByteArray> path = percentDecoded(target.rawPath);
     if (!path)

@@ -1,0 +1,105 @@
+#include "standard/http/Resource.h"
+
+#include "config/Profile.h"
+#include "files/Share.h"
+#include "standard/http/HttpDate.h"
+
+#include <cerrno>
+
+namespace standard {
+
+Status statusOf(int error)
+{
+    switch (error) {
+    case ENOENT:
+    case ENOTDIR:
+    case ELOOP:
+    case ENAMETOOLONG:
+        return Status::NotFound;
+    case ENOSPC:
+    case EDQUOT:
+    case EFBIG:
+        return Status::InsufficientStorage;
+    case EMFILE:
+    case ENFILE:
+    case ENOMEM:
+        return Status::Unavailable;
+    default:
+        return Status::Forbidden;
+    }
+}
+
+Status statusOf(DiskError error)
+{
+    switch (error) {
+    case DiskError::None:
+        return Status::NoContent;
+    case DiskError::Exists:
+        return Status::PreconditionFailed;
+    case DiskError::Locked:
+        return Status::Locked;
+    case DiskError::Missing:
+    case DiskError::Changed:
+        return Status::Conflict;
+    case DiskError::NoSpace:
+        return Status::InsufficientStorage;
+    case DiskError::Failed:
+        break;
+    }
+    return Status::Forbidden;
+}
+
+Fields validatorFields(const EntryFacts &facts)
+{
+    return { { "ETag", entityTag(facts) }, { "Last-Modified", httpDate(facts.seconds) } };
+}
+
+EntryFacts ResourceHandler::factsAt(const QByteArray &path) const
+{
+    return share() ? share()->facts(path) : EntryFacts();
+}
+
+EntryFacts ResourceHandler::facts() const
+{
+    const EntryFacts found = factsAt(exchange.path());
+    const bool isRoot = exchange.path().isEmpty();
+    return found.folder || isRoot || !exchange.namesFolder() ? found : EntryFacts();
+}
+
+Place ResourceHandler::place() const
+{
+    return share() ? share()->place(exchange.path()) : Place();
+}
+
+bool ResourceHandler::mayUpload()
+{
+    if (exchange.service().profile->allowsUpload())
+        return true;
+    exchange.refuse(Status::Forbidden, "Nothing may be changed here.");
+    return false;
+}
+
+bool ResourceHandler::mayDelete()
+{
+    if (exchange.service().profile->allowsDelete())
+        return true;
+    exchange.refuse(Status::Forbidden, "Nothing may be removed here.");
+    return false;
+}
+
+bool ResourceHandler::meetsConditions(const EntryFacts &found)
+{
+    switch (judge(exchange.request(), Validators::of(found))) {
+    case Verdict::Proceed:
+        return true;
+    case Verdict::NotModified:
+        exchange.reply(Status::NotModified, validatorFields(found));
+        return false;
+    case Verdict::Failed:
+        break;
+    }
+    exchange.refuse(Status::PreconditionFailed);
+    return false;
+}
+
+} // namespace standard

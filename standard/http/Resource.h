@@ -1,0 +1,59 @@
+#pragma once
+
+#include "files/DiskError.h"
+#include "files/Entry.h"
+#include "files/Place.h"
+#include "standard/http/Conditions.h"
+#include "standard/http/Handler.h"
+
+#include <QByteArray>
+
+class DiskWorker;
+class Share;
+
+namespace standard {
+
+/// What `errno` means for whoever asked for the file.
+Status statusOf(int error);
+
+/// What it means when something can't be put on the disk.
+Status statusOf(DiskError error);
+
+/// "ETag" and "Last-Modified" of a file.
+Fields validatorFields(const EntryFacts &facts);
+
+/// The base of the handlers that work on what a path names.
+class ResourceHandler : public Handler
+{
+public:
+    using Handler::Handler;
+
+protected:
+    /// Null when what is shared can't be opened.
+    const Share *share() const { return exchange.service().share.get(); }
+
+    DiskWorker &disk() const { return *exchange.service().setup.disk; }
+
+    /// A look at what the request names. A "/" at its end asks for a folder: a file is not there
+    /// then.
+    EntryFacts facts() const;
+
+    /// The same of a path of the share.
+    EntryFacts factsAt(const QByteArray &path) const;
+
+    /// Where it stands or is to stand. Not valid, with `errno`, when there is no such folder.
+    Place place() const;
+
+    /// Whether the profile lets visitors change and add files, or remove them; else the request is
+    /// refused.
+    bool mayUpload();
+    bool mayDelete();
+
+    /// Whether the conditions of the request let it be done; else it is refused.
+    bool meetsConditions(const EntryFacts &found);
+
+    /// Whether the request is about something that may be changed or removed: not the share itself.
+    bool namesEntry() const { return !exchange.path().isEmpty(); }
+};
+
+} // namespace standard

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "standard/http/StandardFace.h"
+#include "tests/support/LiveServer.h"
+
+/// A real server of the standard face that shares a fresh folder.
+class StandardServer : public LiveServer
+{
+public:
+    explicit StandardServer(standard::Routes routes = standard::fileRoutes())
+        : LiveServer(standard::standardFaces(std::move(routes)))
+    {
+        start();
+    }
+};
+
+/// The reply to one request on a connection of its own. Nothing of a body that goes on until the
+/// connection ends is lost, and HEAD may tell a length.
+inline RawReply replyTo(const LiveServer &server, const QByteArray &method,
+                        const QByteArray &target, const QByteArray &headers = {},
+                        const QByteArray &body = {})
+{
+    RawClient client(server.port());
+    client.send(rawRequest(method, target, headers + "Connection: close\r\n", body));
+    const QByteArray all = client.readToEnd();
+    const int end = int(all.indexOf("\r\n\r\n"));
+    return { all.left(end), all.mid(end + 4) };
+}

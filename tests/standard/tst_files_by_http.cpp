@@ -1,0 +1,241 @@
+#include "tests/standard/StandardTest.h"
+
+#include <QTest>
+
+using namespace standard;
+
+class TestFilesByHttp : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void fileHasAllItsFields();
+    void headIsGetWithoutBody();
+    void ranges_data();
+    void ranges();
+    void severalRanges();
+    void unchangedFileIsNotSentAgain();
+    void shrinkingFileEndsConnection();
+    void folders();
+    void requestsOneAfterAnother();
+    void unreadBodies();
+    void badHeads_data();
+    void badHeads();
+};
+
+void TestFilesByHttp::fileHasAllItsFields()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a b.txt"), "gr\xc3\xbc\xc3\x9f");
+    server.addFile(QStringLiteral("latin.txt"), "gr\xfc\xdf");
+    server.addFile(QStringLiteral("page.html"), "<html>");
+    const RawReply text = replyTo(server, "GET", "/a%20b.txt");
+    QCOMPARE(text.status(), QByteArray("200 OK"));
+    QCOMPARE(text.body, QByteArray("gr\xc3\xbc\xc3\x9f"));
+    QCOMPARE(text.header("Content-Type"), QByteArray("text/plain; charset=utf-8"));
+    QCOMPARE(text.header("Content-Disposition"), QByteArray("inline; filename=\"a b.txt\""));
+    QCOMPARE(text.header("X-Content-Type-Options"), QByteArray("nosniff"));
+    QCOMPARE(text.header("Content-Security-Policy"), QByteArray("sandbox"));
+    QCOMPARE(text.header("Accept-Ranges"), QByteArray("bytes"));
+    QCOMPARE(text.header("Server"), QByteArray("Quillon/" QUILLON_VERSION));
+    QVERIFY(text.header("ETag").startsWith('"'));
+    QVERIFY(text.header("Date").endsWith(" GMT") && text.header("Last-Modified").endsWith(" GMT"));
+    QCOMPARE(replyTo(server, "GET", "/latin.txt").header("Content-Type"), QByteArray("text/plain"));
+    QVERIFY(replyTo(server, "GET", "/page.html").header("Content-Disposition").startsWith("att"));
+    QCOMPARE(replyTo(server, "GET", "/missing").status(), QByteArray("404 Not Found"));
+    QCOMPARE(replyTo(server, "GET", "/page.html/").status(), QByteArray("404 Not Found"));
+    QCOMPARE(replyTo(server, "GET", "/../../etc/passwd").status(), QByteArray("404 Not Found"));
+}
+
+void TestFilesByHttp::headIsGetWithoutBody()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "content");
+    RawReply get = replyTo(server, "GET", "/a");
+    RawReply head = replyTo(server, "HEAD", "/a", "Range: bytes=0-1\r\n");
+    QVERIFY(head.body.isEmpty());
+    // Both may have met another second.
+    get.head.replace(get.header("Date"), "");
+    head.head.replace(head.header("Date"), "");
+    QCOMPARE(head.head, get.head);
+}
+
+void TestFilesByHttp::ranges_data()
+{
+    QTest::addColumn<QByteArray>("headers");
+    QTest::addColumn<QByteArray>("status");
+    QTest::addColumn<QByteArray>("contentRange");
+    QTest::addColumn<QByteArray>("body");
+
+    const QByteArray part = "206 Partial Content";
+    QTest::newRow("two bytes, as players ask first")
+        << QByteArray("Range: bytes=0-1\r\n") << part << QByteArray("bytes 0-1/10")
+        << QByteArray("01");
+    QTest::newRow("to the end") << QByteArray("Range: bytes=7-\r\n") << part
+                                << QByteArray("bytes 7-9/10") << QByteArray("789");
+    QTest::newRow("past the end") << QByteArray("Range: bytes=10-\r\n")
+                                  << QByteArray("416 Range Not Satisfiable")
+                                  << QByteArray("bytes */10")
+                                  << QByteArray("416 Range Not Satisfiable\n");
+    QTest::newRow("of another version")
+        << QByteArray("Range: bytes=7-\r\nIf-Range: \"x\"\r\n") << QByteArray("200 OK")
+        << QByteArray() << QByteArray("0123456789");
+}
+
+void TestFilesByHttp::ranges()
+{
+    QFETCH(const QByteArray, headers);
+    QFETCH(const QByteArray, body);
+    StandardServer server;
+    server.addFile(QStringLiteral("a.mp4"), "0123456789");
+    const RawReply reply = replyTo(server, "GET", "/a.mp4", headers);
+    QTEST(reply.status(), "status");
+    QTEST(reply.header("Content-Range"), "contentRange");
+    QCOMPARE(reply.header("Content-Length").toInt(), body.size());
+    QCOMPARE(reply.body, body);
+}
+
+void TestFilesByHttp::severalRanges()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a.mp4"), "0123456789");
+    const RawReply whole = replyTo(server, "GET", "/a.mp4");
+    const RawReply reply =
+        replyTo(server, "GET", "/a.mp4",
+                "Range: bytes=8-,0-1\r\nIf-Range: " + whole.header("ETag") + "\r\n");
+    QCOMPARE(reply.status(), QByteArray("206 Partial Content"));
+    QCOMPARE(reply.header("Content-Length").toInt(), reply.body.size());
+    const QByteArray type = reply.header("Content-Type");
+    const QByteArray boundary = type.mid(type.indexOf("boundary=") + 9);
+    const QByteArray part = "\r\n--" + boundary + "\r\nContent-Type: video/mp4\r\nContent-Range: ";
+    QCOMPARE(reply.body,
+             part + "bytes 8-9/10\r\n\r\n89" + part + "bytes 0-1/10\r\n\r\n01\r\n--" + boundary
+                 + "--\r\n");
+}
+
+void TestFilesByHttp::unchangedFileIsNotSentAgain()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "one");
+    const QByteArray tag = replyTo(server, "GET", "/a").header("ETag");
+    const RawReply same = replyTo(server, "GET", "/a", "If-None-Match: " + tag + "\r\n");
+    QCOMPARE(same.status(), QByteArray("304 Not Modified"));
+    QCOMPARE(same.header("ETag"), tag);
+    QVERIFY(same.body.isEmpty() && same.header("Content-Length").isEmpty());
+    // Of the same size, and perhaps within the same tick of the clock.
+    QVERIFY(QFile::remove(server.sharePath(QStringLiteral("a"))));
+    server.addFile(QStringLiteral("b"), {});
+    server.addFile(QStringLiteral("a"), "two");
+    QCOMPARE(replyTo(server, "GET", "/a", "If-None-Match: " + tag + "\r\n").body,
+             QByteArray("two"));
+    QCOMPARE(replyTo(server, "GET", "/a", "If-Match: " + tag + "\r\n").status(),
+             QByteArray("412 Precondition Failed"));
+}
+
+void TestFilesByHttp::shrinkingFileEndsConnection()
+{
+    StandardServer server;
+    const QString path = server.sharePath(QStringLiteral("big"));
+    constexpr qint64 size = qint64(64) << 20;
+    server.addFile(QStringLiteral("big"), "x");
+    QVERIFY(QFile::resize(path, size));
+    RawClient client(server.port());
+    client.socket->setReadBufferSize(1024);
+    client.send(rawRequest("GET", "/big"));
+    QTRY_VERIFY(client.socket->bytesAvailable() > 0);
+    QVERIFY(QFile::resize(path, 1));
+    client.socket->setReadBufferSize(0);
+    QVERIFY(client.readToEnd().size() < size);
+    QVERIFY(!client.isOpen());
+}
+
+void TestFilesByHttp::folders()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("f <&/x:y.txt"), "1");
+    const RawReply moved = replyTo(server, "GET", "/f%20%3C%26?a=b");
+    QCOMPARE(moved.status(), QByteArray("308 Permanent Redirect"));
+    QCOMPARE(moved.header("Location"), QByteArray("/f%20%3C%26/?a=b"));
+    // A path of two slashes would be another server.
+    QCOMPARE(replyTo(server, "GET", "//f%20%3C%26").header("Location"), QByteArray("/f%20%3C%26/"));
+    const RawReply page = replyTo(server, "GET", "/f%20%3C%26/");
+    QCOMPARE(page.header("Content-Type"), QByteArray("text/html; charset=utf-8"));
+    QVERIFY(page.body.contains("/f &lt;&amp;</h1>"));
+    QVERIFY(page.body.contains("href=\"./x:y.txt\""));
+    server.profile->showFolders = Qt::Unchecked;
+    QCOMPARE(replyTo(server, "GET", "/").status(), QByteArray("403 Forbidden"));
+}
+
+void TestFilesByHttp::requestsOneAfterAnother()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "one");
+    RawClient client(server.port());
+    // Nothing of a request counts for the next one.
+    client.send(rawRequest("GET", "/a", "Range: bytes=0-0\r\nIf-None-Match: \"x\"\r\n")
+                + rawRequest("GET", "/a") + rawRequest("GET", "/missing").repeated(40)
+                + rawRequest("GET", "/a"));
+    QCOMPARE(client.reply().body, QByteArray("o"));
+    QCOMPARE(client.reply().body, QByteArray("one"));
+    for (int i = 0; i < 40; ++i)
+        QCOMPARE(client.reply().status(), QByteArray("404 Not Found"));
+    QCOMPARE(client.reply().body, QByteArray("one"));
+
+    client.send("GET /a HTTP/1.0\r\nConnection: keep-alive\r\n\r\n");
+    const RawReply old = client.reply();
+    QCOMPARE(old.header("Connection"), QByteArray("keep-alive"));
+    client.send("GET /a HTTP/1.0\r\n\r\n");
+    QVERIFY(client.readToEnd().endsWith("one") && !client.isOpen());
+}
+
+void TestFilesByHttp::unreadBodies()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "one");
+    RawClient client(server.port());
+    client.send(rawRequest("GET", "/a", {}, QByteArray(500000, 'x')));
+    QCOMPARE(client.reply().body, QByteArray("one"));
+    client.send(rawRequest("GET", "/a", "Transfer-Encoding: chunked\r\n"));
+    QCOMPARE(client.reply().body, QByteArray("one"));
+    client.send("3\r\nabc\r\n0\r\n\r\n" + rawRequest("GET", "/a"));
+    QCOMPARE(client.reply().body, QByteArray("one"));
+    // Held back, it may come or not: the connection can't go on.
+    client.send(rawRequest("GET", "/a", "Expect: 100-continue\r\nContent-Length: 5\r\n"));
+    const RawReply reply = client.reply();
+    QCOMPARE(reply.status(), QByteArray("200 OK"));
+    QCOMPARE(reply.header("Connection"), QByteArray("close"));
+
+    RawClient large(server.port());
+    large.send(rawRequest("GET", "/a", "Content-Length: 100000000\r\n") + QByteArray(70000, 'x'));
+    QCOMPARE(large.reply().header("Connection"), QByteArray("close"));
+    QVERIFY(large.waitForClose());
+}
+
+void TestFilesByHttp::badHeads_data()
+{
+    QTest::addColumn<QByteArray>("head");
+    QTest::addColumn<QByteArray>("status");
+
+    QTest::newRow("bare line feeds")
+        << QByteArray("GET / HTTP/1.1\nHost: a\n\n") << QByteArray("400 Bad Request");
+    QTest::newRow("too long") << "GET / HTTP/1.1\r\nHost: a\r\nX: " + QByteArray(20000, 'x')
+                              << QByteArray("431 Request Header Fields Too Large");
+    QTest::newRow("unknown method")
+        << QByteArray("BREW / HTTP/1.1\r\nHost: a\r\n\r\n") << QByteArray("501 Not Implemented");
+    QTest::newRow("another protocol")
+        << QByteArray("\x16\x03\x01\n\n") << QByteArray("400 Bad Request");
+}
+
+void TestFilesByHttp::badHeads()
+{
+    QFETCH(const QByteArray, head);
+    StandardServer server;
+    RawClient client(server.port());
+    client.send(head);
+    const RawReply reply = client.reply();
+    QTEST(reply.status(), "status");
+    QCOMPARE(reply.header("Connection"), QByteArray("close"));
+    QVERIFY(client.waitForClose());
+}
+
+QTEST_GUILESS_MAIN(TestFilesByHttp)
+#include "tst_files_by_http.moc"

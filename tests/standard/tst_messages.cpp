@@ -1,0 +1,329 @@
+#include "standard/http/ChunkDecoder.h"
+#include "standard/http/Conditions.h"
+#include "standard/http/ContentType.h"
+#include "standard/http/HttpDate.h"
+#include "standard/http/Ranges.h"
+#include "standard/http/Request.h"
+
+#include <QTest>
+
+#include <optional>
+
+using namespace standard;
+
+namespace {
+
+/// 0 when the head is accepted.
+int refusalOf(const QByteArray &head)
+{
+    const auto parsed = parseHead(head);
+    const auto *status = std::get_if<Status>(&parsed);
+    return status ? int(*status) : 0;
+}
+
+Request requestOf(const QByteArray &head)
+{
+    const auto parsed = parseHead(head);
+    return std::get<Request>(parsed);
+}
+
+/// A request of `method` with these lines, each ended by CR LF.
+Request requestWith(const QByteArray &lines, const QByteArray &method = "GET")
+{
+    return requestOf(method + " / HTTP/1.1\r\nHost: a\r\n" + lines);
+}
+
+struct Decoded
+{
+    QByteArray content;
+    QByteArray rest; ///< what belongs to the next request
+    bool whole = false;
+    bool bad = false;
+};
+
+Decoded decoded(const QByteArray &bytes, int pieceSize)
+{
+    ChunkDecoder decoder;
+    Decoded result;
+    QByteArray waiting;
+    for (int at = 0; at < bytes.size(); at += pieceSize) {
+        waiting += bytes.mid(at, pieceSize);
+        for (bool goesOn = true; goesOn && !waiting.isEmpty();) {
+            QByteArray out(3, '\0');
+            const auto step =
+                decoder.decode(waiting.constData(), waiting.size(), out.data(), out.size());
+            result.content += out.left(int(step.content));
+            waiting.remove(0, int(step.used));
+            goesOn = step.used > 0;
+        }
+    }
+    result.rest = waiting;
+    result.whole = decoder.isAtEnd();
+    result.bad = decoder.isBad();
+    return result;
+}
+
+} // namespace
+
+class TestMessages : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void headIsAcceptedOrRefused_data();
+    void headIsAcceptedOrRefused();
+    void headBecomesRecord();
+    void chunkedBody_data();
+    void chunkedBody();
+    void conditions_data();
+    void conditions();
+    void ranges_data();
+    void ranges();
+    void datesOfAllThreeForms();
+    void namesInDisposition();
+};
+
+void TestMessages::headIsAcceptedOrRefused_data()
+{
+    QTest::addColumn<QByteArray>("head");
+    QTest::addColumn<int>("status");
+
+    const auto get = [](const char *lines) {
+        return QByteArray("GET /a HTTP/1.1\r\nHost: a\r\n") + lines;
+    };
+    const auto put = [](const char *lines) {
+        return QByteArray("PUT /a HTTP/1.1\r\nHost: a\r\n") + lines;
+    };
+    const auto line = [](const char *first) { return QByteArray(first) + "\r\nHost: a\r\n"; };
+
+    QTest::newRow("plain") << get("") << 0;
+    QTest::newRow("bare CR in a value") << get("X: a\rb\r\n") << 400;
+    QTest::newRow("bare LF ends a line") << get("X: a\nY: b\r\n") << 400;
+    QTest::newRow("NUL in a value")
+        << get("X: a\r\n").replace("X: a", QByteArray("X: \0", 4)) << 400;
+    QTest::newRow("blank before the colon") << get("X : a\r\n") << 400;
+    QTest::newRow("line that goes on") << get("X: a\r\n b\r\n") << 400;
+    QTest::newRow("line without a colon") << get("nonsense\r\n") << 400;
+    QTest::newRow("no Host") << QByteArray("GET / HTTP/1.1\r\n") << 400;
+    QTest::newRow("no Host in 1.0") << QByteArray("GET / HTTP/1.0\r\n") << 0;
+    QTest::newRow("two Hosts") << get("Host: a\r\n") << 400;
+    QTest::newRow("Host with a path") << get("").replace("Host: a", "Host: a/b") << 400;
+    QTest::newRow("lengths that differ")
+        << put("Content-Length: 1\r\nContent-Length: 2\r\n") << 400;
+    QTest::newRow("length said twice") << put("Content-Length: 1\r\nContent-Length: 1\r\n") << 0;
+    QTest::newRow("negative length") << put("Content-Length: -1\r\n") << 400;
+    QTest::newRow("length with a sign") << put("Content-Length: +1\r\n") << 400;
+    QTest::newRow("length beyond all numbers")
+        << put("Content-Length: 99999999999999999999\r\n") << 400;
+    QTest::newRow("empty length") << put("Content-Length: \r\n") << 400;
+    QTest::newRow("length and chunks")
+        << put("Content-Length: 1\r\nTransfer-Encoding: chunked\r\n") << 400;
+    QTest::newRow("chunks") << put("transfer-encoding: Chunked\r\n") << 0;
+    QTest::newRow("chunks twice") << put("Transfer-Encoding: chunked, chunked\r\n") << 400;
+    QTest::newRow("chunks not last") << put("Transfer-Encoding: chunked, gzip\r\n") << 400;
+    QTest::newRow("other coding") << put("Transfer-Encoding: gzip, chunked\r\n") << 501;
+    QTest::newRow("chunks in 1.0")
+        << QByteArray("PUT / HTTP/1.0\r\nTransfer-Encoding: chunked\r\n") << 400;
+    QTest::newRow("unknown expectation") << put("Expect: wonders\r\n") << 417;
+    QTest::newRow("unknown method") << line("BREW / HTTP/1.1") << 501;
+    QTest::newRow("method in lower case") << line("get / HTTP/1.1") << 501;
+    QTest::newRow("no version") << line("GET /") << 400;
+    QTest::newRow("two blanks") << line("GET  / HTTP/1.1") << 400;
+    QTest::newRow("version to come") << line("GET / HTTP/2.0") << 505;
+    QTest::newRow("strange version") << line("GET / HTTP/1.x") << 400;
+    QTest::newRow("broken encoding") << line("GET /%zz HTTP/1.1") << 400;
+    QTest::newRow("encoded NUL") << line("GET /a%00 HTTP/1.1") << 400;
+    QTest::newRow("fragment") << line("GET /a#b HTTP/1.1") << 400;
+    QTest::newRow("no path") << line("GET a HTTP/1.1") << 400;
+    QTest::newRow("star for one file") << line("GET * HTTP/1.1") << 400;
+    QTest::newRow("star for the server") << line("OPTIONS * HTTP/1.1") << 0;
+    QTest::newRow("authority") << line("CONNECT a:80 HTTP/1.1") << 501;
+    QTest::newRow("100 fields") << get("") + QByteArray("X: a\r\n").repeated(99) << 0;
+    QTest::newRow("101 fields") << get("") + QByteArray("X: a\r\n").repeated(100) << 431;
+}
+
+void TestMessages::headIsAcceptedOrRefused()
+{
+    QFETCH(const QByteArray, head);
+    QTEST(refusalOf(head), "status");
+}
+
+void TestMessages::headBecomesRecord()
+{
+    const Request request = requestOf("PROPFIND http://host:1/a%20b/%C3%A4?q=%20 HTTP/1.1\r\n"
+                                      "hOST: other\r\nDepth:\t1 \r\nX: 1\r\nx: 2\r\n"
+                                      "Content-Length: 7\r\nExpect: 100-Continue\r\n\r\n");
+    QCOMPARE(request.method, Method::PropFind);
+    QCOMPARE(request.target.authority, QByteArray("host:1"));
+    QCOMPARE(request.target.path, QByteArray("/a b/\xc3\xa4"));
+    QCOMPARE(request.target.query, QByteArray("q=%20"));
+    QCOMPARE(request.value("depth"), QByteArray("1"));
+    QCOMPARE(request.value("X"), QByteArray("1, 2"));
+    QVERIFY(!request.field("Y"));
+    QCOMPARE(request.framing.contentLength, 7);
+    QVERIFY(request.framing.expectsContinue && request.keepAlive);
+
+    QVERIFY(!requestWith("Connection: TE, Close\r\n").keepAlive);
+    QVERIFY(!requestOf("GET / HTTP/1.0\r\n").keepAlive);
+    QVERIFY(requestOf("GET / HTTP/1.0\r\nConnection: keep-alive\r\n").keepAlive);
+}
+
+void TestMessages::chunkedBody_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<QByteArray>("content");
+    QTest::addColumn<QByteArray>("rest");
+    QTest::addColumn<bool>("bad");
+
+    const auto row = [](const char *name, const QByteArray &bytes, const QByteArray &content,
+                        const QByteArray &rest = {}) {
+        QTest::newRow(name) << bytes << content << rest << false;
+    };
+    const auto badRow = [](const char *name, const QByteArray &bytes) {
+        QTest::newRow(name) << bytes << QByteArray() << QByteArray() << true;
+    };
+    row("two chunks and the next request", "5\r\nHello\r\nA\r\n, chunks!!\r\n0\r\n\r\nGET ",
+        "Hello, chunks!!", "GET ");
+    row("extensions and trailers", "3;a=b;c\r\nabc\r\n0;d\r\nX: y\r\nZ: z\r\n\r\n", "abc");
+    row("empty", "0\r\n\r\n", "");
+    row("size with zeros in front", "0003\r\nabc\r\n00\r\n\r\n", "abc");
+    badRow("no size", "\r\nabc");
+    badRow("size that is no number", "x\r\n");
+    badRow("signed size", "+3\r\nabc\r\n");
+    badRow("size beyond all numbers", "ffffffffffffffff\r\n");
+    badRow("bare LF behind the size", "3\nabc");
+    badRow("no line end behind the content", "1\r\nabc");
+    badRow("endless extension", "1;" + QByteArray(5000, 'x'));
+    badRow("endless trailers", "0\r\n" + QByteArray("X: y\r\n").repeated(2000));
+}
+
+void TestMessages::chunkedBody()
+{
+    QFETCH(const QByteArray, bytes);
+    QFETCH(const QByteArray, content);
+    QFETCH(const QByteArray, rest);
+    QFETCH(const bool, bad);
+    for (const int pieceSize : { 1, 2, 7, 100000 }) {
+        const Decoded result = decoded(bytes, pieceSize);
+        QCOMPARE(result.bad, bad);
+        if (bad)
+            continue;
+        QVERIFY(result.whole);
+        QCOMPARE(result.content, content);
+        QCOMPARE(result.rest, rest);
+    }
+}
+
+void TestMessages::conditions_data()
+{
+    QTest::addColumn<QByteArray>("lines");
+    QTest::addColumn<bool>("exists");
+    QTest::addColumn<int>("forGet");
+    QTest::addColumn<int>("forPut");
+
+    constexpr int go = int(Verdict::Proceed);
+    constexpr int same = int(Verdict::NotModified);
+    constexpr int failed = int(Verdict::Failed);
+    const auto row = [](const char *lines, bool exists, int forGet, int forPut) {
+        QTest::addRow("%s%s", lines, exists ? "" : " (missing)") << QByteArray(lines) + "\r\n"
+                                                                 << exists << forGet << forPut;
+    };
+    row("If-Match: \"a,b\"", true, go, go);
+    row("If-Match: \"x\", \"a,b\"", true, go, go);
+    row("If-Match: W/\"a,b\"", true, failed, failed);
+    row("If-Match: \"x\"", true, failed, failed);
+    row("If-Match: *", true, go, go);
+    row("If-Match: *", false, failed, failed);
+    row("If-None-Match: *", true, same, failed);
+    row("If-None-Match: *", false, go, go);
+    row("If-None-Match: W/\"a,b\"", true, same, failed);
+    row("If-None-Match: \"x\"", true, go, go);
+    row("If-None-Match: JoplinIgnore-12345", true, go, go);
+    row("If-Modified-Since: Sun, 06 Nov 1994 08:49:37 GMT", true, same, go);
+    row("If-Modified-Since: Sun, 06 Nov 1994 08:49:36 GMT", true, go, go);
+    row("If-Modified-Since: nonsense", true, go, go);
+    row("If-Unmodified-Since: Sun, 06 Nov 1994 08:49:36 GMT", true, failed, failed);
+    row("If-Unmodified-Since: Sun, 06 Nov 1994 08:49:37 GMT", true, go, go);
+    // The tag decides, not the date beside it.
+    row("If-None-Match: \"x\"\r\nIf-Modified-Since: Sun, 06 Nov 1994 08:49:37 GMT", true, go, go);
+    row("If-Match: \"a,b\"\r\nIf-Unmodified-Since: Sun, 06 Nov 1994 08:49:36 GMT", true, go, go);
+    row("If-Match: \"a,b\"\r\nIf-None-Match: \"a,b\"", true, same, failed);
+}
+
+void TestMessages::conditions()
+{
+    QFETCH(const QByteArray, lines);
+    QFETCH(const bool, exists);
+    const Validators current{ exists, "\"a,b\"", 784111777 };
+    const QByteArray withEnd = lines.endsWith("\r\n") ? lines : lines + "\r\n";
+    QTEST(int(judge(requestWith(withEnd), current)), "forGet");
+    QTEST(int(judge(requestWith(withEnd, "PUT"), current)), "forPut");
+}
+
+void TestMessages::ranges_data()
+{
+    QTest::addColumn<QByteArray>("asked");
+    QTest::addColumn<int>("size");
+    QTest::addColumn<QByteArray>("answer");
+
+    const auto row = [](const char *asked, int size, const char *answer) {
+        QTest::addRow("%s of %d", asked, size) << QByteArray(asked) << size << QByteArray(answer);
+    };
+    row("bytes=0-1", 100, "0-1");
+    row("bytes=0-0", 1, "0-0");
+    row("bytes=90-", 100, "90-99");
+    row("bytes=90-1000", 100, "90-99");
+    row("bytes=-5", 100, "95-99");
+    row("bytes=-500", 100, "0-99");
+    row("bytes=100-", 100, "none");
+    row("bytes=-0", 100, "none");
+    row("bytes=0-", 0, "none");
+    row("bytes=0-99999999999999999999999", 100, "0-99");
+    row("bytes=5-4", 100, "whole");
+    row("bytes=a-b", 100, "whole");
+    row("bytes=", 100, "whole");
+    row("lines=0-1", 100, "whole");
+    row("bytes=0-1,5-6,200-300", 100, "0-1 5-6");
+    row("bytes=50-60, 0-9", 100, "50-60 0-9");
+    row("bytes=50-60,0-9,5-20", 100, "0-20 50-60");
+    row("bytes=0-9,10-19", 100, "0-19");
+    row("bytes=0-0,2-2,4-4,6-6,8-8,10-10,12-12,14-14,16-16,18-18,20-20,22-22,24-24,26-26,28-28,"
+        "30-30,32-32",
+        100, "whole");
+}
+
+void TestMessages::ranges()
+{
+    QFETCH(const QByteArray, asked);
+    QFETCH(const int, size);
+    const RangeAnswer answer = rangesOf(asked, size);
+    QByteArray text;
+    for (const ByteRange &part : answer.parts)
+        text += ' ' + QByteArray::number(part.first) + '-' + QByteArray::number(part.end() - 1);
+    if (answer.kind == RangeAnswer::Kind::Whole)
+        text = " whole";
+    if (answer.kind == RangeAnswer::Kind::Unsatisfiable)
+        text = " none";
+    QTEST(text.mid(1), "answer");
+}
+
+void TestMessages::datesOfAllThreeForms()
+{
+    for (const char *text : { "Sun, 06 Nov 1994 08:49:37 GMT", "Sunday, 06-Nov-94 08:49:37 GMT",
+                              "Sun Nov  6 08:49:37 1994" })
+        QCOMPARE(parseHttpDate(text).value_or(0), qint64(784111777));
+    QCOMPARE(httpDate(784111777), QByteArray("Sun, 06 Nov 1994 08:49:37 GMT"));
+    for (const char *text : { "", "Sun, 06 Nov 1994 08:49:37 CET", "Sun, 31 Abc 1994 08:49:37 GMT",
+                              "Sun, 06 Nov 1994 25:49:37 GMT", "784111777" })
+        QVERIFY(!parseHttpDate(text));
+}
+
+void TestMessages::namesInDisposition()
+{
+    QCOMPARE(disposition("a b.jpg", "image/jpeg"), QByteArray("inline; filename=\"a b.jpg\""));
+    QCOMPARE(disposition("\xc3\xa4\"\r\n%.html", "text/html"),
+             QByteArray("attachment; filename=\"______.html\"; "
+                        "filename*=UTF-8''%C3%A4%22%0D%0A%25.html"));
+}
+
+QTEST_GUILESS_MAIN(TestMessages)
+#include "tst_messages.moc"
