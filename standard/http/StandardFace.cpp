@@ -5,6 +5,9 @@
 #include "standard/Log.h"
 #include "standard/http/FileReply.h"
 #include "standard/http/Handler.h"
+#include "standard/http/Options.h"
+#include "standard/http/Patch.h"
+#include "standard/http/Put.h"
 
 #include <utility>
 
@@ -12,7 +15,11 @@ namespace standard {
 
 Routes fileRoutes()
 {
-    return { { { Method::Get, makeHandler<FileReply> }, { Method::Head, makeHandler<FileReply> } },
+    return { { { Method::Options, makeHandler<Options> },
+               { Method::Get, makeHandler<FileReply> },
+               { Method::Head, makeHandler<FileReply> },
+               { Method::Put, makeHandler<Put> },
+               { Method::Patch, makeHandler<Patch> } },
              {} };
 }
 
@@ -59,7 +66,7 @@ void StandardFace::requestReady(Request request)
     exchange.begin(std::move(request));
     const Route *route = findRoute();
     if (!route)
-        return exchange.refuse(Status::MethodNotAllowed);
+        return exchange.refuse(Status::MethodNotAllowed, {}, { allowField(exchange) });
     handler = route->make(exchange);
     isAnswering = true;
     handler->start();
@@ -78,7 +85,7 @@ void StandardFace::bodyEnded(BodyEnd end)
 {
     std::optional<QByteArray> body = exchange.takeBody();
     if (!body)
-        return handler->bodySaved(end);
+        return bodySaved(end);
     switch (end) {
     case BodyEnd::Whole:
         return handler->bodyReady(*body);
@@ -90,6 +97,13 @@ void StandardFace::bodyEnded(BodyEnd end)
     case BodyEnd::Lost:
         return exchange.breakOff();
     }
+}
+
+void StandardFace::bodySaved(BodyEnd end)
+{
+    handler->bodySaved(end);
+    if (end == BodyEnd::Lost && isAnswering)
+        exchange.breakOff();
 }
 
 void StandardFace::drained()

@@ -37,6 +37,7 @@ private:
     void fileSent() override;
     void replyEnded() override;
 
+    void bodySaved(BodyEnd end);
     const Route *findRoute() const;
     void dropHandler();
 

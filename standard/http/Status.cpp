@@ -12,7 +12,7 @@ struct StatusRow
     const char *reason;
 };
 
-constexpr std::array<StatusRow, 28> statuses{ {
+constexpr std::array<StatusRow, 29> statuses{ {
     { Status::Ok, "OK" },
     { Status::Created, "Created" },
     { Status::NoContent, "No Content" },
@@ -26,6 +26,7 @@ constexpr std::array<StatusRow, 28> statuses{ {
     { Status::NotFound, "Not Found" },
     { Status::MethodNotAllowed, "Method Not Allowed" },
     { Status::Conflict, "Conflict" },
+    { Status::LengthRequired, "Length Required" },
     { Status::PreconditionFailed, "Precondition Failed" },
     { Status::ContentTooLarge, "Content Too Large" },
     { Status::UnsupportedMediaType, "Unsupported Media Type" },

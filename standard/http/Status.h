@@ -19,6 +19,7 @@ enum class Status {
     NotFound = 404,
     MethodNotAllowed = 405,
     Conflict = 409,
+    LengthRequired = 411,
     PreconditionFailed = 412,
     ContentTooLarge = 413,
     UnsupportedMediaType = 415,

@@ -1,0 +1,94 @@
+#include "standard/http/Options.h"
+
+#include "config/Profile.h"
+#include "files/Share.h"
+#include "standard/http/Patch.h"
+
+#include <algorithm>
+#include <array>
+
+namespace standard {
+
+namespace {
+
+/// What a method is of use for. The rest always answers.
+struct MethodUse
+{
+    Method method;
+    bool onFile;
+    bool onFolder;
+    bool onMissing;
+    bool onRoot; ///< of a shared folder
+    bool (Profile::*right)() const; ///< that it takes
+};
+
+constexpr std::array<MethodUse, 13> uses{ {
+    { Method::Get, true, true, false, true, nullptr },
+    { Method::Head, true, true, false, true, nullptr },
+    { Method::Post, true, true, true, true, &Profile::allowsUpload },
+    { Method::Put, true, false, true, false, &Profile::allowsUpload },
+    { Method::Patch, true, false, false, false, &Profile::allowsUpload },
+    { Method::Delete, true, true, false, false, &Profile::allowsDelete },
+    { Method::MkCol, false, false, true, false, &Profile::allowsUpload },
+    { Method::Copy, true, true, false, true, &Profile::allowsUpload },
+    { Method::Move, true, true, false, false, &Profile::allowsUpload },
+    { Method::PropFind, true, true, false, true, nullptr },
+    { Method::PropPatch, true, true, false, true, &Profile::allowsUpload },
+    { Method::Lock, true, true, true, true, &Profile::allowsUpload },
+    { Method::Unlock, true, true, false, true, &Profile::allowsUpload },
+} };
+
+bool isOf(const MethodUse &use, const EntryFacts &found, bool isRoot)
+{
+    if (!found.exists)
+        return use.onMissing;
+    if (found.folder)
+        return isRoot ? use.onRoot : use.onFolder;
+    return use.onFile;
+}
+
+bool isAnswered(Method method, const Exchange &exchange, const EntryFacts &found)
+{
+    const bool isRoot = exchange.path().isEmpty();
+    const Profile &profile = *exchange.service().profile;
+    return std::all_of(uses.begin(), uses.end(), [&](const MethodUse &use) {
+        if (use.method != method || exchange.request().isForServer)
+            return true;
+        return isOf(use, found, isRoot) && (!use.right || (profile.*use.right)());
+    });
+}
+
+bool speaksDav(const Routes &routes)
+{
+    return std::any_of(routes.rows.begin(), routes.rows.end(),
+                       [](const Route &route) { return route.method == Method::PropFind; });
+}
+
+} // namespace
+
+Field allowField(const Exchange &exchange)
+{
+    const Share *share = exchange.service().share.get();
+    const EntryFacts found = share ? share->facts(exchange.path()) : EntryFacts();
+    QByteArray methods;
+    for (const Route &route : exchange.routes().rows) {
+        if (isAnswered(route.method, exchange, found))
+            methods += (methods.isEmpty() ? "" : ", ") + nameOf(route.method);
+    }
+    return { "Allow", methods };
+}
+
+/// Some mounts are for reading alone without class 2, and some editors look for the last field.
+void Options::start()
+{
+    Fields fields{ allowField(exchange) };
+    if (speaksDav(exchange.routes())) {
+        fields.push_back({ "DAV", "1, 2, 3, sabredav-partialupdate" });
+        fields.push_back({ "MS-Author-Via", "DAV" });
+    }
+    fields.push_back({ "Accept-Ranges", "bytes" });
+    fields.push_back({ "Accept-Patch", Patch::contentType });
+    exchange.reply(Status::Ok, std::move(fields));
+}
+
+} // namespace standard

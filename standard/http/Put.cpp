@@ -1,0 +1,169 @@
+#include "standard/http/Put.h"
+
+#include "files/DiskWorker.h"
+#include "files/Share.h"
+#include "files/UploadFile.h"
+#include "standard/http/Options.h"
+
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+namespace standard {
+
+namespace {
+
+// The field by which sync programs tell and keep the time of a file.
+constexpr auto timeField = "X-OC-Mtime";
+
+FileDescriptor duplicate(int descriptor)
+{
+    return FileDescriptor(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
+}
+
+bool setTime(int descriptor, qint64 seconds)
+{
+    const timespec times[] = { { 0, UTIME_OMIT }, { time_t(seconds), 0 } };
+    return ::futimens(descriptor, times) == 0;
+}
+
+} // namespace
+
+Put::Put(Exchange &current)
+    : ResourceHandler(current)
+{
+}
+
+Put::~Put() = default;
+
+void Put::start()
+{
+    const EntryFacts found = factsAt(exchange.path());
+    if (isAllowed(found))
+        receive(found);
+}
+
+bool Put::isAllowed(const EntryFacts &found)
+{
+    const bool isFolder = found.folder || (exchange.namesFolder() && namesEntry());
+    if (!mayUpload())
+        return false;
+    // A part taken for the whole would destroy the rest (RFC 9110, section 14.5).
+    if (exchange.request().field("Content-Range")) {
+        exchange.refuse(Status::BadRequest, "Parts of a file are sent by PATCH.");
+        return false;
+    }
+    if (isFolder) {
+        exchange.refuse(Status::MethodNotAllowed, {}, { allowField(exchange) });
+        return false;
+    }
+    if (found.exists && !found.file) {
+        exchange.refuse(Status::Forbidden);
+        return false;
+    }
+    return meetsConditions(found)
+        && exchange.mayChange({ { exchange.path(), Change::Extent::Resource, !found.exists } });
+}
+
+void Put::receive(const EntryFacts &found)
+{
+    if (!share())
+        return exchange.refuse(Status::Conflict);
+    replaces = found.exists;
+    Place target = replaces ? share()->target(exchange.path()) : place();
+    if (!target.isValid())
+        return exchange.refuse(Status::Conflict, "The folder does not exist.");
+    if (!hasRoom(target))
+        return exchange.refuse(Status::InsufficientStorage);
+    upload = std::make_shared<UploadFile>();
+    const DiskError error =
+        replaces ? upload->replace(std::move(target)) : upload->create(std::move(target));
+    if (error != DiskError::None)
+        return refuse(error);
+    exchange.saveBody([this](const char *data, qint64 size) {
+        return upload->write(data, size) == DiskError::None;
+    });
+}
+
+/// What is said of the length is believed for this alone: some programs tell it in a field of their
+/// own when they send chunks.
+bool Put::hasRoom(const Place &folder) const
+{
+    const Request &request = exchange.request();
+    const qint64 announced = request.framing.chunked
+        ? request.value("X-Expected-Entity-Length").toLongLong()
+        : request.framing.contentLength;
+    struct statvfs disk = {};
+    if (announced <= 0 || ::fstatvfs(folder.folder.get(), &disk) != 0 || disk.f_blocks == 0)
+        return true;
+    return quint64(announced) / disk.f_frsize < disk.f_bavail;
+}
+
+void Put::refuse(DiskError error)
+{
+    discard();
+    exchange.refuse(statusOf(error));
+}
+
+void Put::bodySaved(BodyEnd end)
+{
+    switch (end) {
+    case BodyEnd::Whole:
+        return keep();
+    case BodyEnd::SinkFailed:
+        return refuse(upload->error());
+    case BodyEnd::Bad:
+    case BodyEnd::TooLarge:
+        discard();
+        return exchange.refuse(Status::BadRequest);
+    case BodyEnd::Lost:
+        return discard();
+    }
+}
+
+void Put::keep()
+{
+    const std::shared_ptr<UploadFile> received = std::exchange(upload, {});
+    if (const std::optional<qint64> time = wantedTime())
+        tookTime = setTime(received->descriptor(), *time);
+    // The tag is that of this very file, whatever happens to its name.
+    const auto kept = std::make_shared<FileDescriptor>(duplicate(received->descriptor()));
+    disk().run(received, this, [this, received, kept] { answer(received->error(), *kept); });
+}
+
+/// Seconds since 1970-01-01 UTC; some programs add a fraction.
+std::optional<qint64> Put::wantedTime() const
+{
+    bool good = false;
+    const double seconds = exchange.request().value(timeField).toDouble(&good);
+    constexpr double latest = 253402300799; // the year 9999
+    if (!good || seconds < 0 || seconds > latest)
+        return {};
+    return qint64(seconds);
+}
+
+void Put::answer(DiskError error, const FileDescriptor &kept)
+{
+    if (error == DiskError::Exists && !isConditional(exchange.request()))
+        error = DiskError::Changed; // somebody else was faster
+    if (error != DiskError::None)
+        return exchange.refuse(statusOf(error));
+    Fields fields = validatorFields(openFacts(kept.get()));
+    if (tookTime)
+        fields.push_back({ timeField, "accepted" });
+    exchange.reply(replaces ? Status::NoContent : Status::Created, std::move(fields));
+}
+
+/// Freeing a large file takes the disk a while.
+void Put::discard()
+{
+    const std::shared_ptr<UploadFile> received = std::exchange(upload, {});
+    if (!received)
+        return;
+    received->discard();
+    disk().run(received, nullptr, {});
+}
+
+} // namespace standard
