@@ -63,3 +63,14 @@ int copyAttributes(int from, int to)
     copyExtended(from, to);
     return 0;
 }
+
+void copyProperties(int from, int to)
+{
+    copyExtended(from, to);
+    struct stat status = {};
+    const timespec unchanged = { 0, UTIME_OMIT };
+    if (::fstat(from, &status) != 0)
+        return;
+    const timespec times[] = { unchanged, status.st_mtim };
+    ::futimens(to, times);
+}

@@ -3,3 +3,7 @@
 /// Gives one open file the permissions of another, and its owner, group and extended attributes as
 /// far as the system allows. 0, or the number of the error when not even the permissions could be.
 int copyAttributes(int from, int to);
+
+/// Gives one open file or folder the extended attributes and the time of the content of another, as
+/// far as the file system knows them.
+void copyProperties(int from, int to);

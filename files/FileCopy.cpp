@@ -1,5 +1,7 @@
 #include "files/FileCopy.h"
 
+#include "files/Attributes.h"
+
 #include <QByteArray>
 
 #include <algorithm>
@@ -103,6 +105,8 @@ bool FileCopy::end()
 {
     if (state == State::Ended)
         return true;
+    if (withProperties)
+        copyProperties(source.descriptor.get(), upload.descriptor());
     made = openFacts(upload.descriptor());
     upload.run(Budget::ofWorker(upload.cancelFlag()));
     result = upload.error();

@@ -20,6 +20,9 @@ public:
 
     void setSync(UploadFile::Sync policy) { upload.setSync(policy); }
 
+    /// The time of the content and the extended attributes are to be copied too.
+    void keepProperties() { withProperties = true; }
+
     bool run(const Budget &until) override;
 
     /// How it ended.
@@ -46,6 +49,7 @@ private:
     Place target; ///< until the upload has it
     Existing whenThere;
     qint64 offset = 0;
+    bool withProperties = false;
     bool byRange = true; ///< within the kernel, as long as it can
     EntryFacts made; ///< the copy
     State state = State::Idle;

@@ -44,6 +44,24 @@ int renameNew(const Place &from, const Place &to)
     return renameNew(from.folder.get(), from.name, to.folder.get(), to.name);
 }
 
+int renameOver(const Place &from, const Place &to)
+{
+    if (!from.isValid() || !to.isValid())
+        return ENOENT;
+    if (Reservation::isTaken(from) || Reservation::isTaken(to))
+        return EBUSY;
+    const EntryFacts old = entryFacts(from.folder.get(), from.name.constData());
+    const EntryFacts there = entryFacts(to.folder.get(), to.name.constData());
+    // A link may lead to a folder, but is none.
+    if (old.folder && !old.link)
+        return ENOTDIR;
+    if (there.folder && !there.link)
+        return EISDIR;
+    const int failed =
+        ::renameat(from.folder.get(), from.name.constData(), to.folder.get(), to.name.constData());
+    return failed == 0 ? 0 : errno;
+}
+
 int renameNew(int fromFolder, const QByteArray &from, int toFolder, const QByteArray &to)
 {
     const char *oldName = from.constData();

@@ -7,5 +7,10 @@
 /// entry that is being received or holds a hidden folder.
 int renameNew(const Place &from, const Place &to);
 
-/// The same by the names alone, for who holds them reserved.
+/// Gives a file the place of another, in one step. 0, or the number of the error: also `EXDEV` for
+/// another file system, `EISDIR` or `ENOTDIR` when one of them is a folder, `EBUSY` when one is
+/// being received.
+int renameOver(const Place &from, const Place &to);
+
+/// `renameNew` by the names alone, for who holds them reserved.
 int renameNew(int fromFolder, const QByteArray &from, int toFolder, const QByteArray &to);

@@ -13,6 +13,7 @@ namespace {
 
 constexpr std::size_t maxOpen = 64;
 constexpr std::size_t maxFolders = 16; ///< names of folders kept a level
+constexpr std::size_t maxFailures = 100; ///< that are told
 constexpr int batchEntries = 512;
 constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
@@ -79,9 +80,13 @@ void TreeRemoval::enter(const QByteArray &name)
     level.name = name;
     level.folder.reset(::openat(parent, name.constData(), folderFlags));
     const EntryFacts facts = openFacts(level.folder.get());
-    if (!facts.exists)
-        return count(removeFile(parent, name.constData())
-                     || removeFolder(parent, name.constData()));
+    if (!facts.exists) {
+        const bool removed =
+            removeFile(parent, name.constData()) || removeFolder(parent, name.constData());
+        if (!removed)
+            noteFailure(name);
+        return count(removed);
+    }
     if (place.hidden && place.hidden->has(facts))
         return count(false);
     level.device = facts.device;
@@ -127,6 +132,7 @@ bool TreeRemoval::sort(Level &level, const FolderReader &reader, const FolderRea
     const bool isFolder =
         item.type == DT_DIR || errno == EISDIR || (item.type == DT_UNKNOWN && errno == EPERM);
     if (!isFolder) {
+        noteFailure(item.name);
         count(false);
         return true;
     }
@@ -150,10 +156,9 @@ void TreeRemoval::leave()
         levels.push_back(std::move(level));
         return;
     }
-    if (levels.empty())
-        whole = removed;
-    else
-        count(removed);
+    if (!removed && !level.failed)
+        noteFailure(level.name);
+    count(removed);
 }
 
 /// The open folder above. One that was closed is opened again from below, if it is still the same.
@@ -179,6 +184,17 @@ bool TreeRemoval::readAgain(Level &level)
     level.position = 0;
     level.atEnd = level.progressed = false;
     return true;
+}
+
+/// Of an entry of the current folder. The top folder has no path below itself.
+void TreeRemoval::noteFailure(const QByteArray &name)
+{
+    if (levels.empty() || failed.size() == maxFailures)
+        return;
+    QByteArray path;
+    for (std::size_t i = 1; i < levels.size(); ++i)
+        path += levels[i].name + '/';
+    failed.push_back(path + name);
 }
 
 void TreeRemoval::count(bool done)

@@ -24,6 +24,9 @@ public:
     /// Whether nothing stands at the place any more; also when nothing ever did.
     bool isWhole() const { return whole; }
 
+    /// The first entries that stay though what they hold is gone: paths below the top folder.
+    const std::vector<QByteArray> &failures() const { return failed; }
+
     /// How many entries below the top folder were removed.
     qint64 removed() const { return removedCount; }
 
@@ -50,6 +53,7 @@ private:
     int parentOf(const Level &level);
     bool readAgain(Level &level);
     void count(bool done);
+    void noteFailure(const QByteArray &name);
     void limitOpen();
 
     Place place;
@@ -57,4 +61,5 @@ private:
     bool begun = false;
     bool whole = false;
     qint64 removedCount = 0;
+    std::vector<QByteArray> failed;
 };

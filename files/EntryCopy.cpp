@@ -1,0 +1,170 @@
+#include "files/EntryCopy.h"
+
+#include "files/Attributes.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::size_t maxDepth = 200; ///< each level keeps two files open
+constexpr std::size_t maxFailures = 100;
+constexpr mode_t whileCopied = 0700;
+constexpr mode_t permissionBits = 0777;
+
+QByteArray pathIn(const QByteArray &folder, const QByteArray &name)
+{
+    return folder.isEmpty() ? name : folder + '/' + name;
+}
+
+FileDescriptor duplicate(const FileDescriptor &descriptor)
+{
+    return FileDescriptor(::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, 0));
+}
+
+std::optional<OpenFile> openIn(int folder, const char *name)
+{
+    OpenFile file{
+        FileDescriptor(::openat(folder, name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)), {}
+    };
+    file.facts = openFacts(file.descriptor.get());
+    if (!file.facts.file)
+        return {};
+    return file;
+}
+
+} // namespace
+
+EntryCopy::EntryCopy(std::shared_ptr<const Share> shared, const QByteArray &path, Place to,
+                     Depth howDeep)
+    : share(std::move(shared))
+    , top(path)
+    , target(std::move(to))
+    , depth(howDeep)
+{
+}
+
+bool EntryCopy::run(const Budget &until)
+{
+    if (!until.mayBlock())
+        return false;
+    if (!std::exchange(begun, true))
+        begin();
+    while ((copy || !levels.empty()) && !full) {
+        if (until.isUsedUp())
+            return until.isCancelled();
+        step(until);
+    }
+    abandon();
+    return true;
+}
+
+void EntryCopy::abandon()
+{
+    copy.reset();
+    levels.clear();
+}
+
+void EntryCopy::begin()
+{
+    if (std::optional<OpenFile> file = share->openFile(top))
+        return startFile(std::move(*file), std::move(target), {});
+    std::optional<FolderReader> folder = share->openFolder(top);
+    if (!folder)
+        return fail({}, diskError(errno));
+    enter(std::move(*folder), target, {});
+}
+
+void EntryCopy::step(const Budget &until)
+{
+    if (copy) {
+        if (copy->run(until))
+            finishFile();
+        return;
+    }
+    FolderReader::Item item;
+    if (depth == Depth::Whole && levels.back().source.next(item))
+        take(item);
+    else
+        leave();
+}
+
+/// An entry of the current folder.
+void EntryCopy::take(const FolderReader::Item &item)
+{
+    const Level &level = levels.back();
+    const QByteArray name = item.name;
+    const QByteArray path = pathIn(level.path, name);
+    const EntryFacts facts = level.source.facts(item);
+    Place to{ duplicate(level.copy), name };
+    if (facts.file) {
+        std::optional<OpenFile> file = openIn(level.source.descriptor(), item.name);
+        return file ? startFile(std::move(*file), std::move(to), path)
+                    : fail(path, diskError(errno));
+    }
+    if (!facts.folder) // neither, hidden, or gone by now
+        return;
+    FileDescriptor folder = level.source.openFolder(item.name);
+    if (!folder.isOpen() || levels.size() == maxDepth || isInside(facts))
+        return fail(path, DiskError::Failed);
+    enter(share->reader(std::move(folder)), to, path);
+}
+
+/// Through a link a folder may hold itself, or the copy.
+bool EntryCopy::isInside(const EntryFacts &folder) const
+{
+    return isSameEntry(folder, made)
+        || std::any_of(levels.begin(), levels.end(),
+                       [&folder](const Level &level) { return isSameEntry(level.facts, folder); });
+}
+
+void EntryCopy::startFile(OpenFile file, Place to, const QByteArray &path)
+{
+    copying = path;
+    copy = std::make_unique<FileCopy>(std::move(file), std::move(to), FileCopy::Existing::Kept);
+    copy->keepProperties();
+}
+
+void EntryCopy::finishFile()
+{
+    const DiskError error = copy->error();
+    copy.reset();
+    if (error != DiskError::None)
+        fail(copying, error);
+}
+
+void EntryCopy::enter(FolderReader source, const Place &to, const QByteArray &path)
+{
+    const int folder = to.folder.get();
+    const char *name = to.name.constData();
+    FileDescriptor opened;
+    if (::mkdirat(folder, name, whileCopied) == 0)
+        opened.reset(::openat(folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+    if (!opened.isOpen())
+        return fail(path, diskError(errno));
+    const EntryFacts facts = openFacts(source.descriptor());
+    if (levels.empty())
+        made = openFacts(opened.get());
+    levels.push_back({ path, std::move(source), std::move(opened), facts });
+}
+
+/// What was made in it has changed the folder's time.
+void EntryCopy::leave()
+{
+    const Level &level = levels.back();
+    ::fchmod(level.copy.get(), level.facts.mode & permissionBits);
+    copyProperties(level.source.descriptor(), level.copy.get());
+    levels.pop_back();
+}
+
+void EntryCopy::fail(const QByteArray &path, DiskError error)
+{
+    full = full || error == DiskError::NoSpace;
+    if (failed.size() < maxFailures)
+        failed.push_back({ path, error });
+}

@@ -1,0 +1,74 @@
+#pragma once
+
+#include "files/DiskError.h"
+#include "files/DiskJob.h"
+#include "files/FileCopy.h"
+#include "files/FolderReader.h"
+#include "files/Place.h"
+#include "files/Share.h"
+
+#include <QByteArray>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+/// Copies what a path names, a file or a folder with all it holds, to a place where nothing may
+/// stand, with permissions, times and extended attributes. Links are followed. What can't be copied
+/// is left out; a full disk ends it. Broken off or ended so, it leaves what it has made.
+class EntryCopy final : public DiskJob
+{
+public:
+    enum class Depth {
+        Alone, ///< a folder without what it holds
+        Whole
+    };
+
+    struct Failure
+    {
+        QByteArray path; ///< below what is copied; "" for that itself
+        DiskError error;
+    };
+
+    EntryCopy(std::shared_ptr<const Share> share, const QByteArray &path, Place to, Depth depth);
+
+    bool run(const Budget &until) override;
+    void abandon() override;
+
+    /// What is not there in the copy: the first hundred. None when it is whole.
+    const std::vector<Failure> &failures() const { return failed; }
+
+    /// Whether the disk is full.
+    bool isDiskFull() const { return full; }
+
+private:
+    struct Level
+    {
+        QByteArray path; ///< below the top
+        FolderReader source;
+        FileDescriptor copy;
+        EntryFacts facts; ///< of the source
+    };
+
+    void begin();
+    void step(const Budget &until);
+    void take(const FolderReader::Item &item);
+    void startFile(OpenFile file, Place to, const QByteArray &path);
+    void finishFile();
+    void enter(FolderReader source, const Place &to, const QByteArray &path);
+    bool isInside(const EntryFacts &folder) const;
+    void leave();
+    void fail(const QByteArray &path, DiskError error);
+
+    const std::shared_ptr<const Share> share;
+    const QByteArray top;
+    Place target;
+    const Depth depth;
+    std::vector<Level> levels; ///< from the top to the current one
+    EntryFacts made; ///< the copy of the top folder
+    std::unique_ptr<FileCopy> copy; ///< under way
+    QByteArray copying; ///< its path
+    std::vector<Failure> failed;
+    bool begun = false;
+    bool full = false;
+};
