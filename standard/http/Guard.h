@@ -48,6 +48,19 @@ public:
     /// something else.
     virtual void removed(const Exchange &exchange, const QByteArray &path) = 0;
 
+    /// It stands at `to` by now, or there as well. What stood there before was told as removed.
+    virtual void moved(const Exchange &exchange, const QByteArray &from, const QByteArray &to)
+    {
+        Q_UNUSED(to)
+        removed(exchange, from);
+    }
+    virtual void copied(const Exchange &exchange, const QByteArray &from, const QByteArray &to)
+    {
+        Q_UNUSED(exchange)
+        Q_UNUSED(from)
+        Q_UNUSED(to)
+    }
+
 private:
     Q_DISABLE_COPY(Guard)
 };

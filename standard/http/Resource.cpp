@@ -87,6 +87,20 @@ bool ResourceHandler::mayDelete()
     return false;
 }
 
+void ResourceHandler::refuseMembers(const QByteArray &base,
+                                    const std::vector<MemberFailure> &failures)
+{
+    QByteArray body =
+        "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<D:multistatus xmlns:D=\"DAV:\">";
+    for (const MemberFailure &failure : failures) {
+        body += "<D:response><D:href>" + encodedPath('/' + base + '/' + failure.path)
+            + "</D:href><D:status>HTTP/1.1 " + statusText(failure.status)
+            + "</D:status></D:response>";
+    }
+    exchange.reply(Status::MultiStatus, { { "Content-Type", "application/xml; charset=utf-8" } },
+                   body + "</D:multistatus>\n");
+}
+
 bool ResourceHandler::meetsConditions(const EntryFacts &found)
 {
     switch (judge(exchange.request(), Validators::of(found))) {

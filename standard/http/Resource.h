@@ -8,6 +8,8 @@
 
 #include <QByteArray>
 
+#include <vector>
+
 class DiskWorker;
 class Share;
 
@@ -21,6 +23,13 @@ Status statusOf(DiskError error);
 
 /// "ETag" and "Last-Modified" of a file.
 Fields validatorFields(const EntryFacts &facts);
+
+/// Why something below a folder stays as it is.
+struct MemberFailure
+{
+    QByteArray path; ///< below the folder
+    Status status;
+};
 
 /// The base of the handlers that work on what a path names.
 class ResourceHandler : public Handler
@@ -51,6 +60,12 @@ protected:
 
     /// Whether the conditions of the request let it be done; else it is refused.
     bool meetsConditions(const EntryFacts &found);
+
+    /// Null when everything may be changed.
+    Guard *guard() const { return exchange.routes().guard.get(); }
+
+    /// Answers with what could not be done to the entries below the folder `base` of the share.
+    void refuseMembers(const QByteArray &base, const std::vector<MemberFailure> &failures);
 
     /// Whether the request is about something that may be changed or removed: not the share itself.
     bool namesEntry() const { return !exchange.path().isEmpty(); }

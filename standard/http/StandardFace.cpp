@@ -3,8 +3,12 @@
 #include "net/Socket.h"
 #include "server/Connection.h"
 #include "standard/Log.h"
+#include "standard/http/Copy.h"
+#include "standard/http/Delete.h"
 #include "standard/http/FileReply.h"
 #include "standard/http/Handler.h"
+#include "standard/http/MkCol.h"
+#include "standard/http/Move.h"
 #include "standard/http/Options.h"
 #include "standard/http/Patch.h"
 #include "standard/http/Put.h"
@@ -19,7 +23,11 @@ Routes fileRoutes()
                { Method::Get, makeHandler<FileReply> },
                { Method::Head, makeHandler<FileReply> },
                { Method::Put, makeHandler<Put> },
-               { Method::Patch, makeHandler<Patch> } },
+               { Method::Patch, makeHandler<Patch> },
+               { Method::Delete, makeHandler<Delete> },
+               { Method::MkCol, makeHandler<MkCol> },
+               { Method::Copy, makeHandler<Copy> },
+               { Method::Move, makeHandler<Move> } },
              {} };
 }
 

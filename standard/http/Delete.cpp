@@ -1,0 +1,58 @@
+#include "standard/http/Delete.h"
+
+#include "files/DiskWorker.h"
+#include "files/TreeRemoval.h"
+
+#include <memory>
+#include <utility>
+
+namespace standard {
+
+void Delete::start()
+{
+    if (!isAllowed(facts()))
+        return;
+    Place target = place();
+    if (!target.isValid() || target.holdsHidden)
+        return exchange.refuse(Status::Forbidden);
+    const auto removal = std::make_shared<TreeRemoval>(std::move(target));
+    disk().run(removal, this, [this, removal] { answer(*removal); });
+}
+
+bool Delete::isAllowed(const EntryFacts &found)
+{
+    if (!mayDelete())
+        return false;
+    if (!namesEntry()) {
+        exchange.refuse(Status::Forbidden, "What is shared can't be removed.");
+        return false;
+    }
+    if (!found.exists && !found.link) {
+        exchange.refuse(Status::NotFound);
+        return false;
+    }
+    // A folder never goes without what it holds (RFC 4918, section 9.6.1).
+    if (found.folder && exchange.request().field("Depth").value_or("infinity") != "infinity") {
+        exchange.refuse(Status::BadRequest);
+        return false;
+    }
+    return meetsConditions(found)
+        && exchange.mayChange({ { exchange.path(), Change::Extent::Tree, true } });
+}
+
+void Delete::answer(const TreeRemoval &removal)
+{
+    if (removal.isWhole()) {
+        if (guard())
+            guard()->removed(exchange, exchange.path());
+        return exchange.reply(Status::NoContent);
+    }
+    std::vector<MemberFailure> failures;
+    for (const QByteArray &path : removal.failures())
+        failures.push_back({ path, Status::Forbidden });
+    if (failures.empty())
+        return exchange.refuse(Status::Forbidden);
+    refuseMembers(exchange.path(), failures);
+}
+
+} // namespace standard

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "standard/http/Resource.h"
+
+class TreeRemoval;
+
+namespace standard {
+
+/// DELETE of a file, a link, or a folder with all it holds.
+class Delete final : public ResourceHandler
+{
+public:
+    using ResourceHandler::ResourceHandler;
+
+    void start() override;
+
+private:
+    bool isAllowed(const EntryFacts &found);
+    void answer(const TreeRemoval &removal);
+};
+
+} // namespace standard

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QByteArray>
+
+namespace standard {
+
+class Exchange;
+
+/// Whether `authority`, the host and port of a URL, means this server: it is what the request calls
+/// it, or an address of this machine with the server's port.
+bool isOwnName(const QByteArray &authority, const Exchange &exchange);
+
+} // namespace standard

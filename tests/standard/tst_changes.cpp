@@ -1,0 +1,429 @@
+#include "standard/http/Patch.h"
+#include "tests/standard/StandardTest.h"
+#include "tests/support/FullDisk.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QTest>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace standard {
+namespace {
+
+/// Refuses to let one path be changed, and remembers what it is told.
+class TestGuard final : public Guard
+{
+public:
+    std::optional<Refusal> refusal(const Exchange &, const std::vector<Change> &changes) override
+    {
+        for (const Change &change : changes) {
+            if (change.path == "held")
+                return Refusal{ Status::Locked };
+        }
+        return {};
+    }
+    void removed(const Exchange &, const QByteArray &path) override { gone.append(path); }
+
+    QList<QByteArray> gone;
+};
+
+QByteArray destination(const char *path)
+{
+    return QByteArray("Destination: ") + path + "\r\n";
+}
+
+} // namespace
+
+class TestChanges : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void putMakesAndReplaces();
+    void putIsRefusedBeforeItsBody_data();
+    void putIsRefusedBeforeItsBody();
+    void brokenUploadLeavesOldFile();
+    void chunkedUpload();
+    void fullDiskLeavesOldFile();
+    void timeOfUpload();
+    void updateRanges_data();
+    void updateRanges();
+    void patchWritesInPlace();
+    void deleteAndMakeFolders();
+    void copyAndMove_data();
+    void copyAndMove();
+    void copyKeepsWhatBelongsToFiles();
+    void failedCopyKeepsOldTree();
+    void moveReplacesTree();
+    void guardIsAsked();
+    void optionsTellWhatWorks();
+};
+
+void TestChanges::putMakesAndReplaces()
+{
+    StandardServer server;
+    const RawReply made = replyTo(server, "PUT", "/a%C3%A4.txt", {}, "one");
+    QCOMPARE(made.status(), QByteArray("201 Created"));
+    const QString path = server.sharePath(QString::fromUtf8("a\xc3\xa4.txt"));
+    QCOMPARE(readFile(path), QByteArray("one"));
+    ::chmod(QFile::encodeName(path).constData(), 0640);
+
+    const QByteArray tag = made.header("ETag");
+    const RawReply get = replyTo(server, "GET", "/a%C3%A4.txt");
+    // Of the mode alone, the tag of another version.
+    QVERIFY(!tag.isEmpty() && get.header("ETag") != tag);
+    const RawReply replaced =
+        replyTo(server, "PUT", "/a%C3%A4.txt", "If-Match: " + get.header("ETag") + "\r\n", "two");
+    QCOMPARE(replaced.status(), QByteArray("204 No Content"));
+    QCOMPARE(readFile(path), QByteArray("two"));
+    QCOMPARE(int(QFile::permissions(path)) & 0xfff, 0x640);
+    QCOMPARE(replyTo(server, "HEAD", "/a%C3%A4.txt").header("ETag"), replaced.header("ETag"));
+    QCOMPARE(replyTo(server, "PUT", "/empty").status(), QByteArray("201 Created"));
+}
+
+void TestChanges::putIsRefusedBeforeItsBody_data()
+{
+    QTest::addColumn<QByteArray>("target");
+    QTest::addColumn<QByteArray>("headers");
+    QTest::addColumn<int>("status");
+
+    QTest::newRow("stands already")
+        << QByteArray("/a") << QByteArray("If-None-Match: *\r\n") << 412;
+    QTest::newRow("another version")
+        << QByteArray("/a") << QByteArray("If-Match: \"x\"\r\n") << 412;
+    QTest::newRow("missing") << QByteArray("/new") << QByteArray("If-Match: *\r\n") << 412;
+    QTest::newRow("part") << QByteArray("/a") << QByteArray("Content-Range: bytes 0-1/2\r\n")
+                          << 400;
+    QTest::newRow("no such folder") << QByteArray("/no/a") << QByteArray() << 409;
+    QTest::newRow("folder") << QByteArray("/f") << QByteArray() << 405;
+    QTest::newRow("name of a folder") << QByteArray("/new/") << QByteArray() << 405;
+    QTest::newRow("what is shared") << QByteArray("/") << QByteArray() << 405;
+    QTest::newRow("larger than the disk")
+        << QByteArray("/new")
+        << QByteArray(
+               "Transfer-Encoding: chunked\r\nX-Expected-Entity-Length: 9000000000000000\r\n")
+        << 507;
+}
+
+void TestChanges::putIsRefusedBeforeItsBody()
+{
+    QFETCH(const QByteArray, target);
+    QFETCH(QByteArray, headers);
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "old");
+    server.addFile(QStringLiteral("f/x"), "x");
+    if (!headers.contains("chunked"))
+        headers += "Content-Length: 3\r\n";
+    RawClient client(server.port());
+    const RawReply reply =
+        client.exchange(rawRequest("PUT", target, headers + "Expect: 100-continue\r\n"));
+    QTEST(reply.status().left(3).toInt(), "status");
+    QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("old"));
+    QVERIFY(!QFile::exists(server.sharePath(QStringLiteral("new"))));
+}
+
+void TestChanges::brokenUploadLeavesOldFile()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "old");
+    {
+        RawClient client(server.port());
+        client.send(rawRequest("PUT", "/a", "Expect: 100-continue\r\nContent-Length: 10\r\n"));
+        QCOMPARE(client.reply().status(), QByteArray("100 Continue"));
+        client.send("12345");
+        // Nobody sees what has not arrived whole.
+        QCOMPARE(replyTo(server, "GET", "/a").body, QByteArray("old"));
+    }
+    QTRY_COMPARE(server.server->connectionCount(), 0);
+    QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("old"));
+    QCOMPARE(QDir(server.sharePath()).entryList(QDir::Files | QDir::Hidden),
+             QStringList(QStringLiteral("a")));
+    QCOMPARE(replyTo(server, "PUT", "/a", {}, "new").status(), QByteArray("204 No Content"));
+}
+
+void TestChanges::chunkedUpload()
+{
+    StandardServer server;
+    RawClient client(server.port());
+    client.send(rawRequest("PUT", "/a", "Transfer-Encoding: chunked\r\n")
+                + "5\r\nHello\r\n6;x=y\r\n world\r\n0\r\nX: y\r\n\r\n" + rawRequest("GET", "/a"));
+    QCOMPARE(client.reply().status(), QByteArray("201 Created"));
+    QCOMPARE(client.reply().body, QByteArray("Hello world"));
+    client.send(rawRequest("PUT", "/a", "Transfer-Encoding: chunked\r\n") + "5\r\nHelloX\r\n");
+    const RawReply bad = client.reply();
+    QCOMPARE(bad.status(), QByteArray("400 Bad Request"));
+    QCOMPARE(bad.header("Connection"), QByteArray("close"));
+    QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("Hello world"));
+}
+
+void TestChanges::fullDiskLeavesOldFile()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "old");
+    const FullDisk full(100000);
+    QCOMPARE(replyTo(server, "PUT", "/a", {}, QByteArray(400000, 'x')).status(),
+             QByteArray("507 Insufficient Storage"));
+    QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("old"));
+}
+
+void TestChanges::timeOfUpload()
+{
+    StandardServer server;
+    const RawReply reply = replyTo(server, "PUT", "/a", "X-OC-Mtime: 784111777.5\r\n", "one");
+    QCOMPARE(reply.header("X-OC-Mtime"), QByteArray("accepted"));
+    QCOMPARE(reply.header("Last-Modified"), QByteArray("Sun, 06 Nov 1994 08:49:37 GMT"));
+    QCOMPARE(replyTo(server, "HEAD", "/a").header("ETag"), reply.header("ETag"));
+    QVERIFY(replyTo(server, "PUT", "/a", "X-OC-Mtime: x\r\n", "2").header("X-OC-Mtime").isEmpty());
+}
+
+void TestChanges::updateRanges_data()
+{
+    QTest::addColumn<QByteArray>("value");
+    QTest::addColumn<int>("first"); // -1: refused
+    QTest::addColumn<int>("count"); // -1: told by the body
+
+    QTest::newRow("part") << QByteArray("bytes=2-4") << 2 << 3;
+    QTest::newRow("open") << QByteArray("bytes=10-") << 10 << -1;
+    QTest::newRow("from the end") << QByteArray("bytes=-3") << 7 << -1;
+    QTest::newRow("more than there is") << QByteArray("bytes=-30") << 0 << -1;
+    QTest::newRow("append") << QByteArray("append") << 10 << -1;
+    for (const char *bad : { "bytes=11-", "bytes=4-2", "bytes=", "bytes=-", "2-4", "bytes=a-b",
+                             "bytes=+1-2", "bytes=0-9223372036854775807" })
+        QTest::newRow(bad) << QByteArray(bad) << -1 << -1;
+}
+
+void TestChanges::updateRanges()
+{
+    QFETCH(const QByteArray, value);
+    const std::optional<UpdateRange> range = updateRange(value, 10);
+    QTEST(range ? int(range->first) : -1, "first");
+    QTEST(range ? int(range->count.value_or(-1)) : -1, "count");
+}
+
+void TestChanges::patchWritesInPlace()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "0123456789");
+    const QByteArray type = "Content-Type: application/x-sabredav-partialupdate\r\n";
+    const auto patch = [&](const QByteArray &headers, const QByteArray &body) {
+        return replyTo(server, "PATCH", "/a", headers, body);
+    };
+    const QByteArray tag = replyTo(server, "HEAD", "/a").header("ETag");
+    const RawReply done =
+        patch(type + "If-Match: " + tag + "\r\nX-Update-Range: bytes=2-4\r\n", "abc");
+    QCOMPARE(done.status(), QByteArray("204 No Content"));
+    QVERIFY(done.header("ETag") != tag);
+    QCOMPARE(replyTo(server, "HEAD", "/a").header("ETag"), done.header("ETag"));
+    QCOMPARE(patch(type + "X-Update-Range: append\r\n", "!").status(),
+             QByteArray("204 No Content"));
+    QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("01abc56789!"));
+
+    QCOMPARE(patch(type + "If-Match: " + tag + "\r\nX-Update-Range: append\r\n", "x").status(),
+             QByteArray("412 Precondition Failed"));
+    QCOMPARE(patch(type + "X-Update-Range: bytes=2-3\r\n", "xxx").status(),
+             QByteArray("400 Bad Request"));
+    QCOMPARE(patch("X-Update-Range: append\r\n", "x").status(),
+             QByteArray("415 Unsupported Media Type"));
+    QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("01abc56789!"));
+}
+
+void TestChanges::deleteAndMakeFolders()
+{
+    StandardServer server;
+    QCOMPARE(replyTo(server, "MKCOL", "/f").status(), QByteArray("201 Created"));
+    QCOMPARE(replyTo(server, "MKCOL", "/f/g/").status(), QByteArray("201 Created"));
+    QCOMPARE(replyTo(server, "MKCOL", "/f").status(), QByteArray("405 Method Not Allowed"));
+    QCOMPARE(replyTo(server, "MKCOL", "/no/f").status(), QByteArray("409 Conflict"));
+    QCOMPARE(replyTo(server, "MKCOL", "/h", {}, "<x/>").status(),
+             QByteArray("415 Unsupported Media Type"));
+    server.addFile(QStringLiteral("f/g/x"), "x");
+    QVERIFY(QFile::link(QStringLiteral("/etc"), server.sharePath(QStringLiteral("f/link"))));
+
+    QCOMPARE(replyTo(server, "DELETE", "/f", "Depth: 0\r\n").status(),
+             QByteArray("400 Bad Request"));
+    QCOMPARE(replyTo(server, "DELETE", "/f/g/x/").status(), QByteArray("404 Not Found"));
+    QCOMPARE(replyTo(server, "DELETE", "/").status(), QByteArray("403 Forbidden"));
+    server.profile->enableDelete = Qt::Unchecked;
+    QCOMPARE(replyTo(server, "DELETE", "/f").status(), QByteArray("403 Forbidden"));
+    server.profile->enableDelete = Qt::Checked;
+    QCOMPARE(replyTo(server, "DELETE", "/f").status(), QByteArray("204 No Content"));
+    QVERIFY(!QFile::exists(server.sharePath(QStringLiteral("f")))
+            && QFile::exists(QStringLiteral("/etc")));
+    QCOMPARE(replyTo(server, "DELETE", "/f").status(), QByteArray("404 Not Found"));
+    server.profile->enableUpload = Qt::Unchecked;
+    for (const char *method : { "MKCOL", "PUT", "PATCH", "COPY", "MOVE" })
+        QCOMPARE(replyTo(server, method, "/f").status(), QByteArray("403 Forbidden"));
+}
+
+void TestChanges::copyAndMove_data()
+{
+    QTest::addColumn<QByteArray>("source");
+    QTest::addColumn<QByteArray>("headers");
+    QTest::addColumn<int>("copied"); // status
+    QTest::addColumn<int>("moved");
+
+    const auto row = [](const char *name, const char *source, const QByteArray &headers, int copied,
+                        int moved) {
+        QTest::newRow(name) << QByteArray(source) << headers << copied << moved;
+    };
+    const QByteArray keep = "Overwrite: F\r\n";
+    row("to a new name", "/a", destination("/new"), 201, 201);
+    row("onto a file", "/a", destination("/b"), 204, 204);
+    row("onto a file that is kept", "/a", keep + destination("/b"), 412, 412);
+    row("onto a folder", "/a", destination("/g"), 204, 204);
+    row("folder to a new name with a slash", "/f", destination("/new/"), 201, 201);
+    row("folder onto a folder", "/f/", destination("/g/"), 204, 204);
+    row("folder onto a file", "/f", destination("/b"), 204, 204);
+    row("missing", "/no", destination("/new"), 404, 404);
+    row("into a folder that is missing", "/a", destination("/no/new"), 409, 409);
+    row("onto itself", "/a", destination("/./a"), 403, 403);
+    row("folder into itself", "/f", destination("/f/new"), 409, 409);
+    row("folder onto the one that holds it", "/f/sub", destination("/f"), 409, 409);
+    row("what is shared", "/", destination("/new"), 409, 409);
+    row("without a destination", "/a", {}, 400, 400);
+    row("by a name of ours", "/a", destination("http://localhost/new"), 201, 201);
+    row("by another port", "/a", destination("http://localhost:1/new"), 502, 502);
+    row("to another server", "/a", destination("http://example.org/new"), 502, 502);
+    row("badly encoded", "/a", destination("/%zz"), 400, 400);
+    row("folder with a strange depth", "/f", "Depth: 1\r\n" + destination("/new"), 400, 400);
+    row("folder alone", "/f", "Depth: 0\r\n" + destination("/new"), 201, 400);
+}
+
+void TestChanges::copyAndMove()
+{
+    QFETCH(const QByteArray, source);
+    QFETCH(const QByteArray, headers);
+    for (const QByteArray &method : { QByteArray("COPY"), QByteArray("MOVE") }) {
+        StandardServer server;
+        server.addFile(QStringLiteral("a"), "A");
+        server.addFile(QStringLiteral("b"), "B");
+        server.addFile(QStringLiteral("f/.x"), "X");
+        server.addFile(QStringLiteral("g/y"), "Y");
+        QVERIFY(QDir().mkpath(server.sharePath(QStringLiteral("f/sub/empty"))));
+        const QString from = server.sharePath(QString::fromUtf8(source.mid(1)));
+        const int at = int(headers.lastIndexOf('/'));
+        const bool isFolder = source.startsWith("/f");
+        const QByteArray status = replyTo(server, method, source, headers).status();
+        if (method == "COPY")
+            QTEST(status.left(3).toInt(), "copied");
+        else
+            QTEST(status.left(3).toInt(), "moved");
+        const bool done = status.startsWith("20");
+        QCOMPARE(QFile::exists(from), source != "/no" && !(done && method == "MOVE"));
+        if (!done) {
+            QCOMPARE(server.fileContent(QStringLiteral("b")), QByteArray("B"));
+            QCOMPARE(server.fileContent(QStringLiteral("g/y")), QByteArray("Y"));
+            continue;
+        }
+        QByteArray name = headers.mid(at + 1).trimmed();
+        if (name.isEmpty())
+            name = headers.contains("/new/") ? "new" : "g";
+        const QString to = QString::fromUtf8(name);
+        if (!isFolder) {
+            QCOMPARE(server.fileContent(to), QByteArray("A"));
+            continue;
+        }
+        const bool alone = headers.startsWith("Depth: 0");
+        QCOMPARE(server.fileContent(to + QLatin1String("/.x")), QByteArray(alone ? "" : "X"));
+        QCOMPARE(QFile::exists(server.sharePath(to + QLatin1String("/sub/empty"))), !alone);
+        QVERIFY(!QFile::exists(server.sharePath(to + QLatin1String("/y"))));
+        // What was moved aside goes in the end.
+        QTRY_COMPARE(QDir(server.sharePath())
+                         .entryList({ QStringLiteral(".rec*") }, QDir::AllEntries | QDir::Hidden),
+                     QStringList());
+    }
+}
+
+void TestChanges::copyKeepsWhatBelongsToFiles()
+{
+    StandardServer server;
+    const QByteArray fileTime = "Sun, 06 Nov 1994 08:49:37 GMT";
+    QCOMPARE(replyTo(server, "MKCOL", "/f").status(), QByteArray("201 Created"));
+    replyTo(server, "PUT", "/f/a", "X-OC-Mtime: 784111777\r\n", "one");
+    const QByteArray path = QFile::encodeName(server.sharePath(QStringLiteral("f/a")));
+    ::chmod(path.constData(), 0750);
+    QCOMPARE(replyTo(server, "COPY", "/f", destination("/g")).status(), QByteArray("201 Created"));
+    const RawReply copy = replyTo(server, "GET", "/g/a");
+    QCOMPARE(copy.body, QByteArray("one"));
+    QCOMPARE(copy.header("Last-Modified"), fileTime);
+    QVERIFY(QFileInfo(server.sharePath(QStringLiteral("g/a"))).isExecutable());
+}
+
+void TestChanges::failedCopyKeepsOldTree()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("f/small"), "1");
+    server.addFile(QStringLiteral("f/large"), QByteArray(300000, 'x'));
+    server.addFile(QStringLiteral("g/old"), "old");
+    const FullDisk full(100000);
+    for (const char *to : { "/g", "/new" })
+        QCOMPARE(replyTo(server, "COPY", "/f", destination(to)).status(),
+                 QByteArray("507 Insufficient Storage"));
+    QCOMPARE(server.fileContent(QStringLiteral("g/old")), QByteArray("old"));
+    QCOMPARE(
+        QDir(server.sharePath()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+        QStringList({ QStringLiteral("f"), QStringLiteral("g") }));
+}
+
+void TestChanges::moveReplacesTree()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "A");
+    server.addFile(QStringLiteral("g/y"), "Y");
+    // With the folder goes what it holds.
+    server.profile->enableDelete = Qt::Unchecked;
+    QCOMPARE(replyTo(server, "COPY", "/a", destination("/g")).status(),
+             QByteArray("403 Forbidden"));
+    QCOMPARE(replyTo(server, "MOVE", "/a", destination("/b")).status(),
+             QByteArray("403 Forbidden"));
+    QCOMPARE(server.fileContent(QStringLiteral("g/y")), QByteArray("Y"));
+}
+
+void TestChanges::guardIsAsked()
+{
+    Routes routes = fileRoutes();
+    const auto guard = std::make_shared<TestGuard>();
+    routes.guard = guard;
+    StandardServer server(routes);
+    server.addFile(QStringLiteral("held"), "old");
+    server.addFile(QStringLiteral("a"), "A");
+    const QByteArray to = destination("/held");
+    const QByteArray partial =
+        "Content-Type: application/x-sabredav-partialupdate\r\nX-Update-Range: append\r\n";
+    QCOMPARE(replyTo(server, "PUT", "/held", {}, "x").status(), QByteArray("423 Locked"));
+    QCOMPARE(replyTo(server, "PATCH", "/held", partial, "x").status(), QByteArray("423 Locked"));
+    QCOMPARE(replyTo(server, "DELETE", "/held").status(), QByteArray("423 Locked"));
+    QCOMPARE(replyTo(server, "COPY", "/a", to).status(), QByteArray("423 Locked"));
+    QCOMPARE(replyTo(server, "MOVE", "/a", to).status(), QByteArray("423 Locked"));
+    QCOMPARE(replyTo(server, "MOVE", "/held", destination("/b")).status(),
+             QByteArray("423 Locked"));
+    QCOMPARE(server.fileContent(QStringLiteral("held")), QByteArray("old"));
+    QVERIFY(guard->gone.isEmpty());
+    replyTo(server, "MOVE", "/a", destination("/b"));
+    replyTo(server, "DELETE", "/b");
+    QCOMPARE(guard->gone, QList<QByteArray>({ "a", "b" }));
+}
+
+void TestChanges::optionsTellWhatWorks()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "A");
+    const auto allowed = [&server](const char *target) {
+        return replyTo(server, "OPTIONS", target).header("Allow");
+    };
+    QCOMPARE(allowed("/a"), QByteArray("OPTIONS, GET, HEAD, PUT, PATCH, DELETE, COPY, MOVE"));
+    QCOMPARE(allowed("/"), QByteArray("OPTIONS, GET, HEAD, COPY"));
+    QCOMPARE(allowed("/new"), QByteArray("OPTIONS, PUT, MKCOL"));
+    QCOMPARE(allowed("*"), QByteArray("OPTIONS, GET, HEAD, PUT, PATCH, DELETE, MKCOL, COPY, MOVE"));
+    server.profile->enableUpload = Qt::Unchecked;
+    QCOMPARE(allowed("/a"), QByteArray("OPTIONS, GET, HEAD, DELETE"));
+    const RawReply unknown = replyTo(server, "PROPFIND", "/a");
+    QCOMPARE(unknown.status(), QByteArray("405 Method Not Allowed"));
+    QCOMPARE(unknown.header("Allow"), QByteArray("OPTIONS, GET, HEAD, DELETE"));
+}
+
+} // namespace standard
+
+QTEST_GUILESS_MAIN(standard::TestChanges)
+#include "tst_changes.moc"
