@@ -147,6 +147,7 @@ bool UploadFile::run(const Budget &until)
 void UploadFile::discard()
 {
     discarded = true;
+    replaced.reset();
     reservation.reset();
 }
 
