@@ -33,17 +33,17 @@ Routes fileRoutes()
 
 FaceMaker standardFaces(Routes routes)
 {
-    auto table = std::make_shared<const Routes>(std::move(routes));
-    return [table](Connection &connection) -> std::unique_ptr<Face> {
-        return std::make_unique<StandardFace>(connection, table);
+    auto common = std::make_shared<FaceCommon>(FaceCommon{ std::move(routes) });
+    return [common](Connection &connection) -> std::unique_ptr<Face> {
+        return std::make_unique<StandardFace>(connection, common);
     };
 }
 
-StandardFace::StandardFace(Connection &owner, std::shared_ptr<const Routes> table)
+StandardFace::StandardFace(Connection &owner, std::shared_ptr<FaceCommon> shared)
     : connection(owner)
-    , routes(std::move(table))
+    , common(std::move(shared))
     , channel(owner.socket(), owner.service().traffic, *this)
-    , exchange(owner.service(), channel, *routes)
+    , exchange(owner.service(), channel, common->routes)
 {
 }
 
@@ -72,12 +72,33 @@ void StandardFace::requestReady(Request request)
 {
     connection.noteRequest();
     exchange.begin(std::move(request));
+    if (!isAdmitted())
+        return;
     const Route *route = findRoute();
     if (!route)
         return exchange.refuse(Status::MethodNotAllowed, {}, { allowField(exchange) });
     handler = route->make(exchange);
     isAnswering = true;
     handler->start();
+}
+
+/// The door of every method: who is asked for a login, and who may not come from another site.
+bool StandardFace::isAdmitted()
+{
+    const Request &request = exchange.request();
+    Authenticator &door = common->authenticator;
+    const Authenticator::Result result = door.check(request, *exchange.service().profile);
+    if (result.outcome != Authenticator::Outcome::Admitted) {
+        exchange.refuse(Status::Unauthorized, {}, door.challenges(result.outcome));
+        return false;
+    }
+    exchange.setUser(result.user);
+    // A page of somebody else's must not have its visitor's browser change anything here.
+    const QByteArray site = request.value("Sec-Fetch-Site");
+    if (isSafe(request.method) || (site != "cross-site" && site != "same-site"))
+        return true;
+    exchange.refuse(Status::Forbidden);
+    return false;
 }
 
 void StandardFace::requestBad(Status status)
@@ -135,7 +156,7 @@ void StandardFace::replyEnded()
 
 const Route *StandardFace::findRoute() const
 {
-    for (const Route &route : routes->rows) {
+    for (const Route &route : common->routes.rows) {
         if (route.method == exchange.request().method)
             return &route;
     }

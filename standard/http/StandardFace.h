@@ -1,6 +1,7 @@
 #pragma once
 
 #include "server/Face.h"
+#include "standard/http/Authenticator.h"
 #include "standard/http/Channel.h"
 #include "standard/http/Exchange.h"
 #include "standard/http/Routes.h"
@@ -11,12 +12,18 @@ namespace standard {
 
 class Handler;
 
+/// What all faces of a program share.
+struct FaceCommon
+{
+    Routes routes;
+    Authenticator authenticator = {};
+};
+
 /// The standard face: admits requests and has the handler of their method answer, as the RFCs say.
 class StandardFace final : public Face, private Channel::User
 {
 public:
-    /// `table` is shared with the other connections.
-    StandardFace(Connection &owner, std::shared_ptr<const Routes> table);
+    StandardFace(Connection &owner, std::shared_ptr<FaceCommon> shared);
     ~StandardFace() override;
 
     void readable() override;
@@ -38,11 +45,12 @@ private:
     void replyEnded() override;
 
     void bodySaved(BodyEnd end);
+    bool isAdmitted();
     const Route *findRoute() const;
     void dropHandler();
 
     Connection &connection;
-    std::shared_ptr<const Routes> routes;
+    std::shared_ptr<FaceCommon> common;
     Channel channel;
     Exchange exchange;
     bool isAnswering = false; ///< the handler has not ended

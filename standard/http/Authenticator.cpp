@@ -1,0 +1,117 @@
+#include "standard/http/Authenticator.h"
+
+#include "config/Profile.h"
+#include "server/Secret.h"
+#include "standard/http/Digest.h"
+
+namespace standard {
+
+namespace {
+
+constexpr auto realm = "Quillon"; ///< one for all: some programs ask anew for each
+constexpr auto basicScheme = "basic ";
+
+struct Login
+{
+    QByteArray user;
+    QByteArray password;
+};
+
+/// Of "name:password".
+Login loginOf(const QByteArray &text)
+{
+    const int colon = int(text.indexOf(':'));
+    if (colon < 0)
+        return {};
+    return { text.left(colon), text.mid(colon + 1) };
+}
+
+/// The logins that are known. Where any name will do it is `given`.
+QList<Login> knownLogins(const Profile &profile, const QByteArray &given)
+{
+    if (profile.authMode == AuthPasswordPage)
+        return { { given, profile.password.toUtf8() } };
+    QList<Login> logins;
+    for (const QString &account : profile.accounts())
+        logins.append(loginOf(account.toUtf8()));
+    return logins;
+}
+
+bool needsLogin(const Profile &profile)
+{
+    return profile.authMode != AuthNone
+        && !(profile.authMode == AuthPasswordPage && profile.password.isEmpty());
+}
+
+Authenticator::Result checkBasic(const QByteArray &value, const Profile &profile)
+{
+    const auto schemeSize = int(qstrlen(basicScheme));
+    const QByteArray text = QByteArray::fromBase64(value.mid(schemeSize).trimmed());
+    const Login given = loginOf(text);
+    bool known = false;
+    for (const Login &login : knownLogins(profile, given.user)) {
+        const bool same = isSameSecret(given.user, login.user);
+        known = (isSameSecret(given.password, login.password) && same) || known;
+    }
+    // Without a colon it is no login, whatever the password is.
+    if (!known || !text.contains(':'))
+        return { Authenticator::Outcome::Refused };
+    return { Authenticator::Outcome::Admitted, given.user };
+}
+
+/// A proof for one path must not open another.
+bool isForTarget(const DigestCredentials &given, const Request &request)
+{
+    if (request.isForServer)
+        return given.uri == "*";
+    const std::optional<Target> target = parseTarget(given.uri);
+    return target && target->path == request.target.path;
+}
+
+QByteArray digestChallenge(const char *algorithm, const QByteArray &nonce, bool stale)
+{
+    return QByteArray("Digest realm=\"") + realm + "\", qop=\"auth\", algorithm=" + algorithm
+        + ", nonce=\"" + nonce + "\", charset=UTF-8" + (stale ? ", stale=true" : "");
+}
+
+} // namespace
+
+Authenticator::Result Authenticator::check(const Request &request, const Profile &profile)
+{
+    if (!needsLogin(profile))
+        return { Outcome::Admitted };
+    const QByteArray value = request.value("Authorization");
+    if (qstrnicmp(value.constData(), basicScheme, uint(qstrlen(basicScheme))) == 0)
+        return checkBasic(value, profile);
+    return checkDigest(request, profile);
+}
+
+Authenticator::Result Authenticator::checkDigest(const Request &request, const Profile &profile)
+{
+    const auto given = DigestCredentials::parse(request.value("Authorization"));
+    if (!given || given->realm != realm || !isForTarget(*given, request))
+        return { Outcome::Refused };
+    bool known = false;
+    for (const Login &login : knownLogins(profile, given->user)) {
+        if (login.user == given->user)
+            known = given->fits(request.methodName, login.password) || known;
+    }
+    if (!known)
+        return { Outcome::Refused };
+    if (!nonces.use(given->nonce, given->count, clock.elapsed()))
+        return { Outcome::Stale };
+    return { Outcome::Admitted, given->user };
+}
+
+Fields Authenticator::challenges(Outcome outcome) const
+{
+    const QByteArray nonce = nonces.make(clock.elapsed());
+    const bool stale = outcome == Outcome::Stale;
+    // Many programs look at the first one alone, and can do no more than MD5.
+    return { { "WWW-Authenticate", digestChallenge("MD5", nonce, stale) },
+             { "WWW-Authenticate", digestChallenge("SHA-256", nonce, stale) },
+             { "WWW-Authenticate",
+               QByteArray("Basic realm=\"") + realm + "\", charset=\"UTF-8\"" } };
+}
+
+} // namespace standard

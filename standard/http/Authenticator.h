@@ -1,0 +1,46 @@
+#pragma once
+
+#include "standard/http/Nonces.h"
+#include "standard/http/Request.h"
+
+#include <QByteArray>
+#include <QElapsedTimer>
+
+class Profile;
+
+namespace standard {
+
+/// Finds out who sends a request, by Digest or Basic (RFC 7616, RFC 7617). Where a page asks
+/// browsers for a password, any user name goes with it. One serves a whole program.
+class Authenticator
+{
+public:
+    enum class Outcome {
+        Admitted,
+        Refused,
+        Stale ///< the password is right, but another nonce is needed
+    };
+
+    struct Result
+    {
+        Outcome outcome;
+        QByteArray user = {}; ///< empty without a login
+    };
+
+    Authenticator() { clock.start(); }
+
+    /// Whether `profile` lets the request in.
+    Result check(const Request &request, const Profile &profile);
+
+    /// The fields of a 401. Digest comes first: over a connection that isn't encrypted one of the
+    /// desktop systems speaks nothing else.
+    Fields challenges(Outcome outcome) const;
+
+private:
+    Result checkDigest(const Request &request, const Profile &profile);
+
+    Nonces nonces;
+    QElapsedTimer clock;
+};
+
+} // namespace standard

@@ -1,0 +1,205 @@
+#include "standard/http/Digest.h"
+#include "standard/http/Nonces.h"
+#include "tests/standard/StandardTest.h"
+
+#include <QCryptographicHash>
+#include <QTest>
+
+namespace standard {
+
+namespace {
+
+using Algorithm = QCryptographicHash::Algorithm;
+
+/// What a program knows of the server after a 401.
+struct Challenge
+{
+    Algorithm algorithm = QCryptographicHash::Md5;
+    QByteArray nonce;
+};
+
+Challenge challengeOf(const RawReply &reply, Algorithm algorithm = QCryptographicHash::Md5)
+{
+    const QByteArray begin = "nonce=\"";
+    const int at = int(reply.head.indexOf(begin)) + int(begin.size());
+    return { algorithm, reply.head.mid(at, reply.head.indexOf('"', at) - at) };
+}
+
+QByteArray digest(const Challenge &challenge, const QByteArray &user, const QByteArray &password,
+                  int count, const QByteArray &uri = "/a", const QByteArray &method = "GET")
+{
+    const auto hash = [&challenge](const QByteArray &text) {
+        return QCryptographicHash::hash(text, challenge.algorithm).toHex();
+    };
+    const QByteArray nc = QByteArray::number(count, 16).rightJustified(8, '0');
+    const QByteArray response = hash(hash(user + ":Quillon:" + password) + ':' + challenge.nonce
+                                     + ':' + nc + ":c:auth:" + hash(method + ':' + uri));
+    const bool isMd5 = challenge.algorithm == QCryptographicHash::Md5;
+    return "Authorization: Digest username=\"" + user + "\", realm=\"Quillon\", nonce=\""
+        + challenge.nonce + "\", uri=\"" + uri + "\", cnonce=\"c\", nc=" + nc
+        + ", qop=auth, response=\"" + response + "\", algorithm=" + (isMd5 ? "MD5" : "SHA-256")
+        + "\r\n";
+}
+
+QByteArray basic(const QByteArray &login)
+{
+    return "Authorization: Basic " + login.toBase64() + "\r\n";
+}
+
+} // namespace
+
+class TestLogin : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void exampleOfTheRfc_data();
+    void exampleOfTheRfc();
+    void noncesHoldOnce();
+    void basicLogin();
+    void digestLogin();
+    void anyNameWithThePassword();
+    void refusedBeforeTheBody();
+    void otherSitesChangeNothing();
+};
+
+void TestLogin::exampleOfTheRfc_data()
+{
+    QTest::addColumn<QByteArray>("algorithm");
+    QTest::addColumn<QByteArray>("response");
+    QTest::newRow("MD5") << QByteArray("MD5") << QByteArray("8ca523f5e9506fed4657c9700eebdbec");
+    QTest::newRow("SHA-256")
+        << QByteArray("SHA-256")
+        << QByteArray("753927fa0e85d155564e2e272a28d1802ca10daf4496794697cf8db5856cb6c1");
+}
+
+/// RFC 7616, section 3.9.1.
+void TestLogin::exampleOfTheRfc()
+{
+    QFETCH(const QByteArray, algorithm);
+    QFETCH(const QByteArray, response);
+    const QByteArray value = "Digest username=\"Mufasa\", realm=\"http-auth@example.org\", "
+                             "uri=\"/dir/index.html\", algorithm="
+        + algorithm
+        + ", nonce=\"7ypf/xlj9XXwfDPEoM4URrv/xwf94BcCAzFZH4GiTo0v\", nc=00000001, "
+          "cnonce=\"f2/wE4q74E6zIJEtWaHKaf5wv/H5QzzpXusqGemxURZJ\", qop=auth, response=\""
+        + response + "\", opaque=\"FQhe/qaU925kfnzjCev0ciny7QMkPqMAFRtzCUYo5tdS\"";
+    const auto credentials = DigestCredentials::parse(value);
+    QVERIFY(credentials && credentials->fits("GET", "Circle of Life"));
+    QVERIFY(!credentials->fits("PUT", "Circle of Life"));
+    QVERIFY(!credentials->fits("GET", "circle of life"));
+    for (const char *broken : { "Digest ", "Digest username=\"a", "Digest x", "Basic eDp5" })
+        QVERIFY(!DigestCredentials::parse(broken));
+}
+
+void TestLogin::noncesHoldOnce()
+{
+    Nonces nonces;
+    const QByteArray nonce = nonces.make(1000);
+    QVERIFY(nonces.use(nonce, 1, 1000) && !nonces.use(nonce, 1, 1000));
+    // Requests on several connections overtake each other.
+    QVERIFY(nonces.use(nonce, 5, 1000) && nonces.use(nonce, 3, 1000));
+    QVERIFY(!nonces.use(nonce, 3, 1000) && !nonces.use(nonce, 5, 1000));
+    QVERIFY(nonces.use(nonce, 1000, 1000) && !nonces.use(nonce, 900, 1000));
+    QVERIFY(!nonces.use(nonce, 1001, 1001 + Nonces::lifetime));
+    QVERIFY(!nonces.use(Nonces().make(1000), 1, 1000) && !nonces.use("x", 1, 1000));
+    // What had to make room is not accepted once more.
+    const QByteArray first = nonces.make(5000);
+    QVERIFY(nonces.use(first, 1, 5000));
+    for (int i = 0; i < Nonces::maxUsed; ++i)
+        QVERIFY(nonces.use(nonces.make(6000), 1, 6000));
+    QVERIFY(!nonces.use(first, 1, 6000));
+}
+
+void TestLogin::basicLogin()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "A");
+    server.profile->authMode = AuthBasic;
+    server.profile->users =
+        QStringList{ QString::fromUtf8("j\xc3\xbcrg:pass:word"), QStringLiteral("b:2") };
+    const RawReply refused = replyTo(server, "GET", "/a");
+    QCOMPARE(refused.status(), QByteArray("401 Unauthorized"));
+    QVERIFY(refused.head.indexOf("Digest realm=\"Quillon\"")
+            < refused.head.indexOf("Basic realm=\"Quillon\""));
+    QCOMPARE(replyTo(server, "GET", "/a", basic("j\xc3\xbcrg:pass:word")).body, QByteArray("A"));
+    for (const char *wrong : { "b:pass:word", "b:", "b", ":", "x:2", "B:2" })
+        QCOMPARE(replyTo(server, "GET", "/a", basic(wrong)).status(),
+                 QByteArray("401 Unauthorized"));
+    server.profile->users.clear();
+    QCOMPARE(replyTo(server, "GET", "/a", basic(":")).status(), QByteArray("401 Unauthorized"));
+}
+
+void TestLogin::digestLogin()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "A");
+    server.profile->authMode = AuthBasic;
+    server.profile->users = QStringList{ QStringLiteral("b:2") };
+    for (const Algorithm algorithm : { QCryptographicHash::Md5, QCryptographicHash::Sha256 }) {
+        const Challenge challenge = challengeOf(replyTo(server, "GET", "/a"), algorithm);
+        const auto status = [&](const QByteArray &authorization) {
+            return replyTo(server, "GET", "/a", authorization).status().left(3);
+        };
+        QCOMPARE(status(digest(challenge, "b", "wrong", 1)), QByteArray("401"));
+        QCOMPARE(status(digest(challenge, "x", "2", 1)), QByteArray("401"));
+        QCOMPARE(status(digest(challenge, "b", "2", 1, "/other")), QByteArray("401"));
+        QCOMPARE(status(digest(challenge, "b", "2", 1)), QByteArray("200"));
+        QCOMPARE(status(digest(challenge, "b", "2", 2)), QByteArray("200"));
+        // Listened to and sent once more.
+        const RawReply again = replyTo(server, "GET", "/a", digest(challenge, "b", "2", 2));
+        QCOMPARE(again.status(), QByteArray("401 Unauthorized"));
+        QVERIFY(again.head.contains("stale=true"));
+        QCOMPARE(status(digest({ algorithm, challengeOf(again).nonce }, "b", "2", 1)),
+                 QByteArray("200"));
+        const Challenge foreign{ algorithm, "1-2-3" };
+        QVERIFY(
+            replyTo(server, "GET", "/a", digest(foreign, "b", "2", 1)).head.contains("stale=true"));
+    }
+}
+
+void TestLogin::anyNameWithThePassword()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "A");
+    server.profile->authMode = AuthPasswordPage;
+    server.profile->password = QStringLiteral("secret");
+    QCOMPARE(replyTo(server, "GET", "/a", basic("anybody:secret")).body, QByteArray("A"));
+    QCOMPARE(replyTo(server, "GET", "/a", basic("anybody:Secret")).status(),
+             QByteArray("401 Unauthorized"));
+    const Challenge challenge = challengeOf(replyTo(server, "GET", "/a"));
+    QCOMPARE(replyTo(server, "GET", "/a", digest(challenge, "me", "secret", 1)).body,
+             QByteArray("A"));
+    server.profile->password.clear();
+    QCOMPARE(replyTo(server, "GET", "/a").body, QByteArray("A"));
+}
+
+void TestLogin::refusedBeforeTheBody()
+{
+    StandardServer server;
+    server.profile->authMode = AuthBasic;
+    server.profile->users = QStringList{ QStringLiteral("b:2") };
+    RawClient client(server.port());
+    const RawReply reply =
+        client.exchange(rawRequest("PUT", "/a", "Expect: 100-continue\r\nContent-Length: 5\r\n"));
+    QCOMPARE(reply.status(), QByteArray("401 Unauthorized"));
+    QVERIFY(!QFile::exists(server.sharePath(QStringLiteral("a"))));
+    // Two requests on one connection: the login counts for its own.
+    RawClient next(server.port());
+    next.send(rawRequest("PUT", "/a", basic("b:2"), "12345") + rawRequest("GET", "/a"));
+    QCOMPARE(next.reply().status(), QByteArray("201 Created"));
+    QCOMPARE(next.reply().status(), QByteArray("401 Unauthorized"));
+}
+
+void TestLogin::otherSitesChangeNothing()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "A");
+    const QByteArray other = "Sec-Fetch-Site: cross-site\r\n";
+    QCOMPARE(replyTo(server, "DELETE", "/a", other).status(), QByteArray("403 Forbidden"));
+    QCOMPARE(replyTo(server, "GET", "/a", other).body, QByteArray("A"));
+}
+
+} // namespace standard
+
+QTEST_GUILESS_MAIN(standard::TestLogin)
+#include "tst_login.moc"
