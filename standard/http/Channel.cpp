@@ -308,6 +308,9 @@ void Channel::giveUp()
 {
     if (state == State::ReadingBody)
         finishBody(BodyEnd::Lost);
+    sender.stop();
+    if (state == State::Replying || state == State::Streaming)
+        user.replyEnded();
     if (state != State::Closing && state != State::Gone)
         closeSocket();
 }

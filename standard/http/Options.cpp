@@ -18,7 +18,7 @@ struct MethodUse
     bool onFile;
     bool onFolder;
     bool onMissing;
-    bool onRoot; ///< of a shared folder
+    bool onRoot; ///< on what is shared itself
     bool (Profile::*right)() const; ///< that it takes
 };
 
@@ -40,11 +40,11 @@ constexpr std::array<MethodUse, 13> uses{ {
 
 bool isOf(const MethodUse &use, const EntryFacts &found, bool isRoot)
 {
+    if (isRoot)
+        return use.onRoot;
     if (!found.exists)
         return use.onMissing;
-    if (found.folder)
-        return isRoot ? use.onRoot : use.onFolder;
-    return use.onFile;
+    return found.folder ? use.onFolder : use.onFile;
 }
 
 bool isAnswered(Method method, const Exchange &exchange, const EntryFacts &found)

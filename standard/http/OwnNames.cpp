@@ -41,7 +41,10 @@ bool isOwnName(const QByteArray &authority, const Exchange &exchange)
 {
     const int usualPort = exchange.channel().connection().isEncrypted() ? httpsPort : httpPort;
     const Authority meant = parsed(authority, usualPort);
-    const Authority called = parsed(exchange.request().value("Host"), usualPort);
+    const Request &request = exchange.request();
+    const bool isAbsolute = !request.target.authority.isEmpty();
+    const Authority called =
+        parsed(isAbsolute ? request.target.authority : request.value("Host"), usualPort);
     if (meant.host.isEmpty())
         return false;
     if (meant.host == called.host && meant.port == called.port)

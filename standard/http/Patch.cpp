@@ -3,6 +3,7 @@
 #include "files/DiskJob.h"
 #include "files/DiskWorker.h"
 #include "files/Share.h"
+#include "standard/http/Options.h"
 
 #include <QList>
 
@@ -117,8 +118,12 @@ bool Patch::isAllowed(const EntryFacts &found)
         exchange.refuse(Status::UnsupportedMediaType, {}, { { "Accept-Patch", contentType } });
         return false;
     }
-    if (!found.file) {
-        exchange.refuse(found.folder ? Status::MethodNotAllowed : Status::NotFound);
+    if (!found.exists) {
+        exchange.refuse(Status::NotFound);
+        return false;
+    }
+    if (!found.file || !namesEntry()) {
+        exchange.refuse(Status::MethodNotAllowed, {}, { allowField(exchange) });
         return false;
     }
     return meetsConditions(found) && exchange.mayChange({ { exchange.path() } });

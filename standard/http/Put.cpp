@@ -47,7 +47,7 @@ void Put::start()
 
 bool Put::isAllowed(const EntryFacts &found)
 {
-    const bool isFolder = found.folder || (exchange.namesFolder() && namesEntry());
+    const bool isFolder = found.folder || exchange.namesFolder() || !namesEntry();
     if (!mayUpload())
         return false;
     // A part taken for the whole would destroy the rest (RFC 9110, section 14.5).

@@ -61,11 +61,14 @@ void StandardFace::writable()
     dropHandler();
 }
 
-/// Not where the handler itself may be at work.
+/// Idle connections keep nothing of their last request. Not to be done where the handler itself may
+/// be at work.
 void StandardFace::dropHandler()
 {
-    if (!isAnswering)
-        handler.reset();
+    if (isAnswering || !handler)
+        return;
+    handler.reset();
+    exchange.begin({});
 }
 
 void StandardFace::requestReady(Request request)

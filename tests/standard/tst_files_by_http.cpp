@@ -16,6 +16,7 @@ private Q_SLOTS:
     void unchangedFileIsNotSentAgain();
     void shrinkingFileEndsConnection();
     void folders();
+    void singleFile();
     void requestsOneAfterAnother();
     void unreadBodies();
     void badHeads_data();
@@ -163,6 +164,20 @@ void TestFilesByHttp::folders()
     QVERIFY(page.body.contains("href=\"./x:y.txt\""));
     server.profile->showFolders = Qt::Unchecked;
     QCOMPARE(replyTo(server, "GET", "/").status(), QByteArray("403 Forbidden"));
+}
+
+void TestFilesByHttp::singleFile()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("film.mp4"), "0123456789");
+    server.server->setShared(server.sharePath(QStringLiteral("film.mp4")));
+    const RawReply reply = replyTo(server, "GET", "/", "Range: bytes=8-\r\n");
+    QCOMPARE(reply.body, QByteArray("89"));
+    QCOMPARE(reply.header("Content-Disposition"), QByteArray("inline; filename=\"film.mp4\""));
+    QCOMPARE(replyTo(server, "GET", "/film.mp4").status(), QByteArray("404 Not Found"));
+    QCOMPARE(replyTo(server, "PUT", "/", {}, "x").status(), QByteArray("405 Method Not Allowed"));
+    QCOMPARE(replyTo(server, "DELETE", "/").status(), QByteArray("403 Forbidden"));
+    QCOMPARE(server.fileContent(QStringLiteral("film.mp4")), QByteArray("0123456789"));
 }
 
 void TestFilesByHttp::requestsOneAfterAnother()
