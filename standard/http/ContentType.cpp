@@ -1,5 +1,6 @@
 #include "standard/http/ContentType.h"
 
+#include <QHash>
 #include <QMimeDatabase>
 #include <QString>
 
@@ -13,6 +14,8 @@ namespace standard {
 namespace {
 
 constexpr std::size_t textSample = 4096; ///< bytes
+constexpr int maxKnown = 1000; ///< endings and names
+constexpr auto packedEnding = ".tar"; ///< goes with the one behind it
 constexpr int longestCharacter = 4; ///< bytes of one in UTF-8
 
 constexpr std::array<const char *, 5> shownTypes{
@@ -69,14 +72,36 @@ bool isPlain(char c)
     return c >= ' ' && c < '\x7f' && c != '"' && c != '\\' && c != '%';
 }
 
+/// What a name's type depends on: the ending, or the whole name when it has none.
+QByteArray decisivePart(const QByteArray &fileName)
+{
+    const QByteArray name = fileName.toLower();
+    const int dot = int(name.lastIndexOf('.'));
+    const auto packed = int(qstrlen(packedEnding));
+    const bool isPacked = dot >= packed && name.mid(dot - packed, packed) == packedEnding;
+    return name.mid(qMax(0, isPacked ? dot - packed : dot));
+}
+
+QByteArray lookUp(const QByteArray &ending)
+{
+    static const QMimeDatabase types;
+    const QString name = QString::fromUtf8(ending.startsWith('.') ? 'x' + ending : ending);
+    return types.mimeTypeForFile(name, QMimeDatabase::MatchExtension).name().toLatin1();
+}
+
 } // namespace
 
 QByteArray contentType(const QByteArray &fileName)
 {
-    static const QMimeDatabase types;
-    return types.mimeTypeForFile(QString::fromUtf8(fileName), QMimeDatabase::MatchExtension)
-        .name()
-        .toLatin1();
+    // A look into the database takes longer than all the rest of a small reply.
+    thread_local QHash<QByteArray, QByteArray> known;
+    const QByteArray key = decisivePart(fileName);
+    const auto found = known.constFind(key);
+    if (found != known.constEnd())
+        return *found;
+    if (known.size() >= maxKnown)
+        known.clear();
+    return *known.insert(key, lookUp(key));
 }
 
 QByteArray contentType(const QByteArray &fileName, int descriptor)

@@ -79,6 +79,7 @@ private Q_SLOTS:
     void ranges_data();
     void ranges();
     void datesOfAllThreeForms();
+    void typesByName();
     void namesInDisposition();
 };
 
@@ -315,6 +316,18 @@ void TestMessages::datesOfAllThreeForms()
     for (const char *text : { "", "Sun, 06 Nov 1994 08:49:37 CET", "Sun, 31 Abc 1994 08:49:37 GMT",
                               "Sun, 06 Nov 1994 25:49:37 GMT", "784111777" })
         QVERIFY(!parseHttpDate(text));
+}
+
+void TestMessages::typesByName()
+{
+    for (int i = 0; i < 2; ++i) {
+        QCOMPARE(contentType("a.tar.gz"), QByteArray("application/x-compressed-tar"));
+        QCOMPARE(contentType("a.gz"), QByteArray("application/gzip"));
+        QCOMPARE(contentType("\xc3\xa4.b.JPG"), QByteArray("image/jpeg"));
+        QCOMPARE(contentType("Makefile"), QByteArray("text/x-makefile"));
+        QCOMPARE(contentType(".unknown"), QByteArray("application/octet-stream"));
+        QCOMPARE(contentType(""), QByteArray("application/octet-stream"));
+    }
 }
 
 void TestMessages::namesInDisposition()
