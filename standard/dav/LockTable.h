@@ -1,0 +1,92 @@
+#pragma once
+
+#include <QByteArray>
+
+#include <chrono>
+#include <functional>
+#include <map>
+#include <set>
+#include <utility>
+#include <vector>
+
+namespace standard {
+
+/// A write lock (RFC 4918, section 6).
+struct Lock
+{
+    using Clock = std::chrono::steady_clock;
+
+    QByteArray path; ///< of its root
+    bool shared = false;
+    bool deep = false; ///< with all that stands below, now and later
+    QByteArray owner; ///< the element that the client gave, or empty
+    QByteArray visitor; ///< who took it
+    std::chrono::seconds timeout{};
+    QByteArray token = {}; ///< given by the table, like the next
+    Clock::time_point until = {};
+};
+
+/// How long a lock is to live, from the Timeout header; within what we give, in any case.
+std::chrono::seconds lockTimeout(const QByteArray &timeoutHeader);
+
+/// The locks of one server. Paths are relative to the share's root, "" that itself, with single
+/// slashes between their segments; they need not exist. Every call works on what it names, however
+/// many locks there are. A pointer to a lock is good until the next call that isn't const.
+class LockTable
+{
+public:
+    static constexpr int maxLocks = 10000;
+    static constexpr int maxOfVisitor = 1000;
+
+    using Locks = std::vector<const Lock *>;
+    using Now = std::function<Lock::Clock::time_point()>;
+
+    explicit LockTable(Now clock = Lock::Clock::now);
+
+    struct Outcome
+    {
+        const Lock *made = nullptr; ///< null when there is none
+        const Lock *conflict = nullptr; ///< null when there are too many
+    };
+
+    /// Takes the lock unless another one stands against it.
+    Outcome add(Lock wanted);
+
+    /// Begins the time of the lock anew; `path` is its root or covered by it. Null when there is no
+    /// such lock.
+    const Lock *refresh(const QByteArray &token, const QByteArray &path,
+                        std::chrono::seconds timeout);
+
+    /// The lock of that token if it covers `path`, else null.
+    const Lock *find(const QByteArray &token, const QByteArray &path);
+
+    /// Ends the lock, which may be gone.
+    void remove(const QByteArray &token);
+
+    /// Ends those whose root is `path` or stands below it: what was there is gone.
+    void removeTree(const QByteArray &path);
+
+    /// Those that forbid to change what stands at `path`.
+    Locks covering(const QByteArray &path);
+
+    /// Those whose root stands below `path`.
+    Locks below(const QByteArray &path);
+
+    int count() const { return int(locks.size()); }
+
+private:
+    using ByPath = std::multimap<QByteArray, Lock *>;
+
+    void expire();
+    void erase(Lock *lock);
+    void setEnd(Lock *lock);
+    const Lock *conflict(const Lock &wanted);
+
+    Now now;
+    std::map<QByteArray, Lock> locks; ///< by token
+    ByPath byPath;
+    std::set<std::pair<Lock::Clock::time_point, Lock *>> byEnd;
+    std::map<QByteArray, int> ofVisitor;
+};
+
+} // namespace standard

@@ -1,0 +1,193 @@
+#include "standard/dav/PropertyStore.h"
+
+#include "standard/dav/Paths.h"
+
+#include <QtEndian>
+
+#include <cerrno>
+#include <utility>
+
+#include <sys/xattr.h>
+
+namespace standard {
+
+namespace {
+
+constexpr auto attributeName = "user.quillon.dav";
+constexpr auto formatMark = "Q1"; // then zlib's format, which has a checksum
+constexpr int sizeBytes = 4;
+constexpr int maxPacked = PropertyStore::maxBytes + 1024;
+
+void appendPart(QByteArray &to, const QByteArray &part)
+{
+    const quint32 size = qToLittleEndian(quint32(part.size()));
+    to.append(reinterpret_cast<const char *>(&size), sizeBytes);
+    to += part;
+}
+
+/// The part at `at`, which moves on behind it; `at` is -1 when there is no whole one.
+QByteArray takePart(const QByteArray &from, int &at)
+{
+    if (at < 0 || from.size() - at < sizeBytes)
+        return std::exchange(at, -1), QByteArray();
+    const auto size = qFromLittleEndian<quint32>(from.constData() + at);
+    at += sizeBytes;
+    if (size > quint32(from.size() - at))
+        return std::exchange(at, -1), QByteArray();
+    return from.mid(std::exchange(at, at + int(size)), int(size));
+}
+
+QByteArray serialized(const DeadProperties &properties)
+{
+    QByteArray bytes;
+    for (const DeadProperty &property : properties) {
+        appendPart(bytes, property.name.space.toUtf8());
+        appendPart(bytes, property.name.local.toUtf8());
+        appendPart(bytes, property.xml);
+    }
+    return bytes;
+}
+
+/// Whether the number in front, of bytes to come, can be true: memory is taken for it.
+bool hasPlausibleSize(const QByteArray &compressed)
+{
+    return compressed.size() > sizeBytes
+        && qFromBigEndian<quint32>(compressed.constData()) <= quint32(PropertyStore::maxBytes);
+}
+
+bool isFull(int error)
+{
+    return error == E2BIG || error == ERANGE || diskError(error) == DiskError::NoSpace;
+}
+
+} // namespace
+
+QByteArray packed(const DeadProperties &properties)
+{
+    return formatMark + qCompress(serialized(properties));
+}
+
+DeadProperties unpacked(const QByteArray &bytes)
+{
+    const QByteArray compressed = bytes.mid(int(qstrlen(formatMark)));
+    if (!bytes.startsWith(formatMark) || !hasPlausibleSize(compressed))
+        return {};
+    const QByteArray plain = qUncompress(compressed);
+    DeadProperties properties;
+    for (int at = 0; at >= 0 && at < plain.size();) {
+        const QString space = QString::fromUtf8(takePart(plain, at));
+        const QString local = QString::fromUtf8(takePart(plain, at));
+        const QByteArray xml = takePart(plain, at);
+        if (at < 0)
+            return {};
+        properties.push_back({ { space, local }, xml });
+    }
+    return properties;
+}
+
+PropertySubject PropertySubject::open(int descriptor, const QByteArray &path)
+{
+    return { "/proc/self/fd/" + QByteArray::number(descriptor), path };
+}
+
+PropertySubject PropertySubject::inFolder(int folder, const char *name, const QByteArray &path)
+{
+    return { "/proc/self/fd/" + QByteArray::number(folder) + '/' + name, path };
+}
+
+PropertyStore::PropertyStore(std::function<void()> warn)
+    : tellUser(std::move(warn))
+{
+}
+
+DeadProperties PropertyStore::read(const PropertySubject &subject) const
+{
+    // Nearly every file has none, which one short call tells.
+    QByteArray bytes(256, Qt::Uninitialized);
+    const auto get = [&subject, &bytes] {
+        return ::getxattr(subject.systemPath.constData(), attributeName, bytes.data(),
+                          std::size_t(bytes.size()));
+    };
+    ssize_t size = get();
+    if (size < 0 && errno == ERANGE) {
+        bytes.resize(maxPacked);
+        size = get();
+    }
+    if (size >= 0)
+        return unpacked(bytes.left(int(size)));
+    const std::lock_guard<std::mutex> lock(mutex);
+    const auto found = memory.find(subject.path);
+    return found == memory.end() ? DeadProperties() : unpacked(found->second);
+}
+
+DiskError PropertyStore::write(const PropertySubject &subject, const DeadProperties &properties)
+{
+    if (serialized(properties).size() > maxBytes)
+        return DiskError::NoSpace;
+    const char *file = subject.systemPath.constData();
+    const QByteArray bytes = properties.empty() ? QByteArray() : packed(properties);
+    const int result = bytes.isEmpty()
+        ? ::removexattr(file, attributeName)
+        : ::setxattr(file, attributeName, bytes.constData(), std::size_t(bytes.size()), 0);
+    if (result == 0 || (bytes.isEmpty() && errno == ENODATA))
+        return DiskError::None;
+    if (errno == ENOTSUP)
+        return remember(subject.path, bytes);
+    return isFull(errno) ? DiskError::NoSpace : DiskError::Failed;
+}
+
+DiskError PropertyStore::remember(const QByteArray &path, const QByteArray &bytes)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    const auto before = memory.find(path);
+    const qint64 freed = before == memory.end() ? 0 : before->second.size();
+    if (memoryUsed - freed + bytes.size() > maxMemory)
+        return DiskError::NoSpace;
+    if (before != memory.end())
+        forget(before);
+    if (bytes.isEmpty())
+        return DiskError::None;
+    memory.emplace(path, bytes);
+    memoryUsed += bytes.size();
+    if (const auto tell = std::exchange(tellUser, nullptr))
+        tell();
+    return DiskError::None;
+}
+
+PropertyStore::Memory::iterator PropertyStore::forget(Memory::iterator at)
+{
+    memoryUsed -= at->second.size();
+    return memory.erase(at);
+}
+
+void PropertyStore::removed(const QByteArray &path)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (const auto own = memory.find(path); own != memory.end())
+        forget(own);
+    for (auto at = firstBelow(memory, path); at != memory.end() && isBelow(at->first, path);)
+        at = forget(at);
+}
+
+void PropertyStore::copied(const QByteArray &from, const QByteArray &to)
+{
+    Memory copies;
+    {
+        const std::lock_guard<std::mutex> lock(mutex);
+        if (const auto own = memory.find(from); own != memory.end())
+            copies.emplace(to, own->second);
+        for (auto at = firstBelow(memory, from); at != memory.end() && isBelow(at->first, from);
+             ++at)
+            copies.emplace(to + at->first.mid(from.size()), at->second);
+    }
+    for (const auto &[path, bytes] : copies)
+        remember(path, bytes);
+}
+
+void PropertyStore::moved(const QByteArray &from, const QByteArray &to)
+{
+    copied(from, to);
+    removed(from);
+}
+
+} // namespace standard

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "files/DiskError.h"
+#include "standard/dav/XmlName.h"
+
+#include <QByteArray>
+
+#include <functional>
+#include <map>
+#include <mutex>
+#include <vector>
+
+namespace standard {
+
+/// A property that only its clients understand: it is kept as it was given.
+struct DeadProperty
+{
+    XmlName name;
+    QByteArray xml; ///< its whole element, see `XmlElement`
+};
+
+using DeadProperties = std::vector<DeadProperty>;
+
+/// As they are kept, and back. What was damaged holds none.
+QByteArray packed(const DeadProperties &properties);
+DeadProperties unpacked(const QByteArray &bytes);
+
+/// The file or folder whose properties are meant.
+struct PropertySubject
+{
+    /// For the system: a path through "/proc/self/fd", so that an open descriptor decides.
+    static PropertySubject open(int descriptor, const QByteArray &path);
+    static PropertySubject inFolder(int folder, const char *name, const QByteArray &path);
+
+    QByteArray systemPath;
+    QByteArray path; ///< relative to the share's root
+};
+
+/// Keeps dead properties in an extended attribute of their file, which they follow wherever it
+/// goes. Where the file system has no such thing they are kept in memory until the server ends.
+/// One serves a server; for any thread.
+class PropertyStore
+{
+public:
+    static constexpr int maxBytes = 64 * 1024; ///< for all of a file, before they are packed
+    static constexpr qint64 maxMemory = qint64(16) << 20; ///< bytes for all that have no attribute
+
+    /// `warn` is called once, when the first ones are kept in memory.
+    explicit PropertyStore(std::function<void()> warn);
+
+    DeadProperties read(const PropertySubject &subject) const;
+
+    /// Keeps these instead of those before. `NoSpace` when they are too many for us or the disk;
+    /// after any error those before stand.
+    DiskError write(const PropertySubject &subject, const DeadProperties &properties);
+
+    /// What stood at `path`, with all below it, is gone.
+    void removed(const QByteArray &path);
+
+    /// It stands at `to` now, or there as well, where nothing had properties.
+    void moved(const QByteArray &from, const QByteArray &to);
+    void copied(const QByteArray &from, const QByteArray &to);
+
+private:
+    using Memory = std::map<QByteArray, QByteArray>;
+
+    DiskError remember(const QByteArray &path, const QByteArray &bytes);
+    Memory::iterator forget(Memory::iterator at);
+
+    std::function<void()> tellUser;
+    mutable std::mutex mutex; ///< guards what follows
+    Memory memory; ///< packed, by path
+    qint64 memoryUsed = 0; ///< bytes
+};
+
+} // namespace standard

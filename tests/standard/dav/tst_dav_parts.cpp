@@ -1,0 +1,366 @@
+#include "standard/dav/IfHeader.h"
+#include "standard/dav/LockTable.h"
+#include "standard/dav/PropertyStore.h"
+#include "standard/dav/RequestBodies.h"
+#include "tests/files/Disk.h"
+
+#include <QtTest>
+
+#include <set>
+
+using namespace standard;
+using namespace std::chrono_literals;
+
+namespace {
+
+QByteArray inDav(const QByteArray &root, const QByteArray &content)
+{
+    return "<D:" + root + " xmlns:D=\"DAV:\">" + content + "</D:" + root + '>';
+}
+
+QByteArray inProp(const QByteArray &properties)
+{
+    return inDav("propertyupdate", "<D:set><D:prop>" + properties + "</D:prop></D:set>");
+}
+
+/// "/locked" has the lock "t:1", everything has the ETag "e".
+class KnownState : public IfState
+{
+public:
+    bool isLocked(const QByteArray &resource, const QByteArray &token) const override
+    {
+        return (resource.isEmpty() || resource == "/locked") && token == "t:1";
+    }
+    QByteArray etag(const QByteArray &) const override { return "\"e]\""; }
+};
+
+Lock wish(const QByteArray &path, bool deep = false, bool shared = false,
+          const QByteArray &visitor = "me")
+{
+    Lock lock;
+    lock.path = path;
+    lock.deep = deep;
+    lock.shared = shared;
+    lock.visitor = visitor;
+    lock.timeout = 600s;
+    return lock;
+}
+
+DeadProperty dead(const QByteArray &name, const QByteArray &value)
+{
+    return { { QStringLiteral("urn:x"), QString::fromLatin1(name) },
+             '<' + name + " xmlns=\"urn:x\">" + value + "</" + name + '>' };
+}
+
+QByteArray names(const DeadProperties &properties)
+{
+    QByteArray text;
+    for (const DeadProperty &each : properties)
+        text += each.name.local.toUtf8() + ' ';
+    return text;
+}
+
+} // namespace
+
+class DavPartsTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void refusesBodies_data();
+    void refusesBodies();
+    void readsWhatIsAskedFor();
+    void keepsValuesWhole_data();
+    void keepsValuesWhole();
+    void evaluatesIf_data();
+    void evaluatesIf();
+    void locksExclude_data();
+    void locksExclude();
+    void locksEnd();
+    void locksAreBoundedAndFast();
+    void propertiesSurviveOnDisk();
+    void damageIsNoProperties();
+    void memoryFollowsPaths();
+};
+
+void DavPartsTest::refusesBodies_data()
+{
+    QTest::addColumn<QByteArray>("body");
+    QTest::newRow("not closed") << QByteArray("<propfind xmlns=\"DAV:\"><allprop/>");
+    QTest::newRow("something behind it") << inDav("propfind", "<D:allprop/>") + "<x/>";
+    QTest::newRow("no namespace") << QByteArray("<propfind><allprop/></propfind>");
+    QTest::newRow("unbound prefix") << inDav("propfind", "<D:prop><x:y/></D:prop>");
+    QTest::newRow("prefix bound to nothing")
+        << inDav("propfind", "<D:prop><x:y xmlns:x=\"\"/></D:prop>");
+    QTest::newRow("two kinds") << inDav("propfind", "<D:allprop/><D:propname/>");
+    QTest::newRow("entity") << "<!DOCTYPE x [<!ENTITY a \"b\">]>"
+            + inDav("propfind", "<D:allprop/>");
+    QTest::newRow("character that XML can't hold")
+        << inDav("propfind", "<D:allprop/><D:x>&#1;</D:x>");
+    QTest::newRow("too deep") << inDav("propfind",
+                                       "<D:prop>" + QByteArray("<a>").repeated(40)
+                                           + QByteArray("</a>").repeated(40) + "</D:prop>");
+}
+
+void DavPartsTest::refusesBodies()
+{
+    QFETCH(const QByteArray, body);
+    QVERIFY(!PropFindBody::parse(body));
+    QVERIFY(!parsePropPatch(body));
+    QVERIFY(!LockBody::parse(body));
+}
+
+void DavPartsTest::readsWhatIsAskedFor()
+{
+    const auto named = PropFindBody::parse(inDav(
+        "propfind", "<x xmlns=\"urn:u\"/><D:prop><D:a/><b xmlns=\"urn:x\"><c/></b></D:prop>"));
+    QVERIFY(named && named->kind == PropFindBody::Kind::Named && named->names.size() == 2);
+    QVERIFY(named->names[0].isDav("a"));
+    QCOMPARE(named->names[1].space, QStringLiteral("urn:x"));
+    const auto all =
+        PropFindBody::parse(inDav("propfind", "<D:allprop/><D:include><D:q/></D:include>"));
+    QVERIFY(all && all->kind == PropFindBody::Kind::All && all->names.size() == 1);
+    QVERIFY(PropFindBody::parse({})->kind == PropFindBody::Kind::All);
+
+    // The last step decides, so their order counts.
+    const auto steps = parsePropPatch(
+        inDav("propertyupdate",
+              "<D:remove><D:prop><D:a/></D:prop></D:remove>"
+              "<D:set><D:prop><D:a>1</D:a><D:b/></D:prop><D:prop><D:c/></D:prop></D:set>"));
+    QVERIFY(steps && steps->size() == 4);
+    QVERIFY(steps->at(0).isRemoval && !steps->at(1).isRemoval);
+    QCOMPARE(steps->at(1).value.text, QStringLiteral("1"));
+
+    const QByteArray type = "<D:locktype><D:write/></D:locktype>";
+    const auto lock = LockBody::parse(inDav(
+        "lockinfo",
+        type + "<D:lockscope><D:shared/></D:lockscope><D:owner><D:href>me</D:href></D:owner>"));
+    QVERIFY(lock && lock->shared);
+    QCOMPARE(lock->owner, QByteArray("<D:owner xmlns:D=\"DAV:\"><D:href>me</D:href></D:owner>"));
+    QVERIFY(!LockBody::parse(inDav("lockinfo", type)));
+}
+
+void DavPartsTest::keepsValuesWhole_data()
+{
+    QTest::addColumn<QByteArray>("given");
+    QTest::addColumn<QByteArray>("kept");
+    QTest::newRow("text")
+        << QByteArray("<x:p xmlns:x=\"urn:x\">a &lt;&amp;&#13;&gt; \xc3\xbc</x:p>")
+        << QByteArray("<x:p xmlns:x=\"urn:x\">a &lt;&amp;&#13;&gt; \xc3\xbc</x:p>");
+    QTest::newRow("beyond 16 bits") << QByteArray("<p xmlns=\"urn:x\">&#65536;</p>")
+                                    << QByteArray("<p xmlns=\"urn:x\">\xf0\x90\x80\x80</p>");
+    QTest::newRow("namespace from outside, also within a value")
+        << QByteArray("<D:p><D:q kind=\"D:r\"/></D:p>")
+        << QByteArray("<D:p xmlns:D=\"DAV:\"><D:q kind=\"D:r\"></D:q></D:p>");
+    QTest::newRow("own prefix hides the outer one")
+        << QByteArray("<p xmlns=\"\"><D:q xmlns:D=\"urn:d\"/></p>")
+        << QByteArray("<p xmlns=\"\" xmlns:D=\"DAV:\"><D:q xmlns:D=\"urn:d\"></D:q></p>");
+    QTest::newRow("its own language") << QByteArray("<p xmlns=\"u\" xml:lang=\"de\"/>")
+                                      << QByteArray("<p xmlns=\"u\" xml:lang=\"de\"/>");
+    QTest::newRow("quotes in attributes") << QByteArray("<p xmlns=\"u\" a='\"&#10;'/>")
+                                          << QByteArray("<p xmlns=\"u\" a=\"&quot;&#10;\"/>");
+}
+
+void DavPartsTest::keepsValuesWhole()
+{
+    QFETCH(const QByteArray, given);
+    QFETCH(const QByteArray, kept);
+    const auto changes = parsePropPatch(inProp(given));
+    QVERIFY(changes);
+    QCOMPARE(changes->front().value.xml, kept);
+    const auto again = parsePropPatch(inProp(kept));
+    QVERIFY(again && again->front().name == changes->front().name);
+
+    QByteArray german = inProp(given);
+    german.replace("<D:set>", "<D:set xml:lang=\"de\">");
+    const QByteArray inherited = parsePropPatch(german)->front().value.xml;
+    QCOMPARE(inherited.count("xml:lang=\"de\""), 1);
+}
+
+void DavPartsTest::evaluatesIf_data()
+{
+    QTest::addColumn<QByteArray>("header");
+    QTest::addColumn<QString>("outcome");
+    const auto row = [](const char *header, const char *outcome) {
+        QTest::newRow(header) << QByteArray(header) << QString::fromLatin1(outcome);
+    };
+    row("(<t:1>)", "true");
+    row("(<t:2>)", "false");
+    row("(Not <t:2>)", "true");
+    row("(<t:1> [\"e]\"])", "true");
+    row("(<t:1> [\"f\"])", "false");
+    row("(<t:1> [W/\"e]\"])", "false");
+    row("(<t:2>) (not<DAV:no-lock>)", "true");
+    row("(<t:2>)(Not <t:1>)", "false");
+    row("</locked> (<t:1>) </free> (<t:2>)", "true");
+    row("</free> (<t:1>) (Not <t:1>)", "true");
+    row("</free> (<t:1>)", "false");
+    row("", "malformed");
+    row("()", "malformed");
+    row("(<t:1>", "malformed");
+    row("<t:1>", "malformed");
+    row("(<t:1>) </locked> (<t:1>)", "malformed");
+    row("(\"e\")", "malformed");
+    row("(<t:1>) x", "malformed");
+    row("(Not)", "malformed");
+    row("([\"e)", "malformed");
+}
+
+void DavPartsTest::evaluatesIf()
+{
+    QFETCH(const QByteArray, header);
+    QFETCH(const QString, outcome);
+    const auto parsed = IfHeader::parse(header);
+    QCOMPARE(parsed.has_value(), outcome != QLatin1String("malformed"));
+    if (!parsed)
+        return;
+    QCOMPARE(parsed->holds(KnownState()), outcome == QLatin1String("true"));
+    QCOMPARE(parsed->names("t:1"), header.contains("<t:1>"));
+}
+
+void DavPartsTest::locksExclude_data()
+{
+    QTest::addColumn<QByteArray>("path");
+    QTest::addColumn<bool>("deep");
+    QTest::addColumn<bool>("shared");
+    QTest::addColumn<QByteArray>("against"); ///< the root of the lock that forbids it
+    const QByteArray none = "-";
+    // There are an exclusive lock on "a/b", a deep shared one on "s" and a shared one on "".
+    QTest::newRow("the same") << QByteArray("a/b") << false << true << QByteArray("a/b");
+    QTest::newRow("below a lock without depth") << QByteArray("a/b/c") << true << false << none;
+    QTest::newRow("above, alone") << QByteArray("a") << false << false << none;
+    QTest::newRow("above, with all below") << QByteArray("a") << true << true << QByteArray("a/b");
+    QTest::newRow("name that begins alike") << QByteArray("a/b!") << true << false << none;
+    QTest::newRow("shared below a deep shared one") << QByteArray("s/t") << true << true << none;
+    QTest::newRow("exclusive below it") << QByteArray("s/t/u") << false << false << QByteArray("s");
+    QTest::newRow("the root, exclusive") << QByteArray("") << false << false << QByteArray("");
+    QTest::newRow("the root, deep") << QByteArray("") << true << true << QByteArray("a/b");
+}
+
+void DavPartsTest::locksExclude()
+{
+    QFETCH(const QByteArray, path);
+    QFETCH(const bool, deep);
+    QFETCH(const bool, shared);
+    QFETCH(const QByteArray, against);
+    LockTable table;
+    QVERIFY(table.add(wish("a/b")).made);
+    QVERIFY(table.add(wish("s", true, true)).made);
+    QVERIFY(table.add(wish("", false, true)).made);
+    const LockTable::Outcome outcome = table.add(wish(path, deep, shared));
+    QCOMPARE(outcome.conflict ? outcome.conflict->path : QByteArray("-"), against);
+    QCOMPARE(outcome.made != nullptr, against == "-");
+}
+
+void DavPartsTest::locksEnd()
+{
+    Lock::Clock::time_point now{};
+    LockTable table([&now] { return now; });
+    const QByteArray deep = table.add(wish("d", true)).made->token;
+    const QByteArray alone = table.add(wish("e/f")).made->token;
+    QVERIFY(deep.startsWith("urn:uuid:") && deep != alone);
+    now += 500s;
+    QVERIFY(table.refresh(deep, "d/through/member", 600s));
+    QVERIFY(!table.refresh(alone, "e", 600s));
+    now += 100s;
+    QVERIFY(table.covering("e/f").empty());
+    QCOMPARE(table.covering("d/x").size(), std::size_t(1));
+    QVERIFY(!table.find(deep, "dx"));
+    now += 500s;
+    QCOMPARE(table.count(), 1);
+    QVERIFY(table.covering("d").empty());
+    QCOMPARE(table.count(), 0);
+
+    table.add(wish("t"));
+    table.add(wish("t/u"));
+    table.add(wish("tt"));
+    table.removeTree("t");
+    QVERIFY(table.covering("t/u").empty() && !table.covering("tt").empty());
+
+    QCOMPARE(lockTimeout({}), 600s);
+    QCOMPARE(lockTimeout("Second-1"), 180s);
+    QCOMPARE(lockTimeout("Extend, Second-4100"), 4100s);
+    QCOMPARE(lockTimeout("Infinite, Second-4100000000"), 86400s);
+    QCOMPARE(lockTimeout("Second-4100000000"), 86400s);
+    QCOMPARE(lockTimeout("Second--1"), 600s);
+}
+
+void DavPartsTest::locksAreBoundedAndFast()
+{
+    LockTable table;
+    for (int i = 0; i < 12000; ++i) {
+        const QByteArray visitor = "v" + QByteArray::number(i / 1100);
+        const bool taken =
+            table.add(wish("f/" + QByteArray::number(i), false, false, visitor)).made;
+        QCOMPARE(taken, i % 1100 < LockTable::maxOfVisitor && i < 11000);
+    }
+    QCOMPARE(table.count(), LockTable::maxLocks);
+    table.remove(table.covering("f/0").front()->token);
+
+    QElapsedTimer time;
+    time.start();
+    for (int i = 0; i < 10000; ++i)
+        table.remove(table.add(wish("g", false, false, "w")).made->token);
+    QVERIFY2(time.elapsed() < 1000, "each looks at all locks");
+}
+
+void DavPartsTest::propertiesSurviveOnDisk()
+{
+    const Disk disk(QDir::tempPath());
+    disk.write("f");
+    const FileDescriptor file(::open(disk.native("f").constData(), O_RDONLY | O_CLOEXEC));
+    bool warned = false;
+    PropertyStore store([&warned] { warned = true; });
+    const auto subject = PropertySubject::open(file.get(), "f");
+    QCOMPARE(store.write(subject, { dead("a", "1"), dead("b", "2") }), DiskError::None);
+    if (warned)
+        QSKIP("no extended attributes here");
+    QVERIFY(::rename(disk.native("f").constData(), disk.native("g").constData()) == 0);
+    const PropertyStore later([] {});
+    const auto moved = PropertySubject::open(file.get(), "g");
+    QCOMPARE(names(later.read(moved)), QByteArray("a b "));
+    QCOMPARE(later.read(moved).front().xml, dead("a", "1").xml);
+
+    const auto large = dead("c", QByteArray(PropertyStore::maxBytes, 'x'));
+    QCOMPARE(store.write(moved, { large }), DiskError::NoSpace);
+    QCOMPARE(names(store.read(moved)), QByteArray("a b "));
+    QCOMPARE(store.write(moved, {}), DiskError::None);
+    QCOMPARE(store.write(moved, {}), DiskError::None);
+    QVERIFY(store.read(moved).empty());
+}
+
+void DavPartsTest::damageIsNoProperties()
+{
+    const QByteArray good = packed({ dead("a", "some value that is long enough") });
+    QCOMPARE(names(unpacked(good)), QByteArray("a "));
+    for (int i = 0; i < good.size(); ++i) {
+        QVERIFY(unpacked(good.left(i)).empty());
+        QByteArray bad = good;
+        bad[i] = char(~bad.at(i));
+        // Of a checked format only the number in front may be wrong without harm.
+        QVERIFY(unpacked(bad).empty() || names(unpacked(bad)) == "a ");
+    }
+}
+
+void DavPartsTest::memoryFollowsPaths()
+{
+    // A place where nobody can keep attributes.
+    int warnings = 0;
+    PropertyStore store([&warnings] { ++warnings; });
+    const auto subject = [](const QByteArray &path) {
+        return PropertySubject{ "/proc/self/status", path };
+    };
+    QCOMPARE(store.write(subject("d/f"), { dead("a", "1") }), DiskError::None);
+    QCOMPARE(store.write(subject("d"), { dead("b", "1") }), DiskError::None);
+    QCOMPARE(store.write(subject("dd"), { dead("c", "1") }), DiskError::None);
+    QCOMPARE(warnings, 1);
+    store.moved("d", "e");
+    QCOMPARE(names(store.read(subject("e/f"))), QByteArray("a "));
+    QCOMPARE(names(store.read(subject("e"))), QByteArray("b "));
+    QVERIFY(store.read(subject("d/f")).empty());
+    store.removed("e");
+    QVERIFY(store.read(subject("e/f")).empty());
+    QCOMPARE(names(store.read(subject("dd"))), QByteArray("c "));
+}
+
+QTEST_GUILESS_MAIN(DavPartsTest)
+#include "tst_dav_parts.moc"
