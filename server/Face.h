@@ -34,3 +34,14 @@ public:
 };
 
 using FaceMaker = std::function<std::unique_ptr<Face>(Connection &)>;
+
+/// What the faces of one served item have in common, such as locks: made by the first that needs
+/// it, kept with the item's `Service`.
+class FaceState
+{
+public:
+    FaceState() = default;
+    virtual ~FaceState() = default;
+    FaceState(const FaceState &) = delete;
+    FaceState &operator=(const FaceState &) = delete;
+};

@@ -7,6 +7,8 @@
 
 #include <QFileInfo>
 
+#include <memory>
+
 class DiskWorker;
 class ListingCache;
 class MemoryBudget;
@@ -45,4 +47,5 @@ struct Service
     std::shared_ptr<const Share> share; ///< of `shared`; null when that can't be opened
     SessionTable sessions;
     TrafficAccount traffic;
+    std::unique_ptr<FaceState> faceState = {}; ///< about `share`; null until a face needs it
 };

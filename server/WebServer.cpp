@@ -136,6 +136,7 @@ void WebServer::openShare()
     std::optional<Share> opened =
         Share::at(service.shared.absoluteFilePath(), { setup->directories.profiles });
     service.share = opened ? std::make_shared<const Share>(std::move(*opened)) : nullptr;
+    service.faceState.reset();
 }
 
 /// Reads key and certificate; when they can't be used together, the status sink is told why.
