@@ -35,6 +35,11 @@ QByteArray hiddenUploadName()
     return name;
 }
 
+bool isHiddenUpload(const char *name)
+{
+    return std::strncmp(name, prefix, std::strlen(prefix)) == 0;
+}
+
 void sweepHiddenUploads(int folder)
 {
     FileDescriptor open(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
@@ -43,7 +48,7 @@ void sweepHiddenUploads(int folder)
     FolderReader reader(std::move(open));
     FolderReader::Item item;
     while (reader.next(item)) {
-        if (std::strncmp(item.name, prefix, std::strlen(prefix)) != 0)
+        if (!isHiddenUpload(item.name))
             continue;
         const EntryFacts facts = reader.facts(item);
         const bool stale =
