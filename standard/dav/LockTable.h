@@ -19,6 +19,7 @@ struct Lock
     QByteArray path; ///< of its root
     bool shared = false;
     bool deep = false; ///< with all that stands below, now and later
+    bool folder = false; ///< what is locked is one
     QByteArray owner; ///< the element that the client gave, or empty
     QByteArray visitor; ///< who took it
     std::chrono::seconds timeout{};

@@ -1,0 +1,112 @@
+#include "standard/dav/DavGuard.h"
+
+#include "files/Path.h"
+#include "files/Share.h"
+#include "standard/dav/DavState.h"
+#include "standard/dav/IfHeader.h"
+#include "standard/dav/MultiStatus.h"
+#include "standard/dav/Paths.h"
+#include "standard/http/Conditions.h"
+#include "standard/http/Exchange.h"
+#include "standard/http/Uri.h"
+
+#include <algorithm>
+
+namespace standard {
+
+namespace {
+
+/// The state of the resources that conditions of a request name.
+class SharedState final : public IfState
+{
+public:
+    explicit SharedState(const Exchange &current)
+        : exchange(current)
+    {
+    }
+
+    bool isLocked(const QByteArray &resource, const QByteArray &token) const override
+    {
+        const std::optional<QByteArray> path = pathOf(resource);
+        return path && DavState::of(exchange.service()).locks().find(token, *path);
+    }
+
+    QByteArray etag(const QByteArray &resource) const override
+    {
+        const std::optional<QByteArray> path = pathOf(resource);
+        const Share *share = exchange.service().share.get();
+        const EntryFacts found = path && share ? share->facts(*path) : EntryFacts();
+        return found.file ? entityTag(found) : QByteArray();
+    }
+
+private:
+    /// Whatever name of ours a URL begins with: we may be known by several.
+    std::optional<QByteArray> pathOf(const QByteArray &resource) const
+    {
+        if (resource.isEmpty())
+            return exchange.path();
+        const std::optional<Target> target = parseTarget(resource);
+        return target ? std::make_optional(cleanPath(target->path)) : std::nullopt;
+    }
+
+    const Exchange &exchange;
+};
+
+bool namesOne(const IfHeader &header, const LockTable::Locks &locks)
+{
+    return std::any_of(locks.begin(), locks.end(),
+                       [&header](const Lock *lock) { return header.names(lock->token); });
+}
+
+/// The lock that forbids the change; null when none does. Of several shared locks the client needs
+/// but one.
+const Lock *forbidding(const Change &change, LockTable &table, const IfHeader &header)
+{
+    LockTable::Locks locks = table.covering(change.path);
+    if (!locks.empty() && !namesOne(header, locks))
+        return locks.front();
+    // What a folder holds is part of it.
+    locks = change.membership ? table.covering(parentOf(change.path)) : LockTable::Locks();
+    if (!locks.empty() && !namesOne(header, locks))
+        return locks.front();
+    if (change.extent != Change::Extent::Tree)
+        return nullptr;
+    for (const Lock *lock : table.below(change.path)) {
+        if (!namesOne(header, table.covering(lock->path)))
+            return lock;
+    }
+    return nullptr;
+}
+
+} // namespace
+
+std::optional<Refusal> DavGuard::refusal(const Exchange &exchange,
+                                         const std::vector<Change> &changes)
+{
+    IfHeader header;
+    if (const std::optional<QByteArray> value = exchange.request().field("If")) {
+        const std::optional<IfHeader> parsed = IfHeader::parse(*value);
+        if (!parsed)
+            return Refusal{ Status::BadRequest };
+        if (!parsed->holds(SharedState(exchange)))
+            return Refusal{ Status::PreconditionFailed };
+        header = *parsed;
+    }
+    LockTable &table = DavState::of(exchange.service()).locks();
+    for (const Change &change : changes) {
+        if (const Lock *lock = forbidding(change, table, header))
+            return Refusal{ Status::Locked,
+                            { { "Content-Type", xmlType } },
+                            errorBody("lock-token-submitted", href(lock->path, lock->folder)) };
+    }
+    return std::nullopt;
+}
+
+void DavGuard::removed(const Exchange &exchange, const QByteArray &path)
+{
+    DavState &state = DavState::of(exchange.service());
+    state.locks().removeTree(path);
+    state.properties()->removed(path);
+}
+
+} // namespace standard

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "standard/http/Guard.h"
+
+namespace standard {
+
+/// Keeps the locks of others, and the conditions of the If header (RFC 4918, sections 7 and 10.4).
+class DavGuard final : public Guard
+{
+public:
+    std::optional<Refusal> refusal(const Exchange &exchange,
+                                   const std::vector<Change> &changes) override;
+    void removed(const Exchange &exchange, const QByteArray &path) override;
+};
+
+} // namespace standard

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "server/Face.h"
+#include "standard/dav/LockTable.h"
+#include "standard/dav/PropertyStore.h"
+
+#include <memory>
+
+struct Service;
+
+namespace standard {
+
+/// What WebDAV remembers of one served item until its server ends.
+class DavState final : public FaceState
+{
+public:
+    /// That of `service`, which owns it; made when there is none. Ask anew in each turn of the
+    /// event loop: it goes when something else is served.
+    static DavState &of(Service &service);
+
+    explicit DavState(Service &service);
+
+    LockTable &locks() { return lockTable; }
+    const std::shared_ptr<PropertyStore> &properties() const { return store; }
+
+private:
+    LockTable lockTable;
+    std::shared_ptr<PropertyStore> store; ///< jobs on the disk have it too
+};
+
+} // namespace standard

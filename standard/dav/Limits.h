@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QtGlobal>
+
+namespace standard {
+
+// Bytes of a request's body; what is longer is refused.
+constexpr qint64 maxPropFindBody = 64 * 1024;
+constexpr qint64 maxLockBody = 64 * 1024;
+constexpr qint64 maxPropPatchBody = 1024 * 1024;
+
+} // namespace standard

@@ -1,0 +1,153 @@
+#include "standard/dav/LiveProperties.h"
+
+#include "standard/http/Conditions.h"
+#include "standard/http/ContentType.h"
+#include "standard/http/HttpDate.h"
+
+#include <QDateTime>
+
+#include <algorithm>
+#include <optional>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+
+namespace standard {
+
+namespace {
+
+/// Seconds since 1970-01-01 UTC; where the file system doesn't know, of the last change.
+qint64 created(const DavResource &resource)
+{
+    struct statx status = {};
+    const bool isKnown =
+        ::statx(AT_FDCWD, resource.subject.systemPath.constData(), 0, STATX_BTIME, &status) == 0
+        && (status.stx_mask & STATX_BTIME) != 0;
+    return isKnown ? qint64(status.stx_btime.tv_sec) : resource.facts.seconds;
+}
+
+bool appendCreationDate(QByteArray &to, const DavResource &resource, const ReplyFacts &)
+{
+    to +=
+        QDateTime::fromSecsSinceEpoch(created(resource), Qt::UTC).toString(Qt::ISODate).toLatin1();
+    return true;
+}
+
+bool appendDisplayName(QByteArray &to, const DavResource &resource, const ReplyFacts &)
+{
+    to += xmlText(QString::fromUtf8(resource.name));
+    return true;
+}
+
+bool appendContentLength(QByteArray &to, const DavResource &resource, const ReplyFacts &)
+{
+    if (resource.facts.file)
+        to += QByteArray::number(resource.facts.size);
+    return resource.facts.file;
+}
+
+bool appendContentType(QByteArray &to, const DavResource &resource, const ReplyFacts &)
+{
+    if (resource.facts.file)
+        to += contentType(resource.name);
+    return resource.facts.file;
+}
+
+bool appendTag(QByteArray &to, const DavResource &resource, const ReplyFacts &)
+{
+    if (resource.facts.file)
+        to += entityTag(resource.facts);
+    return resource.facts.file;
+}
+
+bool appendLastModified(QByteArray &to, const DavResource &resource, const ReplyFacts &)
+{
+    to += httpDate(resource.facts.seconds);
+    return true;
+}
+
+/// Present for files as well: some clients take what has none for nothing.
+bool appendResourceType(QByteArray &to, const DavResource &resource, const ReplyFacts &)
+{
+    if (resource.facts.folder)
+        to += "<D:collection/>";
+    return true;
+}
+
+bool appendLocks(QByteArray &to, const DavResource &resource, const ReplyFacts &common)
+{
+    to += common.locks.at(resource.path);
+    return true;
+}
+
+bool appendSupportedLocks(QByteArray &to, const DavResource &, const ReplyFacts &)
+{
+    for (const char *scope : { "<D:exclusive/>", "<D:shared/>" }) {
+        to += "<D:lockentry><D:lockscope>";
+        to += scope;
+        to += "</D:lockscope><D:locktype><D:write/></D:locktype></D:lockentry>";
+    }
+    return true;
+}
+
+bool appendBytes(QByteArray &to, const DavResource &resource, qint64 bytes)
+{
+    const bool isKnown = resource.facts.folder && bytes >= 0;
+    if (isKnown)
+        to += QByteArray::number(bytes);
+    return isKnown;
+}
+
+bool appendFreeBytes(QByteArray &to, const DavResource &resource, const ReplyFacts &common)
+{
+    return appendBytes(to, resource, common.freeBytes);
+}
+
+bool appendUsedBytes(QByteArray &to, const DavResource &resource, const ReplyFacts &common)
+{
+    return appendBytes(to, resource, common.usedBytes);
+}
+
+bool appendExecutable(QByteArray &to, const DavResource &resource, const ReplyFacts &)
+{
+    if (resource.facts.file)
+        to += (resource.facts.mode & S_IXUSR) != 0 ? 'T' : 'F';
+    return resource.facts.file;
+}
+
+} // namespace
+
+const std::vector<LiveProperty> &liveProperties()
+{
+    static const std::vector<LiveProperty> properties{
+        { davSpace, "resourcetype", true, appendResourceType },
+        { davSpace, "getcontentlength", true, appendContentLength },
+        { davSpace, "getlastmodified", true, appendLastModified },
+        { davSpace, "getetag", true, appendTag },
+        { davSpace, "getcontenttype", true, appendContentType },
+        { davSpace, "displayname", true, appendDisplayName },
+        { davSpace, "creationdate", true, appendCreationDate },
+        { davSpace, "supportedlock", true, appendSupportedLocks },
+        { davSpace, "lockdiscovery", true, appendLocks },
+        { apacheSpace, executableName, true, appendExecutable },
+        { davSpace, "quota-available-bytes", false, appendFreeBytes },
+        { davSpace, "quota-used-bytes", false, appendUsedBytes },
+    };
+    return properties;
+}
+
+const LiveProperty *findLiveProperty(const XmlName &name)
+{
+    const std::vector<LiveProperty> &all = liveProperties();
+    const auto found = std::find_if(all.begin(), all.end(), [&name](const LiveProperty &each) {
+        return name.local == QLatin1String(each.name) && name.space == QLatin1String(each.space);
+    });
+    return found == all.end() ? nullptr : &*found;
+}
+
+XmlName nameOf(const LiveProperty &property)
+{
+    return { QString::fromLatin1(property.space), QString::fromLatin1(property.name) };
+}
+
+} // namespace standard

@@ -1,0 +1,172 @@
+#include "standard/dav/LockMethods.h"
+
+#include "files/DiskWorker.h"
+#include "files/UploadFile.h"
+#include "net/Socket.h"
+#include "standard/dav/DavState.h"
+#include "standard/dav/Depth.h"
+#include "standard/dav/IfHeader.h"
+#include "standard/dav/Limits.h"
+#include "standard/dav/LockDiscovery.h"
+#include "standard/dav/MultiStatus.h"
+
+#include <cerrno>
+#include <utility>
+
+namespace standard {
+
+namespace {
+
+LockTable &lockTable(const Exchange &exchange)
+{
+    return DavState::of(exchange.service()).locks();
+}
+
+/// Whom a lock counts for: one person may come from several addresses.
+QByteArray visitorOf(const Exchange &exchange)
+{
+    if (!exchange.user().isEmpty())
+        return "user " + exchange.user();
+    return exchange.channel().connection().peerAddress().toString().toLatin1();
+}
+
+/// Some clients send it without its brackets.
+QByteArray withoutBrackets(const QByteArray &token)
+{
+    return token.startsWith('<') && token.endsWith('>') ? token.mid(1, token.size() - 2) : token;
+}
+
+Fields tokenField(const Lock &lock)
+{
+    return { { "Lock-Token", '<' + lock.token + '>' } };
+}
+
+} // namespace
+
+void LockMethod::start()
+{
+    const EntryFacts found = facts();
+    if (!mayUpload() || !meetsConditions(found))
+        return;
+    exchange.readBody(maxLockBody);
+}
+
+void LockMethod::bodyReady(const QByteArray &body)
+{
+    const std::optional<Depth> depth =
+        parseDepth(exchange.request().field("Depth"), Depth::Infinity);
+    if (!depth || *depth == Depth::One)
+        return exchange.refuse(Status::BadRequest);
+    if (body.isEmpty())
+        return refresh();
+    const std::optional<LockBody> asked = LockBody::parse(body);
+    if (!asked)
+        return exchange.refuse(Status::BadRequest);
+    take(*asked, *depth == Depth::Infinity);
+}
+
+/// The lock is named by the If header, perhaps through a member of what it covers.
+void LockMethod::refresh()
+{
+    const std::optional<IfHeader> header = IfHeader::parse(exchange.request().value("If"));
+    if (!header)
+        return exchange.refuse(Status::BadRequest);
+    LockTable &table = lockTable(exchange);
+    for (const Lock *lock : table.covering(exchange.path())) {
+        if (!header->names(lock->token))
+            continue;
+        const QByteArray token = lock->token;
+        const auto timeout = lockTimeout(exchange.request().value("Timeout"));
+        return answer(*table.refresh(token, exchange.path(), timeout), Status::Ok);
+    }
+    exchange.reply(Status::PreconditionFailed, { { "Content-Type", xmlType } },
+                   errorBody("lock-token-matches-request-uri"));
+}
+
+void LockMethod::take(const LockBody &asked, bool deep)
+{
+    const EntryFacts found = facts();
+    const bool isNew = !found.exists;
+    if (isNew && (exchange.namesFolder() || !place().isValid()))
+        return exchange.refuse(Status::Conflict);
+    // A new file is a change of its folder; else only the conditions count.
+    using Changes = std::vector<Change>;
+    const Change appears{ exchange.path(), Change::Extent::Resource, true };
+    if (!exchange.mayChange(isNew ? Changes{ appears } : Changes()))
+        return;
+
+    Lock wanted;
+    wanted.path = exchange.path();
+    wanted.shared = asked.shared;
+    wanted.deep = deep;
+    wanted.folder = found.folder;
+    wanted.owner = asked.owner;
+    wanted.visitor = visitorOf(exchange);
+    wanted.timeout = lockTimeout(exchange.request().value("Timeout"));
+    const LockTable::Outcome outcome = lockTable(exchange).add(wanted);
+    if (const Lock *other = outcome.conflict)
+        return exchange.reply(Status::Locked, { { "Content-Type", xmlType } },
+                              errorBody("no-conflicting-lock", href(other->path, other->folder)));
+    if (!outcome.made)
+        return exchange.refuse(Status::Unavailable, "There are too many locks.");
+    if (!isNew)
+        return answer(*outcome.made, Status::Ok, tokenField(*outcome.made));
+    made = outcome.made->token;
+    makeFile();
+}
+
+void LockMethod::makeFile()
+{
+    file = std::make_shared<UploadFile>();
+    file->setSync(UploadFile::Sync::None);
+    const DiskError error = file->create(place());
+    if (error != DiskError::None)
+        return exchange.refuse(statusOf(error));
+    exchange.service().setup.disk->run(file, this, [this] { fileMade(); });
+}
+
+void LockMethod::fileMade()
+{
+    if (!file)
+        return;
+    const DiskError error = std::exchange(file, nullptr)->error();
+    if (error != DiskError::None)
+        return exchange.refuse(statusOf(error));
+    const QByteArray token = std::exchange(made, {});
+    if (const Lock *lock = lockTable(exchange).find(token, exchange.path()))
+        answer(*lock, Status::Created, tokenField(*lock));
+    else
+        exchange.refuse(Status::Conflict);
+}
+
+/// `fields` tell the token, but only who takes a lock (RFC 4918, section 9.10).
+void LockMethod::answer(const Lock &lock, Status status, Fields fields)
+{
+    const QByteArray body = rootStart("prop") + "<D:lockdiscovery>" + activeLock(lock)
+        + "</D:lockdiscovery>" + rootEnd("prop");
+    fields.push_back({ "Content-Type", xmlType });
+    exchange.reply(status, std::move(fields), body);
+}
+
+/// A lock that its client was never told would be in everybody's way.
+void LockMethod::ended()
+{
+    file.reset();
+    if (!made.isEmpty())
+        lockTable(exchange).remove(std::exchange(made, {}));
+}
+
+void UnlockMethod::start()
+{
+    const QByteArray token = withoutBrackets(exchange.request().value("Lock-Token"));
+    if (token.isEmpty())
+        return exchange.refuse(Status::BadRequest);
+    LockTable &table = lockTable(exchange);
+    if (!table.find(token, exchange.path()))
+        return exchange.reply(Status::Conflict, { { "Content-Type", xmlType } },
+                              errorBody("lock-token-matches-request-uri"));
+    table.remove(token);
+    exchange.reply(Status::NoContent);
+}
+
+} // namespace standard

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "standard/http/Status.h"
+
+#include <QByteArray>
+
+namespace standard {
+
+// The pieces of a document of RFC 4918. All of it binds the prefix D to its namespace, for clients
+// that don't look further.
+
+constexpr auto xmlType = "application/xml; charset=utf-8";
+
+/// The start tag of a document's root and what stands before it.
+QByteArray rootStart(const char *name);
+QByteArray rootEnd(const char *name);
+
+/// The "href" element of a path in the share; the path of a URL, without a host, so that it is
+/// right behind any proxy.
+QByteArray href(const QByteArray &path, bool isFolder);
+
+/// A "propstat" of the elements in `properties`.
+QByteArray propStat(const QByteArray &properties, Status status);
+
+/// A "status" element.
+QByteArray statusElement(Status status);
+
+/// A body that tells which condition failed (RFC 4918, section 16).
+QByteArray errorBody(const char *condition, const QByteArray &content = {});
+
+} // namespace standard

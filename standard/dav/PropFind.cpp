@@ -1,0 +1,124 @@
+#include "standard/dav/PropFind.h"
+
+#include "config/Profile.h"
+#include "files/DiskWorker.h"
+#include "files/Share.h"
+#include "standard/dav/DavState.h"
+#include "standard/dav/Limits.h"
+#include "standard/dav/MultiStatus.h"
+#include "standard/dav/RequestBodies.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/statvfs.h>
+
+namespace standard {
+
+namespace {
+
+/// The name of what stands at `path`; of the share's root that of the shared folder.
+QByteArray nameOf(const QByteArray &path, const Service &service)
+{
+    return path.isEmpty() ? service.shared.fileName().toUtf8()
+                          : path.mid(path.lastIndexOf('/') + 1);
+}
+
+} // namespace
+
+void PropFind::start()
+{
+    exchange.readBody(maxPropFindBody);
+}
+
+void PropFind::bodyReady(const QByteArray &body)
+{
+    const std::optional<PropFindBody> asked = PropFindBody::parse(body);
+    const std::optional<Depth> depth =
+        parseDepth(exchange.request().field("Depth"), Depth::Infinity);
+    if (!asked || !depth)
+        return exchange.refuse(Status::BadRequest);
+    const EntryFacts found = facts();
+    const bool withFolders = exchange.service().profile->showsFolders();
+    if (!found.file && !found.folder)
+        return exchange.refuse(Status::NotFound);
+
+    DavResource top{ exchange.path(), nameOf(exchange.path(), exchange.service()), found, {} };
+    PropertyReport report(*asked, commonFacts(*asked, *depth),
+                          DavState::of(exchange.service()).properties());
+    job = std::make_shared<PropFindJob>(
+        PropFindJob::Subject{ exchange.service().share, std::move(top), *depth, withFolders },
+        std::move(report));
+    state = State::Making;
+    exchange.service().setup.turns->begin(this);
+}
+
+ReplyFacts PropFind::commonFacts(const PropFindBody &asked, Depth depth) const
+{
+    ReplyFacts facts;
+    facts.locks = LockDiscovery(DavState::of(exchange.service()).locks(), exchange.path(),
+                                depth != Depth::Zero);
+    const bool asksForQuota =
+        std::any_of(asked.names.begin(), asked.names.end(), [](const XmlName &name) {
+            return name.isDav("quota-available-bytes") || name.isDav("quota-used-bytes");
+        });
+    struct statvfs disk = {};
+    if (!asksForQuota
+        || ::fstatvfs(share()->open(exchange.path(), O_PATH | O_CLOEXEC).get(), &disk) != 0)
+        return facts;
+    const auto unit = qint64(disk.f_frsize);
+    facts.freeBytes = qint64(disk.f_bavail) * unit;
+    facts.usedBytes = qint64(disk.f_blocks - disk.f_bfree) * unit;
+    return facts;
+}
+
+bool PropFind::takeTurn(const Turn &)
+{
+    state = State::Waiting;
+    // What the loop has no time for goes on elsewhere.
+    exchange.service().setup.disk->run(job, this, [this] { sendPiece(); });
+    return state == State::Making;
+}
+
+void PropFind::sendPiece()
+{
+    if (state != State::Waiting)
+        return;
+    const QByteArray piece = job->takePiece();
+    Fields fields{ { "Content-Type", xmlType } };
+    if (job->isAtEnd() && !begun)
+        return exchange.reply(Status::MultiStatus, std::move(fields), piece);
+    if (!begun && !exchange.startBody(Status::MultiStatus, std::move(fields), std::nullopt))
+        return;
+    begun = true;
+    exchange.write(piece);
+    if (state != State::Waiting)
+        return;
+    if (job->isAtEnd())
+        return exchange.end();
+    if (exchange.isCongested()) {
+        state = State::Resting;
+        return exchange.service().setup.turns->rest(this);
+    }
+    state = State::Making;
+    exchange.service().setup.turns->again(this);
+}
+
+void PropFind::drained()
+{
+    if (state != State::Resting)
+        return;
+    state = State::Making;
+    exchange.service().setup.turns->again(this);
+}
+
+void PropFind::stop()
+{
+    if (std::exchange(state, State::Idle) == State::Idle)
+        return;
+    job->cancel();
+    exchange.service().setup.turns->leave(this);
+}
+
+} // namespace standard

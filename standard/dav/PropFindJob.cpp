@@ -1,0 +1,114 @@
+#include "standard/dav/PropFindJob.h"
+
+#include "files/HiddenUploads.h"
+#include "files/Share.h"
+#include "standard/dav/MultiStatus.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include <fcntl.h>
+
+namespace standard {
+
+namespace {
+
+constexpr int pieceBytes = 64 * 1024;
+
+/// Whether clients can be told of that name: XML holds neither most controls nor what is no text.
+bool isTellable(const char *name)
+{
+    const auto isPlain = [](char c) { return c >= ' '; };
+    const std::size_t size = std::strlen(name);
+    if (std::all_of(name, name + size, isPlain))
+        return true;
+    const QString text = QString::fromUtf8(name, int(size));
+    return isXmlText(text) && text.toUtf8() == QByteArray::fromRawData(name, int(size));
+}
+
+} // namespace
+
+PropFindJob::PropFindJob(Subject asked, PropertyReport answer)
+    : subject(std::move(asked))
+    , report(std::move(answer))
+{
+}
+
+bool PropFindJob::run(const Budget &until)
+{
+    do
+        step();
+    while (!isAtEnd() && text.size() < pieceBytes && !until.isUsedUp());
+    return isAtEnd() || text.size() >= pieceBytes;
+}
+
+void PropFindJob::step()
+{
+    if (state == State::Begin)
+        return begin();
+    FolderReader::Item item;
+    if (folder && folder->next(item))
+        return append(item);
+    folder.reset();
+    openNext();
+}
+
+void PropFindJob::begin()
+{
+    text = rootStart("multistatus");
+    state = State::Folders;
+    DavResource top = subject.top;
+    const FileDescriptor place = subject.share->open(top.path, O_PATH | O_CLOEXEC);
+    top.subject = PropertySubject::open(place.get(), top.path);
+    report.append(text, top);
+    if (top.facts.folder && subject.depth != Depth::Zero)
+        folders.push_back(top.path);
+}
+
+/// Goes on with the next folder; those that can't be read are told to be empty.
+void PropFindJob::openNext()
+{
+    if (folders.empty()) {
+        text += rootEnd("multistatus");
+        state = State::Ended;
+        return;
+    }
+    folderPath = folders.front();
+    folders.pop_front();
+    folder = subject.share->openFolder(folderPath);
+    if (!folder)
+        return;
+    const EntryFacts facts = openFacts(folder->descriptor());
+    if (!entered.emplace(facts.device, facts.inode).second)
+        folder.reset();
+}
+
+void PropFindJob::append(const FolderReader::Item &item)
+{
+    if (isHiddenUpload(item.name) || !isTellable(item.name))
+        return;
+    DavResource entry;
+    entry.facts = folder->facts(item);
+    if (!entry.facts.file && !(entry.facts.folder && subject.withFolders))
+        return;
+    if (subject.depth == Depth::Infinity && count == maxEntries)
+        return cutOff();
+    ++count;
+    entry.name = item.name;
+    entry.path = folderPath.isEmpty() ? entry.name : folderPath + '/' + entry.name;
+    entry.subject = PropertySubject::inFolder(folder->descriptor(), item.name, entry.path);
+    report.append(text, entry);
+    if (entry.facts.folder && subject.depth == Depth::Infinity)
+        folders.push_back(entry.path);
+}
+
+/// Tells that the rest of the folder, and of what was to follow, is missing.
+void PropFindJob::cutOff()
+{
+    text += "<D:response>" + href(folderPath, true) + statusElement(Status::InsufficientStorage)
+        + "</D:response>";
+    folder.reset();
+    folders.clear();
+}
+
+} // namespace standard

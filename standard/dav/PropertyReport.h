@@ -1,0 +1,43 @@
+#pragma once
+
+#include "standard/dav/LiveProperties.h"
+#include "standard/dav/RequestBodies.h"
+
+#include <memory>
+#include <vector>
+
+namespace standard {
+
+/// Tells of resources what a PROPFIND asks for. Made once for a request; for any thread.
+class PropertyReport
+{
+public:
+    PropertyReport(const PropFindBody &asked, ReplyFacts common,
+                   std::shared_ptr<const PropertyStore> store);
+
+    /// Appends the "response" element of a resource.
+    void append(QByteArray &to, const DavResource &resource) const;
+
+private:
+    struct Asked
+    {
+        const LiveProperty *property;
+        // Made beforehand, as they are written for each resource.
+        QByteArray start;
+        QByteArray end;
+        QByteArray empty;
+    };
+
+    void ask(const LiveProperty &property);
+    QByteArray appendLive(QByteArray &to, const DavResource &resource) const;
+    QByteArray appendDead(QByteArray &to, const DavResource &resource) const;
+
+    const bool namesOnly;
+    bool allDead;
+    ReplyFacts facts;
+    std::shared_ptr<const PropertyStore> dead;
+    std::vector<Asked> live;
+    std::vector<XmlName> others; ///< that are asked for by name
+};
+
+} // namespace standard

@@ -1,0 +1,112 @@
+#include "standard/dav/SettableProperties.h"
+
+#include "standard/dav/LiveProperties.h"
+#include "standard/http/HttpDate.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+
+#include <sys/stat.h>
+
+namespace standard {
+
+namespace {
+
+constexpr auto windowsSpace = "urn:schemas-microsoft-com:";
+
+bool takeDate(const QString &text, std::optional<qint64> &into)
+{
+    into = parseHttpDate(text.toLatin1());
+    return into.has_value();
+}
+
+bool takeModified(const QString &text, FileChanges &changes)
+{
+    return takeDate(text, changes.modified);
+}
+
+bool takeAccessed(const QString &text, FileChanges &changes)
+{
+    return takeDate(text, changes.accessed);
+}
+
+bool takeSeconds(const QString &text, FileChanges &changes)
+{
+    bool isNumber = false;
+    changes.modified = text.toLongLong(&isNumber);
+    return isNumber;
+}
+
+bool takeExecutable(const QString &text, FileChanges &changes)
+{
+    changes.executable = text == QLatin1String("T");
+    return *changes.executable || text == QLatin1String("F");
+}
+
+struct Settable
+{
+    const char *space;
+    const char *name;
+    bool (*take)(const QString &text, FileChanges &changes);
+};
+
+// What the copying programs of two desktops, one sync tool and one mount set after an upload.
+constexpr std::array<Settable, 4> settables{ {
+    { windowsSpace, "Win32LastModifiedTime", takeModified },
+    { windowsSpace, "Win32LastAccessTime", takeAccessed },
+    { davSpace, "lastmodified", takeSeconds },
+    { apacheSpace, executableName, takeExecutable },
+} };
+
+timespec timeOf(const std::optional<qint64> &seconds)
+{
+    if (!seconds)
+        return { 0, UTIME_OMIT };
+    return { time_t(*seconds), 0 };
+}
+
+/// Who may read it may run it, too.
+mode_t withExecutable(mode_t mode, bool executable)
+{
+    constexpr mode_t runs = S_IXUSR | S_IXGRP | S_IXOTH;
+    const mode_t readers = mode & (S_IRUSR | S_IRGRP | S_IROTH);
+    return executable ? mode | (readers >> 2) : mode & ~runs;
+}
+
+} // namespace
+
+Setting takeSetting(const PropertyChange &change, FileChanges &changes)
+{
+    const auto found =
+        std::find_if(settables.begin(), settables.end(), [&change](const Settable &each) {
+            return change.name.local == QLatin1String(each.name)
+                && change.name.space == QLatin1String(each.space);
+        });
+    if (found == settables.end())
+        return Setting::Kept;
+    const bool isGood = !change.isRemoval && found->take(change.value.text.trimmed(), changes);
+    return isGood ? Setting::Taken : Setting::Bad;
+}
+
+int apply(const FileChanges &changes, int descriptor)
+{
+    struct stat before = {};
+    if (changes.isEmpty())
+        return 0;
+    if (::fstat(descriptor, &before) != 0)
+        return errno;
+    const mode_t permissions = before.st_mode & 07777;
+    if (changes.executable
+        && ::fchmod(descriptor, withExecutable(permissions, *changes.executable)) != 0)
+        return errno;
+    const std::array<timespec, 2> times{ timeOf(changes.accessed), timeOf(changes.modified) };
+    if (::futimens(descriptor, times.data()) == 0)
+        return 0;
+    const int error = errno;
+    if (changes.executable)
+        ::fchmod(descriptor, permissions);
+    return error;
+}
+
+} // namespace standard

@@ -1,0 +1,375 @@
+#include "standard/dav/PropFindJob.h"
+#include "standard/dav/Routes.h"
+#include "tests/standard/StandardTest.h"
+
+#include <QRegularExpression>
+#include <QtTest>
+
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+using namespace standard;
+
+namespace {
+
+class DavServer : public StandardServer
+{
+public:
+    DavServer()
+        : StandardServer(withDav(standard::fileRoutes()))
+    {
+        profile->enableUpload = Qt::Checked;
+        profile->enableDelete = Qt::Checked;
+    }
+
+    RawReply propFind(const QByteArray &target, const QByteArray &depth,
+                      const QByteArray &properties = {}) const
+    {
+        const QByteArray body = properties.isEmpty()
+            ? QByteArray()
+            : "<propfind xmlns=\"DAV:\"><prop>" + properties + "</prop></propfind>";
+        return replyTo(*this, "PROPFIND", target, "Depth: " + depth + "\r\n", body);
+    }
+    RawReply propPatch(const QByteArray &target, const QByteArray &steps,
+                       const QByteArray &headers = {}) const
+    {
+        return replyTo(*this, "PROPPATCH", target, headers,
+                       "<D:propertyupdate xmlns:D=\"DAV:\" xmlns:x=\"urn:x\""
+                       " xmlns:Z=\"urn:schemas-microsoft-com:\">"
+                           + steps + "</D:propertyupdate>");
+    }
+    RawReply lock(const QByteArray &target, const QByteArray &headers = {},
+                  const QByteArray &scope = "exclusive") const
+    {
+        return replyTo(*this, "LOCK", target, headers,
+                       "<lockinfo xmlns=\"DAV:\"><lockscope><" + scope
+                           + "/></lockscope><locktype><write/></locktype>"
+                             "<owner><href>me</href></owner></lockinfo>");
+    }
+};
+
+QByteArray setting(const QByteArray &properties)
+{
+    return "<D:set><D:prop>" + properties + "</D:prop></D:set>";
+}
+
+/// The texts of all hrefs, each with a blank behind it.
+QByteArray hrefs(const QByteArray &body)
+{
+    QByteArray all;
+    const QString text = QString::fromUtf8(body);
+    const QRegularExpression href(QStringLiteral("<D:href>([^<]*)</D:href>"));
+    for (auto at = href.globalMatch(text); at.hasNext();)
+        all += at.next().captured(1).toUtf8() + ' ';
+    return all;
+}
+
+bool isWellFormed(const QByteArray &body)
+{
+    XmlReader reader(body);
+    return reader.enter() && reader.end();
+}
+
+/// Of a chunked reply.
+QByteArray joined(QByteArray chunks)
+{
+    QByteArray body;
+    while (!chunks.isEmpty()) {
+        const int line = int(chunks.indexOf("\r\n"));
+        const int size = chunks.left(line).toInt(nullptr, 16);
+        body += chunks.mid(line + 2, size);
+        chunks.remove(0, line + 2 + size + 2);
+    }
+    return body;
+}
+
+} // namespace
+
+class DavTest : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void tellsWhatThereIs();
+    void tellsNames_data();
+    void tellsNames();
+    void sendsLongListingsInPieces();
+    void goesThroughTreesOnce();
+    void keepsProperties();
+    void changesPropertiesWhollyOrNot();
+    void setsTimes();
+    void locks();
+    void guardsWhatIsLocked();
+    void refuses_data();
+    void refuses();
+};
+
+void DavTest::tellsWhatThereIs()
+{
+    DavServer server;
+    server.addFile(QStringLiteral("d/a.txt"), "12345");
+    const RawReply all = server.propFind("/d/a.txt", "0");
+    QCOMPARE(all.status(), QByteArray("207 Multi-Status"));
+    QVERIFY(isWellFormed(all.body));
+    for (const char *part :
+         { "<D:href>/d/a.txt</D:href>", "<D:getcontentlength>5<",
+           "<D:resourcetype></D:", "<D:getcontenttype>text/plain<", "<D:displayname>a.txt<",
+           "<D:exclusive/>", "GMT<", "<D:lockdiscovery></D:", ">F</executable>" })
+        QVERIFY2(all.body.contains(part), part);
+    QVERIFY(!all.body.contains("quota"));
+    const QByteArray tag = replyTo(server, "HEAD", "/d/a.txt").header("ETag");
+    QVERIFY(all.body.contains("<D:getetag>" + tag + '<'));
+
+    // The folder itself first, with and without its slash.
+    for (const char *target : { "/d", "/d/" })
+        QCOMPARE(hrefs(server.propFind(target, "1").body), QByteArray("/d/ /d/a.txt "));
+    QCOMPARE(hrefs(server.propFind("/", "1").body), QByteArray("/ /d/ "));
+    QCOMPARE(hrefs(server.propFind("/", "infinity").body), QByteArray("/ /d/ /d/a.txt "));
+    const QByteArray some =
+        server.propFind("/d", "0", "<quota-used-bytes/><getcontentlength/><q xmlns=\"\"/>").body;
+    QVERIFY(some.contains("quota-used-bytes>") && !some.contains("getetag"));
+    QVERIFY(some.contains("<D:prop><D:getcontentlength/><q/></D:prop>"
+                          "<D:status>HTTP/1.1 404 Not Found<"));
+    const QByteArray names = replyTo(server, "PROPFIND", "/d", "Depth: 0\r\n",
+                                     "<propfind xmlns=\"DAV:\"><propname/></propfind>")
+                                 .body;
+    QVERIFY(names.contains("<D:resourcetype/>") && !names.contains("GMT"));
+}
+
+void DavTest::tellsNames_data()
+{
+    QTest::addColumn<QByteArray>("name");
+    QTest::addColumn<QByteArray>("href"); ///< none: it is left out
+    const auto row = [](const char *title, const char *name, const char *href) {
+        QTest::newRow(title) << QByteArray(name) << QByteArray(href);
+    };
+    row("blank and percent", "a b%41.txt", "/f/a%20b%2541.txt");
+    row("what XML marks up with", "<&'\">", "/f/%3C%26%27%22%3E");
+    row("beyond ASCII", "\xc3\xa4\xf0\x90\x80\x80", "/f/%C3%A4%F0%90%80%80");
+    row("hidden", ".hidden", "/f/.hidden");
+    row("what URLs give a meaning", "a#b?c;d", "/f/a%23b%3Fc;d");
+    row("a control", "a\x01", "");
+    row("no text", "a\xff", "");
+    row("no character", "\xef\xbf\xbf", "");
+    row("an upload under way", ".receiving-abcdef", "");
+}
+
+void DavTest::tellsNames()
+{
+    QFETCH(const QByteArray, name);
+    QFETCH(const QByteArray, href);
+    DavServer server;
+    const QByteArray folder = QFile::encodeName(server.sharePath()) + "/f";
+    QVERIFY(::mkdir(folder.constData(), 0700) == 0);
+    QVERIFY(::mknod((folder + '/' + name).constData(), S_IFREG | 0600, 0) == 0);
+    const RawReply reply = server.propFind("/f/", "1");
+    QVERIFY(isWellFormed(reply.body));
+    QCOMPARE(hrefs(reply.body), "/f/ " + (href.isEmpty() ? href : href + ' '));
+    if (!href.isEmpty())
+        QCOMPARE(hrefs(server.propFind(href, "0").body), href + ' ');
+}
+
+void DavTest::sendsLongListingsInPieces()
+{
+    DavServer server;
+    constexpr int count = 3000;
+    const QByteArray folder = QFile::encodeName(server.sharePath());
+    for (int i = 0; i < count; ++i)
+        ::mknod((folder + "/f" + QByteArray::number(i)).constData(), S_IFREG | 0600, 0);
+    const RawReply reply = server.propFind("/", "1", "<getetag/>");
+    QCOMPARE(reply.header("Transfer-Encoding"), QByteArray("chunked"));
+    const QByteArray body = joined(reply.body);
+    QVERIFY(isWellFormed(body));
+    QCOMPARE(body.count("<D:response>"), count + 1);
+    // One that knows no chunks gets the same until the connection ends.
+    RawClient old(server.port());
+    old.send("PROPFIND / HTTP/1.0\r\nDepth: 1\r\nContent-Length: 0\r\n\r\n");
+    QCOMPARE(old.readToEnd().count("<D:response>"), count + 1);
+    // A peer that goes away in the middle is no trouble.
+    RawClient hasty(server.port());
+    hasty.send("PROPFIND / HTTP/1.1\r\nHost: x\r\nDepth: 1\r\n\r\n");
+    hasty.socket->abort();
+    QCOMPARE(server.propFind("/f0", "0").status(), QByteArray("207 Multi-Status"));
+}
+
+void DavTest::goesThroughTreesOnce()
+{
+    DavServer server;
+    server.addFile(QStringLiteral("d/e/f"), {});
+    QVERIFY(QFile::link(server.sharePath(), server.sharePath(QStringLiteral("d/loop"))));
+    const QByteArray found = hrefs(server.propFind("/", "infinity").body);
+    QCOMPARE(found.count("/f "), 1);
+    QVERIFY(found.contains("/d/loop/ "));
+}
+
+void DavTest::keepsProperties()
+{
+    DavServer server;
+    server.addFile(QStringLiteral("f"), "x");
+    const QByteArray value = "<x:p xmlns:x=\"urn:x\" xml:lang=\"de\"><x:q>1 &lt; 2</x:q></x:p>";
+    const RawReply set = server.propPatch("/f", setting(value + "<empty xmlns=\"\"/>"));
+    QCOMPARE(set.status(), QByteArray("207 Multi-Status"));
+    QVERIFY(set.body.contains("HTTP/1.1 200 OK") && !set.body.contains("HTTP/1.1 4"));
+    const QByteArray asked = "<x:p xmlns:x=\"urn:x\"/><x:none xmlns:x=\"urn:x\"/>";
+    const QByteArray found = server.propFind("/f", "0", asked).body;
+    QVERIFY(found.contains("<D:prop>" + value + "</D:prop>"));
+    QVERIFY(found.contains("<none xmlns=\"urn:x\"/></D:prop><D:status>HTTP/1.1 404"));
+    QVERIFY(hrefs(server.propFind("/", "1", asked).body).contains("/f "));
+    QVERIFY(server.propFind("/", "1", asked).body.contains(value));
+    // The last step counts; to remove what isn't there is no failure.
+    const QByteArray removal =
+        "<D:remove><D:prop><x:p/></D:prop></D:remove><D:remove><D:prop><x:p/></D:prop></D:remove>";
+    server.propPatch("/f", setting("<x:p>new</x:p>") + removal);
+    QVERIFY(!server.propFind("/f", "0", asked).body.contains("new"));
+    server.propPatch("/f", removal + setting("<x:p>newer</x:p>"));
+    QVERIFY(server.propFind("/f", "0").body.contains(">newer</x:p>"));
+}
+
+void DavTest::changesPropertiesWhollyOrNot()
+{
+    DavServer server;
+    server.addFile(QStringLiteral("f"), "x");
+    const RawReply refused =
+        server.propPatch("/f", setting("<x:p>1</x:p><D:getetag>2</D:getetag>"));
+    QVERIFY(refused.body.contains("<D:getetag/></D:prop><D:status>HTTP/1.1 403 Forbidden"));
+    QVERIFY(refused.body.contains("<p xmlns=\"urn:x\"/></D:prop><D:status>HTTP/1.1 424 "));
+    QVERIFY(!server.propFind("/f", "0").body.contains("urn:x"));
+    const RawReply large =
+        server.propPatch("/f", setting("<x:p>1</x:p><x:q>" + QByteArray(100000, 'x') + "</x:q>"));
+    QCOMPARE(large.body.count("507 "), 1);
+    QVERIFY(!large.body.contains("200 OK"));
+    QVERIFY(!server.propFind("/f", "0").body.contains("urn:x"));
+    QCOMPARE(server.propPatch("/f", setting(QByteArray(1 << 20, ' '))).status().left(3),
+             QByteArray("413"));
+}
+
+void DavTest::setsTimes()
+{
+    DavServer server;
+    server.addFile(QStringLiteral("f"), "x");
+    const QByteArray date = "Tue, 03 Mar 2015 04:05:06 GMT";
+    server.propPatch(
+        "/f",
+        setting("<Z:Win32LastModifiedTime>" + date
+                + "</Z:Win32LastModifiedTime>"
+                  "<Z:Win32FileAttributes>00000020</Z:Win32FileAttributes>"
+                  "<executable xmlns=\"http://apache.org/dav/props/\">T</executable>"));
+    const QByteArray found = server.propFind("/f", "0").body;
+    QVERIFY(found.contains("<D:getlastmodified>" + date));
+    QVERIFY(found.contains(">00000020<") && found.contains(">T</executable>"));
+    server.propPatch("/f", setting("<D:lastmodified>0</D:lastmodified>"));
+    QVERIFY(server.propFind("/f", "0").body.contains("Thu, 01 Jan 1970 00:00:00 GMT"));
+    const RawReply bad =
+        server.propPatch("/f",
+                         setting("<D:lastmodified>7</D:lastmodified>"
+                                 "<Z:Win32LastModifiedTime>soon</Z:Win32LastModifiedTime>"));
+    QVERIFY(bad.body.contains("409 Conflict") && bad.body.contains("424 "));
+    QVERIFY(server.propFind("/f", "0").body.contains("Thu, 01 Jan 1970 00:00:00 GMT"));
+}
+
+void DavTest::locks()
+{
+    DavServer server;
+    server.addFile(QStringLiteral("d/f"), "x");
+    const RawReply made = server.lock("/d/", "Timeout: Second-1000\r\n");
+    QCOMPARE(made.status(), QByteArray("200 OK"));
+    const QByteArray token = made.header("Lock-Token");
+    QVERIFY(token.startsWith("<urn:uuid:"));
+    for (const QByteArray &part :
+         { QByteArray("<D:depth>infinity<"), QByteArray("<D:timeout>Second-1000<"),
+           token.mid(1, token.size() - 2), QByteArray("<D:lockroot><D:href>/d/<"),
+           QByteArray("<owner xmlns=\"DAV:\"><href>me</href></owner>") })
+        QVERIFY2(made.body.contains(part), part.constData());
+    // It is told of all that it covers, in listings too.
+    QCOMPARE(server.propFind("/", "infinity", "<lockdiscovery/>").body.count("<D:activelock>"), 2);
+
+    const RawReply against = server.lock("/d/f");
+    QCOMPARE(against.status(), QByteArray("423 Locked"));
+    QVERIFY(against.body.contains("<D:no-conflicting-lock><D:href>/d/</D:href>"));
+    const QByteArray named = "If: (" + token + ")\r\n";
+    const RawReply again =
+        replyTo(server, "LOCK", "/d/f", named + "Timeout: Second-2000\r\nContent-Length: 0\r\n");
+    QVERIFY(again.body.contains("<D:timeout>Second-2000<"));
+    QCOMPARE(replyTo(server, "LOCK", "/", named).status().left(3), QByteArray("412"));
+
+    const auto unlock = [&server](const QByteArray &value) {
+        return replyTo(server, "UNLOCK", "/d/f", "Lock-Token: " + value + "\r\n").status().left(3);
+    };
+    QCOMPARE(unlock("<urn:uuid:none>"), QByteArray("409"));
+    QCOMPARE(unlock(token), QByteArray("204"));
+    QCOMPARE(unlock(token), QByteArray("409"));
+
+    // Where there is nothing, a file appears.
+    const RawReply created = server.lock("/new", "Depth: 0\r\n");
+    QCOMPARE(created.status(), QByteArray("201 Created"));
+    QVERIFY(QFileInfo(server.sharePath(QStringLiteral("new"))).isFile());
+    QCOMPARE(server.lock("/none/new").status(), QByteArray("409 Conflict"));
+    QCOMPARE(server.lock("/d/f", {}, "shared").status(), QByteArray("200 OK"));
+    QCOMPARE(server.lock("/d", {}, "shared").status(), QByteArray("200 OK"));
+    QCOMPARE(server.lock("/d").status(), QByteArray("423 Locked"));
+    // What is served anew is locked by nobody.
+    server.server->stop();
+    server.start();
+    QCOMPARE(server.lock("/d").status(), QByteArray("200 OK"));
+}
+
+void DavTest::guardsWhatIsLocked()
+{
+    DavServer server;
+    server.addFile(QStringLiteral("d/f"), "x");
+    const QByteArray token = server.lock("/d", "Depth: 0\r\n").header("Lock-Token");
+    const QByteArray fileToken = server.lock("/d/f").header("Lock-Token");
+    const QByteArray tag = replyTo(server, "HEAD", "/d/f").header("ETag");
+    const auto patch = [&server](const QByteArray &condition) {
+        const QByteArray header = condition.isEmpty() ? condition : "If: " + condition + "\r\n";
+        return server.propPatch("/d/f", setting("<x:p>1</x:p>"), header).status().left(3);
+    };
+    QCOMPARE(patch({}), QByteArray("423"));
+    QCOMPARE(patch('(' + token + ')'), QByteArray("412"));
+    QCOMPARE(patch("</d> (" + token + ')'), QByteArray("423"));
+    QCOMPARE(patch("(<urn:none>) (Not <DAV:no-lock>)"), QByteArray("423"));
+    QCOMPARE(patch('(' + fileToken + " [\"other\"])"), QByteArray("412"));
+    QCOMPARE(patch('(' + fileToken), QByteArray("400"));
+    QCOMPARE(patch('(' + fileToken + " [" + tag + "])"), QByteArray("207"));
+    QCOMPARE(patch("<http://any.name/d/f> (" + fileToken + ')'), QByteArray("207"));
+    // A new name is a change of its folder.
+    QCOMPARE(server.lock("/d/new").status(), QByteArray("423 Locked"));
+    QCOMPARE(server.lock("/d/new", "If: </d/> (" + token + ")\r\n").status(),
+             QByteArray("201 Created"));
+    server.profile->enableUpload = Qt::Unchecked;
+    QCOMPARE(patch('(' + fileToken + ')'), QByteArray("403"));
+    QCOMPARE(server.lock("/d/f").status(), QByteArray("403 Forbidden"));
+}
+
+void DavTest::refuses_data()
+{
+    QTest::addColumn<QByteArray>("request");
+    QTest::addColumn<QByteArray>("status");
+    const auto row = [](const char *title, const QByteArray &request, const char *status) {
+        QTest::newRow(title) << request << QByteArray(status);
+    };
+    row("nothing there", rawRequest("PROPFIND", "/none"), "404 Not Found");
+    row("bad depth", rawRequest("PROPFIND", "/", "Depth: 2\r\n"), "400 Bad Request");
+    row("no XML", rawRequest("PROPFIND", "/", {}, "<a>"), "400 Bad Request");
+    row("long body", rawRequest("PROPFIND", "/", {}, QByteArray(70000, ' ')),
+        "413 Content Too Large");
+    row("properties of nothing", rawRequest("PROPPATCH", "/none", {}, "<a/>"), "404 Not Found");
+    row("no properties", rawRequest("PROPPATCH", "/f"), "400 Bad Request");
+    row("lock without a body or token", rawRequest("LOCK", "/f"), "400 Bad Request");
+    row("lock of one level", rawRequest("LOCK", "/", "Depth: 1\r\n", "<a/>"), "400 Bad Request");
+    row("lock of what has changed", rawRequest("LOCK", "/f", "If-None-Match: *\r\n", "<a/>"),
+        "412 Precondition Failed");
+    row("unlock without a token", rawRequest("UNLOCK", "/f"), "400 Bad Request");
+}
+
+void DavTest::refuses()
+{
+    QFETCH(const QByteArray, request);
+    QFETCH(const QByteArray, status);
+    DavServer server;
+    server.addFile(QStringLiteral("f"), "x");
+    RawClient client(server.port());
+    QCOMPARE(client.exchange(request).status(), status);
+}
+
+QTEST_GUILESS_MAIN(DavTest)
+#include "tst_dav.moc"
