@@ -109,4 +109,16 @@ void DavGuard::removed(const Exchange &exchange, const QByteArray &path)
     state.properties()->removed(path);
 }
 
+void DavGuard::moved(const Exchange &exchange, const QByteArray &from, const QByteArray &to)
+{
+    DavState &state = DavState::of(exchange.service());
+    state.locks().removeTree(from);
+    state.properties()->moved(from, to);
+}
+
+void DavGuard::copied(const Exchange &exchange, const QByteArray &from, const QByteArray &to)
+{
+    DavState::of(exchange.service()).properties()->copied(from, to);
+}
+
 } // namespace standard
