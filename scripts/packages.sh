@@ -18,7 +18,7 @@ packages_of() {
         ;;
     test)
         # Clients that are not ours, and a display that nobody looks at.
-        echo curl wget cadaver rclone chromium xvfb
+        echo curl wget cadaver rclone litmus chromium xvfb
         has node || echo nodejs
         has npm || echo npm
         ;;
