@@ -15,6 +15,7 @@ namespace standard {
 struct DavResource
 {
     QByteArray path; ///< relative to the share's root
+    QByteArray href; ///< see `urlPath`
     QByteArray name; ///< that people know it by, in UTF-8
     EntryFacts facts;
     PropertySubject subject;

@@ -15,10 +15,15 @@ QByteArray rootEnd(const char *name)
     return QByteArray("</D:") + name + '>';
 }
 
+QByteArray urlPath(const QByteArray &path, bool isFolder)
+{
+    const QByteArray encoded = '/' + encodedPath(path);
+    return isFolder && !path.isEmpty() ? encoded + '/' : encoded;
+}
+
 QByteArray href(const QByteArray &path, bool isFolder)
 {
-    const char *end = isFolder && !path.isEmpty() ? "/" : "";
-    return "<D:href>/" + encodedPath(path) + end + "</D:href>";
+    return "<D:href>" + urlPath(path, isFolder) + "</D:href>";
 }
 
 QByteArray propStat(const QByteArray &properties, Status status)

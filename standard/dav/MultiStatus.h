@@ -15,8 +15,10 @@ constexpr auto xmlType = "application/xml; charset=utf-8";
 QByteArray rootStart(const char *name);
 QByteArray rootEnd(const char *name);
 
-/// The "href" element of a path in the share; the path of a URL, without a host, so that it is
-/// right behind any proxy.
+/// The path of a URL for a path in the share; without a host, so that it is right behind any proxy.
+QByteArray urlPath(const QByteArray &path, bool isFolder);
+
+/// The "href" element of the same.
 QByteArray href(const QByteArray &path, bool isFolder);
 
 /// A "propstat" of the elements in `properties`.

@@ -44,7 +44,11 @@ void PropFind::bodyReady(const QByteArray &body)
     if (!found.file && !found.folder)
         return exchange.refuse(Status::NotFound);
 
-    DavResource top{ exchange.path(), nameOf(exchange.path(), exchange.service()), found, {} };
+    DavResource top;
+    top.path = exchange.path();
+    top.href = urlPath(top.path, found.folder);
+    top.name = nameOf(top.path, exchange.service());
+    top.facts = found;
     PropertyReport report(*asked, commonFacts(*asked, *depth),
                           DavState::of(exchange.service()).properties());
     job = std::make_shared<PropFindJob>(

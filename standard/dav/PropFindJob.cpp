@@ -3,6 +3,7 @@
 #include "files/HiddenUploads.h"
 #include "files/Share.h"
 #include "standard/dav/MultiStatus.h"
+#include "standard/http/Uri.h"
 
 #include <algorithm>
 #include <cstring>
@@ -14,6 +15,7 @@ namespace standard {
 namespace {
 
 constexpr int pieceBytes = 64 * 1024;
+constexpr int spareBytes = 4 * 1024; ///< for the entry that makes a piece whole
 
 /// Whether clients can be told of that name: XML holds neither most controls nor what is no text.
 bool isTellable(const char *name)
@@ -36,6 +38,7 @@ PropFindJob::PropFindJob(Subject asked, PropertyReport answer)
 
 bool PropFindJob::run(const Budget &until)
 {
+    text.reserve(pieceBytes + spareBytes);
     do
         step();
     while (!isAtEnd() && text.size() < pieceBytes && !until.isUsedUp());
@@ -59,10 +62,10 @@ void PropFindJob::begin()
     state = State::Folders;
     DavResource top = subject.top;
     const FileDescriptor place = subject.share->open(top.path, O_PATH | O_CLOEXEC);
-    top.subject = PropertySubject::open(place.get(), top.path);
+    top.subject = { systemPathOf(place.get()), top.path };
     report.append(text, top);
     if (top.facts.folder && subject.depth != Depth::Zero)
-        folders.push_back(top.path);
+        folders.push_back(top.path.isEmpty() ? top.path : top.path + '/');
 }
 
 /// Goes on with the next folder; those that can't be read are told to be empty.
@@ -73,11 +76,13 @@ void PropFindJob::openNext()
         state = State::Ended;
         return;
     }
-    folderPath = folders.front();
+    path = folders.front();
     folders.pop_front();
-    folder = subject.share->openFolder(folderPath);
+    folder = subject.share->openFolder(path);
     if (!folder)
         return;
+    url = '/' + encodedPath(path);
+    systemPath = systemPathOf(folder->descriptor()) + '/';
     const EntryFacts facts = openFacts(folder->descriptor());
     if (!entered.emplace(facts.device, facts.inode).second)
         folder.reset();
@@ -95,17 +100,20 @@ void PropFindJob::append(const FolderReader::Item &item)
         return cutOff();
     ++count;
     entry.name = item.name;
-    entry.path = folderPath.isEmpty() ? entry.name : folderPath + '/' + entry.name;
-    entry.subject = PropertySubject::inFolder(folder->descriptor(), item.name, entry.path);
+    entry.path = path + entry.name;
+    entry.href = url + encodedPath(entry.name);
+    if (entry.facts.folder)
+        entry.href += '/';
+    entry.subject = { systemPath + entry.name, entry.path };
     report.append(text, entry);
     if (entry.facts.folder && subject.depth == Depth::Infinity)
-        folders.push_back(entry.path);
+        folders.push_back(entry.path + '/');
 }
 
 /// Tells that the rest of the folder, and of what was to follow, is missing.
 void PropFindJob::cutOff()
 {
-    text += "<D:response>" + href(folderPath, true) + statusElement(Status::InsufficientStorage)
+    text += "<D:response><D:href>" + url + "</D:href>" + statusElement(Status::InsufficientStorage)
         + "</D:response>";
     folder.reset();
     folders.clear();

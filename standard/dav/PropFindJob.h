@@ -54,10 +54,13 @@ private:
     const PropertyReport report;
     State state = State::Begin;
     QByteArray text;
-    std::deque<QByteArray> folders; ///< paths of those that are to be listed
+    std::deque<QByteArray> folders; ///< paths of those that are to be listed, with a "/" behind
     std::set<std::pair<dev_t, ino_t>> entered; ///< links may lead in circles
     std::optional<FolderReader> folder; ///< being read
-    QByteArray folderPath; ///< of the same
+    // What the paths of its entries begin with.
+    QByteArray path;
+    QByteArray url;
+    QByteArray systemPath;
     qint64 count = 0;
 };
 

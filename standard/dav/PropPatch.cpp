@@ -118,7 +118,7 @@ void PropPatch::bodyReady(const QByteArray &body)
     if (!file.isOpen())
         return exchange.refuse(statusOf(errno));
 
-    const PropertySubject subject = PropertySubject::open(file.get(), exchange.path());
+    const PropertySubject subject{ systemPathOf(file.get()), exchange.path() };
     PropertyStore &store = *DavState::of(exchange.service()).properties();
     Outcome outcome;
     outcome.kept = store.read(subject);

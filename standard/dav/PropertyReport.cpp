@@ -44,9 +44,9 @@ void PropertyReport::ask(const LiveProperty &property)
 
 void PropertyReport::append(QByteArray &to, const DavResource &resource) const
 {
-    to += "<D:response>";
-    to += href(resource.path, resource.facts.folder);
-    to += "<D:propstat><D:prop>";
+    to += "<D:response><D:href>";
+    to += resource.href;
+    to += "</D:href><D:propstat><D:prop>";
     QByteArray missing = appendLive(to, resource);
     if (allDead || !others.empty())
         missing += appendDead(to, resource);

@@ -85,14 +85,9 @@ DeadProperties unpacked(const QByteArray &bytes)
     return properties;
 }
 
-PropertySubject PropertySubject::open(int descriptor, const QByteArray &path)
+QByteArray systemPathOf(int descriptor)
 {
-    return { "/proc/self/fd/" + QByteArray::number(descriptor), path };
-}
-
-PropertySubject PropertySubject::inFolder(int folder, const char *name, const QByteArray &path)
-{
-    return { "/proc/self/fd/" + QByteArray::number(folder) + '/' + name, path };
+    return "/proc/self/fd/" + QByteArray::number(descriptor);
 }
 
 PropertyStore::PropertyStore(std::function<void()> warn)

@@ -25,14 +25,14 @@ using DeadProperties = std::vector<DeadProperty>;
 QByteArray packed(const DeadProperties &properties);
 DeadProperties unpacked(const QByteArray &bytes);
 
+/// A path for the system by which it finds what is open at `descriptor`; the names of a folder's
+/// entries may follow it.
+QByteArray systemPathOf(int descriptor);
+
 /// The file or folder whose properties are meant.
 struct PropertySubject
 {
-    /// For the system: a path through "/proc/self/fd", so that an open descriptor decides.
-    static PropertySubject open(int descriptor, const QByteArray &path);
-    static PropertySubject inFolder(int folder, const char *name, const QByteArray &path);
-
-    QByteArray systemPath;
+    QByteArray systemPath; ///< see `systemPathOf`
     QByteArray path; ///< relative to the share's root
 };
 

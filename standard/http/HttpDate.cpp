@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <ctime>
 
 namespace standard {
@@ -15,12 +16,6 @@ constexpr std::array<const char *, 12> months{ "Jan", "Feb", "Mar", "Apr", "May"
                                                "Jul", "Aug", "Sep", "Oct", "Nov", "Dec" };
 constexpr int yearBase = 1900;
 constexpr int newCentury = 70; ///< a year of two digits below it lies after 1999
-
-/// Two digits.
-QByteArray padded(int number)
-{
-    return QByteArray::number(number).rightJustified(2, '0');
-}
 
 std::optional<int> numberOf(const QByteArray &text, int least, int most)
 {
@@ -76,10 +71,12 @@ QByteArray httpDate(qint64 secondsSinceEpoch)
     std::tm time = {};
     if (!::gmtime_r(&seconds, &time))
         return httpDate(0);
-    const QByteArray year = QByteArray::number(time.tm_year + yearBase).rightJustified(4, '0');
-    return QByteArray(days[std::size_t(time.tm_wday)]) + ", " + padded(time.tm_mday) + ' '
-        + months[std::size_t(time.tm_mon)] + ' ' + year + ' ' + padded(time.tm_hour) + ':'
-        + padded(time.tm_min) + ':' + padded(time.tm_sec) + " GMT";
+    std::array<char, 64> text;
+    const int size = std::snprintf(text.data(), text.size(), "%s, %02d %s %04d %02d:%02d:%02d GMT",
+                                   days[std::size_t(time.tm_wday)], time.tm_mday,
+                                   months[std::size_t(time.tm_mon)], time.tm_year + yearBase,
+                                   time.tm_hour, time.tm_min, time.tm_sec);
+    return { text.data(), size };
 }
 
 std::optional<qint64> parseHttpDate(const QByteArray &text)

@@ -310,13 +310,13 @@ void DavPartsTest::propertiesSurviveOnDisk()
     const FileDescriptor file(::open(disk.native("f").constData(), O_RDONLY | O_CLOEXEC));
     bool warned = false;
     PropertyStore store([&warned] { warned = true; });
-    const auto subject = PropertySubject::open(file.get(), "f");
+    const PropertySubject subject{ systemPathOf(file.get()), "f" };
     QCOMPARE(store.write(subject, { dead("a", "1"), dead("b", "2") }), DiskError::None);
     if (warned)
         QSKIP("no extended attributes here");
     QVERIFY(::rename(disk.native("f").constData(), disk.native("g").constData()) == 0);
     const PropertyStore later([] {});
-    const auto moved = PropertySubject::open(file.get(), "g");
+    const PropertySubject moved{ systemPathOf(file.get()), "g" };
     QCOMPARE(names(later.read(moved)), QByteArray("a b "));
     QCOMPARE(later.read(moved).front().xml, dead("a", "1").xml);
 
