@@ -14,7 +14,6 @@ public:
                 TrafficAccount *counter);
     ~PlainSocket() override;
 
-    bool mayRead() const override { return inputWaits; }
     bool canSend() const override { return state == State::Open; }
     qint64 queued() const override { return queue.size() - queueStart; }
     bool isCongested() const override;
@@ -38,6 +37,7 @@ private:
     };
 
     void ready(quint32 events) override;
+    bool mayReceive() const override { return inputWaits; }
     qint64 receive(char *data, qint64 max) override;
     bool send(const QByteArray &bytes, bool more) override;
     qint64 send(int file, qint64 offset, qint64 count) override;

@@ -5,6 +5,8 @@
 #include <QByteArray>
 #include <QHostAddress>
 
+#include <algorithm>
+
 /// What a connection reads from and writes to, plain or encrypted. Nothing in it waits, and every
 /// byte counts in the server's account. Owned by its connection; its user is told of events and
 /// never from inside a call of its own.
@@ -39,16 +41,21 @@ public:
     void setUser(User *newUser) { user = newUser; }
 
     /// Whether a `read` may find something. What was reported and not read is not reported again.
-    virtual bool mayRead() const = 0;
+    bool mayRead() const { return !unread.isEmpty() || mayReceive(); }
 
     /// Up to `max` bytes; 0 when there are none yet, -1 at the end of what the peer sends.
     qint64 read(char *data, qint64 max)
     {
+        if (!unread.isEmpty())
+            return readAgain(data, max);
         const qint64 size = receive(data, max);
         if (size > 0)
             account->addReceived(size);
         return size;
     }
+
+    /// What was read comes once more, before anything else.
+    void putBack(const QByteArray &bytes) { unread.prepend(bytes); }
 
     /// Sends or queues `bytes`; nothing once the traffic limit was reached. `more` tells that
     /// further bytes follow at once.
@@ -106,12 +113,22 @@ protected:
 private:
     static constexpr qint64 limitedStep = 2048; ///< a traffic limit is overrun by no more than this
 
+    qint64 readAgain(char *data, qint64 max)
+    {
+        const int size = int(qMin<qint64>(max, unread.size()));
+        std::copy_n(unread.constData(), size, data);
+        unread = unread.mid(size);
+        return size;
+    }
+
+    virtual bool mayReceive() const = 0;
     virtual qint64 receive(char *data, qint64 max) = 0;
     /// False when the connection is over.
     virtual bool send(const QByteArray &bytes, bool more) = 0;
     virtual qint64 send(int file, qint64 offset, qint64 count) = 0;
 
     TrafficAccount *account;
+    QByteArray unread; ///< was put back
 
     Q_DISABLE_COPY(Socket)
 };

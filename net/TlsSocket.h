@@ -20,7 +20,6 @@ public:
               TrafficAccount *counter);
     ~TlsSocket() override;
 
-    bool mayRead() const override { return ended || socket.bytesAvailable() > 0; }
     bool canSend() const override;
     qint64 queued() const override;
     bool isCongested() const override;
@@ -35,6 +34,7 @@ public:
     quint16 localPort() const override { return socket.localPort(); }
 
 private:
+    bool mayReceive() const override { return ended || socket.bytesAvailable() > 0; }
     qint64 receive(char *data, qint64 max) override;
     bool send(const QByteArray &bytes, bool more) override;
     qint64 send(int file, qint64 offset, qint64 count) override;
