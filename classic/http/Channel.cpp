@@ -2,19 +2,14 @@
 
 #include "net/Socket.h"
 #include "net/TrafficAccount.h"
+#include "server/Deadlines.h"
 
 #include <algorithm>
 #include <utility>
 
-using namespace std::chrono_literals;
-
 namespace {
 
 constexpr int requestsInATurn = 16; ///< of one peer that sends many at once
-constexpr auto lingerTime = 2s;
-constexpr auto drainTime = 10s; ///< for a peer that takes nothing of the last bytes
-constexpr auto stallTime = 60s; ///< without a byte either way
-constexpr auto idleTime = 600s; ///< between requests
 
 } // namespace
 
@@ -262,7 +257,7 @@ void Channel::close()
         return closeSocket();
     // Closing on unread input would destroy the reply on its way (RFC 9112, section 9.6).
     state = State::Lingering;
-    lingersUntil = Clock::now() + lingerTime;
+    lingersUntil = Clock::now() + deadlines::linger;
     socket.endWriting();
     socket.again();
 }
@@ -316,15 +311,15 @@ Channel::Clock::time_point Channel::deadline(Clock::time_point lastActivity) con
 {
     switch (state) {
     case State::Collecting:
-        return lastActivity + (reader.isEmpty() ? idleTime : stallTime);
+        return lastActivity + (reader.isEmpty() ? deadlines::idle : deadlines::stall);
     case State::Replying:
-        return socket.queued() > 0 ? lastActivity + stallTime : Clock::time_point::max();
+        return socket.queued() > 0 ? lastActivity + deadlines::stall : Clock::time_point::max();
     case State::Closing:
-        return lastActivity + drainTime;
+        return lastActivity + deadlines::drain;
     case State::Lingering:
         return lingersUntil;
     default:
-        return lastActivity + stallTime;
+        return lastActivity + deadlines::stall;
     }
 }
 
