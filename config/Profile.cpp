@@ -2,6 +2,7 @@
 
 #include "config/Log.h"
 #include "config/ProfileFile.h"
+#include "config/ProfileText.h"
 
 #include <QDataStream>
 #include <QFile>
@@ -106,7 +107,9 @@ bool Profile::load()
     lastPage = 0;
     m_refusedPort.reset();
     resetKeys();
+    const ProfileLock lock(m_fileName);
     m_fileState = read();
+    readTextFile();
     if (!isUsable())
         qCDebug(configLog) << "can't be used:" << m_fileName;
     return m_fileState == FileState::Fine;
@@ -114,7 +117,6 @@ bool Profile::load()
 
 Profile::FileState Profile::read()
 {
-    const ProfileLock lock(m_fileName);
     QFile file(m_fileName);
     if (!file.open(QIODevice::ReadOnly))
         return isMissing(m_fileName) ? FileState::Missing : FileState::Unreadable;
@@ -130,6 +132,17 @@ Profile::FileState Profile::read()
     return FileState::Fine;
 }
 
+void Profile::readTextFile()
+{
+    m_textSetAside.clear();
+    const QString textFile = textFileOf(m_fileName);
+    const TextState state = readText(textFile, this);
+    if (state == TextState::Damaged && setAside(textFile))
+        m_textSetAside = textFile;
+    else if (state != TextState::Fine && isUsable())
+        m_fileState = FileState::Unreadable;
+}
+
 bool Profile::isUsable() const
 {
     return m_fileState == FileState::Missing || m_fileState == FileState::Fine;
@@ -141,7 +154,8 @@ bool Profile::save()
     const bool inTheWay = !isUsable() && !isMissing(m_fileName);
     if (inTheWay && !setAside(m_fileName))
         return false;
-    if (!writeWithSum(m_fileName, toRecord(*this, cleanExit)))
+    if (!writeWithSum(m_fileName, toRecord(*this, cleanExit))
+        || !writeText(textFileOf(m_fileName), *this))
         return false;
     m_fileState = FileState::Fine;
     return true;
@@ -172,7 +186,8 @@ void Profile::setFileName(const QString &profileName)
 bool Profile::remove()
 {
     const ProfileLock lock(m_fileName);
-    return removeWithSum(m_fileName);
+    const QString textFile = textFileOf(m_fileName);
+    return removeWithSum(m_fileName) && (isMissing(textFile) || QFile::remove(textFile));
 }
 
 std::unique_ptr<Profile> Profile::clone() const
@@ -192,7 +207,7 @@ bool Profile::equals(const Profile *other) const
 {
     const ProfileValues &mine = *this;
     const ProfileValues &others = *other;
-    return inFileOrder(mine) == inFileOrder(others);
+    return inFileOrder(mine) == inFileOrder(others) && equalText(mine, others);
 }
 
 void Profile::resetKeys()

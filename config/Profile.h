@@ -12,6 +12,17 @@
 /// How a server asks its clients who they are. The values stand in profile files.
 enum AuthMode { AuthNone = 0, AuthPasswordPage = 1, AuthBasic = 2 };
 
+/// Whom the two faces of the server answer: the classic one as it always has, the standard one as
+/// the RFCs say.
+enum FaceMode : int {
+    FaceClassic = 0, ///< everybody gets the classic one
+    FaceAuto = 1, ///< programs that are known to need it get the standard one
+    FaceStandard = 2 ///< everybody gets the standard one
+};
+
+/// What of an upload must have reached the disk before the server says that it is stored.
+enum SyncPolicy { SyncNothing = 0, SyncFile = 1, SyncFileAndFolder = 2 };
+
 /// What a profile says: every value that an editor changes and `Profile::equals` compares.
 /// The check states hold what a check box holds: 0 unchecked, 2 checked.
 struct ProfileValues
@@ -38,6 +49,11 @@ struct ProfileValues
     QString privateKeyFile;
     QString publicKeyFile; ///< the certificate
     QString keyPassword;
+
+    // These stand in the text file beside the profile's own.
+    qint32 faceMode = FaceAuto;
+    qint32 syncPolicy = SyncFile;
+    qint32 deepListings = 1; ///< whether the standard face lists whole trees, 0 or 1
 };
 
 /// One named settings profile and the file that it is stored in.
@@ -63,13 +79,15 @@ public:
     /// see `load`.
     Profile(const Directories &where, const QString &fileName);
 
-    /// Reads the profile's own file. When that can't be used all values become the defaults,
-    /// `fileState` says why, and the result is false.
+    /// Reads the profile's own file and the text file beside it. When the first can't be used all
+    /// values become the defaults, `fileState` says why, and the result is false. A damaged text
+    /// file is set aside, and `textSetAside` tells it.
     bool load();
 
     /// Writes the profile whole or not at all, readable by its owner alone, with a checksum in a
-    /// file beside it, of its name + ".sum". False when it can't be written; the file then keeps
-    /// its content. A file that can't be used is first kept beside under its name + ".bad".
+    /// file beside it, of its name + ".sum", and the text file. False when one can't be written;
+    /// the file then keeps its content. A file that can't be used is first kept beside under its
+    /// name + ".bad".
     bool save();
 
     /// Changes values here and in the file, where all others stay as they are: another program of
@@ -83,6 +101,10 @@ public:
     /// to serve with them might open what was protected.
     bool isUsable() const;
 
+    /// The text file that was damaged and is now called by its name + ".bad"; empty when there was
+    /// none. The defaults apply to what it said.
+    QString textSetAside() const { return m_textSetAside; }
+
     /// What the file names as the port when that is none; the default applies.
     std::optional<qint32> refusedPort() const { return m_refusedPort; }
 
@@ -90,7 +112,7 @@ public:
     void setFileName(const QString &profileName);
     QString fileName() const { return m_fileName; }
 
-    /// Deletes the profile's file and checksum; false when that fails.
+    /// Deletes the profile's files; false when that fails.
     bool remove();
 
     /// A new profile of the same values and file name.
@@ -128,11 +150,13 @@ private:
     Q_DISABLE_COPY(Profile)
 
     FileState read();
+    void readTextFile();
 
     Directories m_directories;
     QString m_fileName;
     FileState m_fileState = FileState::Missing;
     std::optional<qint32> m_refusedPort;
+    QString m_textSetAside;
 };
 
 constexpr int httpPort = 80; ///< the ports that a URL need not name

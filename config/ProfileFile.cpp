@@ -42,17 +42,6 @@ QByteArray presentSum(const QString &profileFile)
     return fitsItsSum(profileFile, content) ? sumOf(content) + '\n' : QByteArray();
 }
 
-bool writePrivate(const QString &path, const QByteArray &content)
-{
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    // Passwords stand in the file as they are.
-    file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    // Committing alone doesn't tell what the buffer couldn't write.
-    return file.write(content) == content.size() && file.flush() && file.commit();
-}
-
 bool removeSum(const QString &profileFile)
 {
     const QString sum = sumFile(profileFile);
@@ -78,6 +67,17 @@ bool isMissing(const QString &path)
 {
     struct stat status = {};
     return ::lstat(QFile::encodeName(path).constData(), &status) != 0 && errno == ENOENT;
+}
+
+bool writePrivate(const QString &path, const QByteArray &content)
+{
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    // Passwords stand in the file as they are.
+    file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    // Committing alone doesn't tell what the buffer couldn't write.
+    return file.write(content) == content.size() && file.flush() && file.commit();
 }
 
 bool fitsItsSum(const QString &profileFile, const QByteArray &content)

@@ -3,7 +3,7 @@
 #include <QByteArray>
 #include <QString>
 
-/// Keeps programs of one user from seeing a profile file and its sums half written: a lock on their
+/// Keeps programs of one user from seeing a profile's files half written: a lock on their
 /// folder while the object lives. Where the file system knows no locks there is none.
 class ProfileLock
 {
@@ -21,6 +21,9 @@ private:
 /// Nothing but "there is no such file" makes a file missing: what can't be reached may exist.
 bool isMissing(const QString &path);
 
+/// Writes a file whole or not at all, readable by its owner alone.
+bool writePrivate(const QString &path, const QByteArray &content);
+
 /// Whether `content` is what was written to a profile file, by the checksums beside it. One without
 /// them comes from elsewhere, or is older than they are: it fits.
 bool fitsItsSum(const QString &profileFile, const QByteArray &content);
@@ -32,6 +35,6 @@ bool writeWithSum(const QString &profileFile, const QByteArray &content);
 /// Deletes a profile file and its checksums; false when one stays.
 bool removeWithSum(const QString &profileFile);
 
-/// Renames a profile file to its name + ".bad" in the place of one that is there, and deletes its
-/// checksums; false when it stays.
+/// Renames a file of a profile to its name + ".bad" in the place of one that is there, and deletes
+/// its checksums; false when it stays.
 bool setAside(const QString &profileFile);

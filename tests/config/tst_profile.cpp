@@ -40,6 +40,7 @@ private Q_SLOTS:
     void amendsOnlyWhatChanged();
     void comparesAndCopiesWhatAnEditorChanges();
     void admitsNobodyByANamelessAccount();
+    void keepsMoreValuesAsText();
     void findsItsProfiles();
     void tellsACrashFromANeighbour();
 
@@ -206,6 +207,42 @@ void TestProfile::admitsNobodyByANamelessAccount()
 {
     global()->users = QStringLiteral("|:|:x|u:p|v:").split(QLatin1Char('|'));
     QCOMPARE(global()->accounts().join(QLatin1Char('|')), QStringLiteral("u:p|v:"));
+}
+
+/// Values that the profile file has no place for; people edit them, and other versions know more.
+void TestProfile::keepsMoreValuesAsText()
+{
+    const QString file = QStringLiteral("work.ini");
+    Profile work(home->directories);
+    work.setFileName(QStringLiteral("work"));
+    QVERIFY(work.save());
+    QVERIFY(home->profileBytes(file).isEmpty()); // the defaults need none
+    work.faceMode = FaceStandard;
+    QVERIFY(work.save());
+    const auto owners = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser;
+    QVERIFY(!(QFile::permissions(home->directories.profiles + file) & ~owners));
+
+    const QString name = QStringLiteral("work.cnf");
+    QCOMPARE(Profile(home->directories, name).faceMode, int(FaceStandard));
+    home->writeProfile(file, "; mine\r\nnew=1\r\n mode=classic\n\nsync = folder");
+    QVERIFY(work.load());
+    QCOMPARE(work.faceMode, int(FaceClassic));
+    QCOMPARE(work.syncPolicy, int(SyncFileAndFolder));
+    QVERIFY(work.amend([](Profile &profile) { profile.faceMode = FaceAuto; }));
+    QCOMPARE(home->profileBytes(file),
+             QByteArray("; mine\r\nnew=1\r\nmode = auto\n\nsync = folder\n"));
+
+    for (const QByteArray &bytes : { QByteArray("mode = clasic\n"), QByteArray("sync"),
+                                     QByteArray("mode = auto\n\0", 13), QByteArray(70000, '#') }) {
+        home->writeProfile(file, bytes);
+        const Profile damaged(home->directories, name);
+        QVERIFY(damaged.isUsable() && damaged.faceMode == FaceAuto);
+        QCOMPARE(damaged.textSetAside(), home->directories.profiles + file);
+        QCOMPARE(home->profileBytes(file + QLatin1String(".bad")), bytes);
+        QVERIFY(Profile(home->directories, name).textSetAside().isEmpty());
+    }
+    QVERIFY(work.remove());
+    QVERIFY(!QFile::exists(home->directories.profiles + file));
 }
 
 void TestProfile::findsItsProfiles()

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+#include <optional>
+
+enum FaceMode : int;
+struct ProfileValues;
+
+/// How the text file of a profile was found.
+enum class TextState {
+    Fine, ///< or there is none, and the defaults are what is meant
+    Damaged, ///< not lines of "key = value", or a value that its key doesn't know
+    Unreadable
+};
+
+/// The text file beside a profile file: "work.ini" of "work.cnf". It holds the values that the
+/// profile file has no place for, one "key = value" a line in UTF-8, and is meant to be edited by
+/// hand too: comments (# or ;) and keys of other versions stay where they are.
+QString textFileOf(const QString &profileFile);
+
+/// Takes over the values that the text file names; those that it does not name become the
+/// defaults, all of them when it can't be used.
+TextState readText(const QString &textFile, ProfileValues *values);
+
+/// Writes the values into the text file, readable by its owner alone, where they differ from what
+/// it says. False when it can't be written; the file then keeps its content.
+bool writeText(const QString &textFile, const ProfileValues &values);
+
+/// The mode of this name, as the text file and the console call it.
+std::optional<FaceMode> faceModeOf(const QByteArray &name);
+
+/// Whether both have the same values of those that stand in text files.
+bool equalText(const ProfileValues &one, const ProfileValues &other);
