@@ -1,7 +1,6 @@
-#include "app/AllRoutes.h"
+#include "app/AllFaces.h"
 #include "app/Process.h"
 #include "app/WorkingFolder.h"
-#include "classic/http/ClassicFace.h"
 #include "config/Profiles.h"
 #include "config/Utf8Names.h"
 #include "desktop/look/Look.h"
@@ -38,7 +37,7 @@ int main(int argc, char **argv)
     Previews::sweep(previewFolder());
     Previews previews(previewProgram(), previewFolder());
     EventHandler events;
-    Engine engine(classicFaces(allRoutes()), directories, &events, &previews);
+    Engine engine(allFaces(), directories, &events, &previews);
     MainWindow window(&profiles, &look, &events, engine.setup(), argc > 1 ? argv[1] : nullptr);
     if (!hasFolder)
         events.msg(MainWindow::tr("Can't make the folder"), directories.profiles);

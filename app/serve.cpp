@@ -1,8 +1,8 @@
-#include "app/AllRoutes.h"
+#include "app/AllFaces.h"
 #include "app/Console.h"
 #include "app/Process.h"
 #include "app/WorkingFolder.h"
-#include "classic/http/ClassicFace.h"
+#include "config/ProfileText.h"
 #include "config/Profiles.h"
 #include "config/Utf8Names.h"
 #include "files/Previews.h"
@@ -16,6 +16,7 @@
 #include <QNetworkInterface>
 
 #include <algorithm>
+#include <memory>
 #include <optional>
 
 namespace {
@@ -27,6 +28,7 @@ struct Options
     QHostAddress address{ QHostAddress::AnyIPv4 };
     std::optional<quint16> port; ///< absent: the profile's
     QString profile; ///< empty: the global one
+    std::optional<FaceMode> mode; ///< absent: the profile's
     bool defaultProfile = false; ///< none of the stored ones
     QString path; ///< as given
 };
@@ -58,6 +60,12 @@ struct CommandLine
     const QCommandLineOption profile{ QStringLiteral("profile"),
                                       text("Use the profile of this name."),
                                       QStringLiteral("NAME") };
+    const QCommandLineOption mode{
+        QStringLiteral("mode"),
+        text("Answer as always (classic), as the standards say (standard), or so only to the "
+             "programs that need it (auto)."),
+        QStringLiteral("MODE")
+    };
     const QCommandLineOption defaults{
         QStringLiteral("default-profile"),
         text("Use the default values and no stored profile: no password, deleting allowed.")
@@ -67,7 +75,7 @@ struct CommandLine
     {
         parser.setApplicationDescription(
             text("Serves a file or folder to browsers and WebDAV clients."));
-        parser.addOptions({ address, port, profile, defaults });
+        parser.addOptions({ address, port, mode, profile, defaults });
         parser.addPositionalArgument(QStringLiteral("PATH"), text("The file or folder to serve."));
     }
 };
@@ -108,6 +116,16 @@ QString takePort(const CommandLine &line, Options *options)
                     : text("This is no port from 0 to 65535: %1").arg(line.parser.value(line.port));
 }
 
+QString takeMode(const CommandLine &line, Options *options)
+{
+    if (!line.parser.isSet(line.mode))
+        return {};
+    const QString given = line.parser.value(line.mode);
+    options->mode = faceModeOf(given.toUtf8());
+    return options->mode ? QString()
+                         : text("This is no mode: %1 (use classic, auto or standard)").arg(given);
+}
+
 QString takeOptions(const CommandLine &line, Options *options)
 {
     const QStringList paths = line.parser.positionalArguments();
@@ -118,8 +136,11 @@ QString takeOptions(const CommandLine &line, Options *options)
     options->defaultProfile = line.parser.isSet(line.defaults);
     if (options->defaultProfile && line.parser.isSet(line.profile))
         return text("--profile and --default-profile exclude each other.");
-    const QString problem = takeAddress(line, options);
-    return problem.isEmpty() ? takePort(line, options) : problem;
+    for (const auto take : { takeAddress, takePort, takeMode }) {
+        if (const QString problem = take(line, options); !problem.isEmpty())
+            return problem;
+    }
+    return {};
 }
 
 /// Why `path` can't be served; empty when it can.
@@ -190,6 +211,11 @@ Profile *storedProfile(Console *console, const Options &options, const Profiles 
                            .arg(*profile->refusedPort())
                            .arg(profile->port));
     }
+    if (const QString file = profile->textSetAside(); !file.isEmpty()) {
+        console->error(text("%1 could not be read and is now called %1.bad; the default values "
+                            "are used for what it said.")
+                           .arg(file));
+    }
     return profile;
 }
 
@@ -197,17 +223,20 @@ Profile *storedProfile(Console *console, const Options &options, const Profiles 
 int serve(Console *console, const Options &options, const QString &path, const Profiles &profiles)
 {
     Profile defaults(profiles.directories());
-    Profile *profile =
+    const Profile *stored =
         options.defaultProfile ? &defaults : storedProfile(console, options, profiles);
-    if (!profile)
+    if (!stored)
         return Failed;
+    // What the command line says is for this run alone.
+    const std::unique_ptr<Profile> profile = stored->clone();
+    profile->faceMode = options.mode.value_or(FaceMode(profile->faceMode));
 
     ConsoleSink sink(console);
     QNetworkAddressEntry entry;
     entry.setIp(options.address);
     Previews previews(previewProgram(), previewFolder());
-    Engine engine(classicFaces(allRoutes()), profiles.directories(), &sink, &previews);
-    WebServer server(entry, profile, engine.setup());
+    Engine engine(allFaces(), profiles.directories(), &sink, &previews);
+    WebServer server(entry, profile.get(), engine.setup());
     server.setShared(path);
     server.port = options.port.value_or(quint16(profile->port));
     if (profile->usesTls() && !server.isTlsReady()) {

@@ -164,6 +164,7 @@ void TestServe::endsAtOnce_data()
     row("no path", {}, 2, "Name one file or folder");
     row("unknown option", QStringLiteral("--loud /tmp"), 2, "loud");
     row("port out of range", QStringLiteral("--port 65536 /tmp"), 2, "65536");
+    row("no mode", QStringLiteral("--mode modern /tmp"), 2, "classic, auto or standard");
     row("two profiles", QStringLiteral("--profile a --default-profile /tmp"), 2, "exclude");
     row("missing path", QStringLiteral("/none"), 1, "/none");
     row("device", QStringLiteral("/dev/null"), 1, "/dev/null");
@@ -196,6 +197,8 @@ void TestServe::servesUntilASignal()
     // A peer that takes nothing does not delay the end.
     client.socket->setReadBufferSize(1);
     client.send(rawRequest("GET", "/big"));
+    const QByteArray known = rawRequest("OPTIONS", "/", "User-Agent: gvfs/1\r\n");
+    QVERIFY(RawClient(port).exchange(known).header("DAV").startsWith("1, 2, 3"));
 
     ::kill(pid_t(program.processId()), SIGINT); // others end by SIGTERM
     QCOMPARE(exitStatus(), 0);

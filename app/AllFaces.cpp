@@ -1,0 +1,29 @@
+#include "app/AllFaces.h"
+
+#include "classic/dav/Routes.h"
+#include "classic/http/ClassicFace.h"
+#include "classic/listing/Routes.h"
+#include "classic/pages/Routes.h"
+#include "server/FaceChoice.h"
+#include "standard/dav/Routes.h"
+#include "standard/http/StandardFace.h"
+
+namespace {
+
+/// The order matters: the first route that fits is taken, and the desktop client's listing is a
+/// PROPFIND too.
+Routes classicRoutes()
+{
+    Routes routes;
+    for (const Routes &room : { pageRoutes(), listingRoutes(), davRoutes(), fileRoutes() })
+        routes.insert(routes.end(), room.begin(), room.end());
+    return routes;
+}
+
+} // namespace
+
+FaceMaker allFaces()
+{
+    return chosenFaces(classicFaces(classicRoutes()),
+                       standard::standardFaces(standard::withDav(standard::fileRoutes())));
+}

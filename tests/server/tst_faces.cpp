@@ -1,0 +1,124 @@
+#include "classic/http/ClassicFace.h"
+#include "server/FaceChoice.h"
+#include "standard/http/StandardFace.h"
+#include "tests/support/LiveServer.h"
+
+/// Which face answers a connection.
+class TestFaces : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup() { live.reset(); }
+    void knowsThePrograms_data();
+    void knowsThePrograms();
+    void doesAsTheProfileSays();
+    void choosesOnceByTheFirstHead();
+    void choosesByWhatArrives();
+
+private:
+    std::unique_ptr<LiveServer> live;
+};
+
+namespace {
+
+/// Only the standard face gives a reply its date.
+QByteArray faceOf(const RawReply &reply)
+{
+    if (reply.head.isEmpty())
+        return "none";
+    return reply.header("Date").isEmpty() ? "classic" : "standard";
+}
+
+QByteArray getAs(const QByteArray &agent)
+{
+    return rawRequest("GET", "/a.txt", "User-Agent: " + agent + "\r\n");
+}
+
+} // namespace
+
+void TestFaces::init()
+{
+    live = std::make_unique<LiveServer>(
+        chosenFaces(classicFaces(fileRoutes()), standard::standardFaces(standard::fileRoutes())));
+    live->addFile(QStringLiteral("a.txt"), "hello");
+    live->start();
+}
+
+void TestFaces::knowsThePrograms_data()
+{
+    QTest::addColumn<QByteArray>("agent");
+    QTest::addColumn<QByteArray>("face");
+    const auto row = [](const char *agent, const char *face) {
+        QTest::newRow(agent) << QByteArray(agent) << QByteArray(face);
+    };
+    row("Microsoft-WebDAV-MiniRedir/10.0.19045", "standard");
+    row("Mozilla/5.0 (X11; Linux x86_64) KHTML/5.103.0 (like Gecko) Konqueror/5 KIO/5.103",
+        "standard");
+    row("Player/1.0 (Linux;Android 11) ExoPlayerLib/2.11.7", "standard");
+    row("davfs2/1.6.1 neon/0.32.2", "standard");
+    row("", "classic");
+    row("mc", "classic");
+    row("curl/7.88.1", "classic");
+    row("Mozilla/5.0 (X11; Linux x86_64; rv:109.0) Gecko/20100101 Firefox/115.0", "classic");
+    row("Mozilla/5.0 (compatible; gvfs; rclone) Safari/605", "classic");
+    row("notgvfs/1.0", "classic");
+}
+
+void TestFaces::knowsThePrograms()
+{
+    QFETCH(const QByteArray, agent);
+    QFETCH(const QByteArray, face);
+    const RawReply reply = RawClient(live->port()).exchange(getAs(agent));
+    QCOMPARE(reply.body, QByteArray("hello"));
+    QCOMPARE(faceOf(reply), face);
+}
+
+void TestFaces::doesAsTheProfileSays()
+{
+    for (const auto &[mode, face] :
+         { std::pair(FaceClassic, "classic"), std::pair(FaceStandard, "standard") }) {
+        live->profile->faceMode = mode;
+        for (const char *agent : { "gvfs/1.50", "curl/7" })
+            QCOMPARE(faceOf(RawClient(live->port()).exchange(getAs(agent))), QByteArray(face));
+    }
+}
+
+/// The peer behind a connection stays the same, whatever it says later; pipelined requests arrive.
+void TestFaces::choosesOnceByTheFirstHead()
+{
+    for (const auto &[first, second, face] : { std::tuple("gvfs/1", "curl/7", "standard"),
+                                               std::tuple("curl/7", "gvfs/1", "classic") }) {
+        RawClient client(live->port());
+        client.send(getAs(first) + getAs(second));
+        QCOMPARE(faceOf(client.reply()), QByteArray(face));
+        QCOMPARE(faceOf(client.reply()), QByteArray(face));
+    }
+}
+
+void TestFaces::choosesByWhatArrives()
+{
+    RawClient slow(live->port());
+    const QByteArray request = getAs("gvfs/1");
+    for (const char byte : request) {
+        slow.send(QByteArray(1, byte));
+        slow.waitUntil([] { return false; }, 1);
+    }
+    QCOMPARE(faceOf(slow.reply()), QByteArray("standard"));
+
+    // A name that the classic face wouldn't see any more comes too late.
+    RawClient late(live->port());
+    late.send(
+        rawRequest("GET", "/a.txt", "X: " + QByteArray(2100, 'x') + "\r\nUser-Agent: gvfs/1\r\n"));
+    QCOMPARE(faceOf(late.reply()), QByteArray("classic"));
+
+    RawClient silent(live->port());
+    silent.send("GET /a.txt HTTP/1.1\r\nUser-Agent: gv");
+    silent.socket->disconnectFromHost();
+    QVERIFY(silent.waitForClose());
+    QCOMPARE(faceOf(RawClient(live->port()).exchange(getAs("curl/7"))), QByteArray("classic"));
+}
+
+QTEST_GUILESS_MAIN(TestFaces)
+#include "tst_faces.moc"
