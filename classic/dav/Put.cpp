@@ -4,7 +4,7 @@
 #include "files/DiskWorker.h"
 #include "files/Reservation.h"
 #include "files/Share.h"
-#include "files/UploadFile.h"
+#include "server/Uploads.h"
 
 #include <utility>
 
@@ -66,7 +66,7 @@ void Put::receive(const QByteArray &path, bool exists)
 {
     if (!share() || path.endsWith('/'))
         return answer(Status::locked);
-    upload = std::make_shared<UploadFile>();
+    upload = newUpload(*exchange.service.profile);
     const DiskError error =
         exists ? upload->replace(share()->target(path)) : upload->create(place(path));
     if (error == DiskError::None)

@@ -4,7 +4,7 @@
 #include "files/DiskWorker.h"
 #include "files/Path.h"
 #include "files/Share.h"
-#include "files/UploadFile.h"
+#include "server/Uploads.h"
 
 #include <QList>
 
@@ -106,7 +106,7 @@ SaveResult FormUpload::open(const QString &name)
     Place place = exchange.service.share->place(nativePath(folder + slash + name));
     if (!place.isValid())
         return OpenFailed;
-    file = std::make_shared<UploadFile>();
+    file = newUpload(*exchange.service.profile);
     const SaveResult result = resultOf(file->create(std::move(place)));
     return result == WriteFailed ? OpenFailed : result;
 }

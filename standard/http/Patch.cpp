@@ -3,6 +3,7 @@
 #include "files/DiskJob.h"
 #include "files/DiskWorker.h"
 #include "files/Share.h"
+#include "server/Uploads.h"
 #include "standard/http/Options.h"
 
 #include <QList>
@@ -173,6 +174,8 @@ void Patch::bodySaved(BodyEnd end)
 
 void Patch::keep()
 {
+    if (syncOf(*exchange.service().profile) == UploadFile::Sync::None)
+        return answer(DiskError::None, std::exchange(file, {}));
     const auto job = std::make_shared<SyncJob>(std::move(file));
     disk().run(job, this, [this, job] { answer(job->error(), job->file()); });
 }

@@ -2,7 +2,7 @@
 
 #include "files/DiskWorker.h"
 #include "files/Share.h"
-#include "files/UploadFile.h"
+#include "server/Uploads.h"
 #include "standard/http/Options.h"
 
 #include <utility>
@@ -77,7 +77,7 @@ void Put::receive(const EntryFacts &found)
         return exchange.refuse(Status::Conflict, "The folder does not exist.");
     if (!hasRoom(target))
         return exchange.refuse(Status::InsufficientStorage);
-    upload = std::make_shared<UploadFile>();
+    upload = newUpload(*exchange.service().profile);
     const DiskError error =
         replaces ? upload->replace(std::move(target)) : upload->create(std::move(target));
     if (error != DiskError::None)
