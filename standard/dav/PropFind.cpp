@@ -39,6 +39,9 @@ void PropFind::bodyReady(const QByteArray &body)
         parseDepth(exchange.request().field("Depth"), Depth::Infinity);
     if (!asked || !depth)
         return exchange.refuse(Status::BadRequest);
+    if (*depth == Depth::Infinity && exchange.service().profile->deepListings == 0)
+        return exchange.reply(Status::Forbidden, { { "Content-Type", xmlType } },
+                              errorBody("propfind-finite-depth"));
     const EntryFacts found = facts();
     const bool withFolders = exchange.service().profile->showsFolders();
     if (!found.file && !found.folder)

@@ -126,6 +126,11 @@ void DavTest::tellsWhatThereIs()
         QCOMPARE(hrefs(server.propFind(target, "1").body), QByteArray("/d/ /d/a.txt "));
     QCOMPARE(hrefs(server.propFind("/", "1").body), QByteArray("/ /d/ "));
     QCOMPARE(hrefs(server.propFind("/", "infinity").body), QByteArray("/ /d/ /d/a.txt "));
+    server.profile->deepListings = 0;
+    const RawReply refused = server.propFind("/", "infinity");
+    QCOMPARE(refused.status(), QByteArray("403 Forbidden"));
+    QVERIFY(refused.body.contains("<D:propfind-finite-depth"));
+    server.profile->deepListings = 1;
     const QByteArray some =
         server.propFind("/d", "0", "<quota-used-bytes/><getcontentlength/><q xmlns=\"\"/>").body;
     QVERIFY(some.contains("quota-used-bytes>") && !some.contains("getetag"));
