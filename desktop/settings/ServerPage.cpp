@@ -6,7 +6,10 @@
 
 #include <QFileInfo>
 #include <QFormLayout>
+#include <QLabel>
 #include <QVBoxLayout>
+
+#include <array>
 
 namespace {
 
@@ -54,6 +57,7 @@ ServerPage::ServerPage(Profile *copy, bool rootMode)
 
     QPushButton *restore = newButton(tr("Restore default keys"));
     body()->addWidget(restore, 0, Qt::AlignLeft);
+    addFaceControls();
 
     connect(ssl, &QCheckBox::stateChanged, this, &ServerPage::followSslMode);
     connect(restore, &QPushButton::clicked, this, &ServerPage::restoreKeys);
@@ -97,6 +101,31 @@ QLineEdit *ServerPage::addKeyFile(QFormLayout *form, const KeyFile &file)
             path->setText(chosen);
     });
     return path;
+}
+
+void ServerPage::addFaceControls()
+{
+    auto *faces = new ChoiceBox;
+    faces->addItems({ tr("Classic"), tr("Automatic"), tr("Standard") });
+    faces->setCurrentIndex(workingCopy->faceMode);
+    faceText = new QLabel;
+    faceText->setWordWrap(true);
+    addRow(addForm(), tr("Answers:"), faces);
+    body()->addWidget(faceText);
+    connect(faces, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &ServerPage::setFace);
+    setFace(workingCopy->faceMode);
+}
+
+void ServerPage::setFace(int mode)
+{
+    const std::array texts = {
+        tr("All programs are answered as ever."),
+        tr("File managers, phone apps and players that are known to need it are answered by the "
+           "standards, all others as ever."),
+        tr("All programs are answered by the standards."),
+    };
+    faceText->setText(texts.at(std::size_t(mode)));
+    store(&ProfileValues::faceMode, mode);
 }
 
 void ServerPage::enableKeyControls()

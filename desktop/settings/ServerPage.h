@@ -3,10 +3,11 @@
 #include "desktop/settings/SettingsPage.h"
 
 class QFormLayout;
+class QLabel;
 class QLineEdit;
 class QSpinBox;
 
-/// The settings of port, SSL mode and keys. A child of the settings dialog.
+/// The settings of port, SSL mode, keys and the way of answering. A child of the settings dialog.
 class ServerPage : public SettingsPage
 {
     Q_OBJECT
@@ -20,6 +21,8 @@ private:
 
     void addKeyControls(QFormLayout *form);
     QLineEdit *addKeyFile(QFormLayout *form, const KeyFile &file);
+    void addFaceControls();
+    void setFace(int mode);
     void enableKeyControls();
     void followSslMode(int state);
     void restoreKeys();
@@ -29,5 +32,6 @@ private:
     QLineEdit *privateKey = nullptr;
     QLineEdit *keyPassword = nullptr;
     QLineEdit *publicKey = nullptr;
+    QLabel *faceText = nullptr; ///< what the chosen way of answering means
     QList<QWidget *> keyControls; ///< of use only to experts who serve through SSL
 };

@@ -103,6 +103,11 @@ void MainWindow::startProfiles()
                    "are saved; the file is kept then as %1")
                     .arg(profile->fileName() + QLatin1String(".bad")),
                 profile->fileName());
+        if (const QString file = profile->textSetAside(); !file.isEmpty())
+            events->msg(tr("Some values of a profile could not be read. The defaults are used "
+                           "for them; the file is kept as %1")
+                            .arg(file + QLatin1String(".bad")),
+                        file);
         if (profile->refusedPort())
             events->msg(tr("Invalid port") + QStringLiteral(": %1").arg(*profile->refusedPort()),
                         profile->fileName());

@@ -279,6 +279,34 @@
         <source>Open Public Key File</source>
         <translation>Open Public Key File</translation>
     </message>
+    <message>
+        <source>Answers:</source>
+        <translation>Answers:</translation>
+    </message>
+    <message>
+        <source>Classic</source>
+        <translation>Classic</translation>
+    </message>
+    <message>
+        <source>Automatic</source>
+        <translation>Automatic</translation>
+    </message>
+    <message>
+        <source>Standard</source>
+        <translation>Standard</translation>
+    </message>
+    <message>
+        <source>All programs are answered as ever.</source>
+        <translation>All programs are answered as ever.</translation>
+    </message>
+    <message>
+        <source>File managers, phone apps and players that are known to need it are answered by the standards, all others as ever.</source>
+        <translation>File managers, phone apps and players that are known to need it are answered by the standards, all others as ever.</translation>
+    </message>
+    <message>
+        <source>All programs are answered by the standards.</source>
+        <translation>All programs are answered by the standards.</translation>
+    </message>
 </context>
 <context>
     <name>LimitsPage</name>
@@ -487,6 +515,10 @@
     <message>
         <source>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</source>
         <translation>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</translation>
+    </message>
+    <message>
+        <source>Some values of a profile could not be read. The defaults are used for them; the file is kept as %1</source>
+        <translation>Some values of a profile could not be read. The defaults are used for them; the file is kept as %1</translation>
     </message>
     <message>
         <source>Invalid port</source>

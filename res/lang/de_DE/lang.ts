@@ -279,6 +279,34 @@
         <source>Open Public Key File</source>
         <translation>Datei des öffentlichen Schlüssels öffnen</translation>
     </message>
+    <message>
+        <source>Answers:</source>
+        <translation>Antworten:</translation>
+    </message>
+    <message>
+        <source>Classic</source>
+        <translation>Klassisch</translation>
+    </message>
+    <message>
+        <source>Automatic</source>
+        <translation>Automatisch</translation>
+    </message>
+    <message>
+        <source>Standard</source>
+        <translation>Standard</translation>
+    </message>
+    <message>
+        <source>All programs are answered as ever.</source>
+        <translation>Alle Programme bekommen die gewohnten Antworten.</translation>
+    </message>
+    <message>
+        <source>File managers, phone apps and players that are known to need it are answered by the standards, all others as ever.</source>
+        <translation>Dateimanager, Handy-Apps und Abspielprogramme, die es bekanntlich brauchen, bekommen Antworten nach den Standards, alle anderen die gewohnten.</translation>
+    </message>
+    <message>
+        <source>All programs are answered by the standards.</source>
+        <translation>Alle Programme bekommen Antworten nach den Standards.</translation>
+    </message>
 </context>
 <context>
     <name>LimitsPage</name>
@@ -487,6 +515,10 @@
     <message>
         <source>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</source>
         <translation>Ein Profil ist beschädigt oder nicht lesbar. Es wird erst benutzt, wenn seine Einstellungen gespeichert sind; die Datei bleibt dann erhalten als %1</translation>
+    </message>
+    <message>
+        <source>Some values of a profile could not be read. The defaults are used for them; the file is kept as %1</source>
+        <translation>Einige Werte eines Profils sind nicht lesbar. Für sie gelten die Vorgaben; die Datei bleibt erhalten als %1</translation>
     </message>
     <message>
         <source>Invalid port</source>

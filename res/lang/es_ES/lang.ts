@@ -279,6 +279,34 @@
         <source>Open Public Key File</source>
         <translation>Abrir el archivo de la clave pública</translation>
     </message>
+    <message>
+        <source>Answers:</source>
+        <translation>Respuestas:</translation>
+    </message>
+    <message>
+        <source>Classic</source>
+        <translation>Clásicas</translation>
+    </message>
+    <message>
+        <source>Automatic</source>
+        <translation>Automáticas</translation>
+    </message>
+    <message>
+        <source>Standard</source>
+        <translation>Estándar</translation>
+    </message>
+    <message>
+        <source>All programs are answered as ever.</source>
+        <translation>Todos los programas reciben las respuestas de siempre.</translation>
+    </message>
+    <message>
+        <source>File managers, phone apps and players that are known to need it are answered by the standards, all others as ever.</source>
+        <translation>Los gestores de archivos, las aplicaciones de móvil y los reproductores que lo necesitan reciben respuestas según los estándares; los demás, las de siempre.</translation>
+    </message>
+    <message>
+        <source>All programs are answered by the standards.</source>
+        <translation>Todos los programas reciben respuestas según los estándares.</translation>
+    </message>
 </context>
 <context>
     <name>LimitsPage</name>
@@ -487,6 +515,10 @@
     <message>
         <source>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</source>
         <translation>Un perfil está dañado o no se puede leer. No se usará hasta que se guarden sus ajustes; el archivo se conserva entonces como %1</translation>
+    </message>
+    <message>
+        <source>Some values of a profile could not be read. The defaults are used for them; the file is kept as %1</source>
+        <translation>Algunos valores de un perfil no se pueden leer. Se usan los predeterminados; el archivo se conserva como %1</translation>
     </message>
     <message>
         <source>Invalid port</source>

@@ -279,6 +279,34 @@
         <source>Open Public Key File</source>
         <translation>Ouvrir le fichier de la clé publique</translation>
     </message>
+    <message>
+        <source>Answers:</source>
+        <translation>Réponses :</translation>
+    </message>
+    <message>
+        <source>Classic</source>
+        <translation>Classiques</translation>
+    </message>
+    <message>
+        <source>Automatic</source>
+        <translation>Automatiques</translation>
+    </message>
+    <message>
+        <source>Standard</source>
+        <translation>Standard</translation>
+    </message>
+    <message>
+        <source>All programs are answered as ever.</source>
+        <translation>Tous les programmes reçoivent les réponses habituelles.</translation>
+    </message>
+    <message>
+        <source>File managers, phone apps and players that are known to need it are answered by the standards, all others as ever.</source>
+        <translation>Les gestionnaires de fichiers, applications mobiles et lecteurs qui en ont besoin reçoivent des réponses conformes aux standards, les autres les réponses habituelles.</translation>
+    </message>
+    <message>
+        <source>All programs are answered by the standards.</source>
+        <translation>Tous les programmes reçoivent des réponses conformes aux standards.</translation>
+    </message>
 </context>
 <context>
     <name>LimitsPage</name>
@@ -487,6 +515,10 @@
     <message>
         <source>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</source>
         <translation>Un profil est endommagé ou illisible. Il ne servira pas tant que ses réglages ne sont pas enregistrés&#xa0;; le fichier est alors conservé sous %1</translation>
+    </message>
+    <message>
+        <source>Some values of a profile could not be read. The defaults are used for them; the file is kept as %1</source>
+        <translation>Certaines valeurs d’un profil sont illisibles. Les valeurs par défaut les remplacent ; le fichier est conservé sous %1</translation>
     </message>
     <message>
         <source>Invalid port</source>
