@@ -23,6 +23,7 @@ public:
     void abort() override;
 
     bool isEncrypted() const override { return false; }
+    bool isEstablished() const override { return true; }
     QHostAddress peerAddress() const override { return peer; }
     QHostAddress localAddress() const override;
     quint16 localPort() const override;

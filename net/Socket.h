@@ -49,10 +49,14 @@ public:
         if (!unread.isEmpty())
             return readAgain(data, max);
         const qint64 size = receive(data, max);
-        if (size > 0)
+        if (size > 0) {
             account->addReceived(size);
+            m_received += size;
+        }
         return size;
     }
+
+    qint64 received() const { return m_received; } ///< bytes so far
 
     /// What was read comes once more, before anything else.
     void putBack(const QByteArray &bytes) { unread.prepend(bytes); }
@@ -103,6 +107,10 @@ public:
     virtual void abort() = 0;
 
     virtual bool isEncrypted() const = 0;
+
+    /// Whether both ends agreed on how to talk.
+    virtual bool isEstablished() const = 0;
+
     virtual QHostAddress peerAddress() const = 0;
     virtual QHostAddress localAddress() const = 0;
     virtual quint16 localPort() const = 0;
@@ -128,6 +136,7 @@ private:
     virtual qint64 send(int file, qint64 offset, qint64 count) = 0;
 
     TrafficAccount *account;
+    qint64 m_received = 0;
     QByteArray unread; ///< was put back
 
     Q_DISABLE_COPY(Socket)

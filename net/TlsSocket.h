@@ -29,6 +29,7 @@ public:
     void abort() override;
 
     bool isEncrypted() const override { return socket.isEncrypted(); }
+    bool isEstablished() const override { return socket.isEncrypted(); }
     QHostAddress peerAddress() const override { return socket.peerAddress(); }
     QHostAddress localAddress() const override { return socket.localAddress(); }
     quint16 localPort() const override { return socket.localPort(); }

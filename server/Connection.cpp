@@ -1,12 +1,15 @@
 #include "server/Connection.h"
 
+#include "server/Deadlines.h"
 #include "server/Log.h"
 #include "server/Service.h"
 #include "server/StatusSink.h"
 
-Connection::Connection(std::unique_ptr<Socket> accepted, Service &service, const Ended &whenEnded)
+Connection::Connection(std::unique_ptr<Socket> accepted, PeerCount::Ticket place, Service &service,
+                       const Ended &whenEnded)
     : m_service(service)
     , ended(whenEnded)
+    , ticket(std::move(place))
     , m_socket(std::move(accepted))
     , face(service.setup.makeFace(*this))
 {
@@ -22,6 +25,8 @@ Connection::~Connection()
 
 void Connection::noteRequest()
 {
+    // The next head is another one.
+    awaits = Awaits::Nothing;
     if (noted)
         return;
     noted = true;
@@ -34,9 +39,46 @@ void Connection::drop()
     m_socket->abort();
 }
 
-void Connection::checkDeadline(Face::Clock::time_point now)
+void Connection::noteWait(Clock::time_point now)
 {
-    if (over || now < face->deadline(activeAt))
+    if (over)
+        return;
+    const Awaits seen = face->awaits();
+    if (seen != Awaits::Head)
+        receivedBefore = m_socket->received();
+    if (seen == awaits)
+        return;
+    awaits = seen;
+    awaitsSince = now;
+}
+
+/// When what the face waits for will have taken too long.
+Connection::Clock::time_point Connection::deadline() const
+{
+    if (!m_socket->isEstablished())
+        return awaitsSince + deadlines::handshake;
+    switch (awaits) {
+    case Awaits::Request:
+        return activeAt + deadlines::idle;
+    case Awaits::Head:
+        return awaitsSince + deadlines::head
+            + std::chrono::seconds((m_socket->received() - receivedBefore) / deadlines::headRate);
+    case Awaits::Body:
+        return activeAt + deadlines::body;
+    case Awaits::Drain:
+        return activeAt + deadlines::drain;
+    case Awaits::Linger:
+        return awaitsSince + deadlines::linger;
+    case Awaits::Nothing:
+        break;
+    }
+    return Clock::time_point::max();
+}
+
+void Connection::checkDeadline(Clock::time_point now)
+{
+    noteWait(now);
+    if (over || now < deadline())
         return;
     qCDebug(serverLog) << "waited too long for" << m_socket->peerAddress();
     face->expire();
@@ -44,14 +86,16 @@ void Connection::checkDeadline(Face::Clock::time_point now)
 
 void Connection::readable()
 {
-    activeAt = Face::Clock::now();
+    activeAt = Clock::now();
     face->readable();
+    noteWait(activeAt);
 }
 
 void Connection::writable()
 {
-    activeAt = Face::Clock::now();
+    activeAt = Clock::now();
     face->writable();
+    noteWait(activeAt);
 }
 
 void Connection::gone()

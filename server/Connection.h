@@ -2,7 +2,9 @@
 
 #include "net/Socket.h"
 #include "server/Face.h"
+#include "server/PeerCount.h"
 
+#include <chrono>
 #include <functional>
 #include <memory>
 
@@ -16,8 +18,11 @@ public:
     /// Told once, when the peer is gone; the connection stays until that call has returned.
     using Ended = std::function<void(Connection *)>;
 
+    using Clock = std::chrono::steady_clock;
+
     /// Both references are borrowed from the server and outlive the connection.
-    Connection(std::unique_ptr<Socket> accepted, Service &service, const Ended &whenEnded);
+    Connection(std::unique_ptr<Socket> accepted, PeerCount::Ticket place, Service &service,
+               const Ended &whenEnded);
     ~Connection() override;
 
     Socket &socket() { return *m_socket; }
@@ -29,22 +34,28 @@ public:
     /// Cuts the connection; it goes later.
     void drop();
 
-    bool isIdle() const { return !over && face->isIdle(); }
-    Face::Clock::time_point lastActivity() const { return activeAt; }
+    bool isIdle() const { return !over && face->awaits() == Awaits::Request; }
+    Clock::time_point lastActivity() const { return activeAt; }
 
     /// Ends what the peer keeps waiting for too long.
-    void checkDeadline(Face::Clock::time_point now);
+    void checkDeadline(Clock::time_point now);
 
 private:
     void readable() override;
     void writable() override;
     void gone() override;
+    void noteWait(Clock::time_point now);
+    Clock::time_point deadline() const;
 
     Service &m_service;
     const Ended &ended;
+    const PeerCount::Ticket ticket;
     std::unique_ptr<Socket> m_socket;
     std::unique_ptr<Face> face;
-    Face::Clock::time_point activeAt = Face::Clock::now();
+    Clock::time_point activeAt = Clock::now(); ///< when something last came or went
+    Awaits awaits = Awaits::Request; ///< as last seen
+    Clock::time_point awaitsSince = activeAt;
+    qint64 receivedBefore = 0; ///< bytes, before the head that is awaited
     bool noted = false;
     bool over = false;
 };

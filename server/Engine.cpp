@@ -1,18 +1,33 @@
 #include "server/Engine.h"
 
+#include <algorithm>
 #include <utility>
+
+#include <sys/resource.h>
 
 namespace {
 
 constexpr qint64 maxForms = qint64(32) * 1024 * 1024; ///< bytes
+constexpr rlim_t usualDescriptors = 1024;
+
+/// Leaves descriptors for the files that are served.
+int maxConnections()
+{
+    rlimit limit = {};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0)
+        limit.rlim_cur = usualDescriptors;
+    constexpr rlim_t most = 1'000'000;
+    return int(std::min(limit.rlim_cur, most) / 4 * 3);
+}
 
 } // namespace
 
 Engine::Engine(FaceMaker makeFace, const Directories &directories, StatusSink *sink,
                Previews *previews)
     : forms(maxForms)
+    , peers(maxConnections())
     , common(std::make_shared<ServerSetup>(ServerSetup{ std::move(makeFace), sink, &poller, &forms,
                                                         &disk, &listings, &memory, &turns, &copies,
-                                                        previews, directories }))
+                                                        &peers, previews, directories }))
 {
 }

@@ -5,6 +5,7 @@
 #include "net/Poller.h"
 #include "server/MemoryBudget.h"
 #include "server/MemoryTrim.h"
+#include "server/PeerCount.h"
 #include "server/Places.h"
 #include "server/Service.h"
 #include "server/Turns.h"
@@ -25,6 +26,7 @@ public:
 private:
     Poller poller;
     MemoryBudget forms;
+    PeerCount peers;
     Places copies{ 4, qint64(32) << 20 }; // outlives the jobs that have its passes
     DiskWorker disk;
     ListingCache listings{ disk };

@@ -1,18 +1,25 @@
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <memory>
 
 class Connection;
+
+/// What a face waits for, by which its connection knows how long that may take.
+enum class Awaits {
+    Nothing, ///< of the peer: the turn is ours
+    Request, ///< the first byte of one; nobody loses by the end of the connection
+    Head, ///< the rest of one
+    Body, ///< its next bytes, or that the peer takes those of ours
+    Drain, ///< that the peer takes the last bytes
+    Linger ///< that it stops sending what nobody reads
+};
 
 /// Turns the bytes of one connection into requests and answers. Made and owned by its connection,
 /// which outlives it and tells it what happens to the socket.
 class Face
 {
 public:
-    using Clock = std::chrono::steady_clock;
-
     Face() = default;
     virtual ~Face() = default;
     Face(const Face &) = delete;
@@ -24,13 +31,11 @@ public:
     /// The connection is over. Nothing can be written any more.
     virtual void gone() = 0;
 
-    /// When a peer that did nothing since `lastActivity` has waited, or kept us waiting, too long:
-    /// `expire` is called then. `time_point::max()` while it is not the peer's turn.
-    virtual Clock::time_point deadline(Clock::time_point lastActivity) const = 0;
-    virtual void expire() = 0;
+    /// What it waits for now.
+    virtual Awaits awaits() const = 0;
 
-    /// Whether it waits for the first byte of a request, so that nobody loses by its end.
-    virtual bool isIdle() const = 0;
+    /// The peer kept it waiting for too long.
+    virtual void expire() = 0;
 };
 
 using FaceMaker = std::function<std::unique_ptr<Face>(Connection &)>;

@@ -2,7 +2,6 @@
 
 #include "config/Profile.h"
 #include "server/Connection.h"
-#include "server/Deadlines.h"
 #include "server/KnownAgents.h"
 #include "server/Service.h"
 
@@ -67,15 +66,14 @@ public:
             chosen->gone();
     }
 
-    Clock::time_point deadline(Clock::time_point lastActivity) const override
+    Awaits awaits() const override
     {
         if (chosen)
-            return chosen->deadline(lastActivity);
-        return lastActivity + (head.isEmpty() ? deadlines::idle : deadlines::stall);
+            return chosen->awaits();
+        return head.isEmpty() ? Awaits::Request : Awaits::Head;
     }
 
     void expire() override { chosen ? chosen->expire() : connection.drop(); }
-    bool isIdle() const override { return chosen ? chosen->isIdle() : head.isEmpty(); }
 
 private:
     void collect()

@@ -13,6 +13,7 @@ class DiskWorker;
 class ListingCache;
 class MemoryBudget;
 class MemoryTrim;
+class PeerCount;
 class Places;
 class Poller;
 class Previews;
@@ -33,6 +34,7 @@ struct ServerSetup
     MemoryTrim *memory = nullptr;
     Turns *turns = nullptr; ///< of long replies
     Places *copies = nullptr; ///< for what COPY does
+    PeerCount *peers = nullptr;
     Previews *previews = nullptr;
     Directories directories;
 };

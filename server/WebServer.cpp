@@ -44,7 +44,8 @@ WebServer::WebServer(const QNetworkAddressEntry &entry, Profile *profile,
 {
     ++profile->useCount;
     deadlines.setInterval(deadlineInterval);
-    connect(&deadlines, &QTimer::timeout, this, [this] { checkDeadlines(Face::Clock::now()); });
+    connect(&deadlines, &QTimer::timeout, this,
+            [this] { checkDeadlines(Connection::Clock::now()); });
     init();
 }
 
@@ -171,8 +172,13 @@ void WebServer::accept(FileDescriptor accepted, const QHostAddress &peer)
         ignored.push_back(std::move(accepted));
         return;
     }
-    auto connection = std::make_unique<Connection>(makeSocket(std::move(accepted), peer), service,
-                                                   connectionEnded);
+    if (setup->peers->isFull())
+        closeIdle();
+    PeerCount::Ticket place = setup->peers->admit(peer);
+    if (!place.isValid())
+        return;
+    auto connection = std::make_unique<Connection>(makeSocket(std::move(accepted), peer),
+                                                   std::move(place), service, connectionEnded);
     connections.emplace(connection.get(), std::move(connection));
     if (!deadlines.isActive())
         deadlines.start();
@@ -218,7 +224,7 @@ void WebServer::forget(Connection *connection)
     listener.resume();
 }
 
-void WebServer::checkDeadlines(Face::Clock::time_point now)
+void WebServer::checkDeadlines(Connection::Clock::time_point now)
 {
     for (const auto &[connection, owned] : connections)
         connection->checkDeadline(now);

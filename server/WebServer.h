@@ -71,7 +71,7 @@ public:
     void addReceivedBytes(qint64 count) { service.traffic.addReceived(count); }
     bool isBlocked() const { return service.traffic.isBlocked(); }
     /// Ends what peers have kept waiting for too long. Happens once a second by itself.
-    void checkDeadlines(Face::Clock::time_point now);
+    void checkDeadlines(Connection::Clock::time_point now);
 
     int connectionCount() const { return int(connections.size()); }
 

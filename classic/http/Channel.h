@@ -3,10 +3,9 @@
 #include "classic/http/BodyIntake.h"
 #include "classic/http/RequestReader.h"
 #include "net/FileSender.h"
+#include "server/Face.h"
 
 #include <QByteArray>
-
-#include <chrono>
 
 class Socket;
 class TrafficAccount;
@@ -20,8 +19,6 @@ class UploadFile;
 class Channel
 {
 public:
-    using Clock = std::chrono::steady_clock;
-
     static constexpr int maxPartHead = 8 * 1024; ///< bytes of part headers in a multipart body
     static constexpr int maxForm = 1024 * 1024; ///< bytes of a form
 
@@ -107,12 +104,8 @@ public:
     void writable();
     void gone();
 
-    /// When a peer that did nothing since `lastActivity` is to `expire`.
-    Clock::time_point deadline(Clock::time_point lastActivity) const;
+    Awaits awaits() const;
     void expire();
-
-    /// Whether it waits for the first byte of a request.
-    bool isIdle() const { return state == State::Collecting && reader.isEmpty(); }
 
 private:
     enum class State {
@@ -149,7 +142,6 @@ private:
     bool keepAlive = true;
     bool inTurn = false; ///< input is being taken
     bool nextWaits = false; ///< there may be another request to look at in this turn
-    Clock::time_point lingersUntil;
     RequestReader reader;
     BodyIntake intake;
     FileSender sender;

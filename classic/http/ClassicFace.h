@@ -30,12 +30,8 @@ public:
     void readable() override { channel.readable(); }
     void writable() override { channel.writable(); }
     void gone() override;
-    Clock::time_point deadline(Clock::time_point lastActivity) const override
-    {
-        return channel.deadline(lastActivity);
-    }
+    Awaits awaits() const override { return channel.awaits(); }
     void expire() override { channel.expire(); }
-    bool isIdle() const override { return channel.isIdle(); }
 
 private:
     void headReady() override;

@@ -2,7 +2,6 @@
 
 #include "net/Socket.h"
 #include "net/TrafficAccount.h"
-#include "server/Deadlines.h"
 
 #include <algorithm>
 #include <array>
@@ -272,7 +271,6 @@ void Channel::close()
         return closeSocket();
     // Closing on unread input would destroy the reply on its way (RFC 9112, section 9.6).
     state = State::Lingering;
-    lingersUntil = Clock::now() + deadlines::linger;
     socket.endWriting();
     socket.again();
 }
@@ -326,19 +324,21 @@ void Channel::gone()
         user.replyEnded();
 }
 
-Channel::Clock::time_point Channel::deadline(Clock::time_point lastActivity) const
+Awaits Channel::awaits() const
 {
     switch (state) {
     case State::Collecting:
-        return lastActivity + (input.buffered().isEmpty() ? deadlines::idle : deadlines::stall);
+        return input.buffered().isEmpty() ? Awaits::Request : Awaits::Head;
     case State::Replying:
-        return socket.queued() > 0 ? lastActivity + deadlines::stall : Clock::time_point::max();
+        return socket.queued() > 0 ? Awaits::Body : Awaits::Nothing;
     case State::Closing:
-        return lastActivity + deadlines::drain;
+        return Awaits::Drain;
     case State::Lingering:
-        return lingersUntil;
+        return Awaits::Linger;
+    case State::Gone:
+        return Awaits::Nothing;
     default:
-        return lastActivity + deadlines::stall;
+        return Awaits::Body;
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "files/FileDescriptor.h"
 #include "net/FileSender.h"
+#include "server/Face.h"
 #include "standard/http/BodyReader.h"
 #include "standard/http/HeadCollector.h"
 #include "standard/http/Input.h"
@@ -9,7 +10,6 @@
 
 #include <QByteArray>
 
-#include <chrono>
 #include <functional>
 
 class Socket;
@@ -35,8 +35,6 @@ enum class BodyEnd {
 class Channel
 {
 public:
-    using Clock = std::chrono::steady_clock;
-
     class User
     {
     public:
@@ -91,12 +89,8 @@ public:
     void writable();
     void gone();
 
-    /// When a peer that did nothing since `lastActivity` is to `expire`.
-    Clock::time_point deadline(Clock::time_point lastActivity) const;
+    Awaits awaits() const;
     void expire();
-
-    /// Whether it waits for the first byte of a request.
-    bool isIdle() const { return state == State::Collecting && input.buffered().isEmpty(); }
 
 private:
     enum class State {
@@ -142,7 +136,6 @@ private:
     BodySink sink;
     qint64 sinkRoom = 0;
     FileSender sender;
-    Clock::time_point lingersUntil;
 };
 
 } // namespace standard

@@ -29,12 +29,8 @@ public:
     void readable() override;
     void writable() override;
     void gone() override { channel.gone(); }
-    Clock::time_point deadline(Clock::time_point lastActivity) const override
-    {
-        return channel.deadline(lastActivity);
-    }
+    Awaits awaits() const override { return channel.awaits(); }
     void expire() override { channel.expire(); }
-    bool isIdle() const override { return channel.isIdle(); }
 
 private:
     void requestReady(Request request) override;

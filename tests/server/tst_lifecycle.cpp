@@ -50,6 +50,8 @@ private Q_SLOTS:
     void answersWhileOthersReadNothing();
     void makesAPeerWaitThatTakesNoReplies();
     void goesOnWhenDescriptorsRunOut();
+    void endsWhoKeepsItWaiting();
+    void takesSoManyOfEachPeer();
     void stopsAtTheTrafficLimit();
     void stopsListeningButServesOn();
     void dropsConnectionsAtAnyMoment();
@@ -193,6 +195,64 @@ void TestLifecycle::goesOnWhenDescriptorsRunOut()
     for (const int fd : taken)
         ::close(fd);
     QTRY_COMPARE(live->server->connectionCount(), 3);
+}
+
+void TestLifecycle::endsWhoKeepsItWaiting()
+{
+    const auto check = [this](int seconds) {
+        live->server->checkDeadlines(Connection::Clock::now() + std::chrono::seconds(seconds));
+    };
+    live->start();
+    RawClient half(live->port());
+    half.send("GET / HTTP/1.1\r\n");
+    RawClient idle(live->port());
+    idle.exchange(rawRequest("GET", "/none"));
+    check(19);
+    QVERIFY(!half.waitForClose(50));
+    check(21);
+    QVERIFY(half.waitForClose());
+    check(74);
+    QVERIFY(!idle.waitForClose(50));
+    check(76);
+    QVERIFY(idle.waitForClose());
+
+    // The time of a head begins with its first byte, and a long one has more.
+    RawClient later(live->port());
+    later.exchange(rawRequest("GET", "/none"));
+    check(60);
+    later.send("GET /" + QByteArray(1000, 'x'));
+    QVERIFY(later.waitUntil([&] { return live->server->receivedBytes() > 1000; }));
+    check(29);
+    QVERIFY(!later.waitForClose(50));
+    check(35);
+    QVERIFY(later.waitForClose());
+
+    useKeys(QStringLiteral("pkcs8.key"), QStringLiteral("server.crt"));
+    QVERIFY(live->server->init());
+    RawClient silent(live->port());
+    QVERIFY(silent.waitUntil([&] { return live->server->connectionCount() == 1; }));
+    check(9);
+    QVERIFY(!silent.waitForClose(50));
+    check(11);
+    QVERIFY(silent.waitForClose());
+}
+
+void TestLifecycle::takesSoManyOfEachPeer()
+{
+    live->start();
+    const QHostAddress peer(QStringLiteral("127.0.0.2"));
+    constexpr int most = 64;
+    std::list<RawClient> clients;
+    for (int i = 0; i < most + 6; ++i)
+        clients.emplace_back(live->port(), peer);
+    QVERIFY(clients.back().waitForClose());
+    QTRY_COMPARE(live->server->connectionCount(), most);
+    const QByteArray request = rawRequest("GET", "/none");
+    QVERIFY(!clients.front().exchange(request).head.isEmpty());
+    QVERIFY(!RawClient(live->port()).exchange(request).head.isEmpty());
+    clients.pop_front();
+    QTRY_COMPARE(live->server->connectionCount(), most - 1);
+    QVERIFY(!RawClient(live->port(), peer).exchange(request).head.isEmpty());
 }
 
 void TestLifecycle::stopsAtTheTrafficLimit()

@@ -167,9 +167,9 @@ void TestUploads::waitsAMinuteForTheRest()
     RawClient client(live->port());
     client.send(form("a", QByteArray(10000, 'x')).left(5000));
     letArrive(5000);
-    live->server->checkDeadlines(Face::Clock::now() + std::chrono::seconds(55));
+    live->server->checkDeadlines(Connection::Clock::now() + std::chrono::seconds(55));
     QVERIFY(!client.waitForClose(50));
-    live->server->checkDeadlines(Face::Clock::now() + std::chrono::seconds(61));
+    live->server->checkDeadlines(Connection::Clock::now() + std::chrono::seconds(61));
     QVERIFY(client.waitForClose());
     // The name is free again.
     RawClient again(live->port());

@@ -1,0 +1,78 @@
+#include "server/PeerCount.h"
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+namespace {
+
+constexpr int maxPerPeer = 64;
+constexpr int networkBits = 64; ///< of an IPv6 address, whose owner may use all the others
+
+/// Who is counted as one.
+QHostAddress peerOf(const QHostAddress &address)
+{
+    bool isMapped = false;
+    const quint32 plain = address.toIPv4Address(&isMapped);
+    if (isMapped)
+        return QHostAddress(plain);
+    Q_IPV6ADDR bytes = address.toIPv6Address();
+    std::fill(std::begin(bytes.c) + networkBits / 8, std::end(bytes.c), quint8(0));
+    return QHostAddress(bytes);
+}
+
+/// Programs on this machine, a proxy for many peers among them.
+bool isOwn(const QHostAddress &address)
+{
+    return address.isEqual(QHostAddress(QHostAddress::LocalHost))
+        || address.isEqual(QHostAddress(QHostAddress::LocalHostIPv6));
+}
+
+} // namespace
+
+PeerCount::Ticket::Ticket(PeerCount *count, const QHostAddress &address)
+    : owner(count)
+    , peer(address)
+{
+}
+
+PeerCount::Ticket::Ticket(Ticket &&other) noexcept
+    : owner(std::exchange(other.owner, nullptr))
+    , peer(std::move(other.peer))
+{
+}
+
+PeerCount::Ticket &PeerCount::Ticket::operator=(Ticket &&other) noexcept
+{
+    giveBack();
+    owner = std::exchange(other.owner, nullptr);
+    peer = std::move(other.peer);
+    return *this;
+}
+
+void PeerCount::Ticket::giveBack()
+{
+    if (!owner)
+        return;
+    --owner->all;
+    if (!peer.isNull() && --owner->perPeer[peer] == 0)
+        owner->perPeer.remove(peer);
+    owner = nullptr;
+}
+
+PeerCount::Ticket PeerCount::admit(const QHostAddress &address)
+{
+    if (isFull())
+        return {};
+    if (isOwn(address)) {
+        ++all;
+        return Ticket(this, {});
+    }
+    const QHostAddress peer = peerOf(address);
+    int &count = perPeer[peer];
+    if (count >= maxPerPeer)
+        return {};
+    ++count;
+    ++all;
+    return Ticket(this, peer);
+}

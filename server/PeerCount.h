@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QHash>
+#include <QHostAddress>
+
+/// Counts connections, so that one peer can't take the place of all others. One serves all
+/// servers of a program and outlives their connections.
+class PeerCount
+{
+public:
+    /// Counts one connection as long as it lives. Movable; empty when there was no place.
+    class Ticket
+    {
+    public:
+        Ticket() = default;
+        Ticket(Ticket &&other) noexcept;
+        Ticket &operator=(Ticket &&other) noexcept;
+        ~Ticket() { giveBack(); }
+
+        bool isValid() const { return owner != nullptr; }
+
+    private:
+        friend class PeerCount;
+        Ticket(PeerCount *count, const QHostAddress &address);
+        void giveBack();
+
+        PeerCount *owner = nullptr;
+        QHostAddress peer;
+    };
+
+    /// At most `most` connections in all.
+    explicit PeerCount(int most)
+        : maxAll(most)
+    {
+    }
+
+    /// A place for a connection from `address`; this machine itself takes as many as it likes.
+    Ticket admit(const QHostAddress &address);
+
+    bool isFull() const { return all >= maxAll; }
+
+private:
+    Q_DISABLE_COPY(PeerCount)
+
+    const int maxAll;
+    int all = 0;
+    QHash<QHostAddress, int> perPeer;
+};
