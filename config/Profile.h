@@ -54,6 +54,7 @@ struct ProfileValues
     qint32 faceMode = FaceAuto;
     qint32 syncPolicy = SyncFile;
     qint32 deepListings = 1; ///< whether the standard face lists whole trees, 0 or 1
+    qint32 strict = 0; ///< see `Profile::isStrict`, 0 or 1
 };
 
 /// One named settings profile and the file that it is stored in.
@@ -139,6 +140,10 @@ public:
     bool allowsDelete() const { return enableDelete == Qt::Checked; }
     bool allowsUpload() const { return enableUpload == Qt::Checked; }
     bool usesDns() const { return dnsEnabled == Qt::Checked; }
+
+    /// Whether nothing is left open that clients of before rely on: the switches hold for every
+    /// method, session numbers can't be guessed, no request keeps anything of the one before it.
+    bool isStrict() const { return strict != 0 || faceMode == FaceStandard; }
 
     const Directories &directories() const { return m_directories; }
 

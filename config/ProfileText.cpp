@@ -30,6 +30,7 @@ constexpr std::array textKeys{
     modeKey,
     TextKey{ "sync", &ProfileValues::syncPolicy, { "none", "file", "folder" } },
     TextKey{ "propfind-infinity", &ProfileValues::deepListings, { "refuse", "answer", nullptr } },
+    TextKey{ "strict", &ProfileValues::strict, { "no", "yes", nullptr } },
 };
 
 /// One line taken apart; `key` is empty in a comment or an empty line.

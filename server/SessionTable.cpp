@@ -3,9 +3,11 @@
 #include "config/Profile.h"
 
 #include <QDateTime>
+#include <QRandomGenerator>
 
 #include <algorithm>
 #include <chrono>
+#include <limits>
 #include <vector>
 
 using namespace std::chrono_literals;
@@ -15,6 +17,13 @@ namespace {
 constexpr auto checkInterval = 60s;
 constexpr int maxLoginAddresses = 16; ///< of one session number
 constexpr int numbers = 1000; ///< session numbers that are handed out: 0 to 999
+
+/// Never one of those that are not strict.
+qint64 unguessable()
+{
+    constexpr quint64 positive = quint64(std::numeric_limits<qint64>::max());
+    return numbers + qint64(QRandomGenerator::system()->generate64() & (positive >> 1));
+}
 
 } // namespace
 
@@ -49,6 +58,7 @@ SessionTable::SessionTable()
 void SessionTable::profileEdited(const Profile *profile)
 {
     lifetime = profile->sessionLifetime;
+    strict = profile->isStrict();
 }
 
 void SessionTable::startTimer()
@@ -64,12 +74,14 @@ void SessionTable::stopTimer()
 
 Session SessionTable::ofCookie(const QByteArray &value)
 {
-    const int id = value.toInt();
+    const qint64 id = strict ? value.toLongLong() : value.toInt();
     const Session known = sessions.value(id);
-    return known ? known : enter(id);
+    if (known || (strict && handedOut.value(id).expired()))
+        return known;
+    return enter(id);
 }
 
-Session SessionTable::enter(int id)
+Session SessionTable::enter(qint64 id)
 {
     Session session = handedOut.take(id).lock();
     if (!session) {
@@ -85,7 +97,7 @@ Session SessionTable::enter(int id)
 Session SessionTable::handOut()
 {
     auto session = std::make_shared<SessionData>();
-    session->id = int(QDateTime::currentMSecsSinceEpoch() % numbers);
+    session->id = strict ? unguessable() : QDateTime::currentMSecsSinceEpoch() % numbers;
     handedOut.insert(session->id, session);
     return session;
 }

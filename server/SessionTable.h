@@ -24,7 +24,7 @@ struct SessionData
     QString password; ///< as typed into the login page
     QList<QHostAddress> loginAddresses; ///< where that was; from elsewhere it does not count
     int sortMode = ByName;
-    int id = 0; ///< as sent in the cookie "ID"
+    qint64 id = 0; ///< as sent in the cookie "ID"
     int page = 0; ///< zero-based page of the listing
     int itemsPerPage = 24;
     std::chrono::steady_clock::time_point lastSeen =
@@ -75,10 +75,12 @@ public:
     void stopTimer();
 
     /// The session that a cookie of this value names (one that is no number names session 0); when
-    /// the table has none, the one handed out under that number, else a new one is entered.
+    /// the table has none, the one handed out under that number, else a new one is entered. With a
+    /// strict profile only what was handed out is entered; null for all else.
     Session ofCookie(const QByteArray &value);
 
-    /// A new session under a number from 0 to 999. It enters the table when the number comes back.
+    /// A new session under a number from 0 to 999, or, with a strict profile, one that nobody can
+    /// guess. It enters the table when the number comes back.
     Session handOut();
 
     /// Whether the session is in the table or may still enter it; false once it expired.
@@ -90,11 +92,12 @@ public Q_SLOTS:
     void checkSessions();
 
 private:
-    Session enter(int id);
+    Session enter(qint64 id);
     void makeRoom();
 
     int lifetime = 0; ///< seconds
+    bool strict = false;
     QTimer timer;
-    QHash<int, Session> sessions;
-    QHash<int, std::weak_ptr<SessionData>> handedOut;
+    QHash<qint64, Session> sessions;
+    QHash<qint64, std::weak_ptr<SessionData>> handedOut;
 };

@@ -9,6 +9,8 @@
 #include "server/Connection.h"
 #include "server/Secret.h"
 
+#include <algorithm>
+#include <array>
 #include <utility>
 
 namespace {
@@ -22,6 +24,30 @@ constexpr Route challengeRoute{ Request::None, nullptr, makeResponder<Challenge>
 constexpr Route formTooLargeRoute{ Request::None, nullptr, makeResponder<FormTooLarge> };
 constexpr Route fileRoute{ Request::Get, nullptr, makeResponder<FileReply> };
 constexpr Route formRoute{ Request::Post, nullptr, makeResponder<FileReply> };
+
+/// Methods that change the share whatever the switches say, as clients of before rely on.
+struct FreeMethod
+{
+    int method;
+    bool deletes;
+};
+
+constexpr std::array freeMethods{
+    FreeMethod{ Request::MkCol, false },
+    FreeMethod{ Request::Copy, false },
+    FreeMethod{ Request::Move, true },
+};
+
+bool isKeptFromChanging(const Request &request, const Exchange &exchange)
+{
+    const Profile &profile = *exchange.service.profile;
+    if (!profile.isStrict())
+        return false;
+    return std::any_of(freeMethods.begin(), freeMethods.end(), [&](const FreeMethod &row) {
+        return row.method == request.methodCode
+            && !(profile.allowsUpload() && (!row.deletes || profile.allowsDelete()));
+    });
+}
 
 } // namespace
 
@@ -58,6 +84,8 @@ void ClassicFace::headReady()
 {
     connection.noteRequest();
     Request &request = exchange.request;
+    if (exchange.service.profile->isStrict())
+        request = Request();
     if (!RequestParser(request).parse(channel.request(), exchange.service.singleFile)) {
         qCDebug(classicLog) << "dropped: no request line from"
                             << channel.connection().peerAddress();
@@ -120,7 +148,7 @@ const char *ClassicFace::reasonToRefuse() const
         return "411 Length Required";
     if ((unclear && !request.onlyReads()) || request.isMalformed())
         return "400 Bad Request";
-    if (request.climbs() || request.isCrossSite())
+    if (request.climbs() || request.isCrossSite() || isKeptFromChanging(request, exchange))
         return Status::forbidden;
     return nullptr;
 }

@@ -225,9 +225,10 @@ void FileReply::notFound(const QByteArray &triedFile)
     QByteArray body;
     body.reserve(256);
     body += "<html><title>Wrong URL</title><body><h1>Wrong URL</h1>Path=";
-    body += request.path.toLatin1();
+    const bool strict = exchange.service.profile->isStrict();
+    body += (strict ? request.path.toHtmlEscaped() : request.path).toLatin1();
     body += "<br>or File=";
-    body += triedFile;
+    body += strict ? QString::fromUtf8(triedFile).toHtmlEscaped().toUtf8() : triedFile;
     body += "<br>Not found.</body></html>";
     setContentType("text/html");
     // A path that carries a script must not run in the page's name.

@@ -1,5 +1,7 @@
 #include "classic/http/Responder.h"
 
+#include "config/Profile.h"
+
 namespace {
 
 constexpr auto firstLines = "\r\nServer: Quillon_4\r\nCache-Control: no-cache\r\nSet-Cookie: ";
@@ -11,7 +13,9 @@ constexpr int usualHeadSize = 512;
 QByteArray sessionNumber(Exchange &exchange)
 {
     const Cookies::Cookie *sent = exchange.request.sessionCookie();
-    return sent ? sent->value : QByteArray::number(exchange.session()->id);
+    // What a client made up is repeated, but not where it could be somebody's later.
+    const bool repeats = sent && !exchange.service.profile->isStrict();
+    return repeats ? sent->value : QByteArray::number(exchange.session()->id);
 }
 
 } // namespace

@@ -14,7 +14,7 @@ QByteArray createPage(const QByteArray &path, bool picture);
 struct ClientLaunch
 {
     QByteArray path; ///< of the folder to show
-    int session = 0;
+    qint64 session = 0;
     QByteArray credentials; ///< "user:password"; may be empty
 };
 

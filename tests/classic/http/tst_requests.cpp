@@ -95,6 +95,7 @@ private Q_SLOTS:
     void asksForBasicCredentials();
     void sharesTheSessionOfOneBrowser();
     void knowsOnlyGetAndPostForASingleFile();
+    void leavesNothingOpenWhenStrict();
 
 private:
     std::unique_ptr<LiveServer> live;
@@ -472,6 +473,35 @@ void TestRequests::knowsOnlyGetAndPostForASingleFile()
     QCOMPARE(client.exchange(rawRequest("GET", "/b")).status(), QByteArray("404 Not Found"));
     QCOMPARE(client.exchange(rawRequest("PROPFIND", "/")).status(),
              QByteArray("405 Method Not Allowed"));
+}
+
+void TestRequests::leavesNothingOpenWhenStrict()
+{
+    live->profile->strict = 1;
+    live->profile->enableDelete = Qt::Unchecked;
+    QVERIFY(!live->server->init());
+    RawClient client(live->port());
+    // The switches hold for every method.
+    for (const char *method : { "COPY", "MKCOL", "MOVE" }) {
+        RawClient other(live->port());
+        const QByteArray status =
+            other.exchange(rawRequest(method, "/a.txt", "Destination: /b\r\n")).status();
+        QCOMPARE(status == "403 Forbidden", QByteArray(method) == "MOVE");
+    }
+    // A request keeps nothing of the one before it.
+    QVERIFY(client.exchange(rawRequest("GET", "/a.txt", "Range: bytes=0-20\r\n"))
+                .status()
+                .startsWith("206"));
+    QCOMPARE(client.exchange(rawRequest("GET", "/a.txt")).status(), QByteArray("200 OK"));
+    // Numbers can't be guessed, and none is taken over that was not given.
+    const QByteArray made = "Cookie: ID=7\r\n";
+    const QByteArray cookie =
+        client.exchange(rawRequest("GET", "/a.txt", made)).header("Set-Cookie");
+    QVERIFY(cookie.mid(3).toLongLong() > 1000);
+    QCOMPARE(client.exchange(rawRequest("GET", "/a.txt", "Cookie: " + cookie + "\r\n"))
+                 .header("Set-Cookie"),
+             cookie);
+    QVERIFY(!client.exchange(rawRequest("GET", "/%3Cscript%3E")).body.contains("<script>"));
 }
 
 QTEST_GUILESS_MAIN(TestRequests)
