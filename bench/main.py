@@ -18,13 +18,13 @@ from dataclasses import asdict, dataclass
 from pathlib import Path
 
 import share
-from measures import (crowd, dav, latency, listing, memory, pages, previews, requests, soak,
-                      transfers)
+from measures import (crowd, dav, latency, listing, locks, memory, pages, previews, requests,
+                      soak, transfers)
 from servers import NAMES, ROOT, Failure, Launcher
 from table import Results
 
 SUBJECTS = {subject.__name__.split(".")[-1]: subject for subject in (
-    transfers, requests, memory, latency, crowd, dav, pages, previews, listing, soak)}
+    transfers, requests, memory, latency, crowd, dav, locks, pages, previews, listing, soak)}
 USUAL = [name for name in SUBJECTS if name != "soak"]
 
 

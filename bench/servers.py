@@ -189,6 +189,7 @@ server.max-request-size = 0
 server.listen-backlog = 1024
 dir-listing.activate = "enable"
 webdav.activate = "enable"
+webdav.sqlite-db-name = "{self.folder}/tmp/locks.db"
 """
         if tls:
             text += f'ssl.engine = "enable"\nssl.pemfile = "{self.pem}"\n'

@@ -3,6 +3,7 @@
 from dataclasses import dataclass
 
 PEERS = ("nginx", "lighttpd", "apache")
+OURS = ("quillon", "standard")  # those that are held against them
 BEST = "best"  # of the peers
 
 
@@ -64,38 +65,45 @@ class Results:
         values = self.values.get((key, server))
         return self.metrics[key].best(values) if values else None
 
-    def ratio(self, key):
-        """Quillon's figure as a multiple of the peer's that it is held against."""
+    def ratio(self, key, server):
+        """The figure of one of ours as a multiple of the peer's that it is held against."""
         metric = self.metrics[key]
         peers = (metric.beside,) if metric.beside in PEERS else PEERS
         theirs = [best for best in (self.best(key, peer) for peer in peers) if best]
-        ours = self.best(key, "quillon")
+        ours = self.best(key, server)
         return ours / metric.best(theirs) if theirs and ours is not None else None
 
-    def verdict(self, key):
-        met = self.metrics[key].is_met(self.best(key, "quillon"), self.ratio(key))
+    def verdict(self, key, server):
+        met = self.metrics[key].is_met(self.best(key, server), self.ratio(key, server))
         return "" if met is None else "met" if met else "MISSED"
 
+    def ours(self):
+        return [server for server in OURS if server in self.servers]
+
     def lines(self, metrics):
-        yield row("", self.servers, "ratio", "wanted", "")
+        yield row("", self.servers, ["ratio"] * len(self.ours()), "wanted", [])
         for metric in metrics:
             figures = [shown(self.best(metric.key, server)) for server in self.servers]
-            ratio = self.ratio(metric.key)
-            yield row(metric.title, figures, "-" if ratio is None else f"{ratio:.2f}",
-                      metric.wanted(), self.verdict(metric.key))
+            ratios = [self.ratio(metric.key, server) for server in self.ours()]
+            verdicts = [self.verdict(metric.key, server) for server in self.ours()]
+            yield row(metric.title, figures,
+                      ["-" if ratio is None else f"{ratio:.2f}" for ratio in ratios],
+                      metric.wanted(), verdicts)
 
     def as_records(self):
         return [{"key": key, "title": metric.title, "wanted": metric.wanted(),
-                 "ratio": self.ratio(key), "verdict": self.verdict(key),
+                 "ratios": {server: self.ratio(key, server) for server in self.ours()},
+                 "verdicts": {server: self.verdict(key, server) for server in self.ours()},
                  "servers": {server: {"best": metric.best(values), "worst": metric.worst(values),
                                       "all": values}
                              for (of, server), values in self.values.items() if of == key}}
                 for key, metric in self.metrics.items()]
 
 
-def row(title, figures, ratio, wanted, verdict):
+def row(title, figures, ratios, wanted, verdicts):
     cells = "".join(f"{figure:>10}" for figure in figures)
-    return f"{title:<52}{cells}{ratio:>8}  {wanted:<15} {verdict}".rstrip()
+    cells += "".join(f"{ratio:>8}" for ratio in ratios)
+    return f"{title:<52}{cells}  {wanted:<15} {', '.join(filter(None, verdicts))}".rstrip()
 
 
 def shown(figure):
