@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # The one list of what Quillon needs from Debian, and how it gets onto the machine.
 #   scripts/packages.sh GROUP...     installs what is missing of the groups; says nothing when
-#                                    nothing is. Groups: build test ci bench
+#                                    nothing is. Groups: build test fuzz ci bench
 set -euo pipefail
 # shellcheck source=scripts/common.sh
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
@@ -22,6 +22,8 @@ packages_of() {
         has node || echo nodejs
         has npm || echo npm
         ;;
+    # libFuzzer is a part of the compiler.
+    fuzz) echo clang ;;
     ci) echo clang-format clang-tidy clang-tools qt6-base-dev shellcheck ;;
     bench)
         # Of Apache only the program, which brings no service along.

@@ -1,0 +1,185 @@
+#include "fuzz/Talk.h"
+
+#include "config/Profile.h"
+#include "files/Share.h"
+#include "net/Socket.h"
+#include "server/Connection.h"
+#include "server/Engine.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QEventLoop>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <optional>
+
+namespace {
+
+constexpr int maxEntries = 64; ///< of the share, before it is made anew
+constexpr int patience = 200; ///< ms for what is at work when the peer has said everything
+
+/// The peer's end of a connection as a string of bytes.
+class ScriptedSocket final : public Socket
+{
+public:
+    ScriptedSocket(QByteArray script, TrafficAccount *account)
+        : Socket(account)
+        , toCome(std::move(script))
+    {
+        // How large the pieces are: from single bytes to all at once.
+        step = toCome.isEmpty() ? 1 : 1 + int(quint8(toCome.at(0))) * 16;
+        toCome.remove(0, 1);
+    }
+
+    bool isOver() const { return over; }
+    bool hasSaidAll() const { return toCome.isEmpty() && arrived.isEmpty(); }
+
+    /// The next piece arrives, or a turn that was asked for comes.
+    void advance()
+    {
+        arrived += toCome.left(step);
+        toCome.remove(0, step);
+        asked = false;
+        user->writable();
+        if (!over)
+            user->readable();
+    }
+
+    bool isAsked() const { return asked; }
+
+    /// The peer is gone.
+    void vanish()
+    {
+        over = true;
+        user->gone();
+    }
+
+    bool canSend() const override { return !over; }
+    qint64 queued() const override { return 0; }
+    bool isCongested() const override { return false; }
+    void again() override { asked = true; }
+    void endWriting() override { }
+    void finish() override { ends = true; }
+    void abort() override { ends = true; }
+    bool isEnding() const { return ends; }
+    bool isEncrypted() const override { return false; }
+    bool isEstablished() const override { return true; }
+    QHostAddress peerAddress() const override { return QHostAddress(QHostAddress::LocalHost); }
+    QHostAddress localAddress() const override { return QHostAddress(QHostAddress::LocalHost); }
+    quint16 localPort() const override { return 8080; }
+
+private:
+    bool mayReceive() const override { return !arrived.isEmpty(); }
+
+    qint64 receive(char *data, qint64 max) override
+    {
+        const int size = int(std::min<qint64>(max, arrived.size()));
+        std::copy_n(arrived.constData(), size, data);
+        arrived.remove(0, size);
+        return size > 0 || !toCome.isEmpty() ? size : -1;
+    }
+
+    bool send(const QByteArray &, bool) override { return !over; }
+    qint64 send(int, qint64, qint64 count) override { return over ? -1 : count; }
+
+    QByteArray toCome;
+    QByteArray arrived;
+    int step;
+    bool asked = false;
+    bool ends = false;
+    bool over = false;
+};
+
+void write(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
+        qFatal("the share can't be made");
+}
+
+/// One for the whole process.
+struct World
+{
+    World()
+    {
+        qputenv("HOME", QFile::encodeName(home.path()));
+        directories = Directories::ofProcess();
+        if (!directories.makeProfileFolder() || !QDir::setCurrent(home.path()))
+            qFatal("no folder for profiles");
+        fill();
+    }
+
+    void fill()
+    {
+        QDir(home.filePath(QStringLiteral("share"))).removeRecursively();
+        QDir().mkpath(home.filePath(QStringLiteral("share/d/e")));
+        write(home.filePath(QStringLiteral("share/a.txt")), "0123456789");
+        write(home.filePath(QStringLiteral("share/d/b.png")), QByteArray(3000, 'b'));
+    }
+
+    bool isWorn() const
+    {
+        const QDir share(home.filePath(QStringLiteral("share")));
+        return !share.exists(QStringLiteral("a.txt")) || !share.exists(QStringLiteral("d/b.png"))
+            || share.count() > maxEntries;
+    }
+
+    int argc = 1;
+    char name[5] = "fuzz";
+    char *argv[2] = { name, nullptr };
+    QCoreApplication app{ argc, argv };
+    QTemporaryDir home{ QStringLiteral("/dev/shm/quillon-fuzz-XXXXXX") };
+    Directories directories;
+};
+
+void converse(ScriptedSocket &socket, const Connection &connection)
+{
+    QElapsedTimer waited;
+    waited.start();
+    while (!socket.isOver() && !socket.isEnding()) {
+        const bool acts = !socket.hasSaidAll() || socket.isAsked();
+        if (acts)
+            socket.advance();
+        QCoreApplication::processEvents();
+        if (!acts && (connection.isIdle() || waited.elapsed() > patience))
+            break;
+    }
+    if (!socket.isOver())
+        socket.vanish();
+}
+
+} // namespace
+
+void talk(const FaceMaker &faces, const QByteArray &bytes)
+{
+    static World world;
+    if (world.isWorn())
+        world.fill();
+    Engine engine(faces, world.directories, nullptr, nullptr);
+    const auto setup = engine.setup();
+    Profile profile(world.directories);
+    Service service{ *setup,
+                     &profile,
+                     QFileInfo(world.home.filePath(QStringLiteral("share"))),
+                     false,
+                     nullptr,
+                     {},
+                     TrafficAccount([] {}) };
+    std::optional<Share> share =
+        Share::at(service.shared.absoluteFilePath(), { world.directories.profiles });
+    if (!share)
+        qFatal("the share can't be opened");
+    service.share = std::make_shared<const Share>(std::move(*share));
+
+    auto owned = std::make_unique<ScriptedSocket>(bytes, &service.traffic);
+    ScriptedSocket &socket = *owned;
+    const Connection::Ended ended = [](Connection *) {};
+    {
+        Connection connection(std::move(owned), {}, service, ended);
+        converse(socket, connection);
+    }
+    QCoreApplication::processEvents();
+}
