@@ -18,6 +18,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace {
 
@@ -29,6 +30,8 @@ struct Options
     std::optional<quint16> port; ///< absent: the profile's
     QString profile; ///< empty: the global one
     std::optional<FaceMode> mode; ///< absent: the profile's
+    QStringList proxies; ///< to trust beside the profile's
+    std::optional<QByteArray> pathPrefix; ///< absent: the profile's
     bool defaultProfile = false; ///< none of the stored ones
     QString path; ///< as given
 };
@@ -66,6 +69,17 @@ struct CommandLine
              "programs that need it (auto)."),
         QStringLiteral("MODE")
     };
+    const QCommandLineOption trustProxy{
+        QStringLiteral("trust-proxy"),
+        text("Believe the proxy at this address who asks for what (X-Forwarded-*); may be given "
+             "several times."),
+        QStringLiteral("ADDR")
+    };
+    const QCommandLineOption pathPrefix{
+        QStringLiteral("path-prefix"),
+        text("What a trusted proxy leaves in front of all paths, like /share."),
+        QStringLiteral("PATH")
+    };
     const QCommandLineOption defaults{
         QStringLiteral("default-profile"),
         text("Use the default values and no stored profile: no password, deleting allowed.")
@@ -75,7 +89,7 @@ struct CommandLine
     {
         parser.setApplicationDescription(
             text("Serves a file or folder to browsers and WebDAV clients."));
-        parser.addOptions({ address, port, mode, profile, defaults });
+        parser.addOptions({ address, port, mode, trustProxy, pathPrefix, profile, defaults });
         parser.addPositionalArgument(QStringLiteral("PATH"), text("The file or folder to serve."));
     }
 };
@@ -126,6 +140,25 @@ QString takeMode(const CommandLine &line, Options *options)
                          : text("This is no mode: %1 (use classic, auto or standard)").arg(given);
 }
 
+QString takeProxies(const CommandLine &line, Options *options)
+{
+    options->proxies = line.parser.values(line.trustProxy);
+    for (const QString &given : std::as_const(options->proxies)) {
+        if (QHostAddress(given).isNull())
+            return text("This is no address: %1").arg(given);
+    }
+    return {};
+}
+
+QString takePathPrefix(const CommandLine &line, Options *options)
+{
+    if (!line.parser.isSet(line.pathPrefix))
+        return {};
+    const QString given = line.parser.value(line.pathPrefix);
+    options->pathPrefix = pathPrefixOf(given.toUtf8());
+    return options->pathPrefix ? QString() : text("This is no path for URLs: %1").arg(given);
+}
+
 QString takeOptions(const CommandLine &line, Options *options)
 {
     const QStringList paths = line.parser.positionalArguments();
@@ -136,7 +169,7 @@ QString takeOptions(const CommandLine &line, Options *options)
     options->defaultProfile = line.parser.isSet(line.defaults);
     if (options->defaultProfile && line.parser.isSet(line.profile))
         return text("--profile and --default-profile exclude each other.");
-    for (const auto take : { takeAddress, takePort, takeMode }) {
+    for (const auto take : { takeAddress, takePort, takeMode, takeProxies, takePathPrefix }) {
         if (const QString problem = take(line, options); !problem.isEmpty())
             return problem;
     }
@@ -230,6 +263,8 @@ int serve(Console *console, const Options &options, const QString &path, const P
     // What the command line says is for this run alone.
     const std::unique_ptr<Profile> profile = stored->clone();
     profile->faceMode = options.mode.value_or(FaceMode(profile->faceMode));
+    profile->trustedProxies += options.proxies;
+    profile->pathPrefix = options.pathPrefix.value_or(profile->pathPrefix);
 
     ConsoleSink sink(console);
     QNetworkAddressEntry entry;

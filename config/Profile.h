@@ -2,6 +2,7 @@
 
 #include "config/Directories.h"
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -55,6 +56,8 @@ struct ProfileValues
     qint32 syncPolicy = SyncFile;
     qint32 deepListings = 1; ///< whether the standard face lists whole trees, 0 or 1
     qint32 strict = 0; ///< see `Profile::isStrict`, 0 or 1
+    QStringList trustedProxies; ///< addresses of those whose word is taken for who asked for what
+    QByteArray pathPrefix; ///< that they leave on paths; see `pathPrefixOf`
 };
 
 /// One named settings profile and the file that it is stored in.

@@ -10,6 +10,9 @@
 #include <iterator>
 #include <utility>
 
+#include <arpa/inet.h>
+#include <netinet/in.h>
+
 namespace {
 
 constexpr qint64 maxTextBytes = qint64(64) * 1024;
@@ -17,20 +20,90 @@ constexpr qint64 maxTextBytes = qint64(64) * 1024;
 constexpr const char *explanation =
     "# Values of this profile that its .cnf file has no place for.\n";
 
-/// A key whose value is one word of a few; its number is the word's place among them.
+using Words = std::array<const char *, 3>; ///< null behind the last
+
+constexpr Words modes{ "classic", "auto", "standard" };
+constexpr Words syncPolicies{ "none", "file", "folder" };
+constexpr Words answers{ "refuse", "answer", nullptr };
+constexpr Words switched{ "no", "yes", nullptr };
+
+/// A key of the file. What it says of a value it also understands.
 struct TextKey
 {
     const char *name;
-    qint32 ProfileValues::*value;
-    std::array<const char *, 3> words; ///< null behind the last
+    bool (*take)(const QByteArray &text, ProfileValues *values); ///< false when it makes no sense
+    QByteArray (*say)(const ProfileValues &values);
 };
 
-constexpr TextKey modeKey{ "mode", &ProfileValues::faceMode, { "classic", "auto", "standard" } };
+/// One word of a few; the value is its place among them.
+template <qint32 ProfileValues::*value, const Words &words>
+bool takeWord(const QByteArray &word, ProfileValues *values)
+{
+    // A missing word is no word, but would equal an empty one.
+    const auto *found = std::find_if(words.begin(), words.end(), [&word](const char *each) {
+        return each != nullptr && word == each;
+    });
+    if (found == words.end())
+        return false;
+    values->*value = qint32(std::distance(words.begin(), found));
+    return true;
+}
+
+template <qint32 ProfileValues::*value, const Words &words>
+QByteArray sayWord(const ProfileValues &values)
+{
+    return words.at(std::size_t(values.*value));
+}
+
+bool isAddress(const QByteArray &text)
+{
+    std::array<unsigned char, sizeof(in6_addr)> address{};
+    return ::inet_pton(AF_INET, text.constData(), address.data()) == 1
+        || ::inet_pton(AF_INET6, text.constData(), address.data()) == 1;
+}
+
+bool takeProxies(const QByteArray &text, ProfileValues *values)
+{
+    QStringList addresses;
+    for (const QByteArray &item : text.split(',')) {
+        const QByteArray address = item.trimmed();
+        if (!address.isEmpty() && !isAddress(address))
+            return false;
+        if (!address.isEmpty())
+            addresses.append(QString::fromLatin1(address));
+    }
+    values->trustedProxies = addresses;
+    return true;
+}
+
+QByteArray sayProxies(const ProfileValues &values)
+{
+    return values.trustedProxies.join(QLatin1String(", ")).toLatin1();
+}
+
+bool takePrefix(const QByteArray &text, ProfileValues *values)
+{
+    const std::optional<QByteArray> prefix = pathPrefixOf(text);
+    values->pathPrefix = prefix.value_or(values->pathPrefix);
+    return prefix.has_value();
+}
+
+QByteArray sayPrefix(const ProfileValues &values)
+{
+    return values.pathPrefix;
+}
+
 constexpr std::array textKeys{
-    modeKey,
-    TextKey{ "sync", &ProfileValues::syncPolicy, { "none", "file", "folder" } },
-    TextKey{ "propfind-infinity", &ProfileValues::deepListings, { "refuse", "answer", nullptr } },
-    TextKey{ "strict", &ProfileValues::strict, { "no", "yes", nullptr } },
+    TextKey{ "mode", takeWord<&ProfileValues::faceMode, modes>,
+             sayWord<&ProfileValues::faceMode, modes> },
+    TextKey{ "sync", takeWord<&ProfileValues::syncPolicy, syncPolicies>,
+             sayWord<&ProfileValues::syncPolicy, syncPolicies> },
+    TextKey{ "propfind-infinity", takeWord<&ProfileValues::deepListings, answers>,
+             sayWord<&ProfileValues::deepListings, answers> },
+    TextKey{ "strict", takeWord<&ProfileValues::strict, switched>,
+             sayWord<&ProfileValues::strict, switched> },
+    TextKey{ "trusted-proxies", takeProxies, sayProxies },
+    TextKey{ "path-prefix", takePrefix, sayPrefix },
 };
 
 /// One line taken apart; `key` is empty in a comment or an empty line.
@@ -57,26 +130,9 @@ const TextKey *findKey(const QByteArray &name)
     return found == textKeys.end() ? nullptr : found;
 }
 
-bool takeWord(const TextKey &key, const QByteArray &word, ProfileValues *values)
-{
-    // A missing word is no word, but would equal an empty one.
-    const auto *found = std::find_if(key.words.begin(), key.words.end(), [&word](const char *each) {
-        return each != nullptr && word == each;
-    });
-    if (found == key.words.end())
-        return false;
-    values->*key.value = qint32(std::distance(key.words.begin(), found));
-    return true;
-}
-
-QByteArray wordOf(const TextKey &key, const ProfileValues &values)
-{
-    return key.words.at(std::size_t(values.*key.value));
-}
-
 QByteArray lineOf(const TextKey &key, const ProfileValues &values)
 {
-    return QByteArray(key.name) + " = " + wordOf(key, values) + '\n';
+    return QByteArray(key.name) + " = " + key.say(values) + '\n';
 }
 
 /// Whether every line could be read; the values of those that could are taken over.
@@ -88,7 +144,7 @@ bool takeLines(const QByteArray &content, ProfileValues *values)
     return std::all_of(lines.begin(), lines.end(), [values](const QByteArray &raw) {
         const Line line = takeApart(raw);
         const TextKey *key = findKey(line.key);
-        return line.fits && (!key || takeWord(*key, line.value, values));
+        return line.fits && (!key || key->take(line.value, values));
     });
 }
 
@@ -96,7 +152,7 @@ void takeDefaults(ProfileValues *values)
 {
     const ProfileValues defaults;
     for (const TextKey &key : textKeys)
-        values->*key.value = defaults.*key.value;
+        key.take(key.say(defaults), values);
 }
 
 /// The lines of `content` with the values put in; keys that are not there follow at the end unless
@@ -117,7 +173,7 @@ QByteArray withValues(const QByteArray &content, const ProfileValues &values)
     const ProfileValues defaults;
     for (std::size_t i = 0; i < textKeys.size(); ++i) {
         const TextKey &key = textKeys.at(i);
-        if (!written.at(i) && values.*key.value != defaults.*key.value)
+        if (!written.at(i) && key.say(values) != key.say(defaults))
             text += lineOf(key, values);
     }
     return text;
@@ -159,12 +215,26 @@ bool writeText(const QString &textFile, const ProfileValues &values)
 std::optional<FaceMode> faceModeOf(const QByteArray &name)
 {
     ProfileValues values;
-    return takeWord(modeKey, name, &values) ? std::optional(FaceMode(values.faceMode))
-                                            : std::nullopt;
+    return takeWord<&ProfileValues::faceMode, modes>(name, &values)
+        ? std::optional(FaceMode(values.faceMode))
+        : std::nullopt;
+}
+
+std::optional<QByteArray> pathPrefixOf(const QByteArray &text)
+{
+    QByteArray prefix = text;
+    while (prefix.endsWith('/'))
+        prefix.chop(1);
+    const auto fits = [](char c) { return c > ' ' && c < '\x7f' && c != '?' && c != '#'; };
+    const bool isPath = prefix.isEmpty() || prefix.startsWith('/');
+    // "//" begins the name of another server.
+    if (!isPath || prefix.contains("//") || !std::all_of(prefix.begin(), prefix.end(), fits))
+        return {};
+    return prefix;
 }
 
 bool equalText(const ProfileValues &one, const ProfileValues &other)
 {
     return std::all_of(textKeys.begin(), textKeys.end(),
-                       [&](const TextKey &key) { return one.*key.value == other.*key.value; });
+                       [&](const TextKey &key) { return key.say(one) == key.say(other); });
 }

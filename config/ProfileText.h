@@ -31,5 +31,9 @@ bool writeText(const QString &textFile, const ProfileValues &values);
 /// The mode of this name, as the text file and the console call it.
 std::optional<FaceMode> faceModeOf(const QByteArray &name);
 
+/// A path that all paths outside begin with, as it stands in URLs ("/share"), without a "/" at its
+/// end; empty for the root. None when it is no path.
+std::optional<QByteArray> pathPrefixOf(const QByteArray &text);
+
 /// Whether both have the same values of those that stand in text files.
 bool equalText(const ProfileValues &one, const ProfileValues &other);

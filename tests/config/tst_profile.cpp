@@ -232,8 +232,17 @@ void TestProfile::keepsMoreValuesAsText()
     QCOMPARE(home->profileBytes(file),
              QByteArray("; mine\r\nnew=1\r\nmode = auto\n\nsync = folder\n"));
 
-    for (const QByteArray &bytes : { QByteArray("mode = clasic\n"), QByteArray("sync"),
-                                     QByteArray("mode = auto\n\0", 13), QByteArray(70000, '#') }) {
+    home->writeProfile(file, "trusted-proxies = 127.0.0.1,::1\npath-prefix = /a%20b/\n");
+    QVERIFY(work.load());
+    QCOMPARE(work.trustedProxies.join(QLatin1Char('|')), QStringLiteral("127.0.0.1|::1"));
+    QVERIFY(work.amend([](Profile &profile) { profile.trustedProxies.removeLast(); }));
+    QCOMPARE(home->profileBytes(file),
+             QByteArray("trusted-proxies = 127.0.0.1\npath-prefix = /a%20b\n"));
+
+    for (const QByteArray &bytes :
+         { QByteArray("mode = clasic\n"), QByteArray("sync"),
+           QByteArray("trusted-proxies = ::1, proxy\n"), QByteArray("path-prefix = //evil\n"),
+           QByteArray("mode = auto\n\0", 13), QByteArray(70000, '#') }) {
         home->writeProfile(file, bytes);
         const Profile damaged(home->directories, name);
         QVERIFY(damaged.isUsable() && damaged.faceMode == FaceAuto);
