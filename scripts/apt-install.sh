@@ -11,7 +11,7 @@ note_new_services() {
     local name
     for name in "$@"; do
         case $name in
-        nginx | lighttpd) [[ -e /etc/init.d/$name ]] || services+=("$name") ;;
+        nginx | lighttpd | haproxy) [[ -e /etc/init.d/$name ]] || services+=("$name") ;;
         esac
     done
 }

@@ -46,7 +46,8 @@ private:
         if (resource.isEmpty())
             return exchange.path();
         const std::optional<Target> target = parseTarget(resource);
-        return target ? std::make_optional(cleanPath(target->path)) : std::nullopt;
+        const auto path = target ? exchange.request().outside.inside(target->path) : std::nullopt;
+        return path ? std::make_optional(cleanPath(*path)) : std::nullopt;
     }
 
     const Exchange &exchange;
@@ -97,7 +98,8 @@ std::optional<Refusal> DavGuard::refusal(const Exchange &exchange,
         if (const Lock *lock = forbidding(change, table, header))
             return Refusal{ Status::Locked,
                             { { "Content-Type", xmlType } },
-                            errorBody("lock-token-submitted", href(lock->path, lock->folder)) };
+                            errorBody("lock-token-submitted",
+                                      href(exchange.urlPath(lock->path, lock->folder))) };
     }
     return std::nullopt;
 }

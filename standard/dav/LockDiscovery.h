@@ -8,8 +8,9 @@
 
 namespace standard {
 
-/// The "activelock" element of a lock, with the time that is left to it.
-QByteArray activeLock(const Lock &lock);
+/// The "activelock" element of a lock, with the time that is left to it. `prefix` is that of all
+/// paths outside.
+QByteArray activeLock(const Lock &lock, const QByteArray &prefix);
 
 /// What is told of the locks in a tree. A copy, for any thread.
 class LockDiscovery
@@ -17,8 +18,9 @@ class LockDiscovery
 public:
     LockDiscovery() = default;
 
-    /// Of what stands at `path`, and below it if `withTree`.
-    LockDiscovery(LockTable &table, const QByteArray &path, bool withTree);
+    /// Of what stands at `path`, and below it if `withTree`; for `prefix` see `activeLock`.
+    LockDiscovery(LockTable &table, const QByteArray &path, bool withTree,
+                  const QByteArray &prefix);
 
     /// The elements of all locks that cover `path`.
     QByteArray at(const QByteArray &path) const;
@@ -30,7 +32,7 @@ private:
         QByteArray element;
     };
 
-    void add(const LockTable::Locks &locks);
+    void add(const LockTable::Locks &locks, const QByteArray &prefix);
 
     std::multimap<QByteArray, Told> byRoot;
 };

@@ -2,7 +2,6 @@
 
 #include "files/DiskWorker.h"
 #include "files/UploadFile.h"
-#include "net/Socket.h"
 #include "standard/dav/DavState.h"
 #include "standard/dav/Depth.h"
 #include "standard/dav/IfHeader.h"
@@ -27,7 +26,7 @@ QByteArray visitorOf(const Exchange &exchange)
 {
     if (!exchange.user().isEmpty())
         return "user " + exchange.user();
-    return exchange.channel().connection().peerAddress().toString().toLatin1();
+    return exchange.request().outside.visitor.toString().toLatin1();
 }
 
 /// Some clients send it without its brackets.
@@ -105,8 +104,9 @@ void LockMethod::take(const LockBody &asked, bool deep)
     wanted.timeout = lockTimeout(exchange.request().value("Timeout"));
     const LockTable::Outcome outcome = lockTable(exchange).add(wanted);
     if (const Lock *other = outcome.conflict)
-        return exchange.reply(Status::Locked, { { "Content-Type", xmlType } },
-                              errorBody("no-conflicting-lock", href(other->path, other->folder)));
+        return exchange.reply(
+            Status::Locked, { { "Content-Type", xmlType } },
+            errorBody("no-conflicting-lock", href(exchange.urlPath(other->path, other->folder))));
     if (!outcome.made)
         return exchange.refuse(Status::Unavailable, "There are too many locks.");
     if (!isNew)
@@ -142,8 +142,9 @@ void LockMethod::fileMade()
 /// `fields` tell the token, but only who takes a lock (RFC 4918, section 9.10).
 void LockMethod::answer(const Lock &lock, Status status, Fields fields)
 {
-    const QByteArray body = rootStart("prop") + "<D:lockdiscovery>" + activeLock(lock)
-        + "</D:lockdiscovery>" + rootEnd("prop");
+    const QByteArray body = rootStart("prop") + "<D:lockdiscovery>"
+        + activeLock(lock, exchange.request().outside.prefix) + "</D:lockdiscovery>"
+        + rootEnd("prop");
     fields.push_back({ "Content-Type", xmlType });
     exchange.reply(status, std::move(fields), body);
 }

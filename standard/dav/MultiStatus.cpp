@@ -1,7 +1,5 @@
 #include "standard/dav/MultiStatus.h"
 
-#include "standard/http/Uri.h"
-
 namespace standard {
 
 QByteArray rootStart(const char *name)
@@ -15,15 +13,9 @@ QByteArray rootEnd(const char *name)
     return QByteArray("</D:") + name + '>';
 }
 
-QByteArray urlPath(const QByteArray &path, bool isFolder)
+QByteArray href(const QByteArray &url)
 {
-    const QByteArray encoded = '/' + encodedPath(path);
-    return isFolder && !path.isEmpty() ? encoded + '/' : encoded;
-}
-
-QByteArray href(const QByteArray &path, bool isFolder)
-{
-    return "<D:href>" + urlPath(path, isFolder) + "</D:href>";
+    return "<D:href>" + url + "</D:href>";
 }
 
 QByteArray propStat(const QByteArray &properties, Status status)

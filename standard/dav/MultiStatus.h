@@ -15,11 +15,8 @@ constexpr auto xmlType = "application/xml; charset=utf-8";
 QByteArray rootStart(const char *name);
 QByteArray rootEnd(const char *name);
 
-/// The path of a URL for a path in the share; without a host, so that it is right behind any proxy.
-QByteArray urlPath(const QByteArray &path, bool isFolder);
-
-/// The "href" element of the same.
-QByteArray href(const QByteArray &path, bool isFolder);
+/// The "href" element of what `urlPath` gives.
+QByteArray href(const QByteArray &url);
 
 /// A "propstat" of the elements in `properties`.
 QByteArray propStat(const QByteArray &properties, Status status);

@@ -49,14 +49,15 @@ void PropFind::bodyReady(const QByteArray &body)
 
     DavResource top;
     top.path = exchange.path();
-    top.href = urlPath(top.path, found.folder);
+    top.href = exchange.urlPath(top.path, found.folder);
     top.name = nameOf(top.path, exchange.service());
     top.facts = found;
     PropertyReport report(*asked, commonFacts(*asked, *depth),
                           DavState::of(exchange.service()).properties());
-    job = std::make_shared<PropFindJob>(
-        PropFindJob::Subject{ exchange.service().share, std::move(top), *depth, withFolders },
-        std::move(report));
+    job = std::make_shared<PropFindJob>(PropFindJob::Subject{ exchange.service().share,
+                                                              std::move(top), *depth, withFolders,
+                                                              exchange.request().outside.prefix },
+                                        std::move(report));
     state = State::Making;
     exchange.service().setup.turns->begin(this);
 }
@@ -65,7 +66,7 @@ ReplyFacts PropFind::commonFacts(const PropFindBody &asked, Depth depth) const
 {
     ReplyFacts facts;
     facts.locks = LockDiscovery(DavState::of(exchange.service()).locks(), exchange.path(),
-                                depth != Depth::Zero);
+                                depth != Depth::Zero, exchange.request().outside.prefix);
     const bool asksForQuota =
         std::any_of(asked.names.begin(), asked.names.end(), [](const XmlName &name) {
             return name.isDav("quota-available-bytes") || name.isDav("quota-used-bytes");

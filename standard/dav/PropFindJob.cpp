@@ -81,7 +81,7 @@ void PropFindJob::openNext()
     folder = subject.share->openFolder(path);
     if (!folder)
         return;
-    url = '/' + encodedPath(path);
+    url = urlPath(subject.prefix, path, false);
     systemPath = systemPathOf(folder->descriptor()) + '/';
     const EntryFacts facts = openFacts(folder->descriptor());
     if (!entered.emplace(facts.device, facts.inode).second)

@@ -30,6 +30,7 @@ public:
         DavResource top; ///< its `subject` is found anew
         Depth depth;
         bool withFolders; ///< or files alone
+        QByteArray prefix; ///< of all paths outside
     };
 
     PropFindJob(Subject asked, PropertyReport report);

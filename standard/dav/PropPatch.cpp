@@ -136,7 +136,8 @@ void PropPatch::answer(const Changes &changes, const std::vector<Status> &outcom
     std::map<Status, QByteArray> named;
     for (std::size_t i = 0; i < changes.size(); ++i)
         named[outcomes[i]] += emptyElement(changes[i].name);
-    QByteArray text = rootStart("multistatus") + "<D:response>" + href(exchange.path(), isFolder);
+    QByteArray text = rootStart("multistatus") + "<D:response>"
+        + href(exchange.urlPath(exchange.path(), isFolder));
     for (const auto &[status, names] : named)
         text += propStat(names, status);
     text += "</D:response>" + rootEnd("multistatus");

@@ -1,6 +1,7 @@
 #include "standard/http/Authenticator.h"
 
 #include "config/Profile.h"
+#include "files/Path.h"
 #include "server/Secret.h"
 #include "standard/http/Digest.h"
 
@@ -65,7 +66,8 @@ bool isForTarget(const DigestCredentials &given, const Request &request)
     if (request.isForServer)
         return given.uri == "*";
     const std::optional<Target> target = parseTarget(given.uri);
-    return target && target->path == request.target.path;
+    const auto path = target ? request.outside.inside(target->path) : std::nullopt;
+    return path && cleanPath(*path) == cleanPath(request.target.path);
 }
 
 QByteArray digestChallenge(const char *algorithm, const QByteArray &nonce, bool stale)

@@ -27,6 +27,11 @@ void Exchange::finish()
     collected.reset();
 }
 
+QByteArray Exchange::urlPath(const QByteArray &path, bool isFolder) const
+{
+    return standard::urlPath(current.outside.prefix, path, isFolder);
+}
+
 bool Exchange::namesFolder() const
 {
     return current.target.path.endsWith('/');

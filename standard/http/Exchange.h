@@ -32,6 +32,9 @@ public:
     /// empty, "." and ".." segments, and without a "/" at its end.
     const QByteArray &path() const { return cleaned; }
 
+    /// The path by which its visitor asks for what stands at `path` in the share.
+    QByteArray urlPath(const QByteArray &path, bool isFolder) const;
+
     /// Whether the request's path ends with a "/".
     bool namesFolder() const;
 

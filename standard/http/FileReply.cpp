@@ -148,7 +148,7 @@ QByteArray FileReply::fileName() const
 /// in front of it a proxy may know better.
 void FileReply::redirectToFolder()
 {
-    QByteArray location = '/' + encodedPath(exchange.path()) + '/';
+    QByteArray location = exchange.urlPath(exchange.path(), true);
     if (const QByteArray &query = exchange.request().target.query; !query.isEmpty())
         location += '?' + query;
     exchange.refuse(Status::PermanentRedirect, {}, { { "Location", location } });

@@ -39,16 +39,20 @@ bool isOwnAddress(const QHostAddress &address, const Exchange &exchange)
 
 bool isOwnName(const QByteArray &authority, const Exchange &exchange)
 {
-    const int usualPort = exchange.channel().connection().isEncrypted() ? httpsPort : httpPort;
-    const Authority meant = parsed(authority, usualPort);
     const Request &request = exchange.request();
-    const bool isAbsolute = !request.target.authority.isEmpty();
-    const Authority called =
-        parsed(isAbsolute ? request.target.authority : request.value("Host"), usualPort);
+    const bool encrypted =
+        request.outside.encrypted.value_or(exchange.channel().connection().isEncrypted());
+    const int usualPort = encrypted ? httpsPort : httpPort;
+    const Authority meant = parsed(authority, usualPort);
     if (meant.host.isEmpty())
         return false;
-    if (meant.host == called.host && meant.port == called.port)
-        return true;
+    const bool isAbsolute = !request.target.authority.isEmpty();
+    const QByteArray asked = isAbsolute ? request.target.authority : request.value("Host");
+    for (const QByteArray &name : { request.outside.authority, asked }) {
+        const Authority called = parsed(name, usualPort);
+        if (meant.host == called.host && meant.port == called.port)
+            return true;
+    }
     if (meant.port != exchange.channel().connection().localPort())
         return false;
     QHostAddress address;

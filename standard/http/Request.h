@@ -1,5 +1,6 @@
 #pragma once
 
+#include "standard/http/Forwarded.h"
 #include "standard/http/Method.h"
 #include "standard/http/Status.h"
 #include "standard/http/Uri.h"
@@ -42,6 +43,7 @@ struct Request
     int minorVersion = 1; ///< of HTTP/1
     bool keepAlive = true; ///< the peer wants the connection to go on
     Framing framing;
+    Forwarded outside; ///< how it left its visitor
     Fields fields; ///< in order, values without blanks around them
 
     /// The value of a field, of several lines of that name joined with ", ". None when there is no

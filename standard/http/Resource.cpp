@@ -93,7 +93,7 @@ void ResourceHandler::refuseMembers(const QByteArray &base,
     QByteArray body =
         "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<D:multistatus xmlns:D=\"DAV:\">";
     for (const MemberFailure &failure : failures) {
-        body += "<D:response><D:href>" + encodedPath('/' + base + '/' + failure.path)
+        body += "<D:response><D:href>" + exchange.urlPath(base + '/' + failure.path, false)
             + "</D:href><D:status>HTTP/1.1 " + statusText(failure.status)
             + "</D:status></D:response>";
     }

@@ -1,5 +1,6 @@
 #include "standard/http/StandardFace.h"
 
+#include "config/Profile.h"
 #include "net/Socket.h"
 #include "server/Connection.h"
 #include "standard/Log.h"
@@ -74,6 +75,8 @@ void StandardFace::dropHandler()
 void StandardFace::requestReady(Request request)
 {
     connection.noteRequest();
+    request.outside =
+        takeForwarded(request, channel.connection().peerAddress(), *exchange.service().profile);
     exchange.begin(std::move(request));
     if (!isAdmitted())
         return;

@@ -30,11 +30,12 @@ bool Transfer::findDestination()
         exchange.refuse(Status::BadRequest, "There is no Destination that can be understood.");
         return false;
     }
-    if (!named->authority.isEmpty() && !isOwnName(named->authority, exchange)) {
+    const std::optional<QByteArray> path = exchange.request().outside.inside(named->path);
+    if (!path || (!named->authority.isEmpty() && !isOwnName(named->authority, exchange))) {
         exchange.refuse(Status::BadGateway, "The Destination is another server.");
         return false;
     }
-    target = cleanPath(named->path);
+    target = cleanPath(*path);
     return true;
 }
 

@@ -87,4 +87,10 @@ QByteArray encodedPath(const QByteArray &path)
     return path.toPercentEncoding(literalInPath);
 }
 
+QByteArray urlPath(const QByteArray &prefix, const QByteArray &path, bool isFolder)
+{
+    const QByteArray url = prefix + '/' + encodedPath(path);
+    return isFolder && !path.isEmpty() ? url + '/' : url;
+}
+
 } // namespace standard

@@ -24,4 +24,8 @@ std::optional<QByteArray> percentDecoded(const QByteArray &text);
 /// A path of bytes as it stands in a URL; harmless in XML and in header lines.
 QByteArray encodedPath(const QByteArray &path);
 
+/// The path of a URL for a path in the share, behind an encoded prefix; without a host, which a
+/// proxy may know better.
+QByteArray urlPath(const QByteArray &prefix, const QByteArray &path, bool isFolder);
+
 } // namespace standard

@@ -1,6 +1,8 @@
+#include "config/Profile.h"
 #include "standard/http/ChunkDecoder.h"
 #include "standard/http/Conditions.h"
 #include "standard/http/ContentType.h"
+#include "standard/http/Forwarded.h"
 #include "standard/http/HttpDate.h"
 #include "standard/http/Ranges.h"
 #include "standard/http/Request.h"
@@ -81,6 +83,8 @@ private Q_SLOTS:
     void datesOfAllThreeForms();
     void typesByName();
     void namesInDisposition();
+    void proxiesTell_data();
+    void proxiesTell();
 };
 
 void TestMessages::headIsAcceptedOrRefused_data()
@@ -336,6 +340,54 @@ void TestMessages::namesInDisposition()
     QCOMPARE(disposition("\xc3\xa4\"\r\n%.html", "text/html"),
              QByteArray("attachment; filename=\"______.html\"; "
                         "filename*=UTF-8''%C3%A4%22%0D%0A%25.html"));
+}
+
+void TestMessages::proxiesTell_data()
+{
+    QTest::addColumn<QByteArray>("lines");
+    QTest::addColumn<QByteArray>("told");
+    const auto told = [](const char *name, const QByteArray &lines, const char *expected) {
+        QTest::newRow(name) << lines << QByteArray(expected);
+    };
+
+    const QByteArray all = "X-Forwarded-For: 1.1.1.1, 192.0.2.7\r\nX-Forwarded-For: 10.0.0.2\r\n"
+                           "X-Forwarded-Host: a.example\r\nX-Forwarded-Port: 8443\r\n"
+                           "X-Forwarded-Proto: https\r\nX-Forwarded-Prefix: /a%20b/\r\n";
+    told("all, through two proxies", "Peer: 10.0.0.1\r\n" + all,
+         "192.0.2.7 a.example:8443 https /a%20b /left/x");
+    told("by an IPv4 address in IPv6", "Peer: ::ffff:10.0.0.1\r\n" + all,
+         "192.0.2.7 a.example:8443 https /a%20b /left/x");
+    told("by somebody else", "Peer: 10.0.0.9\r\n" + all, "10.0.0.9  ?  /left/x");
+    told("visitors with ports",
+         "Peer: 10.0.0.1\r\nX-Forwarded-For: [2001:db8::1]:80, 10.0.0.2:81\r\n",
+         "2001:db8::1  ? /left /x");
+    told("nobody by an address", "Peer: 10.0.0.1\r\nX-Forwarded-For: 1.1.1.1, unknown\r\n",
+         "10.0.0.1  ? /left /x");
+    told("the visitor's own words first",
+         "Peer: 10.0.0.1\r\nX-Forwarded-Proto: http, HTTPS\r\nX-Forwarded-Host: evil, b:1\r\n",
+         "10.0.0.1 b:1 https /left /x");
+    for (const char *prefix : { "//evil", "evil", "/a?b", "/%zz", "/%2Fevil", "/" }) {
+        told(prefix, QByteArray("Peer: 10.0.0.1\r\nX-Forwarded-Prefix: ") + prefix + "\r\n",
+             "10.0.0.1  ? /left /x");
+    }
+}
+
+void TestMessages::proxiesTell()
+{
+    QFETCH(const QByteArray, lines);
+    ProfileValues profile;
+    profile.trustedProxies = QStringList{ QStringLiteral("10.0.0.1"), QStringLiteral("10.0.0.2") };
+    profile.pathPrefix = "/left";
+    Request request = requestOf("GET /left/x HTTP/1.1\r\nHost: a\r\n" + lines);
+    const QHostAddress peer(QString::fromLatin1(request.value("Peer")));
+    const Forwarded found = takeForwarded(request, peer, profile);
+    const QByteArray scheme =
+        found.encrypted ? QByteArray(*found.encrypted ? "https" : "http") : QByteArray("?");
+    QTEST(found.visitor.toString().toLatin1() + ' ' + found.authority + ' ' + scheme + ' '
+              + found.prefix + ' ' + request.target.path,
+          "told");
+    // What only begins alike is somebody else's.
+    QCOMPARE(found.inside("/a by").has_value(), found.prefix.isEmpty());
 }
 
 QTEST_GUILESS_MAIN(TestMessages)
