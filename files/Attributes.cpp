@@ -49,6 +49,15 @@ void copyExtended(int from, int to)
 
 } // namespace
 
+int changeMode(int file, mode_t mode)
+{
+    if (::fchmod(file, mode & permissionBits) == 0)
+        return 0;
+    // FAT knows no modes but those of the mount: it refuses the others, or all (EPERM, ENOSYS).
+    const bool isUnknown = errno == EPERM || errno == ENOSYS || errno == EOPNOTSUPP;
+    return isUnknown ? 0 : errno;
+}
+
 int copyAttributes(int from, int to)
 {
     struct stat status = {};
@@ -58,8 +67,8 @@ int copyAttributes(int from, int to)
     if (::fchown(to, status.st_uid, status.st_gid) != 0
         && ::fchown(to, uid_t(-1), status.st_gid) != 0)
         errno = 0;
-    if (::fchmod(to, status.st_mode & permissionBits) != 0)
-        return errno;
+    if (const int error = changeMode(to, status.st_mode))
+        return error;
     copyExtended(from, to);
     return 0;
 }

@@ -1,5 +1,11 @@
 #pragma once
 
+#include <sys/types.h>
+
+/// Gives an open file of ours these permissions. 0, or the number of the error; a file system
+/// without permissions keeps what it has, and that is no error.
+int changeMode(int file, mode_t mode);
+
 /// Gives one open file the permissions of another, and its owner, group and extended attributes as
 /// far as the system allows. 0, or the number of the error when not even the permissions could be.
 int copyAttributes(int from, int to);

@@ -171,7 +171,7 @@ int UploadFile::inherit() const
 {
     if (replaced.isOpen())
         return copyAttributes(replaced.get(), file.get());
-    return wantedMode ? errorOf(::fchmod(file.get(), *wantedMode)) : 0;
+    return wantedMode ? changeMode(file.get(), *wantedMode) : 0;
 }
 
 int UploadFile::takeName()
