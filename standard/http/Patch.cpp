@@ -59,13 +59,33 @@ private:
     DiskError result = DiskError::None;
 };
 
-/// Two writes within one tick of the system's clock would leave the same tag.
-void touch(int descriptor)
+constexpr qint64 coarsestTick = 2; ///< seconds, of FAT
+
+bool setTime(int descriptor, const timespec &time)
+{
+    const timespec times[] = { { 0, UTIME_OMIT }, time };
+    return ::futimens(descriptor, times) == 0;
+}
+
+/// Whether one of the times that make the tag has moved on.
+bool isLater(const EntryFacts &now, const EntryFacts &before)
+{
+    const auto modified = [](const EntryFacts &f) { return std::pair(f.seconds, f.nanoseconds); };
+    const auto changed = [](const EntryFacts &f) {
+        return std::pair(f.changeSeconds, f.changeNanoseconds);
+    };
+    return modified(now) > modified(before) || changed(now) > changed(before);
+}
+
+/// Two writes within one tick of the clock, the system's or the file system's, would leave the same
+/// tag. Where the tick is long the file gets the time of the next.
+void touch(int descriptor, const EntryFacts &before)
 {
     timespec now = {};
     ::clock_gettime(CLOCK_REALTIME, &now);
-    const timespec times[] = { { 0, UTIME_OMIT }, now };
-    ::futimens(descriptor, times);
+    setTime(descriptor, now);
+    if (!isLater(openFacts(descriptor), before))
+        setTime(descriptor, { time_t(before.seconds + coarsestTick), 0 });
 }
 
 } // namespace
@@ -138,6 +158,7 @@ void Patch::receive(const UpdateRange &range)
     // Nobody else may be writing to it, or putting another in its place.
     if (::flock(file.get(), LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK)
         return exchange.refuse(Status::Locked);
+    before = openFacts(file.get());
     position = range.first;
     exchange.saveBody([this](const char *data, qint64 size) { return write(data, size); });
 }
@@ -162,7 +183,7 @@ bool Patch::write(const char *data, qint64 size)
 void Patch::bodySaved(BodyEnd end)
 {
     if (file.isOpen())
-        touch(file.get());
+        touch(file.get(), before);
     if (end == BodyEnd::Whole)
         return keep();
     file.reset();

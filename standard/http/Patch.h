@@ -41,6 +41,7 @@ private:
     void answer(DiskError error, const FileDescriptor &kept);
 
     FileDescriptor file; ///< while the body is received
+    EntryFacts before; ///< of the same, when it was opened
     qint64 position = 0;
     DiskError failure = DiskError::None;
 };
