@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QList>
 
+#include <array>
 #include <cerrno>
 
 #include <sys/stat.h>
@@ -58,6 +59,18 @@ int changeMode(int file, mode_t mode)
     return isUnknown ? 0 : errno;
 }
 
+int setTimes(int file, const std::optional<timespec> &accessed,
+             const std::optional<timespec> &modified)
+{
+    struct stat status = {};
+    if (::fstat(file, &status) != 0)
+        return errno;
+    // Always both: many FUSE file systems take no notice when one is left out, and don't say so.
+    const std::array<timespec, 2> times{ accessed.value_or(status.st_atim),
+                                         modified.value_or(status.st_mtim) };
+    return ::futimens(file, times.data()) == 0 ? 0 : errno;
+}
+
 int copyAttributes(int from, int to)
 {
     struct stat status = {};
@@ -77,9 +90,6 @@ void copyProperties(int from, int to)
 {
     copyExtended(from, to);
     struct stat status = {};
-    const timespec unchanged = { 0, UTIME_OMIT };
-    if (::fstat(from, &status) != 0)
-        return;
-    const timespec times[] = { unchanged, status.st_mtim };
-    ::futimens(to, times);
+    if (::fstat(from, &status) == 0)
+        setTimes(to, {}, status.st_mtim);
 }

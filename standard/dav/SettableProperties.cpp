@@ -1,5 +1,6 @@
 #include "standard/dav/SettableProperties.h"
 
+#include "files/Attributes.h"
 #include "standard/dav/LiveProperties.h"
 #include "standard/http/HttpDate.h"
 
@@ -59,11 +60,11 @@ constexpr std::array<Settable, 4> settables{ {
     { apacheSpace, executableName, takeExecutable },
 } };
 
-timespec timeOf(const std::optional<qint64> &seconds)
+std::optional<timespec> timeOf(const std::optional<qint64> &seconds)
 {
     if (!seconds)
-        return { 0, UTIME_OMIT };
-    return { time_t(*seconds), 0 };
+        return {};
+    return timespec{ time_t(*seconds), 0 };
 }
 
 /// Who may read it may run it, too.
@@ -100,11 +101,10 @@ int apply(const FileChanges &changes, int descriptor)
     if (changes.executable
         && ::fchmod(descriptor, withExecutable(permissions, *changes.executable)) != 0)
         return errno;
-    const std::array<timespec, 2> times{ timeOf(changes.accessed), timeOf(changes.modified) };
-    if (::futimens(descriptor, times.data()) == 0)
-        return 0;
-    const int error = errno;
-    if (changes.executable)
+    const bool setsTimes = changes.accessed || changes.modified;
+    const int error =
+        setsTimes ? setTimes(descriptor, timeOf(changes.accessed), timeOf(changes.modified)) : 0;
+    if (error != 0 && changes.executable)
         ::fchmod(descriptor, permissions);
     return error;
 }

@@ -1,5 +1,6 @@
 #include "standard/http/Patch.h"
 
+#include "files/Attributes.h"
 #include "files/DiskJob.h"
 #include "files/DiskWorker.h"
 #include "files/Share.h"
@@ -61,12 +62,6 @@ private:
 
 constexpr qint64 coarsestTick = 2; ///< seconds, of FAT
 
-bool setTime(int descriptor, const timespec &time)
-{
-    const timespec times[] = { { 0, UTIME_OMIT }, time };
-    return ::futimens(descriptor, times) == 0;
-}
-
 /// Whether one of the times that make the tag has moved on.
 bool isLater(const EntryFacts &now, const EntryFacts &before)
 {
@@ -83,9 +78,9 @@ void touch(int descriptor, const EntryFacts &before)
 {
     timespec now = {};
     ::clock_gettime(CLOCK_REALTIME, &now);
-    setTime(descriptor, now);
+    setTimes(descriptor, {}, now);
     if (!isLater(openFacts(descriptor), before))
-        setTime(descriptor, { time_t(before.seconds + coarsestTick), 0 });
+        setTimes(descriptor, {}, timespec{ time_t(before.seconds + coarsestTick), 0 });
 }
 
 } // namespace

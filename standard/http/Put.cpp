@@ -1,5 +1,6 @@
 #include "standard/http/Put.h"
 
+#include "files/Attributes.h"
 #include "files/DiskWorker.h"
 #include "files/Share.h"
 #include "server/Uploads.h"
@@ -21,12 +22,6 @@ constexpr auto timeField = "X-OC-Mtime";
 FileDescriptor duplicate(int descriptor)
 {
     return FileDescriptor(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
-}
-
-bool setTime(int descriptor, qint64 seconds)
-{
-    const timespec times[] = { { 0, UTIME_OMIT }, { time_t(seconds), 0 } };
-    return ::futimens(descriptor, times) == 0;
 }
 
 } // namespace
@@ -127,7 +122,7 @@ void Put::keep()
 {
     const std::shared_ptr<UploadFile> received = std::exchange(upload, {});
     if (const std::optional<qint64> time = wantedTime())
-        tookTime = setTime(received->descriptor(), *time);
+        tookTime = setTimes(received->descriptor(), {}, timespec{ time_t(*time), 0 }) == 0;
     // The tag is that of this very file, whatever happens to its name.
     const auto kept = std::make_shared<FileDescriptor>(duplicate(received->descriptor()));
     disk().run(received, this, [this, received, kept] { answer(received->error(), *kept); });
