@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -28,7 +29,13 @@ int renameByLink(int fromFolder, const char *from, int toFolder, const char *to)
 {
     if (::linkat(fromFolder, from, toFolder, to, 0) != 0)
         return errno;
-    return ::unlinkat(fromFolder, from, 0) == 0 ? 0 : errno;
+    if (::unlinkat(fromFolder, from, 0) != 0)
+        return errno;
+    // FUSE takes the two names for two files: what the system knows of the second one is from
+    // before the first one went, and would soon change.
+    struct statx asked = {};
+    ::statx(toFolder, to, AT_SYMLINK_NOFOLLOW | AT_STATX_FORCE_SYNC, STATX_BASIC_STATS, &asked);
+    return 0;
 }
 
 } // namespace

@@ -2,7 +2,9 @@
 
 #include "files/Place.h"
 
-/// Gives an entry another place, where nothing may stand. 0, or the number of the error: `EXDEV`
+/// Gives an entry another place, where nothing may stand; in one step where the file system can
+/// refuse to replace. Else by a second name, and where there are no links after a look: another
+/// program could take the name between the two. 0, or the number of the error: `EXDEV`
 /// for another file system, `EEXIST` for a name that is taken or being received, `EBUSY` for an
 /// entry that is being received or holds a hidden folder.
 int renameNew(const Place &from, const Place &to);
