@@ -20,7 +20,7 @@ packages_of() {
         # Clients that are not ours, and a display that nobody looks at.
         echo curl wget cadaver rclone litmus chromium xvfb
         # Proxies to stand behind, and other file systems, in programs of their own.
-        echo nginx haproxy bindfs exfat-fuse exfatprogs
+        echo nginx haproxy bindfs dosfstools exfat-fuse exfatprogs
         has node || echo nodejs
         has npm || echo npm
         ;;
