@@ -22,7 +22,7 @@ TlsSocket::TlsSocket(FileDescriptor accepted, const QSslConfiguration &identity,
     : Socket(counter)
     , poller(engine)
 {
-    connect(&socket, &QIODevice::readyRead, this, [this] { user->readable(); });
+    connect(&socket, &QIODevice::readyRead, this, &TlsSocket::arrived);
     connect(&socket, &QIODevice::bytesWritten, this, &TlsSocket::written);
     connect(&socket, &QSslSocket::encryptedBytesWritten, this, &TlsSocket::written);
     // Queued: a failing write must not end the connection inside its user's call.
@@ -101,6 +101,15 @@ void TlsSocket::countQueued()
     const qint64 now = queued();
     poller->addBacklog(now - counted);
     counted = now;
+}
+
+/// A write may decrypt what has arrived meanwhile: that is told once the writer is done.
+void TlsSocket::arrived()
+{
+    if (writing)
+        again();
+    else
+        user->readable();
 }
 
 /// The toolkit tells it also inside a write; whoever writes goes on by itself.

@@ -39,6 +39,7 @@ private:
     qint64 receive(char *data, qint64 max) override;
     bool send(const QByteArray &bytes, bool more) override;
     qint64 send(int file, qint64 offset, qint64 count) override;
+    void arrived();
     void written();
     void countQueued();
     void takeTurn();

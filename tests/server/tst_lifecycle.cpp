@@ -1,5 +1,6 @@
 #include "server/Places.h"
 #include "server/SessionTable.h"
+#include "standard/http/StandardFace.h"
 #include "tests/support/LiveServer.h"
 
 #include <QElapsedTimer>
@@ -11,6 +12,8 @@
 #include <unistd.h>
 
 namespace {
+
+constexpr int tlsPiece = 4096; // bytes that the toolkit decrypts at once
 
 std::unique_ptr<QTcpSocket> tlsSocket()
 {
@@ -45,6 +48,7 @@ private Q_SLOTS:
     void init();
     void cleanup() { live.reset(); }
     void servesOverTls();
+    void takesABodyThatComesWithItsHeadOverTls();
     void saysWhyTlsCantBeUsed_data();
     void saysWhyTlsCantBeUsed();
     void answersWhileOthersReadNothing();
@@ -114,6 +118,25 @@ void TestLifecycle::servesOverTls()
         live->server->stopAll();
     }
     QCOMPARE(live->sink.messages, QStringList());
+}
+
+/// The body is yet to be decrypted when the peer is asked for it.
+void TestLifecycle::takesABodyThatComesWithItsHeadOverTls()
+{
+    live = std::make_unique<LiveServer>(standard::standardFaces(standard::fileRoutes()));
+    useKeys(QStringLiteral("plain.key"), QStringLiteral("server.crt"));
+    live->start();
+    RawClient client(live->port(), tlsSocket());
+    auto *tls = qobject_cast<QSslSocket *>(client.socket.get());
+    QVERIFY(client.waitUntil([tls] { return tls->isEncrypted(); }));
+    const QByteArray fields = "Expect: 100-continue\r\nContent-Length: 7\r\nX: ";
+    const int rest = tlsPiece - rawRequest("PUT", "/new", fields + "\r\n").size();
+    tls->write(rawRequest("PUT", "/new", fields + QByteArray(rest, 'x') + "\r\n") + "content");
+    RawReply reply = client.reply();
+    if (reply.status() == "100 Continue")
+        reply = client.reply();
+    QCOMPARE(reply.status(), QByteArray("201 Created"));
+    QCOMPARE(live->fileContent(QStringLiteral("new")), QByteArray("content"));
 }
 
 void TestLifecycle::saysWhyTlsCantBeUsed_data()
