@@ -69,6 +69,8 @@ void Channel::collectHead()
     switch (head.collect(input)) {
     case HeadCollector::Look::Incomplete:
         return;
+    case HeadCollector::Look::Bad:
+        return refuse(Status::BadRequest);
     case HeadCollector::Look::Ended:
         return closeSocket();
     case HeadCollector::Look::TooLong:
@@ -87,11 +89,12 @@ void Channel::collectHead()
     user.requestReady(std::move(request));
 }
 
-/// Nobody can say where the next request would begin.
+/// Nobody can say where the next request would begin, or how much of this one is on its way.
 void Channel::refuse(Status status)
 {
     state = State::Replying;
     keepAlive = false;
+    maySendMore = true;
     user.requestBad(status);
 }
 
@@ -225,9 +228,8 @@ void Channel::end()
 /// The next request may be here already. It must not be parsed inside the reply to this one.
 void Channel::lookFurther()
 {
-    if (!input.mayRead())
-        return;
-    nextWaits = inTurn;
+    nextWaits = inTurn && input.mayRead();
+    // Whoever owns the channel lets go of the request in a turn, even if no other one follows.
     if (!inTurn)
         socket.again();
 }
@@ -267,7 +269,7 @@ void Channel::rearm()
 
 void Channel::close()
 {
-    if (body.isAtEnd() && head.isEmpty() && !expectsContinue && !input.mayRead())
+    if (body.isAtEnd() && !maySendMore && !expectsContinue && !input.mayRead())
         return closeSocket();
     // Closing on unread input would destroy the reply on its way (RFC 9112, section 9.6).
     state = State::Lingering;

@@ -130,6 +130,7 @@ private:
     BodyReader body;
     bool keepAlive = true;
     bool expectsContinue = false; ///< the peer was not yet asked for its body
+    bool maySendMore = false; ///< of a request that nobody can take apart
     bool inTurn = false; ///< input is being taken
     bool nextWaits = false; ///< there may be another request to look at in this turn
     qint64 dropped = 0; ///< bytes of the body that nobody read

@@ -120,8 +120,8 @@ bool isNews(const Request &request, const Validators &current)
         || changedSince(request, "If-Modified-Since", current).value_or(true);
 }
 
-/// Nanoseconds since 1970, wide enough for any time of a file system.
-QByteArray nanoseconds(qint64 seconds, qint32 beyond)
+/// A time of a file system, wide enough for any.
+QByteArray timeText(qint64 seconds, qint32 beyond)
 {
     return QByteArray::number(seconds, 16) + '.' + QByteArray::number(beyond, 16);
 }
@@ -136,8 +136,8 @@ Validators Validators::of(const EntryFacts &facts)
 QByteArray entityTag(const EntryFacts &facts)
 {
     return '"' + QByteArray::number(qulonglong(facts.inode), 16) + '-'
-        + QByteArray::number(facts.size, 16) + '-' + nanoseconds(facts.seconds, facts.nanoseconds)
-        + '-' + nanoseconds(facts.changeSeconds, facts.changeNanoseconds) + '"';
+        + QByteArray::number(facts.size, 16) + '-' + timeText(facts.seconds, facts.nanoseconds)
+        + '-' + timeText(facts.changeSeconds, facts.changeNanoseconds) + '"';
 }
 
 Verdict judge(const Request &request, const Validators &current)

@@ -101,7 +101,7 @@ void FileReply::startParts(Fields fields, std::vector<ByteRange> wanted)
 {
     boundary = newBoundary();
     fields.push_back({ "Content-Type", "multipart/byteranges; boundary=" + boundary });
-    const auto length = std::accumulate(wanted.begin(), wanted.end(), qint64(boundary.size()) + 8,
+    const auto length = std::accumulate(wanted.begin(), wanted.end(), qint64(partsEnd().size()),
                                         [this](qint64 sum, const ByteRange &part) {
                                             return sum + partHead(part).size() + part.count;
                                         });
@@ -118,6 +118,11 @@ QByteArray FileReply::partHead(const ByteRange &part) const
         + "\r\nContent-Range: " + contentRange(part, file.facts.size) + "\r\n\r\n";
 }
 
+QByteArray FileReply::partsEnd() const
+{
+    return "\r\n--" + boundary + "--\r\n";
+}
+
 void FileReply::sendNextPart()
 {
     const ByteRange part = parts.back();
@@ -132,7 +137,7 @@ void FileReply::fileSent()
         return exchange.end();
     if (!parts.empty())
         return sendNextPart();
-    exchange.write("\r\n--" + boundary + "--\r\n");
+    exchange.write(partsEnd());
     exchange.end();
 }
 

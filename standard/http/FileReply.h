@@ -28,6 +28,7 @@ private:
     void startParts(Fields fields, std::vector<ByteRange> wanted);
     void sendNextPart();
     QByteArray partHead(const ByteRange &part) const;
+    QByteArray partsEnd() const;
     QByteArray fileName() const;
     void redirectToFolder();
     void listFolder();

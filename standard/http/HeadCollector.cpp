@@ -7,25 +7,50 @@
 
 namespace standard {
 
+namespace {
+
+constexpr int maxBlankLines = 4; ///< in front of a head
+
+} // namespace
+
 HeadCollector::Look HeadCollector::collect(Input &input)
 {
-    const qint64 size = input.fill(maxHead);
-    if (seen == 0)
-        skipBlankLines(input);
+    const qint64 size = fill(input);
+    if (blankLines > maxBlankLines)
+        return Look::Bad;
     const QByteArray &bytes = input.buffered();
     if (findEnd(bytes))
         return Look::Ready;
-    seen = int(bytes.size());
+    // Half a line break may yet be a blank line.
+    seen = bytes == "\r" ? 0 : int(bytes.size());
     if (seen >= maxHead)
         return Look::TooLong;
     return size < 0 ? Look::Ended : Look::Incomplete;
 }
 
-/// Some peers end a body with a line too many (RFC 9112, section 2.2).
-void HeadCollector::skipBlankLines(Input &input)
+/// Takes what has arrived, but the blank lines in front of it. There may be more once those are
+/// gone, and nobody would tell.
+qint64 HeadCollector::fill(Input &input)
 {
-    while (input.buffered().startsWith("\r\n"))
-        input.take(2);
+    qint64 size = input.fill(maxHead);
+    while (skipBlankLines(input))
+        size = input.fill(maxHead);
+    return size;
+}
+
+/// Some peers end a body with a line too many (RFC 9112, section 2.2).
+bool HeadCollector::skipBlankLines(Input &input)
+{
+    if (seen > 0)
+        return false;
+    const QByteArray &bytes = input.buffered();
+    int size = 0;
+    while (blankLines <= maxBlankLines && bytes.mid(size, 2) == "\r\n") {
+        size += 2;
+        ++blankLines;
+    }
+    input.take(size);
+    return size > 0;
 }
 
 /// A blank line ends the head, also one of a bare line feed: so that such a head is refused, not
@@ -48,6 +73,7 @@ QByteArray HeadCollector::take(Input &input)
     const QByteArray head = input.buffered().left(std::exchange(end, 0));
     input.take(head.size());
     seen = 0;
+    blankLines = 0;
     return head;
 }
 

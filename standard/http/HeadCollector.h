@@ -14,22 +14,22 @@ public:
         Incomplete, ///< more has to arrive
         Ready,
         TooLong,
+        Bad, ///< nothing but blank lines
         Ended ///< the peer stopped sending before the head was whole
     };
 
     /// Looks at what has arrived.
     Look collect(Input &input);
 
-    /// Whether nothing of a head has arrived.
-    bool isEmpty() const { return seen == 0; }
-
     /// Takes the collected head, with its blank line, out of the input and gets ready for the next.
     QByteArray take(Input &input);
 
 private:
-    void skipBlankLines(Input &input);
+    qint64 fill(Input &input);
+    bool skipBlankLines(Input &input);
     bool findEnd(const QByteArray &bytes);
 
+    int blankLines = 0; ///< in front of the head
     int seen = 0; ///< bytes that were looked at
     int end = 0; ///< of the head, once it was found
 };

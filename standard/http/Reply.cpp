@@ -8,6 +8,7 @@ namespace standard {
 
 namespace {
 
+constexpr int usualHead = 512; ///< bytes
 constexpr auto product = "Quillon/" QUILLON_VERSION;
 
 /// The time now; made once a second.
@@ -54,7 +55,7 @@ void appendEnding(QByteArray &block, const ReplyHead &head)
 QByteArray headBlock(const ReplyHead &head)
 {
     QByteArray block;
-    block.reserve(512);
+    block.reserve(usualHead);
     block += "HTTP/1.1 ";
     block += statusText(head.status);
     block += "\r\n";

@@ -1,8 +1,36 @@
+#include "standard/http/Handler.h"
 #include "tests/standard/StandardTest.h"
 
 #include <QTest>
+#include <QTimer>
 
-using namespace standard;
+namespace standard {
+namespace {
+
+/// Answers in a later turn of the event loop.
+class LateReply final : public Handler
+{
+public:
+    explicit LateReply(Exchange &current)
+        : Handler(current)
+    {
+        ++alive();
+    }
+    ~LateReply() override { --alive(); }
+
+    static int &alive()
+    {
+        static int count = 0;
+        return count;
+    }
+
+    void start() override
+    {
+        QTimer::singleShot(0, this, [this] { exchange.reply(Status::NoContent); });
+    }
+};
+
+} // namespace
 
 class TestFilesByHttp : public QObject
 {
@@ -21,6 +49,8 @@ private Q_SLOTS:
     void unreadBodies();
     void badHeads_data();
     void badHeads();
+    void idleConnectionKeepsNoHandler();
+    void blankLinesInFront();
 };
 
 void TestFilesByHttp::fileHasAllItsFields()
@@ -158,6 +188,7 @@ void TestFilesByHttp::folders()
     QCOMPARE(moved.header("Location"), QByteArray("/f%20%3C%26/?a=b"));
     // A path of two slashes would be another server.
     QCOMPARE(replyTo(server, "GET", "//f%20%3C%26").header("Location"), QByteArray("/f%20%3C%26/"));
+    QCOMPARE(replyTo(server, "GET", "/x/..?a").header("Location"), QByteArray("/?a"));
     const RawReply page = replyTo(server, "GET", "/f%20%3C%26/");
     QCOMPARE(page.header("Content-Type"), QByteArray("text/html; charset=utf-8"));
     QVERIFY(page.body.contains("/f &lt;&amp;</h1>"));
@@ -238,6 +269,11 @@ void TestFilesByHttp::badHeads_data()
         << QByteArray("BREW / HTTP/1.1\r\nHost: a\r\n\r\n") << QByteArray("501 Not Implemented");
     QTest::newRow("another protocol")
         << QByteArray("\x16\x03\x01\n\n") << QByteArray("400 Bad Request");
+    QTest::newRow("nothing but blank lines")
+        << QByteArray("\r\n").repeated(20000) << QByteArray("400 Bad Request");
+    QTest::newRow("two lengths") << QByteArray(
+        "PUT / HTTP/1.1\r\nHost: a\r\nContent-Length: 5\r\nContent-Length: 6\r\n\r\n")
+                                 << QByteArray("400 Bad Request");
 }
 
 void TestFilesByHttp::badHeads()
@@ -250,7 +286,34 @@ void TestFilesByHttp::badHeads()
     QTEST(reply.status(), "status");
     QCOMPARE(reply.header("Connection"), QByteArray("close"));
     QVERIFY(client.waitForClose());
+    // What is still on its way must not cost the peer the reply.
+    QCOMPARE(server.server->connectionCount(), 1);
 }
 
-QTEST_GUILESS_MAIN(TestFilesByHttp)
+/// The disk answers outside of the peer's turn; then nothing more may come from it for long.
+void TestFilesByHttp::idleConnectionKeepsNoHandler()
+{
+    Routes routes = fileRoutes();
+    routes.rows.front() = { Method::Options, makeHandler<LateReply> };
+    StandardServer server(routes);
+    RawClient client(server.port());
+    QCOMPARE(client.exchange(rawRequest("OPTIONS", "/")).status(), QByteArray("204 No Content"));
+    QTRY_COMPARE(LateReply::alive(), 0);
+    QVERIFY(client.isOpen());
+}
+
+void TestFilesByHttp::blankLinesInFront()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "one");
+    RawClient client(server.port());
+    client.send("\r\n\r");
+    QTest::qWait(20);
+    client.send('\n' + rawRequest("GET", "/a"));
+    QCOMPARE(client.reply().body, QByteArray("one"));
+}
+
+} // namespace standard
+
+QTEST_GUILESS_MAIN(standard::TestFilesByHttp)
 #include "tst_files_by_http.moc"
