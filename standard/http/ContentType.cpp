@@ -119,7 +119,8 @@ QByteArray disposition(const QByteArray &fileName, const QByteArray &type)
         plain.begin(), plain.end(), [](char c) { return !isPlain(c); }, '_');
     QByteArray value = isShown ? "inline" : "attachment";
     value += "; filename=\"" + plain + '"';
-    if (plain != fileName)
+    // What isn't UTF-8 can't be told by that name (RFC 8187, section 3.2.3).
+    if (plain != fileName && QString::fromUtf8(fileName).toUtf8() == fileName)
         value += "; filename*=UTF-8''" + fileName.toPercentEncoding(literalInValue);
     return value;
 }

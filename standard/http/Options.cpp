@@ -19,23 +19,39 @@ struct MethodUse
     bool onFolder;
     bool onMissing;
     bool onRoot; ///< on what is shared itself
-    bool (Profile::*right)() const; ///< that it takes
+    bool (*isAllowed)(const Profile &profile); ///< null: it takes no right
 };
+
+bool mayUpload(const Profile &profile)
+{
+    return profile.allowsUpload();
+}
+
+bool mayDelete(const Profile &profile)
+{
+    return profile.allowsDelete();
+}
+
+/// What is moved goes from where it was.
+bool mayMove(const Profile &profile)
+{
+    return mayUpload(profile) && mayDelete(profile);
+}
 
 constexpr std::array<MethodUse, 13> uses{ {
     { Method::Get, true, true, false, true, nullptr },
     { Method::Head, true, true, false, true, nullptr },
-    { Method::Post, true, true, true, true, &Profile::allowsUpload },
-    { Method::Put, true, false, true, false, &Profile::allowsUpload },
-    { Method::Patch, true, false, false, false, &Profile::allowsUpload },
-    { Method::Delete, true, true, false, false, &Profile::allowsDelete },
-    { Method::MkCol, false, false, true, false, &Profile::allowsUpload },
-    { Method::Copy, true, true, false, true, &Profile::allowsUpload },
-    { Method::Move, true, true, false, false, &Profile::allowsUpload },
+    { Method::Post, true, true, true, true, mayUpload },
+    { Method::Put, true, false, true, false, mayUpload },
+    { Method::Patch, true, false, false, false, mayUpload },
+    { Method::Delete, true, true, false, false, mayDelete },
+    { Method::MkCol, false, false, true, false, mayUpload },
+    { Method::Copy, true, true, false, true, mayUpload },
+    { Method::Move, true, true, false, false, mayMove },
     { Method::PropFind, true, true, false, true, nullptr },
-    { Method::PropPatch, true, true, false, true, &Profile::allowsUpload },
-    { Method::Lock, true, true, true, true, &Profile::allowsUpload },
-    { Method::Unlock, true, true, false, true, &Profile::allowsUpload },
+    { Method::PropPatch, true, true, false, true, mayUpload },
+    { Method::Lock, true, true, true, true, mayUpload },
+    { Method::Unlock, true, true, false, true, mayUpload },
 } };
 
 bool isOf(const MethodUse &use, const EntryFacts &found, bool isRoot)
@@ -54,7 +70,7 @@ bool isAnswered(Method method, const Exchange &exchange, const EntryFacts &found
     return std::all_of(uses.begin(), uses.end(), [&](const MethodUse &use) {
         if (use.method != method || exchange.request().isForServer)
             return true;
-        return isOf(use, found, isRoot) && (!use.right || (profile.*use.right)());
+        return isOf(use, found, isRoot) && (!use.isAllowed || use.isAllowed(profile));
     });
 }
 

@@ -27,6 +27,13 @@ namespace {
 constexpr auto rangeField = "X-Update-Range";
 constexpr auto bytesUnit = "bytes=";
 
+/// In any case, whatever parameters follow (RFC 9110, section 8.3.1).
+bool isPartialUpdate(const QByteArray &type)
+{
+    const QByteArray name = type.split(';').front().trimmed();
+    return qstricmp(name.constData(), Patch::contentType) == 0;
+}
+
 std::optional<qint64> numberOf(const QByteArray &digits)
 {
     bool good = !digits.isEmpty() && digits.front() >= '0' && digits.front() <= '9';
@@ -130,7 +137,7 @@ bool Patch::isAllowed(const EntryFacts &found)
 {
     if (!mayUpload())
         return false;
-    if (exchange.request().value("Content-Type") != contentType) {
+    if (!isPartialUpdate(exchange.request().value("Content-Type"))) {
         exchange.refuse(Status::UnsupportedMediaType, {}, { { "Accept-Patch", contentType } });
         return false;
     }

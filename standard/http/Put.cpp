@@ -134,7 +134,7 @@ std::optional<qint64> Put::wantedTime() const
     bool good = false;
     const double seconds = exchange.request().value(timeField).toDouble(&good);
     constexpr double latest = 253402300799; // the year 9999
-    if (!good || seconds < 0 || seconds > latest)
+    if (!good || !(seconds >= 0 && seconds <= latest)) // "nan" is a number to the toolkit
         return {};
     return qint64(seconds);
 }

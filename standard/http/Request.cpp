@@ -131,13 +131,13 @@ Result checkHost(const Request &request)
 /// One length, which several lines may repeat (RFC 9112, section 6.3).
 Result readLength(const QByteArray &value, Framing &framing)
 {
-    const std::vector<QByteArray> lengths = listItems(value);
-    const auto isGood = [&lengths](const QByteArray &text) {
-        return isDigits(text) && text.size() <= longestLength && text == lengths.front();
-    };
-    if (lengths.empty() || !std::all_of(lengths.begin(), lengths.end(), isGood))
+    const QList<QByteArray> lengths = value.split(',');
+    const QByteArray first = withoutBlanks(lengths.front());
+    const auto isGood = [&first](const QByteArray &text) { return withoutBlanks(text) == first; };
+    if (!isDigits(first) || first.size() > longestLength
+        || !std::all_of(lengths.begin(), lengths.end(), isGood))
         return Status::BadRequest;
-    framing.contentLength = lengths.front().toLongLong();
+    framing.contentLength = first.toLongLong();
     return {};
 }
 

@@ -174,7 +174,10 @@ void TestChanges::timeOfUpload()
     QCOMPARE(reply.header("X-OC-Mtime"), QByteArray("accepted"));
     QCOMPARE(reply.header("Last-Modified"), QByteArray("Sun, 06 Nov 1994 08:49:37 GMT"));
     QCOMPARE(replyTo(server, "HEAD", "/a").header("ETag"), reply.header("ETag"));
-    QVERIFY(replyTo(server, "PUT", "/a", "X-OC-Mtime: x\r\n", "2").header("X-OC-Mtime").isEmpty());
+    for (const char *bad : { "x", "nan", "-1", "1e300" }) {
+        const QByteArray headers = QByteArray("X-OC-Mtime: ") + bad + "\r\n";
+        QVERIFY(replyTo(server, "PUT", "/a", headers, "2").header("X-OC-Mtime").isEmpty());
+    }
 }
 
 void TestChanges::updateRanges_data()
@@ -205,7 +208,7 @@ void TestChanges::patchWritesInPlace()
 {
     StandardServer server;
     server.addFile(QStringLiteral("a"), "0123456789");
-    const QByteArray type = "Content-Type: application/x-sabredav-partialupdate\r\n";
+    const QByteArray type = "Content-Type: Application/X-SabreDAV-PartialUpdate; a=b\r\n";
     const auto patch = [&](const QByteArray &headers, const QByteArray &body) {
         return replyTo(server, "PATCH", "/a", headers, body);
     };
@@ -418,6 +421,11 @@ void TestChanges::optionsTellWhatWorks()
     QCOMPARE(allowed("*"), QByteArray("OPTIONS, GET, HEAD, PUT, PATCH, DELETE, MKCOL, COPY, MOVE"));
     server.profile->enableUpload = Qt::Unchecked;
     QCOMPARE(allowed("/a"), QByteArray("OPTIONS, GET, HEAD, DELETE"));
+    server.profile->enableUpload = Qt::Checked;
+    server.profile->enableDelete = Qt::Unchecked;
+    QCOMPARE(allowed("/a"), QByteArray("OPTIONS, GET, HEAD, PUT, PATCH, COPY"));
+    server.profile->enableUpload = Qt::Unchecked;
+    server.profile->enableDelete = Qt::Checked;
     const RawReply unknown = replyTo(server, "PROPFIND", "/a");
     QCOMPARE(unknown.status(), QByteArray("405 Method Not Allowed"));
     QCOMPARE(unknown.header("Allow"), QByteArray("OPTIONS, GET, HEAD, DELETE"));

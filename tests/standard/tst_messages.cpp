@@ -120,6 +120,7 @@ void TestMessages::headIsAcceptedOrRefused_data()
     QTest::newRow("length beyond all numbers")
         << put("Content-Length: 99999999999999999999\r\n") << 400;
     QTest::newRow("empty length") << put("Content-Length: \r\n") << 400;
+    QTest::newRow("half a list of lengths") << put("Content-Length: 5,\r\n") << 400;
     QTest::newRow("length and chunks")
         << put("Content-Length: 1\r\nTransfer-Encoding: chunked\r\n") << 400;
     QTest::newRow("chunks") << put("transfer-encoding: Chunked\r\n") << 0;
@@ -340,6 +341,7 @@ void TestMessages::namesInDisposition()
     QCOMPARE(disposition("\xc3\xa4\"\r\n%.html", "text/html"),
              QByteArray("attachment; filename=\"______.html\"; "
                         "filename*=UTF-8''%C3%A4%22%0D%0A%25.html"));
+    QCOMPARE(disposition("gr\xfc.jpg", "image/jpeg"), QByteArray("inline; filename=\"gr_.jpg\""));
 }
 
 void TestMessages::proxiesTell_data()
