@@ -1,5 +1,6 @@
 #include "files/FileDescriptor.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 void FileDescriptor::reset(int number)
@@ -7,4 +8,9 @@ void FileDescriptor::reset(int number)
     if (fd >= 0)
         ::close(fd);
     fd = number;
+}
+
+FileDescriptor duplicate(int descriptor)
+{
+    return FileDescriptor(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
 }

@@ -36,3 +36,7 @@ public:
 private:
     int fd = -1;
 };
+
+/// One more descriptor of what is open at `descriptor`. Not open, with `errno`, when there are too
+/// many.
+FileDescriptor duplicate(int descriptor);

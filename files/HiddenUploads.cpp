@@ -4,6 +4,8 @@
 
 #include <QRandomGenerator>
 
+#include <algorithm>
+#include <climits>
 #include <cstring>
 #include <ctime>
 
@@ -24,20 +26,47 @@ bool isUnused(int folder, const char *name)
     return file.isOpen() && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0;
 }
 
+QByteArray randomText()
+{
+    constexpr char digits[] = "0123456789abcdefghijklmnopqrstuvwxyz";
+    QByteArray text;
+    for (int i = 0; i < randomDigits; ++i)
+        text += digits[QRandomGenerator::global()->bounded(int(sizeof digits) - 1)];
+    return text;
+}
+
+/// Not within a character of UTF-8.
+QByteArray shortened(QByteArray name, int most)
+{
+    const auto isContinued = [&name](int at) { return (name.at(at) & 0xc0) == 0x80; };
+    int size = std::min(most, int(name.size()));
+    while (size > 0 && size < name.size() && isContinued(size))
+        --size;
+    name.truncate(size);
+    return name;
+}
+
 } // namespace
 
 QByteArray hiddenUploadName()
 {
-    constexpr char digits[] = "0123456789abcdefghijklmnopqrstuvwxyz";
-    QByteArray name(prefix);
-    for (int i = 0; i < randomDigits; ++i)
-        name += digits[QRandomGenerator::global()->bounded(int(sizeof digits) - 1)];
-    return name;
+    return prefix + randomText();
 }
 
 bool isHiddenUpload(const char *name)
 {
     return std::strncmp(name, prefix, std::strlen(prefix)) == 0;
+}
+
+bool namesHiddenUpload(const QByteArray &path)
+{
+    return isHiddenUpload(path.constData()) || path.contains(QByteArray("/") + prefix);
+}
+
+QByteArray asideName(const QByteArray &name)
+{
+    const QByteArray end = ".replaced-" + randomText();
+    return shortened(name, NAME_MAX - int(end.size())) + end;
 }
 
 void sweepHiddenUploads(int folder)

@@ -18,3 +18,9 @@ struct Place
 
     bool isValid() const { return folder.isOpen() && !name.isEmpty(); }
 };
+
+/// Another name in the same folder.
+inline Place beside(const Place &place, const QByteArray &name)
+{
+    return { duplicate(place.folder.get()), name, false, place.hidden };
+}

@@ -14,5 +14,15 @@ int renameNew(const Place &from, const Place &to);
 /// being received.
 int renameOver(const Place &from, const Place &to);
 
+/// Gives an entry the place of whatever stands there, in one step where the file system knows how;
+/// else that is called as `asideName` has it for a moment, and a failure gives it its name back.
+/// What stood there, when it wasn't replaced by the system itself, is at `old` then: hidden, and to
+/// be removed. 0, or the number of the error as above, and everything is as it was.
+int renameReplacing(const Place &from, const Place &to, Place &old);
+
+/// Gives an entry another name in its folder that the file system takes for the same, in two steps.
+/// 0, or the number of the error.
+int respell(const Place &from, const Place &to);
+
 /// `renameNew` by the names alone, for who holds them reserved.
 int renameNew(int fromFolder, const QByteArray &from, int toFolder, const QByteArray &to);

@@ -13,12 +13,6 @@ namespace standard {
 
 namespace {
 
-Place beside(const Place &place, const QByteArray &name)
-{
-    return { FileDescriptor(::fcntl(place.folder.get(), F_DUPFD_CLOEXEC, 0)), name, false,
-             place.hidden };
-}
-
 int errorNumber(DiskError error)
 {
     switch (error) {
