@@ -1,18 +1,20 @@
 #include "files/EntryCopy.h"
 
 #include "files/Attributes.h"
+#include "files/HiddenUploads.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <utility>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
 
-constexpr std::size_t maxDepth = 200; ///< each level keeps two files open
+constexpr std::size_t maxDepth = 100; ///< each level keeps two files open, of some copies at once
 constexpr std::size_t maxFailures = 100;
 constexpr mode_t whileCopied = 0700;
 constexpr mode_t permissionBits = 0777;
@@ -20,11 +22,6 @@ constexpr mode_t permissionBits = 0777;
 QByteArray pathIn(const QByteArray &folder, const QByteArray &name)
 {
     return folder.isEmpty() ? name : folder + '/' + name;
-}
-
-FileDescriptor duplicate(const FileDescriptor &descriptor)
-{
-    return FileDescriptor(::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, 0));
 }
 
 std::optional<OpenFile> openIn(int folder, const char *name)
@@ -72,6 +69,10 @@ void EntryCopy::abandon()
 
 void EntryCopy::begin()
 {
+    if (list) {
+        const Place place = share->place(top);
+        note({}, place.folder.get(), place.name.constData());
+    }
     if (std::optional<OpenFile> file = share->openFile(top))
         return startFile(std::move(*file), std::move(target), {});
     std::optional<FolderReader> folder = share->openFolder(top);
@@ -88,10 +89,13 @@ void EntryCopy::step(const Budget &until)
         return;
     }
     FolderReader::Item item;
-    if (depth == Depth::Whole && levels.back().source.next(item))
-        take(item);
-    else
-        leave();
+    if (depth == Depth::Alone)
+        return leave();
+    if (levels.back().source.next(item))
+        return take(item);
+    if (const int error = levels.back().source.error())
+        fail(levels.back().path, diskError(error));
+    leave();
 }
 
 /// An entry of the current folder.
@@ -101,18 +105,34 @@ void EntryCopy::take(const FolderReader::Item &item)
     const QByteArray name = item.name;
     const QByteArray path = pathIn(level.path, name);
     const EntryFacts facts = level.source.facts(item);
-    Place to{ duplicate(level.copy), name };
+    if (isHiddenUpload(item.name) || (!facts.file && !facts.folder))
+        return leaveOut(item, path);
+    note(path, level.source.descriptor(), item.name);
+    Place to{ duplicate(level.copy.get()), name };
     if (facts.file) {
         std::optional<OpenFile> file = openIn(level.source.descriptor(), item.name);
         return file ? startFile(std::move(*file), std::move(to), path)
                     : fail(path, diskError(errno));
     }
-    if (!facts.folder) // neither, hidden, or gone by now
-        return;
     FileDescriptor folder = level.source.openFolder(item.name);
     if (!folder.isOpen() || levels.size() == maxDepth || isInside(facts))
         return fail(path, DiskError::Failed);
     enter(share->reader(std::move(folder)), to, path);
+}
+
+/// Neither file nor folder, hidden, being received, or gone by now.
+void EntryCopy::leaveOut(const FolderReader::Item &item, const QByteArray &path)
+{
+    if (list && EntryStamp::of(levels.back().source.descriptor(), item.name))
+        fail(path, DiskError::Failed);
+}
+
+/// Before it is copied: what changes from now on is not in the copy.
+void EntryCopy::note(const QByteArray &path, int folder, const char *name)
+{
+    const std::optional<EntryStamp> stamp = list ? EntryStamp::of(folder, name) : std::nullopt;
+    if (stamp)
+        list->add(path, *stamp);
 }
 
 /// Through a link a folder may hold itself, or the copy.
@@ -148,8 +168,10 @@ void EntryCopy::enter(FolderReader source, const Place &to, const QByteArray &pa
     if (!opened.isOpen())
         return fail(path, diskError(errno));
     const EntryFacts facts = openFacts(source.descriptor());
-    if (levels.empty())
+    if (levels.empty()) {
         made = openFacts(opened.get());
+        ::flock(opened.get(), LOCK_SH | LOCK_NB); // in use, for `LeftoverSweep`
+    }
     levels.push_back({ path, std::move(source), std::move(opened), facts });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/CopiedEntries.h"
 #include "files/DiskError.h"
 #include "files/DiskJob.h"
 #include "files/FileCopy.h"
@@ -15,7 +16,8 @@
 
 /// Copies what a path names, a file or a folder with all it holds, to a place where nothing may
 /// stand, with permissions, times and extended attributes. Links are followed. What can't be copied
-/// is left out; a full disk ends it. Broken off or ended so, it leaves what it has made.
+/// is left out, as are files that are being received; a full disk ends it. Broken off or ended so,
+/// it leaves what it has made.
 class EntryCopy final : public DiskJob
 {
 public:
@@ -31,6 +33,10 @@ public:
     };
 
     EntryCopy(std::shared_ptr<const Share> share, const QByteArray &path, Place to, Depth depth);
+
+    /// Notes what is copied, for who removes it then: whatever is left out is a failure.
+    void listCopied() { list = std::make_shared<CopiedEntries>(); }
+    const std::shared_ptr<CopiedEntries> &copied() const { return list; }
 
     bool run(const Budget &until) override;
     void abandon() override;
@@ -53,6 +59,8 @@ private:
     void begin();
     void step(const Budget &until);
     void take(const FolderReader::Item &item);
+    void leaveOut(const FolderReader::Item &item, const QByteArray &path);
+    void note(const QByteArray &path, int folder, const char *name);
     void startFile(OpenFile file, Place to, const QByteArray &path);
     void finishFile();
     void enter(FolderReader source, const Place &to, const QByteArray &path);
@@ -68,6 +76,7 @@ private:
     EntryFacts made; ///< the copy of the top folder
     std::unique_ptr<FileCopy> copy; ///< under way
     QByteArray copying; ///< its path
+    std::shared_ptr<CopiedEntries> list; ///< null: nobody asks for it
     std::vector<Failure> failed;
     bool begun = false;
     bool full = false;

@@ -31,6 +31,7 @@ bool removeFolder(int folder, const char *name)
 
 TreeRemoval::TreeRemoval(Place top)
     : place(std::move(top))
+    , meant(::openat(place.folder.get(), place.name.constData(), O_PATH | O_NOFOLLOW | O_CLOEXEC))
 {
 }
 
@@ -50,13 +51,27 @@ bool TreeRemoval::run(const Budget &until)
 
 void TreeRemoval::begin()
 {
-    if (!place.isValid() || place.holdsHidden)
+    if (!place.isValid() || place.holdsHidden || !standsThere())
         return;
     const char *name = place.name.constData();
     const int folder = place.folder.get();
+    if (!mayRemove(folder, name))
+        return;
     whole = removeFile(folder, name) || errno == ENOENT;
     if (!whole)
         enter(place.name);
+}
+
+/// Others may have removed it since, or put something in its place.
+bool TreeRemoval::standsThere()
+{
+    const FileDescriptor now(
+        ::openat(place.folder.get(), place.name.constData(), O_PATH | O_NOFOLLOW | O_CLOEXEC));
+    whole = !now.isOpen() && errno == ENOENT;
+    const bool same = isSameEntry(openFacts(meant.get()), openFacts(now.get()));
+    changed = !whole && !same;
+    meant.reset();
+    return same;
 }
 
 void TreeRemoval::step()
@@ -124,6 +139,11 @@ void TreeRemoval::readBatch(Level &level)
 /// Removes an entry, or keeps a folder's name for later. False when there is no room for one more.
 bool TreeRemoval::sort(Level &level, const FolderReader &reader, const FolderReader::Item &item)
 {
+    if (!mayRemove(reader.descriptor(), item.name)) {
+        noteFailure(item.name);
+        count(false);
+        return true;
+    }
     const bool mayBeFile = item.type != DT_DIR;
     if (mayBeFile && removeFile(reader.descriptor(), item.name)) {
         count(true);
@@ -189,12 +209,25 @@ bool TreeRemoval::readAgain(Level &level)
 /// Of an entry of the current folder. The top folder has no path below itself.
 void TreeRemoval::noteFailure(const QByteArray &name)
 {
-    if (levels.empty() || failed.size() == maxFailures)
-        return;
+    if (!levels.empty() && failed.size() < maxFailures)
+        failed.push_back(pathOf(name));
+}
+
+/// Below the top folder.
+QByteArray TreeRemoval::pathOf(const QByteArray &name) const
+{
     QByteArray path;
     for (std::size_t i = 1; i < levels.size(); ++i)
         path += levels[i].name + '/';
-    failed.push_back(path + name);
+    return path + name;
+}
+
+/// An entry of the current folder, or the top.
+bool TreeRemoval::mayRemove(int folder, const char *name) const
+{
+    if (!removable)
+        return true;
+    return removable->holds(levels.empty() ? QByteArray() : pathOf(name), folder, name);
 }
 
 void TreeRemoval::count(bool done)

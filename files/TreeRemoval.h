@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/CopiedEntries.h"
 #include "files/DiskJob.h"
 #include "files/FileDescriptor.h"
 #include "files/FolderReader.h"
@@ -8,18 +9,27 @@
 #include <QByteArray>
 #include <QtGlobal>
 
+#include <memory>
 #include <vector>
 
 /// Removes what stands at a place: a file, a link, or a folder with all it holds. Links are never
 /// followed, also when one is put in the place of a folder meanwhile: nothing outside the tree is
 /// touched. Works on open folders, so no tree is too deep, and remembers a few names a level. What
-/// can't be removed stays, the rest goes; broken off, what is gone is gone.
+/// can't be removed stays, the rest goes; broken off, what is gone is gone. What takes the place
+/// after the job was made stays.
 class TreeRemoval final : public DiskJob
 {
 public:
     explicit TreeRemoval(Place top);
 
+    /// Nothing else is to be removed than what is listed and unchanged; the rest counts as
+    /// failures.
+    void only(std::shared_ptr<const CopiedEntries> listed) { removable = std::move(listed); }
+
     bool run(const Budget &until) override;
+
+    /// Whether something else stood at the place by then, and still does.
+    bool isChanged() const { return changed; }
 
     /// Whether nothing stands at the place any more; also when nothing ever did.
     bool isWhole() const { return whole; }
@@ -45,6 +55,7 @@ private:
     };
 
     void begin();
+    bool standsThere();
     void step();
     void enter(const QByteArray &name);
     void readBatch(Level &level);
@@ -54,12 +65,17 @@ private:
     bool readAgain(Level &level);
     void count(bool done);
     void noteFailure(const QByteArray &name);
+    QByteArray pathOf(const QByteArray &name) const;
+    bool mayRemove(int folder, const char *name) const;
     void limitOpen();
 
     Place place;
+    FileDescriptor meant; ///< what stood at the place when the job was made (`O_PATH`)
+    std::shared_ptr<const CopiedEntries> removable; ///< null: everything is
     std::vector<Level> levels; ///< from the top folder to the current one
     bool begun = false;
     bool whole = false;
+    bool changed = false;
     qint64 removedCount = 0;
     std::vector<QByteArray> failed;
 };

@@ -1,5 +1,8 @@
 #include "tests/files/Disk.h"
 
+#include "files/EntryCopy.h"
+#include "files/HiddenUploads.h"
+#include "files/LeftoverSweep.h"
 #include "files/Path.h"
 #include "files/Rename.h"
 #include "files/TreeRemoval.h"
@@ -8,6 +11,7 @@
 #include <thread>
 
 #include <sched.h>
+#include <sys/file.h>
 #include <sys/mount.h>
 
 namespace {
@@ -45,6 +49,11 @@ private Q_SLOTS:
     void whatStandsThereIsRemoved();
     void deepTreesAreRemoved();
     void linksPutInMeanwhileLeadNowhere();
+    void onlyWhatWasMeantIsRemoved();
+    void onlyWhatWasCopiedIsRemoved();
+    void treesAreReplaced_data();
+    void treesAreReplaced();
+    void leftoversAreSwept();
 };
 
 void ShareTest::paths_data()
@@ -244,6 +253,101 @@ void ShareTest::linksPutInMeanwhileLeadNowhere()
         swapping.join();
         QVERIFY(disk.exists("outside/kept"));
     }
+}
+
+void ShareTest::onlyWhatWasMeantIsRemoved()
+{
+    const Disk disk;
+    disk.write("a/x");
+    TreeRemoval late(disk.place("a"));
+    QVERIFY(QFile::rename(disk.path("a"), disk.path("b")));
+    disk.write("a/y", "another's");
+    runToEnd(late);
+    QVERIFY(late.isChanged() && !late.isWhole());
+    QCOMPARE(disk.read("a/y"), QByteArray("another's"));
+}
+
+void ShareTest::onlyWhatWasCopiedIsRemoved()
+{
+    const Disk disk;
+    for (const char *name : { "from/a", "from/sub/b", "from/sub/c", "from/whole/d", "out/e" })
+        disk.write(name);
+    disk.link("from/link", "../out");
+    disk.write("from/.receiving-abc123");
+    const auto share = std::make_shared<const Share>(disk.share());
+    EntryCopy copy(share, "from", disk.place("to"), EntryCopy::Depth::Whole);
+    copy.listCopied();
+    runToEnd(copy);
+    // Nobody would know that it stays.
+    QCOMPARE(int(copy.failures().size()), 1);
+    QVERIFY(disk.exists("to/link/e") && !disk.exists("to/.receiving-abc123"));
+
+    disk.write("from/a", "grown since");
+    disk.write("from/sub/new", "since");
+    TreeRemoval removal(disk.place("from"));
+    removal.only(copy.copied());
+    runToEnd(removal);
+    QVERIFY(!removal.isWhole());
+    QCOMPARE(disk.read("from/a") + disk.read("from/sub/new"), QByteArray("grown sincesince"));
+    QVERIFY(!disk.exists("from/sub/b") && !disk.exists("from/whole") && !disk.exists("from/link"));
+    QVERIFY(disk.exists("out/e") && disk.exists("from/.receiving-abc123"));
+}
+
+void ShareTest::treesAreReplaced_data()
+{
+    QTest::addColumn<bool>("inSteps");
+    QTest::newRow("at once") << false;
+    QTest::newRow("in steps, as on older file systems") << true;
+}
+
+void ShareTest::treesAreReplaced()
+{
+    QFETCH(const bool, inSteps);
+    const Disk disk;
+    disk.write("new/a");
+    disk.write("old/b");
+    disk.write("file");
+    std::vector<int> errors;
+    std::vector<Place> old(3);
+    std::thread([&] {
+        if (inSteps)
+            failCall(SYS_renameat2, EINVAL, ~0U);
+        errors.push_back(renameReplacing(disk.place("none"), disk.place("old"), old[0]));
+        errors.push_back(renameReplacing(disk.place("new"), disk.place("old"), old[1]));
+        errors.push_back(renameReplacing(disk.place("old"), disk.place("file"), old[2]));
+        errors.push_back(respell(disk.place("file"), disk.place("FILE")));
+    }).join();
+    QCOMPARE(errors, std::vector<int>({ ENOENT, 0, 0, 0 }));
+    QVERIFY(!old[0].isValid() && disk.exists("FILE/a"));
+    QVERIFY(disk.exists(old[1].name + "/b"));
+    QCOMPARE(disk.read(old[2].name), QByteArray("x"));
+    QVERIFY(old[1].name.startsWith(".receiving-") && old[2].name.startsWith(".receiving-"));
+    QCOMPARE(disk.names().count(QLatin1Char(' ')), 2);
+    // Another file of that name is none of its spellings.
+    disk.write("file", "other");
+    QCOMPARE(respell(disk.place("file"), disk.place("FILE")), EEXIST);
+    QCOMPARE(disk.read("file"), QByteArray("other"));
+}
+
+void ShareTest::leftoversAreSwept()
+{
+    const Disk disk;
+    disk.write(".receiving-killed/a/b");
+    disk.write(".receiving-busy/a");
+    // All that is left of a folder, if the program ended at that moment.
+    const QByteArray aside =
+        asideName(QByteArray(85, 'x') + QByteArray("\xe2\x82\xac").repeated(56));
+    QVERIFY(aside.size() <= 255 && QString::fromUtf8(aside).toUtf8() == aside);
+    disk.write(aside + "/a");
+    const FileDescriptor busy(::open(disk.native(".receiving-busy").constData(), O_RDONLY));
+    QCOMPARE(::flock(busy.get(), LOCK_SH), 0);
+    LeftoverSweep young(disk.place("any"));
+    runToEnd(young);
+    QVERIFY(disk.exists(".receiving-killed/a/b"));
+    LeftoverSweep sweep(disk.place("any"), std::chrono::seconds(0));
+    runToEnd(sweep);
+    QVERIFY(!disk.exists(".receiving-killed"));
+    QVERIFY(disk.exists(".receiving-busy/a") && disk.exists(aside + "/a"));
 }
 
 QTEST_GUILESS_MAIN(ShareTest)
