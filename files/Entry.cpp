@@ -90,3 +90,9 @@ bool isUnchanged(const EntryFacts &before, const EntryFacts &now)
     return isSameEntry(before, now) && before.size == now.size && before.seconds == now.seconds
         && before.nanoseconds == now.nanoseconds;
 }
+
+bool isUntouched(const EntryFacts &before, const EntryFacts &now)
+{
+    return isUnchanged(before, now) && before.changeSeconds == now.changeSeconds
+        && before.changeNanoseconds == now.changeNanoseconds;
+}

@@ -46,3 +46,6 @@ bool isSameEntry(const EntryFacts &a, const EntryFacts &b);
 
 /// Whether both are the same file with, by size and time, the same content.
 bool isUnchanged(const EntryFacts &before, const EntryFacts &now);
+
+/// The same, and nobody has changed its rights, names or attributes either.
+bool isUntouched(const EntryFacts &before, const EntryFacts &now);

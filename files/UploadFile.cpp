@@ -20,6 +20,7 @@ namespace {
 constexpr mode_t newMode = 0666;
 constexpr mode_t privateMode = 0600;
 constexpr qint64 writeBackBytes = qint64(8) << 20;
+constexpr qint64 quicklyFreed = qint64(8) << 20; ///< bytes of a file that was replaced
 constexpr int attempts = 16;
 
 int errorOf(int returned)
@@ -133,15 +134,35 @@ void UploadFile::startWriteBack(qint64 size)
 
 bool UploadFile::run(const Budget &until)
 {
-    const bool waits = discarded || sweeps || sync != Sync::None;
-    if (waits && !until.mayBlock())
+    const bool keeps = !discarded && !until.isCancelled();
+    // At once: its owner has just found that it may.
+    if (keeps && stage == Stage::Ready)
+        takeName();
+    if (waits() && !until.mayBlock())
         return false;
-    if (!discarded && !until.isCancelled())
-        result = keep();
+    if (keeps && stage == Stage::Receiving) {
+        makeReady();
+        if (stage == Stage::Ready && careful)
+            return true;
+        if (stage == Stage::Ready)
+            takeName();
+    }
+    if (stage == Stage::Named && sync == Sync::FileAndFolder)
+        endWith(syncFolder());
     drop();
     if (sweeps && target.isValid())
         sweepHiddenUploads(target.folder.get());
     return true;
+}
+
+/// Whether what is next takes the disk a while.
+bool UploadFile::waits() const
+{
+    if (discarded || sweeps)
+        return true;
+    if (stage == Stage::Named)
+        return sync == Sync::FileAndFolder || old.size > quicklyFreed;
+    return sync != Sync::None;
 }
 
 void UploadFile::discard()
@@ -151,20 +172,36 @@ void UploadFile::discard()
     reservation.reset();
 }
 
-DiskError UploadFile::keep()
+void UploadFile::makeReady()
 {
-    if (!file.isOpen())
-        return DiskError::Failed;
-    int error = inherit();
+    int error = file.isOpen() ? inherit() : EBADF;
     if (error == 0 && sync != Sync::None)
         error = syncContent(file.get());
+    endWith(error);
     if (error == 0)
-        error = takeName();
-    if (error == 0 && sync == Sync::FileAndFolder)
-        error = syncFolder();
+        stage = Stage::Ready;
+}
+
+void UploadFile::takeName()
+{
+    if (careful && replaced.isOpen() && !isOldThere()) {
+        result = DiskError::Changed;
+        discarded = true;
+        return;
+    }
+    const int error = placeFile();
+    endWith(error);
+    if (error == 0)
+        stage = Stage::Named;
+    else
+        discarded = true;
+}
+
+void UploadFile::endWith(int error)
+{
+    result = diskError(error);
     if (error != 0)
         qCDebug(filesLog) << "not kept:" << target.name << qt_error_string(error);
-    return diskError(error);
 }
 
 int UploadFile::inherit() const
@@ -174,7 +211,7 @@ int UploadFile::inherit() const
     return wantedMode ? changeMode(file.get(), *wantedMode) : 0;
 }
 
-int UploadFile::takeName()
+int UploadFile::placeFile()
 {
     if (replaced.isOpen() && isOldThere())
         return replaceName();
@@ -188,7 +225,8 @@ int UploadFile::takeName()
 bool UploadFile::isOldThere() const
 {
     const EntryFacts there = entryFacts(target.folder.get(), target.name.constData());
-    return !there.link && isSameEntry(old, there);
+    const bool isSame = careful ? isUntouched(old, there) : isSameEntry(old, there);
+    return !there.link && isSame;
 }
 
 int UploadFile::takeFreeName()

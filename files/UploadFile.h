@@ -48,6 +48,10 @@ public:
 
     void setSync(Sync policy) { sync = policy; }
 
+    /// For who looks once more before it takes its name: the job then ends when all but that is
+    /// done, and is to be run once more; an old file that has changed meanwhile stays (`Changed`).
+    void setCareful() { careful = true; }
+
     /// Gives the file its name, see `error`.
     bool run(const Budget &until) override;
 
@@ -67,12 +71,21 @@ public:
 private:
     static constexpr mode_t permissionBits = 0777;
 
+    enum class Stage {
+        Receiving,
+        Ready, ///< but for its name
+        Named
+    };
+
     DiskError begin(mode_t mode);
     bool openHidden(mode_t mode);
     void startWriteBack(qint64 size);
-    DiskError keep();
+    bool waits() const;
+    void makeReady();
+    void takeName();
+    void endWith(int error);
     int inherit() const;
-    int takeName();
+    int placeFile();
     bool isOldThere() const;
     int takeFreeName();
     int replaceName();
@@ -92,5 +105,7 @@ private:
     Sync sync = Sync::File;
     bool sweeps = false; ///< uploads that were killed leave files in this folder
     bool discarded = false;
+    bool careful = false;
+    Stage stage = Stage::Receiving;
     DiskError result = DiskError::None;
 };

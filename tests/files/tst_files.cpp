@@ -71,6 +71,7 @@ private Q_SLOTS:
     void newFile();
     void brokenOffLeavesNothing() const;
     void replacedFileKeepsItsMode();
+    void carefulUploadGivesWay();
     void fullDisk();
     void movedFileIsWhole();
     void treeIsCopiedOnce();
@@ -151,6 +152,27 @@ void FilesTest::replacedFileKeepsItsMode()
         QCOMPARE(keep(upload), kept ? DiskError::None : DiskError::Exists);
         QCOMPARE(disk.read("a"), kept ? QByteArray("new") : meanwhile);
         QVERIFY(!kept || disk.share().facts("a").mode == mode_t(S_IFREG | 0640));
+    }
+}
+
+void FilesTest::carefulUploadGivesWay()
+{
+    for (const bool removed : { false, true }) {
+        const Disk disk;
+        disk.write("a", "old");
+        UploadFile upload;
+        upload.setCareful();
+        QCOMPARE(upload.replace(disk.place("a")), DiskError::None);
+        upload.write("new", 3);
+        QCOMPARE(keep(upload), DiskError::None);
+        QCOMPARE(disk.read("a"), QByteArray("old")); // ready, but not there yet
+        if (removed)
+            QVERIFY(QFile::remove(disk.path("a")));
+        else
+            disk.write("a", "saved in place");
+        QCOMPARE(keep(upload), DiskError::Changed);
+        QCOMPARE(disk.names(), removed ? QString() : QStringLiteral("a"));
+        QVERIFY(removed || disk.read("a") == "saved in place");
     }
 }
 
