@@ -34,7 +34,7 @@ public:
     QByteArray etag(const QByteArray &resource) const override
     {
         const std::optional<QByteArray> path = pathOf(resource);
-        const Share *share = exchange.service().share.get();
+        const Share *share = exchange.share().get();
         const EntryFacts found = path && share ? share->facts(*path) : EntryFacts();
         return found.file ? entityTag(found) : QByteArray();
     }

@@ -54,8 +54,8 @@ void PropFind::bodyReady(const QByteArray &body)
     top.facts = found;
     PropertyReport report(*asked, commonFacts(*asked, *depth),
                           DavState::of(exchange.service()).properties());
-    job = std::make_shared<PropFindJob>(PropFindJob::Subject{ exchange.service().share,
-                                                              std::move(top), *depth, withFolders,
+    job = std::make_shared<PropFindJob>(PropFindJob::Subject{ exchange.share(), std::move(top),
+                                                              *depth, withFolders,
                                                               exchange.request().outside.prefix },
                                         std::move(report));
     state = State::Making;

@@ -7,8 +7,8 @@
 
 namespace standard {
 
-Exchange::Exchange(Service &served, Channel &peerChannel, const Routes &table)
-    : m_service(served)
+Exchange::Exchange(Service &service, Channel &peerChannel, const Routes &table)
+    : m_service(service)
     , m_channel(peerChannel)
     , m_routes(table)
 {
@@ -18,6 +18,7 @@ void Exchange::begin(Request request)
 {
     current = std::move(request);
     cleaned = cleanPath(current.target.path);
+    served = m_service.share;
     userName.clear();
 }
 
@@ -25,6 +26,7 @@ void Exchange::finish()
 {
     bodyMemory.reset();
     collected.reset();
+    served.reset();
 }
 
 QByteArray Exchange::urlPath(const QByteArray &path, bool isFolder) const
@@ -37,11 +39,17 @@ bool Exchange::namesFolder() const
     return current.target.path.endsWith('/');
 }
 
+/// What it knows is about what is served now.
+Guard *Exchange::guard() const
+{
+    return served == m_service.share ? m_routes.guard.get() : nullptr;
+}
+
 bool Exchange::mayChange(const std::vector<Change> &changes)
 {
-    if (!m_routes.guard)
+    if (!guard())
         return true;
-    std::optional<Refusal> refused = m_routes.guard->refusal(*this, changes);
+    std::optional<Refusal> refused = guard()->refusal(*this, changes);
     if (!refused)
         return true;
     reply(refused->status, std::move(refused->fields), refused->body);

@@ -19,7 +19,7 @@ class Exchange
 {
 public:
     /// All are borrowed and outlive it.
-    Exchange(Service &served, Channel &peerChannel, const Routes &table);
+    Exchange(Service &service, Channel &peerChannel, const Routes &table);
 
     // What is asked for
 
@@ -27,6 +27,13 @@ public:
     Service &service() const { return m_service; }
     const Channel &channel() const { return m_channel; }
     const Routes &routes() const { return m_routes; }
+
+    /// What is served, from the beginning of the request to its end, whatever is chosen meanwhile.
+    /// Null when it can't be opened.
+    const std::shared_ptr<const Share> &share() const { return served; }
+
+    /// Knows what must not be changed in it; null when everything may be.
+    Guard *guard() const;
 
     /// What the request names in the share: bytes, relative to the root, which is "", without
     /// empty, "." and ".." segments, and without a "/" at its end.
@@ -103,6 +110,7 @@ private:
     Channel &m_channel;
     const Routes &m_routes;
     Request current;
+    std::shared_ptr<const Share> served;
     QByteArray cleaned;
     QByteArray userName;
     Ending ending = Ending::Length; ///< of the reply under way

@@ -84,7 +84,7 @@ bool speaksDav(const Routes &routes)
 
 Field allowField(const Exchange &exchange)
 {
-    const Share *share = exchange.service().share.get();
+    const Share *share = exchange.share().get();
     const EntryFacts found = share ? share->facts(exchange.path()) : EntryFacts();
     QByteArray methods;
     for (const Route &route : exchange.routes().rows) {

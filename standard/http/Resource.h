@@ -39,7 +39,7 @@ public:
 
 protected:
     /// Null when what is shared can't be opened.
-    const Share *share() const { return exchange.service().share.get(); }
+    const Share *share() const { return exchange.share().get(); }
 
     DiskWorker &disk() const { return *exchange.service().setup.disk; }
 
@@ -61,8 +61,8 @@ protected:
     /// Whether the conditions of the request let it be done; else it is refused.
     bool meetsConditions(const EntryFacts &found);
 
-    /// Null when everything may be changed.
-    Guard *guard() const { return exchange.routes().guard.get(); }
+    /// As `Exchange::guard`.
+    Guard *guard() const { return exchange.guard(); }
 
     /// Answers with what could not be done to the entries below the folder `base` of the share.
     void refuseMembers(const QByteArray &base, const std::vector<MemberFailure> &failures);
