@@ -3,7 +3,7 @@
 #include "files/DiskWorker.h"
 #include "files/UploadFile.h"
 #include "standard/dav/DavState.h"
-#include "standard/dav/Depth.h"
+#include "standard/http/Depth.h"
 #include "standard/dav/IfHeader.h"
 #include "standard/dav/Limits.h"
 #include "standard/dav/LockDiscovery.h"

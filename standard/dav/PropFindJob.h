@@ -2,7 +2,7 @@
 
 #include "files/DiskJob.h"
 #include "files/FolderReader.h"
-#include "standard/dav/Depth.h"
+#include "standard/http/Depth.h"
 #include "standard/dav/PropertyReport.h"
 
 #include <QByteArray>

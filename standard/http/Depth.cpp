@@ -1,4 +1,4 @@
-#include "standard/dav/Depth.h"
+#include "standard/http/Depth.h"
 
 namespace standard {
 
