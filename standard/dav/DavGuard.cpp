@@ -111,6 +111,20 @@ void DavGuard::removed(const Exchange &exchange, const QByteArray &path)
     state.properties()->removed(path);
 }
 
+void DavGuard::thinned(const Exchange &exchange, const QByteArray &path)
+{
+    DavState &state = DavState::of(exchange.service());
+    std::vector<QByteArray> known = state.properties()->pathsIn(path);
+    known.push_back(path);
+    for (const Lock *lock : state.locks().below(path))
+        known.push_back(lock->path);
+    for (const QByteArray &each : known) {
+        const EntryFacts found = exchange.share()->facts(each);
+        if (!found.exists && !found.link)
+            removed(exchange, each);
+    }
+}
+
 void DavGuard::moved(const Exchange &exchange, const QByteArray &from, const QByteArray &to)
 {
     DavState &state = DavState::of(exchange.service());

@@ -11,6 +11,7 @@ public:
     std::optional<Refusal> refusal(const Exchange &exchange,
                                    const std::vector<Change> &changes) override;
     void removed(const Exchange &exchange, const QByteArray &path) override;
+    void thinned(const Exchange &exchange, const QByteArray &path) override;
 
     /// Locks stay behind and end (RFC 4918, section 7.5); properties go along.
     void moved(const Exchange &exchange, const QByteArray &from, const QByteArray &to) override;

@@ -155,6 +155,17 @@ PropertyStore::Memory::iterator PropertyStore::forget(Memory::iterator at)
     return memory.erase(at);
 }
 
+std::vector<QByteArray> PropertyStore::pathsIn(const QByteArray &path) const
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    std::vector<QByteArray> paths;
+    if (memory.count(path) != 0)
+        paths.push_back(path);
+    for (auto at = firstBelow(memory, path); at != memory.end() && isBelow(at->first, path); ++at)
+        paths.push_back(at->first);
+    return paths;
+}
+
 void PropertyStore::removed(const QByteArray &path)
 {
     const std::lock_guard<std::mutex> lock(mutex);

@@ -54,6 +54,9 @@ public:
     /// after any error those before stand.
     DiskError write(const PropertySubject &subject, const DeadProperties &properties);
 
+    /// The paths at and below `path` whose properties are kept in memory.
+    std::vector<QByteArray> pathsIn(const QByteArray &path) const;
+
     /// What stood at `path`, with all below it, is gone.
     void removed(const QByteArray &path);
 

@@ -2,6 +2,7 @@
 
 #include "files/DiskWorker.h"
 #include "files/TreeRemoval.h"
+#include "standard/http/Depth.h"
 
 #include <memory>
 #include <utility>
@@ -32,7 +33,8 @@ bool Delete::isAllowed(const EntryFacts &found)
         return false;
     }
     // A folder never goes without what it holds (RFC 4918, section 9.6.1).
-    if (found.folder && exchange.request().field("Depth").value_or("infinity") != "infinity") {
+    const auto depth = parseDepth(exchange.request().field("Depth"), Depth::Infinity);
+    if (found.folder && depth != Depth::Infinity) {
         exchange.refuse(Status::BadRequest);
         return false;
     }
@@ -47,6 +49,10 @@ void Delete::answer(const TreeRemoval &removal)
             guard()->removed(exchange, exchange.path());
         return exchange.reply(Status::NoContent);
     }
+    if (guard())
+        guard()->thinned(exchange, exchange.path());
+    if (removal.isChanged())
+        return exchange.refuse(Status::Conflict, "Somebody has put something else there.");
     std::vector<MemberFailure> failures;
     for (const QByteArray &path : removal.failures())
         failures.push_back({ path, Status::Forbidden });

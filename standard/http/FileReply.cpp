@@ -13,8 +13,6 @@
 #include <numeric>
 #include <utility>
 
-#include <fcntl.h>
-
 namespace standard {
 
 namespace {
@@ -29,11 +27,6 @@ void addProtection(Fields &fields)
 QByteArray newBoundary()
 {
     return QByteArray::number(QRandomGenerator::system()->generate64(), 16);
-}
-
-FileDescriptor duplicate(const FileDescriptor &descriptor)
-{
-    return FileDescriptor(::fcntl(descriptor.get(), F_DUPFD_CLOEXEC, 0));
 }
 
 } // namespace
@@ -128,7 +121,7 @@ void FileReply::sendNextPart()
     const ByteRange part = parts.back();
     parts.pop_back();
     exchange.write(partHead(part));
-    exchange.sendFile(duplicate(file.descriptor), part.first, part.count);
+    exchange.sendFile(duplicate(file.descriptor.get()), part.first, part.count);
 }
 
 void FileReply::fileSent()

@@ -48,6 +48,13 @@ public:
     /// something else.
     virtual void removed(const Exchange &exchange, const QByteArray &path) = 0;
 
+    /// Some of what stood at `path` or below it is gone from there.
+    virtual void thinned(const Exchange &exchange, const QByteArray &path)
+    {
+        Q_UNUSED(exchange)
+        Q_UNUSED(path)
+    }
+
     /// It stands at `to` by now, or there as well. What stood there before was told as removed.
     virtual void moved(const Exchange &exchange, const QByteArray &from, const QByteArray &to)
     {

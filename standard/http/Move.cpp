@@ -1,25 +1,60 @@
 #include "standard/http/Move.h"
 
 #include "files/DiskWorker.h"
-#include "files/HiddenUploads.h"
 #include "files/Rename.h"
-#include "files/Share.h"
 #include "files/TreeRemoval.h"
 #include "standard/http/PlacedCopy.h"
 
+#include <QString>
+
 #include <cerrno>
-#include <memory>
 #include <utility>
 
 #include <fcntl.h>
+#include <unistd.h>
 
 namespace standard {
+
+/// Removes what was copied to another file system, once that has it on its disk.
+class CopiedSource final : public DiskJob
+{
+public:
+    /// What stands at `from` now is meant, whatever has that name in the end.
+    explicit CopiedSource(Place from)
+        : removal(std::move(from))
+    {
+    }
+
+    /// Before it is run. `copiedTo` is the folder in which the copy stands.
+    void setCopied(std::shared_ptr<const CopiedEntries> copied, int copiedTo)
+    {
+        removal.only(std::move(copied));
+        unsynced.reset(::openat(copiedTo, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    }
+
+    bool run(const Budget &until) override
+    {
+        if (!until.mayBlock())
+            return false;
+        if (!synced && ::syncfs(unsynced.get()) != 0)
+            return true;
+        synced = true;
+        return removal.run(until);
+    }
+
+    bool isWhole() const { return removal.isWhole(); }
+
+private:
+    TreeRemoval removal;
+    FileDescriptor unsynced; ///< on the other file system
+    bool synced = false;
+};
 
 bool Move::isAllowed()
 {
     if (!mayDelete())
         return false;
-    if (!source().folder || depth() == "infinity")
+    if (!source().folder || depth() == Depth::Infinity)
         return true;
     exchange.refuse(Status::BadRequest);
     return false;
@@ -31,70 +66,67 @@ std::vector<Change> Move::changes() const
              { destination(), Change::Extent::Tree, true } };
 }
 
+/// Where the file system knows names in any case.
+bool Move::isRespelled() const
+{
+    const QString from = QString::fromUtf8(exchange.path());
+    const QString to = QString::fromUtf8(destination());
+    const auto folderOf = [](const QByteArray &path) {
+        return path.left(qMax(0, int(path.lastIndexOf('/'))));
+    };
+    return from != to && from.compare(to, Qt::CaseInsensitive) == 0
+        && folderOf(exchange.path()) == folderOf(destination());
+}
+
 void Move::transfer()
 {
-    const int error = rename(place(), destinationPlace());
-    if (error == EXDEV)
-        return moveAcross();
+    Place from = place();
+    const int error = rename(from);
+    if (error == EXDEV) {
+        removal = std::make_shared<CopiedSource>(std::move(from));
+        return copy(Depth::Infinity, true);
+    }
     if (error != 0)
         return refuseError(error);
+    if (guard() && replaces())
+        guard()->removed(exchange, destination());
     finish();
 }
 
-int Move::rename(const Place &from, const Place &to)
+int Move::rename(const Place &from)
 {
+    const Place &to = destinationPlace();
+    if (!replaces() && isRespelled() && entryFacts(to.folder.get(), to.name.constData()).exists)
+        return respell(from, to);
     if (!replaces())
         return renameNew(from, to);
-    const int error = renameOver(from, to);
-    return error == EISDIR || error == ENOTDIR ? replaceTree(from, to) : error;
+    Place old;
+    const int error = renameReplacing(from, to, old);
+    removeReplaced(disk(), std::move(old));
+    return error;
 }
 
-/// What stands there is moved aside, and removed only when the new one stands.
-int Move::replaceTree(const Place &from, const Place &to)
+void Move::placed(const PlacedCopy &job)
 {
-    Place aside{ FileDescriptor(::fcntl(to.folder.get(), F_DUPFD_CLOEXEC, 0)), hiddenUploadName(),
-                 false, to.hidden };
-    if (const int error = renameNew(to, aside))
-        return error;
-    if (const int error = renameNew(from, to)) {
-        renameNew(aside, to);
-        return error;
+    removal->setCopied(job.copied(), job.place().folder.get());
+    disk().run(removal, this, [this] { answerRemoval(); });
+}
+
+void Move::answerRemoval()
+{
+    if (removal->isWhole())
+        return finish();
+    if (guard()) {
+        guard()->copied(exchange, exchange.path(), destination());
+        guard()->thinned(exchange, exchange.path());
     }
-    disk().run(std::make_shared<TreeRemoval>(std::move(aside)), nullptr, {});
-    return 0;
-}
-
-/// To another file system: a copy, and what was copied goes once that is whole.
-void Move::moveAcross()
-{
-    const auto job =
-        std::make_shared<PlacedCopy>(exchange.service().share, exchange.path(), destinationPlace(),
-                                     EntryCopy::Depth::Whole, replaces());
-    disk().run(job, this, [this, job] { removeSource(*job); });
-}
-
-void Move::removeSource(const PlacedCopy &job)
-{
-    if (job.error() != 0)
-        return refuseError(job.error());
-    if (!job.failures().empty() || place().holdsHidden)
-        return exchange.refuse(Status::Forbidden,
-                               "Not all of it could be copied: nothing is removed.");
-    const auto removal = std::make_shared<TreeRemoval>(place());
-    disk().run(removal, this, [this, removal] {
-        if (removal->isWhole())
-            return finish();
-        exchange.refuse(Status::Forbidden, "Not all of it could be removed.");
-    });
+    exchange.refuse(Status::Forbidden, "It is copied, but not all of it could be removed.");
 }
 
 void Move::finish()
 {
-    if (guard()) {
-        if (replaces())
-            guard()->removed(exchange, destination());
+    if (guard())
         guard()->moved(exchange, exchange.path(), destination());
-    }
     succeed();
 }
 

@@ -1,13 +1,15 @@
 #pragma once
 
-#include "files/Place.h"
 #include "standard/http/Transfer.h"
+
+#include <memory>
 
 namespace standard {
 
-class PlacedCopy;
+class CopiedSource;
 
-/// MOVE: a rename within a file system, in one step where a file takes the place of a file.
+/// MOVE: a rename within a file system, in one step where a file takes the place of a file. To
+/// another one it is a copy, and what was copied goes once that is on the disk.
 class Move final : public Transfer
 {
 public:
@@ -17,11 +19,13 @@ private:
     void transfer() override;
     std::vector<Change> changes() const override;
     bool isAllowed() override;
-    int rename(const Place &from, const Place &to);
-    int replaceTree(const Place &from, const Place &to);
-    void moveAcross();
-    void removeSource(const PlacedCopy &job);
+    bool isRespelled() const override;
+    int rename(const Place &from);
+    void placed(const PlacedCopy &job) override;
+    void answerRemoval();
     void finish();
+
+    std::shared_ptr<CopiedSource> removal; ///< when it is moved to another file system
 };
 
 } // namespace standard

@@ -6,9 +6,6 @@
 #include <cerrno>
 #include <utility>
 
-#include <fcntl.h>
-#include <unistd.h>
-
 namespace standard {
 
 namespace {
@@ -35,7 +32,7 @@ PlacedCopy::PlacedCopy(std::shared_ptr<const Share> share, const QByteArray &pat
                        EntryCopy::Depth depth, bool replaces)
     : target(std::move(to))
     , replacing(replaces)
-    , madeName(replaces ? hiddenUploadName() : target.name)
+    , madeName(hiddenUploadName())
     , copy(std::move(share), path, beside(target, madeName), depth)
 {
 }
@@ -47,55 +44,44 @@ bool PlacedCopy::run(const Budget &until)
     if (state == State::Copying) {
         if (!copy.run(until))
             return false;
-        place();
+        if (until.isCancelled()) // that ends a copy as well: who knows what is missing
+            return true;
+        judge();
     }
-    if (state == State::Removing && !removal->run(until))
-        return false;
-    state = State::Ended;
+    if (state == State::Removing) {
+        if (!removal->run(until))
+            return false;
+        state = State::Failed;
+    }
     return true;
 }
 
-/// A copy with gaps takes no place where something whole stands.
-void PlacedCopy::place()
+/// A copy with gaps takes no place where something whole stands, and that of a move takes none.
+void PlacedCopy::judge()
 {
-    state = State::Ended;
     const auto &missing = copy.failures();
-    const bool nothingMade = !missing.empty() && missing.front().path.isEmpty();
-    if (!missing.empty() && (replacing || nothingMade || copy.isDiskFull()))
-        result = copy.isDiskFull() ? ENOSPC : errorNumber(missing.front().error);
-    if (nothingMade)
+    const bool isMade = entryFacts(target.folder.get(), madeName.constData()).exists;
+    if (missing.empty() || (isMade && !replacing && !copied() && !copy.isDiskFull())) {
+        state = State::Ready;
         return;
-    if (result != 0)
-        return remove(madeName);
-    if (!replacing)
-        return;
-    result = exchangeNames();
-    if (result != 0)
-        remove(madeName);
+    }
+    result = copy.isDiskFull() ? ENOSPC : errorNumber(missing.front().error);
+    removal.emplace(beside(target, madeName));
+    state = State::Removing;
 }
 
-/// The old one is moved aside, and removed only when the new one stands.
-int PlacedCopy::exchangeNames()
+int PlacedCopy::takePlace()
 {
     const Place made = beside(target, madeName);
-    const int error = renameOver(made, target);
-    if (error != EISDIR && error != ENOTDIR)
-        return error;
-    const Place aside = beside(target, hiddenUploadName());
-    if (const int moved = renameNew(target, aside); moved != 0 && moved != ENOENT)
-        return moved;
-    if (const int placed = renameNew(made, target)) {
-        renameNew(aside, target);
-        return placed;
-    }
-    remove(aside.name);
-    return 0;
+    const int error = replacing ? renameReplacing(made, target, old) : renameNew(made, target);
+    if (error == 0)
+        state = State::Placed;
+    return error;
 }
 
-void PlacedCopy::remove(const QByteArray &name)
+Place PlacedCopy::leftover()
 {
-    removal.emplace(beside(target, name));
-    state = State::Removing;
+    return state == State::Ready ? beside(target, madeName) : std::move(old);
 }
 
 } // namespace standard

@@ -6,6 +6,8 @@
 #include "server/Uploads.h"
 #include "standard/http/Options.h"
 
+#include <QPointer>
+
 #include <utility>
 
 #include <fcntl.h>
@@ -19,11 +21,6 @@ namespace {
 // The field by which sync programs tell and keep the time of a file.
 constexpr auto timeField = "X-OC-Mtime";
 
-FileDescriptor duplicate(int descriptor)
-{
-    return FileDescriptor(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0));
-}
-
 } // namespace
 
 Put::Put(Exchange &current)
@@ -35,9 +32,8 @@ Put::~Put() = default;
 
 void Put::start()
 {
-    const EntryFacts found = factsAt(exchange.path());
-    if (isAllowed(found))
-        receive(found);
+    if (isAllowed(factsAt(exchange.path())))
+        receive();
 }
 
 bool Put::isAllowed(const EntryFacts &found)
@@ -58,21 +54,26 @@ bool Put::isAllowed(const EntryFacts &found)
         exchange.refuse(Status::Forbidden);
         return false;
     }
-    return meetsConditions(found)
-        && exchange.mayChange({ { exchange.path(), Change::Extent::Resource, !found.exists } });
+    replaces = found.exists;
+    return meetsConditions(found) && exchange.mayChange(changes());
 }
 
-void Put::receive(const EntryFacts &found)
+std::vector<Change> Put::changes() const
+{
+    return { { exchange.path(), Change::Extent::Resource, !replaces } };
+}
+
+void Put::receive()
 {
     if (!share())
         return exchange.refuse(Status::Conflict);
-    replaces = found.exists;
     Place target = replaces ? share()->target(exchange.path()) : place();
     if (!target.isValid())
         return exchange.refuse(Status::Conflict, "The folder does not exist.");
     if (!hasRoom(target))
         return exchange.refuse(Status::InsufficientStorage);
     upload = newUpload(*exchange.service().profile);
+    upload->setCareful();
     const DiskError error =
         replaces ? upload->replace(std::move(target)) : upload->create(std::move(target));
     if (error != DiskError::None)
@@ -125,7 +126,30 @@ void Put::keep()
         tookTime = setTimes(received->descriptor(), {}, timespec{ time_t(*time), 0 }) == 0;
     // The tag is that of this very file, whatever happens to its name.
     const auto kept = std::make_shared<FileDescriptor>(duplicate(received->descriptor()));
-    disk().run(received, this, [this, received, kept] { answer(received->error(), *kept); });
+    DiskWorker *worker = &disk();
+    worker->run(received, worker,
+                [worker, received, kept, isNew = !replaces, self = QPointer<Put>(this)] {
+                    if (self && !self->isOver)
+                        return self->takeName(received, kept);
+                    // Nobody waits for it any more: a new file harms nobody.
+                    if (!isNew || received->error() != DiskError::None)
+                        received->discard();
+                    worker->run(received, nullptr, {});
+                });
+}
+
+/// A lock may have been granted since it was asked for; a file that has changed, the job finds
+/// itself.
+void Put::takeName(const std::shared_ptr<UploadFile> &received,
+                   const std::shared_ptr<FileDescriptor> &kept)
+{
+    if (received->error() != DiskError::None)
+        return answer(received->error(), *kept);
+    if (exchange.mayChange(changes()))
+        return disk().run(received, this,
+                          [this, received, kept] { answer(received->error(), *kept); });
+    received->discard();
+    disk().run(received, nullptr, {});
 }
 
 /// Seconds since 1970-01-01 UTC; some programs add a fraction.
@@ -141,8 +165,11 @@ std::optional<qint64> Put::wantedTime() const
 
 void Put::answer(DiskError error, const FileDescriptor &kept)
 {
-    if (error == DiskError::Exists && !isConditional(exchange.request()))
-        error = DiskError::Changed; // somebody else was faster
+    const bool tooLate = error == DiskError::Exists || error == DiskError::Changed;
+    if (tooLate && !isConditional(exchange.request()))
+        return exchange.refuse(Status::Conflict, "Somebody else was faster: theirs is kept.");
+    if (tooLate)
+        return exchange.refuse(Status::PreconditionFailed);
     if (error != DiskError::None)
         return exchange.refuse(statusOf(error));
     Fields fields = validatorFields(openFacts(kept.get()));

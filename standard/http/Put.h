@@ -22,20 +22,28 @@ public:
 
     void start() override;
     void bodySaved(BodyEnd end) override;
-    void ended() override { discard(); }
+    void ended() override
+    {
+        isOver = true;
+        discard();
+    }
 
 private:
     bool isAllowed(const EntryFacts &found);
     bool hasRoom(const Place &folder) const;
-    void receive(const EntryFacts &found);
+    std::vector<Change> changes() const;
+    void receive();
     void refuse(DiskError error);
     void keep();
+    void takeName(const std::shared_ptr<UploadFile> &received,
+                  const std::shared_ptr<FileDescriptor> &kept);
     void answer(DiskError error, const FileDescriptor &kept);
     void discard();
     std::optional<qint64> wantedTime() const;
 
     std::shared_ptr<UploadFile> upload; ///< while the body is received
     bool replaces = false;
+    bool isOver = false; ///< nobody waits for an answer
     bool tookTime = false; ///< that the request brought
 };
 

@@ -1,13 +1,42 @@
 #include "standard/http/Transfer.h"
 
 #include "config/Profile.h"
+#include "files/DiskWorker.h"
+#include "files/HiddenUploads.h"
+#include "files/LeftoverSweep.h"
 #include "files/Path.h"
 #include "files/Share.h"
+#include "files/TreeRemoval.h"
 #include "standard/http/OwnNames.h"
+#include "standard/http/PlacedCopy.h"
+
+#include <QPointer>
+#include <QTimer>
 
 #include <cerrno>
+#include <chrono>
+#include <utility>
 
 namespace standard {
+
+namespace {
+
+constexpr std::chrono::seconds longestWait{ 60 }; ///< for a pass, before a visitor is told so
+
+/// Whoever leaves trees there when it is killed removes those of others.
+void sweep(DiskWorker &worker, const Place &place)
+{
+    worker.run(std::make_shared<LeftoverSweep>(beside(place, place.name)), nullptr, {});
+}
+
+} // namespace
+
+Transfer::Transfer(Exchange &current)
+    : ResourceHandler(current)
+{
+}
+
+Transfer::~Transfer() = default;
 
 void Transfer::start()
 {
@@ -36,6 +65,11 @@ bool Transfer::findDestination()
         return false;
     }
     target = cleanPath(*path);
+    if (namesHiddenUpload(target)) {
+        exchange.refuse(Status::Forbidden,
+                        "Such names are kept for files that are being received.");
+        return false;
+    }
     return true;
 }
 
@@ -44,8 +78,11 @@ bool Transfer::fits()
 {
     const QByteArray &from = exchange.path();
     const QByteArray &to = target;
+    const bool isSame = isSameEntry(what, found) && !found.link;
+    if (isSame && isRespelled())
+        found = {};
     const bool replacing = replaces();
-    if (from == to || (what.inode != 0 && isSameEntry(what, found) && !found.link)) {
+    if (from == to || (isSame && replacing)) {
         exchange.refuse(Status::Forbidden, "It stands there already.");
         return false;
     }
@@ -53,7 +90,8 @@ bool Transfer::fits()
         exchange.refuse(Status::Conflict, "One of them holds the other.");
         return false;
     }
-    if (!destinationPlace().isValid()) {
+    there = share()->place(target);
+    if (!there.isValid()) {
         exchange.refuse(Status::Conflict, "The folder to put it in does not exist.");
         return false;
     }
@@ -65,9 +103,110 @@ bool Transfer::fits()
     return !replacing || !found.folder || mayDelete();
 }
 
-Place Transfer::destinationPlace() const
+std::optional<Depth> Transfer::depth() const
 {
-    return share()->place(target);
+    return parseDepth(exchange.request().field("Depth"), Depth::Infinity);
+}
+
+void Transfer::copy(Depth howDeep, bool listed)
+{
+    if (there.holdsHidden)
+        return exchange.refuse(Status::Conflict);
+    copying = std::make_shared<PlacedCopy>(
+        exchange.share(), exchange.path(), beside(there, there.name),
+        howDeep == Depth::Zero ? EntryCopy::Depth::Alone : EntryCopy::Depth::Whole, replaces());
+    if (listed)
+        copying->listCopied();
+    waits = true;
+    exchange.service().setup.copies->enter(this);
+    if (waits)
+        QTimer::singleShot(longestWait, this, [this] { stopWaiting(); });
+}
+
+void Transfer::stopWaiting()
+{
+    if (!waits)
+        return;
+    waits = false;
+    exchange.service().setup.copies->leave(this);
+    exchange.refuse(Status::Unavailable, "Too many copies are being made.",
+                    { { "Retry-After", QByteArray::number(qint64(longestWait.count())) } });
+}
+
+/// Only a few copies go on at the same time.
+void Transfer::take(Pass given)
+{
+    waits = false;
+    // Given back when the job is at its end, or dropped.
+    const auto pass = std::make_shared<Pass>(std::move(given));
+    DiskWorker *worker = &disk();
+    sweep(*worker, there);
+    worker->run(copying, worker, [worker, pass, done = copying, self = QPointer<Transfer>(this)] {
+        pass->end();
+        if (self && !self->isOver)
+            return self->finishCopy();
+        if (done->isHarmless())
+            done->takePlace();
+        removeReplaced(*worker, done->leftover());
+    });
+}
+
+/// Much may have happened since it was asked for.
+void Transfer::finishCopy()
+{
+    if (copying->error() != 0 && !copying->failures().empty() && copying->error() != ENOSPC)
+        return exchange.refuse(statusOf(copying->error()), "Not all of it can be copied.");
+    if (copying->error() != 0)
+        return refuseError(copying->error());
+    DiskWorker &worker = disk();
+    const std::shared_ptr<PlacedCopy> done = copying;
+    if (mayStillPlace()) {
+        if (const int error = done->takePlace()) {
+            refuseError(error);
+        } else {
+            if (guard() && replaces())
+                guard()->removed(exchange, target);
+            placed(*done);
+        }
+    }
+    removeReplaced(worker, done->leftover());
+}
+
+bool Transfer::mayStillPlace()
+{
+    if (!exchange.mayChange(changes()))
+        return false;
+    if (standsAsFound())
+        return true;
+    exchange.refuse(Status::Conflict, "Somebody has changed what stands there.");
+    return false;
+}
+
+/// What takes a free name meanwhile is found by the system, in one step. Of a folder, the members
+/// may change: they go with it.
+bool Transfer::standsAsFound() const
+{
+    if (!replaces())
+        return true;
+    const EntryFacts now = entryFacts(there.folder.get(), there.name.constData());
+    if (now.link != found.link || now.exists != found.exists)
+        return false;
+    return !now.exists || (found.file ? isUntouched(found, now) : isSameEntry(found, now));
+}
+
+void Transfer::removeReplaced(DiskWorker &worker, Place old)
+{
+    if (!old.isValid())
+        return;
+    sweep(worker, old);
+    worker.run(std::make_shared<TreeRemoval>(std::move(old)), nullptr, {});
+}
+
+void Transfer::ended()
+{
+    isOver = true;
+    if (std::exchange(waits, false))
+        exchange.service().setup.copies->leave(this);
 }
 
 void Transfer::succeed()

@@ -19,7 +19,7 @@ public:
     std::optional<Refusal> refusal(const Exchange &, const std::vector<Change> &changes) override
     {
         for (const Change &change : changes) {
-            if (change.path == "held")
+            if (change.path == "held" || (change.path == "late" && asked++ > 0))
                 return Refusal{ Status::Locked };
         }
         return {};
@@ -27,11 +27,20 @@ public:
     void removed(const Exchange &, const QByteArray &path) override { gone.append(path); }
 
     QList<QByteArray> gone;
+    int asked = 0; ///< about "late", which is locked by others as soon as work on it has begun
 };
 
 QByteArray destination(const char *path)
 {
     return QByteArray("Destination: ") + path + "\r\n";
+}
+
+/// Hidden ones as well, with blanks between.
+QString namesIn(const QString &folder)
+{
+    return QDir(folder)
+        .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot)
+        .join(QLatin1Char(' '));
 }
 
 } // namespace
@@ -57,6 +66,11 @@ private Q_SLOTS:
     void failedCopyKeepsOldTree();
     void moveReplacesTree();
     void guardIsAsked();
+    void guardIsAskedAgainInTheEnd();
+    void whatOthersSaveMeanwhileStays();
+    void quittingLeavesOldTree();
+    void requestStaysWithWhatWasServed();
+    void moveToAnotherFileSystem();
     void optionsTellWhatWorks();
 };
 
@@ -290,6 +304,7 @@ void TestChanges::copyAndMove_data()
     row("to another server", "/a", destination("http://example.org/new"), 502, 502);
     row("badly encoded", "/a", destination("/%zz"), 400, 400);
     row("folder with a strange depth", "/f", "Depth: 1\r\n" + destination("/new"), 400, 400);
+    row("depth in another case", "/f", "Depth: Infinity\r\n" + destination("/new"), 201, 201);
     row("folder alone", "/f", "Depth: 0\r\n" + destination("/new"), 201, 400);
 }
 
@@ -406,6 +421,115 @@ void TestChanges::guardIsAsked()
     replyTo(server, "MOVE", "/a", destination("/b"));
     replyTo(server, "DELETE", "/b");
     QCOMPARE(guard->gone, QList<QByteArray>({ "a", "b" }));
+}
+
+void TestChanges::guardIsAskedAgainInTheEnd()
+{
+    Routes routes = fileRoutes();
+    const auto guard = std::make_shared<TestGuard>();
+    routes.guard = guard;
+    StandardServer server(routes);
+    server.addFile(QStringLiteral("late"), "theirs");
+    server.addFile(QStringLiteral("f/a"), "ours");
+    for (const char *method : { "PUT", "COPY" }) {
+        guard->asked = 0;
+        QCOMPARE(replyTo(server, method, method[0] == 'P' ? "/late" : "/f", destination("/late"))
+                     .status(),
+                 QByteArray("423 Locked"));
+        QCOMPARE(server.fileContent(QStringLiteral("late")), QByteArray("theirs"));
+    }
+    QVERIFY(guard->gone.isEmpty());
+    QTRY_COMPARE(namesIn(server.sharePath()), QStringLiteral("f late"));
+}
+
+void TestChanges::whatOthersSaveMeanwhileStays()
+{
+    StandardServer server;
+    for (const char *headers : { "", "If-Match: *\r\n" }) {
+        server.addFile(QStringLiteral("a"), "old");
+        RawClient client(server.port());
+        client.send(rawRequest(
+            "PUT", "/a", headers + QByteArray("Expect: 100-continue\r\nContent-Length: 3\r\n")));
+        QCOMPARE(client.reply().status(), QByteArray("100 Continue"));
+        QFile editor(server.sharePath(QStringLiteral("a")));
+        QVERIFY(editor.open(QIODevice::ReadWrite) && editor.write("saved in place") > 0);
+        editor.close();
+        client.send("new");
+        QCOMPARE(client.reply().status(),
+                 *headers ? QByteArray("412 Precondition Failed") : QByteArray("409 Conflict"));
+        QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("saved in place"));
+    }
+}
+
+void TestChanges::quittingLeavesOldTree()
+{
+    const QTemporaryDir shared;
+    const QString old = shared.filePath(QStringLiteral("backup/old"));
+    writeFile(old, "old");
+    writeFile(shared.filePath(QStringLiteral("big/file")), "x");
+    QVERIFY(QFile::resize(shared.filePath(QStringLiteral("big/file")), qint64(4) << 30));
+    {
+        StandardServer server;
+        server.server->setShared(shared.path());
+        RawClient replacing(server.port());
+        RawClient making(server.port());
+        replacing.send(rawRequest("COPY", "/big", destination("/backup")));
+        making.send(rawRequest("COPY", "/big", destination("/new")));
+        QTRY_COMPARE(namesIn(shared.path()).count(QLatin1String(".rec")), 2);
+    }
+    QCOMPARE(readFile(old), QByteArray("old"));
+    QVERIFY(!QFile::exists(shared.filePath(QStringLiteral("new"))));
+}
+
+void TestChanges::requestStaysWithWhatWasServed()
+{
+    StandardServer server;
+    const QTemporaryDir other;
+    server.addFile(QStringLiteral("a"), "old");
+    writeFile(other.filePath(QStringLiteral("a")), "other");
+    RawClient client(server.port());
+    client.send(rawRequest("PUT", "/a", "Expect: 100-continue\r\nContent-Length: 3\r\n"));
+    QCOMPARE(client.reply().status(), QByteArray("100 Continue"));
+    server.server->setShared(other.path());
+    client.send("new");
+    QCOMPARE(client.reply().status(), QByteArray("204 No Content"));
+    QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("new"));
+    QCOMPARE(client.exchange(rawRequest("GET", "/a")).body, QByteArray("other"));
+}
+
+void TestChanges::moveToAnotherFileSystem()
+{
+    StandardServer server;
+    const QTemporaryDir other(QStringLiteral("/dev/shm/moved-XXXXXX"));
+    const auto isSet = [](const QString &path, struct stat &status) {
+        return ::stat(QFile::encodeName(path).constData(), &status) == 0;
+    };
+    struct stat here = {};
+    struct stat there = {};
+    if (!isSet(server.sharePath(), here) || !isSet(other.path(), there)
+        || here.st_dev == there.st_dev)
+        QSKIP("there is no other file system");
+    QVERIFY(QFile::link(other.path(), server.sharePath(QStringLiteral("usb"))));
+    for (const char *target : { "/usb/new", "/usb/old" }) {
+        server.addFile(QStringLiteral("f/sub/a"), "A");
+        writeFile(other.filePath(QStringLiteral("old/x")), "X");
+        const QByteArray pipe = QFile::encodeName(server.sharePath(QStringLiteral("f/pipe")));
+        QCOMPARE(::mkfifo(pipe.constData(), 0600), 0);
+        const auto move = [&] {
+            return replyTo(server, "MOVE", "/f", destination(target)).status();
+        };
+        // Not all of it can be copied, so nothing is moved.
+        QCOMPARE(move(), QByteArray("403 Forbidden"));
+        QCOMPARE(server.fileContent(QStringLiteral("f/sub/a")), QByteArray("A"));
+        QCOMPARE(readFile(other.filePath(QStringLiteral("old/x"))), QByteArray("X"));
+        QVERIFY(::unlink(pipe.constData()) == 0);
+        QCOMPARE(move().left(2), QByteArray("20"));
+        QVERIFY(!QFile::exists(server.sharePath(QStringLiteral("f"))));
+        const QString moved = other.path() + QString::fromUtf8(target).mid(4);
+        QCOMPARE(readFile(moved + QLatin1String("/sub/a")), QByteArray("A"));
+        QVERIFY(!QFile::exists(moved + QLatin1String("/x")));
+        QTRY_VERIFY(!namesIn(other.path()).contains(QLatin1String(".rec")));
+    }
 }
 
 void TestChanges::optionsTellWhatWorks()
