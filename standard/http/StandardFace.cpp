@@ -1,6 +1,7 @@
 #include "standard/http/StandardFace.h"
 
 #include "config/Profile.h"
+#include "files/HiddenUploads.h"
 #include "net/Socket.h"
 #include "server/Connection.h"
 #include "standard/Log.h"
@@ -17,6 +18,12 @@
 #include <utility>
 
 namespace standard {
+
+namespace {
+
+constexpr auto keptNames = "Such names are kept for files that are being received.";
+
+} // namespace
 
 Routes fileRoutes()
 {
@@ -80,6 +87,9 @@ void StandardFace::requestReady(Request request)
     exchange.begin(std::move(request));
     if (!isAdmitted())
         return;
+    if (namesHiddenUpload(exchange.path()))
+        return exchange.refuse(
+            isSafe(exchange.request().method) ? Status::NotFound : Status::Forbidden, keptNames);
     const Route *route = findRoute();
     if (!route)
         return exchange.refuse(Status::MethodNotAllowed, {}, { allowField(exchange) });

@@ -70,6 +70,7 @@ private Q_SLOTS:
     void whatOthersSaveMeanwhileStays();
     void quittingLeavesOldTree();
     void requestStaysWithWhatWasServed();
+    void namesOfUploadsAreKept();
     void moveToAnotherFileSystem();
     void optionsTellWhatWorks();
 };
@@ -495,6 +496,22 @@ void TestChanges::requestStaysWithWhatWasServed()
     QCOMPARE(client.reply().status(), QByteArray("204 No Content"));
     QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("new"));
     QCOMPARE(client.exchange(rawRequest("GET", "/a")).body, QByteArray("other"));
+}
+
+void TestChanges::namesOfUploadsAreKept()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("f/.receiving-abc123"), "half");
+    server.addFile(QStringLiteral("f/a"), "A");
+    const QByteArray path = "/f/.receiving-abc123";
+    QCOMPARE(replyTo(server, "GET", path).status(), QByteArray("404 Not Found"));
+    for (const char *method : { "PUT", "DELETE", "MKCOL" })
+        QCOMPARE(replyTo(server, method, path).status(), QByteArray("403 Forbidden"));
+    QCOMPARE(replyTo(server, "MOVE", "/f/a", "Destination: " + path + "\r\n").status(),
+             QByteArray("403 Forbidden"));
+    QCOMPARE(replyTo(server, "COPY", "/f", destination("/g")).status(), QByteArray("201 Created"));
+    QCOMPARE(namesIn(server.sharePath(QStringLiteral("g"))), QStringLiteral("a"));
+    QCOMPARE(namesIn(server.sharePath(QStringLiteral("f"))), QStringLiteral(".receiving-abc123 a"));
 }
 
 void TestChanges::moveToAnotherFileSystem()
