@@ -17,7 +17,7 @@ namespace standard {
 namespace {
 
 /// Makes the change to what is kept.
-void change(DeadProperties &kept, const PropertyChange &change)
+void changeKept(DeadProperties &kept, const PropertyChange &change)
 {
     const auto found = std::find_if(kept.begin(), kept.end(), [&change](const DeadProperty &each) {
         return each.name == change.name;
@@ -34,6 +34,7 @@ void change(DeadProperties &kept, const PropertyChange &change)
 /// What a PROPPATCH would make of a resource.
 struct Outcome
 {
+    bool isFile = false; ///< a regular one
     std::vector<Status> statuses; ///< of each change
     FileChanges file;
     DeadProperties kept;
@@ -46,18 +47,20 @@ struct Outcome
 
     void add(const PropertyChange &wanted)
     {
-        switch (takeSetting(wanted, file)) {
+        switch (takeSetting(wanted, isFile, file)) {
         case Setting::Taken:
             return statuses.push_back(Status::Ok);
         case Setting::Bad:
             return statuses.push_back(Status::Conflict);
+        case Setting::Protected:
+            return statuses.push_back(Status::Forbidden);
         case Setting::Kept:
             break;
         }
         const bool isProtected = findLiveProperty(wanted.name);
         statuses.push_back(isProtected ? Status::Forbidden : Status::Ok);
         if (!isProtected)
-            change(kept, wanted);
+            changeKept(kept, wanted);
     }
 
     /// Nothing is done because of those that can't be (RFC 4918, section 11.4).
@@ -90,7 +93,7 @@ void apply(Outcome &outcome, int descriptor, const PropertySubject &subject, Pro
         if (error != DiskError::None)
             return outcome.failAll(statusOf(error));
     }
-    if (const int error = apply(outcome.file, descriptor); error != 0) {
+    if (const int error = changeFile(outcome.file, descriptor); error != 0) {
         if (changesKept)
             store.write(subject, before);
         outcome.failAll(statusOf(error));
@@ -120,7 +123,9 @@ void PropPatch::bodyReady(const QByteArray &body)
 
     const PropertySubject subject{ systemPathOf(file.get()), exchange.path() };
     PropertyStore &store = *DavState::of(exchange.service()).properties();
+    const EntryFacts found = openFacts(file.get());
     Outcome outcome;
+    outcome.isFile = found.file;
     outcome.kept = store.read(subject);
     for (const PropertyChange &each : *changes)
         outcome.add(each);
@@ -128,7 +133,7 @@ void PropPatch::bodyReady(const QByteArray &body)
         apply(outcome, file.get(), subject, store);
     else
         outcome.failRest();
-    answer(*changes, outcome.statuses, openFacts(file.get()).folder);
+    answer(*changes, outcome.statuses, found.folder);
 }
 
 void PropPatch::answer(const Changes &changes, const std::vector<Status> &outcomes, bool isFolder)

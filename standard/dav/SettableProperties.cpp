@@ -53,6 +53,7 @@ struct Settable
 };
 
 // What the copying programs of two desktops, one sync tool and one mount set after an upload.
+// Nothing can set when a file was made here: "Win32CreationTime" is kept as it was given.
 constexpr std::array<Settable, 4> settables{ {
     { windowsSpace, "Win32LastModifiedTime", takeModified },
     { windowsSpace, "Win32LastAccessTime", takeAccessed },
@@ -77,7 +78,7 @@ mode_t withExecutable(mode_t mode, bool executable)
 
 } // namespace
 
-Setting takeSetting(const PropertyChange &change, FileChanges &changes)
+Setting takeSetting(const PropertyChange &change, bool isFile, FileChanges &changes)
 {
     const auto found =
         std::find_if(settables.begin(), settables.end(), [&change](const Settable &each) {
@@ -86,11 +87,17 @@ Setting takeSetting(const PropertyChange &change, FileChanges &changes)
         });
     if (found == settables.end())
         return Setting::Kept;
-    const bool isGood = !change.isRemoval && found->take(change.value.text.trimmed(), changes);
-    return isGood ? Setting::Taken : Setting::Bad;
+    // Without its rights to run nobody could enter a folder.
+    const bool isTold = findLiveProperty(change.name) != nullptr;
+    if (isTold && (change.isRemoval || !isFile))
+        return Setting::Protected;
+    // What is never told isn't there: its removal is no failure (RFC 4918, section 14.23).
+    if (change.isRemoval)
+        return Setting::Taken;
+    return found->take(change.value.text.trimmed(), changes) ? Setting::Taken : Setting::Bad;
 }
 
-int apply(const FileChanges &changes, int descriptor)
+int changeFile(const FileChanges &changes, int descriptor)
 {
     struct stat before = {};
     if (changes.isEmpty())

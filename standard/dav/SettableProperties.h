@@ -21,13 +21,14 @@ struct FileChanges
 enum class Setting {
     Kept, ///< is no such property: it is to be kept as it is
     Taken,
-    Bad ///< the value can't be understood
+    Bad, ///< the value can't be understood
+    Protected ///< what is named can't be changed so
 };
 
-/// Adds what `change` means for the file to `changes`.
-Setting takeSetting(const PropertyChange &change, FileChanges &changes);
+/// Adds what `change` means for a regular file, or a folder, to `changes`.
+Setting takeSetting(const PropertyChange &change, bool isFile, FileChanges &changes);
 
-/// Makes the changes to the file open at `descriptor`, all or none. 0, or the number of the error.
-int apply(const FileChanges &changes, int descriptor);
+/// Makes the changes to what is open at `descriptor`, all or none. 0, or the number of the error.
+int changeFile(const FileChanges &changes, int descriptor);
 
 } // namespace standard

@@ -273,6 +273,14 @@ void DavTest::setsTimes()
                                  "<Z:Win32LastModifiedTime>soon</Z:Win32LastModifiedTime>"));
     QVERIFY(bad.body.contains("409 Conflict") && bad.body.contains("424 "));
     QVERIFY(server.propFind("/f", "0").body.contains("Thu, 01 Jan 1970 00:00:00 GMT"));
+
+    // What only sets a time isn't there to be removed; a folder stays open to those who may enter.
+    server.addFile(QStringLiteral("d/f"), "x");
+    const QByteArray none = "<D:remove><D:prop><Z:Win32LastModifiedTime/></D:prop></D:remove>";
+    QVERIFY(server.propPatch("/f", none).body.contains("200 OK"));
+    const QByteArray closed = "<executable xmlns=\"http://apache.org/dav/props/\">F</executable>";
+    QVERIFY(server.propPatch("/d", setting(closed)).body.contains("403 Forbidden"));
+    QCOMPARE(server.propFind("/d/f", "0").status(), QByteArray("207 Multi-Status"));
 }
 
 void DavTest::locks()
