@@ -20,15 +20,16 @@ namespace {
 class SharedState final : public IfState
 {
 public:
-    explicit SharedState(const Exchange &current)
+    SharedState(const Exchange &current, const LockTable &table)
         : exchange(current)
+        , locks(table)
     {
     }
 
     bool isLocked(const QByteArray &resource, const QByteArray &token) const override
     {
         const std::optional<QByteArray> path = pathOf(resource);
-        return path && DavState::of(exchange.service()).locks().find(token, *path);
+        return path && locks.find(token, *path);
     }
 
     QByteArray etag(const QByteArray &resource) const override
@@ -51,6 +52,7 @@ private:
     }
 
     const Exchange &exchange;
+    const LockTable &locks;
 };
 
 bool namesOne(const IfHeader &header, const LockTable::Locks &locks)
@@ -61,7 +63,7 @@ bool namesOne(const IfHeader &header, const LockTable::Locks &locks)
 
 /// The lock that forbids the change; null when none does. Of several shared locks the client needs
 /// but one.
-const Lock *forbidding(const Change &change, LockTable &table, const IfHeader &header)
+const Lock *forbidding(const Change &change, const LockTable &table, const IfHeader &header)
 {
     LockTable::Locks locks = table.covering(change.path);
     if (!locks.empty() && !namesOne(header, locks))
@@ -84,16 +86,16 @@ const Lock *forbidding(const Change &change, LockTable &table, const IfHeader &h
 std::optional<Refusal> DavGuard::refusal(const Exchange &exchange,
                                          const std::vector<Change> &changes)
 {
+    const LockTable &table = DavState::of(exchange.service()).locks();
     IfHeader header;
     if (const std::optional<QByteArray> value = exchange.request().field("If")) {
         const std::optional<IfHeader> parsed = IfHeader::parse(*value);
         if (!parsed)
             return Refusal{ Status::BadRequest };
-        if (!parsed->holds(SharedState(exchange)))
+        if (!parsed->holds(SharedState(exchange, table)))
             return Refusal{ Status::PreconditionFailed };
         header = *parsed;
     }
-    LockTable &table = DavState::of(exchange.service()).locks();
     for (const Change &change : changes) {
         if (const Lock *lock = forbidding(change, table, header))
             return Refusal{ Status::Locked,

@@ -33,4 +33,10 @@ DavState::DavState(Service &service)
 {
 }
 
+LockTable &DavState::locks()
+{
+    lockTable.expire();
+    return lockTable;
+}
+
 } // namespace standard

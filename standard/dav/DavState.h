@@ -20,7 +20,8 @@ public:
 
     explicit DavState(Service &service);
 
-    LockTable &locks() { return lockTable; }
+    /// Without those whose time is over. Ask once in each turn, before anything is done with them.
+    LockTable &locks();
     const std::shared_ptr<PropertyStore> &properties() const { return store; }
 
 private:

@@ -18,7 +18,7 @@ QByteArray activeLock(const Lock &lock, const QByteArray &prefix)
         + href(urlPath(prefix, lock.path, lock.folder)) + "</D:lockroot></D:activelock>";
 }
 
-LockDiscovery::LockDiscovery(LockTable &table, const QByteArray &path, bool withTree,
+LockDiscovery::LockDiscovery(const LockTable &table, const QByteArray &path, bool withTree,
                              const QByteArray &prefix)
 {
     add(table.covering(path), prefix);

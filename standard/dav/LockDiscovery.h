@@ -19,7 +19,7 @@ public:
     LockDiscovery() = default;
 
     /// Of what stands at `path`, and below it if `withTree`; for `prefix` see `activeLock`.
-    LockDiscovery(LockTable &table, const QByteArray &path, bool withTree,
+    LockDiscovery(const LockTable &table, const QByteArray &path, bool withTree,
                   const QByteArray &prefix);
 
     /// The elements of all locks that cover `path`.

@@ -57,7 +57,6 @@ LockTable::LockTable(Now clock)
 
 LockTable::Outcome LockTable::add(Lock wanted)
 {
-    expire();
     if (const Lock *other = conflict(wanted))
         return { nullptr, other };
     int &mine = ofVisitor[wanted.visitor];
@@ -75,7 +74,7 @@ LockTable::Outcome LockTable::add(Lock wanted)
     return { &made, nullptr };
 }
 
-const Lock *LockTable::conflict(const Lock &wanted)
+const Lock *LockTable::conflict(const Lock &wanted) const
 {
     Locks others = covering(wanted.path);
     if (wanted.deep) {
@@ -88,9 +87,8 @@ const Lock *LockTable::conflict(const Lock &wanted)
     return found == others.end() ? nullptr : *found;
 }
 
-const Lock *LockTable::find(const QByteArray &token, const QByteArray &path)
+const Lock *LockTable::find(const QByteArray &token, const QByteArray &path) const
 {
-    expire();
     const auto found = locks.find(token);
     const bool fits = found != locks.end() && covers(found->second, path);
     return fits ? &found->second : nullptr;
@@ -147,9 +145,8 @@ void LockTable::expire()
         erase(byEnd.begin()->second);
 }
 
-LockTable::Locks LockTable::covering(const QByteArray &path)
+LockTable::Locks LockTable::covering(const QByteArray &path) const
 {
-    expire();
     Locks found;
     for (const QByteArray &root : withAncestors(path)) {
         const auto [first, last] = byPath.equal_range(root);
@@ -161,9 +158,8 @@ LockTable::Locks LockTable::covering(const QByteArray &path)
     return found;
 }
 
-LockTable::Locks LockTable::below(const QByteArray &path)
+LockTable::Locks LockTable::below(const QByteArray &path) const
 {
-    expire();
     Locks found;
     for (auto at = firstBelow(byPath, path); at != byPath.end() && isBelow(at->first, path); ++at)
         found.push_back(at->second);

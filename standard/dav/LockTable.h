@@ -32,7 +32,8 @@ std::chrono::seconds lockTimeout(const QByteArray &timeoutHeader);
 
 /// The locks of one server. Paths are relative to the share's root, "" that itself, with single
 /// slashes between their segments; they need not exist. Every call works on what it names, however
-/// many locks there are. A pointer to a lock is good until the next call that isn't const.
+/// many locks there are. A pointer to a lock is good until the next call that isn't const; nothing
+/// ends while somebody looks.
 class LockTable
 {
 public:
@@ -43,6 +44,9 @@ public:
     using Now = std::function<Lock::Clock::time_point()>;
 
     explicit LockTable(Now clock = Lock::Clock::now);
+
+    /// Ends those whose time is over. The other calls don't: it is to be the first of each turn.
+    void expire();
 
     struct Outcome
     {
@@ -59,7 +63,7 @@ public:
                         std::chrono::seconds timeout);
 
     /// The lock of that token if it covers `path`, else null.
-    const Lock *find(const QByteArray &token, const QByteArray &path);
+    const Lock *find(const QByteArray &token, const QByteArray &path) const;
 
     /// Ends the lock, which may be gone.
     void remove(const QByteArray &token);
@@ -68,20 +72,19 @@ public:
     void removeTree(const QByteArray &path);
 
     /// Those that forbid to change what stands at `path`.
-    Locks covering(const QByteArray &path);
+    Locks covering(const QByteArray &path) const;
 
     /// Those whose root stands below `path`.
-    Locks below(const QByteArray &path);
+    Locks below(const QByteArray &path) const;
 
     int count() const { return int(locks.size()); }
 
 private:
     using ByPath = std::multimap<QByteArray, Lock *>;
 
-    void expire();
     void erase(Lock *lock);
     void setEnd(Lock *lock);
-    const Lock *conflict(const Lock &wanted);
+    const Lock *conflict(const Lock &wanted) const;
 
     Now now;
     std::map<QByteArray, Lock> locks; ///< by token

@@ -262,12 +262,15 @@ void DavPartsTest::locksEnd()
     QVERIFY(table.refresh(deep, "d/through/member", 600s));
     QVERIFY(!table.refresh(alone, "e", 600s));
     now += 100s;
+    // Whoever goes through the locks must not lose one under the hands.
+    const LockTable::Locks found = table.below("e");
+    QCOMPARE(table.covering(found.front()->path).front(), found.front());
+    table.expire();
     QVERIFY(table.covering("e/f").empty());
     QCOMPARE(table.covering("d/x").size(), std::size_t(1));
     QVERIFY(!table.find(deep, "dx"));
     now += 500s;
-    QCOMPARE(table.count(), 1);
-    QVERIFY(table.covering("d").empty());
+    table.expire();
     QCOMPARE(table.count(), 0);
 
     table.add(wish("t"));
