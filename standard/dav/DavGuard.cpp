@@ -6,6 +6,7 @@
 #include "standard/dav/IfHeader.h"
 #include "standard/dav/MultiStatus.h"
 #include "standard/dav/Paths.h"
+#include "standard/dav/Visitor.h"
 #include "standard/http/Conditions.h"
 #include "standard/http/Exchange.h"
 #include "standard/http/Uri.h"
@@ -55,31 +56,56 @@ private:
     const LockTable &locks;
 };
 
-bool namesOne(const IfHeader &header, const LockTable::Locks &locks)
+/// The locks of others, for one request.
+class ForeignLocks
 {
-    return std::any_of(locks.begin(), locks.end(),
-                       [&header](const Lock *lock) { return header.names(lock->token); });
-}
-
-/// The lock that forbids the change; null when none does. Of several shared locks the client needs
-/// but one.
-const Lock *forbidding(const Change &change, const LockTable &table, const IfHeader &header)
-{
-    LockTable::Locks locks = table.covering(change.path);
-    if (!locks.empty() && !namesOne(header, locks))
-        return locks.front();
-    // What a folder holds is part of it.
-    locks = change.membership ? table.covering(parentOf(change.path)) : LockTable::Locks();
-    if (!locks.empty() && !namesOne(header, locks))
-        return locks.front();
-    if (change.extent != Change::Extent::Tree)
-        return nullptr;
-    for (const Lock *lock : table.below(change.path)) {
-        if (!namesOne(header, table.covering(lock->path)))
-            return lock;
+public:
+    /// All are borrowed.
+    ForeignLocks(const LockTable &all, const IfHeader &tokens, const QByteArray &who)
+        : table(all)
+        , header(tokens)
+        , visitor(who)
+    {
     }
-    return nullptr;
-}
+
+    /// The lock that forbids the change; null when none does.
+    const Lock *forbidding(const Change &change) const
+    {
+        if (const Lock *lock = closing(table.covering(change.path)))
+            return lock;
+        // What a folder holds is part of it.
+        if (change.membership) {
+            if (const Lock *lock = closing(table.covering(parentOf(change.path))))
+                return lock;
+        }
+        if (change.extent != Change::Extent::Tree)
+            return nullptr;
+        for (const Lock *lock : table.below(change.path)) {
+            if (!isOpen(lock) && closing(table.covering(lock->path)))
+                return lock;
+        }
+        return nullptr;
+    }
+
+private:
+    bool isOpen(const Lock *lock) const
+    {
+        return lock->isFor(visitor) && header.names(lock->token);
+    }
+
+    /// One of those on a resource, null when they are no hindrance: of several shared ones the
+    /// client needs but one.
+    const Lock *closing(const LockTable::Locks &locks) const
+    {
+        const bool isOneOpen = std::any_of(locks.begin(), locks.end(),
+                                           [this](const Lock *lock) { return isOpen(lock); });
+        return isOneOpen || locks.empty() ? nullptr : locks.front();
+    }
+
+    const LockTable &table;
+    const IfHeader &header;
+    const QByteArray &visitor;
+};
 
 } // namespace
 
@@ -96,8 +122,10 @@ std::optional<Refusal> DavGuard::refusal(const Exchange &exchange,
             return Refusal{ Status::PreconditionFailed };
         header = *parsed;
     }
+    const QByteArray visitor = visitorOf(exchange);
+    const ForeignLocks others(table, header, visitor);
     for (const Change &change : changes) {
-        if (const Lock *lock = forbidding(change, table, header))
+        if (const Lock *lock = others.forbidding(change))
             return Refusal{ Status::Locked,
                             { { "Content-Type", xmlType } },
                             errorBody("lock-token-submitted",

@@ -8,6 +8,7 @@
 #include "standard/dav/Limits.h"
 #include "standard/dav/LockDiscovery.h"
 #include "standard/dav/MultiStatus.h"
+#include "standard/dav/Visitor.h"
 
 #include <cerrno>
 #include <utility>
@@ -19,14 +20,6 @@ namespace {
 LockTable &lockTable(const Exchange &exchange)
 {
     return DavState::of(exchange.service()).locks();
-}
-
-/// Whom a lock counts for: one person may come from several addresses.
-QByteArray visitorOf(const Exchange &exchange)
-{
-    if (!exchange.user().isEmpty())
-        return "user " + exchange.user();
-    return exchange.request().outside.visitor.toString().toLatin1();
 }
 
 /// Some clients send it without its brackets.
@@ -72,7 +65,7 @@ void LockMethod::refresh()
         return exchange.refuse(Status::BadRequest);
     LockTable &table = lockTable(exchange);
     for (const Lock *lock : table.covering(exchange.path())) {
-        if (!header->names(lock->token))
+        if (!header->names(lock->token) || !lock->isFor(visitorOf(exchange)))
             continue;
         const QByteArray token = lock->token;
         const auto timeout = lockTimeout(exchange.request().value("Timeout"));
@@ -101,6 +94,7 @@ void LockMethod::take(const LockBody &asked, bool deep)
     wanted.folder = found.folder;
     wanted.owner = asked.owner;
     wanted.visitor = visitorOf(exchange);
+    wanted.personal = !exchange.user().isEmpty();
     wanted.timeout = lockTimeout(exchange.request().value("Timeout"));
     const LockTable::Outcome outcome = lockTable(exchange).add(wanted);
     if (const Lock *other = outcome.conflict)
@@ -162,10 +156,15 @@ void UnlockMethod::start()
     const QByteArray token = withoutBrackets(exchange.request().value("Lock-Token"));
     if (token.isEmpty())
         return exchange.refuse(Status::BadRequest);
+    if (!mayUpload())
+        return;
     LockTable &table = lockTable(exchange);
-    if (!table.find(token, exchange.path()))
+    const Lock *lock = table.find(token, exchange.path());
+    if (!lock)
         return exchange.reply(Status::Conflict, { { "Content-Type", xmlType } },
                               errorBody("lock-token-matches-request-uri"));
+    if (!lock->isFor(visitorOf(exchange)))
+        return exchange.refuse(Status::Forbidden, "The lock is somebody else's.");
     table.remove(token);
     exchange.reply(Status::NoContent);
 }

@@ -21,10 +21,16 @@ struct Lock
     bool deep = false; ///< with all that stands below, now and later
     bool folder = false; ///< what is locked is one
     QByteArray owner; ///< the element that the client gave, or empty
-    QByteArray visitor; ///< who took it
+    QByteArray visitor; ///< who took it, see `visitorOf`
+    bool personal = false; ///< with a login: nobody else may use its token
     std::chrono::seconds timeout{};
     QByteArray token = {}; ///< given by the table, like the next
     Clock::time_point until = {};
+
+    /// Whether its token is of use for that visitor: everybody is told the tokens (RFC 4918,
+    /// section 6.4). Among those without a login, who may change their address, it is all the proof
+    /// there is.
+    bool isFor(const QByteArray &who) const { return !personal || visitor == who; }
 };
 
 /// How long a lock is to live, from the Timeout header; within what we give, in any case.

@@ -99,6 +99,7 @@ private Q_SLOTS:
     void setsTimes();
     void locks();
     void guardsWhatIsLocked();
+    void keepsLocksToTheirOwners();
     void endsLocksWithWhatTheyLock();
     void takesPropertiesAlong();
     void refuses_data();
@@ -355,6 +356,31 @@ void DavTest::guardsWhatIsLocked()
     server.profile->enableUpload = Qt::Unchecked;
     QCOMPARE(patch('(' + fileToken + ')'), QByteArray("403"));
     QCOMPARE(server.lock("/d/f").status(), QByteArray("403 Forbidden"));
+}
+
+void DavTest::keepsLocksToTheirOwners()
+{
+    DavServer server;
+    server.addFile(QStringLiteral("f"), "x");
+    server.profile->authMode = AuthBasic;
+    server.profile->users = QStringList{ QStringLiteral("a:1"), QStringLiteral("b:2") };
+    const QByteArray mine = "Authorization: Basic " + QByteArray("a:1").toBase64() + "\r\n";
+    const QByteArray others = "Authorization: Basic " + QByteArray("b:2").toBase64() + "\r\n";
+    const QByteArray token = server.lock("/f", mine).header("Lock-Token");
+    const QByteArray named = "If: (" + token + ")\r\n";
+    const auto status = [&server](const QByteArray &method, const QByteArray &headers) {
+        return replyTo(server, method, "/f", headers).status().left(3);
+    };
+    // Everybody is told the token.
+    QCOMPARE(status("PUT", others + named), QByteArray("423"));
+    QCOMPARE(status("LOCK", others + named), QByteArray("412"));
+    QCOMPARE(status("UNLOCK", others + "Lock-Token: " + token + "\r\n"), QByteArray("403"));
+    QCOMPARE(status("PUT", mine + named), QByteArray("204"));
+    QCOMPARE(status("LOCK", mine + named), QByteArray("200"));
+    server.profile->enableUpload = Qt::Unchecked;
+    QCOMPARE(status("UNLOCK", mine + "Lock-Token: " + token + "\r\n"), QByteArray("403"));
+    server.profile->enableUpload = Qt::Checked;
+    QCOMPARE(status("UNLOCK", mine + "Lock-Token: " + token + "\r\n"), QByteArray("204"));
 }
 
 void DavTest::endsLocksWithWhatTheyLock()

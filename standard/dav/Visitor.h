@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QByteArray>
+
+namespace standard {
+
+class Exchange;
+
+/// Whom the locks of a request count for: who has logged in, from any address; else the address.
+QByteArray visitorOf(const Exchange &exchange);
+
+} // namespace standard
