@@ -30,7 +30,7 @@ public:
     bool isLocked(const QByteArray &resource, const QByteArray &token) const override
     {
         const std::optional<QByteArray> path = pathOf(resource);
-        return path && locks.find(token, *path);
+        return path && locks.find(token, pathsTo(exchange.service().share.get(), *path));
     }
 
     QByteArray etag(const QByteArray &resource) const override
@@ -61,8 +61,10 @@ class ForeignLocks
 {
 public:
     /// All are borrowed.
-    ForeignLocks(const LockTable &all, const IfHeader &tokens, const QByteArray &who)
+    ForeignLocks(const LockTable &all, const Share *served, const IfHeader &tokens,
+                 const QByteArray &who)
         : table(all)
+        , share(served)
         , header(tokens)
         , visitor(who)
     {
@@ -71,17 +73,23 @@ public:
     /// The lock that forbids the change; null when none does.
     const Lock *forbidding(const Change &change) const
     {
-        if (const Lock *lock = closing(table.covering(change.path)))
+        if (table.count() == 0)
+            return nullptr;
+        // A tree goes with the link that leads to it, but what it holds stays.
+        const bool isTree = change.extent == Change::Extent::Tree;
+        const Paths paths = isTree ? pathsToEntry(share, change.path) : pathsTo(share, change.path);
+        if (const Lock *lock = closing(table.covering(paths)))
             return lock;
         // What a folder holds is part of it.
         if (change.membership) {
-            if (const Lock *lock = closing(table.covering(parentOf(change.path))))
+            const Paths folder = pathsTo(share, parentOf(change.path));
+            if (const Lock *lock = closing(table.covering(folder)))
                 return lock;
         }
-        if (change.extent != Change::Extent::Tree)
+        if (!isTree)
             return nullptr;
-        for (const Lock *lock : table.below(change.path)) {
-            if (!isOpen(lock) && closing(table.covering(lock->path)))
+        for (const Lock *lock : table.below(paths)) {
+            if (!isOpen(lock) && closing(table.covering(lock->paths)))
                 return lock;
         }
         return nullptr;
@@ -103,6 +111,7 @@ private:
     }
 
     const LockTable &table;
+    const Share *share;
     const IfHeader &header;
     const QByteArray &visitor;
 };
@@ -123,13 +132,13 @@ std::optional<Refusal> DavGuard::refusal(const Exchange &exchange,
         header = *parsed;
     }
     const QByteArray visitor = visitorOf(exchange);
-    const ForeignLocks others(table, header, visitor);
+    const ForeignLocks others(table, exchange.service().share.get(), header, visitor);
     for (const Change &change : changes) {
         if (const Lock *lock = others.forbidding(change))
             return Refusal{ Status::Locked,
                             { { "Content-Type", xmlType } },
                             errorBody("lock-token-submitted",
-                                      href(exchange.urlPath(lock->path, lock->folder))) };
+                                      href(exchange.urlPath(lock->paths.front(), lock->folder))) };
     }
     return std::nullopt;
 }
@@ -137,7 +146,7 @@ std::optional<Refusal> DavGuard::refusal(const Exchange &exchange,
 void DavGuard::removed(const Exchange &exchange, const QByteArray &path)
 {
     DavState &state = DavState::of(exchange.service());
-    state.locks().removeTree(path);
+    state.locks().removeTree(pathsToEntry(exchange.service().share.get(), path));
     state.properties()->removed(path);
 }
 
@@ -158,7 +167,7 @@ void DavGuard::thinned(const Exchange &exchange, const QByteArray &path)
 void DavGuard::moved(const Exchange &exchange, const QByteArray &from, const QByteArray &to)
 {
     DavState &state = DavState::of(exchange.service());
-    state.locks().removeTree(from);
+    state.locks().removeTree(pathsToEntry(exchange.service().share.get(), from));
     state.properties()->moved(from, to);
 }
 

@@ -4,6 +4,9 @@
 #include "standard/dav/Paths.h"
 #include "standard/http/Uri.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace standard {
 
 QByteArray activeLock(const Lock &lock, const QByteArray &prefix)
@@ -15,36 +18,53 @@ QByteArray activeLock(const Lock &lock, const QByteArray &prefix)
         + (lock.deep ? "infinity" : "0") + "</D:depth>" + lock.owner + "<D:timeout>Second-"
         + QByteArray::number(qint64(left.count())) + "</D:timeout><D:locktoken><D:href>"
         + lock.token + "</D:href></D:locktoken><D:lockroot>"
-        + href(urlPath(prefix, lock.path, lock.folder)) + "</D:lockroot></D:activelock>";
+        + href(urlPath(prefix, lock.paths.front(), lock.folder)) + "</D:lockroot></D:activelock>";
 }
 
-LockDiscovery::LockDiscovery(const LockTable &table, const QByteArray &path, bool withTree,
-                             const QByteArray &prefix)
+LockDiscovery::LockDiscovery(const LockTable &table, Paths topPaths, bool withTree,
+                             QByteArray pathPrefix)
+    : paths(std::move(topPaths))
+    , prefix(std::move(pathPrefix))
 {
-    add(table.covering(path), prefix);
+    add(table.covering(paths));
     if (withTree)
-        add(table.below(path), prefix);
+        add(table.below(paths));
 }
 
-void LockDiscovery::add(const LockTable::Locks &locks, const QByteArray &prefix)
+void LockDiscovery::add(const LockTable::Locks &locks)
 {
-    for (const Lock *lock : locks)
-        byRoot.emplace(lock->path, Told{ lock->deep, activeLock(*lock, prefix) });
+    for (const Lock *lock : locks) {
+        const auto copy = std::make_shared<const Lock>(*lock);
+        for (const QByteArray &name : copy->paths)
+            byRoot.emplace(name, copy);
+    }
 }
 
 QByteArray LockDiscovery::at(const QByteArray &path) const
 {
-    QByteArray elements;
     if (byRoot.empty())
-        return elements;
+        return {};
+    Found found;
+    const QByteArray rest = path.mid(paths.front().size());
+    for (const QByteArray &top : paths)
+        find(found, top.isEmpty() && rest.startsWith('/') ? rest.mid(1) : top + rest);
+    QByteArray elements;
+    for (const Lock *lock : found)
+        elements += activeLock(*lock, prefix);
+    return elements;
+}
+
+void LockDiscovery::find(Found &found, const QByteArray &path) const
+{
     for (const QByteArray &root : withAncestors(path)) {
         const auto [first, last] = byRoot.equal_range(root);
         for (auto at = first; at != last; ++at) {
-            if (at->second.deep || root == path)
-                elements += at->second.element;
+            const Lock *lock = at->second.get();
+            const bool isNew = std::find(found.begin(), found.end(), lock) == found.end();
+            if (isNew && (lock->deep || root == path))
+                found.push_back(lock);
         }
     }
-    return elements;
 }
 
 } // namespace standard

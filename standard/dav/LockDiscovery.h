@@ -5,6 +5,8 @@
 #include <QByteArray>
 
 #include <map>
+#include <memory>
+#include <vector>
 
 namespace standard {
 
@@ -18,23 +20,22 @@ class LockDiscovery
 public:
     LockDiscovery() = default;
 
-    /// Of what stands at `path`, and below it if `withTree`; for `prefix` see `activeLock`.
-    LockDiscovery(const LockTable &table, const QByteArray &path, bool withTree,
-                  const QByteArray &prefix);
+    /// Of what has these paths, and of what stands below it if `withTree`; for `prefix` see
+    /// `activeLock`.
+    LockDiscovery(const LockTable &table, Paths topPaths, bool withTree, QByteArray pathPrefix);
 
-    /// The elements of all locks that cover `path`.
+    /// The elements of all locks that cover `path`, which begins with the first of the paths.
     QByteArray at(const QByteArray &path) const;
 
 private:
-    struct Told
-    {
-        bool deep;
-        QByteArray element;
-    };
+    using Found = std::vector<const Lock *>;
 
-    void add(const LockTable::Locks &locks, const QByteArray &prefix);
+    void add(const LockTable::Locks &locks);
+    void find(Found &found, const QByteArray &path) const;
 
-    std::multimap<QByteArray, Told> byRoot;
+    Paths paths;
+    QByteArray prefix;
+    std::multimap<QByteArray, std::shared_ptr<const Lock>> byRoot;
 };
 
 } // namespace standard

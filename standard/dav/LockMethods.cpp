@@ -28,6 +28,12 @@ QByteArray withoutBrackets(const QByteArray &token)
     return token.startsWith('<') && token.endsWith('>') ? token.mid(1, token.size() - 2) : token;
 }
 
+/// To what the request names.
+Paths pathsTo(const Exchange &exchange)
+{
+    return standard::pathsTo(exchange.service().share.get(), exchange.path());
+}
+
 Fields tokenField(const Lock &lock)
 {
     return { { "Lock-Token", '<' + lock.token + '>' } };
@@ -64,12 +70,11 @@ void LockMethod::refresh()
     if (!header)
         return exchange.refuse(Status::BadRequest);
     LockTable &table = lockTable(exchange);
-    for (const Lock *lock : table.covering(exchange.path())) {
+    for (const Lock *lock : table.covering(pathsTo(exchange))) {
         if (!header->names(lock->token) || !lock->isFor(visitorOf(exchange)))
             continue;
-        const QByteArray token = lock->token;
         const auto timeout = lockTimeout(exchange.request().value("Timeout"));
-        return answer(*table.refresh(token, exchange.path(), timeout), Status::Ok);
+        return answer(*table.refresh(lock->token, timeout), Status::Ok);
     }
     exchange.reply(Status::PreconditionFailed, { { "Content-Type", xmlType } },
                    errorBody("lock-token-matches-request-uri"));
@@ -88,7 +93,7 @@ void LockMethod::take(const LockBody &asked, bool deep)
         return;
 
     Lock wanted;
-    wanted.path = exchange.path();
+    wanted.paths = pathsTo(exchange);
     wanted.shared = asked.shared;
     wanted.deep = deep;
     wanted.folder = found.folder;
@@ -100,7 +105,8 @@ void LockMethod::take(const LockBody &asked, bool deep)
     if (const Lock *other = outcome.conflict)
         return exchange.reply(
             Status::Locked, { { "Content-Type", xmlType } },
-            errorBody("no-conflicting-lock", href(exchange.urlPath(other->path, other->folder))));
+            errorBody("no-conflicting-lock",
+                      href(exchange.urlPath(other->paths.front(), other->folder))));
     if (!outcome.made)
         return exchange.refuse(Status::Unavailable, "There are too many locks.");
     if (!isNew)
@@ -127,7 +133,7 @@ void LockMethod::fileMade()
     if (error != DiskError::None)
         return exchange.refuse(statusOf(error));
     const QByteArray token = std::exchange(made, {});
-    if (const Lock *lock = lockTable(exchange).find(token, exchange.path()))
+    if (const Lock *lock = lockTable(exchange).find(token, pathsTo(exchange)))
         answer(*lock, Status::Created, tokenField(*lock));
     else
         exchange.refuse(Status::Conflict);
@@ -159,7 +165,7 @@ void UnlockMethod::start()
     if (!mayUpload())
         return;
     LockTable &table = lockTable(exchange);
-    const Lock *lock = table.find(token, exchange.path());
+    const Lock *lock = table.find(token, pathsTo(exchange));
     if (!lock)
         return exchange.reply(Status::Conflict, { { "Content-Type", xmlType } },
                               errorBody("lock-token-matches-request-uri"));

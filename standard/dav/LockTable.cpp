@@ -34,7 +34,15 @@ seconds askedTimeout(const QByteArray &value)
 
 bool covers(const Lock &lock, const QByteArray &path)
 {
-    return lock.path == path || (lock.deep && isBelow(path, lock.path));
+    return std::any_of(lock.paths.begin(), lock.paths.end(), [&](const QByteArray &root) {
+        return root == path || (lock.deep && isBelow(path, root));
+    });
+}
+
+void addOnce(LockTable::Locks &locks, const Lock *lock)
+{
+    if (std::find(locks.begin(), locks.end(), lock) == locks.end())
+        locks.push_back(lock);
 }
 
 } // namespace
@@ -69,16 +77,17 @@ LockTable::Outcome LockTable::add(Lock wanted)
     // From the system's random source: a token is all that a stranger would need.
     wanted.token = "urn:uuid:" + QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
     Lock &made = locks.emplace(wanted.token, wanted).first->second;
-    byPath.emplace(made.path, &made);
+    for (const QByteArray &name : made.paths)
+        byPath.emplace(name, &made);
     setEnd(&made);
     return { &made, nullptr };
 }
 
 const Lock *LockTable::conflict(const Lock &wanted) const
 {
-    Locks others = covering(wanted.path);
+    Locks others = covering(wanted.paths);
     if (wanted.deep) {
-        const Locks further = below(wanted.path);
+        const Locks further = below(wanted.paths);
         others.insert(others.end(), further.begin(), further.end());
     }
     const auto found = std::find_if(others.begin(), others.end(), [&wanted](const Lock *other) {
@@ -87,18 +96,23 @@ const Lock *LockTable::conflict(const Lock &wanted) const
     return found == others.end() ? nullptr : *found;
 }
 
-const Lock *LockTable::find(const QByteArray &token, const QByteArray &path) const
+const Lock *LockTable::find(const QByteArray &token, const Paths &paths) const
 {
     const auto found = locks.find(token);
-    const bool fits = found != locks.end() && covers(found->second, path);
-    return fits ? &found->second : nullptr;
+    if (found == locks.end())
+        return nullptr;
+    const Lock &lock = found->second;
+    const bool fits = std::any_of(paths.begin(), paths.end(),
+                                  [&lock](const QByteArray &name) { return covers(lock, name); });
+    return fits ? &lock : nullptr;
 }
 
-const Lock *LockTable::refresh(const QByteArray &token, const QByteArray &path, seconds timeout)
+const Lock *LockTable::refresh(const QByteArray &token, seconds timeout)
 {
-    if (!find(token, path))
+    const auto found = locks.find(token);
+    if (found == locks.end())
         return nullptr;
-    Lock &lock = locks.find(token)->second;
+    Lock &lock = found->second;
     byEnd.erase({ lock.until, &lock });
     lock.timeout = timeout;
     setEnd(&lock);
@@ -118,20 +132,27 @@ void LockTable::remove(const QByteArray &token)
         erase(&found->second);
 }
 
-void LockTable::removeTree(const QByteArray &path)
+void LockTable::removeTree(const Paths &paths)
 {
-    Locks gone = below(path);
-    const auto [first, last] = byPath.equal_range(path);
-    for (auto at = first; at != last; ++at)
-        gone.push_back(at->second);
-    for (const Lock *lock : gone)
-        remove(QByteArray(lock->token));
+    std::vector<QByteArray> tokens;
+    for (const Lock *lock : below(paths))
+        tokens.push_back(lock->token);
+    for (const QByteArray &name : paths) {
+        const auto [first, last] = byPath.equal_range(name);
+        for (auto at = first; at != last; ++at)
+            tokens.push_back(at->second->token);
+    }
+    for (const QByteArray &token : tokens)
+        remove(token);
 }
 
 void LockTable::erase(Lock *lock)
 {
-    const auto [first, last] = byPath.equal_range(lock->path);
-    byPath.erase(std::find_if(first, last, [lock](const auto &at) { return at.second == lock; }));
+    for (const QByteArray &name : lock->paths) {
+        const auto [first, last] = byPath.equal_range(name);
+        const auto isIt = [lock](const auto &at) { return at.second == lock; };
+        byPath.erase(std::find_if(first, last, isIt));
+    }
     byEnd.erase({ lock->until, lock });
     const auto mine = ofVisitor.find(lock->visitor);
     if (--mine->second == 0)
@@ -145,24 +166,32 @@ void LockTable::expire()
         erase(byEnd.begin()->second);
 }
 
-LockTable::Locks LockTable::covering(const QByteArray &path) const
+LockTable::Locks LockTable::covering(const Paths &paths) const
 {
     Locks found;
-    for (const QByteArray &root : withAncestors(path)) {
-        const auto [first, last] = byPath.equal_range(root);
-        for (auto at = first; at != last; ++at) {
-            if (covers(*at->second, path))
-                found.push_back(at->second);
+    for (const QByteArray &path : paths) {
+        for (const QByteArray &root : withAncestors(path)) {
+            const auto [first, last] = byPath.equal_range(root);
+            for (auto at = first; at != last; ++at) {
+                if (at->second->deep || root == path)
+                    addOnce(found, at->second);
+            }
         }
     }
     return found;
 }
 
-LockTable::Locks LockTable::below(const QByteArray &path) const
+LockTable::Locks LockTable::below(const Paths &paths) const
 {
     Locks found;
-    for (auto at = firstBelow(byPath, path); at != byPath.end() && isBelow(at->first, path); ++at)
-        found.push_back(at->second);
+    std::set<const Lock *> known;
+    for (const QByteArray &path : paths) {
+        for (auto at = firstBelow(byPath, path); at != byPath.end() && isBelow(at->first, path);
+             ++at) {
+            if (known.insert(at->second).second)
+                found.push_back(at->second);
+        }
+    }
     return found;
 }
 

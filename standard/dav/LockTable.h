@@ -1,5 +1,7 @@
 #pragma once
 
+#include "standard/dav/PathsTo.h"
+
 #include <QByteArray>
 
 #include <chrono>
@@ -16,7 +18,7 @@ struct Lock
 {
     using Clock = std::chrono::steady_clock;
 
-    QByteArray path; ///< of its root
+    Paths paths; ///< of its root
     bool shared = false;
     bool deep = false; ///< with all that stands below, now and later
     bool folder = false; ///< what is locked is one
@@ -36,10 +38,10 @@ struct Lock
 /// How long a lock is to live, from the Timeout header; within what we give, in any case.
 std::chrono::seconds lockTimeout(const QByteArray &timeoutHeader);
 
-/// The locks of one server. Paths are relative to the share's root, "" that itself, with single
-/// slashes between their segments; they need not exist. Every call works on what it names, however
-/// many locks there are. A pointer to a lock is good until the next call that isn't const; nothing
-/// ends while somebody looks.
+/// The locks of one server: on files and folders, by whatever name they are reached. Paths are
+/// relative to the share's root, "" that itself, with single slashes between their segments; they
+/// need not exist. Every call works on what it paths, however many locks there are. A pointer to a
+/// lock is good until the next call that isn't const; nothing ends while somebody looks.
 class LockTable
 {
 public:
@@ -63,30 +65,28 @@ public:
     /// Takes the lock unless another one stands against it.
     Outcome add(Lock wanted);
 
-    /// Begins the time of the lock anew; `path` is its root or covered by it. Null when there is no
-    /// such lock.
-    const Lock *refresh(const QByteArray &token, const QByteArray &path,
-                        std::chrono::seconds timeout);
+    /// Begins the time of the lock anew. Null when it is gone.
+    const Lock *refresh(const QByteArray &token, std::chrono::seconds timeout);
 
-    /// The lock of that token if it covers `path`, else null.
-    const Lock *find(const QByteArray &token, const QByteArray &path) const;
+    /// The lock of that token if it covers what is called so, else null.
+    const Lock *find(const QByteArray &token, const Paths &paths) const;
 
     /// Ends the lock, which may be gone.
     void remove(const QByteArray &token);
 
-    /// Ends those whose root is `path` or stands below it: what was there is gone.
-    void removeTree(const QByteArray &path);
+    /// Ends those whose root is called so or stands below: what was there is gone.
+    void removeTree(const Paths &paths);
 
-    /// Those that forbid to change what stands at `path`.
-    Locks covering(const QByteArray &path) const;
+    /// Those that forbid to change what is called so.
+    Locks covering(const Paths &paths) const;
 
-    /// Those whose root stands below `path`.
-    Locks below(const QByteArray &path) const;
+    /// Those whose root stands below it.
+    Locks below(const Paths &paths) const;
 
     int count() const { return int(locks.size()); }
 
 private:
-    using ByPath = std::multimap<QByteArray, Lock *>;
+    using ByPath = std::multimap<QByteArray, Lock *>; // under each of their paths
 
     void erase(Lock *lock);
     void setEnd(Lock *lock);

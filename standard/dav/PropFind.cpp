@@ -65,8 +65,9 @@ void PropFind::bodyReady(const QByteArray &body)
 ReplyFacts PropFind::commonFacts(const PropFindBody &asked, Depth depth) const
 {
     ReplyFacts facts;
-    facts.locks = LockDiscovery(DavState::of(exchange.service()).locks(), exchange.path(),
-                                depth != Depth::Zero, exchange.request().outside.prefix);
+    facts.locks = LockDiscovery(DavState::of(exchange.service()).locks(),
+                                pathsTo(share(), exchange.path()), depth != Depth::Zero,
+                                exchange.request().outside.prefix);
     const bool asksForQuota =
         std::any_of(asked.names.begin(), asked.names.end(), [](const XmlName &name) {
             return name.isDav("quota-available-bytes") || name.isDav("quota-used-bytes");

@@ -100,6 +100,7 @@ private Q_SLOTS:
     void locks();
     void guardsWhatIsLocked();
     void keepsLocksToTheirOwners();
+    void seesLocksThroughLinks();
     void endsLocksWithWhatTheyLock();
     void takesPropertiesAlong();
     void refuses_data();
@@ -381,6 +382,37 @@ void DavTest::keepsLocksToTheirOwners()
     QCOMPARE(status("UNLOCK", mine + "Lock-Token: " + token + "\r\n"), QByteArray("403"));
     server.profile->enableUpload = Qt::Checked;
     QCOMPARE(status("UNLOCK", mine + "Lock-Token: " + token + "\r\n"), QByteArray("204"));
+}
+
+void DavTest::seesLocksThroughLinks()
+{
+    DavServer server;
+    server.addFile(QStringLiteral("d/f"), "x");
+    QVERIFY(QFile::link(QStringLiteral("d"), server.sharePath(QStringLiteral("link"))));
+    QVERIFY(QFile::link(QStringLiteral("d/f"), server.sharePath(QStringLiteral("alias"))));
+    const auto status = [&server](const QByteArray &method, const QByteArray &target,
+                                  const QByteArray &headers = {}) {
+        return replyTo(server, method, target, headers).status().left(3);
+    };
+    const RawReply made = server.lock("/link/f");
+    QVERIFY(made.body.contains("<D:lockroot><D:href>/link/f<"));
+    const QByteArray token = made.header("Lock-Token");
+    for (const char *target : { "/d/f", "/link/f", "/alias" }) {
+        QCOMPARE(status("PUT", target), QByteArray("423"));
+        QCOMPARE(server.lock(target).status(), QByteArray("423 Locked"));
+        QCOMPARE(status("PUT", target, "If: (" + token + ")\r\n"), QByteArray("204"));
+    }
+    QCOMPARE(server.propFind("/link", "1").body.count("<D:activelock>"), 1);
+    QCOMPARE(server.propFind("/d", "1").body.count("<D:activelock>"), 1);
+    QCOMPARE(status("DELETE", "/d"), QByteArray("423"));
+    // Another link goes without what it leads to, and without its lock.
+    QCOMPARE(status("DELETE", "/alias"), QByteArray("204"));
+    QCOMPARE(status("PUT", "/d/f"), QByteArray("423"));
+    QCOMPARE(status("UNLOCK", "/d/f", "Lock-Token: " + token + "\r\n"), QByteArray("204"));
+    // Of a folder as well: what is new in it, and what it holds.
+    QCOMPARE(server.lock("/link", "Depth: 0\r\n").status(), QByteArray("200 OK"));
+    QCOMPARE(status("PUT", "/d/new"), QByteArray("423"));
+    QCOMPARE(status("PUT", "/d/f"), QByteArray("204"));
 }
 
 void DavTest::endsLocksWithWhatTheyLock()

@@ -38,7 +38,7 @@ Lock wish(const QByteArray &path, bool deep = false, bool shared = false,
           const QByteArray &visitor = "me")
 {
     Lock lock;
-    lock.path = path;
+    lock.paths = { path };
     lock.deep = deep;
     lock.shared = shared;
     lock.visitor = visitor;
@@ -247,7 +247,7 @@ void DavPartsTest::locksExclude()
     QVERIFY(table.add(wish("s", true, true)).made);
     QVERIFY(table.add(wish("", false, true)).made);
     const LockTable::Outcome outcome = table.add(wish(path, deep, shared));
-    QCOMPARE(outcome.conflict ? outcome.conflict->path : QByteArray("-"), against);
+    QCOMPARE(outcome.conflict ? outcome.conflict->paths.front() : QByteArray("-"), against);
     QCOMPARE(outcome.made != nullptr, against == "-");
 }
 
@@ -259,16 +259,16 @@ void DavPartsTest::locksEnd()
     const QByteArray alone = table.add(wish("e/f")).made->token;
     QVERIFY(deep.startsWith("urn:uuid:") && deep != alone);
     now += 500s;
-    QVERIFY(table.refresh(deep, "d/through/member", 600s));
-    QVERIFY(!table.refresh(alone, "e", 600s));
+    QVERIFY(table.find(deep, { "d/through/member" }) && table.refresh(deep, 600s));
+    QVERIFY(!table.find(alone, { "e" }));
     now += 100s;
     // Whoever goes through the locks must not lose one under the hands.
-    const LockTable::Locks found = table.below("e");
-    QCOMPARE(table.covering(found.front()->path).front(), found.front());
+    const LockTable::Locks found = table.below({ "e" });
+    QCOMPARE(table.covering(found.front()->paths).front(), found.front());
     table.expire();
-    QVERIFY(table.covering("e/f").empty());
-    QCOMPARE(table.covering("d/x").size(), std::size_t(1));
-    QVERIFY(!table.find(deep, "dx"));
+    QVERIFY(table.covering({ "e/f" }).empty());
+    QCOMPARE(table.covering({ "d/x" }).size(), std::size_t(1));
+    QVERIFY(!table.find(deep, { "dx" }));
     now += 500s;
     table.expire();
     QCOMPARE(table.count(), 0);
@@ -276,8 +276,8 @@ void DavPartsTest::locksEnd()
     table.add(wish("t"));
     table.add(wish("t/u"));
     table.add(wish("tt"));
-    table.removeTree("t");
-    QVERIFY(table.covering("t/u").empty() && !table.covering("tt").empty());
+    table.removeTree({ "t" });
+    QVERIFY(table.covering({ "t/u" }).empty() && !table.covering({ "tt" }).empty());
 
     QCOMPARE(lockTimeout({}), 600s);
     QCOMPARE(lockTimeout("Second-1"), 180s);
@@ -297,7 +297,7 @@ void DavPartsTest::locksAreBoundedAndFast()
         QCOMPARE(taken, i % 1100 < LockTable::maxOfVisitor && i < 11000);
     }
     QCOMPARE(table.count(), LockTable::maxLocks);
-    table.remove(table.covering("f/0").front()->token);
+    table.remove(table.covering({ "f/0" }).front()->token);
 
     QElapsedTimer time;
     time.start();
