@@ -9,4 +9,7 @@ constexpr qint64 maxPropFindBody = 64 * 1024;
 constexpr qint64 maxLockBody = 64 * 1024;
 constexpr qint64 maxPropPatchBody = 1024 * 1024;
 
+/// Bytes of the owner of a lock, which is told with each resource that the lock covers.
+constexpr int maxOwner = 4 * 1024;
+
 } // namespace standard

@@ -21,14 +21,14 @@ QByteArray activeLock(const Lock &lock, const QByteArray &prefix)
         + href(urlPath(prefix, lock.paths.front(), lock.folder)) + "</D:lockroot></D:activelock>";
 }
 
-LockDiscovery::LockDiscovery(const LockTable &table, Paths topPaths, bool withTree,
+LockDiscovery::LockDiscovery(const LockTable &table, Paths topPaths, Depth depth,
                              QByteArray pathPrefix)
     : paths(std::move(topPaths))
     , prefix(std::move(pathPrefix))
 {
     add(table.covering(paths));
-    if (withTree)
-        add(table.below(paths));
+    if (depth != Depth::Zero)
+        add(depth == Depth::One ? table.ofMembers(paths) : table.below(paths));
 }
 
 void LockDiscovery::add(const LockTable::Locks &locks)
@@ -61,7 +61,7 @@ void LockDiscovery::find(Found &found, const QByteArray &path) const
         for (auto at = first; at != last; ++at) {
             const Lock *lock = at->second.get();
             const bool isNew = std::find(found.begin(), found.end(), lock) == found.end();
-            if (isNew && (lock->deep || root == path))
+            if (isNew && (lock->deep || root == path) && found.size() < maxTold)
                 found.push_back(lock);
         }
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "standard/dav/LockTable.h"
+#include "standard/http/Depth.h"
 
 #include <QByteArray>
 
@@ -18,13 +19,15 @@ QByteArray activeLock(const Lock &lock, const QByteArray &prefix);
 class LockDiscovery
 {
 public:
+    static constexpr std::size_t maxTold = 64; ///< of one resource
+
     LockDiscovery() = default;
 
-    /// Of what has these paths, and of what stands below it if `withTree`; for `prefix` see
-    /// `activeLock`.
-    LockDiscovery(const LockTable &table, Paths topPaths, bool withTree, QByteArray pathPrefix);
+    /// Of what has these paths, and of what stands below it as far as `depth` goes; for
+    /// `pathPrefix` see `activeLock`.
+    LockDiscovery(const LockTable &table, Paths topPaths, Depth depth, QByteArray pathPrefix);
 
-    /// The elements of all locks that cover `path`, which begins with the first of the paths.
+    /// The elements of the locks that cover `path`, which begins with the first of the paths.
     QByteArray at(const QByteArray &path) const;
 
 private:

@@ -31,7 +31,7 @@ QByteArray withoutBrackets(const QByteArray &token)
 /// To what the request names.
 Paths pathsTo(const Exchange &exchange)
 {
-    return standard::pathsTo(exchange.service().share.get(), exchange.path());
+    return standard::pathsTo(exchange.share(), exchange.path());
 }
 
 Fields tokenField(const Lock &lock)
@@ -43,8 +43,7 @@ Fields tokenField(const Lock &lock)
 
 void LockMethod::start()
 {
-    const EntryFacts found = facts();
-    if (!mayUpload() || !meetsConditions(found))
+    if (!mayUpload() || !meetsConditions(facts()))
         return;
     exchange.readBody(maxLockBody);
 }
@@ -60,6 +59,8 @@ void LockMethod::bodyReady(const QByteArray &body)
     const std::optional<LockBody> asked = LockBody::parse(body);
     if (!asked)
         return exchange.refuse(Status::BadRequest);
+    if (asked->owner.size() > maxOwner)
+        return exchange.refuse(Status::ContentTooLarge, "The owner is too long.");
     take(*asked, *depth == Depth::Infinity);
 }
 

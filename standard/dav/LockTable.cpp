@@ -6,6 +6,7 @@
 #include <QUuid>
 
 #include <algorithm>
+#include <numeric>
 
 namespace standard {
 
@@ -39,6 +40,12 @@ bool covers(const Lock &lock, const QByteArray &path)
     });
 }
 
+qint64 sizeOf(const Lock &lock)
+{
+    const auto add = [](qint64 sum, const QByteArray &path) { return sum + path.size(); };
+    return std::accumulate(lock.paths.begin(), lock.paths.end(), qint64(lock.owner.size()), add);
+}
+
 void addOnce(LockTable::Locks &locks, const Lock *lock)
 {
     if (std::find(locks.begin(), locks.end(), lock) == locks.end())
@@ -67,13 +74,10 @@ LockTable::Outcome LockTable::add(Lock wanted)
 {
     if (const Lock *other = conflict(wanted))
         return { nullptr, other };
-    int &mine = ofVisitor[wanted.visitor];
-    if (count() >= maxLocks || mine >= maxOfVisitor) {
-        if (mine == 0)
-            ofVisitor.erase(wanted.visitor);
+    if (!hasRoom(wanted))
         return {};
-    }
-    ++mine;
+    ++ofVisitor[wanted.visitor];
+    bytes += sizeOf(wanted);
     // From the system's random source: a token is all that a stranger would need.
     wanted.token = "urn:uuid:" + QUuid::createUuid().toByteArray(QUuid::WithoutBraces);
     Lock &made = locks.emplace(wanted.token, wanted).first->second;
@@ -81,6 +85,15 @@ LockTable::Outcome LockTable::add(Lock wanted)
         byPath.emplace(name, &made);
     setEnd(&made);
     return { &made, nullptr };
+}
+
+bool LockTable::hasRoom(const Lock &wanted) const
+{
+    const auto mine = ofVisitor.find(wanted.visitor);
+    const auto isFull = [this](const QByteArray &path) { return byPath.count(path) >= maxOnPath; };
+    return count() < maxLocks && (mine == ofVisitor.end() || mine->second < maxOfVisitor)
+        && bytes + sizeOf(wanted) <= maxBytes
+        && std::none_of(wanted.paths.begin(), wanted.paths.end(), isFull);
 }
 
 const Lock *LockTable::conflict(const Lock &wanted) const
@@ -154,6 +167,7 @@ void LockTable::erase(Lock *lock)
         byPath.erase(std::find_if(first, last, isIt));
     }
     byEnd.erase({ lock->until, lock });
+    bytes -= sizeOf(*lock);
     const auto mine = ofVisitor.find(lock->visitor);
     if (--mine->second == 0)
         ofVisitor.erase(mine);
@@ -192,6 +206,18 @@ LockTable::Locks LockTable::below(const Paths &paths) const
                 found.push_back(at->second);
         }
     }
+    return found;
+}
+
+LockTable::Locks LockTable::ofMembers(const Paths &paths) const
+{
+    Locks found = below(paths);
+    const auto isFurther = [&paths](const Lock *lock) {
+        return std::none_of(lock->paths.begin(), lock->paths.end(), [&](const QByteArray &path) {
+            return std::find(paths.begin(), paths.end(), parentOf(path)) != paths.end();
+        });
+    };
+    found.erase(std::remove_if(found.begin(), found.end(), isFurther), found.end());
     return found;
 }
 

@@ -47,6 +47,8 @@ class LockTable
 public:
     static constexpr int maxLocks = 10000;
     static constexpr int maxOfVisitor = 1000;
+    static constexpr int maxOnPath = 32; ///< that are shared
+    static constexpr qint64 maxBytes = qint64(16) << 20; ///< for paths and owners
 
     using Locks = std::vector<const Lock *>;
     using Now = std::function<Lock::Clock::time_point()>;
@@ -83,6 +85,12 @@ public:
     /// Those whose root stands below it.
     Locks below(const Paths &paths) const;
 
+    /// Those of them whose root is a member, of a folder that is called so.
+    Locks ofMembers(const Paths &paths) const;
+
+    /// The lock that stands against `wanted`; null when none does.
+    const Lock *conflict(const Lock &wanted) const;
+
     int count() const { return int(locks.size()); }
 
 private:
@@ -90,13 +98,14 @@ private:
 
     void erase(Lock *lock);
     void setEnd(Lock *lock);
-    const Lock *conflict(const Lock &wanted) const;
+    bool hasRoom(const Lock &wanted) const;
 
     Now now;
     std::map<QByteArray, Lock> locks; ///< by token
     ByPath byPath;
     std::set<std::pair<Lock::Clock::time_point, Lock *>> byEnd;
     std::map<QByteArray, int> ofVisitor;
+    qint64 bytes = 0; ///< see `maxBytes`
 };
 
 } // namespace standard

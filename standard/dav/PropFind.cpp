@@ -65,15 +65,17 @@ void PropFind::bodyReady(const QByteArray &body)
 ReplyFacts PropFind::commonFacts(const PropFindBody &asked, Depth depth) const
 {
     ReplyFacts facts;
-    facts.locks = LockDiscovery(DavState::of(exchange.service()).locks(),
-                                pathsTo(share(), exchange.path()), depth != Depth::Zero,
-                                exchange.request().outside.prefix);
-    const bool asksForQuota =
-        std::any_of(asked.names.begin(), asked.names.end(), [](const XmlName &name) {
-            return name.isDav("quota-available-bytes") || name.isDav("quota-used-bytes");
-        });
+    const auto asksFor = [&asked](const char *property) {
+        return std::any_of(asked.names.begin(), asked.names.end(),
+                           [property](const XmlName &name) { return name.isDav(property); });
+    };
+    const LockTable &locks = DavState::of(exchange.service()).locks();
+    const bool asksForLocks = asked.kind == PropFindBody::Kind::All || asksFor("lockdiscovery");
+    if (asksForLocks && locks.count() > 0)
+        facts.locks = LockDiscovery(locks, pathsTo(share(), exchange.path()), depth,
+                                    exchange.request().outside.prefix);
     struct statvfs disk = {};
-    if (!asksForQuota
+    if ((!asksFor("quota-available-bytes") && !asksFor("quota-used-bytes"))
         || ::fstatvfs(share()->open(exchange.path(), O_PATH | O_CLOEXEC).get(), &disk) != 0)
         return facts;
     const auto unit = qint64(disk.f_frsize);

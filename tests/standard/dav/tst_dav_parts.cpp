@@ -304,6 +304,14 @@ void DavPartsTest::locksAreBoundedAndFast()
     for (int i = 0; i < 10000; ++i)
         table.remove(table.add(wish("g", false, false, "w")).made->token);
     QVERIFY2(time.elapsed() < 1000, "each looks at all locks");
+
+    // Each is told with each resource that it covers.
+    table.removeTree({ "f" });
+    for (int i = 0; i <= LockTable::maxOnPath; ++i)
+        QCOMPARE(table.add(wish("s", true, true, "w")).made != nullptr, i < LockTable::maxOnPath);
+    Lock wordy = wish("t", false, true, "w");
+    wordy.owner.fill('x', int(LockTable::maxBytes));
+    QVERIFY(!table.add(wordy).made);
 }
 
 void DavPartsTest::propertiesSurviveOnDisk()
