@@ -35,6 +35,9 @@ void FileReply::start()
 {
     if (!share())
         return exchange.refuse(Status::NotFound);
+    // Nothing changes, but the If header counts.
+    if (!exchange.mayChange({}))
+        return;
     if (share()->isFolder() && exchange.namesFolder())
         return listFolder();
     std::optional<OpenFile> opened = share()->openFile(exchange.path());
