@@ -30,7 +30,7 @@ public:
     bool isLocked(const QByteArray &resource, const QByteArray &token) const override
     {
         const std::optional<QByteArray> path = pathOf(resource);
-        return path && locks.find(token, pathsTo(exchange.share(), *path));
+        return path && locks.find(token, pathsTo(exchange.share().get(), *path));
     }
 
     QByteArray etag(const QByteArray &resource) const override
@@ -132,7 +132,7 @@ std::optional<Refusal> DavGuard::refusal(const Exchange &exchange,
         header = *parsed;
     }
     const QByteArray visitor = visitorOf(exchange);
-    const ForeignLocks others(table, exchange.share(), header, visitor);
+    const ForeignLocks others(table, exchange.share().get(), header, visitor);
     for (const Change &change : changes) {
         if (const Lock *lock = others.forbidding(change))
             return Refusal{ Status::Locked,
@@ -146,7 +146,7 @@ std::optional<Refusal> DavGuard::refusal(const Exchange &exchange,
 void DavGuard::removed(const Exchange &exchange, const QByteArray &path)
 {
     DavState &state = DavState::of(exchange.service());
-    state.locks().removeTree(pathsToEntry(exchange.share(), path));
+    state.locks().removeTree(pathsToEntry(exchange.share().get(), path));
     state.properties()->removed(path);
 }
 
@@ -167,7 +167,7 @@ void DavGuard::thinned(const Exchange &exchange, const QByteArray &path)
 void DavGuard::moved(const Exchange &exchange, const QByteArray &from, const QByteArray &to)
 {
     DavState &state = DavState::of(exchange.service());
-    state.locks().removeTree(pathsToEntry(exchange.share(), from));
+    state.locks().removeTree(pathsToEntry(exchange.share().get(), from));
     state.properties()->moved(from, to);
 }
 

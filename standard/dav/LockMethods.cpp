@@ -31,7 +31,7 @@ QByteArray withoutBrackets(const QByteArray &token)
 /// To what the request names.
 Paths pathsTo(const Exchange &exchange)
 {
-    return standard::pathsTo(exchange.share(), exchange.path());
+    return standard::pathsTo(exchange.share().get(), exchange.path());
 }
 
 Fields tokenField(const Lock &lock)
@@ -45,15 +45,33 @@ void LockMethod::start()
 {
     if (!mayUpload() || !meetsConditions(facts()))
         return;
+    if (!isDeep())
+        return exchange.refuse(Status::BadRequest);
+    const Framing &framing = exchange.request().framing;
+    if (framing.expectsContinue && framing.contentLength > 0 && !mayTake(leastLock()))
+        return;
     exchange.readBody(maxLockBody);
+}
+
+/// What any body would ask for at least, so that no peer sends one in vain.
+Lock LockMethod::leastLock() const
+{
+    Lock least = wantedLock();
+    least.shared = true;
+    return least;
+}
+
+/// Whether all below the folder is meant; none for a depth that locks don't have.
+std::optional<bool> LockMethod::isDeep() const
+{
+    const auto depth = parseDepth(exchange.request().field("Depth"), Depth::Infinity);
+    if (!depth || *depth == Depth::One)
+        return std::nullopt;
+    return *depth == Depth::Infinity;
 }
 
 void LockMethod::bodyReady(const QByteArray &body)
 {
-    const std::optional<Depth> depth =
-        parseDepth(exchange.request().field("Depth"), Depth::Infinity);
-    if (!depth || *depth == Depth::One)
-        return exchange.refuse(Status::BadRequest);
     if (body.isEmpty())
         return refresh();
     const std::optional<LockBody> asked = LockBody::parse(body);
@@ -61,7 +79,10 @@ void LockMethod::bodyReady(const QByteArray &body)
         return exchange.refuse(Status::BadRequest);
     if (asked->owner.size() > maxOwner)
         return exchange.refuse(Status::ContentTooLarge, "The owner is too long.");
-    take(*asked, *depth == Depth::Infinity);
+    Lock wanted = wantedLock();
+    wanted.shared = asked->shared;
+    wanted.owner = asked->owner;
+    take(wanted);
 }
 
 /// The lock is named by the If header, perhaps through a member of what it covers.
@@ -70,6 +91,8 @@ void LockMethod::refresh()
     const std::optional<IfHeader> header = IfHeader::parse(exchange.request().value("If"));
     if (!header)
         return exchange.refuse(Status::BadRequest);
+    if (!exchange.mayChange({}))
+        return;
     LockTable &table = lockTable(exchange);
     for (const Lock *lock : table.covering(pathsTo(exchange))) {
         if (!header->names(lock->token) || !lock->isFor(visitorOf(exchange)))
@@ -81,38 +104,52 @@ void LockMethod::refresh()
                    errorBody("lock-token-matches-request-uri"));
 }
 
-void LockMethod::take(const LockBody &asked, bool deep)
+/// All but what the body says.
+Lock LockMethod::wantedLock() const
 {
-    const EntryFacts found = facts();
-    const bool isNew = !found.exists;
-    if (isNew && (exchange.namesFolder() || !place().isValid()))
-        return exchange.refuse(Status::Conflict);
+    Lock wanted;
+    wanted.paths = pathsTo(exchange);
+    wanted.deep = isDeep().value_or(false);
+    wanted.folder = facts().folder;
+    wanted.visitor = visitorOf(exchange);
+    wanted.personal = !exchange.user().isEmpty();
+    wanted.timeout = lockTimeout(exchange.request().value("Timeout"));
+    return wanted;
+}
+
+/// Whether the lock may be taken as things stand now; else it is refused.
+bool LockMethod::mayTake(const Lock &wanted)
+{
+    const bool isNew = !facts().exists;
+    if (isNew && (exchange.namesFolder() || !place().isValid())) {
+        exchange.refuse(Status::Conflict);
+        return false;
+    }
     // A new file is a change of its folder; else only the conditions count.
     using Changes = std::vector<Change>;
     const Change appears{ exchange.path(), Change::Extent::Resource, true };
     if (!exchange.mayChange(isNew ? Changes{ appears } : Changes()))
-        return;
+        return false;
+    const Lock *other = lockTable(exchange).conflict(wanted);
+    if (!other)
+        return true;
+    exchange.reply(Status::Locked, { { "Content-Type", xmlType } },
+                   errorBody("no-conflicting-lock",
+                             href(exchange.urlPath(other->paths.front(), other->folder))));
+    return false;
+}
 
-    Lock wanted;
-    wanted.paths = pathsTo(exchange);
-    wanted.shared = asked.shared;
-    wanted.deep = deep;
-    wanted.folder = found.folder;
-    wanted.owner = asked.owner;
-    wanted.visitor = visitorOf(exchange);
-    wanted.personal = !exchange.user().isEmpty();
-    wanted.timeout = lockTimeout(exchange.request().value("Timeout"));
-    const LockTable::Outcome outcome = lockTable(exchange).add(wanted);
-    if (const Lock *other = outcome.conflict)
-        return exchange.reply(
-            Status::Locked, { { "Content-Type", xmlType } },
-            errorBody("no-conflicting-lock",
-                      href(exchange.urlPath(other->paths.front(), other->folder))));
-    if (!outcome.made)
+void LockMethod::take(const Lock &wanted)
+{
+    if (!mayTake(wanted))
+        return;
+    const bool isNew = !facts().exists;
+    const Lock *lock = lockTable(exchange).add(wanted);
+    if (!lock)
         return exchange.refuse(Status::Unavailable, "There are too many locks.");
     if (!isNew)
-        return answer(*outcome.made, Status::Ok, tokenField(*outcome.made));
-    made = outcome.made->token;
+        return answer(*lock, Status::Ok, tokenField(*lock));
+    made = lock->token;
     makeFile();
 }
 
@@ -163,7 +200,7 @@ void UnlockMethod::start()
     const QByteArray token = withoutBrackets(exchange.request().value("Lock-Token"));
     if (token.isEmpty())
         return exchange.refuse(Status::BadRequest);
-    if (!mayUpload())
+    if (!mayUpload() || !exchange.mayChange({}))
         return;
     LockTable &table = lockTable(exchange);
     const Lock *lock = table.find(token, pathsTo(exchange));

@@ -5,6 +5,7 @@
 #include "standard/http/Resource.h"
 
 #include <memory>
+#include <optional>
 
 class UploadFile;
 
@@ -22,8 +23,12 @@ public:
     void ended() override;
 
 private:
+    std::optional<bool> isDeep() const;
     void refresh();
-    void take(const LockBody &asked, bool deep);
+    Lock wantedLock() const;
+    Lock leastLock() const;
+    bool mayTake(const Lock &wanted);
+    void take(const Lock &wanted);
     void makeFile();
     void fileMade();
     void answer(const Lock &lock, Status status, Fields fields = {});

@@ -70,12 +70,10 @@ LockTable::LockTable(Now clock)
 {
 }
 
-LockTable::Outcome LockTable::add(Lock wanted)
+const Lock *LockTable::add(Lock wanted)
 {
-    if (const Lock *other = conflict(wanted))
-        return { nullptr, other };
     if (!hasRoom(wanted))
-        return {};
+        return nullptr;
     ++ofVisitor[wanted.visitor];
     bytes += sizeOf(wanted);
     // From the system's random source: a token is all that a stranger would need.
@@ -84,7 +82,7 @@ LockTable::Outcome LockTable::add(Lock wanted)
     for (const QByteArray &name : made.paths)
         byPath.emplace(name, &made);
     setEnd(&made);
-    return { &made, nullptr };
+    return &made;
 }
 
 bool LockTable::hasRoom(const Lock &wanted) const

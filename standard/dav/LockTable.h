@@ -58,14 +58,11 @@ public:
     /// Ends those whose time is over. The other calls don't: it is to be the first of each turn.
     void expire();
 
-    struct Outcome
-    {
-        const Lock *made = nullptr; ///< null when there is none
-        const Lock *conflict = nullptr; ///< null when there are too many
-    };
+    /// The lock that stands against `wanted`; null when none does.
+    const Lock *conflict(const Lock &wanted) const;
 
-    /// Takes the lock unless another one stands against it.
-    Outcome add(Lock wanted);
+    /// Takes the lock, against which none stands. Null when there are too many.
+    const Lock *add(Lock wanted);
 
     /// Begins the time of the lock anew. Null when it is gone.
     const Lock *refresh(const QByteArray &token, std::chrono::seconds timeout);
@@ -87,9 +84,6 @@ public:
 
     /// Those of them whose root is a member, of a folder that is called so.
     Locks ofMembers(const Paths &paths) const;
-
-    /// The lock that stands against `wanted`; null when none does.
-    const Lock *conflict(const Lock &wanted) const;
 
     int count() const { return int(locks.size()); }
 

@@ -29,19 +29,31 @@ QByteArray nameOf(const QByteArray &path, const Service &service)
 
 void PropFind::start()
 {
-    exchange.readBody(maxPropFindBody);
+    const std::optional<Depth> depth = askedDepth();
+    if (!depth)
+        return exchange.refuse(Status::BadRequest);
+    if (*depth == Depth::Infinity && exchange.service().profile->deepListings == 0)
+        return exchange.reply(Status::Forbidden, { { "Content-Type", xmlType } },
+                              errorBody("propfind-finite-depth"));
+    const EntryFacts found = facts();
+    if (!found.file && !found.folder)
+        return exchange.refuse(Status::NotFound);
+    // Nothing changes, but the If header counts.
+    if (exchange.mayChange({}))
+        exchange.readBody(maxPropFindBody);
+}
+
+std::optional<Depth> PropFind::askedDepth() const
+{
+    return parseDepth(exchange.request().field("Depth"), Depth::Infinity);
 }
 
 void PropFind::bodyReady(const QByteArray &body)
 {
     const std::optional<PropFindBody> asked = PropFindBody::parse(body);
-    const std::optional<Depth> depth =
-        parseDepth(exchange.request().field("Depth"), Depth::Infinity);
+    const std::optional<Depth> depth = askedDepth();
     if (!asked || !depth)
         return exchange.refuse(Status::BadRequest);
-    if (*depth == Depth::Infinity && exchange.service().profile->deepListings == 0)
-        return exchange.reply(Status::Forbidden, { { "Content-Type", xmlType } },
-                              errorBody("propfind-finite-depth"));
     const EntryFacts found = facts();
     const bool withFolders = exchange.service().profile->showsFolders();
     if (!found.file && !found.folder)

@@ -5,6 +5,7 @@
 #include "standard/http/Resource.h"
 
 #include <memory>
+#include <optional>
 
 namespace standard {
 
@@ -29,6 +30,7 @@ private:
         Resting ///< until the client took what was sent
     };
 
+    std::optional<Depth> askedDepth() const;
     ReplyFacts commonFacts(const PropFindBody &asked, Depth depth) const;
     bool takeTurn(const Turn &turn) override;
     void sendPiece();

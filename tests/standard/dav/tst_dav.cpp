@@ -12,6 +12,13 @@ using namespace standard;
 
 namespace {
 
+QByteArray lockBody(const QByteArray &scope = "exclusive")
+{
+    return "<lockinfo xmlns=\"DAV:\"><lockscope><" + scope
+        + "/></lockscope><locktype><write/></locktype>"
+          "<owner><href>me</href></owner></lockinfo>";
+}
+
 class DavServer : public StandardServer
 {
 public:
@@ -41,10 +48,7 @@ public:
     RawReply lock(const QByteArray &target, const QByteArray &headers = {},
                   const QByteArray &scope = "exclusive") const
     {
-        return replyTo(*this, "LOCK", target, headers,
-                       "<lockinfo xmlns=\"DAV:\"><lockscope><" + scope
-                           + "/></lockscope><locktype><write/></locktype>"
-                             "<owner><href>me</href></owner></lockinfo>");
+        return replyTo(*this, "LOCK", target, headers, lockBody(scope));
     }
 };
 
@@ -309,6 +313,8 @@ void DavTest::locks()
         replyTo(server, "LOCK", "/d/f", named + "Timeout: Second-2000\r\nContent-Length: 0\r\n");
     QVERIFY(again.body.contains("<D:timeout>Second-2000<"));
     QCOMPARE(replyTo(server, "LOCK", "/", named).status().left(3), QByteArray("412"));
+    const QByteArray changed = "If: (" + token + " [\"other\"])\r\n";
+    QCOMPARE(replyTo(server, "LOCK", "/d/f", changed).status().left(3), QByteArray("412"));
 
     const auto unlock = [&server](const QByteArray &value) {
         return replyTo(server, "UNLOCK", "/d/f", "Lock-Token: " + value + "\r\n").status().left(3);
@@ -495,12 +501,25 @@ void DavTest::refuses_data()
     row("long body", rawRequest("PROPFIND", "/", {}, QByteArray(70000, ' ')),
         "413 Content Too Large");
     row("properties of nothing", rawRequest("PROPPATCH", "/none", {}, "<a/>"), "404 Not Found");
-    row("no properties", rawRequest("PROPPATCH", "/f"), "400 Bad Request");
+    const QByteArray none = "<propertyupdate xmlns=\"DAV:\"/>";
+    row("no properties", rawRequest("PROPPATCH", "/f", {}, none), "400 Bad Request");
     row("lock without a body or token", rawRequest("LOCK", "/f"), "400 Bad Request");
-    row("lock of one level", rawRequest("LOCK", "/", "Depth: 1\r\n", "<a/>"), "400 Bad Request");
+    row("lock of one level", rawRequest("LOCK", "/f", "Depth: 1\r\n", lockBody()),
+        "400 Bad Request");
     row("lock of what has changed", rawRequest("LOCK", "/f", "If-None-Match: *\r\n", "<a/>"),
         "412 Precondition Failed");
     row("unlock without a token", rawRequest("UNLOCK", "/f"), "400 Bad Request");
+    // Nobody is asked for a body in vain.
+    const QByteArray held = "Expect: 100-continue\r\nContent-Length: 500\r\n";
+    row("listing of nothing", rawRequest("PROPFIND", "/none", held), "404 Not Found");
+    row("lock in no folder", rawRequest("LOCK", "/none/f", held), "409 Conflict");
+    row("lock of what is locked", rawRequest("LOCK", "/locked", held), "423 Locked");
+    const QByteArray failing = "If: (<urn:none>)\r\n";
+    row("listing under a condition", rawRequest("PROPFIND", "/f", failing),
+        "412 Precondition Failed");
+    row("file under a condition", rawRequest("GET", "/f", failing), "412 Precondition Failed");
+    row("unlock under a condition", rawRequest("UNLOCK", "/f", failing + "Lock-Token: <a>\r\n"),
+        "412 Precondition Failed");
 }
 
 void DavTest::refuses()
@@ -509,6 +528,8 @@ void DavTest::refuses()
     QFETCH(const QByteArray, status);
     DavServer server;
     server.addFile(QStringLiteral("f"), "x");
+    server.addFile(QStringLiteral("locked"), "x");
+    server.lock("/locked");
     RawClient client(server.port());
     QCOMPARE(client.exchange(request).status(), status);
 }
