@@ -3,12 +3,12 @@
 #include "files/DiskWorker.h"
 #include "files/UploadFile.h"
 #include "standard/dav/DavState.h"
-#include "standard/http/Depth.h"
 #include "standard/dav/IfHeader.h"
 #include "standard/dav/Limits.h"
 #include "standard/dav/LockDiscovery.h"
 #include "standard/dav/MultiStatus.h"
 #include "standard/dav/Visitor.h"
+#include "standard/http/Depth.h"
 
 #include <cerrno>
 #include <utility>
@@ -74,14 +74,13 @@ void LockMethod::bodyReady(const QByteArray &body)
 {
     if (body.isEmpty())
         return refresh();
-    const std::optional<LockBody> asked = LockBody::parse(body);
-    if (!asked)
-        return exchange.refuse(Status::BadRequest);
-    if (asked->owner.size() > maxOwner)
-        return exchange.refuse(Status::ContentTooLarge, "The owner is too long.");
+    const Parsed<LockBody> parsed = LockBody::parse(body);
+    if (const auto *status = std::get_if<Status>(&parsed))
+        return exchange.refuse(*status);
+    const auto &asked = std::get<LockBody>(parsed);
     Lock wanted = wantedLock();
-    wanted.shared = asked->shared;
-    wanted.owner = asked->owner;
+    wanted.shared = asked.shared;
+    wanted.owner = asked.owner;
     take(wanted);
 }
 

@@ -50,10 +50,11 @@ std::optional<Depth> PropFind::askedDepth() const
 
 void PropFind::bodyReady(const QByteArray &body)
 {
-    const std::optional<PropFindBody> asked = PropFindBody::parse(body);
+    const Parsed<PropFindBody> parsed = PropFindBody::parse(body);
     const std::optional<Depth> depth = askedDepth();
-    if (!asked || !depth)
-        return exchange.refuse(Status::BadRequest);
+    if (const auto *status = std::get_if<Status>(&parsed))
+        return exchange.refuse(*status);
+    const auto &asked = std::get<PropFindBody>(parsed);
     const EntryFacts found = facts();
     const bool withFolders = exchange.service().profile->showsFolders();
     if (!found.file && !found.folder)
@@ -64,7 +65,7 @@ void PropFind::bodyReady(const QByteArray &body)
     top.href = exchange.urlPath(top.path, found.folder);
     top.name = nameOf(top.path, exchange.service());
     top.facts = found;
-    PropertyReport report(*asked, commonFacts(*asked, *depth),
+    PropertyReport report(asked, commonFacts(asked, *depth),
                           DavState::of(exchange.service()).properties());
     job = std::make_shared<PropFindJob>(PropFindJob::Subject{ exchange.share(), std::move(top),
                                                               *depth, withFolders,

@@ -1,14 +1,14 @@
 #pragma once
 
-#include "standard/dav/PropertyStore.h"
-#include "standard/dav/SettableProperties.h"
+#include "standard/dav/PropPatchJob.h"
 #include "standard/http/Resource.h"
 
-#include <vector>
+#include <memory>
 
 namespace standard {
 
-/// PROPPATCH: changes properties of one resource, all of those named or none.
+/// PROPPATCH: changes properties of one resource, all of those named or none. A client that goes
+/// away meanwhile has them changed.
 class PropPatch final : public ResourceHandler
 {
 public:
@@ -16,11 +16,12 @@ public:
 
     void start() override;
     void bodyReady(const QByteArray &body) override;
+    void ended() override { job.reset(); }
 
 private:
-    using Changes = std::vector<PropertyChange>;
+    void answer();
 
-    void answer(const Changes &changes, const std::vector<Status> &outcomes, bool isFolder);
+    std::shared_ptr<PropPatchJob> job; ///< until the reply is over
 };
 
 } // namespace standard

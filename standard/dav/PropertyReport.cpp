@@ -2,19 +2,10 @@
 
 #include "standard/dav/MultiStatus.h"
 
-#include <algorithm>
+#include <set>
 #include <utility>
 
 namespace standard {
-
-namespace {
-
-bool isAsked(const std::vector<XmlName> &names, const XmlName &name)
-{
-    return std::find(names.begin(), names.end(), name) != names.end();
-}
-
-} // namespace
 
 PropertyReport::PropertyReport(const PropFindBody &asked, ReplyFacts common,
                                std::shared_ptr<const PropertyStore> store)
@@ -23,14 +14,22 @@ PropertyReport::PropertyReport(const PropFindBody &asked, ReplyFacts common,
     , facts(std::move(common))
     , dead(std::move(store))
 {
+    const std::set<XmlName> names(asked.names.begin(), asked.names.end());
     for (const LiveProperty &property : liveProperties()) {
-        if ((allDead && property.inAll) || isAsked(asked.names, nameOf(property)))
+        if ((allDead && property.inAll) || names.count(nameOf(property)) > 0)
             ask(property);
     }
-    for (const XmlName &name : asked.names) {
-        if (!findLiveProperty(name) && !isAsked(others, name))
-            others.push_back(name);
+    for (const XmlName &name : names) {
+        if (!findLiveProperty(name))
+            askOther(name);
     }
+}
+
+void PropertyReport::askOther(const XmlName &name)
+{
+    const QByteArray element = emptyElement(name);
+    others.emplace(name, element);
+    allOthers += element;
 }
 
 void PropertyReport::ask(const LiveProperty &property)
@@ -47,19 +46,20 @@ void PropertyReport::append(QByteArray &to, const DavResource &resource) const
     to += "<D:response><D:href>";
     to += resource.href;
     to += "</D:href><D:propstat><D:prop>";
-    QByteArray missing = appendLive(to, resource);
+    QByteArray missing;
+    appendLive(to, missing, resource);
     if (allDead || !others.empty())
-        missing += appendDead(to, resource);
+        appendDead(to, missing, resource);
     to += "</D:prop><D:status>HTTP/1.1 200 OK</D:status></D:propstat>";
     if (!missing.isEmpty())
         to += propStat(missing, Status::NotFound);
     to += "</D:response>";
 }
 
-/// The elements of those that the resource doesn't have.
-QByteArray PropertyReport::appendLive(QByteArray &to, const DavResource &resource) const
+/// The elements of those that the resource doesn't have are appended to `missing`.
+void PropertyReport::appendLive(QByteArray &to, QByteArray &missing,
+                                const DavResource &resource) const
 {
-    QByteArray missing;
     for (const Asked &each : live) {
         const auto before = to.size();
         to += each.start;
@@ -68,30 +68,34 @@ QByteArray PropertyReport::appendLive(QByteArray &to, const DavResource &resourc
             to.truncate(before);
         else
             to += each.end;
-        if (!has)
+        if (!has && !allDead)
             missing += each.empty;
-        else if (namesOnly)
+        else if (has && namesOnly)
             to += each.empty;
     }
-    return allDead ? QByteArray() : missing;
 }
 
-QByteArray PropertyReport::appendDead(QByteArray &to, const DavResource &resource) const
+void PropertyReport::appendDead(QByteArray &to, QByteArray &missing,
+                                const DavResource &resource) const
 {
-    const DeadProperties kept = dead->read(resource.subject);
-    QByteArray missing;
-    for (const DeadProperty &each : kept) {
+    std::set<XmlName> found;
+    for (const DeadProperty &each : dead->read(resource.subject)) {
+        const bool isAsked = others.count(each.name) > 0;
         if (namesOnly)
             to += emptyElement(each.name);
-        else if (allDead || isAsked(others, each.name))
+        else if (allDead || isAsked)
             to += each.xml;
+        if (isAsked)
+            found.insert(each.name);
     }
-    for (const XmlName &name : others) {
-        const auto isIt = [&name](const DeadProperty &each) { return each.name == name; };
-        if (std::none_of(kept.begin(), kept.end(), isIt))
-            missing += emptyElement(name);
+    if (found.empty()) {
+        missing += allOthers;
+        return;
     }
-    return missing;
+    for (const auto &[name, element] : others) {
+        if (found.count(name) == 0)
+            missing += element;
+    }
 }
 
 } // namespace standard

@@ -3,6 +3,7 @@
 #include "standard/dav/LiveProperties.h"
 #include "standard/dav/RequestBodies.h"
 
+#include <map>
 #include <memory>
 #include <vector>
 
@@ -29,15 +30,17 @@ private:
     };
 
     void ask(const LiveProperty &property);
-    QByteArray appendLive(QByteArray &to, const DavResource &resource) const;
-    QByteArray appendDead(QByteArray &to, const DavResource &resource) const;
+    void askOther(const XmlName &name);
+    void appendLive(QByteArray &to, QByteArray &missing, const DavResource &resource) const;
+    void appendDead(QByteArray &to, QByteArray &missing, const DavResource &resource) const;
 
     const bool namesOnly;
     bool allDead;
     ReplyFacts facts;
     std::shared_ptr<const PropertyStore> dead;
     std::vector<Asked> live;
-    std::vector<XmlName> others; ///< that are asked for by name
+    std::map<XmlName, QByteArray> others; ///< asked for by name, with their empty elements
+    QByteArray allOthers; ///< these elements: nearly every file has no such property
 };
 
 } // namespace standard

@@ -57,6 +57,9 @@ public:
     /// The paths at and below `path` whose properties are kept in memory.
     std::vector<QByteArray> pathsIn(const QByteArray &path) const;
 
+    /// To be held by who reads, and writes what comes of it.
+    std::mutex &writers() { return writing; }
+
     /// What stood at `path`, with all below it, is gone.
     void removed(const QByteArray &path);
 
@@ -71,6 +74,7 @@ private:
     Memory::iterator forget(Memory::iterator at);
 
     std::function<void()> tellUser;
+    std::mutex writing; ///< see `writers`; taken before the next
     mutable std::mutex mutex; ///< guards what follows
     Memory memory; ///< packed, by path
     qint64 memoryUsed = 0; ///< bytes

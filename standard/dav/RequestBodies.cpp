@@ -1,5 +1,8 @@
 #include "standard/dav/RequestBodies.h"
 
+#include "standard/dav/Limits.h"
+#include "standard/dav/PropertyStore.h"
+
 #include <utility>
 
 namespace standard {
@@ -13,6 +16,8 @@ std::vector<XmlName> takeNames(XmlReader &body)
     while (body.enter()) {
         names.push_back(body.name());
         body.skip();
+        if (names.size() > maxProperties)
+            body.failAsExcessive();
     }
     return names;
 }
@@ -22,35 +27,65 @@ bool enterRoot(XmlReader &body, const char *name)
     return body.enter() && body.name().isDav(name);
 }
 
-/// The properties of the current "set" or "remove", which is left.
-void takeChanges(XmlReader &body, bool isRemoval, std::vector<PropertyChange> &changes)
+/// Reads the steps of a PROPPATCH.
+class ChangesReader
 {
-    while (body.enter()) {
-        if (!body.name().isDav("prop")) {
-            body.skip();
-            continue;
-        }
+public:
+    ChangesReader(XmlReader &from, PropPatchBody &into)
+        : body(from)
+        , asked(into)
+    {
+    }
+
+    /// The properties of the current "set" or "remove", which is left.
+    void take(bool isRemoval)
+    {
         while (body.enter()) {
-            PropertyChange change{ body.name(), isRemoval, {} };
-            if (isRemoval)
-                body.skip();
+            if (body.name().isDav("prop"))
+                takeProperties(isRemoval);
             else
-                change.value = body.take();
-            changes.push_back(std::move(change));
+                body.skip();
         }
     }
-}
+
+private:
+    void takeProperties(bool isRemoval)
+    {
+        while (body.enter()) {
+            PropertyChange change{ body.name(), isRemoval, {} };
+            if (isRemoval || !asked.fits)
+                body.skip();
+            else
+                change.value = takeValue();
+            asked.changes.push_back(std::move(change));
+            if (asked.changes.size() > maxProperties)
+                body.failAsExcessive();
+        }
+    }
+
+    XmlElement takeValue()
+    {
+        XmlElement value = body.take(left);
+        asked.fits = value.isWhole;
+        left -= int(value.xml.size());
+        return value;
+    }
+
+    XmlReader &body;
+    PropPatchBody &asked;
+    int left = PropertyStore::maxBytes;
+};
 
 } // namespace
 
-std::optional<PropFindBody> PropFindBody::parse(const QByteArray &body)
+Parsed<PropFindBody> PropFindBody::parse(const QByteArray &body)
 {
     PropFindBody asked;
     if (body.isEmpty())
         return asked;
-    XmlReader reader(body);
+    XmlReader reader(body, maxElementsInLoop);
     if (!enterRoot(reader, "propfind"))
-        return std::nullopt;
+        return reader.refusal();
     bool understood = false;
     while (reader.enter()) {
         const XmlName name = reader.name();
@@ -58,7 +93,7 @@ std::optional<PropFindBody> PropFindBody::parse(const QByteArray &body)
         const bool isKind = isNamed || name.isDav("propname") || name.isDav("allprop");
         // At most one of them (RFC 4918, section 14.20).
         if (isKind && std::exchange(understood, true))
-            return std::nullopt;
+            return Status::BadRequest;
         if (isNamed)
             asked.kind = Kind::Named;
         else if (name.isDav("propname"))
@@ -68,47 +103,56 @@ std::optional<PropFindBody> PropFindBody::parse(const QByteArray &body)
         else
             reader.skip();
     }
-    return understood && reader.end() ? std::make_optional(asked) : std::nullopt;
+    if (!reader.end() || !understood)
+        return reader.refusal();
+    return asked;
 }
 
-std::optional<std::vector<PropertyChange>> parsePropPatch(const QByteArray &body)
+Parsed<PropPatchBody> PropPatchBody::parse(const QByteArray &body)
 {
     XmlReader reader(body);
     if (!enterRoot(reader, "propertyupdate"))
-        return std::nullopt;
-    std::vector<PropertyChange> changes;
+        return reader.refusal();
+    PropPatchBody asked;
+    ChangesReader changes(reader, asked);
     while (reader.enter()) {
         const bool isRemoval = reader.name().isDav("remove");
         if (isRemoval || reader.name().isDav("set"))
-            takeChanges(reader, isRemoval, changes);
+            changes.take(isRemoval);
         else
             reader.skip();
     }
-    return reader.end() && !changes.empty() ? std::make_optional(changes) : std::nullopt;
+    if (!reader.end() || asked.changes.empty())
+        return reader.refusal();
+    return asked;
 }
 
-std::optional<LockBody> LockBody::parse(const QByteArray &body)
+Parsed<LockBody> LockBody::parse(const QByteArray &body)
 {
-    XmlReader reader(body);
+    XmlReader reader(body, maxElementsInLoop);
     if (!enterRoot(reader, "lockinfo"))
-        return std::nullopt;
+        return reader.refusal();
     std::vector<XmlName> scopes;
     std::vector<XmlName> types;
-    LockBody asked;
+    XmlElement owner;
     while (reader.enter()) {
         if (reader.name().isDav("lockscope"))
             scopes = takeNames(reader);
         else if (reader.name().isDav("locktype"))
             types = takeNames(reader);
         else if (reader.name().isDav("owner"))
-            asked.owner = reader.take().xml;
+            owner = reader.take(maxOwner);
         else
             reader.skip();
     }
     if (!reader.end() || scopes.size() != 1 || types.size() != 1 || !types[0].isDav("write"))
-        return std::nullopt;
-    asked.shared = scopes[0].isDav("shared");
-    return asked.shared || scopes[0].isDav("exclusive") ? std::make_optional(asked) : std::nullopt;
+        return reader.refusal();
+    const bool shared = scopes[0].isDav("shared");
+    if (!shared && !scopes[0].isDav("exclusive"))
+        return Status::BadRequest;
+    if (!owner.isWhole)
+        return Status::ContentTooLarge;
+    return LockBody{ shared, owner.xml };
 }
 
 } // namespace standard

@@ -4,10 +4,14 @@
 
 #include <QByteArray>
 
-#include <optional>
+#include <variant>
 #include <vector>
 
 namespace standard {
+
+/// What a body says, or the status to refuse it with: it can't be understood, or there is more of
+/// something than we take.
+template <typename Body> using Parsed = std::variant<Body, Status>;
 
 /// What a PROPFIND asks for (RFC 4918, section 14.20).
 struct PropFindBody
@@ -21,8 +25,8 @@ struct PropFindBody
     Kind kind = Kind::All;
     std::vector<XmlName> names;
 
-    /// An empty body asks for all. None for one that can't be understood.
-    static std::optional<PropFindBody> parse(const QByteArray &body);
+    /// An empty body asks for all.
+    static Parsed<PropFindBody> parse(const QByteArray &body);
 };
 
 /// One step of a PROPPATCH.
@@ -33,9 +37,14 @@ struct PropertyChange
     XmlElement value; ///< the property's whole element; empty for a removal
 };
 
-/// The steps of a PROPPATCH in order (RFC 4918, section 14.19). None for a body that can't be
-/// understood or has no step.
-std::optional<std::vector<PropertyChange>> parsePropPatch(const QByteArray &body);
+/// What a PROPPATCH does (RFC 4918, section 14.19).
+struct PropPatchBody
+{
+    std::vector<PropertyChange> changes; ///< in order; at least one
+    bool fits = true; ///< else the values are more than is kept of any file, and not whole
+
+    static Parsed<PropPatchBody> parse(const QByteArray &body);
+};
 
 /// What a LOCK asks for (RFC 4918, section 14.11).
 struct LockBody
@@ -43,8 +52,8 @@ struct LockBody
     bool shared = false;
     QByteArray owner; ///< the whole element; empty when there is none
 
-    /// None for a body that can't be understood, or names another kind of lock.
-    static std::optional<LockBody> parse(const QByteArray &body);
+    /// Another kind of lock than ours can't be understood.
+    static Parsed<LockBody> parse(const QByteArray &body);
 };
 
 } // namespace standard

@@ -52,14 +52,21 @@ QByteArray xmlText(const QString &text)
 {
     QString escaped;
     escaped.reserve(text.size());
+    int copied = 0; // what stands for itself is taken in runs
+    const auto copyUntil = [&](int end) {
+        escaped.append(text.constData() + copied, end - copied);
+        copied = end + 1;
+    };
     for (int at = 0; at < text.size();) {
         const int units = allowedUnits(text, at);
-        if (const char *instead = reference(text.at(at)))
+        const char *instead = reference(text.at(at));
+        if (instead || units == 0)
+            copyUntil(at);
+        if (instead)
             escaped += QLatin1String(instead);
-        else
-            escaped += text.mid(at, units);
         at += qMax(units, 1);
     }
+    copyUntil(int(text.size()));
     return escaped.toUtf8();
 }
 

@@ -17,7 +17,7 @@ struct XmlName
 
     bool operator==(const XmlName &other) const
     {
-        return space == other.space && local == other.local;
+        return local == other.local && space == other.space;
     }
     bool operator<(const XmlName &other) const
     {

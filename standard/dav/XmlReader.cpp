@@ -1,5 +1,8 @@
 #include "standard/dav/XmlReader.h"
 
+#include <algorithm>
+#include <array>
+#include <optional>
 #include <set>
 #include <utility>
 
@@ -22,11 +25,96 @@ QByteArray declaration(const QXmlStreamNamespaceDeclaration &binding)
                      binding.namespaceUri().toString());
 }
 
+/// None for other encodings: what is looked at beforehand must be what is read.
+std::optional<QString> decoded(const QByteArray &body)
+{
+    const bool isUtf16 = body.startsWith("\xff\xfe") || body.startsWith("\xfe\xff");
+    if (isUtf16 && body.size() % 2 != 0)
+        return std::nullopt;
+    if (isUtf16)
+        return QString::fromUtf16(reinterpret_cast<const char16_t *>(body.constData()),
+                                  body.size() / 2);
+    const QByteArray mark("\xef\xbb\xbf");
+    const QByteArray plain = body.startsWith(mark) ? body.mid(mark.size()) : body;
+    const QString text = QString::fromUtf8(plain);
+    return text.toUtf8() == plain ? std::make_optional(text) : std::nullopt;
+}
+
+struct Enclosure
+{
+    const char *begin;
+    const char *end;
+};
+
+// What begins like a tag but is none.
+constexpr std::array<Enclosure, 3> enclosures{ {
+    { "<!--", "-->" },
+    { "<![CDATA[", "]]>" },
+    { "<?", "?>" },
+} };
+
+/// Where the one ends that begins at `at`; `at` when none does.
+int endOfEnclosure(const QByteArray &xml, int at)
+{
+    for (const Enclosure &each : enclosures) {
+        const auto size = qstrlen(each.begin);
+        if (qstrncmp(xml.constData() + at, each.begin, size) != 0)
+            continue;
+        const int end = int(xml.indexOf(each.end, at + int(size)));
+        return end < 0 ? int(xml.size()) : end;
+    }
+    return at;
+}
+
+/// The number of attributes of the tag at `at`, which moves to its end.
+int countAttributes(const QByteArray &xml, int &at)
+{
+    int count = 0;
+    char quote = '\0';
+    for (; at < xml.size() && (quote != '\0' || xml.at(at) != '>'); ++at) {
+        const char c = xml.at(at);
+        if (quote == '\0' && (c == '"' || c == '\''))
+            quote = c;
+        else if (c == quote)
+            quote = '\0';
+        else if (quote == '\0' && c == '=')
+            ++count;
+    }
+    return count;
+}
+
+/// Whether no tag has more attributes than we take: to find doubled ones the toolkit compares each
+/// with all others before it tells of the element.
+bool hasFewAttributes(const QByteArray &xml)
+{
+    for (int at = int(xml.indexOf('<')); at >= 0; at = int(xml.indexOf('<', at))) {
+        const int end = endOfEnclosure(xml, at);
+        if (end != at)
+            at = end;
+        else if (countAttributes(xml, at) > XmlReader::maxAttributes)
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
-XmlReader::XmlReader(const QByteArray &body)
-    : reader(body)
+XmlReader::XmlReader(const QByteArray &body, int mostElements)
+    : elementsLeft(mostElements)
 {
+    const std::optional<QString> text = decoded(body);
+    if (!text)
+        bad = true;
+    else if (!hasFewAttributes(text->toUtf8()))
+        failAsExcessive();
+    else
+        reader.addData(*text);
+}
+
+void XmlReader::failAsExcessive()
+{
+    bad = true;
+    excessive = true;
 }
 
 bool XmlReader::fail()
@@ -44,6 +132,7 @@ bool XmlReader::advance()
     case QXmlStreamReader::StartElement:
         return push();
     case QXmlStreamReader::EndElement:
+        namespaces -= int(levels.back().namespaces.size());
         levels.pop_back();
         return true;
     // Entities could make a small body a large one.
@@ -74,9 +163,23 @@ bool XmlReader::push()
         if (!binding.prefix().isEmpty() && binding.namespaceUri().isEmpty())
             return fail();
     }
-    levels.push_back(std::move(level));
+    namespaces += int(level.namespaces.size());
+    --elementsLeft;
     current = { reader.namespaceUri().toString(), reader.name().toString() };
-    return true;
+    const bool good = !isExcessive(level);
+    if (!good)
+        failAsExcessive();
+    levels.push_back(std::move(level));
+    return good;
+}
+
+bool XmlReader::isExcessive(const Level &level) const
+{
+    const auto isLong = [](const QXmlStreamNamespaceDeclaration &binding) {
+        return binding.namespaceUri().size() > maxNamespace;
+    };
+    return elementsLeft < 0 || current.local.size() > maxName || namespaces > maxNamespaces
+        || std::any_of(level.namespaces.begin(), level.namespaces.end(), isLong);
 }
 
 bool XmlReader::enter()
@@ -96,7 +199,7 @@ void XmlReader::skip()
     while (levels.size() > around && advance()) { }
 }
 
-XmlElement XmlReader::take()
+XmlElement XmlReader::take(int most)
 {
     const QByteArray name = reader.qualifiedName().toUtf8();
     const QByteArray tag = startTag();
@@ -105,6 +208,8 @@ XmlElement XmlReader::take()
     XmlElement element;
     QByteArray content;
     while (advance() && levels.size() > around) {
+        if (content.size() > most)
+            continue;
         if (reader.isStartElement())
             content += '<' + startTag() + '>';
         else if (reader.isEndElement())
@@ -114,9 +219,11 @@ XmlElement XmlReader::take()
             element.text += reader.text();
         }
     }
+    if (content.size() > most)
+        return { false };
     element.xml = '<' + tag + inherited(own, tag + content);
     element.xml += content.isEmpty() ? "/>" : '>' + content + "</" + name + '>';
-    return element;
+    return element.xml.size() > most ? XmlElement{ false } : element;
 }
 
 /// Of the current element, without its brackets.

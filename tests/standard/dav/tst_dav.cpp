@@ -255,6 +255,11 @@ void DavTest::changesPropertiesWhollyOrNot()
     QVERIFY(!server.propFind("/f", "0").body.contains("urn:x"));
     QCOMPARE(server.propPatch("/f", setting(QByteArray(1 << 20, ' '))).status().left(3),
              QByteArray("413"));
+    QCOMPARE(server.propPatch("/f", setting(QByteArray("<x:p/>").repeated(100000))).status(),
+             QByteArray("413 Content Too Large"));
+    // A value that others have to wait for.
+    const QByteArray some = "<x:p>" + QByteArray(50000, 'x') + "</x:p>";
+    QVERIFY(server.propPatch("/f", setting(some)).body.contains("HTTP/1.1 200 OK"));
 }
 
 void DavTest::setsTimes()
