@@ -7,6 +7,7 @@
 #include "standard/dav/PropertyStore.h"
 #include "standard/dav/SettableProperties.h"
 #include "standard/http/Resource.h"
+#include "standard/http/Uri.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -106,8 +107,7 @@ void apply(Outcome &outcome, const DeadProperties &before, int descriptor,
     }
 }
 
-QByteArray multiStatus(const QByteArray &url,
-                       const std::vector<PropertyChange> &changes,
+QByteArray multiStatus(const QByteArray &url, const std::vector<PropertyChange> &changes,
                        const std::vector<Status> &statuses)
 {
     std::map<Status, QByteArray> named;
@@ -153,19 +153,21 @@ bool PropPatchJob::change(const PropPatchBody &asked, bool mayWait)
         return true;
     }
     const PropertySubject place{ systemPathOf(file.get()), subject.path };
-    const DeadProperties before = subject.store->read(place);
+    const std::optional<DeadProperties> before = subject.store->read(place);
     const EntryFacts found = openFacts(file.get());
     Outcome outcome;
     outcome.isFile = found.file;
-    outcome.kept = before;
+    outcome.kept = before.value_or(DeadProperties());
     for (const PropertyChange &each : asked.changes)
         outcome.add(each);
     if (!asked.fits)
         outcome.failAll(Status::InsufficientStorage);
     else if (!outcome.isGood())
         outcome.failRest();
+    else if (!before)
+        outcome.failAll(Status::Forbidden); // what can't be read must not be lost
     else
-        apply(outcome, before, file.get(), place, *subject.store);
+        apply(outcome, *before, file.get(), place, *subject.store);
     text = multiStatus(urlPath(subject.prefix, subject.path, found.folder), asked.changes,
                        outcome.statuses);
     return true;

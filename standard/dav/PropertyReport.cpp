@@ -79,7 +79,9 @@ void PropertyReport::appendDead(QByteArray &to, QByteArray &missing,
                                 const DavResource &resource) const
 {
     std::set<XmlName> found;
-    for (const DeadProperty &each : dead->read(resource.subject)) {
+    // What can't be understood is not told, only kept.
+    const DeadProperties kept = dead->read(resource.subject).value_or(DeadProperties());
+    for (const DeadProperty &each : kept) {
         const bool isAsked = others.count(each.name) > 0;
         if (namesOnly)
             to += emptyElement(each.name);

@@ -16,6 +16,7 @@ namespace {
 constexpr auto attributeName = "user.quillon.dav";
 constexpr auto formatMark = "Q1"; // then zlib's format, which has a checksum
 constexpr int sizeBytes = 4;
+constexpr int usualPacked = 256;
 constexpr int maxPacked = PropertyStore::maxBytes + 1024;
 
 void appendPart(QByteArray &to, const QByteArray &part)
@@ -67,19 +68,21 @@ QByteArray packed(const DeadProperties &properties)
     return formatMark + qCompress(serialized(properties));
 }
 
-DeadProperties unpacked(const QByteArray &bytes)
+std::optional<DeadProperties> unpacked(const QByteArray &bytes)
 {
     const QByteArray compressed = bytes.mid(int(qstrlen(formatMark)));
     if (!bytes.startsWith(formatMark) || !hasPlausibleSize(compressed))
-        return {};
+        return std::nullopt;
     const QByteArray plain = qUncompress(compressed);
+    if (plain.isEmpty())
+        return std::nullopt;
     DeadProperties properties;
     for (int at = 0; at >= 0 && at < plain.size();) {
         const QString space = QString::fromUtf8(takePart(plain, at));
         const QString local = QString::fromUtf8(takePart(plain, at));
         const QByteArray xml = takePart(plain, at);
         if (at < 0)
-            return {};
+            return std::nullopt;
         properties.push_back({ { space, local }, xml });
     }
     return properties;
@@ -95,10 +98,10 @@ PropertyStore::PropertyStore(std::function<void()> warn)
 {
 }
 
-DeadProperties PropertyStore::read(const PropertySubject &subject) const
+std::optional<DeadProperties> PropertyStore::read(const PropertySubject &subject) const
 {
     // Nearly every file has none, which one short call tells.
-    QByteArray bytes(256, Qt::Uninitialized);
+    QByteArray bytes(usualPacked, Qt::Uninitialized);
     const auto get = [&subject, &bytes] {
         return ::getxattr(subject.systemPath.constData(), attributeName, bytes.data(),
                           std::size_t(bytes.size()));
@@ -110,6 +113,8 @@ DeadProperties PropertyStore::read(const PropertySubject &subject) const
     }
     if (size >= 0)
         return unpacked(bytes.left(int(size)));
+    if (errno == ERANGE)
+        return std::nullopt;
     const std::lock_guard<std::mutex> lock(mutex);
     const auto found = memory.find(subject.path);
     return found == memory.end() ? DeadProperties() : unpacked(found->second);
@@ -124,8 +129,10 @@ DiskError PropertyStore::write(const PropertySubject &subject, const DeadPropert
     const int result = bytes.isEmpty()
         ? ::removexattr(file, attributeName)
         : ::setxattr(file, attributeName, bytes.constData(), std::size_t(bytes.size()), 0);
-    if (result == 0 || (bytes.isEmpty() && errno == ENODATA))
+    if (result == 0 || (bytes.isEmpty() && errno == ENODATA)) {
+        forget(subject.path); // copied from where there are no attributes
         return DiskError::None;
+    }
     if (errno == ENOTSUP)
         return remember(subject.path, bytes);
     return isFull(errno) ? DiskError::NoSpace : DiskError::Failed;
@@ -147,6 +154,13 @@ DiskError PropertyStore::remember(const QByteArray &path, const QByteArray &byte
     if (const auto tell = std::exchange(tellUser, nullptr))
         tell();
     return DiskError::None;
+}
+
+void PropertyStore::forget(const QByteArray &path)
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (const auto found = memory.find(path); found != memory.end())
+        forget(found);
 }
 
 PropertyStore::Memory::iterator PropertyStore::forget(Memory::iterator at)
@@ -175,25 +189,31 @@ void PropertyStore::removed(const QByteArray &path)
         at = forget(at);
 }
 
-void PropertyStore::copied(const QByteArray &from, const QByteArray &to)
+/// Those that stand at `path` or below it.
+PropertyStore::Memory PropertyStore::tree(const QByteArray &path) const
 {
-    Memory copies;
-    {
-        const std::lock_guard<std::mutex> lock(mutex);
-        if (const auto own = memory.find(from); own != memory.end())
-            copies.emplace(to, own->second);
-        for (auto at = firstBelow(memory, from); at != memory.end() && isBelow(at->first, from);
-             ++at)
-            copies.emplace(to + at->first.mid(from.size()), at->second);
-    }
-    for (const auto &[path, bytes] : copies)
-        remember(path, bytes);
+    Memory found;
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (const auto own = memory.find(path); own != memory.end())
+        found.insert(*own);
+    for (auto at = firstBelow(memory, path); at != memory.end() && isBelow(at->first, path); ++at)
+        found.insert(*at);
+    return found;
 }
 
+void PropertyStore::copied(const QByteArray &from, const QByteArray &to)
+{
+    for (const auto &[path, bytes] : tree(from))
+        remember(to + path.mid(from.size()), bytes);
+}
+
+/// First they go, so that there is room for them.
 void PropertyStore::moved(const QByteArray &from, const QByteArray &to)
 {
-    copied(from, to);
+    const Memory going = tree(from);
     removed(from);
+    for (const auto &[path, bytes] : going)
+        remember(to + path.mid(from.size()), bytes);
 }
 
 } // namespace standard

@@ -8,6 +8,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <vector>
 
 namespace standard {
@@ -21,9 +22,9 @@ struct DeadProperty
 
 using DeadProperties = std::vector<DeadProperty>;
 
-/// As they are kept, and back. What was damaged holds none.
+/// As they are kept, and back. None for what is damaged, or kept in a way that is not known here.
 QByteArray packed(const DeadProperties &properties);
-DeadProperties unpacked(const QByteArray &bytes);
+std::optional<DeadProperties> unpacked(const QByteArray &bytes);
 
 /// A path for the system by which it finds what is open at `descriptor`; the names of a folder's
 /// entries may follow it.
@@ -37,8 +38,9 @@ struct PropertySubject
 };
 
 /// Keeps dead properties in an extended attribute of their file, which they follow wherever it
-/// goes. Where the file system has no such thing they are kept in memory until the server ends.
-/// One serves a server; for any thread.
+/// goes. Where the file system has no such thing they are kept in memory until the server ends;
+/// what comes there from another one comes without those that it had. One serves a server; for any
+/// thread.
 class PropertyStore
 {
 public:
@@ -48,7 +50,8 @@ public:
     /// `warn` is called once, when the first ones are kept in memory.
     explicit PropertyStore(std::function<void()> warn);
 
-    DeadProperties read(const PropertySubject &subject) const;
+    /// None when there are some that can't be understood.
+    std::optional<DeadProperties> read(const PropertySubject &subject) const;
 
     /// Keeps these instead of those before. `NoSpace` when they are too many for us or the disk;
     /// after any error those before stand.
@@ -70,7 +73,9 @@ public:
 private:
     using Memory = std::map<QByteArray, QByteArray>;
 
+    Memory tree(const QByteArray &path) const;
     DiskError remember(const QByteArray &path, const QByteArray &bytes);
+    void forget(const QByteArray &path);
     Memory::iterator forget(Memory::iterator at);
 
     std::function<void()> tellUser;

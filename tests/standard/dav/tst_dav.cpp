@@ -6,6 +6,7 @@
 #include <QtTest>
 
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 using namespace standard;
@@ -260,6 +261,12 @@ void DavTest::changesPropertiesWhollyOrNot()
     // A value that others have to wait for.
     const QByteArray some = "<x:p>" + QByteArray(50000, 'x') + "</x:p>";
     QVERIFY(server.propPatch("/f", setting(some)).body.contains("HTTP/1.1 200 OK"));
+    // Of a later version, perhaps.
+    const QByteArray file = QFile::encodeName(server.sharePath(QStringLiteral("f")));
+    if (::setxattr(file.constData(), "user.quillon.dav", "Q2", 2, 0) != 0)
+        QSKIP("no extended attributes here");
+    QVERIFY(server.propPatch("/f", setting("<x:p/>")).body.contains("403 Forbidden"));
+    QVERIFY(isWellFormed(server.propFind("/f", "0").body));
 }
 
 void DavTest::setsTimes()
