@@ -155,8 +155,9 @@ void DavGuard::thinned(const Exchange &exchange, const QByteArray &path)
     DavState &state = DavState::of(exchange.service());
     std::vector<QByteArray> known = state.properties()->pathsIn(path);
     known.push_back(path);
-    for (const Lock *lock : state.locks().below(path))
-        known.push_back(lock->path);
+    const Paths paths = pathsToEntry(exchange.share().get(), path);
+    for (const Lock *lock : state.locks().below(paths))
+        known.push_back(lock->paths.front());
     for (const QByteArray &each : known) {
         const EntryFacts found = exchange.share()->facts(each);
         if (!found.exists && !found.link)

@@ -1,5 +1,6 @@
 #include "standard/dav/LiveProperties.h"
 
+#include "files/FileDescriptor.h"
 #include "standard/http/Conditions.h"
 #include "standard/http/ContentType.h"
 #include "standard/http/HttpDate.h"
@@ -46,10 +47,19 @@ bool appendContentLength(QByteArray &to, const DavResource &resource, const Repl
     return resource.facts.file;
 }
 
+QByteArray typeInside(const DavResource &resource)
+{
+    const int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
+    const FileDescriptor file(::open(resource.subject.systemPath.constData(), flags));
+    return contentType(resource.name, file.get());
+}
+
+/// What GET says (RFC 4918, section 15.5). A listing would read the begin of each text for its
+/// charset, and tells the type alone.
 bool appendContentType(QByteArray &to, const DavResource &resource, const ReplyFacts &)
 {
     if (resource.facts.file)
-        to += contentType(resource.name);
+        to += resource.isAlone ? typeInside(resource) : contentType(resource.name);
     return resource.facts.file;
 }
 

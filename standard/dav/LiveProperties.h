@@ -19,6 +19,7 @@ struct DavResource
     QByteArray name; ///< that people know it by, in UTF-8
     EntryFacts facts;
     PropertySubject subject;
+    bool isAlone = false; ///< nothing but it is told, so there is time to look into it
 };
 
 /// What the properties of all resources of a reply have in common.

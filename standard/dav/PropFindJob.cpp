@@ -63,6 +63,7 @@ void PropFindJob::begin()
     DavResource top = subject.top;
     const FileDescriptor place = subject.share->open(top.path, O_PATH | O_CLOEXEC);
     top.subject = { systemPathOf(place.get()), top.path };
+    top.isAlone = subject.depth == Depth::Zero;
     report.append(text, top);
     if (top.facts.folder && subject.depth != Depth::Zero)
         folders.push_back(top.path.isEmpty() ? top.path : top.path + '/');
@@ -96,7 +97,7 @@ void PropFindJob::append(const FolderReader::Item &item)
     entry.facts = folder->facts(item);
     if (!entry.facts.file && !(entry.facts.folder && subject.withFolders))
         return;
-    if (subject.depth == Depth::Infinity && count == maxEntries)
+    if (subject.depth == Depth::Infinity && count == subject.mostBelow)
         return cutOff();
     ++count;
     entry.name = item.name;

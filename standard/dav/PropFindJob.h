@@ -2,8 +2,8 @@
 
 #include "files/DiskJob.h"
 #include "files/FolderReader.h"
-#include "standard/http/Depth.h"
 #include "standard/dav/PropertyReport.h"
+#include "standard/http/Depth.h"
 
 #include <QByteArray>
 
@@ -22,7 +22,7 @@ namespace standard {
 class PropFindJob final : public DiskJob
 {
 public:
-    static constexpr qint64 maxEntries = 100000; ///< below a folder, with Depth infinity
+    static constexpr qint64 maxEntries = 100000;
 
     struct Subject
     {
@@ -31,6 +31,7 @@ public:
         Depth depth;
         bool withFolders; ///< or files alone
         QByteArray prefix; ///< of all paths outside
+        qint64 mostBelow = maxEntries; ///< of entries, with Depth infinity
     };
 
     PropFindJob(Subject asked, PropertyReport report);

@@ -120,8 +120,8 @@ void DavTest::tellsWhatThereIs()
     QCOMPARE(all.status(), QByteArray("207 Multi-Status"));
     QVERIFY(isWellFormed(all.body));
     for (const char *part :
-         { "<D:href>/d/a.txt</D:href>", "<D:getcontentlength>5<",
-           "<D:resourcetype></D:", "<D:getcontenttype>text/plain<", "<D:displayname>a.txt<",
+         { "<D:href>/d/a.txt</D:href>", "<D:getcontentlength>5<", "<D:resourcetype></D:",
+           "<D:getcontenttype>text/plain; charset=utf-8<", "<D:displayname>a.txt<",
            "<D:exclusive/>", "GMT<", "<D:lockdiscovery></D:", ">F</executable>" })
         QVERIFY2(all.body.contains(part), part);
     QVERIFY(!all.body.contains("quota"));

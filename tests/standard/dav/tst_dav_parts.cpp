@@ -1,5 +1,6 @@
 #include "standard/dav/IfHeader.h"
 #include "standard/dav/LockTable.h"
+#include "standard/dav/PropFindJob.h"
 #include "standard/dav/PropertyStore.h"
 #include "standard/dav/RequestBodies.h"
 #include "tests/files/Disk.h"
@@ -98,6 +99,7 @@ private Q_SLOTS:
     void propertiesSurviveOnDisk();
     void damageIsNoProperties();
     void memoryFollowsPaths();
+    void cutsLongTrees();
 };
 
 void DavPartsTest::refusesBodies_data()
@@ -443,6 +445,31 @@ void DavPartsTest::memoryFollowsPaths()
     store.removed("e");
     QVERIFY(store.read(subject("e/f"))->empty());
     QCOMPARE(names(*store.read(subject("dd"))), QByteArray("c "));
+}
+
+void DavPartsTest::cutsLongTrees()
+{
+    const Disk disk;
+    constexpr int most = 10;
+    for (int i = 0; i < most; ++i)
+        disk.write("a/" + QByteArray::number(i));
+    disk.write("a/b/last");
+    DavResource top;
+    top.href = "/";
+    top.facts.folder = true;
+    const auto store = std::make_shared<PropertyStore>([] {});
+    const auto share = std::make_shared<const Share>(disk.share());
+    PropFindJob job({ share, top, Depth::Infinity, true, {}, most },
+                    PropertyReport({ PropFindBody::Kind::Named, {} }, {}, store));
+    QByteArray text;
+    while (!job.isAtEnd()) {
+        job.run(Budget::ofWorker(job.cancelFlag()));
+        text += job.takePiece();
+    }
+    // The folder itself, those that are told, and the folder that was cut.
+    QCOMPARE(text.count("<D:response>"), 1 + most + 1);
+    QVERIFY(text.contains("<D:href>/a/</D:href><D:status>HTTP/1.1 507 "));
+    QVERIFY(text.endsWith("</D:multistatus>"));
 }
 
 QTEST_GUILESS_MAIN(DavPartsTest)
