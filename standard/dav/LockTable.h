@@ -40,7 +40,7 @@ std::chrono::seconds lockTimeout(const QByteArray &timeoutHeader);
 
 /// The locks of one server: on files and folders, by whatever name they are reached. Paths are
 /// relative to the share's root, "" that itself, with single slashes between their segments; they
-/// need not exist. Every call works on what it paths, however many locks there are. A pointer to a
+/// need not exist. Every call works on what it names, however many locks there are. A pointer to a
 /// lock is good until the next call that isn't const; nothing ends while somebody looks.
 class LockTable
 {
@@ -67,28 +67,28 @@ public:
     /// Begins the time of the lock anew. Null when it is gone.
     const Lock *refresh(const QByteArray &token, std::chrono::seconds timeout);
 
-    /// The lock of that token if it covers what is called so, else null.
+    /// The lock of that token if it covers what has these paths, else null.
     const Lock *find(const QByteArray &token, const Paths &paths) const;
 
     /// Ends the lock, which may be gone.
     void remove(const QByteArray &token);
 
-    /// Ends those whose root is called so or stands below: what was there is gone.
+    /// Ends those whose root has one of these paths or stands below: what was there is gone.
     void removeTree(const Paths &paths);
 
-    /// Those that forbid to change what is called so.
+    /// Those that forbid to change what has these paths.
     Locks covering(const Paths &paths) const;
 
     /// Those whose root stands below it.
     Locks below(const Paths &paths) const;
 
-    /// Those of them whose root is a member, of a folder that is called so.
+    /// Those of them whose root is a member of it, a folder.
     Locks ofMembers(const Paths &paths) const;
 
     int count() const { return int(locks.size()); }
 
 private:
-    using ByPath = std::multimap<QByteArray, Lock *>; // under each of their paths
+    using ByPath = std::multimap<QByteArray, Lock *>; ///< under each of their paths
 
     void erase(Lock *lock);
     void setEnd(Lock *lock);
