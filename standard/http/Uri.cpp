@@ -10,9 +10,9 @@ namespace {
 
 constexpr std::array<const char *, 2> schemes{ "http://", "https://" };
 
-// Of what a URL's path may hold as it is (RFC 3986, section 3.3) all but "&" and "'", which mean
-// something in XML.
-constexpr auto literalInPath = "!$()*+,;=:@/";
+// Beside the unreserved characters (RFC 3986, section 2.3). Clients compare our paths with theirs
+// as they stand, and encode all that may be encoded.
+constexpr auto literalInPath = "/";
 
 bool isHexPair(const QByteArray &text, int at)
 {

@@ -192,7 +192,7 @@ void TestFilesByHttp::folders()
     const RawReply page = replyTo(server, "GET", "/f%20%3C%26/");
     QCOMPARE(page.header("Content-Type"), QByteArray("text/html; charset=utf-8"));
     QVERIFY(page.body.contains("/f &lt;&amp;</h1>"));
-    QVERIFY(page.body.contains("href=\"./x:y.txt\""));
+    QVERIFY(page.body.contains("href=\"./x%3Ay.txt\""));
     server.profile->showFolders = Qt::Unchecked;
     QCOMPARE(replyTo(server, "GET", "/").status(), QByteArray("403 Forbidden"));
 }

@@ -160,7 +160,7 @@ void DavTest::tellsNames_data()
     row("what XML marks up with", "<&'\">", "/f/%3C%26%27%22%3E");
     row("beyond ASCII", "\xc3\xa4\xf0\x90\x80\x80", "/f/%C3%A4%F0%90%80%80");
     row("hidden", ".hidden", "/f/.hidden");
-    row("what URLs give a meaning", "a#b?c;d", "/f/a%23b%3Fc;d");
+    row("what URLs give a meaning", "a#b?c;d (1)+!", "/f/a%23b%3Fc%3Bd%20%281%29%2B%21");
     row("a control", "a\x01", "");
     row("no text", "a\xff", "");
     row("no character", "\xef\xbf\xbf", "");
