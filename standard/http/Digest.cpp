@@ -12,6 +12,7 @@ constexpr auto scheme = "digest ";
 constexpr auto quality = "auth";
 constexpr auto md5Name = "MD5";
 constexpr auto sha256Name = "SHA-256";
+constexpr int md5Digits = 32; ///< of a proof, hexadecimal
 
 using Parameters = QMap<QByteArray, QByteArray>;
 
@@ -62,11 +63,11 @@ Parameters parametersOf(const QByteArray &text)
 std::optional<QCryptographicHash::Algorithm> algorithmOf(const Parameters &parameters)
 {
     const QByteArray name = parameters.value("algorithm", md5Name).toUpper();
-    if (name == md5Name)
-        return QCryptographicHash::Md5;
-    if (name == sha256Name)
-        return QCryptographicHash::Sha256;
-    return {};
+    if (name != md5Name && name != sha256Name)
+        return {};
+    // One desktop's file manager names SHA-256 when it is offered, and takes MD5 all the same.
+    const bool isMd5 = name == md5Name || parameters.value("response").size() == md5Digits;
+    return isMd5 ? QCryptographicHash::Md5 : QCryptographicHash::Sha256;
 }
 
 } // namespace

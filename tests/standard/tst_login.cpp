@@ -67,6 +67,8 @@ void TestLogin::exampleOfTheRfc_data()
     QTest::addColumn<QByteArray>("algorithm");
     QTest::addColumn<QByteArray>("response");
     QTest::newRow("MD5") << QByteArray("MD5") << QByteArray("8ca523f5e9506fed4657c9700eebdbec");
+    QTest::newRow("MD5 under another name")
+        << QByteArray("SHA-256") << QByteArray("8ca523f5e9506fed4657c9700eebdbec");
     QTest::newRow("SHA-256")
         << QByteArray("SHA-256")
         << QByteArray("753927fa0e85d155564e2e272a28d1802ca10daf4496794697cf8db5856cb6c1");
