@@ -292,7 +292,17 @@ class Client(unittest.TestCase):
             self.assertEqual(found, wanted)
 
 
-class Curl(Client):
+class Everyday:
+    """What each client is asked to do."""
+
+    def test_everyday(self):
+        self.work(EVERYDAY)
+
+    def test_login(self):
+        self.work(WITH_LOGIN, login=True)
+
+
+class Curl(Everyday, Client):
     mode = "standard"
     needs = ("curl",)
     options = ()
@@ -331,11 +341,8 @@ class Curl(Client):
     def put_many(self, source, path):
         self.curl(path + "/", "-T", f"{self.material}/{source}/[1-500].txt")
 
-    def test_everyday(self):
-        self.work(EVERYDAY)
-
     def test_login(self):
-        self.work(WITH_LOGIN, login=True)
+        super().test_login()
         self.login = False
         self.assertEqual(self.ask("GET", "a.txt")[0], 401)
         self.assertEqual(self.ask("GET", "a.txt", "-u", f"{USER}:{PASSWORD}")[0], 200)
@@ -389,7 +396,7 @@ class Curl(Client):
         self.assertEqual(digests(self.share), {})
 
 
-class Cadaver(Client):
+class Cadaver(Everyday, Client):
     needs = ("cadaver",)
 
     def connect(self):
@@ -435,12 +442,6 @@ class Cadaver(Client):
     def put_many(self, source, path):
         self.cadaver("mput", "*", before=(f'cd "{path}"', f'lcd "{self.material / source}"'))
 
-    def test_everyday(self):
-        self.work(EVERYDAY)
-
-    def test_login(self):
-        self.work(WITH_LOGIN, login=True)
-
     def test_locks(self):
         self.serve()
         self.put("small", "a")
@@ -451,7 +452,7 @@ class Cadaver(Client):
         self.assertIn("red", said)
 
 
-class Rclone(Client):
+class Rclone(Everyday, Client):
     needs = ("rclone",)
     cannot = ("copy onto a file",)  # says Overwrite: F there and then wonders
 
@@ -500,12 +501,6 @@ class Rclone(Client):
     def get_tree(self, path, target):
         self.rclone("copy", self.remote(path), str(self.got / target))
 
-    def test_everyday(self):
-        self.work(EVERYDAY)
-
-    def test_login(self):
-        self.work(WITH_LOGIN, login=True)
-
     def test_synchronises(self):
         self.serve()
         old = self.material / "tree" / "old"
@@ -539,7 +534,7 @@ class Mounted(Client):
         self.assert_alike()
 
 
-class RcloneMount(Mounted):
+class RcloneMount(Everyday, Mounted):
     needs = ("rclone", "fusermount3")
     cannot = ("upload 500 files",)  # for the pauses that it makes
     rclone = Rclone.rclone
@@ -550,11 +545,8 @@ class RcloneMount(Mounted):
         self.addCleanup(self.unmount, "fusermount3", "-u")
         return Folder(self.mounted, self.material, self.got)
 
-    def test_everyday(self):
-        self.work(EVERYDAY)
 
-
-class Davfs(Mounted):
+class Davfs(Everyday, Mounted):
     needs = ("mount.davfs",)
 
     def setUp(self):
@@ -574,12 +566,6 @@ class Davfs(Mounted):
         self.run_client("mount.davfs", "-o", f"conf={settings}", self.url, str(self.mounted))
         self.addCleanup(self.unmount, "umount")
         return Folder(self.mounted, self.material, self.got)
-
-    def test_everyday(self):
-        self.work(EVERYDAY)
-
-    def test_login(self):
-        self.work(WITH_LOGIN, login=True)
 
 
 class Desktop(Client):
@@ -610,7 +596,7 @@ class Desktop(Client):
         return super().address(path).replace("http", self.scheme, 1)
 
 
-class Gvfs(Desktop):
+class Gvfs(Everyday, Desktop):
     needs = ("gio", "dbus-daemon", "/usr/libexec/gvfsd-dav")
     scheme = "dav"
 
@@ -651,17 +637,14 @@ class Gvfs(Desktop):
         self.gio("copy", path, local=map(str, (self.material / source).iterdir()))
 
     def test_everyday(self):
-        self.work(EVERYDAY)
+        super().test_everyday()
         self.gio("save", "saved", text="saved")
         self.gio("save", "saved", text="saved twice in a second")
         self.assertEqual((self.share / "saved").read_text(), "saved twice in a second")
         self.assertRegex(self.gio("info", "", local=["-f"]), r"filesystem::free: \d+")
 
-    def test_login(self):
-        self.work(WITH_LOGIN, login=True)
 
-
-class Kio(Desktop):
+class Kio(Everyday, Desktop):
     needs = ("kioclient5", "dbus-daemon")
     cannot = ("move onto a file",)  # says Overwrite: F, whatever it is told
     scheme = "webdav"
@@ -706,12 +689,6 @@ class Kio(Desktop):
 
     def put_many(self, source, path):
         self.kio("copy", *map(str, (self.material / source).iterdir()), self.address(path))
-
-    def test_everyday(self):
-        self.work(EVERYDAY)
-
-    def test_login(self):
-        self.work(WITH_LOGIN, login=True)
 
 
 if __name__ == "__main__":
