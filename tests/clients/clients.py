@@ -34,8 +34,8 @@ EVERYDAY = [
     ("replace it by a shorter one", "put", "small", "a.txt"),
     ("replace it by an empty one", "put", "empty", "a.txt"),
     ("download an empty file", "get", "a.txt", "shorter"),
-    ("upload 1 MB", "put", "big", "big.bin"),
-    ("download 1 MB", "get", "big.bin", "big"),
+    ("upload 6 MB", "put", "big", "big.bin"),
+    ("download 6 MB", "get", "big.bin", "big"),
     ("make a folder", "mkdir", "one"),
     ("make a folder in it", "mkdir", "one/in ner"),
     ("list an empty folder", "names", "one/in ner"),
@@ -137,7 +137,7 @@ def digests(folder):
 
 def make_material(folder):
     """What is uploaded: single files, a tree under telling names, and many small files."""
-    sizes = {"empty": 0, "small": 12, "big": 1_000_000}
+    sizes = {"empty": 0, "small": 12, "big": 6_000_000}
     sizes.update({f"many/{number}.txt": number for number in range(1, 501)})
     sizes.update({f"tree/{number % 2} {NAMES[number % 3][:-4]}/in ner/{number} {NAMES[number % 3]}":
                   number * 997 for number in range(24)})
