@@ -1,8 +1,10 @@
 #include "config/Directories.h"
 
 #include <QDir>
-#include <QFileInfo>
 #include <QLocale>
+#include <QStringList>
+
+#include <algorithm>
 
 namespace {
 
@@ -11,13 +13,20 @@ QString withSlash(const QString &folder)
     return folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
 }
 
-QString languageFolder(const QString &languages)
-{
-    const QString own = languages + QLocale::system().name();
-    return QFileInfo::exists(own) ? own + QLatin1Char('/') : languages + QLatin1String("C/");
-}
-
 } // namespace
+
+QString languageFolder(const QString &languages, const QString &locale)
+{
+    const QStringList all = QDir(languages).entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    if (all.contains(locale))
+        return languages + locale + QLatin1Char('/');
+    const QString language = locale.section(QLatin1Char('_'), 0, 0);
+    const auto sameLanguage = std::find_if(all.begin(), all.end(), [&language](const auto &each) {
+        return each.section(QLatin1Char('_'), 0, 0) == language;
+    });
+    const QString found = sameLanguage == all.end() ? QStringLiteral("C") : *sameLanguage;
+    return languages + found + QLatin1Char('/');
+}
 
 Directories Directories::ofProcess()
 {
@@ -27,7 +36,8 @@ Directories Directories::ofProcess()
     found.resources =
         withSlash(QDir(given.isEmpty() ? QStringLiteral("/opt/quillon") : given).absolutePath());
     found.icons = found.resources + QLatin1String("img/");
-    found.language = languageFolder(found.resources + QLatin1String("lang/"));
+    found.language =
+        languageFolder(found.resources + QLatin1String("lang/"), QLocale::system().name());
     return found;
 }
 

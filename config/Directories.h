@@ -18,3 +18,7 @@ struct Directories
     /// Makes the folder of the profiles; false when that fails.
     bool makeProfileFolder() const;
 };
+
+/// The folder in `languages`, which ends with a slash, of the user's `locale` ("de_AT"): that of
+/// its exact name, else the first one of the same language, else "C".
+QString languageFolder(const QString &languages, const QString &locale);
