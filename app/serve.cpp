@@ -290,6 +290,10 @@ int serve(Console *console, const Options &options, const QString &path, const P
         reportLimit(console, *reached);
         QCoreApplication::exit(Done);
     });
+    if (profile->opensHome(path))
+        console->error(text("Warning: Everyone who reaches this computer could read, change and "
+                            "delete all of %1")
+                           .arg(path));
     announce(console, server, options.path);
     return QCoreApplication::exec();
 }

@@ -5,7 +5,9 @@
 #include "config/ProfileText.h"
 
 #include <QDataStream>
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
 #include <array>
@@ -83,6 +85,13 @@ QByteArray toRecord(const ProfileValues &values, bool cleanExit)
     std::apply([&out](const auto &...item) { (out << ... << item); }, inFileOrder(values));
     out << cleanExit << formatMark;
     return content;
+}
+
+/// Without links, and with a slash at its end; empty when there is no such folder.
+QString realFolder(const QString &path)
+{
+    const QString real = QFileInfo(path).canonicalFilePath();
+    return real.isEmpty() || real.endsWith(QLatin1Char('/')) ? real : real + QLatin1Char('/');
 }
 
 } // namespace
@@ -208,6 +217,16 @@ bool Profile::equals(const Profile *other) const
     const ProfileValues &mine = *this;
     const ProfileValues &others = *other;
     return inFileOrder(mine) == inFileOrder(others) && equalText(mine, others);
+}
+
+bool Profile::opensHome(const QString &path) const
+{
+    if (!admitsEveryone() || !(allowsDelete() || allowsUpload()))
+        return false;
+    const QString shared = realFolder(path);
+    return !shared.isEmpty()
+        && (shared == realFolder(QDir::homePath())
+            || realFolder(m_directories.profiles).startsWith(shared));
 }
 
 void Profile::resetKeys()

@@ -137,6 +137,16 @@ public:
     /// The HTTP Basic accounts that can be used: an entry without a user would admit everybody.
     QStringList accounts() const;
 
+    /// Whether whoever reaches the server gets in. Without an account nobody does.
+    bool admitsEveryone() const
+    {
+        return authMode == AuthNone || (authMode == AuthPasswordPage && password.isEmpty());
+    }
+
+    /// Whether everyone could change what lies in `path`, and that is the home folder or holds the
+    /// folder of the profiles.
+    bool opensHome(const QString &path) const;
+
     bool usesTls() const { return sslMode == Qt::Checked; }
     bool showsFolders() const { return showFolders == Qt::Checked; }
     bool showsThumbnails() const { return showImages == Qt::Checked; }

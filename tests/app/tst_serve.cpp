@@ -79,6 +79,8 @@ private Q_SLOTS:
     void stopsAtTheTrafficLimit();
     void refusesToServeWithoutItsKeys();
     void refusesADamagedProfile();
+    void warnsOfAnOpenHome_data();
+    void warnsOfAnOpenHome();
     void servesWhoeverReadsItsErrors();
     void worksInAFolderOfItsOwn();
 
@@ -284,6 +286,35 @@ void TestServe::refusesADamagedProfile()
     program.terminate();
     QCOMPARE(exitStatus(), 0);
     QCOMPARE(home->profileBytes(QStringLiteral("Global.conf")), QByteArray("junk"));
+}
+
+void TestServe::warnsOfAnOpenHome_data()
+{
+    QTest::addColumn<QString>("path"); ///< from the home folder
+    QTest::addColumn<int>("rights"); ///< a check state
+    QTest::addColumn<bool>("warns");
+    QTest::newRow("the home folder") << "." << 2 << true;
+    QTest::newRow("a folder above") << ".." << 2 << true;
+    QTest::newRow("a link to it") << "res/home" << 2 << true;
+    QTest::newRow("a folder in it") << "res" << 2 << false;
+    QTest::newRow("only to look at") << "." << 0 << false;
+}
+
+void TestServe::warnsOfAnOpenHome()
+{
+    QFETCH(QString, path);
+    QFETCH(int, rights);
+    QVERIFY(QFile::link(home->path(), home->path() + QLatin1String("/res/home")));
+    storeProfile(QStringLiteral("rights"), [rights](Profile &profile) {
+        profile.enableDelete = profile.enableUpload = rights;
+    });
+    QStringList arguments = serving({ QStringLiteral("--profile"), QStringLiteral("rights") });
+    arguments.last() = home->path() + QLatin1Char('/') + path;
+    start(arguments);
+    const quint16 port = waitForPort(arguments.last());
+    QTEST(program.readAllStandardError().contains("Everyone who reaches"), "warns");
+    const RawReply own = RawClient(port).exchange(rawRequest("GET", "/.quillon/rights.cnf"));
+    QVERIFY(!own.status().startsWith("200"));
 }
 
 void TestServe::servesWhoeverReadsItsErrors()
