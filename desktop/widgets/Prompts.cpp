@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QPushButton>
 
 namespace {
 
@@ -77,6 +78,19 @@ bool askYesNo(QWidget *parent, const QString &question)
     box.setDefaultButton(QMessageBox::Yes);
     prepare(&box);
     return box.exec() == QMessageBox::Yes;
+}
+
+int askOneOf(QWidget *parent, const QString &question, const QStringList &answers)
+{
+    QMessageBox box(QMessageBox::Question, QString(), question, QMessageBox::Cancel, parent);
+    QList<QAbstractButton *> buttons;
+    for (const QString &answer : answers)
+        buttons.append(box.addButton(answer, QMessageBox::AcceptRole));
+    box.setDefaultButton(qobject_cast<QPushButton *>(buttons.constFirst()));
+    box.setEscapeButton(QMessageBox::Cancel);
+    prepare(&box);
+    box.exec();
+    return int(buttons.indexOf(box.clickedButton()));
 }
 
 QString choosePath(QWidget *parent, PathKind kind, const QString &title, const QString &start,

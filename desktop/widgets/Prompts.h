@@ -2,6 +2,7 @@
 
 #include <QMessageBox>
 #include <QString>
+#include <QStringList>
 
 class QWidget;
 
@@ -13,6 +14,10 @@ void warn(QWidget *parent, const QString &text);
 
 /// Asks a question that Yes or No answers, Yes being the default, and waits for the answer.
 bool askYesNo(QWidget *parent, const QString &question);
+
+/// Asks a question that one of `answers` answers, the first being the default, and waits. The index
+/// of the answer, -1 for none of them.
+int askOneOf(QWidget *parent, const QString &question, const QStringList &answers);
 
 enum class PathKind { File, Folder };
 

@@ -122,7 +122,7 @@ void AddressList::cellPressed(int index, int column)
     if (!rows->mode()->isExpert() || !row)
         return;
     if (column == AddressTable::StatusColumn)
-        row->toggle();
+        rows->toggle(row);
     else
         m_table->popup(rowMenu, index, column);
 }

@@ -74,6 +74,7 @@ MainWindow::MainWindow(Profiles *choice, Look *lookInUse, EventHandler *sink,
     addresses = new AddressList(profiles, keeper(), rootMode, this);
     menu = new MainMenu(lookInUse, profiles->directories().language, this);
     panel = new RowPanel(profiles, keeper(), menu, this);
+    questions = std::make_unique<StartQuestions>(rows(), panel, this);
     statusLine = new QLabel(this);
     statusLine->setWordWrap(true);
     layOut();

@@ -2,6 +2,7 @@
 
 #include "desktop/window/Reachability.h"
 #include "desktop/window/RowKeeper.h"
+#include "desktop/window/StartQuestions.h"
 
 #include <QMainWindow>
 #include <QSet>
@@ -66,6 +67,7 @@ private:
     MainMenu *menu;
     RowPanel *panel;
     QLabel *statusLine;
+    std::unique_ptr<StartQuestions> questions;
 };
 
 /// What to say when `server` has reached its traffic limit.

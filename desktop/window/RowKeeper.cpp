@@ -22,11 +22,11 @@ RowKeeper::RowKeeper(Profiles *choice, const std::shared_ptr<const ServerSetup> 
     followNetwork();
 }
 
-void RowKeeper::share(const QString &path)
+void RowKeeper::share(const QString &path, ServerRow *row)
 {
     if (m_rows.mode()->isExpert()) {
-        if (ServerRow *row = m_rows.current())
-            row->share(path);
+        if (ServerRow *one = row ? row : m_rows.current())
+            one->share(path);
         return;
     }
     if (m_rows.all().isEmpty()) {
@@ -34,8 +34,8 @@ void RowKeeper::share(const QString &path)
         single->file = path;
     }
     const QList<ServerRow *> shown = m_rows.shownRows();
-    for (ServerRow *row : shown)
-        row->share(path);
+    for (ServerRow *each : shown)
+        each->share(path);
 }
 
 // --- the network --------------------------------------------------------------------------------

@@ -27,9 +27,9 @@ public:
     ServerRows *rows() { return &m_rows; }
     bool hasNetwork() const { return !network.addresses().isEmpty(); }
 
-    /// Shares `path` through the current row; in simple mode through all of them, now and when
-    /// the network comes.
-    void share(const QString &path);
+    /// Shares `path`, which can be shared, through `row` or the current one; in simple mode through
+    /// all of them, now and when the network comes.
+    void share(const QString &path, ServerRow *row = nullptr);
 
     /// Brings the rows in line with the device's addresses.
     void loadLocal();

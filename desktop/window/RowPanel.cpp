@@ -109,13 +109,13 @@ void RowPanel::connectWidgets()
     connect(settingsButton, &QPushButton::clicked, this, &RowPanel::settingsWanted);
     connect(startButton, &QPushButton::clicked, this, [rows] {
         if (ServerRow *row = rows->current())
-            row->toggle();
+            rows->toggle(row);
     });
     connect(sharedLink, &QLabel::linkActivated, this, [rows] {
         if (const ServerRow *row = rows->current())
             QDesktopServices::openUrl(QUrl(row->url()));
     });
-    connect(fileMenu, &FileMenu::chosen, this, &RowPanel::share);
+    connect(fileMenu, &FileMenu::chosen, this, [this](const QString &path) { share(path); });
 }
 
 QList<QWidget *> RowPanel::tabOrder() const
@@ -129,13 +129,13 @@ void RowPanel::showMode(bool expert)
     startButton->setVisible(expert);
 }
 
-void RowPanel::share(const QString &path)
+void RowPanel::share(const QString &path, ServerRow *row)
 {
-    if (!QFileInfo::exists(path)) {
-        showBox(window(), QMessageBox::Warning, missingText(path));
+    if (const QString refusal = shareRefusal(path); !refusal.isEmpty()) {
+        showBox(window(), QMessageBox::Warning, refusal);
         return;
     }
-    keeper->share(path);
+    keeper->share(path, row);
     sharedLink->setLink(shownPath(path), {});
     showCurrent(keeper->rows()->current());
     profiles->global()->amend([&path](Profile &global) { global.addRecentFile(path); });

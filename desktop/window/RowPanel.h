@@ -26,8 +26,9 @@ public:
     void showMode(bool expert);
 
 public Q_SLOTS:
-    /// Shares `path` from now on, if there is such a file or folder.
-    void share(const QString &path);
+    /// Shares `path` through `row` from now on, or through the current one. What can't be shared is
+    /// refused with a word.
+    void share(const QString &path, ServerRow *row = nullptr);
 
 Q_SIGNALS:
     /// Those of the current row's profile.

@@ -2,14 +2,31 @@
 
 #include "config/Profiles.h"
 #include "desktop/Log.h"
+#include "desktop/window/AcceptedFolders.h"
 #include "server/StatusSink.h"
 #include "server/Url.h"
 
 #include <QDir>
 
+namespace {
+
 QString missingText(const QString &path)
 {
     return QLatin1Char('"') + path + QLatin1String("\" ") + ServerRow::tr("not exists!");
+}
+
+} // namespace
+
+QString shareRefusal(const QString &path)
+{
+    const QFileInfo content(path);
+    if (!content.exists())
+        return missingText(path);
+    if (!content.isFile() && !content.isDir())
+        return ServerRow::tr("This is neither a file nor a folder: %1").arg(path);
+    if (!content.isReadable() || (content.isDir() && !content.isExecutable()))
+        return ServerRow::tr("This can't be read: %1").arg(path);
+    return {};
 }
 
 ServerRow::ServerRow(const Profiles *choice, const QNetworkAddressEntry &address,
@@ -35,11 +52,28 @@ QString ServerRow::url() const
     return shortServerUrl(profile()->usesTls(), address(), m_server->port);
 }
 
+StartDoubt ServerRow::doubt() const
+{
+    const QString path = m_server->shared().absoluteFilePath();
+    if (profile()->opensHome(path) && !isAcceptedFolder(path))
+        return StartDoubt::HomeIsOpen;
+    return StartDoubt::None;
+}
+
+void ServerRow::settle(StartDoubt doubt)
+{
+    if (doubt == StartDoubt::HomeIsOpen)
+        acceptFolder(m_server->shared().absoluteFilePath());
+}
+
 void ServerRow::start()
 {
     if (!profile()->isUsable())
         return tell(tr("The profile can't be used until its settings are saved"),
                     profile()->fileName());
+    share(missing); // it may be back
+    if (!missing.isEmpty())
+        return tell(shareRefusal(missing), tr("Choose what to share."));
     if (!m_server->start()) {
         qCDebug(desktopLog) << "not started:" << url() << m_server->errorString();
         return tell(tr("Unable to start the server"),
@@ -74,9 +108,20 @@ void ServerRow::setPort(int port)
 
 void ServerRow::share(const QString &path)
 {
+    if (!shareRefusal(path).isEmpty())
+        return;
     m_server->setShared(path);
-    if (m_server->shared() != QFileInfo(path))
-        tell(missingText(path), tr("Shared now: %1").arg(m_server->shared().absoluteFilePath()));
+    missing.clear();
+}
+
+void ServerRow::restoreContent(const QString &path)
+{
+    const QString refusal = shareRefusal(path);
+    share(refusal.isEmpty() ? path : QDir::homePath());
+    if (refusal.isEmpty())
+        return;
+    missing = path;
+    tell(refusal, tr("Shared now: %1").arg(m_server->shared().absoluteFilePath()));
 }
 
 void ServerRow::useProfile(Profile *profile)
@@ -97,7 +142,7 @@ SavedRow ServerRow::state() const
 {
     SavedRow row;
     row.port = m_server->port;
-    row.file = m_server->shared().absoluteFilePath();
+    row.file = missing.isEmpty() ? m_server->shared().absoluteFilePath() : missing;
     row.profile = profile()->name;
     row.address = address().toString();
     row.addedPort = addedPort;
@@ -109,7 +154,7 @@ void ServerRow::takeState(const SavedRow &saved)
     Profile *named = saved.profile.isEmpty() ? nullptr : profiles->find(saved.profile);
     if (named)
         m_server->setProfile(named);
-    share(saved.file.isEmpty() ? QDir::homePath() : saved.file);
+    restoreContent(saved.file.isEmpty() ? QDir::homePath() : saved.file);
     setPort(saved.port > 0 ? saved.port : profiles->global()->port);
     Q_EMIT changed();
 }

@@ -2,6 +2,7 @@
 
 #include "desktop/settings/ProfileUser.h"
 #include "desktop/window/SavedRows.h"
+#include "desktop/window/StartQuestion.h"
 #include "server/WebServer.h"
 
 #include <QObject>
@@ -11,8 +12,8 @@
 
 class Profiles;
 
-/// What to say of content that is gone.
-QString missingText(const QString &path);
+/// Why `path` can't be shared, translated; empty when it can.
+QString shareRefusal(const QString &path);
 
 /// One row of the address table: an address and port with a server of its own. A child of the
 /// rows, which make it and let it go.
@@ -37,20 +38,22 @@ public:
     /// The address that a browser uses.
     QString url() const;
 
-    /// Starts the server; when that fails or its profile can't be used, the status sink hears why.
+    /// What is to be asked before a start, and what to do once the answer is yes.
+    StartDoubt doubt() const;
+    void settle(StartDoubt doubt);
+
+    /// Starts the server and asks nobody; when that fails or its profile can't be used, the status
+    /// sink hears why.
     void start();
 
     /// Stops listening and cuts all connections.
     void stop();
 
-    void toggle() { isListening() ? stop() : start(); }
-
     /// Takes another port, from 1 to 65535; a listening server starts again on it while its open
     /// connections go on.
     void setPort(int port);
 
-    /// Shares a file or folder. When it can't be read, the home folder takes its place and the
-    /// status sink hears so.
+    /// Shares a file or folder. What can't be shared changes nothing.
     void share(const QString &path);
 
     Profile *profile() const override { return m_server->profile(); }
@@ -62,6 +65,8 @@ public:
     SavedRow state() const;
 
     /// Goes on as `saved` says; what it does not say is the global profile's or the home folder.
+    /// While the saved content can't be shared, the home folder stands in its place and the row
+    /// does not start.
     void takeState(const SavedRow &saved);
 
 Q_SIGNALS:
@@ -72,10 +77,12 @@ Q_SIGNALS:
     void reachChanged();
 
 private:
+    void restoreContent(const QString &path);
     void tell(const QString &title, const QString &text) const;
 
     const Profiles *profiles;
     std::shared_ptr<const ServerSetup> setup;
     WebServer *m_server; ///< a child
     bool addedPort = false;
+    QString missing; ///< saved content that could not be shared since
 };

@@ -3,6 +3,8 @@
 #include "config/Profiles.h"
 #include "desktop/window/ServerRow.h"
 
+#include <QPointer>
+
 #include <algorithm>
 #include <utility>
 
@@ -119,13 +121,43 @@ bool ServerRows::isRunning() const
     return std::any_of(rows.begin(), rows.end(), isListening);
 }
 
+bool ServerRows::start(const QPointer<ServerRow> &still)
+{
+    // A row may go while the user thinks.
+    while (still && rows.contains(still.data())) {
+        const StartDoubt doubt = still->doubt();
+        if (doubt == StartDoubt::None) {
+            still->start();
+            return true;
+        }
+        const StartAnswer answer = ask ? ask(still, doubt) : StartAnswer::No;
+        if (answer == StartAnswer::No)
+            return false;
+        if (answer == StartAnswer::Yes && still)
+            still->settle(doubt);
+    }
+    return true;
+}
+
+void ServerRows::toggle(ServerRow *row)
+{
+    if (row->isListening())
+        row->stop();
+    else
+        start(row);
+}
+
 void ServerRows::startOrStop()
 {
     if (isRunning())
         return stopAll();
     const QList<ServerRow *> shown = shownRows();
-    for (ServerRow *row : shown)
-        row->start();
+    const QList<QPointer<ServerRow>> still(shown.begin(), shown.end());
+    for (const QPointer<ServerRow> &row : still) {
+        // A no holds for those that follow too.
+        if (!start(row))
+            break;
+    }
     if (isRunning())
         Q_EMIT publicAddressWanted();
 }

@@ -2,10 +2,12 @@
 
 #include "desktop/settings/Configurable.h"
 #include "desktop/window/GlobalMode.h"
+#include "desktop/window/StartQuestion.h"
 #include "desktop/window/TrafficSource.h"
 
 #include <QList>
 #include <QObject>
+#include <QPointer>
 
 #include <memory>
 
@@ -46,6 +48,13 @@ public:
 
     /// Whether any server is listening.
     bool isRunning() const;
+
+    /// Who is asked about doubts before a start; without anybody a row with a doubt stays stopped.
+    void setQuestion(StartQuestion question) { ask = std::move(question); }
+
+    /// Starts a row once its doubts are settled. False when the user refuses.
+    bool start(const QPointer<ServerRow> &row);
+    void toggle(ServerRow *row);
 
     /// Stops all servers when one is running, else starts those that are shown.
     void startOrStop();
@@ -88,6 +97,7 @@ private:
     Profiles *profiles;
     std::shared_ptr<const ServerSetup> setup;
     QList<ServerRow *> rows; ///< children
+    StartQuestion ask;
     int m_current = -1; ///< index of a row
     GlobalMode m_mode;
 };

@@ -2,6 +2,7 @@
 
 #include "classic/http/ClassicFace.h"
 #include "desktop/look/Look.h"
+#include "desktop/window/AcceptedFolders.h"
 #include "desktop/window/AddressList.h"
 #include "desktop/window/EventHandler.h"
 #include "desktop/window/MainWindow.h"
@@ -38,6 +39,7 @@ struct Device
             addresses.append(QStringLiteral("127.0.0.%1").arg(i));
         global()->port = freePort();
         global()->warningMode = Qt::Unchecked;
+        acceptFolder(home.path());
         if (prepare)
             prepare(*global());
         global()->save();

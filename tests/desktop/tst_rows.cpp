@@ -82,6 +82,80 @@ private Q_SLOTS:
         QVERIFY(device.row()->isListening());
     }
 
+    void openHomeIsAskedFor()
+    {
+        Rows device({}, 2);
+        QSettings().clear();
+        device.rows->startOrStop();
+        QVERIFY(!device.rows->isRunning()); // nobody is there to ask
+        int asked = 0;
+        StartAnswer answer = StartAnswer::No;
+        device.rows->setQuestion([&](ServerRow *, StartDoubt doubt) {
+            if (++asked == 2)
+                device.keeper->share(device.path("res"));
+            return doubt == StartDoubt::HomeIsOpen ? answer : StartAnswer::No;
+        });
+        device.rows->startOrStop();
+        QVERIFY(asked == 1 && !device.rows->isRunning());
+        answer = StartAnswer::LookAgain;
+        device.rows->startOrStop();
+        QVERIFY(asked == 2 && device.row(1)->isListening());
+        device.rows->stopAll();
+        device.keeper->share(device.home.path());
+        answer = StartAnswer::Yes;
+        for (const char *run : { "asked", "remembered" }) {
+            device.rows->startOrStop();
+            QVERIFY2(asked == 3 && device.row(1)->isListening(), run);
+            device.rows->stopAll();
+        }
+    }
+
+    void lostContentStopsItsRow()
+    {
+        Rows device;
+        device.addFile("disk/a.txt");
+        device.keeper->share(device.path("disk"));
+        device.keeper->share(device.path("none"));
+        QCOMPARE(device.shared(), device.path("disk")); // nothing has changed
+        device.reopen();
+        QVERIFY(QFile::rename(device.path("disk"), device.path("away")));
+        device.reopen();
+        QCOMPARE(device.shared(), device.home.path());
+        device.sink.messages.clear();
+        device.row()->start();
+        QVERIFY(!device.row()->isListening());
+        QVERIFY(
+            device.sink.messages.takeFirst().startsWith(QLatin1Char('"') + device.path("disk")));
+        device.reopen(); // what was chosen is not forgotten
+        QVERIFY(QFile::rename(device.path("away"), device.path("disk")));
+        device.row()->start();
+        QVERIFY(device.row()->isListening() && device.shared() == device.path("disk"));
+    }
+
+    void languages_data()
+    {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<QString>("folder");
+        QTest::newRow("exact") << "fr_CA"
+                               << "fr_CA";
+        QTest::newRow("the language") << "de_AT"
+                                      << "de_DE";
+        QTest::newRow("a longer name of a language") << "den_CA"
+                                                     << "C";
+        QTest::newRow("no locale") << "C"
+                                   << "C";
+    }
+
+    void languages()
+    {
+        QFETCH(QString, locale);
+        const TestHome home;
+        const QString all = home.directories.resources + QLatin1String("lang/");
+        for (const char *each : { "de_DE", "fr_CA", "fr_FR" })
+            QVERIFY(QDir(all).mkpath(QLatin1String(each)));
+        QTEST(QDir(languageFolder(all, locale)).dirName(), "folder");
+    }
+
     void addressComesAndGoes()
     {
         for (const bool expert : { false, true }) {

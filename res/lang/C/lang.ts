@@ -532,6 +532,18 @@
         <source>Do you want to set password?</source>
         <translation>Do you want to set password?</translation>
     </message>
+    <message>
+        <source>Everyone who reaches this computer could read, change and delete all of %1.</source>
+        <translation>Everyone who reaches this computer could read, change and delete all of %1.</translation>
+    </message>
+    <message>
+        <source>Choose Folder...</source>
+        <translation>Choose Folder...</translation>
+    </message>
+    <message>
+        <source>Share it anyway</source>
+        <translation>Share it anyway</translation>
+    </message>
 </context>
 <context>
     <name>FileMenu</name>
@@ -710,6 +722,14 @@
     <message>
         <source>The profile can&apos;t be used until its settings are saved</source>
         <translation>The profile can&apos;t be used until its settings are saved</translation>
+    </message>
+    <message>
+        <source>This is neither a file nor a folder: %1</source>
+        <translation>This is neither a file nor a folder: %1</translation>
+    </message>
+    <message>
+        <source>This can't be read: %1</source>
+        <translation>This can't be read: %1</translation>
     </message>
 </context>
 <context>

@@ -532,6 +532,18 @@
         <source>Do you want to set password?</source>
         <translation>Möchten Sie ein Passwort setzen?</translation>
     </message>
+    <message>
+        <source>Everyone who reaches this computer could read, change and delete all of %1.</source>
+        <translation>Jeder, der diesen Computer erreicht, könnte alles in %1 lesen, ändern und löschen.</translation>
+    </message>
+    <message>
+        <source>Choose Folder...</source>
+        <translation>Ordner wählen...</translation>
+    </message>
+    <message>
+        <source>Share it anyway</source>
+        <translation>Trotzdem freigeben</translation>
+    </message>
 </context>
 <context>
     <name>FileMenu</name>
@@ -710,6 +722,14 @@
     <message>
         <source>The profile can&apos;t be used until its settings are saved</source>
         <translation>Das Profil kann erst benutzt werden, wenn seine Einstellungen gespeichert sind</translation>
+    </message>
+    <message>
+        <source>This is neither a file nor a folder: %1</source>
+        <translation>Das ist weder eine Datei noch ein Ordner: %1</translation>
+    </message>
+    <message>
+        <source>This can't be read: %1</source>
+        <translation>Das kann nicht gelesen werden: %1</translation>
     </message>
 </context>
 <context>

@@ -532,6 +532,18 @@
         <source>Do you want to set password?</source>
         <translation>¿Quiere poner una contraseña?</translation>
     </message>
+    <message>
+        <source>Everyone who reaches this computer could read, change and delete all of %1.</source>
+        <translation>Cualquiera que llegue a este ordenador podría leer, cambiar y borrar todo lo que hay en %1.</translation>
+    </message>
+    <message>
+        <source>Choose Folder...</source>
+        <translation>Elegir carpeta...</translation>
+    </message>
+    <message>
+        <source>Share it anyway</source>
+        <translation>Compartir de todos modos</translation>
+    </message>
 </context>
 <context>
     <name>FileMenu</name>
@@ -710,6 +722,14 @@
     <message>
         <source>The profile can&apos;t be used until its settings are saved</source>
         <translation>El perfil no se puede usar hasta que se guarden sus ajustes</translation>
+    </message>
+    <message>
+        <source>This is neither a file nor a folder: %1</source>
+        <translation>Esto no es ni un archivo ni una carpeta: %1</translation>
+    </message>
+    <message>
+        <source>This can't be read: %1</source>
+        <translation>Esto no se puede leer: %1</translation>
     </message>
 </context>
 <context>

@@ -532,6 +532,18 @@
         <source>Do you want to set password?</source>
         <translation>Voulez-vous définir un mot de passe&#xa0;?</translation>
     </message>
+    <message>
+        <source>Everyone who reaches this computer could read, change and delete all of %1.</source>
+        <translation>Toute personne qui atteint cet ordinateur pourrait lire, modifier et supprimer tout le contenu de %1.</translation>
+    </message>
+    <message>
+        <source>Choose Folder...</source>
+        <translation>Choisir un dossier...</translation>
+    </message>
+    <message>
+        <source>Share it anyway</source>
+        <translation>Partager quand même</translation>
+    </message>
 </context>
 <context>
     <name>FileMenu</name>
@@ -710,6 +722,14 @@
     <message>
         <source>The profile can&apos;t be used until its settings are saved</source>
         <translation>Le profil ne peut pas servir tant que ses réglages ne sont pas enregistrés</translation>
+    </message>
+    <message>
+        <source>This is neither a file nor a folder: %1</source>
+        <translation>Ceci n’est ni un fichier ni un dossier : %1</translation>
+    </message>
+    <message>
+        <source>This can't be read: %1</source>
+        <translation>Ceci est illisible : %1</translation>
     </message>
 </context>
 <context>
