@@ -1,15 +1,11 @@
 #include "app/Console.h"
 
-#include <QCoreApplication>
-#include <QSocketNotifier>
-
 #include <algorithm>
 #include <cerrno>
 #include <climits>
 #include <utility>
 
 #include <poll.h>
-#include <sys/signalfd.h>
 #include <unistd.h>
 
 namespace {
@@ -94,27 +90,4 @@ void ConsoleSink::newConnection(const QString &peer)
 void ConsoleSink::msg(const QString &title, const QString &text)
 {
     m_console->error(title + QLatin1String(": ") + text);
-}
-
-EndSignals::EndSignals()
-{
-    sigemptyset(&both);
-    sigaddset(&both, SIGINT);
-    sigaddset(&both, SIGTERM);
-    sigprocmask(SIG_BLOCK, &both, nullptr);
-}
-
-void EndSignals::quitOnFirst(QCoreApplication *app) const
-{
-    const int fd = signalfd(-1, &both, SFD_CLOEXEC | SFD_NONBLOCK);
-    auto *notifier = new QSocketNotifier(fd, QSocketNotifier::Read, app);
-    QObject::connect(notifier, &QSocketNotifier::activated, app, [fd, notifier, signals_ = both] {
-        notifier->setEnabled(false);
-        signalfd_siginfo arrived = {};
-        if (::read(fd, &arrived, sizeof arrived) < 0)
-            return notifier->setEnabled(true);
-        // From here on a signal does what it does by default.
-        sigprocmask(SIG_UNBLOCK, &signals_, nullptr);
-        QCoreApplication::quit();
-    });
 }

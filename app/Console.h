@@ -7,10 +7,6 @@
 #include <QSet>
 #include <QString>
 
-#include <csignal>
-
-class QCoreApplication;
-
 /// Writes lines to a descriptor without ever waiting for its reader: lines that would block are
 /// dropped, and their number is told once it flows again.
 class LineWriter
@@ -71,17 +67,4 @@ public:
 private:
     Console *m_console;
     RecentPeers peers;
-};
-
-/// Turns SIGINT and SIGTERM into an orderly end. Construct it before any thread starts.
-class EndSignals
-{
-public:
-    EndSignals();
-
-    /// The first signal quits `app`'s event loop; a second one ends the process at once.
-    void quitOnFirst(QCoreApplication *app) const;
-
-private:
-    sigset_t both = {};
 };

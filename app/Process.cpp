@@ -2,12 +2,14 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QSocketNotifier>
 
 #include <algorithm>
 #include <csignal>
 
 #include <fcntl.h>
 #include <malloc.h>
+#include <sys/eventfd.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -46,6 +48,19 @@ void raiseDescriptorLimit()
     setrlimit(RLIMIT_NOFILE, &limit);
 }
 
+constexpr int endSignals[] = { SIGINT, SIGTERM, SIGHUP };
+volatile std::sig_atomic_t arrived = -1; ///< the descriptor that the first one is told by
+
+/// From here on a signal does what it does by default.
+void tellOnce(int)
+{
+    struct sigaction action = {};
+    action.sa_handler = SIG_DFL;
+    for (const int number : endSignals)
+        sigaction(number, &action, nullptr);
+    eventfd_write(arrived, 1);
+}
+
 } // namespace
 
 void prepareProcess()
@@ -65,4 +80,29 @@ QString previewProgram()
 QString previewFolder()
 {
     return QDir::homePath() + QLatin1String("/.thumbnails");
+}
+
+EndSignals::EndSignals()
+{
+    arrived = ::eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK);
+    // Handled rather than blocked, as programs that we start would inherit the block.
+    struct sigaction action = {};
+    action.sa_handler = tellOnce;
+    action.sa_flags = SA_RESTART;
+    for (const int number : endSignals) {
+        struct sigaction present = {};
+        sigaction(number, nullptr, &present);
+        if (present.sa_handler != SIG_IGN)
+            sigaction(number, &action, nullptr);
+    }
+}
+
+void EndSignals::quitOnFirst(QCoreApplication *app) const
+{
+    auto *notifier = new QSocketNotifier(arrived, QSocketNotifier::Read, app);
+    QObject::connect(notifier, &QSocketNotifier::activated, app, [notifier] {
+        notifier->setEnabled(false);
+        // Not by closing windows: nobody may be there to answer what they ask.
+        QCoreApplication::exit();
+    });
 }

@@ -2,6 +2,8 @@
 
 #include <QString>
 
+class QCoreApplication;
+
 /// What a server needs of its process, whichever program it runs in. Call at the start of `main`.
 ///
 /// A peer or reader that is gone and a file that has reached its largest size become errors of the
@@ -15,3 +17,14 @@ QString previewProgram();
 
 /// Where previews are kept while a program runs.
 QString previewFolder();
+
+/// Turns SIGINT, SIGTERM and SIGHUP into an orderly end; one that the program is to ignore stays
+/// ignored. One for the process.
+class EndSignals
+{
+public:
+    EndSignals();
+
+    /// The first signal ends `app`'s event loop; a second one ends the process at once.
+    void quitOnFirst(QCoreApplication *app) const;
+};
