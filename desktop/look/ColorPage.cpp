@@ -29,6 +29,17 @@ ColorPage::ColorPage()
     QPushButton *restore = newButton(tr("Set to default"));
     body->addWidget(restore);
     connect(restore, &QPushButton::clicked, this, &ColorPage::setDefault);
+    showColors(false);
+}
+
+std::optional<QPalette> ColorPage::colors() const
+{
+    return isChosen ? std::optional(shown) : std::nullopt;
+}
+
+void ColorPage::showColors(bool areChosen)
+{
+    isChosen = areChosen;
     setColors(QApplication::palette());
 }
 
@@ -43,25 +54,27 @@ QPushButton *ColorPage::addColor(QVBoxLayout *body, const QString &name, QPalett
 
 void ColorPage::choose(QPalette::ColorRole role, const QString &title)
 {
-    const std::optional<QColor> color = ColorDialog::ask(title, chosen.color(role), this);
+    const std::optional<QColor> color = ColorDialog::ask(title, shown.color(role), this);
     if (!color)
         return;
-    QPalette palette = chosen;
+    QPalette palette = shown;
     palette.setColor(QPalette::All, role, *color);
     setColors(palette);
+    isChosen = true;
     Q_EMIT controlChanged();
 }
 
 void ColorPage::setDefault()
 {
+    isChosen = false;
     setColors(QApplication::style()->standardPalette());
     Q_EMIT controlChanged();
 }
 
 void ColorPage::setColors(const QPalette &colors)
 {
-    chosen = colors;
-    showColor(background, chosen.color(QPalette::Window));
-    showColor(text, chosen.color(QPalette::Text));
-    showColor(button, chosen.color(QPalette::Button));
+    shown = colors;
+    showColor(background, shown.color(QPalette::Window));
+    showColor(text, shown.color(QPalette::Text));
+    showColor(button, shown.color(QPalette::Button));
 }

@@ -3,6 +3,8 @@
 #include <QPalette>
 #include <QWidget>
 
+#include <optional>
+
 class QPushButton;
 class QVBoxLayout;
 
@@ -15,10 +17,11 @@ class ColorPage : public QWidget
 public:
     ColorPage();
 
-    const QPalette &colors() const { return chosen; }
+    /// Nothing while the colours are to be those of the desktop.
+    std::optional<QPalette> colors() const;
 
-    /// Shows and takes these colours as if they had been chosen, without a word.
-    void setColors(const QPalette &colors);
+    /// Shows the colours in use; `areChosen` says whether the user has chosen them.
+    void showColors(bool areChosen);
 
 Q_SIGNALS:
     void controlChanged();
@@ -27,8 +30,10 @@ private:
     QPushButton *addColor(QVBoxLayout *body, const QString &name, QPalette::ColorRole role);
     void choose(QPalette::ColorRole role, const QString &title);
     void setDefault();
+    void setColors(const QPalette &colors);
 
-    QPalette chosen;
+    QPalette shown;
+    bool isChosen = false; ///< by the user
     QPushButton *background;
     QPushButton *text;
     QPushButton *button;

@@ -1,5 +1,7 @@
 #include "desktop/look/Look.h"
 
+#include "desktop/look/Scheme.h"
+
 #include <QApplication>
 #include <QFont>
 #include <QSettings>
@@ -12,30 +14,49 @@ namespace {
 
 const QLatin1String styleKey("style");
 const QLatin1String fontSizeKey("Fsize");
+constexpr double leastContrast = 3; ///< of large letters (WCAG 2.1, 1.4.3)
 constexpr int largestFont = 72; // points
 
-struct ColorKey
-{
-    const char *key;
-    QPalette::ColorRole from;
-    QPalette::ColorRole into;
-};
+// In each style's group. Two more keys are written for programs that read them: "Cbase" says the
+// same as "Cwbase", as the fields follow the background.
+const QLatin1String backgroundKey("Cwbase");
+const QLatin1String fieldKey("Cbase");
+const QLatin1String textKey("Ctext");
+const QLatin1String buttonTextKey("Cbtext");
+const QLatin1String buttonKey("Cbutton");
 
-// In each style's group. What is read is not what was written, on purpose: the fields follow the
-// background, and the letters on buttons follow the text.
-constexpr ColorKey colorKeys[] = {
-    { "Cbase", QPalette::Window, QPalette::Base },
-    { "Ctext", QPalette::Text, QPalette::Text },
-    { "Cbutton", QPalette::Button, QPalette::Button },
-    { "Cwbase", QPalette::Window, QPalette::Window },
-    { "Cbtext", QPalette::Text, QPalette::ButtonText },
-};
+/// Nothing when the user has chosen none for this style.
+std::optional<QPalette> storedScheme(const QString &style)
+{
+    QSettings settings;
+    settings.beginGroup(style);
+    const auto stored = [&settings](QLatin1String key, const QColor &otherwise) {
+        const auto color = settings.value(key).value<QColor>();
+        return color.isValid() ? color : otherwise;
+    };
+    if (settings.childKeys().isEmpty())
+        return {};
+    const QPalette now = QApplication::palette();
+    SchemeColors colors;
+    colors.background = stored(backgroundKey, now.color(QPalette::Window));
+    colors.text = stored(textKey, now.color(QPalette::Text));
+    colors.buttons = stored(buttonKey, now.color(QPalette::Button));
+    QPalette palette = schemeOf(colors);
+    palette.setColor(QPalette::All, QPalette::Base, stored(fieldKey, colors.background));
+    const QColor onButtons = stored(buttonTextKey, colors.text);
+    if (contrast(onButtons, colors.buttons) >= leastContrast)
+        palette.setColor(QPalette::All, QPalette::ButtonText, onButtons);
+    return palette;
+}
 
 void storeColors(const QPalette &colors, const QString &style, QSettings *settings)
 {
     settings->beginGroup(style);
-    for (const ColorKey &entry : colorKeys)
-        settings->setValue(QLatin1String(entry.key), colors.color(entry.from));
+    settings->setValue(fieldKey, colors.color(QPalette::Window));
+    settings->setValue(backgroundKey, colors.color(QPalette::Window));
+    settings->setValue(textKey, colors.color(QPalette::Text));
+    settings->setValue(buttonTextKey, colors.color(QPalette::Text));
+    settings->setValue(buttonKey, colors.color(QPalette::Button));
     settings->endGroup();
 }
 
@@ -54,7 +75,6 @@ void takeFontSize(const QSettings &settings)
 Look::Look(QString style)
     : systemStyle(std::move(style))
 {
-    hold();
 }
 
 QString Look::currentStyle()
@@ -67,59 +87,56 @@ bool Look::isSystemStyle() const
     return currentStyle().compare(systemStyle, Qt::CaseInsensitive) == 0;
 }
 
-void Look::takeStored() const
+void Look::takeStored()
 {
     const QSettings settings;
-    const QString style = settings.value(styleKey).toString();
-    if (style.isEmpty())
+    if (!settings.contains(styleKey))
         return;
-    if (style != systemStyle)
-        QApplication::setStyle(style);
-    QApplication::setPalette(colorsOf(style));
     takeFontSize(settings);
+    const QString style = settings.value(styleKey).toString();
+    if (!style.isEmpty() && tryStyle(style))
+        hold();
 }
 
-bool Look::tryStyle(const QString &name) const
+bool Look::tryStyle(const QString &name)
 {
-    QStyle *style = QStyleFactory::create(name);
-    if (!style)
-        return false;
-    QApplication::setStyle(style);
-    QApplication::setPalette(storedColors());
+    const QString wanted = name.isEmpty() ? systemStyle : name;
+    if (wanted.compare(currentStyle(), Qt::CaseInsensitive) != 0) {
+        QStyle *style = QStyleFactory::create(wanted);
+        if (!style)
+            return false;
+        QApplication::setStyle(style);
+    }
+    chosen = name;
+    // Without a choice of the user it is the desktop that says which colours there are.
+    QApplication::setPalette(QPalette());
+    if (hasScheme())
+        QApplication::setPalette(*storedScheme(currentStyle()));
     return true;
 }
 
-QPalette Look::storedColors() const
-{
-    return colorsOf(currentStyle());
-}
-
-QPalette Look::colorsOf(const QString &style)
-{
-    QPalette palette = QApplication::style()->standardPalette();
-    QSettings settings;
-    settings.beginGroup(style);
-    for (const ColorKey &entry : colorKeys) {
-        const auto color = settings.value(QLatin1String(entry.key)).value<QColor>();
-        if (color.isValid())
-            palette.setColor(QPalette::All, entry.into, color);
-    }
-    return palette;
-}
-
-bool Look::apply(const QPalette &colors, const QFont &font)
+bool Look::apply(const std::optional<QPalette> &colors, const QFont &font)
 {
     QSettings settings;
-    settings.setValue(styleKey, currentStyle());
-    storeColors(colors, currentStyle(), &settings);
-    settings.setValue(fontSizeKey, font.pointSize());
+    settings.setValue(styleKey, chosen);
+    if (colors)
+        storeColors(*colors, currentStyle(), &settings);
+    else if (!isSystemStyle())
+        settings.remove(currentStyle());
+    if (font.pointSize() != QApplication::font().pointSize())
+        settings.setValue(fontSizeKey, font.pointSize());
 
-    QApplication::setPalette(isSystemStyle() ? QApplication::style()->standardPalette() : colors);
+    static_cast<void>(tryStyle(chosen));
     QApplication::setFont(font);
     hold();
 
     settings.sync();
     return settings.status() == QSettings::NoError;
+}
+
+bool Look::hasScheme() const
+{
+    return !isSystemStyle() && storedScheme(currentStyle());
 }
 
 QString Look::fileName()
@@ -129,14 +146,11 @@ QString Look::fileName()
 
 void Look::hold()
 {
-    heldStyle = currentStyle();
-    heldPalette = QApplication::palette();
+    held = chosen;
 }
 
-void Look::bringBack() const
+void Look::bringBack()
 {
-    if (currentStyle() == heldStyle)
-        return;
-    QApplication::setStyle(heldStyle);
-    QApplication::setPalette(heldPalette);
+    if (chosen != held)
+        static_cast<void>(tryStyle(held));
 }

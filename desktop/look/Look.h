@@ -3,6 +3,8 @@
 #include <QPalette>
 #include <QString>
 
+#include <optional>
+
 class QFont;
 
 /// How the whole program looks: widget style, colours and font, as the application has them now
@@ -23,20 +25,23 @@ public:
     /// Whether the style in use is the one that the program came up with.
     bool isSystemStyle() const;
 
-    /// Takes on what is stored. Without a stored style nothing changes; a style that is not there
-    /// and a font size past all use are passed over.
-    void takeStored() const;
+    /// The style that the user has chosen; empty for that of the desktop.
+    QString chosenStyle() const { return chosen; }
 
-    /// Takes on the style `name` with the colours stored for it, for now. False, and no change,
-    /// when there is no such style.
-    bool tryStyle(const QString &name) const;
+    /// Takes on what is stored. What is not stored stays as the desktop has it; a style that is not
+    /// there and a font size past all use are passed over.
+    void takeStored();
 
-    /// The standard colours of the style in use, below those that are stored for it.
-    QPalette storedColors() const;
+    /// Takes on the style `name`, or with an empty one that of the desktop, and the colours that
+    /// are stored for it, for now. False, and no change, when there is no such style.
+    bool tryStyle(const QString &name);
 
-    /// Takes on `colors` and `font`, and stores them with the style in use. False when the file
-    /// can't be written; the look is in use all the same.
-    bool apply(const QPalette &colors, const QFont &font);
+    /// Whether the user has chosen colours for the style in use.
+    bool hasScheme() const;
+
+    /// Takes on `colors`, without them those of the desktop, and `font`, and stores them with the
+    /// style in use. False when the file can't be written; the look is in use all the same.
+    bool apply(const std::optional<QPalette> &colors, const QFont &font);
 
     /// The file that keeps the look.
     static QString fileName();
@@ -45,12 +50,10 @@ public:
     void hold();
 
     /// Drops a style that was tried and not applied.
-    void bringBack() const;
+    void bringBack();
 
 private:
-    static QPalette colorsOf(const QString &style);
-
     QString systemStyle;
-    QString heldStyle;
-    QPalette heldPalette; ///< goes with the held style
+    QString chosen; ///< empty: as the desktop
+    QString held;
 };

@@ -32,6 +32,7 @@ LookDialog::LookDialog(Look *edited, QWidget *parent)
     , applyButton(new Finger<QPushButton>(tr("&Apply")))
 {
     look->hold();
+    colors->showColors(look->hasScheme());
     setWindowTitle(tr("Look&Feel Settings"));
     addPages();
 
@@ -54,7 +55,7 @@ void LookDialog::addPages()
     view->setCurrentRow(QSettings().value(lastPageKey).toInt());
 
     connect(styles, &StylePage::styleChanged, this, [this] {
-        colors->setColors(look->storedColors());
+        colors->showColors(look->hasScheme());
         enableApply();
     });
     connect(colors, &ColorPage::controlChanged, this, &LookDialog::enableApply);
@@ -91,6 +92,7 @@ void LookDialog::enableApply()
 void LookDialog::apply()
 {
     const bool stored = look->apply(colors->colors(), fonts->chosenFont());
+    colors->showColors(look->hasScheme());
     applyButton->setEnabled(false);
     if (!stored)
         warn(this, tr("Can't write file: ") + Look::fileName());

@@ -8,7 +8,13 @@
 #include <QSignalBlocker>
 #include <QVBoxLayout>
 
-StylePage::StylePage(const Look *tried)
+namespace {
+
+constexpr int ofDesktop = 0; ///< in the list
+
+} // namespace
+
+StylePage::StylePage(Look *tried)
     : look(tried)
     , styles(new ChoiceBox)
     , inUse(new QLabel)
@@ -16,6 +22,7 @@ StylePage::StylePage(const Look *tried)
     QVBoxLayout *body = addFrame(this, tr("Style Settings"));
     body->addWidget(styles);
     body->addWidget(inUse);
+    styles->addItem(tr("As the desktop"));
     for (const char *name : { "plastique", "cleanlooks", "windows", "motif", "cde" })
         styles->addItem(QLatin1String(name));
     styles->setAccessibleName(tr("Style"));
@@ -26,7 +33,7 @@ StylePage::StylePage(const Look *tried)
 
 void StylePage::tryStyle(int index)
 {
-    const QString name = styles->itemText(index);
+    const QString name = index == ofDesktop ? QString() : styles->itemText(index);
     const bool taken = look->tryStyle(name);
     if (!taken)
         warn(this, name + tr(" style not available on this system."));
@@ -39,6 +46,8 @@ void StylePage::showCurrentStyle()
 {
     const QSignalBlocker quiet(styles);
     const QString style = Look::currentStyle();
-    styles->setCurrentIndex(styles->findText(style, Qt::MatchFixedString));
+    const QString chosen = look->chosenStyle();
+    styles->setCurrentIndex(chosen.isEmpty() ? ofDesktop
+                                             : styles->findText(chosen, Qt::MatchFixedString));
     inUse->setText(tr("Style in use: %1").arg(style));
 }

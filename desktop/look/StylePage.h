@@ -14,7 +14,7 @@ class StylePage : public QWidget
 
 public:
     /// `tried` is borrowed.
-    explicit StylePage(const Look *tried);
+    explicit StylePage(Look *tried);
 
 Q_SIGNALS:
     /// The program has taken on another style.
@@ -24,7 +24,7 @@ private:
     void tryStyle(int index);
     void showCurrentStyle();
 
-    const Look *look;
+    Look *look;
     QComboBox *styles;
     QLabel *inUse; ///< the list does not hold every style that may be in use
 };

@@ -1,5 +1,6 @@
 #include "desktop/look/Look.h"
 #include "desktop/look/LookDialog.h"
+#include "desktop/look/Scheme.h"
 #include "desktop/settings/Configurable.h"
 #include "desktop/settings/ProfileDialog.h"
 #include "desktop/settings/ProfileUser.h"
@@ -199,14 +200,38 @@ private Q_SLOTS:
         Look().takeStored();
         QCOMPARE(QApplication::font(), font); // without a style nothing counts
         settings.setValue(QStringLiteral("style"), QStringLiteral("windows"));
-        Look().takeStored();
+        Look look;
+        look.takeStored();
         QCOMPARE(Look::currentStyle(), QStringLiteral("windows"));
         QCOMPARE(shown(QPalette::ButtonText), QColor(Qt::red));
         QCOMPARE(QApplication::font().pointSize(), 17);
+        QVERIFY(look.apply({}, QApplication::font())); // without colours those of the desktop
+        QVERIFY(!settings.contains(QStringLiteral("windows/Cwbase")));
+        QVERIFY(shown(QPalette::ButtonText) != QColor(Qt::red));
         settings.setValue(QStringLiteral("Fsize"), 4000); // past all use
         settings.setValue(QStringLiteral("style"), QStringLiteral("no such style"));
         Look().takeStored();
         QCOMPARE(QApplication::font().pointSize(), 17);
+    }
+
+    void schemesCanBeRead()
+    {
+        const QColor dark(0x20, 0x22, 0x26);
+        for (const SchemeColors &colors : { SchemeColors{ dark, Qt::white, Qt::white },
+                                            SchemeColors{ Qt::white, Qt::black, dark },
+                                            SchemeColors{ Qt::yellow, Qt::blue, Qt::darkBlue } }) {
+            const QPalette palette = schemeOf(colors);
+            const auto stands = [&palette](QPalette::ColorRole text, QPalette::ColorRole on) {
+                return contrast(palette.color(text), palette.color(on)) >= 4.5;
+            };
+            QVERIFY(stands(QPalette::WindowText, QPalette::Window));
+            QVERIFY(stands(QPalette::ToolTipText, QPalette::ToolTipBase));
+            QVERIFY(stands(QPalette::ButtonText, QPalette::Button));
+            QVERIFY(stands(QPalette::Link, QPalette::Base));
+            QVERIFY(stands(QPalette::HighlightedText, QPalette::Highlight));
+            QCOMPARE(palette.color(QPalette::Text), colors.text);
+            QVERIFY(palette.color(QPalette::Disabled, QPalette::Text) != colors.text);
+        }
     }
 
     void editsTheLook()
