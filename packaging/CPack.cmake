@@ -27,8 +27,8 @@ set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 if(QUILLON_DESKTOP)
-  # Opens addresses in the browser.
-  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils")
+  # Opens addresses in the browser, and makes keys.
+  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils, openssl")
   if(QUILLON_QT EQUAL 5)
     # Four of the styles that the look-and-feel settings offer.
     set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt5-style-plugins")

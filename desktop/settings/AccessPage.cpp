@@ -52,6 +52,15 @@ public:
         Q_UNUSED(index)
         return newAccountNameEdit(parent);
     }
+
+    /// A nameless account would let in whoever gives no name: the name stays as it was.
+    void setModelData(QWidget *editor, QAbstractItemModel *model,
+                      const QModelIndex &index) const override
+    {
+        const auto *edit = qobject_cast<const QLineEdit *>(editor);
+        if (edit && !edit->text().isEmpty())
+            QStyledItemDelegate::setModelData(editor, model, index);
+    }
 };
 
 class PasswordDelegate : public QStyledItemDelegate

@@ -131,6 +131,8 @@ void ProfileDialog::removeProfile()
         warn(this, tr("Used config profile is not removable."));
         return;
     }
+    if (!askYesNo(this, tr("Remove the profile \"%1\" and its users?").arg(listedName(profile))))
+        return;
     if (profiles->remove(profile))
         list->removeItem(list->currentIndex());
 }

@@ -1,5 +1,6 @@
 #include "desktop/settings/ServerPage.h"
 
+#include "desktop/settings/KeyMaker.h"
 #include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/Fields.h"
 #include "desktop/widgets/Prompts.h"
@@ -55,12 +56,23 @@ ServerPage::ServerPage(Profile *copy, bool rootMode)
     addRow(form, tr("Port [1 - 65535]:"), portField, QStringLiteral("port"));
     addKeyControls(form);
 
+    certificate = new QLabel;
+    certificate->setTextFormat(Qt::PlainText);
+    certificate->setWordWrap(true);
+    certificate->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+    certificate->setAccessibleName(tr("Certificate"));
+    body()->addWidget(certificate);
     QPushButton *restore = newButton(tr("Restore default keys"));
     body()->addWidget(restore, 0, Qt::AlignLeft);
+    newKey = newButton(tr("Make new key..."));
+    body()->addWidget(newKey, 0, Qt::AlignLeft);
     addFaceControls();
 
     connect(ssl, &QCheckBox::stateChanged, this, &ServerPage::followSslMode);
     connect(restore, &QPushButton::clicked, this, &ServerPage::restoreKeys);
+    connect(newKey, &QPushButton::clicked, this, &ServerPage::makeKey);
+    connect(publicKey, &QLineEdit::textChanged, this, &ServerPage::showCertificate);
+    showCertificate();
     enableKeyControls();
 }
 
@@ -144,8 +156,34 @@ void ServerPage::followSslMode(int state)
 
 void ServerPage::restoreKeys()
 {
-    workingCopy->resetKeys();
+    const Profile usual(workingCopy->directories());
+    useKeys(usual.privateKeyFile, usual.publicKeyFile);
+}
+
+void ServerPage::useKeys(const QString &keyFile, const QString &certificateFile)
+{
     keyPassword->clear();
-    privateKey->setText(workingCopy->privateKeyFile);
-    publicKey->setText(workingCopy->publicKeyFile);
+    privateKey->setText(keyFile);
+    publicKey->setText(certificateFile);
+}
+
+void ServerPage::makeKey()
+{
+    if (!askYesNo(
+            window(),
+            tr("A new key and certificate are made for this computer; those in use stay where "
+               "they are. Browsers will warn once more. Make them?")))
+        return;
+    newKey->setEnabled(false);
+    auto *maker = new KeyMaker(workingCopy->directories().profiles, this);
+    connect(maker, &KeyMaker::made, this, &ServerPage::useKeys);
+    connect(maker, &KeyMaker::failed, this, [this](const QString &why) { warn(window(), why); });
+    connect(maker, &QObject::destroyed, newKey, [button = newKey] { button->setEnabled(true); });
+    maker->start();
+}
+
+void ServerPage::showCertificate()
+{
+    const QString facts = certificateFacts(publicKey->text());
+    certificate->setText(facts.isEmpty() ? tr("There is no certificate yet.") : facts);
 }

@@ -5,6 +5,7 @@
 class QFormLayout;
 class QLabel;
 class QLineEdit;
+class QPushButton;
 class QSpinBox;
 
 /// The settings of port, SSL mode, keys and the way of answering. A child of the settings dialog.
@@ -26,12 +27,17 @@ private:
     void enableKeyControls();
     void followSslMode(int state);
     void restoreKeys();
+    void useKeys(const QString &keyFile, const QString &certificateFile);
+    void makeKey();
+    void showCertificate();
 
     const bool usesOwnPorts;
     QSpinBox *port = nullptr;
     QLineEdit *privateKey = nullptr;
     QLineEdit *keyPassword = nullptr;
     QLineEdit *publicKey = nullptr;
+    QLabel *certificate = nullptr; ///< its fingerprint and names
+    QPushButton *newKey = nullptr;
     QLabel *faceText = nullptr; ///< what the chosen way of answering means
     QList<QWidget *> keyControls; ///< of use only to experts who serve through SSL
 };

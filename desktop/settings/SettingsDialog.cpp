@@ -21,6 +21,8 @@ namespace {
 constexpr QSize usualSize(640, 520);
 constexpr int lastShownPage = -1;
 
+enum Unapplied { Apply = 0, Discard = 1 }; ///< what to do with changes, in the order of the buttons
+
 SettingsDialog *openDialog()
 {
     const auto windows = QApplication::topLevelWidgets();
@@ -110,6 +112,19 @@ void SettingsDialog::apply()
 void SettingsDialog::enableApply()
 {
     applyButton->setEnabled(!workingCopy->equals(profile));
+}
+
+void SettingsDialog::reject()
+{
+    const bool isOpen = !workingCopy->equals(profile);
+    const int chosen = isOpen ? askOneOf(this, tr("There are changes that were not applied."),
+                                         { tr("&Apply"), tr("&Discard") })
+                              : Discard;
+    if (chosen != Apply && chosen != Discard)
+        return;
+    if (chosen == Apply)
+        apply();
+    QDialog::reject();
 }
 
 void SettingsDialog::done(int result)

@@ -35,6 +35,10 @@ public:
     static void edit(Profile *profile, SettingsScope scope, Configurable *receiver, QWidget *parent,
                      int page = -1);
 
+    /// Every way to close but the end of the program: asks first what is to become of values that
+    /// were not applied.
+    void reject() override;
+
     /// Every way to close leads here: remembers the page and saves the edited profile.
     void done(int result) override;
 

@@ -2,6 +2,7 @@
 
 #include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/Fields.h"
+#include "desktop/widgets/Prompts.h"
 
 #include <QLabel>
 #include <QRegularExpressionValidator>
@@ -36,6 +37,13 @@ UserDialog::UserDialog(QWidget *parent)
     buttons->ok()->setEnabled(false);
     connect(nameEdit, &QLineEdit::textChanged, buttons,
             [buttons](const QString &name) { buttons->ok()->setEnabled(!name.isEmpty()); });
+}
+
+void UserDialog::accept()
+{
+    if (password().isEmpty())
+        return warn(this, tr("A user needs a password."));
+    QDialog::accept();
 }
 
 QString UserDialog::user() const

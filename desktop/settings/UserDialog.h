@@ -18,9 +18,11 @@ class UserDialog : public QDialog
 public:
     explicit UserDialog(QWidget *parent);
 
-    /// Never empty after OK.
+    // Neither is empty after OK.
     QString user() const;
     QString password() const;
+
+    void accept() override;
 
 private:
     QLineEdit *nameEdit;

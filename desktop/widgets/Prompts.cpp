@@ -64,6 +64,13 @@ QMessageBox *showBox(QWidget *parent, QMessageBox::Icon icon, const QString &tex
     return box;
 }
 
+QPushButton *addBoxButton(QMessageBox *box, const QString &text)
+{
+    QPushButton *button = box->addButton(text, QMessageBox::ActionRole);
+    button->setMinimumSize(2 * fingerSize, fingerSize);
+    return button;
+}
+
 void warn(QWidget *parent, const QString &text)
 {
     QMessageBox box(QMessageBox::Warning, QString(), text, QMessageBox::Ok, parent);

@@ -4,10 +4,14 @@
 #include <QString>
 #include <QStringList>
 
+class QPushButton;
 class QWidget;
 
 /// Shows a box of plain text with an OK button and returns at once; the box deletes itself.
 QMessageBox *showBox(QWidget *parent, QMessageBox::Icon icon, const QString &text);
+
+/// A further button of a box, which closes it too.
+QPushButton *addBoxButton(QMessageBox *box, const QString &text);
 
 /// Shows a warning of plain text with an OK button and waits until it is closed.
 void warn(QWidget *parent, const QString &text);

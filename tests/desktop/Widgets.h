@@ -92,6 +92,18 @@ inline QByteArray line(const char *fault, const QWidget *widget)
     return fault + QByteArray(widget->metaObject()->className()) + ' ' + name.toUtf8() + '\n';
 }
 
+/// Where the middle of `widget` is seen in `window`, once its page is scrolled there.
+inline QPoint shownAt(const QWidget *widget, const QWidget *window)
+{
+    QPoint middle = widget->mapTo(window, widget->rect().center());
+    for (const QWidget *above = widget; above && above != window; above = above->parentWidget()) {
+        const auto *area = qobject_cast<const QScrollArea *>(above);
+        if (area)
+            middle.setY(qMin(middle.y(), area->mapTo(window, area->rect().bottomLeft()).y()));
+    }
+    return middle;
+}
+
 /// What is too small, nameless, cut off or out of the Tab key's order in `window`, a line each.
 inline QByteArray faults(const QWidget *window)
 {
@@ -113,7 +125,7 @@ inline QByteArray faults(const QWidget *window)
          next = next->nextInFocusChain()) {
         if (!isTarget(next) || !next->isEnabled() || !(next->focusPolicy() & Qt::TabFocus))
             continue;
-        const QPoint here = next->mapTo(window, next->rect().center());
+        const QPoint here = shownAt(next, window);
         if (here.y() < last.y() - finger / 2)
             found += line("tab goes up: ", next);
         last = here;

@@ -128,11 +128,18 @@ private Q_SLOTS:
             SmallScreens::check(asking, QStringLiteral("user"));
             QVERIFY(!named<QWidget>(asking, "OK")->isEnabled());
             retype(named<QWidget>(asking, "User"), "c:arl");
+            QCOMPARE(boxText([&] { click(asking, "OK"); }),
+                     QStringLiteral("A user needs a password."));
             retype(named<QWidget>(asking, "Password"), "p:q");
             click(asking, "OK");
         };
         inModal<QDialog>([this] { click(page(), "Add user"); }, addUser);
         QCOMPARE(applied()->users, words("anna:pass:word bert:x carl:p:q"));
+        table->editItem(table->item(2, 0)); // a name can't be taken away
+        auto *editor = table->viewport()->findChild<QLineEdit *>();
+        editor->clear();
+        QTest::keyClick(editor, Qt::Key_Return);
+        QCOMPARE(table->item(2, 0)->text(), QStringLiteral("carl"));
         table->setCurrentCell(1, 0);
         click(page(), "Remove user");
         QCOMPARE(applied()->users, words("anna:pass:word carl:p:q"));
@@ -144,10 +151,25 @@ private Q_SLOTS:
         open(0);
         click(page(), "Show images"); // but not applied
         turnTo(2);
-        QTest::keyClick(dialog.get(), Qt::Key_Escape);
+        // Buttons in their order: Apply, Discard, and Cancel, which Escape presses.
+        for (const int answer : { 2, 1 }) {
+            const auto choose = [answer](QMessageBox *box) {
+                if (answer == 2)
+                    QTest::keyClick(box, Qt::Key_Escape);
+                else
+                    click(box, "&Discard");
+            };
+            inModal<QMessageBox>([this] { QTest::keyClick(dialog.get(), Qt::Key_Escape); }, choose);
+            QCOMPARE(dialog->isVisible(), answer == 2);
+        }
         QVERIFY(QFile::exists(global->fileName()));
         QCOMPARE(Profile(home->directories, QStringLiteral("Global.conf")).showImages, 2);
         QCOMPARE(global->lastPage, 2);
+        open(0);
+        click(page(), "Show images");
+        const auto apply = [](QMessageBox *box) { click(box, "&Apply"); };
+        inModal<QMessageBox>([this] { dialog->close(); }, apply);
+        QCOMPARE(global->showImages, 0);
         open();
         QVERIFY(QDir(home->directories.profiles).removeRecursively());
         const QString told = boxText([this] { click(dialog.get(), "&Close"); });
@@ -184,7 +206,9 @@ private Q_SLOTS:
         made->useCount = 1;
         QCOMPARE(boxText(remove), QStringLiteral("Used config profile is not removable."));
         made->useCount = 0;
-        remove();
+        QVERIFY(boxText(remove, QMessageBox::No).contains(QLatin1String("work 1")));
+        QVERIFY(QFile::exists(file));
+        boxText(remove);
         QVERIFY(!QFile::exists(file));
         QCOMPARE(home->profiles->count(), 1);
         QVERIFY(!boxText(remove).isEmpty()); // the program itself uses the global one
