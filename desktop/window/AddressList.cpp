@@ -10,6 +10,7 @@
 #include "desktop/window/Reachability.h"
 #include "desktop/window/RowKeeper.h"
 #include "desktop/window/ServerRow.h"
+#include "desktop/window/StartQuestions.h"
 #include "desktop/window/StartStop.h"
 
 #include <QLabel>
@@ -78,31 +79,50 @@ void AddressList::connectRows()
     connect(rows->mode(), &GlobalMode::modeChanged, this, showMode);
     connect(rows, &ServerRows::runningChanged, this, &AddressList::showRunning);
     connect(keeper, &RowKeeper::loaded, this, &AddressList::showNetwork);
-    connect(m_startButton, &QPushButton::clicked, rows, &ServerRows::startOrStop);
-    connect(m_table, &QTableWidget::cellPressed, this, &AddressList::cellPressed);
+    connect(m_startButton, &QPushButton::clicked, this, &AddressList::startOrStop);
+    connect(m_table, &AddressTable::cellChosen, this, &AddressList::cellChosen);
 }
 
 void AddressList::showRunning(bool running)
 {
     m_startButton->setIcon(startStopIcon(running));
     m_startButton->setText(startStopText(running));
-    if (!running) {
-        m_statusLabel->clear();
+    if (!running)
+        reach.clear();
+    showStatus();
+}
+
+void AddressList::showStatus()
+{
+    if (!rows->isRunning()) {
+        m_statusLabel->setText(reach);
         return;
     }
     QString text = tr("<center>Accessible on local network");
     const QList<ServerRow *> shown = rows->shownRows();
-    for (const ServerRow *row : shown)
-        text += QLatin1String("<br>") + row->url();
-    m_statusLabel->setText(text + QLatin1String("</center>"));
+    for (const ServerRow *row : shown) {
+        if (row->isListening())
+            text += QLatin1String("<br>") + row->url();
+    }
+    // That it is the local network alone stands above already.
+    const bool more = reach != Reachability::localText();
+    m_statusLabel->setText(text + QLatin1String("</center>") + (more ? reach : QString()));
+}
+
+void AddressList::showReach(const QString &text)
+{
+    reach = text;
+    showStatus();
 }
 
 void AddressList::showNetwork()
 {
     if (!keeper->hasNetwork())
-        m_statusLabel->setText(tr("<center><b>Network not found</b></center>"));
+        showReach(tr("<center><b>Network not found</b></center>"));
     else if (!rows->isRunning())
-        m_statusLabel->setText(Reachability::localText());
+        showReach(Reachability::localText());
+    else
+        showStatus();
 }
 
 bool AddressList::askForStop(const QString &question)
@@ -116,15 +136,21 @@ bool AddressList::askForStop(const QString &question)
 
 // --- the expert's row menu ----------------------------------------------------------------------
 
-void AddressList::cellPressed(int index, int column)
+void AddressList::startOrStop()
+{
+    if (mayCut(rows->all(), window()))
+        rows->startOrStop();
+}
+
+void AddressList::cellChosen(int index, int column)
 {
     ServerRow *row = rows->at(index);
     if (!rows->mode()->isExpert() || !row)
         return;
-    if (column == AddressTable::StatusColumn)
-        rows->toggle(row);
-    else
+    if (column != AddressTable::StatusColumn)
         m_table->popup(rowMenu, index, column);
+    else if (mayCut({ row }, window()))
+        rows->toggle(row);
 }
 
 void AddressList::edit(Profile *profile, int page)
@@ -145,22 +171,24 @@ void AddressList::changeProfile()
         ProfileDialog(profiles, row, window()).exec();
 }
 
-std::optional<int> AddressList::askPort(const QString &title, const ServerRow *row)
+std::optional<int> AddressList::askPort(const QString &title, const ServerRow *row,
+                                        const ServerRow *except)
 {
     const auto text = InputDialog::ask(title, QString::number(row->server()->port), window());
     if (!text)
         return {};
     const int port = text->trimmed().toInt();
-    if (isPort(port))
+    const QString refusal = rows->portRefusal(row->address(), port, except);
+    if (refusal.isEmpty())
         return port;
-    showBox(window(), QMessageBox::Warning, tr("Invalid port"));
+    showBox(window(), QMessageBox::Warning, refusal);
     return {};
 }
 
 void AddressList::addNewPort()
 {
     const QPointer<ServerRow> row = rows->current();
-    const auto port = row ? askPort(tr("New port"), row) : std::nullopt;
+    const auto port = row ? askPort(tr("New port"), row, nullptr) : std::nullopt;
     if (port && row)
         rows->addPort(row)->setPort(*port);
 }
@@ -168,13 +196,19 @@ void AddressList::addNewPort()
 void AddressList::changePort()
 {
     const QPointer<ServerRow> row = rows->current();
-    const auto port = row ? askPort(tr("Port"), row) : std::nullopt;
+    const auto port = row ? askPort(tr("Port"), row, row) : std::nullopt;
     if (port && row)
         row->setPort(*port);
 }
 
 void AddressList::removeRow()
 {
-    if (ServerRow *row = rows->current())
-        rows->remove(row);
+    const QPointer<ServerRow> row = rows->current();
+    const bool sure = row
+        && (!row->isListening()
+            || askYesNo(window(),
+                        tr("The server is running.") + QLatin1Char('\n')
+                            + tr("Do you want to remove it?")));
+    if (sure && row)
+        keeper->remove(row);
 }

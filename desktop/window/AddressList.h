@@ -37,6 +37,9 @@ public:
 public Q_SLOTS:
     void showRunning(bool running);
     void showNetwork();
+
+    /// Shows `text`, HTML, where the servers can be reached, below their own addresses.
+    void showReach(const QString &text);
     void editProfile();
     void changeProfile();
     void addNewPort();
@@ -47,8 +50,10 @@ private:
     void buildWidgets();
     void buildRowMenu();
     void connectRows();
-    void cellPressed(int index, int column);
-    std::optional<int> askPort(const QString &title, const ServerRow *row);
+    void startOrStop();
+    void showStatus();
+    void cellChosen(int index, int column);
+    std::optional<int> askPort(const QString &title, const ServerRow *row, const ServerRow *except);
 
     Profiles *profiles;
     RowKeeper *keeper;
@@ -59,4 +64,5 @@ private:
     QMenu *rowMenu = nullptr;
     QPushButton *m_startButton = nullptr;
     QLabel *m_statusLabel = nullptr;
+    QString reach; ///< what is known beside the addresses
 };

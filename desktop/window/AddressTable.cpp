@@ -39,6 +39,14 @@ AddressTable::AddressTable(ServerRows *servers, QWidget *parent)
         shortcut->setContext(Qt::WidgetShortcut);
         connect(shortcut, &QShortcut::activated, this, &AddressTable::pressCurrentCell);
     }
+    connect(this, &QTableWidget::cellPressed, this, [this](int row, int column) {
+        if (column != StatusColumn)
+            Q_EMIT cellChosen(row, column);
+    });
+    connect(this, &QTableWidget::cellClicked, this, [this](int row, int column) {
+        if (column == StatusColumn)
+            Q_EMIT cellChosen(row, column);
+    });
     followRows();
 }
 
@@ -130,5 +138,5 @@ QSize AddressTable::minimumSizeHint() const
 void AddressTable::pressCurrentCell()
 {
     if (currentItem())
-        Q_EMIT cellPressed(currentRow(), currentColumn());
+        Q_EMIT cellChosen(currentRow(), currentColumn());
 }

@@ -7,8 +7,7 @@ class ServerRow;
 class ServerRows;
 
 /// The table of server rows: their addresses alone in simple mode, in expert mode their profiles
-/// and states too. A child of the address list. A press on a cell, by finger or by key, is told by
-/// `cellPressed`.
+/// and states too. A child of the address list.
 class AddressTable : public QTableWidget
 {
     Q_OBJECT
@@ -25,6 +24,11 @@ public:
     void popup(QMenu *menu, int row, int column);
 
     QSize minimumSizeHint() const override;
+
+Q_SIGNALS:
+    /// The user wants what belongs to the cell. A state, which starts and stops, is only taken by
+    /// the left button that is released where it was pressed; or by a key.
+    void cellChosen(int row, int column);
 
 private:
     void followRows();

@@ -9,6 +9,7 @@
 #include "desktop/window/MainMenu.h"
 #include "desktop/window/RowPanel.h"
 #include "desktop/window/ServerRow.h"
+#include "desktop/window/StartQuestions.h"
 
 #include <QCloseEvent>
 #include <QDesktopServices>
@@ -16,14 +17,20 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
+#include <QSettings>
 #include <QVBoxLayout>
 
+#include <chrono>
 #include <cstring>
 #include <utility>
+
+using namespace std::chrono_literals;
 
 namespace {
 
 constexpr QSize usualSize(800, 480);
+constexpr auto restTime = 500ms; ///< after a move
+const QLatin1String geometryKey("geometry");
 constexpr int authenticationPage = 1; ///< of the settings dialog
 
 QScrollArea *scrolled(QWidget *content)
@@ -74,7 +81,7 @@ MainWindow::MainWindow(Profiles *choice, Look *lookInUse, EventHandler *sink,
     addresses = new AddressList(profiles, keeper(), rootMode, this);
     menu = new MainMenu(lookInUse, profiles->directories().language, this);
     panel = new RowPanel(profiles, keeper(), menu, this);
-    questions = std::make_unique<StartQuestions>(rows(), panel, this);
+    new StartQuestions(rows(), panel, this);
     statusLine = new QLabel(this);
     statusLine->setWordWrap(true);
     layOut();
@@ -100,9 +107,12 @@ void MainWindow::startProfiles()
         const Profile *profile = profiles->at(i);
         if (!profile->isUsable())
             events->msg(
-                tr("A profile is damaged or can't be read. It isn't used until its settings "
-                   "are saved; the file is kept then as %1")
-                    .arg(profile->fileName() + QLatin1String(".bad")),
+                tr("A profile can't be read: its password and users are gone, and nothing is "
+                   "served with it until you have looked at its settings and saved them. If you "
+                   "changed the file on purpose, delete %1 and start again. Saving keeps the file "
+                   "as %2")
+                    .arg(profile->fileName() + QLatin1String(".sum"),
+                         profile->fileName() + QLatin1String(".bad")),
                 profile->fileName());
         if (const QString file = profile->textSetAside(); !file.isEmpty())
             events->msg(tr("Some values of a profile could not be read. The defaults are used "
@@ -144,6 +154,9 @@ void MainWindow::layOut()
 
     const QSize room = screen()->availableSize();
     fitToScreen(this, room.height() > room.width() ? usualSize.transposed() : usualSize);
+    restoreGeometry(QSettings().value(geometryKey).toByteArray());
+    geometryTimer.setSingleShot(true);
+    connect(&geometryTimer, &QTimer::timeout, this, &MainWindow::saveGeometryNow);
 }
 
 void MainWindow::connectRows()
@@ -159,6 +172,8 @@ void MainWindow::connectRows()
         m_reachability->noPublic();
         addresses->showNetwork();
     });
+    connect(keeper(), &RowKeeper::told, this,
+            [this](const QString &text) { events->statusmsg(text.toHtmlEscaped()); });
     connect(servers, &ServerRows::runningChanged, this, [this](bool running) {
         if (running)
             events->startTimer();
@@ -169,7 +184,7 @@ void MainWindow::connectRows()
 void MainWindow::connectReachability()
 {
     const Reachability *reach = reachability();
-    connect(reach, &Reachability::labelChanged, addresses->statusLabel(), &QLabel::setText);
+    connect(reach, &Reachability::labelChanged, addresses, &AddressList::showReach);
     connect(reach, &Reachability::told, events, &EventHandler::statusmsg);
     connect(reach, &Reachability::warned, this,
             [this](const QString &text) { showBox(this, QMessageBox::Warning, text); });
@@ -248,7 +263,9 @@ void MainWindow::closeEvent(QCloseEvent *event)
 
 bool MainWindow::endInOrder()
 {
-    ended = true;
+    if (std::exchange(ended, true))
+        return true;
+    saveGeometryNow();
     const bool rowsSaved = m_keeper->end();
     events->stopTimer();
     return profiles->endInOrder() && rowsSaved;
@@ -261,4 +278,32 @@ void MainWindow::showEvent(QShowEvent *event)
     if (!std::exchange(wasShown, true))
         QMetaObject::invokeMethod(m_reachability.get(), &Reachability::refreshPublic,
                                   Qt::QueuedConnection);
+}
+
+void MainWindow::moveEvent(QMoveEvent *event)
+{
+    QMainWindow::moveEvent(event);
+    geometryTimer.start(restTime);
+}
+
+void MainWindow::resizeEvent(QResizeEvent *event)
+{
+    QMainWindow::resizeEvent(event);
+    geometryTimer.start(restTime);
+}
+
+void MainWindow::saveGeometryNow()
+{
+    if (wasShown)
+        QSettings().setValue(geometryKey, saveGeometry());
+}
+
+void MainWindow::call(const QString &path)
+{
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+    if (!path.isEmpty())
+        panel->share(path);
 }

@@ -2,10 +2,10 @@
 
 #include "desktop/window/Reachability.h"
 #include "desktop/window/RowKeeper.h"
-#include "desktop/window/StartQuestions.h"
 
 #include <QMainWindow>
 #include <QSet>
+#include <QTimer>
 
 #include <memory>
 
@@ -36,6 +36,12 @@ public:
     AddressList *addressList() const { return addresses; }
     RowPanel *rowPanel() const { return panel; }
 
+    /// Stops and saves everything without a question. False when something can't be saved.
+    bool endInOrder();
+
+    /// Comes to the front, as another start wants it, and shares `path` unless it is empty.
+    void call(const QString &path);
+
 public Q_SLOTS:
     void setExpertMode(bool on);
     void dataLimit(WebServer *server);
@@ -43,6 +49,8 @@ public Q_SLOTS:
 protected:
     void closeEvent(QCloseEvent *event) override;
     void showEvent(QShowEvent *event) override;
+    void moveEvent(QMoveEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     void startProfiles();
@@ -52,7 +60,7 @@ private:
     void connectReachability();
     void connectMenus();
     void askForPassword(ServerRow *row);
-    bool endInOrder();
+    void saveGeometryNow();
 
     Profiles *profiles;
     EventHandler *events;
@@ -67,7 +75,7 @@ private:
     MainMenu *menu;
     RowPanel *panel;
     QLabel *statusLine;
-    std::unique_ptr<StartQuestions> questions;
+    QTimer geometryTimer; ///< runs while the window moves
 };
 
 /// What to say when `server` has reached its traffic limit.

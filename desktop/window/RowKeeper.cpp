@@ -15,11 +15,33 @@ RowKeeper::RowKeeper(Profiles *choice, const std::shared_ptr<const ServerSetup> 
     , saved(choice->directories().profiles + QLatin1String("list.ini"))
     , m_rows(choice, common)
 {
+    if (!saved.damagedFile().isEmpty())
+        sink->msg(ServerRows::tr("What was shared at which address could not be read; the rows "
+                                 "begin anew, and none starts by itself. The file is kept as %1")
+                      .arg(saved.damagedFile()),
+                  saved.fileName());
     connect(&network, &DeviceNetwork::changed, this, [this] {
         followNetwork();
         Q_EMIT onlineChanged(hasNetwork());
     });
+    followChanges();
     followNetwork();
+}
+
+void RowKeeper::followChanges()
+{
+    saveTimer.setSingleShot(true);
+    connect(&saveTimer, &QTimer::timeout, this, &RowKeeper::saveNow);
+    connect(&m_rows, &ServerRows::rowRemoved, this, &RowKeeper::saveSoon);
+    connect(&m_rows, &ServerRows::rowAdded, this, [this](const ServerRow *row) {
+        connect(row, &ServerRow::stateChanged, this, &RowKeeper::saveSoon);
+        saveSoon();
+    });
+    connect(&m_rows, &ServerRows::allStopped, this, [this] {
+        saved.forgetRunning();
+        if (single)
+            single->running = false;
+    });
 }
 
 void RowKeeper::share(const QString &path, ServerRow *row)
@@ -30,8 +52,10 @@ void RowKeeper::share(const QString &path, ServerRow *row)
         return;
     }
     if (m_rows.all().isEmpty()) {
-        single = SavedRow::read(saved.settings(), 0);
+        if (!single)
+            single = saved.row(0);
         single->file = path;
+        saveSoon();
     }
     const QList<ServerRow *> shown = m_rows.shownRows();
     for (ServerRow *each : shown)
@@ -40,16 +64,36 @@ void RowKeeper::share(const QString &path, ServerRow *row)
 
 // --- the network --------------------------------------------------------------------------------
 
+void RowKeeper::remove(ServerRow *row)
+{
+    removed.insert(row->address().toString());
+    m_rows.remove(row);
+}
+
 void RowKeeper::loadLocal()
 {
+    removed.clear();
     network.look();
     followNetwork();
 }
 
 void RowKeeper::followNetwork()
 {
+    const bool running = m_rows.isRunning();
+    const QList<ServerRow *> before = m_rows.all();
+    isFollowing = true;
+    resumed.clear();
     dropVanished();
     addFound();
+    isFollowing = false;
+    // In simple mode the rows run or rest together.
+    const bool startsNew = running || (!m_rows.mode()->isExpert() && !resumed.isEmpty());
+    const QList<ServerRow *> now = m_rows.all();
+    for (ServerRow *row : now) {
+        const bool isNew = !before.contains(row) && !row->isAddedPort();
+        if ((startsNew && isNew) || resumed.contains(row))
+            startUnasked(row);
+    }
     Q_EMIT loaded();
     if (m_rows.currentIndex() < 0 && !m_rows.all().isEmpty())
         m_rows.setCurrent(0);
@@ -62,8 +106,8 @@ void RowKeeper::dropVanished()
         if (network.has(row->address()))
             continue;
         if (row->isListening())
-            sink->msg(ServerRows::tr("The network address is gone, the server stopped"),
-                      row->url());
+            Q_EMIT told(ServerRows::tr("The network address is gone, the server waits for it: %1")
+                            .arg(row->url()));
         if (m_rows.mode()->isExpert())
             saved.keep(row->state());
         else if (!row->isAddedPort())
@@ -80,11 +124,11 @@ void RowKeeper::addFound()
         const bool hasRow = std::any_of(all.begin(), all.end(), [&entry](const ServerRow *row) {
             return row->address() == entry.ip();
         });
-        if (hasRow)
+        if (hasRow || removed.contains(entry.ip().toString()))
             continue;
         ServerRow *row = m_rows.add(entry);
         const QList<SavedRow> kept = saved.take(entry.ip().toString());
-        row->takeState(savedStateOf(row, kept));
+        restore(row, savedStateOf(row, kept));
         fresh.append({ row, kept });
     }
     // Behind the addresses, as they were added.
@@ -102,7 +146,7 @@ SavedRow RowKeeper::savedStateOf(const ServerRow *row, const QList<SavedRow> &ke
     if (!m_rows.mode()->isExpert()) {
         if (all.constFirst() != row)
             return all.constFirst()->state();
-        return single ? *single : fromFile(0);
+        return single ? *std::exchange(single, std::nullopt) : fromFile(0);
     }
     const auto own = std::find_if(kept.begin(), kept.end(),
                                   [](const SavedRow &each) { return !each.addedPort; });
@@ -115,20 +159,41 @@ SavedRow RowKeeper::savedStateOf(const ServerRow *row, const QList<SavedRow> &ke
 
 SavedRow RowKeeper::fromFile(int group)
 {
-    SavedRow row = SavedRow::read(saved.settings(), group);
-    // In expert mode every row starts out on the global profile, whatever it ran with.
-    if (m_rows.mode()->isExpert())
-        row.profile = profiles->global()->name;
+    SavedRow row = saved.row(group);
     if (row.portDamaged)
-        sink->msg(ServerRows::tr("Invalid port"), saved.settings()->fileName());
+        sink->msg(ServerRows::tr("Invalid port"), saved.fileName());
+    if (!m_rows.mode()->isExpert())
+        return row;
+    // In expert mode every row starts out on the global profile, whatever it ran with.
+    const Profile *former = profiles->find(row.profile);
+    if (former && (!former->isUsable() || !former->admitsEveryone()))
+        row.formerProfile = former->name;
+    row.profile = profiles->global()->name;
     return row;
+}
+
+void RowKeeper::restore(ServerRow *row, const SavedRow &state)
+{
+    row->takeState(state);
+    if (state.running)
+        resumed.append(row);
+}
+
+/// Nobody may be there to answer: a row with doubts or failures stays stopped.
+void RowKeeper::startUnasked(ServerRow *row)
+{
+    if (row->doubt() != StartDoubt::None)
+        return Q_EMIT told(ServerRows::tr("Press Start to serve at %1").arg(row->url()));
+    const ServerRow::Refusal refusal = row->tryStart();
+    if (!refusal.title.isEmpty())
+        Q_EMIT told(refusal.title + QLatin1String(": ") + refusal.text);
 }
 
 void RowKeeper::restoreAddedPorts(const ServerRow *first, const QList<SavedRow> &kept)
 {
     for (const SavedRow &row : kept) {
         if (row.addedPort)
-            m_rows.addPort(first)->takeState(row);
+            restore(m_rows.addPort(first), row);
     }
     if (!kept.isEmpty())
         return;
@@ -139,8 +204,24 @@ void RowKeeper::restoreAddedPorts(const ServerRow *first, const QList<SavedRow> 
 
 // --- the end ------------------------------------------------------------------------------------
 
+void RowKeeper::saveSoon()
+{
+    if (!isFollowing)
+        saveTimer.start(0);
+}
+
+void RowKeeper::saveNow()
+{
+    saveRows();
+    if (saved.flush() || std::exchange(saveFailed, true))
+        return;
+    sink->msg(ServerRows::tr("Can't save the settings"), saved.fileName());
+}
+
 bool RowKeeper::end()
 {
+    isFollowing = true;
+    saveTimer.stop();
     m_rows.stopAll();
     saveRows();
     m_rows.letAllGo();
@@ -154,11 +235,11 @@ void RowKeeper::saveRows()
     if (m_rows.mode()->isExpert()) {
         int group = 0;
         for (const ServerRow *row : all)
-            row->state().write(saved.settings(), group++);
+            saved.write(row->state(), group++);
         saved.writeRest(group);
     } else if (!all.isEmpty()) {
-        all.constFirst()->state().write(saved.settings(), 0);
+        saved.write(all.constFirst()->state(), 0);
     } else if (single) {
-        single->write(saved.settings(), 0);
+        saved.write(*single, 0);
     }
 }

@@ -5,6 +5,8 @@
 #include "desktop/window/ServerRows.h"
 
 #include <QObject>
+#include <QSet>
+#include <QTimer>
 
 #include <memory>
 #include <optional>
@@ -12,7 +14,8 @@
 class StatusSink;
 
 /// Keeps the server rows in line with the addresses of the device, and what is saved of them with
-/// the rows. Made by the main window; the rows are its own and end with it.
+/// the rows, as soon as the user has chosen something. Made by the main window; the rows are its
+/// own and end with it.
 ///
 /// In simple mode all rows are kept as one.
 class RowKeeper : public QObject
@@ -31,10 +34,14 @@ public:
     /// all of them, now and when the network comes.
     void share(const QString &path, ServerRow *row = nullptr);
 
-    /// Brings the rows in line with the device's addresses.
+    /// Removes a row. Its address stays without one until `loadLocal`.
+    void remove(ServerRow *row);
+
+    /// Brings the rows in line with the device's addresses, those that were removed included.
     void loadLocal();
 
-    /// Does so when an address came or went.
+    /// Does so when an address came or went, without those. While servers run, the new address is
+    /// served too, and one that was served goes on when it is back.
     void lookForChanges() { network.lookForChanges(); }
 
     /// Stops all servers, saves the rows and lets them go. False when they can't be written.
@@ -44,6 +51,9 @@ Q_SIGNALS:
     void loaded(); ///< by `loadLocal`
     void onlineChanged(bool online);
 
+    /// What became of a row whose address came or went, translated.
+    void told(const QString &text);
+
 private:
     void followNetwork();
     void dropVanished();
@@ -51,6 +61,11 @@ private:
     SavedRow savedStateOf(const ServerRow *row, const QList<SavedRow> &kept);
     SavedRow fromFile(int group);
     void restoreAddedPorts(const ServerRow *first, const QList<SavedRow> &kept);
+    void restore(ServerRow *row, const SavedRow &state);
+    void startUnasked(ServerRow *row);
+    void followChanges();
+    void saveSoon();
+    void saveNow();
     void saveRows();
 
     Profiles *profiles;
@@ -58,5 +73,10 @@ private:
     DeviceNetwork network;
     SavedRows saved;
     std::optional<SavedRow> single; ///< simple mode: what the next row takes over
+    QSet<QString> removed; ///< addresses whose rows the user has removed
+    QTimer saveTimer;
+    bool isFollowing = true; ///< what changes now is not the user's choice
+    bool saveFailed = false; ///< and was told
+    QList<ServerRow *> resumed; ///< rows that are to run as they did
     ServerRows m_rows;
 };

@@ -7,6 +7,7 @@
 #include "desktop/window/FileMenu.h"
 #include "desktop/window/RowKeeper.h"
 #include "desktop/window/ServerRow.h"
+#include "desktop/window/StartQuestions.h"
 #include "desktop/window/StartStop.h"
 #include "desktop/window/WindowText.h"
 
@@ -107,8 +108,9 @@ void RowPanel::connectWidgets()
     ServerRows *rows = keeper->rows();
     connect(rows, &ServerRows::currentChanged, this, &RowPanel::showCurrent);
     connect(settingsButton, &QPushButton::clicked, this, &RowPanel::settingsWanted);
-    connect(startButton, &QPushButton::clicked, this, [rows] {
-        if (ServerRow *row = rows->current())
+    connect(startButton, &QPushButton::clicked, this, [this, rows] {
+        ServerRow *row = rows->current();
+        if (row && mayCut({ row }, window()))
             rows->toggle(row);
     });
     connect(sharedLink, &QLabel::linkActivated, this, [rows] {
@@ -147,11 +149,11 @@ void RowPanel::showCurrent(ServerRow *row)
     startButton->setEnabled(row);
     settingsButton->setEnabled(row);
     fileMenu->setStart(row ? folderOf(row->server()->shared()) : QDir::rootPath());
-    if (!row)
-        return;
-    const QString action = startStopText(row->isListening());
-    startButton->setIcon(startStopIcon(row->isListening()));
+    const bool running = row && row->isListening();
+    const QString action = startStopText(running);
+    startButton->setIcon(startStopIcon(running));
     startButton->setAccessibleName(action);
     startButton->setToolTip(action);
-    sharedLink->setLink(shownPath(row->server()->shared().absoluteFilePath()), row->url());
+    if (row)
+        sharedLink->setLink(shownPath(row->server()->shared().absoluteFilePath()), row->url());
 }

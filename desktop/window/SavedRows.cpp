@@ -37,7 +37,7 @@ void SavedRow::write(QSettings *settings, int index) const
     settings->beginGroup(QString::number(index));
     settings->setValue(portKey, port);
     settings->setValue(fileKey, file);
-    settings->setValue(profileKey, profile);
+    settings->setValue(profileKey, formerProfile.isEmpty() ? profile : formerProfile);
     // Other rows are found by their index alone.
     if (addedPort)
         settings->setValue(addressKey, address);
@@ -49,27 +49,36 @@ void SavedRow::write(QSettings *settings, int index) const
 SavedRows::SavedRows(const QString &fileName)
     : file(fileName, QSettings::IniFormat)
 {
-    // What can't be understood is lost at the next save.
-    if (file.status() == QSettings::FormatError)
-        QFile::copy(fileName, fileName + QLatin1String(".bad"));
+    if (file.status() != QSettings::NoError && QFile::exists(fileName)) {
+        // What can't be understood is lost at the next save.
+        const QString kept = fileName + QLatin1String(".bad");
+        QFile::remove(kept);
+        damaged = QFile::copy(fileName, kept) ? kept : fileName;
+    }
+    int groups = 0;
+    for (const QString &group : file.childGroups())
+        groups = std::max(groups, group.toInt() + 1);
+    for (int index = 0; index < std::min(groups, maxRows); ++index)
+        stored.append(SavedRow::read(&file, index));
+    counted = std::clamp(file.value(countKey).toInt(), 0, maxRows);
 }
 
-int SavedRows::indexOf(int nth)
+int SavedRows::indexOf(int nth) const
 {
     int index = 0;
     for (int passed = 0; index < maxRows; ++index) {
-        if (!SavedRow::read(&file, index).addedPort && passed++ == nth)
+        if (!row(index).addedPort && passed++ == nth)
             break;
     }
     return index;
 }
 
-QList<int> SavedRows::addedPorts(const QString &address)
+QList<int> SavedRows::addedPorts(const QString &address) const
 {
     QList<int> groups;
-    for (int index = 0; index < rowCount(); ++index) {
-        const SavedRow row = SavedRow::read(&file, index);
-        if (row.addedPort && row.address == address && row.port > 0)
+    for (int index = 0; index < counted; ++index) {
+        const SavedRow saved = row(index);
+        if (saved.addedPort && saved.address == address && saved.port > 0)
             groups.append(index);
     }
     return groups;
@@ -85,6 +94,12 @@ QList<SavedRow> SavedRows::take(const QString &address)
     return taken;
 }
 
+void SavedRows::forgetRunning()
+{
+    for (SavedRow &row : gone)
+        row.running = false;
+}
+
 void SavedRows::writeRest(int rows)
 {
     for (const SavedRow &row : std::as_const(gone))
@@ -96,9 +111,4 @@ bool SavedRows::flush()
 {
     file.sync();
     return file.status() != QSettings::AccessError;
-}
-
-int SavedRows::rowCount() const
-{
-    return std::clamp(file.value(countKey).toInt(), 0, maxRows);
 }

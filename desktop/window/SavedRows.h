@@ -12,6 +12,8 @@ struct SavedRow
     QString profile;
     QString address; ///< read from a file: set only when the row is an added port
     bool addedPort = false; ///< a further port of an address that has a row of its own
+    QString formerProfile; ///< see `ServerRow`; written in the place of `profile`
+    bool running = false; ///< not in the file
     bool portDamaged = false; ///< a port is saved that is none
 
     static SavedRow read(QSettings *settings, int index);
@@ -26,22 +28,33 @@ public:
     /// More rows than this are not looked for, whatever the file says.
     static constexpr int maxRows = 256;
 
-    /// A damaged file is kept beside under its name + ".bad".
+    /// Reads the file once; what is written later does not change what was read. A damaged file is
+    /// kept beside under its name + ".bad".
     explicit SavedRows(const QString &fileName);
 
-    QSettings *settings() { return &file; }
+    QString fileName() const { return file.fileName(); }
+
+    /// Where a file lies now that could not be read: itself, or its copy. Empty when all is well.
+    QString damagedFile() const { return damaged; }
+
+    /// What was read of a group; defaults where there is none.
+    SavedRow row(int group) const { return stored.value(group); }
+    void write(const SavedRow &row, int group) { row.write(&file, group); }
 
     /// The group of the nth address, counting from 0; groups of added ports don't count.
-    int indexOf(int nth);
+    int indexOf(int nth) const;
 
     /// The groups of the ports that were added to `address`.
-    QList<int> addedPorts(const QString &address);
+    QList<int> addedPorts(const QString &address) const;
 
     /// Remembers a row whose address went away.
     void keep(const SavedRow &row) { gone.append(row); }
 
     /// Gives back what was kept of `address`, in the order in which it was kept.
     QList<SavedRow> take(const QString &address);
+
+    /// None of the kept rows is to go on running when its address is back.
+    void forgetRunning();
 
     /// Writes the kept rows behind the first `rows` groups, and the number of all.
     void writeRest(int rows);
@@ -50,8 +63,9 @@ public:
     bool flush();
 
 private:
-    int rowCount() const;
-
     QSettings file;
+    QList<SavedRow> stored; ///< by group
+    int counted = 0; ///< groups that are rows, as the file says
+    QString damaged; ///< see `damagedFile`
     QList<SavedRow> gone;
 };

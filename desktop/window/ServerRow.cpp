@@ -4,6 +4,7 @@
 #include "desktop/Log.h"
 #include "desktop/window/AcceptedFolders.h"
 #include "server/StatusSink.h"
+#include "server/TlsIdentity.h"
 #include "server/Url.h"
 
 #include <QDir>
@@ -54,6 +55,11 @@ QString ServerRow::url() const
 
 StartDoubt ServerRow::doubt() const
 {
+    const qint64 limit = m_server->dataLimitBytes();
+    if (limit > 0 && trafficBytes() >= limit)
+        return StartDoubt::LimitReached;
+    if (!former.isEmpty() && profile()->admitsEveryone())
+        return StartDoubt::LoginIsOff;
     const QString path = m_server->shared().absoluteFilePath();
     if (profile()->opensHome(path) && !isAcceptedFolder(path))
         return StartDoubt::HomeIsOpen;
@@ -62,29 +68,77 @@ StartDoubt ServerRow::doubt() const
 
 void ServerRow::settle(StartDoubt doubt)
 {
-    if (doubt == StartDoubt::HomeIsOpen)
-        acceptFolder(m_server->shared().absoluteFilePath());
+    switch (doubt) {
+    case StartDoubt::HomeIsOpen:
+        return acceptFolder(m_server->shared().absoluteFilePath());
+    case StartDoubt::LoginIsOff:
+        former.clear();
+        return Q_EMIT stateChanged();
+    case StartDoubt::LimitReached:
+        m_server->init();
+        return Q_EMIT changed();
+    case StartDoubt::None:
+        break;
+    }
+}
+
+ServerRow::Refusal ServerRow::tryStart()
+{
+    if (!profile()->isUsable())
+        return { tr("The profile can't be used until its settings are saved"),
+                 profile()->fileName() };
+    share(missing); // it may be back
+    if (!missing.isEmpty())
+        return { shareRefusal(missing), tr("Choose what to share.") };
+    if (const QString problem = keyProblem(); !problem.isEmpty())
+        return { tr("Unable to start the server"), problem, true };
+    if (!m_server->start()) {
+        qCDebug(desktopLog) << "not started:" << url() << m_server->errorString();
+        return { tr("Unable to start the server"),
+                 QStringLiteral("%1\n%2:%3")
+                     .arg(m_server->errorString(), address().toString(),
+                          QString::number(m_server->port)) };
+    }
+    Q_EMIT reachChanged();
+    return {};
 }
 
 void ServerRow::start()
 {
-    if (!profile()->isUsable())
-        return tell(tr("The profile can't be used until its settings are saved"),
-                    profile()->fileName());
-    share(missing); // it may be back
-    if (!missing.isEmpty())
-        return tell(shareRefusal(missing), tr("Choose what to share."));
-    if (!m_server->start()) {
-        qCDebug(desktopLog) << "not started:" << url() << m_server->errorString();
-        return tell(tr("Unable to start the server"),
-                    QStringLiteral("%1\n%2:%3")
-                        .arg(m_server->errorString(), address().toString(),
-                             QString::number(m_server->port)));
-    }
-    Q_EMIT reachChanged();
+    const Refusal refusal = tryStart();
+    if (refusal.forKeys)
+        return Q_EMIT keysRefused(refusal.text);
+    if (!refusal.title.isEmpty())
+        return tell(refusal.title, refusal.text);
     const QString path = m_server->shared().filePath();
     if (!QFileInfo::exists(path))
         tell(missingText(path), tr("Choose what to share."));
+}
+
+/// Empty when the keys can be used, or none are needed.
+QString ServerRow::keyProblem() const
+{
+    if (!profile()->usesTls() || m_server->isTlsReady())
+        return {};
+    QString problem;
+    // They may have come since they were looked for.
+    if (TlsIdentity::load(*profile(), &problem))
+        m_server->profileEdited(profile());
+    return problem;
+}
+
+void ServerRow::stopWithoutKeys()
+{
+    const QString problem = isListening() ? keyProblem() : QString();
+    if (problem.isEmpty())
+        return;
+    stop();
+    Q_EMIT keysRefused(problem);
+}
+
+bool ServerRow::isTransferring() const
+{
+    return isListening() && m_server->connectionCount() > 0 && pace.moves(trafficBytes());
 }
 
 void ServerRow::stop()
@@ -99,6 +153,7 @@ void ServerRow::setPort(int port)
         return;
     m_server->port = quint16(port);
     Q_EMIT changed();
+    Q_EMIT stateChanged();
     if (!isListening())
         return;
     m_server->stop();
@@ -112,6 +167,7 @@ void ServerRow::share(const QString &path)
         return;
     m_server->setShared(path);
     missing.clear();
+    Q_EMIT stateChanged();
 }
 
 void ServerRow::restoreContent(const QString &path)
@@ -126,15 +182,27 @@ void ServerRow::restoreContent(const QString &path)
 
 void ServerRow::useProfile(Profile *profile)
 {
+    former.clear();
     m_server->setProfile(profile);
+    stopWithoutKeys();
     Q_EMIT reachChanged();
+    Q_EMIT stateChanged();
 }
 
-void ServerRow::profileChanged()
+void ServerRow::useFormerProfile()
 {
-    // In expert mode ports are set per row, so that a listening server keeps its own.
-    if (!isListening() || !profiles->global()->expertMode)
+    if (Profile *known = profiles->find(former))
+        useProfile(known);
+}
+
+void ServerRow::profileChanged(int oldPort)
+{
+    // In expert mode ports are set per row. In simple mode there is no other way to change one.
+    const bool follows =
+        profiles->global()->expertMode ? !isListening() && m_server->port == oldPort : !addedPort;
+    if (follows && profile()->port != oldPort)
         setPort(profile()->port);
+    stopWithoutKeys();
     Q_EMIT changed();
 }
 
@@ -144,6 +212,8 @@ SavedRow ServerRow::state() const
     row.port = m_server->port;
     row.file = missing.isEmpty() ? m_server->shared().absoluteFilePath() : missing;
     row.profile = profile()->name;
+    row.formerProfile = former;
+    row.running = isListening();
     row.address = address().toString();
     row.addedPort = addedPort;
     return row;
@@ -154,6 +224,7 @@ void ServerRow::takeState(const SavedRow &saved)
     Profile *named = saved.profile.isEmpty() ? nullptr : profiles->find(saved.profile);
     if (named)
         m_server->setProfile(named);
+    former = saved.formerProfile;
     restoreContent(saved.file.isEmpty() ? QDir::homePath() : saved.file);
     setPort(saved.port > 0 ? saved.port : profiles->global()->port);
     Q_EMIT changed();

@@ -3,6 +3,7 @@
 #include "desktop/settings/ProfileUser.h"
 #include "desktop/window/SavedRows.h"
 #include "desktop/window/StartQuestion.h"
+#include "desktop/window/TrafficPace.h"
 #include "server/WebServer.h"
 
 #include <QObject>
@@ -42,8 +43,18 @@ public:
     StartDoubt doubt() const;
     void settle(StartDoubt doubt);
 
-    /// Starts the server and asks nobody; when that fails or its profile can't be used, the status
-    /// sink hears why.
+    /// Why a start has failed, both texts translated; empty when it has not.
+    struct Refusal
+    {
+        QString title;
+        QString text;
+        bool forKeys = false; ///< the profile's key and certificate can't be used
+    };
+
+    /// Starts the server and asks nobody. Without its keys a row that is to encrypt stays stopped.
+    Refusal tryStart();
+
+    /// The same; the status sink hears why it fails, or `keysRefused` tells.
     void start();
 
     /// Stops listening and cuts all connections.
@@ -59,8 +70,18 @@ public:
     Profile *profile() const override { return m_server->profile(); }
     void useProfile(Profile *profile) override;
 
-    /// The values of the row's profile have changed.
-    void profileChanged();
+    /// The values of the row's profile have changed; its port was `oldPort`. A port that is the
+    /// row's own stays.
+    void profileChanged(int oldPort);
+
+    /// The profile with a login that the row ran with before it came back on another; empty once
+    /// somebody has decided.
+    QString formerProfile() const { return former; }
+    void useFormerProfile();
+
+    /// Whether a transfer runs, as far as the counts of the last seconds tell.
+    bool isTransferring() const;
+    void lookAtTraffic() { pace.look(trafficBytes()); }
 
     SavedRow state() const;
 
@@ -76,7 +97,16 @@ Q_SIGNALS:
     /// The server started or stopped, or its URL is another.
     void reachChanged();
 
+    /// Something that is saved of the row is another now.
+    void stateChanged();
+
+    /// The row is stopped, as its key and certificate can't be used.
+    void keysRefused(const QString &reason);
+
 private:
+    qint64 trafficBytes() const { return m_server->sentBytes() + m_server->receivedBytes(); }
+    QString keyProblem() const;
+    void stopWithoutKeys();
     void restoreContent(const QString &path);
     void tell(const QString &title, const QString &text) const;
 
@@ -84,5 +114,7 @@ private:
     std::shared_ptr<const ServerSetup> setup;
     WebServer *m_server; ///< a child
     bool addedPort = false;
+    QString former;
+    TrafficPace pace;
     QString missing; ///< saved content that could not be shared since
 };

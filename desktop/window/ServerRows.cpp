@@ -2,13 +2,19 @@
 
 #include "config/Profiles.h"
 #include "desktop/window/ServerRow.h"
+#include "server/StatusSink.h"
 
 #include <QPointer>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
+using namespace std::chrono_literals;
+
 namespace {
+
+constexpr auto lookInterval = 1s;
 
 template <typename Test> QList<ServerRow *> filtered(const QList<ServerRow *> &rows, Test test)
 {
@@ -29,6 +35,16 @@ ServerRows::ServerRows(Profiles *choice, std::shared_ptr<const ServerSetup> comm
     , setup(std::move(common))
     , m_mode(choice)
 {
+    connect(&traffic, &QTimer::timeout, this, [this] {
+        for (ServerRow *row : std::as_const(rows))
+            row->lookAtTraffic();
+    });
+    connect(this, &ServerRows::runningChanged, &traffic, [this](bool running) {
+        if (!running)
+            traffic.stop();
+        else if (!traffic.isActive())
+            traffic.start(lookInterval);
+    });
 }
 
 ServerRows::~ServerRows()
@@ -72,6 +88,8 @@ void ServerRows::append(ServerRow *row)
 {
     rows.append(row);
     connect(row, &ServerRow::reachChanged, this, [this, row] { tellReach(row); });
+    connect(row, &ServerRow::keysRefused, this,
+            [this, row](const QString &reason) { Q_EMIT keysRefused(row, reason); });
     connect(row->server(), &WebServer::dataLimit, this, &ServerRows::dataLimit);
     Q_EMIT rowAdded(row);
 }
@@ -95,6 +113,17 @@ ServerRow *ServerRows::addPort(const ServerRow *first)
     auto *row = new ServerRow(first, this);
     append(row);
     return row;
+}
+
+QString ServerRows::portRefusal(const QHostAddress &address, int port,
+                                const ServerRow *except) const
+{
+    if (!isPort(port))
+        return tr("Invalid port") + QLatin1Char('\n') + tr("A port is a number from 1 to 65535.");
+    const bool taken = std::any_of(rows.begin(), rows.end(), [&](const ServerRow *row) {
+        return row != except && row->address() == address && row->server()->port == port;
+    });
+    return taken ? tr("Another row has the port %1 already.").arg(port) : QString();
 }
 
 void ServerRows::remove(ServerRow *row)
@@ -152,6 +181,8 @@ void ServerRows::startOrStop()
     if (isRunning())
         return stopAll();
     const QList<ServerRow *> shown = shownRows();
+    if (shown.isEmpty())
+        setup->sink->msg(tr("There is no address to serve at"), tr("Connect to a network first."));
     const QList<QPointer<ServerRow>> still(shown.begin(), shown.end());
     for (const QPointer<ServerRow> &row : still) {
         // A no holds for those that follow too.
@@ -167,6 +198,7 @@ void ServerRows::stopAll()
     const QList<ServerRow *> all = rows;
     for (ServerRow *row : all)
         row->stop();
+    Q_EMIT allStopped();
 }
 
 qint64 ServerRows::totalTraffic() const
@@ -192,6 +224,7 @@ void ServerRows::profileEdited(Profile *edited)
     if (!live)
         return;
     const bool tls = live->usesTls();
+    const int port = live->port;
     const QList<ServerRow *> users =
         filtered(rows, [live](const ServerRow *row) { return row->profile() == live; });
     // Servers compare the copy with the live profile, so all must have seen it before.
@@ -203,7 +236,7 @@ void ServerRows::profileEdited(Profile *edited)
         live->save();
     }
     for (ServerRow *row : users)
-        row->profileChanged();
+        row->profileChanged(port);
     m_mode.look();
     if (live->usesTls() != tls && current())
         tellReach(current());

@@ -8,11 +8,13 @@
 #include <QList>
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 
 #include <memory>
 
 class Profile;
 class Profiles;
+class QHostAddress;
 class QNetworkAddressEntry;
 class ServerRow;
 class WebServer;
@@ -56,7 +58,8 @@ public:
     bool start(const QPointer<ServerRow> &row);
     void toggle(ServerRow *row);
 
-    /// Stops all servers when one is running, else starts those that are shown.
+    /// Stops all servers when one is running, else starts those that are shown. The status sink
+    /// hears when there is none.
     void startOrStop();
     void stopAll();
 
@@ -66,6 +69,10 @@ public:
     /// A new row for a further port of the address of `first`.
     ServerRow *addPort(const ServerRow *first);
     void remove(ServerRow *row);
+
+    /// Why a row of `address` other than `except` can't have this port, translated; empty when it
+    /// can.
+    QString portRefusal(const QHostAddress &address, int port, const ServerRow *except) const;
 
     /// Removes all rows, at once, as their servers hold profiles.
     void letAllGo();
@@ -90,6 +97,12 @@ Q_SIGNALS:
 
     void dataLimit(WebServer *server);
 
+    /// All were stopped on purpose.
+    void allStopped();
+
+    /// The row is stopped, as its key and certificate can't be used.
+    void keysRefused(ServerRow *row, const QString &reason);
+
 private:
     void append(ServerRow *row);
     void tellReach(ServerRow *row);
@@ -100,4 +113,5 @@ private:
     StartQuestion ask;
     int m_current = -1; ///< index of a row
     GlobalMode m_mode;
+    QTimer traffic; ///< looks at it while servers run
 };

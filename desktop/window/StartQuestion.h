@@ -7,6 +7,8 @@ class ServerRow;
 /// What the user has to decide before a row starts.
 enum class StartDoubt {
     None,
+    LimitReached, ///< a start begins a new count
+    LoginIsOff, ///< the row asked for a login when it ran last, and would not do so now
     HomeIsOpen, ///< everyone could change the home folder, or one that holds the profiles
 };
 

@@ -1,5 +1,7 @@
 #include "desktop/window/StartQuestions.h"
 
+#include "config/Profile.h"
+#include "desktop/settings/KeyMaker.h"
 #include "desktop/widgets/Prompts.h"
 #include "desktop/window/RowPanel.h"
 #include "desktop/window/ServerRow.h"
@@ -7,13 +9,18 @@
 #include "desktop/window/WindowText.h"
 
 #include <QDir>
-#include <QPointer>
+#include <QPushButton>
 
-StartQuestions::StartQuestions(ServerRows *rows, RowPanel *shares, QWidget *window)
-    : panel(shares)
+#include <algorithm>
+
+StartQuestions::StartQuestions(ServerRows *asking, RowPanel *shares, QWidget *window)
+    : QObject(window)
+    , rows(asking)
+    , panel(shares)
     , parent(window)
 {
     rows->setQuestion([this](ServerRow *row, StartDoubt doubt) { return ask(row, doubt); });
+    connect(rows, &ServerRows::keysRefused, this, &StartQuestions::tellOfKeys);
 }
 
 StartAnswer StartQuestions::ask(ServerRow *row, StartDoubt doubt)
@@ -21,6 +28,10 @@ StartAnswer StartQuestions::ask(ServerRow *row, StartDoubt doubt)
     switch (doubt) {
     case StartDoubt::HomeIsOpen:
         return askAboutHome(row);
+    case StartDoubt::LoginIsOff:
+        return askAboutLogin(row);
+    case StartDoubt::LimitReached:
+        return askAboutLimit(row);
     case StartDoubt::None:
         break;
     }
@@ -46,4 +57,75 @@ StartAnswer StartQuestions::askAboutHome(ServerRow *row)
         return StartAnswer::No;
     panel->share(folder, row);
     return StartAnswer::LookAgain;
+}
+
+StartAnswer StartQuestions::askAboutLogin(ServerRow *row)
+{
+    const QPointer<ServerRow> still(row);
+    const QString former = row->formerProfile();
+    const int chosen = askOneOf(
+        parent,
+        WindowText::tr("%1 asked for a login when it ran last, with the profile \"%2\". "
+                       "With \"%3\" everyone may come in.")
+            .arg(row->url(), former, row->profile()->name),
+        { WindowText::tr("Use \"%1\"").arg(former), WindowText::tr("Start without a login") });
+    if (chosen == 1)
+        return StartAnswer::Yes;
+    if (chosen < 0 || !still)
+        return StartAnswer::No;
+    row->useFormerProfile();
+    return StartAnswer::LookAgain;
+}
+
+StartAnswer StartQuestions::askAboutLimit(const ServerRow *row)
+{
+    const bool again =
+        askYesNo(parent,
+                 row->url() + QLatin1Char('\n')
+                     + WindowText::tr("The traffic limit is reached. Begin a new count?"));
+    return again ? StartAnswer::Yes : StartAnswer::No;
+}
+
+void StartQuestions::tellOfKeys(ServerRow *row, const QString &reason)
+{
+    if (keysBox)
+        return;
+    keysBox = showBox(parent, QMessageBox::Warning,
+                      WindowText::tr("The server does not start without its key and certificate.")
+                          + QLatin1Char('\n') + reason);
+    const QPushButton *make = addBoxButton(keysBox, WindowText::tr("Make a new key"));
+    const QPointer<ServerRow> still(row);
+    connect(make, &QPushButton::clicked, this, [this, still] { makeKeys(still); });
+}
+
+void StartQuestions::makeKeys(const QPointer<ServerRow> &row)
+{
+    if (!row)
+        return;
+    auto *maker = new KeyMaker(row->profile()->directories().profiles, this);
+    connect(maker, &KeyMaker::failed, this,
+            [this](const QString &why) { showBox(parent, QMessageBox::Warning, why); });
+    connect(maker, &KeyMaker::made, this,
+            [this, row](const QString &keyFile, const QString &certificateFile) {
+                if (!row)
+                    return;
+                const std::unique_ptr<Profile> edited = row->profile()->clone();
+                edited->privateKeyFile = keyFile;
+                edited->publicKeyFile = certificateFile;
+                edited->keyPassword.clear();
+                rows->profileEdited(edited.get());
+                rows->start(row);
+            });
+    maker->start();
+}
+
+bool mayCut(const QList<ServerRow *> &stopping, QWidget *window)
+{
+    const bool asks = std::any_of(stopping.begin(), stopping.end(), [](const ServerRow *row) {
+        return row->isTransferring() && row->profile()->warningMode == Qt::Checked;
+    });
+    return !asks
+        || askYesNo(window,
+                    WindowText::tr("Files are being transferred; stopping cuts them off.")
+                        + QLatin1Char('\n') + WindowText::tr("Do you want to stop?"));
 }

@@ -2,22 +2,40 @@
 
 #include "desktop/window/StartQuestion.h"
 
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+class QMessageBox;
 class QWidget;
 class RowPanel;
 class ServerRows;
 
-/// The boxes that ask before a row starts. A part of the main window.
-class StartQuestions
+/// The boxes that ask before a row starts, and that help when its key can't be used. A child of the
+/// main window.
+class StartQuestions : public QObject
 {
+    Q_OBJECT
 public:
-    /// From now on `rows` ask here. What is chosen instead goes through `shares`, and the boxes
+    /// From now on `asking` ask here. What is chosen instead goes through `shares`, and the boxes
     /// stand over `window`; all are borrowed.
-    StartQuestions(ServerRows *rows, RowPanel *shares, QWidget *window);
+    StartQuestions(ServerRows *asking, RowPanel *shares, QWidget *window);
 
 private:
     StartAnswer ask(ServerRow *row, StartDoubt doubt);
     StartAnswer askAboutHome(ServerRow *row);
+    StartAnswer askAboutLogin(ServerRow *row);
+    StartAnswer askAboutLimit(const ServerRow *row);
+    void tellOfKeys(ServerRow *row, const QString &reason);
+    void makeKeys(const QPointer<ServerRow> &row);
 
+    ServerRows *rows;
     RowPanel *panel;
     QWidget *parent;
+    QPointer<QMessageBox> keysBox; ///< one tells of all rows
 };
+
+/// Whether `stopping` may be cut off: asks over `window` when files are under way and their profile
+/// wants warnings.
+bool mayCut(const QList<ServerRow *> &stopping, QWidget *window);

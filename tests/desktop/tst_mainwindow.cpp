@@ -2,6 +2,7 @@
 #include "desktop/widgets/LinkLabel.h"
 #include "desktop/widgets/PageView.h"
 #include "desktop/window/AddressTable.h"
+#include "desktop/window/WebServices.h"
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/Widgets.h"
 
@@ -61,6 +62,10 @@ private Q_SLOTS:
             QCOMPARE(button->text(), QLatin1String(text));
             QCOMPARE(label->text().contains(desktop.row()->url()), desktop.row()->isListening());
         }
+        desktop.row()->start();
+        const QString open = publicAddressLabel({}, QStringLiteral("192.0.2.7"), 80);
+        desktop.list()->showReach(open);
+        QVERIFY(label->text().contains(desktop.row()->url()) && label->text().endsWith(open));
         desktop.addresses.clear();
         desktop.window->keeper()->lookForChanges();
         QCOMPARE(label->text(), QStringLiteral("<center><b>Network not found</b></center>"));
@@ -97,6 +102,7 @@ private Q_SLOTS:
         const QString root = boxText([&] { desktop.open("root"); });
         QVERIFY(root.startsWith(QLatin1String("The server run as root!\n")));
         QVERIFY(boxText([] {}).contains(desktop.path(".quillon/work.cnf.bad\n")));
+        QVERIFY(boxText([] {}).endsWith(desktop.path(".quillon/list.ini")));
         const QString end = boxText([&] { desktop.close(); });
         QVERIFY(end.startsWith(QLatin1String("Can't save the settings\n")));
     }
@@ -158,6 +164,25 @@ private Q_SLOTS:
         table->setCurrentCell(0, AddressTable::AddressColumn);
         QTest::keyClick(table, Qt::Key_Return);
         QTRY_VERIFY(desktop.list()->findChild<QMenu *>()->isVisible());
+        desktop.list()->findChild<QMenu *>()->close();
+
+        // A finger or the left button, and released where it was pressed.
+        const auto press = [table](Qt::MouseButton button, int column) {
+            const QPoint end =
+                table->visualRect(table->model()->index(0, AddressTable::StatusColumn)).center();
+            const QPoint begin = table->visualRect(table->model()->index(0, column)).center();
+            QTest::mousePress(table->viewport(), button, {}, begin);
+            QTest::mouseRelease(table->viewport(), button, {}, end);
+        };
+        press(Qt::RightButton, AddressTable::StatusColumn);
+        press(Qt::LeftButton, AddressTable::ConfigColumn);
+        QVERIFY(!desktop.rows()->isRunning());
+        desktop.list()->findChild<QMenu *>()->close();
+        press(Qt::LeftButton, AddressTable::StatusColumn);
+        QVERIFY(desktop.rows()->isRunning());
+        const auto remove = [&] { desktop.list()->removeRow(); };
+        QVERIFY(boxText(remove, QMessageBox::No).endsWith(QLatin1String("remove it?")));
+        desktop.rows()->stopAll();
     }
 
     void fitsSmallScreens()

@@ -1,8 +1,12 @@
+#include "desktop/settings/KeyMaker.h"
 #include "desktop/window/FileMenu.h"
+#include "desktop/window/FirstInstance.h"
 #include "desktop/window/SavedRows.h"
 #include "desktop/window/WebServices.h"
 #include "server/Url.h"
 #include "tests/desktop/Desktop.h"
+
+#include <thread>
 
 namespace {
 
@@ -165,11 +169,31 @@ private Q_SLOTS:
             const QString url = device.row()->url();
             device.addresses.clear();
             device.keeper->lookForChanges();
-            QVERIFY(device.sink.messages.value(0).endsWith(QLatin1Char('\n') + url));
             QVERIFY(!device.rows->current() && !device.keeper->hasNetwork());
-            device.addresses.append(loopback);
+            device.rows->startOrStop();
+            QCOMPARE(device.sink.messages.size(), 1); // that there is nothing to start
+            device.addresses = QStringList{ loopback, QStringLiteral("127.0.0.2") };
             device.keeper->lookForChanges();
             QCOMPARE(device.rows->current()->url() + device.shared(), url + device.path("res"));
+            QVERIFY(device.row(0)->isListening());
+            QCOMPARE(device.row(1)->isListening(), !expert); // it rested when the first one ran
+            device.addresses.append(QStringLiteral("127.0.0.3"));
+            device.keeper->lookForChanges();
+            QVERIFY(device.row(2)->isListening());
+            device.keeper->remove(device.row(2));
+            device.keeper->remove(device.row(1));
+            device.keeper->lookForChanges();
+            QCOMPARE(device.rows->all().size(), 1);
+            device.rows->stopAll();
+            device.addresses.clear();
+            device.keeper->lookForChanges();
+            device.addresses.append(loopback);
+            device.keeper->lookForChanges();
+            QVERIFY(!device.rows->isRunning());
+            device.addresses.append(QStringLiteral("127.0.0.2"));
+            device.keeper->loadLocal();
+            QCOMPARE(device.rows->all().size(), 2);
+            device.keeper->remove(device.row(1));
             QTRY_COMPARE(device.global()->useCount, 1);
         }
         // Chosen while there is no network.
@@ -185,6 +209,7 @@ private Q_SLOTS:
         Rows device(inExpertMode(), 2);
         device.addFile("ü b/a.txt");
         device.row(0)->share(device.path("ü b"));
+        QTRY_VERIFY(readFile(device.path(".quillon/list.ini")).contains(" b")); // at once
         device.row(0)->setPort(7001);
         device.row(1)->setPort(7002);
         device.rows->addPort(device.row(0))->setPort(7003);
@@ -227,7 +252,7 @@ private Q_SLOTS:
         row("no port and no folder", true, "port=many\nfile=/no/such/<b>", "Default 8080 2");
         row("a huge number of rows", true,
             "[General]\nlen=999999999\n[7]\nport=x\naddress=127.0.0.1", "Default 8080 0");
-        row("bytes of something else", true, "\xff]=[\n\n=\n[[0]\nport\n[1", "Default 8080 0");
+        row("bytes of something else", true, "\xff]=[\n\n=\n[[0]\nport\n[1", "Default 8080 1");
     }
 
     void savedRow()
@@ -253,6 +278,110 @@ private Q_SLOTS:
                   .arg(device.sink.messages.size()),
               "taken");
         QCOMPARE(QFile::exists(device.path(".quillon/list.ini.bad")), saved.startsWith('\xff'));
+    }
+
+    void loginIsNotLostUnseen()
+    {
+        Rows device(inExpertMode());
+        const std::unique_ptr<Profile> work = device.global()->clone();
+        work->name = QStringLiteral("work");
+        work->setFileName(work->name);
+        work->authMode = AuthBasic;
+        QVERIFY(work->save());
+        device.reopen();
+        device.row()->useProfile(device.home.profiles->find(work->name));
+        device.reopen();
+        device.reopen(); // not forgotten, however often nobody decides
+        QCOMPARE(device.row()->profile(), device.global());
+        QCOMPARE(device.row()->doubt(), StartDoubt::LoginIsOff);
+        device.row()->useFormerProfile();
+        QCOMPARE(device.row()->profile()->name, work->name);
+        QCOMPARE(device.row()->doubt(), StartDoubt::None);
+        device.reopen();
+        device.row()->settle(StartDoubt::LoginIsOff);
+        device.reopen();
+        QCOMPARE(device.row()->doubt(), StartDoubt::None);
+    }
+
+    void newCountAfterTheLimit()
+    {
+        Rows device([](Profile &global) { global.dataLimit = 1; });
+        device.row()->server()->addReceivedBytes(2000);
+        QCOMPARE(device.row()->doubt(), StartDoubt::LimitReached);
+        device.row()->settle(StartDoubt::LimitReached);
+        QCOMPARE(device.row()->doubt(), StartDoubt::None);
+    }
+
+    void keysAreNeeded()
+    {
+        Rows device([](Profile &global) { global.sslMode = Qt::Checked; });
+        QString reason;
+        const auto keep = [&reason](ServerRow *, const QString &why) { reason = why; };
+        QObject::connect(device.rows, &ServerRows::keysRefused, device.rows, keep);
+        device.row()->start();
+        QVERIFY(!device.row()->isListening());
+        QVERIFY(reason.contains(device.global()->publicKeyFile));
+
+        QStringList files;
+        auto *maker = new KeyMaker(device.path(".quillon/"), device.rows);
+        QObject::connect(maker, &KeyMaker::made, maker, [&](const auto &key, const auto &crt) {
+            files = QStringList{ key, crt };
+        });
+        QObject::connect(maker, &KeyMaker::failed, maker, [](const QString &why) {
+            QSKIP(qPrintable(why)); // the tool is missing here
+        });
+        maker->start();
+        QTRY_VERIFY_WITH_TIMEOUT(!files.isEmpty(), 20000);
+        QVERIFY(
+            !(QFile::permissions(files[0]) & (QFileDevice::ReadGroup | QFileDevice::ReadOther)));
+        QVERIFY(certificateFacts(files[1]).contains(loopback));
+        const std::unique_ptr<Profile> copy = device.global()->clone();
+        copy->privateKeyFile = files[0];
+        copy->publicKeyFile = files[1];
+        device.rows->profileEdited(copy.get());
+        device.row()->start();
+        QVERIFY(device.row()->isListening() && device.row()->server()->isTlsReady());
+        copy->publicKeyFile = files[0];
+        device.rows->profileEdited(copy.get());
+        QVERIFY(!device.row()->isListening()); // it would go on without encryption
+    }
+
+    void oneWindow()
+    {
+        const TestHome home;
+        const QString folder = home.directories.profiles;
+        writeFile(folder + QLatin1String("window.socket"), "left by a crash");
+        auto first = std::make_unique<FirstInstance>(folder);
+        QVERIFY(!first->handOver({}));
+        QStringList called;
+        connect(first.get(), &FirstInstance::called, [&](const QString &path) { called << path; });
+        std::thread other([&folder] {
+            FirstInstance(folder).handOver(QStringLiteral("/a b/ü"));
+            FirstInstance(folder).handOver({});
+        });
+        QTRY_COMPARE(called.size(), 2);
+        other.join();
+        QCOMPARE(called, QStringList({ QStringLiteral("/a b/ü"), QString() }));
+        first.reset();
+        QVERIFY(!FirstInstance(folder).handOver({}));
+    }
+
+    void ports()
+    {
+        Rows device(inExpertMode(), 2);
+        const auto refusal = [&](int port, const ServerRow *except) {
+            return device.rows->portRefusal(device.row()->address(), port, except);
+        };
+        device.row(0)->setPort(7001);
+        device.row(1)->setPort(7002);
+        QVERIFY(refusal(65536, nullptr).contains(QLatin1String("65535")));
+        QVERIFY(refusal(7001, nullptr).contains(QLatin1String("7001")));
+        QVERIFY(refusal(7001, device.row(0)).isEmpty() && refusal(7002, nullptr).isEmpty());
+        // An Apply leaves a row's own port alone.
+        const std::unique_ptr<Profile> copy = device.global()->clone();
+        copy->port = 7003;
+        device.rows->profileEdited(copy.get());
+        QCOMPARE(int(device.row(0)->server()->port), 7001);
     }
 
     void editedPort()

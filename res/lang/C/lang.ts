@@ -51,6 +51,10 @@
         <source>Port</source>
         <translation>Port</translation>
     </message>
+    <message>
+        <source>Do you want to remove it?</source>
+        <translation>Do you want to remove it?</translation>
+    </message>
 </context>
 <context>
     <name>AddressTable</name>
@@ -119,6 +123,14 @@
     <message>
         <source>The settings stay in use until the program ends.</source>
         <translation>The settings stay in use until the program ends.</translation>
+    </message>
+    <message>
+        <source>There are changes that were not applied.</source>
+        <translation>There are changes that were not applied.</translation>
+    </message>
+    <message>
+        <source>&amp;Discard</source>
+        <translation>&amp;Discard</translation>
     </message>
 </context>
 <context>
@@ -306,6 +318,22 @@
     <message>
         <source>All programs are answered by the standards.</source>
         <translation>All programs are answered by the standards.</translation>
+    </message>
+    <message>
+        <source>Certificate</source>
+        <translation>Certificate</translation>
+    </message>
+    <message>
+        <source>Make new key...</source>
+        <translation>Make new key...</translation>
+    </message>
+    <message>
+        <source>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more. Make them?</source>
+        <translation>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more. Make them?</translation>
+    </message>
+    <message>
+        <source>There is no certificate yet.</source>
+        <translation>There is no certificate yet.</translation>
     </message>
 </context>
 <context>
@@ -513,10 +541,6 @@
         <translation>Can&apos;t save the settings</translation>
     </message>
     <message>
-        <source>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</source>
-        <translation>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</translation>
-    </message>
-    <message>
         <source>Some values of a profile could not be read. The defaults are used for them; the file is kept as %1</source>
         <translation>Some values of a profile could not be read. The defaults are used for them; the file is kept as %1</translation>
     </message>
@@ -543,6 +567,38 @@
     <message>
         <source>Share it anyway</source>
         <translation>Share it anyway</translation>
+    </message>
+    <message>
+        <source>A profile can&apos;t be read: its password and users are gone, and nothing is served with it until you have looked at its settings and saved them. If you changed the file on purpose, delete %1 and start again. Saving keeps the file as %2</source>
+        <translation>A profile can&apos;t be read: its password and users are gone, and nothing is served with it until you have looked at its settings and saved them. If you changed the file on purpose, delete %1 and start again. Saving keeps the file as %2</translation>
+    </message>
+    <message>
+        <source>%1 asked for a login when it ran last, with the profile &quot;%2&quot;. With &quot;%3&quot; everyone may come in.</source>
+        <translation>%1 asked for a login when it ran last, with the profile &quot;%2&quot;. With &quot;%3&quot; everyone may come in.</translation>
+    </message>
+    <message>
+        <source>Use &quot;%1&quot;</source>
+        <translation>Use &quot;%1&quot;</translation>
+    </message>
+    <message>
+        <source>Start without a login</source>
+        <translation>Start without a login</translation>
+    </message>
+    <message>
+        <source>The traffic limit is reached. Begin a new count?</source>
+        <translation>The traffic limit is reached. Begin a new count?</translation>
+    </message>
+    <message>
+        <source>The server does not start without its key and certificate.</source>
+        <translation>The server does not start without its key and certificate.</translation>
+    </message>
+    <message>
+        <source>Make a new key</source>
+        <translation>Make a new key</translation>
+    </message>
+    <message>
+        <source>Files are being transferred; stopping cuts them off.</source>
+        <translation>Files are being transferred; stopping cuts them off.</translation>
     </message>
 </context>
 <context>
@@ -623,6 +679,10 @@
         <source>Style in use: %1</source>
         <translation>Style in use: %1</translation>
     </message>
+    <message>
+        <source>As the desktop</source>
+        <translation>As the desktop</translation>
+    </message>
 </context>
 <context>
     <name>PasswordField</name>
@@ -677,6 +737,10 @@
         <source>Used config profile is not removable.</source>
         <translation>Used config profile is not removable.</translation>
     </message>
+    <message>
+        <source>Remove the profile &quot;%1&quot; and its users?</source>
+        <translation>Remove the profile &quot;%1&quot; and its users?</translation>
+    </message>
 </context>
 <context>
     <name>Reachability</name>
@@ -728,19 +792,47 @@
         <translation>This is neither a file nor a folder: %1</translation>
     </message>
     <message>
-        <source>This can't be read: %1</source>
-        <translation>This can't be read: %1</translation>
+        <source>This can&apos;t be read: %1</source>
+        <translation>This can&apos;t be read: %1</translation>
     </message>
 </context>
 <context>
     <name>ServerRows</name>
     <message>
-        <source>The network address is gone, the server stopped</source>
-        <translation>The network address is gone, the server stopped</translation>
-    </message>
-    <message>
         <source>Invalid port</source>
         <translation>Invalid port</translation>
+    </message>
+    <message>
+        <source>What was shared at which address could not be read; the rows begin anew, and none starts by itself. The file is kept as %1</source>
+        <translation>What was shared at which address could not be read; the rows begin anew, and none starts by itself. The file is kept as %1</translation>
+    </message>
+    <message>
+        <source>The network address is gone, the server waits for it: %1</source>
+        <translation>The network address is gone, the server waits for it: %1</translation>
+    </message>
+    <message>
+        <source>Press Start to serve at %1</source>
+        <translation>Press Start to serve at %1</translation>
+    </message>
+    <message>
+        <source>Can&apos;t save the settings</source>
+        <translation>Can&apos;t save the settings</translation>
+    </message>
+    <message>
+        <source>A port is a number from 1 to 65535.</source>
+        <translation>A port is a number from 1 to 65535.</translation>
+    </message>
+    <message>
+        <source>Another row has the port %1 already.</source>
+        <translation>Another row has the port %1 already.</translation>
+    </message>
+    <message>
+        <source>There is no address to serve at</source>
+        <translation>There is no address to serve at</translation>
+    </message>
+    <message>
+        <source>Connect to a network first.</source>
+        <translation>Connect to a network first.</translation>
     </message>
 </context>
 <context>
@@ -825,6 +917,10 @@
         <source>Password</source>
         <translation>Password</translation>
     </message>
+    <message>
+        <source>A user needs a password.</source>
+        <translation>A user needs a password.</translation>
+    </message>
 </context>
 <context>
     <name>WebServer</name>
@@ -874,6 +970,25 @@
     <message>
         <source>&lt;center&gt;Public addresses: %1:%2&lt;/center&gt;</source>
         <translation>&lt;center&gt;Public addresses: %1:%2&lt;/center&gt;</translation>
+    </message>
+</context>
+<context>
+    <name>KeyMaker</name>
+    <message>
+        <source>The program &quot;openssl&quot; is needed to make a key.</source>
+        <translation>The program &quot;openssl&quot; is needed to make a key.</translation>
+    </message>
+    <message>
+        <source>Can&apos;t write to the folder: </source>
+        <translation>Can&apos;t write to the folder: </translation>
+    </message>
+    <message>
+        <source>Fingerprint (SHA-256): %1</source>
+        <translation>Fingerprint (SHA-256): %1</translation>
+    </message>
+    <message>
+        <source>Names: %1</source>
+        <translation>Names: %1</translation>
     </message>
 </context>
 </TS>

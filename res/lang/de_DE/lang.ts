@@ -51,6 +51,10 @@
         <source>Port</source>
         <translation>Port</translation>
     </message>
+    <message>
+        <source>Do you want to remove it?</source>
+        <translation>Wollen Sie ihn entfernen?</translation>
+    </message>
 </context>
 <context>
     <name>AddressTable</name>
@@ -119,6 +123,14 @@
     <message>
         <source>The settings stay in use until the program ends.</source>
         <translation>Die Einstellungen gelten bis zum Ende des Programms.</translation>
+    </message>
+    <message>
+        <source>There are changes that were not applied.</source>
+        <translation>Es gibt Änderungen, die nicht angewendet wurden.</translation>
+    </message>
+    <message>
+        <source>&amp;Discard</source>
+        <translation>&amp;Verwerfen</translation>
     </message>
 </context>
 <context>
@@ -306,6 +318,22 @@
     <message>
         <source>All programs are answered by the standards.</source>
         <translation>Alle Programme bekommen Antworten nach den Standards.</translation>
+    </message>
+    <message>
+        <source>Certificate</source>
+        <translation>Zertifikat</translation>
+    </message>
+    <message>
+        <source>Make new key...</source>
+        <translation>Neuen Schlüssel erzeugen...</translation>
+    </message>
+    <message>
+        <source>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more. Make them?</source>
+        <translation>Für diesen Computer werden ein neuer Schlüssel und ein neues Zertifikat erzeugt; die bisherigen bleiben, wo sie sind. Browser warnen dann noch einmal. Erzeugen?</translation>
+    </message>
+    <message>
+        <source>There is no certificate yet.</source>
+        <translation>Es gibt noch kein Zertifikat.</translation>
     </message>
 </context>
 <context>
@@ -513,10 +541,6 @@
         <translation>Die Einstellungen können nicht gespeichert werden</translation>
     </message>
     <message>
-        <source>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</source>
-        <translation>Ein Profil ist beschädigt oder nicht lesbar. Es wird erst benutzt, wenn seine Einstellungen gespeichert sind; die Datei bleibt dann erhalten als %1</translation>
-    </message>
-    <message>
         <source>Some values of a profile could not be read. The defaults are used for them; the file is kept as %1</source>
         <translation>Einige Werte eines Profils sind nicht lesbar. Für sie gelten die Vorgaben; die Datei bleibt erhalten als %1</translation>
     </message>
@@ -543,6 +567,38 @@
     <message>
         <source>Share it anyway</source>
         <translation>Trotzdem freigeben</translation>
+    </message>
+    <message>
+        <source>A profile can&apos;t be read: its password and users are gone, and nothing is served with it until you have looked at its settings and saved them. If you changed the file on purpose, delete %1 and start again. Saving keeps the file as %2</source>
+        <translation>Ein Profil ist nicht lesbar: sein Passwort und seine Benutzer sind verloren, und es wird nichts damit bereitgestellt, bis Sie seine Einstellungen angesehen und gespeichert haben. Wenn Sie die Datei absichtlich geändert haben, löschen Sie %1 und starten Sie neu. Beim Speichern bleibt die Datei erhalten als %2</translation>
+    </message>
+    <message>
+        <source>%1 asked for a login when it ran last, with the profile &quot;%2&quot;. With &quot;%3&quot; everyone may come in.</source>
+        <translation>%1 verlangte zuletzt eine Anmeldung, mit dem Profil „%2“. Mit „%3“ darf jeder herein.</translation>
+    </message>
+    <message>
+        <source>Use &quot;%1&quot;</source>
+        <translation>„%1“ verwenden</translation>
+    </message>
+    <message>
+        <source>Start without a login</source>
+        <translation>Ohne Anmeldung starten</translation>
+    </message>
+    <message>
+        <source>The traffic limit is reached. Begin a new count?</source>
+        <translation>Die Datengrenze ist erreicht. Neu zu zählen beginnen?</translation>
+    </message>
+    <message>
+        <source>The server does not start without its key and certificate.</source>
+        <translation>Der Server startet nicht ohne seinen Schlüssel und sein Zertifikat.</translation>
+    </message>
+    <message>
+        <source>Make a new key</source>
+        <translation>Neuen Schlüssel erzeugen</translation>
+    </message>
+    <message>
+        <source>Files are being transferred; stopping cuts them off.</source>
+        <translation>Es werden gerade Dateien übertragen; das Anhalten bricht sie ab.</translation>
     </message>
 </context>
 <context>
@@ -623,6 +679,10 @@
         <source>Style in use: %1</source>
         <translation>Verwendeter Stil: %1</translation>
     </message>
+    <message>
+        <source>As the desktop</source>
+        <translation>Wie der Desktop</translation>
+    </message>
 </context>
 <context>
     <name>PasswordField</name>
@@ -677,6 +737,10 @@
         <source>Used config profile is not removable.</source>
         <translation>Ein verwendetes Profil lässt sich nicht entfernen.</translation>
     </message>
+    <message>
+        <source>Remove the profile &quot;%1&quot; and its users?</source>
+        <translation>Das Profil „%1“ und seine Benutzer entfernen?</translation>
+    </message>
 </context>
 <context>
     <name>Reachability</name>
@@ -728,19 +792,47 @@
         <translation>Das ist weder eine Datei noch ein Ordner: %1</translation>
     </message>
     <message>
-        <source>This can't be read: %1</source>
+        <source>This can&apos;t be read: %1</source>
         <translation>Das kann nicht gelesen werden: %1</translation>
     </message>
 </context>
 <context>
     <name>ServerRows</name>
     <message>
-        <source>The network address is gone, the server stopped</source>
-        <translation>Die Netzadresse ist nicht mehr da, der Server wurde gestoppt</translation>
-    </message>
-    <message>
         <source>Invalid port</source>
         <translation>Ungültiger Port</translation>
+    </message>
+    <message>
+        <source>What was shared at which address could not be read; the rows begin anew, and none starts by itself. The file is kept as %1</source>
+        <translation>Was unter welcher Adresse freigegeben war, ließ sich nicht lesen; die Zeilen beginnen neu, und keine startet von selbst. Die Datei bleibt erhalten als %1</translation>
+    </message>
+    <message>
+        <source>The network address is gone, the server waits for it: %1</source>
+        <translation>Die Netzadresse ist weg, der Server wartet auf sie: %1</translation>
+    </message>
+    <message>
+        <source>Press Start to serve at %1</source>
+        <translation>Drücken Sie Start für %1</translation>
+    </message>
+    <message>
+        <source>Can&apos;t save the settings</source>
+        <translation>Die Einstellungen lassen sich nicht speichern</translation>
+    </message>
+    <message>
+        <source>A port is a number from 1 to 65535.</source>
+        <translation>Ein Port ist eine Zahl von 1 bis 65535.</translation>
+    </message>
+    <message>
+        <source>Another row has the port %1 already.</source>
+        <translation>Eine andere Zeile hat den Port %1 schon.</translation>
+    </message>
+    <message>
+        <source>There is no address to serve at</source>
+        <translation>Es gibt keine Adresse, unter der etwas bereitgestellt werden kann</translation>
+    </message>
+    <message>
+        <source>Connect to a network first.</source>
+        <translation>Verbinden Sie sich zuerst mit einem Netz.</translation>
     </message>
 </context>
 <context>
@@ -825,6 +917,10 @@
         <source>Password</source>
         <translation>Passwort</translation>
     </message>
+    <message>
+        <source>A user needs a password.</source>
+        <translation>Ein Benutzer braucht ein Passwort.</translation>
+    </message>
 </context>
 <context>
     <name>WebServer</name>
@@ -874,6 +970,25 @@
     <message>
         <source>&lt;center&gt;Public addresses: %1:%2&lt;/center&gt;</source>
         <translation>&lt;center&gt;Öffentliche Adressen: %1:%2&lt;/center&gt;</translation>
+    </message>
+</context>
+<context>
+    <name>KeyMaker</name>
+    <message>
+        <source>The program &quot;openssl&quot; is needed to make a key.</source>
+        <translation>Um einen Schlüssel zu erzeugen, wird das Programm „openssl“ gebraucht.</translation>
+    </message>
+    <message>
+        <source>Can&apos;t write to the folder: </source>
+        <translation>In den Ordner kann nicht geschrieben werden: </translation>
+    </message>
+    <message>
+        <source>Fingerprint (SHA-256): %1</source>
+        <translation>Fingerabdruck (SHA-256): %1</translation>
+    </message>
+    <message>
+        <source>Names: %1</source>
+        <translation>Namen: %1</translation>
     </message>
 </context>
 </TS>

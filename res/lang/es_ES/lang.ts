@@ -51,6 +51,10 @@
         <source>Port</source>
         <translation>Puerto</translation>
     </message>
+    <message>
+        <source>Do you want to remove it?</source>
+        <translation>¿Desea quitarlo?</translation>
+    </message>
 </context>
 <context>
     <name>AddressTable</name>
@@ -119,6 +123,14 @@
     <message>
         <source>The settings stay in use until the program ends.</source>
         <translation>Los ajustes valen hasta que termine el programa.</translation>
+    </message>
+    <message>
+        <source>There are changes that were not applied.</source>
+        <translation>Hay cambios que no se han aplicado.</translation>
+    </message>
+    <message>
+        <source>&amp;Discard</source>
+        <translation>&amp;Descartar</translation>
     </message>
 </context>
 <context>
@@ -306,6 +318,22 @@
     <message>
         <source>All programs are answered by the standards.</source>
         <translation>Todos los programas reciben respuestas según los estándares.</translation>
+    </message>
+    <message>
+        <source>Certificate</source>
+        <translation>Certificado</translation>
+    </message>
+    <message>
+        <source>Make new key...</source>
+        <translation>Crear una clave nueva...</translation>
+    </message>
+    <message>
+        <source>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more. Make them?</source>
+        <translation>Se crean una clave y un certificado nuevos para este ordenador; los actuales se quedan donde están. Los navegadores avisarán otra vez. ¿Crearlos?</translation>
+    </message>
+    <message>
+        <source>There is no certificate yet.</source>
+        <translation>Todavía no hay ningún certificado.</translation>
     </message>
 </context>
 <context>
@@ -513,10 +541,6 @@
         <translation>No se pueden guardar los ajustes</translation>
     </message>
     <message>
-        <source>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</source>
-        <translation>Un perfil está dañado o no se puede leer. No se usará hasta que se guarden sus ajustes; el archivo se conserva entonces como %1</translation>
-    </message>
-    <message>
         <source>Some values of a profile could not be read. The defaults are used for them; the file is kept as %1</source>
         <translation>Algunos valores de un perfil no se pueden leer. Se usan los predeterminados; el archivo se conserva como %1</translation>
     </message>
@@ -543,6 +567,38 @@
     <message>
         <source>Share it anyway</source>
         <translation>Compartir de todos modos</translation>
+    </message>
+    <message>
+        <source>A profile can&apos;t be read: its password and users are gone, and nothing is served with it until you have looked at its settings and saved them. If you changed the file on purpose, delete %1 and start again. Saving keeps the file as %2</source>
+        <translation>Un perfil no se puede leer: su contraseña y sus usuarios se han perdido, y no se sirve nada con él hasta que haya revisado y guardado su configuración. Si cambió el archivo a propósito, borre %1 y vuelva a empezar. Al guardar, el archivo se conserva como %2</translation>
+    </message>
+    <message>
+        <source>%1 asked for a login when it ran last, with the profile &quot;%2&quot;. With &quot;%3&quot; everyone may come in.</source>
+        <translation>%1 pedía identificarse la última vez, con el perfil «%2». Con «%3» puede entrar cualquiera.</translation>
+    </message>
+    <message>
+        <source>Use &quot;%1&quot;</source>
+        <translation>Usar «%1»</translation>
+    </message>
+    <message>
+        <source>Start without a login</source>
+        <translation>Iniciar sin identificación</translation>
+    </message>
+    <message>
+        <source>The traffic limit is reached. Begin a new count?</source>
+        <translation>Se ha alcanzado el límite de tráfico. ¿Empezar una nueva cuenta?</translation>
+    </message>
+    <message>
+        <source>The server does not start without its key and certificate.</source>
+        <translation>El servidor no se inicia sin su clave y su certificado.</translation>
+    </message>
+    <message>
+        <source>Make a new key</source>
+        <translation>Crear una clave nueva</translation>
+    </message>
+    <message>
+        <source>Files are being transferred; stopping cuts them off.</source>
+        <translation>Se están transfiriendo archivos; al detener se cortan.</translation>
     </message>
 </context>
 <context>
@@ -623,6 +679,10 @@
         <source>Style in use: %1</source>
         <translation>Estilo en uso: %1</translation>
     </message>
+    <message>
+        <source>As the desktop</source>
+        <translation>Como el escritorio</translation>
+    </message>
 </context>
 <context>
     <name>PasswordField</name>
@@ -677,6 +737,10 @@
         <source>Used config profile is not removable.</source>
         <translation>Un perfil en uso no se puede quitar.</translation>
     </message>
+    <message>
+        <source>Remove the profile &quot;%1&quot; and its users?</source>
+        <translation>¿Quitar el perfil «%1» y sus usuarios?</translation>
+    </message>
 </context>
 <context>
     <name>Reachability</name>
@@ -728,19 +792,47 @@
         <translation>Esto no es ni un archivo ni una carpeta: %1</translation>
     </message>
     <message>
-        <source>This can't be read: %1</source>
+        <source>This can&apos;t be read: %1</source>
         <translation>Esto no se puede leer: %1</translation>
     </message>
 </context>
 <context>
     <name>ServerRows</name>
     <message>
-        <source>The network address is gone, the server stopped</source>
-        <translation>La dirección de red ha desaparecido, el servidor se ha detenido</translation>
-    </message>
-    <message>
         <source>Invalid port</source>
         <translation>Puerto no válido</translation>
+    </message>
+    <message>
+        <source>What was shared at which address could not be read; the rows begin anew, and none starts by itself. The file is kept as %1</source>
+        <translation>No se pudo leer qué se compartía en cada dirección; las filas empiezan de nuevo y ninguna se inicia sola. El archivo se conserva como %1</translation>
+    </message>
+    <message>
+        <source>The network address is gone, the server waits for it: %1</source>
+        <translation>La dirección de red ha desaparecido, el servidor la espera: %1</translation>
+    </message>
+    <message>
+        <source>Press Start to serve at %1</source>
+        <translation>Pulse Iniciar para servir en %1</translation>
+    </message>
+    <message>
+        <source>Can&apos;t save the settings</source>
+        <translation>No se pueden guardar los ajustes</translation>
+    </message>
+    <message>
+        <source>A port is a number from 1 to 65535.</source>
+        <translation>Un puerto es un número del 1 al 65535.</translation>
+    </message>
+    <message>
+        <source>Another row has the port %1 already.</source>
+        <translation>Otra fila ya tiene el puerto %1.</translation>
+    </message>
+    <message>
+        <source>There is no address to serve at</source>
+        <translation>No hay ninguna dirección en la que servir</translation>
+    </message>
+    <message>
+        <source>Connect to a network first.</source>
+        <translation>Conéctese primero a una red.</translation>
     </message>
 </context>
 <context>
@@ -825,6 +917,10 @@
         <source>Password</source>
         <translation>Contraseña</translation>
     </message>
+    <message>
+        <source>A user needs a password.</source>
+        <translation>Un usuario necesita una contraseña.</translation>
+    </message>
 </context>
 <context>
     <name>WebServer</name>
@@ -874,6 +970,25 @@
     <message>
         <source>&lt;center&gt;Public addresses: %1:%2&lt;/center&gt;</source>
         <translation>&lt;center&gt;Direcciones públicas: %1:%2&lt;/center&gt;</translation>
+    </message>
+</context>
+<context>
+    <name>KeyMaker</name>
+    <message>
+        <source>The program &quot;openssl&quot; is needed to make a key.</source>
+        <translation>Para crear una clave hace falta el programa «openssl».</translation>
+    </message>
+    <message>
+        <source>Can&apos;t write to the folder: </source>
+        <translation>No se puede escribir en la carpeta: </translation>
+    </message>
+    <message>
+        <source>Fingerprint (SHA-256): %1</source>
+        <translation>Huella (SHA-256): %1</translation>
+    </message>
+    <message>
+        <source>Names: %1</source>
+        <translation>Nombres: %1</translation>
     </message>
 </context>
 </TS>

@@ -51,6 +51,10 @@
         <source>Port</source>
         <translation>Port</translation>
     </message>
+    <message>
+        <source>Do you want to remove it?</source>
+        <translation>Voulez-vous le retirer ?</translation>
+    </message>
 </context>
 <context>
     <name>AddressTable</name>
@@ -119,6 +123,14 @@
     <message>
         <source>The settings stay in use until the program ends.</source>
         <translation>Les paramètres restent valables jusqu’à la fin du programme.</translation>
+    </message>
+    <message>
+        <source>There are changes that were not applied.</source>
+        <translation>Des modifications n’ont pas été appliquées.</translation>
+    </message>
+    <message>
+        <source>&amp;Discard</source>
+        <translation>A&amp;bandonner</translation>
     </message>
 </context>
 <context>
@@ -306,6 +318,22 @@
     <message>
         <source>All programs are answered by the standards.</source>
         <translation>Tous les programmes reçoivent des réponses conformes aux standards.</translation>
+    </message>
+    <message>
+        <source>Certificate</source>
+        <translation>Certificat</translation>
+    </message>
+    <message>
+        <source>Make new key...</source>
+        <translation>Créer une nouvelle clé...</translation>
+    </message>
+    <message>
+        <source>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more. Make them?</source>
+        <translation>Une nouvelle clé et un nouveau certificat sont créés pour cet ordinateur ; les anciens restent où ils sont. Les navigateurs avertiront encore une fois. Les créer ?</translation>
+    </message>
+    <message>
+        <source>There is no certificate yet.</source>
+        <translation>Il n’y a pas encore de certificat.</translation>
     </message>
 </context>
 <context>
@@ -513,10 +541,6 @@
         <translation>Impossible d’enregistrer les paramètres</translation>
     </message>
     <message>
-        <source>A profile is damaged or can&apos;t be read. It isn&apos;t used until its settings are saved; the file is kept then as %1</source>
-        <translation>Un profil est endommagé ou illisible. Il ne servira pas tant que ses réglages ne sont pas enregistrés&#xa0;; le fichier est alors conservé sous %1</translation>
-    </message>
-    <message>
         <source>Some values of a profile could not be read. The defaults are used for them; the file is kept as %1</source>
         <translation>Certaines valeurs d’un profil sont illisibles. Les valeurs par défaut les remplacent ; le fichier est conservé sous %1</translation>
     </message>
@@ -543,6 +567,38 @@
     <message>
         <source>Share it anyway</source>
         <translation>Partager quand même</translation>
+    </message>
+    <message>
+        <source>A profile can&apos;t be read: its password and users are gone, and nothing is served with it until you have looked at its settings and saved them. If you changed the file on purpose, delete %1 and start again. Saving keeps the file as %2</source>
+        <translation>Un profil est illisible : son mot de passe et ses utilisateurs sont perdus, et rien n’est servi avec lui tant que vous n’avez pas vérifié et enregistré ses réglages. Si vous avez modifié le fichier exprès, supprimez %1 et redémarrez. À l’enregistrement, le fichier est conservé sous le nom %2</translation>
+    </message>
+    <message>
+        <source>%1 asked for a login when it ran last, with the profile &quot;%2&quot;. With &quot;%3&quot; everyone may come in.</source>
+        <translation>%1 demandait une connexion la dernière fois, avec le profil « %2 ». Avec « %3 », tout le monde peut entrer.</translation>
+    </message>
+    <message>
+        <source>Use &quot;%1&quot;</source>
+        <translation>Utiliser « %1 »</translation>
+    </message>
+    <message>
+        <source>Start without a login</source>
+        <translation>Démarrer sans connexion</translation>
+    </message>
+    <message>
+        <source>The traffic limit is reached. Begin a new count?</source>
+        <translation>La limite de trafic est atteinte. Recommencer le compte ?</translation>
+    </message>
+    <message>
+        <source>The server does not start without its key and certificate.</source>
+        <translation>Le serveur ne démarre pas sans sa clé et son certificat.</translation>
+    </message>
+    <message>
+        <source>Make a new key</source>
+        <translation>Créer une nouvelle clé</translation>
+    </message>
+    <message>
+        <source>Files are being transferred; stopping cuts them off.</source>
+        <translation>Des fichiers sont en cours de transfert ; l’arrêt les interrompt.</translation>
     </message>
 </context>
 <context>
@@ -623,6 +679,10 @@
         <source>Style in use: %1</source>
         <translation>Style utilisé&#xa0;: %1</translation>
     </message>
+    <message>
+        <source>As the desktop</source>
+        <translation>Comme le bureau</translation>
+    </message>
 </context>
 <context>
     <name>PasswordField</name>
@@ -677,6 +737,10 @@
         <source>Used config profile is not removable.</source>
         <translation>Un profil utilisé ne peut pas être retiré.</translation>
     </message>
+    <message>
+        <source>Remove the profile &quot;%1&quot; and its users?</source>
+        <translation>Supprimer le profil « %1 » et ses utilisateurs ?</translation>
+    </message>
 </context>
 <context>
     <name>Reachability</name>
@@ -728,19 +792,47 @@
         <translation>Ceci n’est ni un fichier ni un dossier : %1</translation>
     </message>
     <message>
-        <source>This can't be read: %1</source>
+        <source>This can&apos;t be read: %1</source>
         <translation>Ceci est illisible : %1</translation>
     </message>
 </context>
 <context>
     <name>ServerRows</name>
     <message>
-        <source>The network address is gone, the server stopped</source>
-        <translation>L’adresse réseau a disparu, le serveur s’est arrêté</translation>
-    </message>
-    <message>
         <source>Invalid port</source>
         <translation>Port non valide</translation>
+    </message>
+    <message>
+        <source>What was shared at which address could not be read; the rows begin anew, and none starts by itself. The file is kept as %1</source>
+        <translation>Ce qui était partagé à chaque adresse est illisible ; les lignes repartent de zéro et aucune ne démarre seule. Le fichier est conservé sous le nom %1</translation>
+    </message>
+    <message>
+        <source>The network address is gone, the server waits for it: %1</source>
+        <translation>L’adresse réseau a disparu, le serveur l’attend : %1</translation>
+    </message>
+    <message>
+        <source>Press Start to serve at %1</source>
+        <translation>Appuyez sur Démarrer pour servir sur %1</translation>
+    </message>
+    <message>
+        <source>Can&apos;t save the settings</source>
+        <translation>Impossible d’enregistrer les réglages</translation>
+    </message>
+    <message>
+        <source>A port is a number from 1 to 65535.</source>
+        <translation>Un port est un nombre de 1 à 65535.</translation>
+    </message>
+    <message>
+        <source>Another row has the port %1 already.</source>
+        <translation>Une autre ligne a déjà le port %1.</translation>
+    </message>
+    <message>
+        <source>There is no address to serve at</source>
+        <translation>Il n’y a aucune adresse où servir</translation>
+    </message>
+    <message>
+        <source>Connect to a network first.</source>
+        <translation>Connectez-vous d’abord à un réseau.</translation>
     </message>
 </context>
 <context>
@@ -825,6 +917,10 @@
         <source>Password</source>
         <translation>Mot de passe</translation>
     </message>
+    <message>
+        <source>A user needs a password.</source>
+        <translation>Un utilisateur a besoin d’un mot de passe.</translation>
+    </message>
 </context>
 <context>
     <name>WebServer</name>
@@ -874,6 +970,25 @@
     <message>
         <source>&lt;center&gt;Public addresses: %1:%2&lt;/center&gt;</source>
         <translation>&lt;center&gt;Adresses publiques&#xa0;: %1:%2&lt;/center&gt;</translation>
+    </message>
+</context>
+<context>
+    <name>KeyMaker</name>
+    <message>
+        <source>The program &quot;openssl&quot; is needed to make a key.</source>
+        <translation>Il faut le programme « openssl » pour créer une clé.</translation>
+    </message>
+    <message>
+        <source>Can&apos;t write to the folder: </source>
+        <translation>Impossible d’écrire dans le dossier : </translation>
+    </message>
+    <message>
+        <source>Fingerprint (SHA-256): %1</source>
+        <translation>Empreinte (SHA-256) : %1</translation>
+    </message>
+    <message>
+        <source>Names: %1</source>
+        <translation>Noms : %1</translation>
     </message>
 </context>
 </TS>

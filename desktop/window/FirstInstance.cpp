@@ -1,0 +1,85 @@
+#include "desktop/window/FirstInstance.h"
+
+#include <QDeadlineTimer>
+#include <QFile>
+#include <QLocalSocket>
+#include <QThread>
+
+#include <chrono>
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+// Between two programs of one user: the caller sends a path in UTF-8 and a line feed, and the
+// window sends the line feed back.
+constexpr char endOfPath = '\n';
+constexpr int longestPath = 64 * 1024; ///< bytes
+constexpr auto patience = 2000ms;
+constexpr unsigned long pause = 50; ///< milliseconds
+
+} // namespace
+
+FirstInstance::FirstInstance(const QString &folder)
+    : name(folder + QLatin1String("window.socket"))
+    , lock(::open(QFile::encodeName(folder + QLatin1String("window.lock")).constData(),
+                  O_RDWR | O_CREAT | O_CLOEXEC, S_IRUSR | S_IWUSR))
+{
+    server.setSocketOptions(QLocalServer::UserAccessOption);
+    connect(&server, &QLocalServer::newConnection, this, [this] {
+        while (QLocalSocket *caller = server.nextPendingConnection())
+            connect(caller, &QLocalSocket::readyRead, this, [this, caller] { answer(caller); });
+    });
+}
+
+bool FirstInstance::handOver(const QString &path)
+{
+    if (!lock.isOpen())
+        return false;
+    if (::flock(lock.get(), LOCK_EX | LOCK_NB) == 0) {
+        listen();
+        return false;
+    }
+    // It may have begun at the same time, and not be listening yet.
+    const QByteArray line = path.toUtf8() + endOfPath;
+    for (QDeadlineTimer wait(patience); !wait.hasExpired(); QThread::msleep(pause)) {
+        if (tell(line))
+            return true;
+    }
+    return false;
+}
+
+bool FirstInstance::tell(const QByteArray &line) const
+{
+    QLocalSocket window;
+    window.connectToServer(name);
+    if (!window.waitForConnected(int(patience.count())))
+        return false;
+    window.write(line);
+    return window.waitForReadyRead(int(patience.count()))
+        && window.read(1) == QByteArray(1, endOfPath);
+}
+
+void FirstInstance::listen()
+{
+    // What is there was left by a window that crashed.
+    QLocalServer::removeServer(name);
+    server.listen(name);
+}
+
+void FirstInstance::answer(QLocalSocket *caller)
+{
+    if (!caller->canReadLine()) {
+        if (caller->bytesAvailable() > longestPath)
+            caller->abort();
+        return;
+    }
+    const QByteArray path = caller->readLine().chopped(1);
+    caller->write(QByteArray(1, endOfPath));
+    connect(caller, &QLocalSocket::disconnected, caller, &QObject::deleteLater);
+    caller->disconnectFromServer();
+    Q_EMIT called(QString::fromUtf8(path));
+}
