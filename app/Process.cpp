@@ -90,10 +90,11 @@ EndSignals::EndSignals()
     action.sa_handler = tellOnce;
     action.sa_flags = SA_RESTART;
     for (const int number : endSignals) {
-        struct sigaction present = {};
-        sigaction(number, nullptr, &present);
-        if (present.sa_handler != SIG_IGN)
-            sigaction(number, &action, nullptr);
+        struct sigaction before = {};
+        sigaction(number, &action, &before);
+        // A shell ignores interrupts for what it starts in the background; that is no wish.
+        if (number == SIGHUP && before.sa_handler == SIG_IGN)
+            sigaction(number, &before, nullptr);
     }
 }
 

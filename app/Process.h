@@ -18,8 +18,8 @@ QString previewProgram();
 /// Where previews are kept while a program runs.
 QString previewFolder();
 
-/// Turns SIGINT, SIGTERM and SIGHUP into an orderly end; one that the program is to ignore stays
-/// ignored. One for the process.
+/// Turns SIGINT, SIGTERM and SIGHUP into an orderly end; a SIGHUP that is to be ignored, as under
+/// nohup, stays so. One for the process.
 class EndSignals
 {
 public:

@@ -132,6 +132,7 @@ QString certificateFacts(const QString &file)
     QStringList names = certificate.subjectInfo(QSslCertificate::CommonName);
     names += certificate.subjectAlternativeNames().values();
     names.removeDuplicates();
-    return KeyMaker::tr("Fingerprint (SHA-256): %1").arg(rows.join(QLatin1String(" ")))
+    return KeyMaker::tr("Fingerprint (SHA-256): %1")
+               .arg(QLatin1Char('\n') + rows.join(QLatin1Char('\n')))
         + QLatin1Char('\n') + KeyMaker::tr("Names: %1").arg(names.join(QLatin1String(", ")));
 }
