@@ -40,10 +40,6 @@
         <translation>The server is running.</translation>
     </message>
     <message>
-        <source>Invalid port</source>
-        <translation>Invalid port</translation>
-    </message>
-    <message>
         <source>New port</source>
         <translation>New port</translation>
     </message>

@@ -40,10 +40,6 @@
         <translation>Der Server läuft.</translation>
     </message>
     <message>
-        <source>Invalid port</source>
-        <translation>Ungültiger Port</translation>
-    </message>
-    <message>
         <source>New port</source>
         <translation>Neuer Port</translation>
     </message>

@@ -40,10 +40,6 @@
         <translation>El servidor está en marcha.</translation>
     </message>
     <message>
-        <source>Invalid port</source>
-        <translation>Puerto no válido</translation>
-    </message>
-    <message>
         <source>New port</source>
         <translation>Puerto nuevo</translation>
     </message>

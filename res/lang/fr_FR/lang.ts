@@ -40,10 +40,6 @@
         <translation>Le serveur est en marche.</translation>
     </message>
     <message>
-        <source>Invalid port</source>
-        <translation>Port non valide</translation>
-    </message>
-    <message>
         <source>New port</source>
         <translation>Nouveau port</translation>
     </message>
