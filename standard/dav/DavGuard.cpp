@@ -131,6 +131,8 @@ std::optional<Refusal> DavGuard::refusal(const Exchange &exchange,
             return Refusal{ Status::PreconditionFailed };
         header = *parsed;
     }
+    if (changes.empty())
+        return std::nullopt;
     const QByteArray visitor = visitorOf(exchange);
     const ForeignLocks others(table, exchange.share().get(), header, visitor);
     for (const Change &change : changes) {

@@ -5,6 +5,8 @@
 #include "standard/http/Request.h"
 
 #include <algorithm>
+#include <array>
+#include <charconv>
 #include <optional>
 #include <vector>
 
@@ -120,11 +122,22 @@ bool isNews(const Request &request, const Validators &current)
         || changedSince(request, "If-Modified-Since", current).value_or(true);
 }
 
-/// A time of a file system, wide enough for any.
-QByteArray timeText(qint64 seconds, qint32 beyond)
+/// The words of a tag, each a number.
+class TagText
 {
-    return QByteArray::number(seconds, 16) + '.' + QByteArray::number(beyond, 16);
-}
+public:
+    void add(quint64 number, char behind)
+    {
+        at = std::to_chars(at, text.data() + text.size(), number, 16).ptr;
+        *at++ = behind;
+    }
+
+    QByteArray toByteArray() const { return { text.data(), int(at - text.data()) }; }
+
+private:
+    std::array<char, 128> text{ '"' };
+    char *at = text.data() + 1;
+};
 
 } // namespace
 
@@ -135,9 +148,14 @@ Validators Validators::of(const EntryFacts &facts)
 
 QByteArray entityTag(const EntryFacts &facts)
 {
-    return '"' + QByteArray::number(qulonglong(facts.inode), 16) + '-'
-        + QByteArray::number(facts.size, 16) + '-' + timeText(facts.seconds, facts.nanoseconds)
-        + '-' + timeText(facts.changeSeconds, facts.changeNanoseconds) + '"';
+    TagText text;
+    text.add(facts.inode, '-');
+    text.add(quint64(facts.size), '-');
+    text.add(quint64(facts.seconds), '.');
+    text.add(quint64(facts.nanoseconds), '-');
+    text.add(quint64(facts.changeSeconds), '.');
+    text.add(quint64(facts.changeNanoseconds), '"');
+    return text.toByteArray();
 }
 
 Verdict judge(const Request &request, const Validators &current)
@@ -157,6 +175,13 @@ bool rangeApplies(const Request &request, const Validators &current)
     if (value->startsWith('"') || value->startsWith("W/"))
         return *value == current.tag;
     return parseHttpDate(*value) == current.modified;
+}
+
+bool hasConditions(const Request &request)
+{
+    return std::any_of(request.fields.begin(), request.fields.end(), [](const Field &field) {
+        return qstrnicmp(field.name.constData(), "If-", 3) == 0;
+    });
 }
 
 bool isConditional(const Request &request)

@@ -27,6 +27,7 @@ enum class Verdict { Proceed, NotModified, Failed };
 
 /// What the conditions of a request say of the resource it is about, in the order of RFC 9110,
 /// section 13.2.2. An If-None-Match that is none, as some programs send it, matches nothing.
+bool hasConditions(const Request &request); ///< else any verdict is `Proceed`
 Verdict judge(const Request &request, const Validators &current);
 
 /// Whether a Range is to be looked at: there is no If-Range, or it fits.

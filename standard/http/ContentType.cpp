@@ -114,13 +114,15 @@ QByteArray disposition(const QByteArray &fileName, const QByteArray &type)
 {
     const bool isShown = std::any_of(shownTypes.begin(), shownTypes.end(),
                                      [&type](const char *shown) { return type.startsWith(shown); });
+    QByteArray value = isShown ? "inline; filename=\"" : "attachment; filename=\"";
+    if (std::all_of(fileName.begin(), fileName.end(), isPlain))
+        return value + fileName + '"';
     QByteArray plain = fileName;
     std::replace_if(
         plain.begin(), plain.end(), [](char c) { return !isPlain(c); }, '_');
-    QByteArray value = isShown ? "inline" : "attachment";
-    value += "; filename=\"" + plain + '"';
+    value += plain + '"';
     // What isn't UTF-8 can't be told by that name (RFC 8187, section 3.2.3).
-    if (plain != fileName && QString::fromUtf8(fileName).toUtf8() == fileName)
+    if (QString::fromUtf8(fileName).toUtf8() == fileName)
         value += "; filename*=UTF-8''" + fileName.toPercentEncoding(literalInValue);
     return value;
 }

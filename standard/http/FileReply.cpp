@@ -20,8 +20,9 @@ namespace {
 /// What is served is somebody's file, never a part of this program.
 void addProtection(Fields &fields)
 {
-    fields.push_back({ "X-Content-Type-Options", "nosniff" });
-    fields.push_back({ "Content-Security-Policy", "sandbox" });
+    static const Fields protection{ { "X-Content-Type-Options", "nosniff" },
+                                    { "Content-Security-Policy", "sandbox" } };
+    fields.insert(fields.end(), protection.begin(), protection.end());
 }
 
 QByteArray newBoundary()
@@ -54,8 +55,9 @@ void FileReply::sendFile(OpenFile opened)
     if (!meetsConditions(file.facts))
         return;
     const Request &request = exchange.request();
+    static const Field ranges{ "Accept-Ranges", "bytes" };
     Fields fields = validatorFields(file.facts);
-    fields.push_back({ "Accept-Ranges", "bytes" });
+    fields.push_back(ranges);
     addProtection(fields);
     type = contentType(fileName(), file.descriptor.get());
     fields.push_back({ "Content-Disposition", disposition(fileName(), type) });

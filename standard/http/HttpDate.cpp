@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <ctime>
 
 namespace standard {
@@ -16,6 +15,18 @@ constexpr std::array<const char *, 12> months{ "Jan", "Feb", "Mar", "Apr", "May"
                                                "Jul", "Aug", "Sep", "Oct", "Nov", "Dec" };
 constexpr int yearBase = 1900;
 constexpr int newCentury = 70; ///< a year of two digits below it lies after 1999
+
+constexpr int nameSize = 3;
+constexpr qint64 lastSecond = 253402300799; ///< of the year 9999
+constexpr auto pattern = "Ddd, 00 Mmm 0000 00:00:00 GMT";
+constexpr int dateSize = 29;
+
+/// Two digits.
+void putNumber(char *at, int number)
+{
+    at[0] = char('0' + number / 10);
+    at[1] = char('0' + number % 10);
+}
 
 std::optional<int> numberOf(const QByteArray &text, int least, int most)
 {
@@ -67,16 +78,22 @@ std::optional<qint64> secondsOf(const std::optional<int> &day, const std::option
 
 QByteArray httpDate(qint64 secondsSinceEpoch)
 {
-    const auto seconds = std::time_t(secondsSinceEpoch);
+    // No other years have four digits.
+    const auto seconds = std::time_t(std::clamp<qint64>(secondsSinceEpoch, 0, lastSecond));
     std::tm time = {};
-    if (!::gmtime_r(&seconds, &time))
-        return httpDate(0);
-    std::array<char, 64> text;
-    const int size = std::snprintf(text.data(), text.size(), "%s, %02d %s %04d %02d:%02d:%02d GMT",
-                                   days[std::size_t(time.tm_wday)], time.tm_mday,
-                                   months[std::size_t(time.tm_mon)], time.tm_year + yearBase,
-                                   time.tm_hour, time.tm_min, time.tm_sec);
-    return { text.data(), size };
+    ::gmtime_r(&seconds, &time);
+    std::array<char, dateSize> text;
+    std::copy_n(pattern, dateSize, text.data());
+    char *at = text.data();
+    std::copy_n(days[std::size_t(time.tm_wday)], nameSize, at);
+    putNumber(at + 5, time.tm_mday);
+    std::copy_n(months[std::size_t(time.tm_mon)], nameSize, at + 8);
+    putNumber(at + 12, (time.tm_year + yearBase) / 100);
+    putNumber(at + 14, (time.tm_year + yearBase) % 100);
+    putNumber(at + 17, time.tm_hour);
+    putNumber(at + 20, time.tm_min);
+    putNumber(at + 23, time.tm_sec);
+    return { text.data(), dateSize };
 }
 
 std::optional<qint64> parseHttpDate(const QByteArray &text)

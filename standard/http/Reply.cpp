@@ -2,14 +2,20 @@
 
 #include "standard/http/HttpDate.h"
 
+#include <algorithm>
+#include <array>
+#include <cstring>
 #include <ctime>
+#include <iterator>
+#include <string>
+#include <string_view>
 
 namespace standard {
 
 namespace {
 
 constexpr int usualHead = 512; ///< bytes
-constexpr auto product = "Quillon/" QUILLON_VERSION;
+constexpr auto product = "Server: Quillon/" QUILLON_VERSION "\r\n";
 
 /// The time now; made once a second.
 const QByteArray &currentDate()
@@ -24,52 +30,85 @@ const QByteArray &currentDate()
     return date;
 }
 
-/// Nothing in a value ends its line.
-QByteArray lineSafe(QByteArray value)
+/// What some peer may take for the end of a line.
+constexpr std::array breaks{ '\r', '\n', '\0' };
+
+bool holdsBreak(const QByteArray &value)
 {
-    for (char &c : value) {
-        if ((static_cast<unsigned char>(c) < ' ' && c != '\t') || c == '\x7f')
-            c = ' ';
+    return std::any_of(breaks.begin(), breaks.end(), [&value](char c) {
+        return std::memchr(value.constData(), c, std::size_t(value.size()));
+    });
+}
+
+bool isBreak(char c)
+{
+    return std::find(breaks.begin(), breaks.end(), c) != breaks.end();
+}
+
+/// Collects the lines. Every reply passes here, so it is a string of chars, which grows faster.
+class Block
+{
+public:
+    explicit Block(const QByteArray &firstLine)
+    {
+        text.reserve(usualHead);
+        append(firstLine);
+        text += "\r\n";
     }
-    return value;
-}
 
-void append(QByteArray &block, const char *name, const QByteArray &value)
-{
-    block += name;
-    block += ": ";
-    block += value;
-    block += "\r\n";
-}
+    /// Nothing in a value ends its line.
+    void add(const QByteArray &name, const QByteArray &value)
+    {
+        append(name);
+        text += ": ";
+        if (holdsBreak(value))
+            std::replace_copy_if(value.begin(), value.end(), std::back_inserter(text), isBreak,
+                                 ' ');
+        else
+            append(value);
+        text += "\r\n";
+    }
 
-void appendEnding(QByteArray &block, const ReplyHead &head)
+    /// A line that is as it should be.
+    void addLine(std::string_view line) { text += line; }
+
+    QByteArray toByteArray() const { return { text.data(), int(text.size()) }; }
+
+private:
+    void append(const QByteArray &piece)
+    {
+        text.append(piece.constData(), std::size_t(piece.size()));
+    }
+
+    std::string text;
+};
+
+void addEnding(Block &block, const ReplyHead &head)
 {
+    static const QByteArray length = "Content-Length";
     if (head.ending == Ending::Length)
-        append(block, "Content-Length", QByteArray::number(head.length));
+        block.add(length, QByteArray::number(head.length));
     else if (head.ending == Ending::Chunks)
-        append(block, "Transfer-Encoding", "chunked");
+        block.addLine("Transfer-Encoding: chunked\r\n");
 }
 
 } // namespace
 
 QByteArray headBlock(const ReplyHead &head)
 {
-    QByteArray block;
-    block.reserve(usualHead);
-    block += "HTTP/1.1 ";
-    block += statusText(head.status);
-    block += "\r\n";
-    append(block, "Date", currentDate());
-    append(block, "Server", product);
+    static const QByteArray date = "Date";
+    Block block("HTTP/1.1 " + statusText(head.status));
+    block.add(date, currentDate());
+    block.addLine(product);
     for (const Field &field : head.fields)
-        append(block, field.name.constData(), lineSafe(field.value));
-    appendEnding(block, head);
+        block.add(field.name, field.value);
+    addEnding(block, head);
     if (!head.keepAlive)
-        append(block, "Connection", "close");
+        block.addLine("Connection: close\r\n");
     else if (head.tellsKeepAlive)
-        append(block, "Connection", "keep-alive");
-    block += "\r\n";
-    return block;
+        block.addLine("Connection: keep-alive\r\n");
+    block.addLine("\r\n");
+    return block.toByteArray();
 }
 
 QByteArray chunk(const QByteArray &bytes)
