@@ -17,6 +17,8 @@ namespace {
 
 constexpr rlim_t wantedDescriptors = 16384;
 constexpr int heaps = 2; ///< each keeps what it has freed to itself
+constexpr int keptFree = 4 * 1024 * 1024; ///< bytes
+constexpr int ownPages = 1024 * 1024; ///< bytes of a block that never comes from a heap
 
 void onlyFailTheWrite(int) { }
 
@@ -70,6 +72,10 @@ void prepareProcess()
     survive(SIGXFSZ);
     raiseDescriptorLimit();
     mallopt(M_ARENA_MAX, heaps);
+    // The pieces of long replies come and go: a heap that shrinks with each of them pays for its
+    // pages over and over. What is not needed is given back once the work is done.
+    mallopt(M_TRIM_THRESHOLD, keptFree);
+    mallopt(M_MMAP_THRESHOLD, ownPages);
 }
 
 QString previewProgram()

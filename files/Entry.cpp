@@ -28,7 +28,8 @@ EntryFacts toFacts(const struct stat &status)
 /// entries a second call. The rest is a matter of groups, lists and privileges.
 bool isReadable(int folder, const char *name, const struct stat &status)
 {
-    if (status.st_uid == ::getuid() && (status.st_mode & S_IRUSR) != 0)
+    static const uid_t self = ::getuid();
+    if (status.st_uid == self && (status.st_mode & S_IRUSR) != 0)
         return true;
     return ::faccessat(folder, name, R_OK, 0) == 0;
 }

@@ -130,18 +130,18 @@ bool appendExecutable(QByteArray &to, const DavResource &resource, const ReplyFa
 const std::vector<LiveProperty> &liveProperties()
 {
     static const std::vector<LiveProperty> properties{
-        { davSpace, "resourcetype", true, appendResourceType },
-        { davSpace, "getcontentlength", true, appendContentLength },
-        { davSpace, "getlastmodified", true, appendLastModified },
-        { davSpace, "getetag", true, appendTag },
-        { davSpace, "getcontenttype", true, appendContentType },
-        { davSpace, "displayname", true, appendDisplayName },
-        { davSpace, "creationdate", true, appendCreationDate },
-        { davSpace, "supportedlock", true, appendSupportedLocks },
-        { davSpace, "lockdiscovery", true, appendLocks },
-        { apacheSpace, executableName, true, appendExecutable },
-        { davSpace, "quota-available-bytes", false, appendFreeBytes },
-        { davSpace, "quota-used-bytes", false, appendUsedBytes },
+        { davSpace, "resourcetype", true, false, appendResourceType },
+        { davSpace, "getcontentlength", true, false, appendContentLength },
+        { davSpace, "getlastmodified", true, false, appendLastModified },
+        { davSpace, "getetag", true, false, appendTag },
+        { davSpace, "getcontenttype", true, false, appendContentType },
+        { davSpace, "displayname", true, false, appendDisplayName },
+        { davSpace, "creationdate", true, true, appendCreationDate },
+        { davSpace, "supportedlock", true, false, appendSupportedLocks },
+        { davSpace, "lockdiscovery", true, true, appendLocks },
+        { apacheSpace, executableName, true, false, appendExecutable },
+        { davSpace, "quota-available-bytes", false, false, appendFreeBytes },
+        { davSpace, "quota-used-bytes", false, false, appendUsedBytes },
     };
     return properties;
 }

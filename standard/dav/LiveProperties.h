@@ -36,6 +36,7 @@ struct LiveProperty
     const char *space;
     const char *name;
     bool inAll; ///< told to who asks for all; the others cost a look of their own
+    bool needsPath; ///< or the subject, not the facts alone
     /// Appends the value; false when the resource has no such property.
     bool (*append)(QByteArray &to, const DavResource &resource, const ReplyFacts &common);
 };

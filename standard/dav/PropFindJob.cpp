@@ -101,14 +101,16 @@ void PropFindJob::append(const FolderReader::Item &item)
         return cutOff();
     ++count;
     entry.name = item.name;
-    entry.path = path + entry.name;
     entry.href = url + encodedPath(entry.name);
     if (entry.facts.folder)
         entry.href += '/';
-    entry.subject = { systemPath + entry.name, entry.path };
+    if (report.needsPaths()) {
+        entry.path = path + entry.name;
+        entry.subject = { systemPath + entry.name, entry.path };
+    }
     report.append(text, entry);
     if (entry.facts.folder && subject.depth == Depth::Infinity)
-        folders.push_back(entry.path + '/');
+        folders.push_back(path + entry.name + '/');
 }
 
 /// Tells that the rest of the folder, and of what was to follow, is missing.

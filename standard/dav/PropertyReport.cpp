@@ -2,6 +2,7 @@
 
 #include "standard/dav/MultiStatus.h"
 
+#include <algorithm>
 #include <set>
 #include <utility>
 
@@ -11,6 +12,7 @@ PropertyReport::PropertyReport(const PropFindBody &asked, ReplyFacts common,
                                std::shared_ptr<const PropertyStore> store)
     : namesOnly(asked.kind == PropFindBody::Kind::Names)
     , allDead(asked.kind != PropFindBody::Kind::Named)
+    , pathsNeeded(allDead)
     , facts(std::move(common))
     , dead(std::move(store))
 {
@@ -23,6 +25,9 @@ PropertyReport::PropertyReport(const PropFindBody &asked, ReplyFacts common,
         if (!findLiveProperty(name))
             askOther(name);
     }
+    pathsNeeded = allDead || !others.empty()
+        || std::any_of(live.begin(), live.end(),
+                       [](const Asked &each) { return each.property->needsPath; });
 }
 
 void PropertyReport::askOther(const XmlName &name)

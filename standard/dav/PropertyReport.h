@@ -16,6 +16,9 @@ public:
     PropertyReport(const PropFindBody &asked, ReplyFacts common,
                    std::shared_ptr<const PropertyStore> store);
 
+    /// Whether it needs the path and subject of a resource; else name, href and facts are enough.
+    bool needsPaths() const { return pathsNeeded; }
+
     /// Appends the "response" element of a resource.
     void append(QByteArray &to, const DavResource &resource) const;
 
@@ -36,6 +39,7 @@ private:
 
     const bool namesOnly;
     bool allDead;
+    bool pathsNeeded;
     ReplyFacts facts;
     std::shared_ptr<const PropertyStore> dead;
     std::vector<Asked> live;

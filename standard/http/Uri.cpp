@@ -10,9 +10,13 @@ namespace {
 
 constexpr std::array<const char *, 2> schemes{ "http://", "https://" };
 
-// Beside the unreserved characters (RFC 3986, section 2.3). Clients compare our paths with theirs
-// as they stand, and encode all that may be encoded.
-constexpr auto literalInPath = "/";
+/// The unreserved characters (RFC 3986, section 2.3). Clients compare our paths with theirs as they
+/// stand, and encode all that may be encoded.
+constexpr bool isLiteral(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '/'
+        || c == '-' || c == '.' || c == '_' || c == '~';
+}
 
 bool isHexPair(const QByteArray &text, int at)
 {
@@ -84,7 +88,21 @@ std::optional<Target> parseTarget(const QByteArray &text)
 
 QByteArray encodedPath(const QByteArray &path)
 {
-    return path.toPercentEncoding(literalInPath);
+    constexpr auto digits = "0123456789ABCDEF";
+    QByteArray encoded(path.size() * 3, Qt::Uninitialized);
+    char *end = encoded.data();
+    for (const char c : path) {
+        if (isLiteral(c)) {
+            *end++ = c;
+            continue;
+        }
+        const auto code = static_cast<unsigned char>(c);
+        *end++ = '%';
+        *end++ = digits[code >> 4];
+        *end++ = digits[code & 0xf];
+    }
+    encoded.truncate(int(end - encoded.constData()));
+    return encoded;
 }
 
 QByteArray urlPath(const QByteArray &prefix, const QByteArray &path, bool isFolder)
