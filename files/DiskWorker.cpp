@@ -36,14 +36,15 @@ DiskWorker::~DiskWorker()
 
 void DiskWorker::run(std::shared_ptr<DiskJob> job, QObject *context, Done done)
 {
-    Task task{ std::move(job), context, std::move(done) };
-    if (!context)
-        task.done = nullptr;
+    Task task{ std::move(job), context, context ? std::move(done) : nullptr };
     if (task.job->run(Budget::ofLoop(task.job->cancelFlag())))
         return finish(task);
-    DiskJob *unfinished = task.job.get();
-    tasks.emplace(unfinished, std::move(task));
-    enqueue(unfinished);
+    enqueue(std::move(task));
+}
+
+void DiskWorker::runAside(std::shared_ptr<DiskJob> job, QObject *context, Done done)
+{
+    enqueue({ std::move(job), context, context ? std::move(done) : nullptr });
 }
 
 void DiskWorker::finish(const Task &task)
@@ -52,8 +53,10 @@ void DiskWorker::finish(const Task &task)
         task.done();
 }
 
-void DiskWorker::enqueue(DiskJob *job)
+void DiskWorker::enqueue(Task task)
 {
+    DiskJob *job = task.job.get();
+    tasks.emplace(job, std::move(task));
     if (threads.size() < std::min(maxThreads, tasks.size()))
         threads.emplace_back(&DiskWorker::work, this);
     {

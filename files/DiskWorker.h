@@ -34,6 +34,9 @@ public:
     /// which may be null. A job is run anew only after it is finished.
     void run(std::shared_ptr<DiskJob> job, QObject *context, Done done);
 
+    /// The same on a thread from the beginning, so that the caller can go on with something else.
+    void runAside(std::shared_ptr<DiskJob> job, QObject *context, Done done);
+
 private:
     Q_DISABLE_COPY_MOVE(DiskWorker)
 
@@ -46,7 +49,7 @@ private:
     };
 
     static void finish(const Task &task);
-    void enqueue(DiskJob *job);
+    void enqueue(Task task);
     void work();
     DiskJob *takeWaiting();
     void putBack(DiskJob *job, bool finishedNow);

@@ -100,33 +100,44 @@ ReplyFacts PropFind::commonFacts(const PropFindBody &asked, Depth depth) const
 bool PropFind::takeTurn(const Turn &)
 {
     state = State::Waiting;
-    // What the loop has no time for goes on elsewhere.
-    exchange.service().setup.disk->run(job, this, [this] { sendPiece(); });
+    if (begun)
+        sendPiece(); // it was made before the rest
+    else // what the loop has no time for goes on elsewhere
+        exchange.service().setup.disk->run(job, this, [this] { pieceMade(); });
     return state == State::Making;
+}
+
+void PropFind::pieceMade()
+{
+    if (state != State::Waiting)
+        return;
+    if (!begun || !exchange.isCongested())
+        return sendPiece();
+    state = State::Resting;
+    exchange.service().setup.turns->rest(this);
 }
 
 void PropFind::sendPiece()
 {
-    if (state != State::Waiting)
-        return;
     const QByteArray piece = job->takePiece();
+    const bool isLast = job->isAtEnd();
     Fields fields{ { "Content-Type", xmlType } };
-    if (job->isAtEnd() && !begun)
+    if (isLast && !begun)
         return exchange.reply(Status::MultiStatus, std::move(fields), piece);
     if (!begun && !exchange.startBody(Status::MultiStatus, std::move(fields), std::nullopt))
         return;
     begun = true;
+    if (!isLast)
+        makeAhead();
     exchange.write(piece);
-    if (state != State::Waiting)
-        return;
-    if (job->isAtEnd())
-        return exchange.end();
-    if (exchange.isCongested()) {
-        state = State::Resting;
-        return exchange.service().setup.turns->rest(this);
-    }
-    state = State::Making;
-    exchange.service().setup.turns->again(this);
+    if (isLast && state == State::Waiting)
+        exchange.end();
+}
+
+/// The next piece, while this one goes out.
+void PropFind::makeAhead()
+{
+    exchange.service().setup.disk->runAside(job, this, [this] { pieceMade(); });
 }
 
 void PropFind::drained()

@@ -26,14 +26,16 @@ private:
     enum class State {
         Idle,
         Making, ///< the next piece, when it has its turn
-        Waiting, ///< for the disk
-        Resting ///< until the client took what was sent
+        Waiting, ///< for the disk, while the piece before is on its way
+        Resting ///< until the client took what was sent; the next piece is there
     };
 
     std::optional<Depth> askedDepth() const;
     ReplyFacts commonFacts(const PropFindBody &asked, Depth depth) const;
     bool takeTurn(const Turn &turn) override;
+    void pieceMade();
     void sendPiece();
+    void makeAhead();
     void stop();
 
     State state = State::Idle;
