@@ -22,6 +22,13 @@ void Exchange::begin(Request request)
     userName.clear();
 }
 
+void Exchange::forget()
+{
+    current = Request();
+    cleaned.clear();
+    userName.clear();
+}
+
 void Exchange::finish()
 {
     bodyMemory.reset();

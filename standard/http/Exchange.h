@@ -103,6 +103,9 @@ public:
     /// Lets go of what was kept for the request.
     void finish();
 
+    /// And of the request itself.
+    void forget();
+
 private:
     void writeHead(Status status, Fields fields, Ending ending, qint64 length, bool more);
 

@@ -239,6 +239,8 @@ std::variant<Request, Status> parseHead(const QByteArray &head)
 std::vector<QByteArray> listItems(const QByteArray &value)
 {
     std::vector<QByteArray> items;
+    if (value.isEmpty())
+        return items;
     for (const QByteArray &part : value.split(',')) {
         if (QByteArray item = withoutBlanks(part); !item.isEmpty())
             items.push_back(std::move(item));

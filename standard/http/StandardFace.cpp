@@ -76,7 +76,7 @@ void StandardFace::dropHandler()
     if (isAnswering || !handler)
         return;
     handler.reset();
-    exchange.begin({});
+    exchange.forget();
 }
 
 void StandardFace::requestReady(Request request)
