@@ -37,10 +37,9 @@ std::optional<OpenFile> openIn(int folder, const char *name)
 
 } // namespace
 
-EntryCopy::EntryCopy(std::shared_ptr<const Share> shared, const QByteArray &path, Place to,
-                     Depth howDeep)
+EntryCopy::EntryCopy(std::shared_ptr<const Share> shared, QByteArray from, Place to, Depth howDeep)
     : share(std::move(shared))
-    , top(path)
+    , top(std::move(from))
     , target(std::move(to))
     , depth(howDeep)
 {

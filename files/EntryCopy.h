@@ -32,7 +32,7 @@ public:
         DiskError error;
     };
 
-    EntryCopy(std::shared_ptr<const Share> share, const QByteArray &path, Place to, Depth depth);
+    EntryCopy(std::shared_ptr<const Share> shared, QByteArray from, Place to, Depth howDeep);
 
     /// Notes what is copied, for who removes it then: whatever is left out is a failure.
     void listCopied() { list = std::make_shared<CopiedEntries>(); }

@@ -38,7 +38,7 @@ PeerCount::Ticket::Ticket(PeerCount *count, const QHostAddress &address)
 
 PeerCount::Ticket::Ticket(Ticket &&other) noexcept
     : owner(std::exchange(other.owner, nullptr))
-    , peer(std::move(other.peer))
+    , peer(other.peer)
 {
 }
 
@@ -66,7 +66,7 @@ PeerCount::Ticket PeerCount::admit(const QHostAddress &address)
         return {};
     if (isOwn(address)) {
         ++all;
-        return Ticket(this, {});
+        return { this, {} };
     }
     const QHostAddress peer = peerOf(address);
     int &count = perPeer[peer];
@@ -74,5 +74,5 @@ PeerCount::Ticket PeerCount::admit(const QHostAddress &address)
         return {};
     ++count;
     ++all;
-    return Ticket(this, peer);
+    return { this, peer };
 }

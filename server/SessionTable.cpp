@@ -21,7 +21,7 @@ constexpr int numbers = 1000; ///< session numbers that are handed out: 0 to 999
 /// Never one of those that are not strict.
 qint64 unguessable()
 {
-    constexpr quint64 positive = quint64(std::numeric_limits<qint64>::max());
+    constexpr auto positive = quint64(std::numeric_limits<qint64>::max());
     return numbers + qint64(QRandomGenerator::system()->generate64() & (positive >> 1));
 }
 
@@ -75,7 +75,7 @@ void SessionTable::stopTimer()
 Session SessionTable::ofCookie(const QByteArray &value)
 {
     const qint64 id = strict ? value.toLongLong() : value.toInt();
-    const Session known = sessions.value(id);
+    Session known = sessions.value(id);
     if (known || (strict && handedOut.value(id).expired()))
         return known;
     return enter(id);

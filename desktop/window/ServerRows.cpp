@@ -150,20 +150,20 @@ bool ServerRows::isRunning() const
     return std::any_of(rows.begin(), rows.end(), isListening);
 }
 
-bool ServerRows::start(const QPointer<ServerRow> &still)
+bool ServerRows::start(const QPointer<ServerRow> &row)
 {
     // A row may go while the user thinks.
-    while (still && rows.contains(still.data())) {
-        const StartDoubt doubt = still->doubt();
+    while (row && rows.contains(row.data())) {
+        const StartDoubt doubt = row->doubt();
         if (doubt == StartDoubt::None) {
-            still->start();
+            row->start();
             return true;
         }
-        const StartAnswer answer = ask ? ask(still, doubt) : StartAnswer::No;
+        const StartAnswer answer = ask ? ask(row, doubt) : StartAnswer::No;
         if (answer == StartAnswer::No)
             return false;
-        if (answer == StartAnswer::Yes && still)
-            still->settle(doubt);
+        if (answer == StartAnswer::Yes && row)
+            row->settle(doubt);
     }
     return true;
 }

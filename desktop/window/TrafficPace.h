@@ -16,7 +16,7 @@ public:
     bool moves(qint64 total) const { return total - before > aPage; }
 
 private:
-    static constexpr qint64 aPage = 32 * 1024; ///< bytes
+    static constexpr qint64 aPage = qint64(32) * 1024; ///< bytes
 
     qint64 before = 0;
     qint64 last = 0;

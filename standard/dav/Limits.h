@@ -7,9 +7,9 @@
 namespace standard {
 
 // Bytes of a request's body; what is longer is refused.
-constexpr qint64 maxPropFindBody = 64 * 1024;
-constexpr qint64 maxLockBody = 64 * 1024;
-constexpr qint64 maxPropPatchBody = 1024 * 1024;
+constexpr qint64 maxPropFindBody = qint64(64) * 1024;
+constexpr qint64 maxLockBody = qint64(64) * 1024;
+constexpr qint64 maxPropPatchBody = qint64(1024) * 1024;
 
 /// Elements of a body that is read in the event loop: more take longer than it has.
 constexpr int maxElementsInLoop = 1000;

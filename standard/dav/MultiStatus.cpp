@@ -4,8 +4,8 @@ namespace standard {
 
 QByteArray rootStart(const char *name)
 {
-    return QByteArray("<?xml version=\"1.0\" encoding=\"utf-8\"?><D:") + name
-        + " xmlns:D=\"DAV:\">";
+    return QByteArray(R"(<?xml version="1.0" encoding="utf-8"?><D:)") + name
+        + R"( xmlns:D="DAV:">)";
 }
 
 QByteArray rootEnd(const char *name)

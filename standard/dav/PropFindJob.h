@@ -34,7 +34,7 @@ public:
         qint64 mostBelow = maxEntries; ///< of entries, with Depth infinity
     };
 
-    PropFindJob(Subject asked, PropertyReport report);
+    PropFindJob(Subject asked, PropertyReport answer);
 
     bool run(const Budget &until) override;
 

@@ -72,8 +72,8 @@ bool isForTarget(const DigestCredentials &given, const Request &request)
 
 QByteArray digestChallenge(const char *algorithm, const QByteArray &nonce, bool stale)
 {
-    return QByteArray("Digest realm=\"") + realm + "\", qop=\"auth\", algorithm=" + algorithm
-        + ", nonce=\"" + nonce + "\", charset=UTF-8" + (stale ? ", stale=true" : "");
+    return QByteArray(R"(Digest realm=")") + realm + R"(", qop="auth", algorithm=)" + algorithm
+        + R"(, nonce=")" + nonce + R"(", charset=UTF-8)" + (stale ? ", stale=true" : "");
 }
 
 } // namespace
@@ -113,7 +113,7 @@ Fields Authenticator::challenges(Outcome outcome) const
     return { { "WWW-Authenticate", digestChallenge("MD5", nonce, stale) },
              { "WWW-Authenticate", digestChallenge("SHA-256", nonce, stale) },
              { "WWW-Authenticate",
-               QByteArray("Basic realm=\"") + realm + "\", charset=\"UTF-8\"" } };
+               QByteArray(R"(Basic realm=")") + realm + R"(", charset="UTF-8")" } };
 }
 
 } // namespace standard

@@ -107,7 +107,7 @@ public:
     void forget();
 
 private:
-    void writeHead(Status status, Fields fields, Ending ending, qint64 length, bool more);
+    void writeHead(Status status, Fields fields, Ending kind, qint64 length, bool more);
 
     Service &m_service;
     Channel &m_channel;

@@ -70,7 +70,7 @@ bool HeadCollector::findEnd(const QByteArray &bytes)
 
 QByteArray HeadCollector::take(Input &input)
 {
-    const QByteArray head = input.buffered().left(std::exchange(end, 0));
+    QByteArray head = input.buffered().left(std::exchange(end, 0));
     input.take(head.size());
     seen = 0;
     blankLines = 0;
