@@ -170,7 +170,7 @@ QString takeOptions(const CommandLine &line, Options *options)
     if (options->defaultProfile && line.parser.isSet(line.profile))
         return text("--profile and --default-profile exclude each other.");
     for (const auto take : { takeAddress, takePort, takeMode, takeProxies, takePathPrefix }) {
-        if (const QString problem = take(line, options); !problem.isEmpty())
+        if (QString problem = take(line, options); !problem.isEmpty())
             return problem;
     }
     return {};
