@@ -3,17 +3,6 @@
 #include "standard/http/StandardFace.h"
 #include "tests/support/LiveServer.h"
 
-/// A real server of the standard face that shares a fresh folder.
-class StandardServer : public LiveServer
-{
-public:
-    explicit StandardServer(standard::Routes routes = standard::fileRoutes())
-        : LiveServer(standard::standardFaces(std::move(routes)))
-    {
-        start();
-    }
-};
-
 /// The reply to one request on a connection of its own. Nothing of a body that goes on until the
 /// connection ends is lost, and HEAD may tell a length.
 inline RawReply replyTo(const LiveServer &server, const QByteArray &method,
@@ -26,3 +15,21 @@ inline RawReply replyTo(const LiveServer &server, const QByteArray &method,
     const int end = int(all.indexOf("\r\n\r\n"));
     return { all.left(end), all.mid(end + 4) };
 }
+
+/// A real server of the standard face that shares a fresh folder.
+class StandardServer : public LiveServer
+{
+public:
+    explicit StandardServer(standard::Routes routes = standard::fileRoutes())
+        : LiveServer(standard::standardFaces(std::move(routes)))
+    {
+        start();
+    }
+
+    /// 200
+    int status(const QByteArray &method, const QByteArray &target, const QByteArray &headers = {},
+               const QByteArray &body = {}) const
+    {
+        return replyTo(*this, method, target, headers, body).status().left(3).toInt();
+    }
+};

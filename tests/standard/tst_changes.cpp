@@ -1,9 +1,11 @@
 #include "standard/http/Patch.h"
 #include "tests/standard/StandardTest.h"
+#include "tests/support/Data.h"
 #include "tests/support/FullDisk.h"
 
 #include <QDateTime>
 #include <QDir>
+#include <QStorageInfo>
 #include <QTest>
 
 #include <sys/stat.h>
@@ -12,22 +14,21 @@
 namespace standard {
 namespace {
 
-/// Refuses to let one path be changed, and remembers what it is told.
+/// "late" is locked by others as soon as work on it has begun.
 class TestGuard final : public Guard
 {
 public:
     std::optional<Refusal> refusal(const Exchange &, const std::vector<Change> &changes) override
     {
         for (const Change &change : changes) {
-            if (change.path == "held" || (change.path == "late" && asked++ > 0))
+            if (change.path == "late" && asked++ > 0)
                 return Refusal{ Status::Locked };
         }
         return {};
     }
-    void removed(const Exchange &, const QByteArray &path) override { gone.append(path); }
+    void removed(const Exchange &, const QByteArray &) override { QFAIL("nothing is removed"); }
 
-    QList<QByteArray> gone;
-    int asked = 0; ///< about "late", which is locked by others as soon as work on it has begun
+    int asked = 0; ///< about "late"
 };
 
 QByteArray destination(const char *path)
@@ -59,13 +60,11 @@ private Q_SLOTS:
     void updateRanges_data();
     void updateRanges();
     void patchWritesInPlace();
-    void deleteAndMakeFolders();
+    void deleteFolders();
     void copyAndMove_data();
     void copyAndMove();
     void copyKeepsWhatBelongsToFiles();
     void failedCopyKeepsOldTree();
-    void moveReplacesTree();
-    void guardIsAsked();
     void guardIsAskedAgainInTheEnd();
     void whatOthersSaveMeanwhileStays();
     void quittingLeavesOldTree();
@@ -94,31 +93,23 @@ void TestChanges::putMakesAndReplaces()
     QCOMPARE(readFile(path), QByteArray("two"));
     QCOMPARE(int(QFile::permissions(path)) & 0xfff, 0x640);
     QCOMPARE(replyTo(server, "HEAD", "/a%C3%A4.txt").header("ETag"), replaced.header("ETag"));
-    QCOMPARE(replyTo(server, "PUT", "/empty").status(), QByteArray("201 Created"));
+    QCOMPARE(server.status("PUT", "/empty"), 201);
 }
 
 void TestChanges::putIsRefusedBeforeItsBody_data()
 {
-    QTest::addColumn<QByteArray>("target");
-    QTest::addColumn<QByteArray>("headers");
+    columns<QByteArray>({ "target", "headers" });
     QTest::addColumn<int>("status");
 
-    QTest::newRow("stands already")
-        << QByteArray("/a") << QByteArray("If-None-Match: *\r\n") << 412;
-    QTest::newRow("another version")
-        << QByteArray("/a") << QByteArray("If-Match: \"x\"\r\n") << 412;
-    QTest::newRow("missing") << QByteArray("/new") << QByteArray("If-Match: *\r\n") << 412;
-    QTest::newRow("part") << QByteArray("/a") << QByteArray("Content-Range: bytes 0-1/2\r\n")
-                          << 400;
-    QTest::newRow("no such folder") << QByteArray("/no/a") << QByteArray() << 409;
-    QTest::newRow("folder") << QByteArray("/f") << QByteArray() << 405;
-    QTest::newRow("name of a folder") << QByteArray("/new/") << QByteArray() << 405;
-    QTest::newRow("what is shared") << QByteArray("/") << QByteArray() << 405;
-    QTest::newRow("larger than the disk")
-        << QByteArray("/new")
-        << QByteArray(
-               "Transfer-Encoding: chunked\r\nX-Expected-Entity-Length: 9000000000000000\r\n")
-        << 507;
+    row("stands already", "/a", "If-None-Match: *\r\n", 412);
+    row("missing", "/new", "If-Match: *\r\n", 412);
+    row("part", "/a", "Content-Range: bytes 0-1/2\r\n", 400);
+    row("no such folder", "/no/a", "", 409);
+    row("folder", "/f", "", 405);
+    row("name of a folder", "/new/", "", 405);
+    row("what is shared", "/", "", 405);
+    row("larger than the disk", "/new",
+        "Transfer-Encoding: chunked\r\nX-Expected-Entity-Length: 9000000000000000\r\n", 507);
 }
 
 void TestChanges::putIsRefusedBeforeItsBody()
@@ -152,9 +143,8 @@ void TestChanges::brokenUploadLeavesOldFile()
     }
     QTRY_COMPARE(server.server->connectionCount(), 0);
     QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("old"));
-    QCOMPARE(QDir(server.sharePath()).entryList(QDir::Files | QDir::Hidden),
-             QStringList(QStringLiteral("a")));
-    QCOMPARE(replyTo(server, "PUT", "/a", {}, "new").status(), QByteArray("204 No Content"));
+    QCOMPARE(namesIn(server.sharePath()), QStringLiteral("a"));
+    QCOMPARE(server.status("PUT", "/a", {}, "new"), 204);
 }
 
 void TestChanges::chunkedUpload()
@@ -177,8 +167,7 @@ void TestChanges::fullDiskLeavesOldFile()
     StandardServer server;
     server.addFile(QStringLiteral("a"), "old");
     const FullDisk full(100000);
-    QCOMPARE(replyTo(server, "PUT", "/a", {}, QByteArray(400000, 'x')).status(),
-             QByteArray("507 Insufficient Storage"));
+    QCOMPARE(server.status("PUT", "/a", {}, QByteArray(400000, 'x')), 507);
     QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("old"));
 }
 
@@ -224,70 +213,53 @@ void TestChanges::patchWritesInPlace()
     StandardServer server;
     server.addFile(QStringLiteral("a"), "0123456789");
     const QByteArray type = "Content-Type: Application/X-SabreDAV-PartialUpdate; a=b\r\n";
-    const auto patch = [&](const QByteArray &headers, const QByteArray &body) {
-        return replyTo(server, "PATCH", "/a", headers, body);
-    };
     const QByteArray tag = replyTo(server, "HEAD", "/a").header("ETag");
     const RawReply done =
-        patch(type + "If-Match: " + tag + "\r\nX-Update-Range: bytes=2-4\r\n", "abc");
+        replyTo(server, "PATCH", "/a",
+                type + "If-Match: " + tag + "\r\nX-Update-Range: bytes=2-4\r\n", "abc");
     QCOMPARE(done.status(), QByteArray("204 No Content"));
     QVERIFY(done.header("ETag") != tag);
     QCOMPARE(replyTo(server, "HEAD", "/a").header("ETag"), done.header("ETag"));
-    QCOMPARE(patch(type + "X-Update-Range: append\r\n", "!").status(),
-             QByteArray("204 No Content"));
-    QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("01abc56789!"));
-
-    QCOMPARE(patch(type + "If-Match: " + tag + "\r\nX-Update-Range: append\r\n", "x").status(),
-             QByteArray("412 Precondition Failed"));
-    QCOMPARE(patch(type + "X-Update-Range: bytes=2-3\r\n", "xxx").status(),
-             QByteArray("400 Bad Request"));
-    QCOMPARE(patch("X-Update-Range: append\r\n", "x").status(),
-             QByteArray("415 Unsupported Media Type"));
+    const QByteArray append = "X-Update-Range: append\r\n";
+    QCOMPARE(server.status("PATCH", "/a", type + append, "!"), 204);
+    QCOMPARE(server.status("PATCH", "/a", type + append + "If-Match: " + tag + "\r\n", "x"), 412);
+    QCOMPARE(server.status("PATCH", "/a", type + "X-Update-Range: bytes=2-3\r\n", "xxx"), 400);
+    QCOMPARE(server.status("PATCH", "/a", append, "x"), 415);
     QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("01abc56789!"));
 }
 
-void TestChanges::deleteAndMakeFolders()
+void TestChanges::deleteFolders()
 {
     StandardServer server;
-    QCOMPARE(replyTo(server, "MKCOL", "/f").status(), QByteArray("201 Created"));
-    QCOMPARE(replyTo(server, "MKCOL", "/f/g/").status(), QByteArray("201 Created"));
-    QCOMPARE(replyTo(server, "MKCOL", "/f").status(), QByteArray("405 Method Not Allowed"));
-    QCOMPARE(replyTo(server, "MKCOL", "/no/f").status(), QByteArray("409 Conflict"));
-    QCOMPARE(replyTo(server, "MKCOL", "/h", {}, "<x/>").status(),
-             QByteArray("415 Unsupported Media Type"));
     server.addFile(QStringLiteral("f/g/x"), "x");
     QVERIFY(QFile::link(QStringLiteral("/etc"), server.sharePath(QStringLiteral("f/link"))));
 
-    QCOMPARE(replyTo(server, "DELETE", "/f", "Depth: 0\r\n").status(),
-             QByteArray("400 Bad Request"));
-    QCOMPARE(replyTo(server, "DELETE", "/f/g/x/").status(), QByteArray("404 Not Found"));
-    QCOMPARE(replyTo(server, "DELETE", "/").status(), QByteArray("403 Forbidden"));
+    QCOMPARE(server.status("DELETE", "/f", "Depth: 0\r\n"), 400);
+    QCOMPARE(server.status("DELETE", "/f/g/x/"), 404);
+    QCOMPARE(server.status("DELETE", "/"), 403);
     server.profile->enableDelete = Qt::Unchecked;
-    QCOMPARE(replyTo(server, "DELETE", "/f").status(), QByteArray("403 Forbidden"));
+    server.addFile(QStringLiteral("a"), "A");
+    // With what a copy replaces goes what it holds; a move takes its source away.
+    for (const auto &[method, target, to] :
+         { std::tuple("DELETE", "/f", ""), std::tuple("COPY", "/a", "/f"),
+           std::tuple("MOVE", "/a", "/b") })
+        QCOMPARE(server.status(method, target, destination(to)), 403);
+    QCOMPARE(server.fileContent(QStringLiteral("f/g/x")), QByteArray("x"));
     server.profile->enableDelete = Qt::Checked;
-    QCOMPARE(replyTo(server, "DELETE", "/f").status(), QByteArray("204 No Content"));
+    QCOMPARE(server.status("DELETE", "/f"), 204);
     QVERIFY(!QFile::exists(server.sharePath(QStringLiteral("f")))
             && QFile::exists(QStringLiteral("/etc")));
-    QCOMPARE(replyTo(server, "DELETE", "/f").status(), QByteArray("404 Not Found"));
     server.profile->enableUpload = Qt::Unchecked;
     for (const char *method : { "MKCOL", "PUT", "PATCH", "COPY", "MOVE" })
-        QCOMPARE(replyTo(server, method, "/f").status(), QByteArray("403 Forbidden"));
+        QCOMPARE(server.status(method, "/f"), 403);
 }
 
 void TestChanges::copyAndMove_data()
 {
-    QTest::addColumn<QByteArray>("source");
-    QTest::addColumn<QByteArray>("headers");
-    QTest::addColumn<int>("copied"); // status
-    QTest::addColumn<int>("moved");
+    columns<QByteArray>({ "source", "headers" });
+    columns<int>({ "copied", "moved" }); // status
 
-    const auto row = [](const char *name, const char *source, const QByteArray &headers, int copied,
-                        int moved) {
-        QTest::newRow(name) << QByteArray(source) << headers << copied << moved;
-    };
     const QByteArray keep = "Overwrite: F\r\n";
-    row("to a new name", "/a", destination("/new"), 201, 201);
-    row("onto a file", "/a", destination("/b"), 204, 204);
     row("onto a file that is kept", "/a", keep + destination("/b"), 412, 412);
     row("onto a folder", "/a", destination("/g"), 204, 204);
     row("folder to a new name with a slash", "/f", destination("/new/"), 201, 201);
@@ -299,7 +271,7 @@ void TestChanges::copyAndMove_data()
     row("folder into itself", "/f", destination("/f/new"), 409, 409);
     row("folder onto the one that holds it", "/f/sub", destination("/f"), 409, 409);
     row("what is shared", "/", destination("/new"), 409, 409);
-    row("without a destination", "/a", {}, 400, 400);
+    row("without a destination", "/a", "", 400, 400);
     row("by a name of ours", "/a", destination("http://localhost/new"), 201, 201);
     row("by another port", "/a", destination("http://localhost:1/new"), 502, 502);
     row("to another server", "/a", destination("http://example.org/new"), 502, 502);
@@ -321,8 +293,6 @@ void TestChanges::copyAndMove()
         server.addFile(QStringLiteral("g/y"), "Y");
         QVERIFY(QDir().mkpath(server.sharePath(QStringLiteral("f/sub/empty"))));
         const QString from = server.sharePath(QString::fromUtf8(source.mid(1)));
-        const int at = int(headers.lastIndexOf('/'));
-        const bool isFolder = source.startsWith("/f");
         const QByteArray status = replyTo(server, method, source, headers).status();
         if (method == "COPY")
             QTEST(status.left(3).toInt(), "copied");
@@ -335,11 +305,9 @@ void TestChanges::copyAndMove()
             QCOMPARE(server.fileContent(QStringLiteral("g/y")), QByteArray("Y"));
             continue;
         }
-        QByteArray name = headers.mid(at + 1).trimmed();
-        if (name.isEmpty())
-            name = headers.contains("/new/") ? "new" : "g";
-        const QString to = QString::fromUtf8(name);
-        if (!isFolder) {
+        const QList<QByteArray> words = headers.trimmed().replace('/', ' ').simplified().split(' ');
+        const QString to = QString::fromUtf8(words.constLast());
+        if (source == "/a") {
             QCOMPARE(server.fileContent(to), QByteArray("A"));
             continue;
         }
@@ -348,24 +316,21 @@ void TestChanges::copyAndMove()
         QCOMPARE(QFile::exists(server.sharePath(to + QLatin1String("/sub/empty"))), !alone);
         QVERIFY(!QFile::exists(server.sharePath(to + QLatin1String("/y"))));
         // What was moved aside goes in the end.
-        QTRY_COMPARE(QDir(server.sharePath())
-                         .entryList({ QStringLiteral(".rec*") }, QDir::AllEntries | QDir::Hidden),
-                     QStringList());
+        QTRY_VERIFY(!namesIn(server.sharePath()).contains(QLatin1String(".rec")));
     }
 }
 
 void TestChanges::copyKeepsWhatBelongsToFiles()
 {
     StandardServer server;
-    const QByteArray fileTime = "Sun, 06 Nov 1994 08:49:37 GMT";
-    QCOMPARE(replyTo(server, "MKCOL", "/f").status(), QByteArray("201 Created"));
+    QCOMPARE(server.status("MKCOL", "/f"), 201);
     replyTo(server, "PUT", "/f/a", "X-OC-Mtime: 784111777\r\n", "one");
     const QByteArray path = QFile::encodeName(server.sharePath(QStringLiteral("f/a")));
     ::chmod(path.constData(), 0750);
-    QCOMPARE(replyTo(server, "COPY", "/f", destination("/g")).status(), QByteArray("201 Created"));
+    QCOMPARE(server.status("COPY", "/f", destination("/g")), 201);
     const RawReply copy = replyTo(server, "GET", "/g/a");
     QCOMPARE(copy.body, QByteArray("one"));
-    QCOMPARE(copy.header("Last-Modified"), fileTime);
+    QCOMPARE(copy.header("Last-Modified"), QByteArray("Sun, 06 Nov 1994 08:49:37 GMT"));
     QVERIFY(QFileInfo(server.sharePath(QStringLiteral("g/a"))).isExecutable());
 }
 
@@ -377,51 +342,9 @@ void TestChanges::failedCopyKeepsOldTree()
     server.addFile(QStringLiteral("g/old"), "old");
     const FullDisk full(100000);
     for (const char *to : { "/g", "/new" })
-        QCOMPARE(replyTo(server, "COPY", "/f", destination(to)).status(),
-                 QByteArray("507 Insufficient Storage"));
+        QCOMPARE(server.status("COPY", "/f", destination(to)), 507);
     QCOMPARE(server.fileContent(QStringLiteral("g/old")), QByteArray("old"));
-    QCOMPARE(
-        QDir(server.sharePath()).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
-        QStringList({ QStringLiteral("f"), QStringLiteral("g") }));
-}
-
-void TestChanges::moveReplacesTree()
-{
-    StandardServer server;
-    server.addFile(QStringLiteral("a"), "A");
-    server.addFile(QStringLiteral("g/y"), "Y");
-    // With the folder goes what it holds.
-    server.profile->enableDelete = Qt::Unchecked;
-    QCOMPARE(replyTo(server, "COPY", "/a", destination("/g")).status(),
-             QByteArray("403 Forbidden"));
-    QCOMPARE(replyTo(server, "MOVE", "/a", destination("/b")).status(),
-             QByteArray("403 Forbidden"));
-    QCOMPARE(server.fileContent(QStringLiteral("g/y")), QByteArray("Y"));
-}
-
-void TestChanges::guardIsAsked()
-{
-    Routes routes = fileRoutes();
-    const auto guard = std::make_shared<TestGuard>();
-    routes.guard = guard;
-    StandardServer server(routes);
-    server.addFile(QStringLiteral("held"), "old");
-    server.addFile(QStringLiteral("a"), "A");
-    const QByteArray to = destination("/held");
-    const QByteArray partial =
-        "Content-Type: application/x-sabredav-partialupdate\r\nX-Update-Range: append\r\n";
-    QCOMPARE(replyTo(server, "PUT", "/held", {}, "x").status(), QByteArray("423 Locked"));
-    QCOMPARE(replyTo(server, "PATCH", "/held", partial, "x").status(), QByteArray("423 Locked"));
-    QCOMPARE(replyTo(server, "DELETE", "/held").status(), QByteArray("423 Locked"));
-    QCOMPARE(replyTo(server, "COPY", "/a", to).status(), QByteArray("423 Locked"));
-    QCOMPARE(replyTo(server, "MOVE", "/a", to).status(), QByteArray("423 Locked"));
-    QCOMPARE(replyTo(server, "MOVE", "/held", destination("/b")).status(),
-             QByteArray("423 Locked"));
-    QCOMPARE(server.fileContent(QStringLiteral("held")), QByteArray("old"));
-    QVERIFY(guard->gone.isEmpty());
-    replyTo(server, "MOVE", "/a", destination("/b"));
-    replyTo(server, "DELETE", "/b");
-    QCOMPARE(guard->gone, QList<QByteArray>({ "a", "b" }));
+    QCOMPARE(namesIn(server.sharePath()), QStringLiteral("f g"));
 }
 
 void TestChanges::guardIsAskedAgainInTheEnd()
@@ -434,12 +357,10 @@ void TestChanges::guardIsAskedAgainInTheEnd()
     server.addFile(QStringLiteral("f/a"), "ours");
     for (const char *method : { "PUT", "COPY" }) {
         guard->asked = 0;
-        QCOMPARE(replyTo(server, method, method[0] == 'P' ? "/late" : "/f", destination("/late"))
-                     .status(),
-                 QByteArray("423 Locked"));
+        QCOMPARE(server.status(method, method[0] == 'P' ? "/late" : "/f", destination("/late")),
+                 423);
         QCOMPARE(server.fileContent(QStringLiteral("late")), QByteArray("theirs"));
     }
-    QVERIFY(guard->gone.isEmpty());
     QTRY_COMPARE(namesIn(server.sharePath()), QStringLiteral("f late"));
 }
 
@@ -504,12 +425,11 @@ void TestChanges::namesOfUploadsAreKept()
     server.addFile(QStringLiteral("f/.receiving-abc123"), "half");
     server.addFile(QStringLiteral("f/a"), "A");
     const QByteArray path = "/f/.receiving-abc123";
-    QCOMPARE(replyTo(server, "GET", path).status(), QByteArray("404 Not Found"));
+    QCOMPARE(server.status("GET", path), 404);
     for (const char *method : { "PUT", "DELETE", "MKCOL" })
-        QCOMPARE(replyTo(server, method, path).status(), QByteArray("403 Forbidden"));
-    QCOMPARE(replyTo(server, "MOVE", "/f/a", "Destination: " + path + "\r\n").status(),
-             QByteArray("403 Forbidden"));
-    QCOMPARE(replyTo(server, "COPY", "/f", destination("/g")).status(), QByteArray("201 Created"));
+        QCOMPARE(server.status(method, path), 403);
+    QCOMPARE(server.status("MOVE", "/f/a", "Destination: " + path + "\r\n"), 403);
+    QCOMPARE(server.status("COPY", "/f", destination("/g")), 201);
     QCOMPARE(namesIn(server.sharePath(QStringLiteral("g"))), QStringLiteral("a"));
     QCOMPARE(namesIn(server.sharePath(QStringLiteral("f"))), QStringLiteral(".receiving-abc123 a"));
 }
@@ -518,13 +438,7 @@ void TestChanges::moveToAnotherFileSystem()
 {
     StandardServer server;
     const QTemporaryDir other(QStringLiteral("/dev/shm/moved-XXXXXX"));
-    const auto isSet = [](const QString &path, struct stat &status) {
-        return ::stat(QFile::encodeName(path).constData(), &status) == 0;
-    };
-    struct stat here = {};
-    struct stat there = {};
-    if (!isSet(server.sharePath(), here) || !isSet(other.path(), there)
-        || here.st_dev == there.st_dev)
+    if (!other.isValid() || QStorageInfo(other.path()) == QStorageInfo(server.sharePath()))
         QSKIP("there is no other file system");
     QVERIFY(QFile::link(other.path(), server.sharePath(QStringLiteral("usb"))));
     for (const char *target : { "/usb/new", "/usb/old" }) {
@@ -560,16 +474,12 @@ void TestChanges::optionsTellWhatWorks()
     QCOMPARE(allowed("/"), QByteArray("OPTIONS, GET, HEAD, COPY"));
     QCOMPARE(allowed("/new"), QByteArray("OPTIONS, PUT, MKCOL"));
     QCOMPARE(allowed("*"), QByteArray("OPTIONS, GET, HEAD, PUT, PATCH, DELETE, MKCOL, COPY, MOVE"));
-    server.profile->enableUpload = Qt::Unchecked;
-    QCOMPARE(allowed("/a"), QByteArray("OPTIONS, GET, HEAD, DELETE"));
-    server.profile->enableUpload = Qt::Checked;
     server.profile->enableDelete = Qt::Unchecked;
     QCOMPARE(allowed("/a"), QByteArray("OPTIONS, GET, HEAD, PUT, PATCH, COPY"));
     server.profile->enableUpload = Qt::Unchecked;
-    server.profile->enableDelete = Qt::Checked;
     const RawReply unknown = replyTo(server, "PROPFIND", "/a");
     QCOMPARE(unknown.status(), QByteArray("405 Method Not Allowed"));
-    QCOMPARE(unknown.header("Allow"), QByteArray("OPTIONS, GET, HEAD, DELETE"));
+    QCOMPARE(unknown.header("Allow"), QByteArray("OPTIONS, GET, HEAD"));
 }
 
 } // namespace standard

@@ -1,5 +1,6 @@
 #include "standard/http/Handler.h"
 #include "tests/standard/StandardTest.h"
+#include "tests/support/Data.h"
 
 #include <QTest>
 #include <QTimer>
@@ -72,9 +73,9 @@ void TestFilesByHttp::fileHasAllItsFields()
     QVERIFY(text.header("Date").endsWith(" GMT") && text.header("Last-Modified").endsWith(" GMT"));
     QCOMPARE(replyTo(server, "GET", "/latin.txt").header("Content-Type"), QByteArray("text/plain"));
     QVERIFY(replyTo(server, "GET", "/page.html").header("Content-Disposition").startsWith("att"));
-    QCOMPARE(replyTo(server, "GET", "/missing").status(), QByteArray("404 Not Found"));
-    QCOMPARE(replyTo(server, "GET", "/page.html/").status(), QByteArray("404 Not Found"));
-    QCOMPARE(replyTo(server, "GET", "/../../etc/passwd").status(), QByteArray("404 Not Found"));
+    QCOMPARE(server.status("GET", "/missing"), 404);
+    QCOMPARE(server.status("GET", "/page.html/"), 404);
+    QCOMPARE(server.status("GET", "/../../etc/passwd"), 404);
 }
 
 void TestFilesByHttp::headIsGetWithoutBody()
@@ -92,24 +93,13 @@ void TestFilesByHttp::headIsGetWithoutBody()
 
 void TestFilesByHttp::ranges_data()
 {
-    QTest::addColumn<QByteArray>("headers");
-    QTest::addColumn<QByteArray>("status");
-    QTest::addColumn<QByteArray>("contentRange");
-    QTest::addColumn<QByteArray>("body");
+    columns<QByteArray>({ "headers", "status", "contentRange", "body" });
 
-    const QByteArray part = "206 Partial Content";
-    QTest::newRow("two bytes, as players ask first")
-        << QByteArray("Range: bytes=0-1\r\n") << part << QByteArray("bytes 0-1/10")
-        << QByteArray("01");
-    QTest::newRow("to the end") << QByteArray("Range: bytes=7-\r\n") << part
-                                << QByteArray("bytes 7-9/10") << QByteArray("789");
-    QTest::newRow("past the end") << QByteArray("Range: bytes=10-\r\n")
-                                  << QByteArray("416 Range Not Satisfiable")
-                                  << QByteArray("bytes */10")
-                                  << QByteArray("416 Range Not Satisfiable\n");
-    QTest::newRow("of another version")
-        << QByteArray("Range: bytes=7-\r\nIf-Range: \"x\"\r\n") << QByteArray("200 OK")
-        << QByteArray() << QByteArray("0123456789");
+    row("two bytes, as players ask first", "Range: bytes=0-1\r\n", "206 Partial Content",
+        "bytes 0-1/10", "01");
+    row("past the end", "Range: bytes=10-\r\n", "416 Range Not Satisfiable", "bytes */10",
+        "416 Range Not Satisfiable\n");
+    row("of another version", "Range: bytes=7-\r\nIf-Range: \"x\"\r\n", "200 OK", "", "0123456789");
 }
 
 void TestFilesByHttp::ranges()
@@ -158,8 +148,7 @@ void TestFilesByHttp::unchangedFileIsNotSentAgain()
     server.addFile(QStringLiteral("a"), "two");
     QCOMPARE(replyTo(server, "GET", "/a", "If-None-Match: " + tag + "\r\n").body,
              QByteArray("two"));
-    QCOMPARE(replyTo(server, "GET", "/a", "If-Match: " + tag + "\r\n").status(),
-             QByteArray("412 Precondition Failed"));
+    QCOMPARE(server.status("GET", "/a", "If-Match: " + tag + "\r\n"), 412);
 }
 
 void TestFilesByHttp::shrinkingFileEndsConnection()
@@ -194,7 +183,7 @@ void TestFilesByHttp::folders()
     QVERIFY(page.body.contains("/f &lt;&amp;</h1>"));
     QVERIFY(page.body.contains("href=\"./x%3Ay.txt\""));
     server.profile->showFolders = Qt::Unchecked;
-    QCOMPARE(replyTo(server, "GET", "/").status(), QByteArray("403 Forbidden"));
+    QCOMPARE(server.status("GET", "/"), 403);
 }
 
 void TestFilesByHttp::singleFile()
@@ -205,9 +194,9 @@ void TestFilesByHttp::singleFile()
     const RawReply reply = replyTo(server, "GET", "/", "Range: bytes=8-\r\n");
     QCOMPARE(reply.body, QByteArray("89"));
     QCOMPARE(reply.header("Content-Disposition"), QByteArray("inline; filename=\"film.mp4\""));
-    QCOMPARE(replyTo(server, "GET", "/film.mp4").status(), QByteArray("404 Not Found"));
-    QCOMPARE(replyTo(server, "PUT", "/", {}, "x").status(), QByteArray("405 Method Not Allowed"));
-    QCOMPARE(replyTo(server, "DELETE", "/").status(), QByteArray("403 Forbidden"));
+    QCOMPARE(server.status("GET", "/film.mp4"), 404);
+    QCOMPARE(server.status("PUT", "/", {}, "x"), 405);
+    QCOMPARE(server.status("DELETE", "/"), 403);
     QCOMPARE(server.fileContent(QStringLiteral("film.mp4")), QByteArray("0123456789"));
 }
 
@@ -258,22 +247,16 @@ void TestFilesByHttp::unreadBodies()
 
 void TestFilesByHttp::badHeads_data()
 {
-    QTest::addColumn<QByteArray>("head");
-    QTest::addColumn<QByteArray>("status");
+    columns<QByteArray>({ "head", "status" });
 
-    QTest::newRow("bare line feeds")
-        << QByteArray("GET / HTTP/1.1\nHost: a\n\n") << QByteArray("400 Bad Request");
-    QTest::newRow("too long") << "GET / HTTP/1.1\r\nHost: a\r\nX: " + QByteArray(20000, 'x')
-                              << QByteArray("431 Request Header Fields Too Large");
-    QTest::newRow("unknown method")
-        << QByteArray("BREW / HTTP/1.1\r\nHost: a\r\n\r\n") << QByteArray("501 Not Implemented");
-    QTest::newRow("another protocol")
-        << QByteArray("\x16\x03\x01\n\n") << QByteArray("400 Bad Request");
-    QTest::newRow("nothing but blank lines")
-        << QByteArray("\r\n").repeated(20000) << QByteArray("400 Bad Request");
-    QTest::newRow("two lengths") << QByteArray(
-        "PUT / HTTP/1.1\r\nHost: a\r\nContent-Length: 5\r\nContent-Length: 6\r\n\r\n")
-                                 << QByteArray("400 Bad Request");
+    row("bare line feeds", "GET / HTTP/1.1\nHost: a\n\n", "400 Bad Request");
+    row("too long", "GET / HTTP/1.1\r\nHost: a\r\nX: " + QByteArray(20000, 'x'),
+        "431 Request Header Fields Too Large");
+    row("another protocol", "\x16\x03\x01\n\n", "400 Bad Request");
+    row("nothing but blank lines", QByteArray("\r\n").repeated(20000), "400 Bad Request");
+    row("two lengths",
+        "PUT / HTTP/1.1\r\nHost: a\r\nContent-Length: 5\r\nContent-Length: 6\r\n\r\n",
+        "400 Bad Request");
 }
 
 void TestFilesByHttp::badHeads()

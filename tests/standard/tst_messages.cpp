@@ -6,6 +6,7 @@
 #include "standard/http/HttpDate.h"
 #include "standard/http/Ranges.h"
 #include "standard/http/Request.h"
+#include "tests/support/Data.h"
 
 #include <QTest>
 
@@ -100,51 +101,47 @@ void TestMessages::headIsAcceptedOrRefused_data()
     };
     const auto line = [](const char *first) { return QByteArray(first) + "\r\nHost: a\r\n"; };
 
-    QTest::newRow("plain") << get("") << 0;
-    QTest::newRow("bare CR in a value") << get("X: a\rb\r\n") << 400;
-    QTest::newRow("bare LF ends a line") << get("X: a\nY: b\r\n") << 400;
-    QTest::newRow("NUL in a value")
-        << get("X: a\r\n").replace("X: a", QByteArray("X: \0", 4)) << 400;
-    QTest::newRow("blank before the colon") << get("X : a\r\n") << 400;
-    QTest::newRow("line that goes on") << get("X: a\r\n b\r\n") << 400;
-    QTest::newRow("line without a colon") << get("nonsense\r\n") << 400;
-    QTest::newRow("no Host") << QByteArray("GET / HTTP/1.1\r\n") << 400;
-    QTest::newRow("no Host in 1.0") << QByteArray("GET / HTTP/1.0\r\n") << 0;
-    QTest::newRow("two Hosts") << get("Host: a\r\n") << 400;
-    QTest::newRow("Host with a path") << get("").replace("Host: a", "Host: a/b") << 400;
-    QTest::newRow("lengths that differ")
-        << put("Content-Length: 1\r\nContent-Length: 2\r\n") << 400;
-    QTest::newRow("length said twice") << put("Content-Length: 1\r\nContent-Length: 1\r\n") << 0;
-    QTest::newRow("negative length") << put("Content-Length: -1\r\n") << 400;
-    QTest::newRow("length with a sign") << put("Content-Length: +1\r\n") << 400;
-    QTest::newRow("length beyond all numbers")
-        << put("Content-Length: 99999999999999999999\r\n") << 400;
-    QTest::newRow("empty length") << put("Content-Length: \r\n") << 400;
-    QTest::newRow("half a list of lengths") << put("Content-Length: 5,\r\n") << 400;
-    QTest::newRow("length and chunks")
-        << put("Content-Length: 1\r\nTransfer-Encoding: chunked\r\n") << 400;
-    QTest::newRow("chunks") << put("transfer-encoding: Chunked\r\n") << 0;
-    QTest::newRow("chunks twice") << put("Transfer-Encoding: chunked, chunked\r\n") << 400;
-    QTest::newRow("chunks not last") << put("Transfer-Encoding: chunked, gzip\r\n") << 400;
-    QTest::newRow("other coding") << put("Transfer-Encoding: gzip, chunked\r\n") << 501;
-    QTest::newRow("chunks in 1.0")
-        << QByteArray("PUT / HTTP/1.0\r\nTransfer-Encoding: chunked\r\n") << 400;
-    QTest::newRow("unknown expectation") << put("Expect: wonders\r\n") << 417;
-    QTest::newRow("unknown method") << line("BREW / HTTP/1.1") << 501;
-    QTest::newRow("method in lower case") << line("get / HTTP/1.1") << 501;
-    QTest::newRow("no version") << line("GET /") << 400;
-    QTest::newRow("two blanks") << line("GET  / HTTP/1.1") << 400;
-    QTest::newRow("version to come") << line("GET / HTTP/2.0") << 505;
-    QTest::newRow("strange version") << line("GET / HTTP/1.x") << 400;
-    QTest::newRow("broken encoding") << line("GET /%zz HTTP/1.1") << 400;
-    QTest::newRow("encoded NUL") << line("GET /a%00 HTTP/1.1") << 400;
-    QTest::newRow("fragment") << line("GET /a#b HTTP/1.1") << 400;
-    QTest::newRow("no path") << line("GET a HTTP/1.1") << 400;
-    QTest::newRow("star for one file") << line("GET * HTTP/1.1") << 400;
-    QTest::newRow("star for the server") << line("OPTIONS * HTTP/1.1") << 0;
-    QTest::newRow("authority") << line("CONNECT a:80 HTTP/1.1") << 501;
-    QTest::newRow("100 fields") << get("") + QByteArray("X: a\r\n").repeated(99) << 0;
-    QTest::newRow("101 fields") << get("") + QByteArray("X: a\r\n").repeated(100) << 431;
+    const auto row = [](const char *name, const QByteArray &head, int status = 400) {
+        QTest::newRow(name) << head << status;
+    };
+    row("plain", get(""), 0);
+    row("bare CR in a value", get("X: a\rb\r\n"));
+    row("bare LF ends a line", get("X: a\nY: b\r\n"));
+    row("NUL in a value", get("X: a\r\n").replace("X: a", QByteArray("X: \0", 4)));
+    row("blank before the colon", get("X : a\r\n"));
+    row("line that goes on", get("X: a\r\n b\r\n"));
+    row("line without a colon", get("nonsense\r\n"));
+    row("no Host", QByteArray("GET / HTTP/1.1\r\n"));
+    row("no Host in 1.0", QByteArray("GET / HTTP/1.0\r\n"), 0);
+    row("two Hosts", get("Host: a\r\n"));
+    row("Host with a path", get("").replace("Host: a", "Host: a/b"));
+    row("lengths that differ", put("Content-Length: 1\r\nContent-Length: 2\r\n"));
+    row("length said twice", put("Content-Length: 1\r\nContent-Length: 1\r\n"), 0);
+    row("negative length", put("Content-Length: -1\r\n"));
+    row("length with a sign", put("Content-Length: +1\r\n"));
+    row("length beyond all numbers", put("Content-Length: 99999999999999999999\r\n"));
+    row("empty length", put("Content-Length: \r\n"));
+    row("half a list of lengths", put("Content-Length: 5,\r\n"));
+    row("length and chunks", put("Content-Length: 1\r\nTransfer-Encoding: chunked\r\n"));
+    row("chunks", put("transfer-encoding: Chunked\r\n"), 0);
+    row("chunks twice", put("Transfer-Encoding: chunked, chunked\r\n"));
+    row("chunks not last", put("Transfer-Encoding: chunked, gzip\r\n"));
+    row("other coding", put("Transfer-Encoding: gzip, chunked\r\n"), 501);
+    row("chunks in 1.0", QByteArray("PUT / HTTP/1.0\r\nTransfer-Encoding: chunked\r\n"));
+    row("unknown expectation", put("Expect: wonders\r\n"), 417);
+    row("unknown method", line("BREW / HTTP/1.1"), 501);
+    row("no version", line("GET /"));
+    row("two blanks", line("GET  / HTTP/1.1"));
+    row("version to come", line("GET / HTTP/2.0"), 505);
+    row("broken encoding", line("GET /%zz HTTP/1.1"));
+    row("encoded NUL", line("GET /a%00 HTTP/1.1"));
+    row("fragment", line("GET /a#b HTTP/1.1"));
+    row("no path", line("GET a HTTP/1.1"));
+    row("star for one file", line("GET * HTTP/1.1"));
+    row("star for the server", line("OPTIONS * HTTP/1.1"), 0);
+    row("authority", line("CONNECT a:80 HTTP/1.1"), 501);
+    row("100 fields", get("") + QByteArray("X: a\r\n").repeated(99), 0);
+    row("101 fields", get("") + QByteArray("X: a\r\n").repeated(100), 431);
 }
 
 void TestMessages::headIsAcceptedOrRefused()
@@ -175,9 +172,7 @@ void TestMessages::headBecomesRecord()
 
 void TestMessages::chunkedBody_data()
 {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QByteArray>("rest");
+    columns<QByteArray>({ "bytes", "content", "rest" });
     QTest::addColumn<bool>("bad");
 
     const auto row = [](const char *name, const QByteArray &bytes, const QByteArray &content,
@@ -223,8 +218,7 @@ void TestMessages::conditions_data()
 {
     QTest::addColumn<QByteArray>("lines");
     QTest::addColumn<bool>("exists");
-    QTest::addColumn<int>("forGet");
-    QTest::addColumn<int>("forPut");
+    columns<int>({ "forGet", "forPut" });
 
     constexpr int go = int(Verdict::Proceed);
     constexpr int same = int(Verdict::NotModified);
@@ -346,31 +340,26 @@ void TestMessages::namesInDisposition()
 
 void TestMessages::proxiesTell_data()
 {
-    QTest::addColumn<QByteArray>("lines");
-    QTest::addColumn<QByteArray>("told");
-    const auto told = [](const char *name, const QByteArray &lines, const char *expected) {
-        QTest::newRow(name) << lines << QByteArray(expected);
-    };
-
+    columns<QByteArray>({ "lines", "told" });
     const QByteArray all = "X-Forwarded-For: 1.1.1.1, 192.0.2.7\r\nX-Forwarded-For: 10.0.0.2\r\n"
                            "X-Forwarded-Host: a.example\r\nX-Forwarded-Port: 8443\r\n"
                            "X-Forwarded-Proto: https\r\nX-Forwarded-Prefix: /a%20b/\r\n";
-    told("all, through two proxies", "Peer: 10.0.0.1\r\n" + all,
-         "192.0.2.7 a.example:8443 https /a%20b /left/x");
-    told("by an IPv4 address in IPv6", "Peer: ::ffff:10.0.0.1\r\n" + all,
-         "192.0.2.7 a.example:8443 https /a%20b /left/x");
-    told("by somebody else", "Peer: 10.0.0.9\r\n" + all, "10.0.0.9  ?  /left/x");
-    told("visitors with ports",
-         "Peer: 10.0.0.1\r\nX-Forwarded-For: [2001:db8::1]:80, 10.0.0.2:81\r\n",
-         "2001:db8::1  ? /left /x");
-    told("nobody by an address", "Peer: 10.0.0.1\r\nX-Forwarded-For: 1.1.1.1, unknown\r\n",
-         "10.0.0.1  ? /left /x");
-    told("the visitor's own words first",
-         "Peer: 10.0.0.1\r\nX-Forwarded-Proto: http, HTTPS\r\nX-Forwarded-Host: evil, b:1\r\n",
-         "10.0.0.1 b:1 https /left /x");
+    row("all, through two proxies", "Peer: 10.0.0.1\r\n" + all,
+        "192.0.2.7 a.example:8443 https /a%20b /left/x");
+    row("by an IPv4 address in IPv6", "Peer: ::ffff:10.0.0.1\r\n" + all,
+        "192.0.2.7 a.example:8443 https /a%20b /left/x");
+    row("by somebody else", "Peer: 10.0.0.9\r\n" + all, "10.0.0.9  ?  /left/x");
+    row("visitors with ports",
+        "Peer: 10.0.0.1\r\nX-Forwarded-For: [2001:db8::1]:80, 10.0.0.2:81\r\n",
+        "2001:db8::1  ? /left /x");
+    row("nobody by an address", "Peer: 10.0.0.1\r\nX-Forwarded-For: 1.1.1.1, unknown\r\n",
+        "10.0.0.1  ? /left /x");
+    row("the visitor's own words first",
+        "Peer: 10.0.0.1\r\nX-Forwarded-Proto: http, HTTPS\r\nX-Forwarded-Host: evil, b:1\r\n",
+        "10.0.0.1 b:1 https /left /x");
     for (const char *prefix : { "//evil", "evil", "/a?b", "/%zz", "/%2Fevil", "/" }) {
-        told(prefix, QByteArray("Peer: 10.0.0.1\r\nX-Forwarded-Prefix: ") + prefix + "\r\n",
-             "10.0.0.1  ? /left /x");
+        row(prefix, QByteArray("Peer: 10.0.0.1\r\nX-Forwarded-Prefix: ") + prefix + "\r\n",
+            "10.0.0.1  ? /left /x");
     }
 }
 

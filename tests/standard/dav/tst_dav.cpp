@@ -1,8 +1,8 @@
 #include "standard/dav/PropFindJob.h"
 #include "standard/dav/Routes.h"
 #include "tests/standard/StandardTest.h"
+#include "tests/support/Data.h"
 
-#include <QRegularExpression>
 #include <QtTest>
 
 #include <sys/stat.h>
@@ -13,12 +13,8 @@ using namespace standard;
 
 namespace {
 
-QByteArray lockBody(const QByteArray &scope = "exclusive")
-{
-    return "<lockinfo xmlns=\"DAV:\"><lockscope><" + scope
-        + "/></lockscope><locktype><write/></locktype>"
-          "<owner><href>me</href></owner></lockinfo>";
-}
+constexpr auto lockBody = "<lockinfo xmlns=\"DAV:\"><lockscope><exclusive/></lockscope>"
+                          "<locktype><write/></locktype><owner><href>me</href></owner></lockinfo>";
 
 class DavServer : public StandardServer
 {
@@ -26,8 +22,6 @@ public:
     DavServer()
         : StandardServer(withDav(standard::fileRoutes()))
     {
-        profile->enableUpload = Qt::Checked;
-        profile->enableDelete = Qt::Checked;
     }
 
     RawReply propFind(const QByteArray &target, const QByteArray &depth,
@@ -46,10 +40,9 @@ public:
                        " xmlns:Z=\"urn:schemas-microsoft-com:\">"
                            + steps + "</D:propertyupdate>");
     }
-    RawReply lock(const QByteArray &target, const QByteArray &headers = {},
-                  const QByteArray &scope = "exclusive") const
+    RawReply lock(const QByteArray &target, const QByteArray &headers = {}) const
     {
-        return replyTo(*this, "LOCK", target, headers, lockBody(scope));
+        return replyTo(*this, "LOCK", target, headers, lockBody);
     }
 };
 
@@ -62,10 +55,11 @@ QByteArray setting(const QByteArray &properties)
 QByteArray hrefs(const QByteArray &body)
 {
     QByteArray all;
-    const QString text = QString::fromUtf8(body);
-    const QRegularExpression href(QStringLiteral("<D:href>([^<]*)</D:href>"));
-    for (auto at = href.globalMatch(text); at.hasNext();)
-        all += at.next().captured(1).toUtf8() + ' ';
+    const QList<QByteArray> parts = body.split('<');
+    for (const QByteArray &part : parts) {
+        if (part.startsWith("D:href>"))
+            all += part.mid(7) + ' ';
+    }
     return all;
 }
 
@@ -73,19 +67,6 @@ bool isWellFormed(const QByteArray &body)
 {
     XmlReader reader(body);
     return reader.enter() && reader.end();
-}
-
-/// Of a chunked reply.
-QByteArray joined(QByteArray chunks)
-{
-    QByteArray body;
-    while (!chunks.isEmpty()) {
-        const int line = int(chunks.indexOf("\r\n"));
-        const int size = chunks.left(line).toInt(nullptr, 16);
-        body += chunks.mid(line + 2, size);
-        chunks.remove(0, line + 2 + size + 2);
-    }
-    return body;
 }
 
 } // namespace
@@ -151,11 +132,7 @@ void DavTest::tellsWhatThereIs()
 
 void DavTest::tellsNames_data()
 {
-    QTest::addColumn<QByteArray>("name");
-    QTest::addColumn<QByteArray>("href"); ///< none: it is left out
-    const auto row = [](const char *title, const char *name, const char *href) {
-        QTest::newRow(title) << QByteArray(name) << QByteArray(href);
-    };
+    columns<QByteArray>({ "name", "href" }); // without one it is left out
     row("blank and percent", "a b%41.txt", "/f/a%20b%2541.txt");
     row("what XML marks up with", "<&'\">", "/f/%3C%26%27%22%3E");
     row("beyond ASCII", "\xc3\xa4\xf0\x90\x80\x80", "/f/%C3%A4%F0%90%80%80");
@@ -193,13 +170,12 @@ void DavTest::sendsLongListingsInPieces()
         ::mknod((folder + "/f" + QByteArray::number(i)).constData(), S_IFREG | 0600, 0);
     const RawReply reply = server.propFind("/", "1", "<getetag/>");
     QCOMPARE(reply.header("Transfer-Encoding"), QByteArray("chunked"));
-    const QByteArray body = joined(reply.body);
-    QVERIFY(isWellFormed(body));
-    QCOMPARE(body.count("<D:response>"), count + 1);
     // One that knows no chunks gets the same until the connection ends.
     RawClient old(server.port());
     old.send("PROPFIND / HTTP/1.0\r\nDepth: 1\r\nContent-Length: 0\r\n\r\n");
-    QCOMPARE(old.readToEnd().count("<D:response>"), count + 1);
+    const QByteArray all = old.readToEnd();
+    QVERIFY(isWellFormed(all.mid(all.indexOf("<?xml"))));
+    QCOMPARE(all.count("<D:response>"), count + 1);
     // A peer that goes away in the middle is no trouble.
     RawClient hasty(server.port());
     hasty.send("PROPFIND / HTTP/1.1\r\nHost: x\r\nDepth: 1\r\n\r\n");
@@ -231,13 +207,6 @@ void DavTest::keepsProperties()
     QVERIFY(found.contains("<none xmlns=\"urn:x\"/></D:prop><D:status>HTTP/1.1 404"));
     QVERIFY(hrefs(server.propFind("/", "1", asked).body).contains("/f "));
     QVERIFY(server.propFind("/", "1", asked).body.contains(value));
-    // The last step counts; to remove what isn't there is no failure.
-    const QByteArray removal =
-        "<D:remove><D:prop><x:p/></D:prop></D:remove><D:remove><D:prop><x:p/></D:prop></D:remove>";
-    server.propPatch("/f", setting("<x:p>new</x:p>") + removal);
-    QVERIFY(!server.propFind("/f", "0", asked).body.contains("new"));
-    server.propPatch("/f", removal + setting("<x:p>newer</x:p>"));
-    QVERIFY(server.propFind("/f", "0").body.contains(">newer</x:p>"));
 }
 
 void DavTest::changesPropertiesWhollyOrNot()
@@ -273,18 +242,11 @@ void DavTest::setsTimes()
 {
     DavServer server;
     server.addFile(QStringLiteral("f"), "x");
-    const QByteArray date = "Tue, 03 Mar 2015 04:05:06 GMT";
-    server.propPatch(
-        "/f",
-        setting("<Z:Win32LastModifiedTime>" + date
-                + "</Z:Win32LastModifiedTime>"
-                  "<Z:Win32FileAttributes>00000020</Z:Win32FileAttributes>"
-                  "<executable xmlns=\"http://apache.org/dav/props/\">T</executable>"));
+    server.propPatch("/f",
+                     setting("<D:lastmodified>0</D:lastmodified>"
+                             "<executable xmlns=\"http://apache.org/dav/props/\">T</executable>"));
     const QByteArray found = server.propFind("/f", "0").body;
-    QVERIFY(found.contains("<D:getlastmodified>" + date));
-    QVERIFY(found.contains(">00000020<") && found.contains(">T</executable>"));
-    server.propPatch("/f", setting("<D:lastmodified>0</D:lastmodified>"));
-    QVERIFY(server.propFind("/f", "0").body.contains("Thu, 01 Jan 1970 00:00:00 GMT"));
+    QVERIFY(found.contains("Thu, 01 Jan 1970 00:00:00 GMT") && found.contains(">T</executable>"));
     const RawReply bad =
         server.propPatch("/f",
                          setting("<D:lastmodified>7</D:lastmodified>"
@@ -324,25 +286,15 @@ void DavTest::locks()
     const RawReply again =
         replyTo(server, "LOCK", "/d/f", named + "Timeout: Second-2000\r\nContent-Length: 0\r\n");
     QVERIFY(again.body.contains("<D:timeout>Second-2000<"));
-    QCOMPARE(replyTo(server, "LOCK", "/", named).status().left(3), QByteArray("412"));
-    const QByteArray changed = "If: (" + token + " [\"other\"])\r\n";
-    QCOMPARE(replyTo(server, "LOCK", "/d/f", changed).status().left(3), QByteArray("412"));
-
-    const auto unlock = [&server](const QByteArray &value) {
-        return replyTo(server, "UNLOCK", "/d/f", "Lock-Token: " + value + "\r\n").status().left(3);
-    };
-    QCOMPARE(unlock("<urn:uuid:none>"), QByteArray("409"));
-    QCOMPARE(unlock(token), QByteArray("204"));
-    QCOMPARE(unlock(token), QByteArray("409"));
+    QCOMPARE(server.status("LOCK", "/", named), 412);
+    for (const int unlocked : { 204, 409 })
+        QCOMPARE(server.status("UNLOCK", "/d/f", "Lock-Token: " + token + "\r\n"), unlocked);
 
     // Where there is nothing, a file appears.
     const RawReply created = server.lock("/new", "Depth: 0\r\n");
     QCOMPARE(created.status(), QByteArray("201 Created"));
     QVERIFY(QFileInfo(server.sharePath(QStringLiteral("new"))).isFile());
-    QCOMPARE(server.lock("/none/new").status(), QByteArray("409 Conflict"));
-    QCOMPARE(server.lock("/d/f", {}, "shared").status(), QByteArray("200 OK"));
-    QCOMPARE(server.lock("/d", {}, "shared").status(), QByteArray("200 OK"));
-    QCOMPARE(server.lock("/d").status(), QByteArray("423 Locked"));
+    QCOMPARE(server.lock("/d").status(), QByteArray("200 OK"));
     // What is served anew is locked by nobody.
     server.server->stop();
     server.start();
@@ -361,10 +313,8 @@ void DavTest::guardsWhatIsLocked()
         return server.propPatch("/d/f", setting("<x:p>1</x:p>"), header).status().left(3);
     };
     QCOMPARE(patch({}), QByteArray("423"));
-    QCOMPARE(patch('(' + token + ')'), QByteArray("412"));
     QCOMPARE(patch("</d> (" + token + ')'), QByteArray("423"));
     QCOMPARE(patch("(<urn:none>) (Not <DAV:no-lock>)"), QByteArray("423"));
-    QCOMPARE(patch('(' + fileToken + " [\"other\"])"), QByteArray("412"));
     QCOMPARE(patch('(' + fileToken), QByteArray("400"));
     QCOMPARE(patch('(' + fileToken + " [" + tag + "])"), QByteArray("207"));
     QCOMPARE(patch("<http://any.name/d/f> (" + fileToken + ')'), QByteArray("207"));
@@ -387,19 +337,16 @@ void DavTest::keepsLocksToTheirOwners()
     const QByteArray others = "Authorization: Basic " + QByteArray("b:2").toBase64() + "\r\n";
     const QByteArray token = server.lock("/f", mine).header("Lock-Token");
     const QByteArray named = "If: (" + token + ")\r\n";
-    const auto status = [&server](const QByteArray &method, const QByteArray &headers) {
-        return replyTo(server, method, "/f", headers).status().left(3);
-    };
     // Everybody is told the token.
-    QCOMPARE(status("PUT", others + named), QByteArray("423"));
-    QCOMPARE(status("LOCK", others + named), QByteArray("412"));
-    QCOMPARE(status("UNLOCK", others + "Lock-Token: " + token + "\r\n"), QByteArray("403"));
-    QCOMPARE(status("PUT", mine + named), QByteArray("204"));
-    QCOMPARE(status("LOCK", mine + named), QByteArray("200"));
+    QCOMPARE(server.status("PUT", "/f", others + named), 423);
+    QCOMPARE(server.status("LOCK", "/f", others + named), 412);
+    QCOMPARE(server.status("UNLOCK", "/f", others + "Lock-Token: " + token + "\r\n"), 403);
+    QCOMPARE(server.status("PUT", "/f", mine + named), 204);
+    QCOMPARE(server.status("LOCK", "/f", mine + named), 200);
     server.profile->enableUpload = Qt::Unchecked;
-    QCOMPARE(status("UNLOCK", mine + "Lock-Token: " + token + "\r\n"), QByteArray("403"));
+    QCOMPARE(server.status("UNLOCK", "/f", mine + "Lock-Token: " + token + "\r\n"), 403);
     server.profile->enableUpload = Qt::Checked;
-    QCOMPARE(status("UNLOCK", mine + "Lock-Token: " + token + "\r\n"), QByteArray("204"));
+    QCOMPARE(server.status("UNLOCK", "/f", mine + "Lock-Token: " + token + "\r\n"), 204);
 }
 
 void DavTest::seesLocksThroughLinks()
@@ -408,29 +355,25 @@ void DavTest::seesLocksThroughLinks()
     server.addFile(QStringLiteral("d/f"), "x");
     QVERIFY(QFile::link(QStringLiteral("d"), server.sharePath(QStringLiteral("link"))));
     QVERIFY(QFile::link(QStringLiteral("d/f"), server.sharePath(QStringLiteral("alias"))));
-    const auto status = [&server](const QByteArray &method, const QByteArray &target,
-                                  const QByteArray &headers = {}) {
-        return replyTo(server, method, target, headers).status().left(3);
-    };
     const RawReply made = server.lock("/link/f");
     QVERIFY(made.body.contains("<D:lockroot><D:href>/link/f<"));
     const QByteArray token = made.header("Lock-Token");
     for (const char *target : { "/d/f", "/link/f", "/alias" }) {
-        QCOMPARE(status("PUT", target), QByteArray("423"));
+        QCOMPARE(server.status("PUT", target), 423);
         QCOMPARE(server.lock(target).status(), QByteArray("423 Locked"));
-        QCOMPARE(status("PUT", target, "If: (" + token + ")\r\n"), QByteArray("204"));
+        QCOMPARE(server.status("PUT", target, "If: (" + token + ")\r\n"), 204);
     }
     QCOMPARE(server.propFind("/link", "1").body.count("<D:activelock>"), 1);
     QCOMPARE(server.propFind("/d", "1").body.count("<D:activelock>"), 1);
-    QCOMPARE(status("DELETE", "/d"), QByteArray("423"));
+    QCOMPARE(server.status("DELETE", "/d"), 423);
     // Another link goes without what it leads to, and without its lock.
-    QCOMPARE(status("DELETE", "/alias"), QByteArray("204"));
-    QCOMPARE(status("PUT", "/d/f"), QByteArray("423"));
-    QCOMPARE(status("UNLOCK", "/d/f", "Lock-Token: " + token + "\r\n"), QByteArray("204"));
+    QCOMPARE(server.status("DELETE", "/alias"), 204);
+    QCOMPARE(server.status("PUT", "/d/f"), 423);
+    QCOMPARE(server.status("UNLOCK", "/d/f", "Lock-Token: " + token + "\r\n"), 204);
     // Of a folder as well: what is new in it, and what it holds.
     QCOMPARE(server.lock("/link", "Depth: 0\r\n").status(), QByteArray("200 OK"));
-    QCOMPARE(status("PUT", "/d/new"), QByteArray("423"));
-    QCOMPARE(status("PUT", "/d/f"), QByteArray("204"));
+    QCOMPARE(server.status("PUT", "/d/new"), 423);
+    QCOMPARE(server.status("PUT", "/d/f"), 204);
 }
 
 void DavTest::endsLocksWithWhatTheyLock()
@@ -440,33 +383,32 @@ void DavTest::endsLocksWithWhatTheyLock()
         server.addFile(QString::fromLatin1(name), "x");
     const QByteArray token = server.lock("/d/f").header("Lock-Token");
     const QByteArray named = "If: </d/f> (" + token + ")\r\n";
-    const auto status = [&server](const QByteArray &method, const QByteArray &target,
-                                  const QByteArray &headers = {}) {
-        return replyTo(server, method, target, headers).status().left(3);
-    };
     // Whatever takes a locked file away, or puts something in its place, has to know the lock.
-    QCOMPARE(status("DELETE", "/d"), QByteArray("423"));
-    QCOMPARE(status("MOVE", "/d", "Destination: /h\r\n"), QByteArray("423"));
-    QCOMPARE(status("COPY", "/e/f", "Destination: /d/f\r\n"), QByteArray("423"));
-    QCOMPARE(status("COPY", "/e", "Destination: /d\r\n"), QByteArray("423"));
-    QCOMPARE(status("PUT", "/d/f"), QByteArray("423"));
-    QCOMPARE(status("DELETE", "/d/g"), QByteArray("204"));
-    QCOMPARE(status("COPY", "/d/f", "Destination: /d/copy\r\n"), QByteArray("201"));
+    QCOMPARE(server.status("DELETE", "/d"), 423);
+    QCOMPARE(server.status("MOVE", "/d", "Destination: /h\r\n"), 423);
+    QCOMPARE(server.status("COPY", "/e/f", "Destination: /d/f\r\n"), 423);
+    QCOMPARE(server.status("MOVE", "/e", "Destination: /d\r\n"), 423);
+    const RawReply refused = replyTo(
+        server, "PATCH", "/d/f",
+        "Content-Type: application/x-sabredav-partialupdate\r\nX-Update-Range: append\r\n", "y");
+    QVERIFY(refused.status() == "423 Locked" && refused.body.contains("lock-token-submitted"));
+    QCOMPARE(server.status("DELETE", "/d/g"), 204);
+    QCOMPARE(server.status("COPY", "/d/f", "Destination: /d/copy\r\n"), 201);
     QVERIFY(!server.propFind("/d/copy", "0").body.contains("activelock"));
-    QCOMPARE(status("MOVE", "/d", named + "Destination: /h\r\n"), QByteArray("201"));
+    QCOMPARE(server.status("MOVE", "/d", named + "Destination: /h\r\n"), 201);
     QVERIFY(!server.propFind("/h", "infinity").body.contains("activelock"));
-    QCOMPARE(status("PUT", "/h/f"), QByteArray("204"));
+    QCOMPARE(server.status("PUT", "/h/f"), 204);
     server.addFile(QStringLiteral("d/f"), "x");
-    QCOMPARE(status("PUT", "/d/f"), QByteArray("204"));
+    QCOMPARE(server.status("PUT", "/d/f"), 204);
 
     // A folder that is locked by itself keeps its names.
     const QByteArray folderToken = server.lock("/d", "Depth: 0\r\n").header("Lock-Token");
     for (const char *method : { "DELETE", "PUT" })
-        QCOMPARE(status(method, method[0] == 'P' ? "/d/new" : "/d/f"), QByteArray("423"));
-    QCOMPARE(status("MKCOL", "/d/new"), QByteArray("423"));
-    QCOMPARE(status("MOVE", "/h/f", "Destination: /d/new\r\n"), QByteArray("423"));
-    QCOMPARE(status("PUT", "/d/f"), QByteArray("204"));
-    QCOMPARE(status("DELETE", "/d", "If: (" + folderToken + ")\r\n"), QByteArray("204"));
+        QCOMPARE(server.status(method, method[0] == 'P' ? "/d/new" : "/d/f"), 423);
+    QCOMPARE(server.status("MKCOL", "/d/new"), 423);
+    QCOMPARE(server.status("MOVE", "/h/f", "Destination: /d/new\r\n"), 423);
+    QCOMPARE(server.status("PUT", "/d/f"), 204);
+    QCOMPARE(server.status("DELETE", "/d", "If: (" + folderToken + ")\r\n"), 204);
     QCOMPARE(server.lock("/d").status(), QByteArray("201 Created"));
 }
 
@@ -502,22 +444,15 @@ void DavTest::takesPropertiesAlong()
 
 void DavTest::refuses_data()
 {
-    QTest::addColumn<QByteArray>("request");
-    QTest::addColumn<QByteArray>("status");
-    const auto row = [](const char *title, const QByteArray &request, const char *status) {
-        QTest::newRow(title) << request << QByteArray(status);
-    };
-    row("nothing there", rawRequest("PROPFIND", "/none"), "404 Not Found");
+    columns<QByteArray>({ "request", "status" });
     row("bad depth", rawRequest("PROPFIND", "/", "Depth: 2\r\n"), "400 Bad Request");
-    row("no XML", rawRequest("PROPFIND", "/", {}, "<a>"), "400 Bad Request");
     row("long body", rawRequest("PROPFIND", "/", {}, QByteArray(70000, ' ')),
         "413 Content Too Large");
     row("properties of nothing", rawRequest("PROPPATCH", "/none", {}, "<a/>"), "404 Not Found");
     const QByteArray none = "<propertyupdate xmlns=\"DAV:\"/>";
     row("no properties", rawRequest("PROPPATCH", "/f", {}, none), "400 Bad Request");
     row("lock without a body or token", rawRequest("LOCK", "/f"), "400 Bad Request");
-    row("lock of one level", rawRequest("LOCK", "/f", "Depth: 1\r\n", lockBody()),
-        "400 Bad Request");
+    row("lock of one level", rawRequest("LOCK", "/f", "Depth: 1\r\n", lockBody), "400 Bad Request");
     row("lock of what has changed", rawRequest("LOCK", "/f", "If-None-Match: *\r\n", "<a/>"),
         "412 Precondition Failed");
     row("unlock without a token", rawRequest("UNLOCK", "/f"), "400 Bad Request");

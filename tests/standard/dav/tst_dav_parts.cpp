@@ -4,6 +4,7 @@
 #include "standard/dav/PropertyStore.h"
 #include "standard/dav/RequestBodies.h"
 #include "tests/files/Disk.h"
+#include "tests/support/Data.h"
 
 #include <QRandomGenerator>
 #include <QtTest>
@@ -196,23 +197,20 @@ void DavPartsTest::readsWhatIsAskedFor()
 
 void DavPartsTest::keepsValuesWhole_data()
 {
-    QTest::addColumn<QByteArray>("given");
-    QTest::addColumn<QByteArray>("kept");
-    QTest::newRow("text")
-        << QByteArray("<x:p xmlns:x=\"urn:x\">a &lt;&amp;&#13;&gt; \xc3\xbc</x:p>")
-        << QByteArray("<x:p xmlns:x=\"urn:x\">a &lt;&amp;&#13;&gt; \xc3\xbc</x:p>");
-    QTest::newRow("beyond 16 bits") << QByteArray("<p xmlns=\"urn:x\">&#65536;</p>")
-                                    << QByteArray("<p xmlns=\"urn:x\">\xf0\x90\x80\x80</p>");
-    QTest::newRow("namespace from outside, also within a value")
-        << QByteArray("<D:p><D:q kind=\"D:r\"/></D:p>")
-        << QByteArray("<D:p xmlns:D=\"DAV:\"><D:q kind=\"D:r\"></D:q></D:p>");
-    QTest::newRow("own prefix hides the outer one")
-        << QByteArray("<p xmlns=\"\"><D:q xmlns:D=\"urn:d\"/></p>")
-        << QByteArray("<p xmlns=\"\" xmlns:D=\"DAV:\"><D:q xmlns:D=\"urn:d\"></D:q></p>");
-    QTest::newRow("its own language") << QByteArray("<p xmlns=\"u\" xml:lang=\"de\"/>")
-                                      << QByteArray("<p xmlns=\"u\" xml:lang=\"de\"/>");
-    QTest::newRow("quotes in attributes") << QByteArray("<p xmlns=\"u\" a='\"&#10;'/>")
-                                          << QByteArray("<p xmlns=\"u\" a=\"&quot;&#10;\"/>");
+    columns<QByteArray>({ "given", "kept" });
+    const auto row = [](const char *name, const char *given, const char *kept) {
+        QTest::newRow(name) << QByteArray(given) << QByteArray(kept ? kept : given);
+    };
+    row("text", "<x:p xmlns:x=\"urn:x\">a &lt;&amp;&#13;&gt; \xc3\xbc</x:p>", nullptr);
+    row("its own language", "<p xmlns=\"u\" xml:lang=\"de\"/>", nullptr);
+    row("beyond 16 bits", "<p xmlns=\"urn:x\">&#65536;</p>",
+        "<p xmlns=\"urn:x\">\xf0\x90\x80\x80</p>");
+    row("namespace from outside, also within a value", "<D:p><D:q kind=\"D:r\"/></D:p>",
+        "<D:p xmlns:D=\"DAV:\"><D:q kind=\"D:r\"></D:q></D:p>");
+    row("own prefix hides the outer one", "<p xmlns=\"\"><D:q xmlns:D=\"urn:d\"/></p>",
+        "<p xmlns=\"\" xmlns:D=\"DAV:\"><D:q xmlns:D=\"urn:d\"></D:q></p>");
+    row("quotes in attributes", "<p xmlns=\"u\" a='\"&#10;'/>",
+        "<p xmlns=\"u\" a=\"&quot;&#10;\"/>");
 }
 
 void DavPartsTest::keepsValuesWhole()
@@ -234,29 +232,19 @@ void DavPartsTest::evaluatesIf_data()
 {
     QTest::addColumn<QByteArray>("header");
     QTest::addColumn<QString>("outcome");
-    const auto row = [](const char *header, const char *outcome) {
-        QTest::newRow(header) << QByteArray(header) << QString::fromLatin1(outcome);
+    const auto rows = [](const char *outcome, std::initializer_list<const char *> headers) {
+        for (const char *header : headers)
+            QTest::newRow(header) << QByteArray(header) << QString::fromLatin1(outcome);
     };
-    row("(<t:1>)", "true");
-    row("(<t:2>)", "false");
-    row("(Not <t:2>)", "true");
-    row("(<t:1> [\"e]\"])", "true");
-    row("(<t:1> [\"f\"])", "false");
-    row("(<t:1> [W/\"e]\"])", "false");
-    row("(<t:2>) (not<DAV:no-lock>)", "true");
-    row("(<t:2>)(Not <t:1>)", "false");
-    row("</locked> (<t:1>) </free> (<t:2>)", "true");
-    row("</free> (<t:1>) (Not <t:1>)", "true");
-    row("</free> (<t:1>)", "false");
-    row("", "malformed");
-    row("()", "malformed");
-    row("(<t:1>", "malformed");
-    row("<t:1>", "malformed");
-    row("(<t:1>) </locked> (<t:1>)", "malformed");
-    row("(\"e\")", "malformed");
-    row("(<t:1>) x", "malformed");
-    row("(Not)", "malformed");
-    row("([\"e)", "malformed");
+    rows("true",
+         { "(<t:1>)", "(Not <t:2>)", "(<t:1> [\"e]\"])", "(<t:2>) (not<DAV:no-lock>)",
+           "</locked> (<t:1>) </free> (<t:2>)", "</free> (<t:1>) (Not <t:1>)" });
+    rows("false",
+         { "(<t:2>)", "(<t:1> [\"f\"])", "(<t:1> [W/\"e]\"])", "(<t:2>)(Not <t:1>)",
+           "</free> (<t:1>)" });
+    rows("malformed",
+         { "", "()", "(<t:1>", "<t:1>", "(<t:1>) </locked> (<t:1>)", "(\"e\")", "(<t:1>) x",
+           "(Not)", "([\"e)" });
 }
 
 void DavPartsTest::evaluatesIf()
@@ -274,20 +262,18 @@ void DavPartsTest::evaluatesIf()
 void DavPartsTest::locksExclude_data()
 {
     QTest::addColumn<QByteArray>("path");
-    QTest::addColumn<bool>("deep");
-    QTest::addColumn<bool>("shared");
+    columns<bool>({ "deep", "shared" });
     QTest::addColumn<QByteArray>("against"); ///< the root of the lock that forbids it
-    const QByteArray none = "-";
     // There are an exclusive lock on "a/b", a deep shared one on "s" and a shared one on "".
-    QTest::newRow("the same") << QByteArray("a/b") << false << true << QByteArray("a/b");
-    QTest::newRow("below a lock without depth") << QByteArray("a/b/c") << true << false << none;
-    QTest::newRow("above, alone") << QByteArray("a") << false << false << none;
-    QTest::newRow("above, with all below") << QByteArray("a") << true << true << QByteArray("a/b");
-    QTest::newRow("name that begins alike") << QByteArray("a/b!") << true << false << none;
-    QTest::newRow("shared below a deep shared one") << QByteArray("s/t") << true << true << none;
-    QTest::newRow("exclusive below it") << QByteArray("s/t/u") << false << false << QByteArray("s");
-    QTest::newRow("the root, exclusive") << QByteArray("") << false << false << QByteArray("");
-    QTest::newRow("the root, deep") << QByteArray("") << true << true << QByteArray("a/b");
+    row("the same", "a/b", false, true, "a/b");
+    row("below a lock without depth", "a/b/c", true, false, "-");
+    row("above, alone", "a", false, false, "-");
+    row("above, with all below", "a", true, true, "a/b");
+    row("name that begins alike", "a/b!", true, false, "-");
+    row("shared below a deep shared one", "s/t", true, true, "-");
+    row("exclusive below it", "s/t/u", false, false, "s");
+    row("the root, exclusive", "", false, false, "");
+    row("the root, deep", "", true, true, "a/b");
 }
 
 void DavPartsTest::locksExclude()

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QByteArray>
+#include <QTest>
+
+#include <initializer_list>
+
+/// Columns of one type in the data of a test.
+template <typename Value> void columns(std::initializer_list<const char *> names)
+{
+    for (const char *name : names)
+        QTest::addColumn<Value>(name);
+}
+
+inline QByteArray cell(const char *text)
+{
+    return text;
+}
+
+template <typename Value> const Value &cell(const Value &value)
+{
+    return value;
+}
+
+/// A row of data; literals are bytes.
+template <typename... Values> void row(const char *name, const Values &...values)
+{
+    (QTest::newRow(name) << ... << cell(values));
+}
