@@ -3,6 +3,7 @@
 #include "files/FileDescriptor.h"
 #include "tests/classic/pages/Fixtures.h"
 #include "tests/files/Pictures.h"
+#include "tests/support/Data.h"
 
 #include <QDateTime>
 
@@ -88,11 +89,7 @@ void TestClientListing::records()
 
 void TestClientListing::listings_data()
 {
-    QTest::addColumn<QByteArray>("target");
-    QTest::addColumn<QByteArray>("paths");
-    const auto row = [](const char *name, const char *target, const char *paths) {
-        QTest::newRow(name) << QByteArray(target) << QByteArray(paths);
-    };
+    columns<QByteArray>({ "target", "paths" });
     row("the top level", "/", "/10 /9 /_x /a/ /A1 /empty/ /z.JPG /\xc3\xa4 ");
     row("everything", "/?r=1",
         "/10 /9 /_x /a/.hidden /a/big.jpg /a/deep/x.txt /A1 /z.JPG /\xc3\xa4 ");

@@ -13,55 +13,12 @@
 
 namespace {
 
-/// The pages below are broken into lines to be read; what is sent has none.
-QByteArray joined(QByteArray page)
+/// A page as it is sent. In its file beside this one it is broken into lines to be read.
+QByteArray page(const char *name)
 {
-    return page.replace('\n', QByteArray());
+    const QString folder = QStringLiteral(PAGES "/");
+    return readFile(folder + QLatin1String(name)).replace('\n', QByteArray());
 }
-
-constexpr auto scripts =
-    R"html(<script type="text/javascript">function checkFolder(item){if(item.checked){if(!confirm('Delete all files in folder ' + item.value + '?')){
-item.checked = false;return false;}}return true;}function read_value(){if(document.fl.d[0] == null) return checkFolder(document.fl.d);for(var i=0; i 
-< document.fl.d.length; i++){if(!checkFolder(document.fl.d[i]))return false;}return true;}</script>)html";
-constexpr auto sortForm =
-    R"html(<form method="POST" name="s"><td>Sorted by:<select name="a" onchange="s.submit();"><option value="n" SELECTED>Name</option><option value="s">Size
-</option><option value="t">Time</option></select></td></form>)html";
-constexpr auto actionForms =
-    R"html(<form method="POST" name="af"><td><select name="a" onchange="if(af.a.selectedIndex>0){af.submit();af.a.selectedIndex=0;}">
-<option value="" SELECTED>Select Action</option><option value="up">Add File</option><option value="cf">Create Folder</option>
-<option value="upfm">File Manager in window</option><option value="upm">File Manager in browser</option></select></td></form>
-<form method="POST" name="fl" onsubmit="return read_value()"><input type="hidden" name="a" value="del"><td><input type="submit" value="Delete selected
- items"></td>)html";
-constexpr auto itemsForm =
-    R"html(<form method="post"><input type="hidden" name="a" value="c"><td style="white-space: nowrap"><input type="submit"value="Set Item/Page:">
-<input type="text" size="2" name="cv" value="24"></td></form>)html";
-constexpr auto uploadForm =
-    R"html(<html><head><title>Quillon</title><title>Upload</title><script type="text/javascript">function checkVal(val, msg){if(val == ''){alert(msg);
-return false;}return true;}</script></head><body background="/_i/sand-light.jpg"><center><h2>Send file to /a&lt;b&gt;</h2>
-<form method="POST" name="up" enctype="multipart/form-data"><table border="0" cellspacing="5"><tr><th align="right">File:</th><td align="left">
-<input type="file" name="f" size="40"></td></tr></table><input type="submit" name="submit" value="Send" onclick="return checkVal(up.f.value, 'No
- selected file');">&nbsp;&nbsp;&nbsp;<input type="button" value="Back" onclick="javascript: history.go(-1);"/></form></center></body></html>)html";
-constexpr auto createForm =
-    R"html(<html><head><title>Quillon</title><title>Create Folder</title><script type="text/javascript">function checkVal(val, msg){if(val == ''){alert(msg);
-return false;}return true;}</script></head><body background="/_i/sand-light.jpg"><center><h2>Create new folder</h2><form method="POST" name="cf"
- onsubmit="return checkVal(cf.f.value, 'No folder name')"><table border="0" cellspacing="5"><tr><th align="right">New folder name:</th>
-<td align="left"><input type="text" name="f" size="40"></td></tr></table><input type="submit" name="submit" value="Create">&nbsp;&nbsp;&nbsp;
-<input type="hidden" name="a" value="cfd"><input type="button" value="Back" onclick="javascript: history.go(-1);"/></form></center></body></html>)html";
-constexpr auto appletPage =
-    R"html(<html><head><title>Quillon</title></head><body onResize="resize()" onLoad="resize()" topmargin="0" leftmargin="0" marginwidth="0" marginheight="0">
-<script type="text/javascript">function resize(){var w,h;var mw=1600,mh=1200;if (navigator.appName.indexOf("Microsoft") != -1){
-w=document.body.clientWidth;h=document.body.clientHeight;}else{w=window.innerWidth;h=window.innerHeight;}if(w>mw)w=mw;if(h>mh)h=mh;h=h-40;
-document.mc.setSize(w,h);window.scroll(0,0);}window.onResize=resize;window.onLoad=resize;document.body.style.overflow='hidden';</script>
-<a href="/my docs/"><-Back</a>&nbsp;&nbsp;&nbsp;File manager for copy selected files and folders<br><APPLET name="mc" archive="/_i/QuillonClient.jar"
- code="quillonclient/QuillonApplet.class" width=1600 height=1200><param name=Cookie value="42"><param name=Path value="/my docs/">
-<param name=Aut value="ann:&quot;x">Applet not supported in this browser.</APPLET></body></html>)html";
-constexpr auto launchDescriptor =
-    R"html(<?xml version="1.0" encoding="utf-8"?><jnlp spec="1.0+" codebase="http://localhost/"><information><title>Quillon</title><vendor>Tessaroy, Inc.
-</vendor><homepage href="https://quillon.example/"/><description>Quillon client filemanager</description></information><security><all-permissions/>
-</security><resources><j2se version="1.5+" href="https://java.example/" java-vm-args="-client"><property name="http.keepAlive" value="true"/></j2se>
-<jar href="/_i/QuillonClient.jar" main="true" download="eager" /></resources><application-desc name="Quillon"
- main-class="quillonclient.QuillonApplet"><argument>URL=http://localhost/</argument><argument>Cookie=42</argument><argument>Path=/docs//</argument>
-<argument>Aut=ann:&quot;x</argument></application-desc></jnlp>)html";
 
 QByteArray uploadBody(const QByteArray &name, const QByteArray &content = "content")
 {
@@ -157,18 +114,8 @@ void TestBrowserPages::pageWithPictures()
     add("My Trip/small 1.png", QByteArray(19999, 'x'));
     const RawReply reply = get("/My%20Trip");
     QCOMPARE(reply.header("Content-Type"), QByteArray("text/html; charset=UTF-8"));
-    const QByteArray expected = "<html><head><title>Quillon</title>" + QByteArray(scripts)
-        + R"html(</head><body background="/_i/sand-light.jpg"><table><tr><td><b><a href="/">../My Trip</a></b></td>)html"
-        + sortForm + actionForms
-        + R"html(</tr></table><table border="1" frame="border"><tr><td align="center" width="200"><input type="checkbox" name="d" value="in"> <a href="/My%20Trip/in">
-<br>in<br><img src="/_i/folder.png" vspace="8" align="center" border="0"></a></td><td align="center" width="200"><input type="checkbox" name="f"
- value="&lt;b&gt; & &quot;c&quot;.txt"> <a href="/My%20Trip/%3Cb%3E%20&%20%22c%22.txt"><img src="/_i/txt.png" vspace="8" align="center" border="0">
-<br>&lt;b&gt; & &quot;c&quot;.txt<br></a>1KB<br>9 Sep 2001 01:46:40</td><td align="center" width="200"><input type="checkbox" name="f"
- value="Makefile"> <a href="/My%20Trip/Makefile"><br>Makefile<br></a>7Byte<br>13 Feb 2009 23:31:30</td></tr><tr><td align="center" width="200">
-<input type="checkbox" name="f" value="small 1.png"> <a href="/My%20Trip/small%201.png"><img src="/My%20Trip/small%201.png" vspace="8" align="center"
- border="0"><br>small 1.png<br></a>19KB<br>13 Sep 2020 12:26:40</td></tr></table></form><table><tr>)html"
-        + itemsForm + "</tr></table></body></html>";
-    QCOMPARE(reply.body, joined(expected));
+    QCOMPARE(reply.body, page("pictures.html"));
+    QVERIFY(get("/", "a=upfm").header("Content-Disposition").endsWith("=\"filemanager.jnlp\""));
 }
 
 void TestBrowserPages::pageWithoutPictures()
@@ -178,20 +125,11 @@ void TestBrowserPages::pageWithoutPictures()
     live->profile->enableUpload = Qt::Unchecked;
     add("a\"b/c");
     add("photo.jpg", QByteArray(20000, 'x'));
-    const QByteArray start = "<html><head><title>Quillon</title></head><body><table><tr>"
-        + QByteArray(sortForm) + "</tr></table>";
-    QByteArray expected = start
-        + R"html(<table border="1" frame="border"><tr><td align="center" width="200"><a href="/a%22b">a&quot;b</a><br>Folder</td></tr></table><table><tr>)html"
-        + itemsForm
-        + R"html(<td>Pages: <b>1</b> <a href="?a=p&p=1">2</a> </td></tr></table></body></html>)html";
-    QCOMPARE(get("/", "a=c&cv=1").body, joined(expected.replace("\"24\"", "\"1\"")));
+    QCOMPARE(get("/", "a=c&cv=1").body, page("plain.html"));
     get("/", "a=c&cv=24");
     live->profile->showFolders = Qt::Unchecked;
     QVERIFY(QFile::remove(live->sharePath(QStringLiteral("photo.jpg"))));
-    const QByteArray empty = start
-        + R"html(Unknown request &lt;i&gt;<table border="1" frame="border"><tr><td><h2>Empty</h2></td></tr></table><table><tr>)html"
-        + itemsForm + "</tr></table></body></html>";
-    QCOMPARE(get("/", "a=<i>").body, joined(empty));
+    QCOMPARE(get("/", "a=<i>").body, page("empty.html"));
 }
 
 void TestBrowserPages::previewsAppear()
@@ -245,10 +183,10 @@ void TestBrowserPages::conversations_data()
           { "/s/c", "a=" + QByteArray(1000000, 'x'), "c" },
           { "/s", get, "Unknown request " + QByteArray(8176, 'x') + "|z a b c" } });
     row("pages beside the listing",
-        { { "/a%3Cb%3E", "a=up", joined(uploadForm) },
-          { "/", "a=cf", joined(createForm) },
-          { "/my+docs/", "a=upm", joined(appletPage) },
-          { "/docs/", "a=upfm", joined(launchDescriptor) } });
+        { { "/a%3Cb%3E", "a=up", page("upload.html") },
+          { "/", "a=cf", page("create.html") },
+          { "/my+docs/", "a=upm", page("applet.html") },
+          { "/docs/", "a=upfm", page("launch.jnlp") } });
     row("special folders",
         { { "/_i/a%20b.png", get, "icon" },
           { "/_i/mine", get, "404" },
