@@ -16,6 +16,7 @@ import tempfile
 import time
 import unittest
 import urllib.parse
+from functools import partialmethod
 from pathlib import Path
 
 SERVE = MAKE_PROFILE = ""
@@ -27,7 +28,6 @@ NAMES = ["Umläute äöüß €, hash #1?.txt", "percent 100% %41 + & =.txt", "q
 EVERYDAY = [
     ("list the empty share", "names", ""),
     ("upload a file", "put", "small", "a.txt"),
-    ("list a file", "names", ""),
     ("download it", "get", "a.txt", "a"),
     ("replace it by a longer one", "put", "big", "a.txt"),
     ("download what was replaced", "get", "a.txt", "longer"),
@@ -35,7 +35,6 @@ EVERYDAY = [
     ("replace it by an empty one", "put", "empty", "a.txt"),
     ("download an empty file", "get", "a.txt", "shorter"),
     ("upload 6 MB", "put", "big", "big.bin"),
-    ("download 6 MB", "get", "big.bin", "big"),
     ("make a folder", "mkdir", "one"),
     ("make a folder in it", "mkdir", "one/in ner"),
     ("list an empty folder", "names", "one/in ner"),
@@ -56,7 +55,7 @@ EVERYDAY = [
     ("delete a file", "delete", "copy.bin"),
     ("delete a tree", "delete_tree", "three"),
     ("upload a tree", "put_tree", "tree", "tree"),
-        ("download a tree", "get_tree", "tree", "tree"),
+    ("download a tree", "get_tree", "tree", "tree"),
     ("make a folder for many files", "mkdir", "many"),
     ("upload 500 files", "put_many", "many", "many"),
     ("list 500 files", "names", "many"),
@@ -75,55 +74,8 @@ TELLING_NAMES = [
 ]
 WITH_LOGIN = EVERYDAY[:8]
 EVERYDAY += TELLING_NAMES
-
-# One request each: a sentence, method, path, further options of curl; the status, and what stands
-# in the head or the body. "x" holds the digits, "{token}" is that of the last lock.
-RANGED = ("-r", "0-1")
-DATED = ("-H", "X-OC-Mtime: 1000000000")
-TREE = ("-H", "Destination: /d/e")
-OWNED = "<D:lockinfo xmlns:D='DAV:'><D:lockscope><D:exclusive/></D:lockscope>" \
-        "<D:locktype><D:write/></D:locktype><D:owner>me</D:owner></D:lockinfo>"
-COLOUR = "<D:propertyupdate xmlns:D='DAV:'><D:set><D:prop><c xmlns='urn:c'>red</c></D:prop>" \
-         "</D:set></D:propertyupdate>"
-REQUESTS = [
-    ("what the server can do", "OPTIONS", "", (), 200, "DAV: 1, 2, 3"),
-    ("upload", "PUT", "x", ("-d", "0123456789"), 201, "ETag: \""),
-    ("the first two bytes", "GET", "x", RANGED, 206, "Content-Range: bytes 0-1/10"),
-    ("the last bytes", "GET", "x", ("-r", "-3"), 206, "\n789"),
-    ("from the middle on", "GET", "x", ("-r", "4-"), 206, "\n456789"),
-    ("two ranges", "GET", "x", ("-r", "0-1,8-9"), 206, "multipart/byteranges"),
-    ("a range past the end", "GET", "x", ("-r", "10-"), 416, "Content-Range: bytes */10"),
-    ("a range of another version", "GET", "x", (*RANGED, "-H", 'If-Range: "no"'), 200, "456789"),
-    ("nothing but the head", "HEAD", "x", ("-I",), 200, "Content-Length: 10"),
-    ("nothing that is known", "GET", "x", ("-H", "If-None-Match: {etag}"), 304, "ETag"),
-    ("no change of another version", "PUT", "x", ("-d", "?", "-H", 'If-Match: "no"'), 412, ""),
-    ("no change of what is there", "PUT", "x", ("-d", "?", "-H", "If-None-Match: *"), 412, ""),
-    ("a body of unknown length", "PUT", "y", ("-H", "Transfer-Encoding: chunked", "-d", "y"), 201,
-     ""),
-    ("a time to keep", "PUT", "y", ("-d", "old", *DATED), 204, "X-OC-Mtime: accepted"),
-    ("the time kept", "HEAD", "y", ("-I",), 200, "Last-Modified: Sun, 09 Sep 2001 01:46:40 GMT"),
-    ("resume an upload", "PATCH", "x", ("-d", "ab", "-H", "X-Update-Range: append", "-H",
-     "Content-Type: application/x-sabredav-partialupdate"), 204, ""),
-    ("what was resumed", "GET", "x", ("-r", "8-"), 206, "\n89ab"),
-    ("set a property", "PROPPATCH", "x", ("-d", COLOUR), 207, "200 OK"),
-    ("read a property", "PROPFIND", "x", ("-H", "Depth: 0", "-d", "<propfind xmlns='DAV:'><prop>"
-     "<c xmlns='urn:c'/></prop></propfind>"), 207, ">red<"),
-    ("lock", "LOCK", "x", ("-d", OWNED), 200, "Lock-Token: <urn:uuid:"),
-    ("no write without the token", "PUT", "x", ("-d", "?"), 423, "lock-token-submitted"),
-    ("no second lock", "LOCK", "x", ("-d", OWNED), 423, ""),
-    ("refresh", "LOCK", "x", ("-H", "If: ({token})"), 200, "me"),
-    ("write with the token", "PUT", "x", ("-d", "12", "-H", "If: ({token})"), 204, ""),
-    ("unlock", "UNLOCK", "x", ("-H", "Lock-Token: {token}"), 204, ""),
-    ("write unlocked", "PUT", "x", ("-d", "1"), 204, ""),
-    ("a folder", "MKCOL", "d", (), 201, ""),
-    ("no folder twice", "MKCOL", "d", (), 405, "Allow: "),
-    ("no folder in none", "MKCOL", "no/d", (), 409, ""),
-    ("no folder into itself", "MOVE", "d", TREE, 409, ""),
-    ("no copy onto a file against the will", "COPY", "x", ("-H", "Destination: /y", "-H",
-     "Overwrite: F"), 412, ""),
-    ("a folder without its slash", "GET", "d", (), 308, "Location: /d/"),
-    ("nothing there", "DELETE", "no", (), 404, ""),
-]
+WISH_FOR_A_LOCK = "<lockinfo xmlns='DAV:'><lockscope><exclusive/></lockscope>" \
+                  "<locktype><write/></locktype></lockinfo>"
 
 
 def digests(folder):
@@ -180,14 +132,13 @@ class Folder:
         shutil.copytree(self.root / path, self.root / to, copy_function=shutil.copyfile)
 
     def put_tree(self, source, path):
-        shutil.copytree(self.material / source, self.root / path, copy_function=shutil.copyfile)
+        shutil.copytree(self.material / source, self.root / path, dirs_exist_ok=True,
+                        copy_function=shutil.copyfile)
+
+    put_many = put_tree
 
     def get_tree(self, path, target):
         shutil.copytree(self.root / path, self.got / target, copy_function=shutil.copyfile)
-
-    def put_many(self, source, path):
-        shutil.copytree(self.material / source, self.root / path, dirs_exist_ok=True,
-                        copy_function=shutil.copyfile)
 
 
 class Client(unittest.TestCase):
@@ -220,12 +171,12 @@ class Client(unittest.TestCase):
         made.mkdir()
         return made
 
-    def serve(self, login=False, tls=False, mode=None):
+    def serve(self, login=False, tls=False):
         self.login = login
         self.make_profile(login, tls)
         with open(self.top / "server.log", "wb") as log:
             self.server = subprocess.Popen(
-                [SERVE, "--profile", "clients", "--mode", mode or self.mode,
+                [SERVE, "--profile", "clients", "--mode", self.mode,
                  "--address", "127.0.0.1", "--port", "0", str(self.share)],
                 cwd=self.top, env=self.environment, text=True, stdout=subprocess.PIPE, stderr=log)
         self.addCleanup(self.stop_server)
@@ -279,7 +230,9 @@ class Client(unittest.TestCase):
                 continue
             with self.subTest(sentence):
                 wanted = getattr(self.beside, verb)(*arguments)
-                self.assertEqual(getattr(client, verb)(*arguments), wanted)
+                found = getattr(client, verb)(*arguments)
+                if verb == "names":
+                    self.assertEqual(found, wanted)
                 self.assert_alike()
 
     def assert_alike(self):
@@ -341,59 +294,19 @@ class Curl(Everyday, Client):
     def put_many(self, source, path):
         self.curl(path + "/", "-T", f"{self.material}/{source}/[1-500].txt")
 
-    def test_login(self):
-        super().test_login()
-        self.login = False
-        self.assertEqual(self.ask("GET", "a.txt")[0], 401)
-        self.assertEqual(self.ask("GET", "a.txt", "-u", f"{USER}:{PASSWORD}")[0], 200)
-        self.assertEqual(self.ask("GET", "a.txt", "--digest", "-u", f"{USER}:no")[0], 401)
-
     def test_tls(self):
         self.options = ("--cacert", str(self.top / "certificate"))
         self.work(WITH_LOGIN + TELLING_NAMES, login=True, tls=True)
 
-    def ask(self, method, path, *options):
-        """Gives the status of the last reply and all of it."""
-        said = self.run_client("curl", "-sSi", "-w", "\n%{http_code}", "-X", method, *options,
-                               self.address(path)).replace("\r", "")
-        return int(said[-3:]), said[:-4]
-
-    def test_requests(self):
+    def test_locks_and_times(self):
         self.serve()
-        seen = {"token": "", "etag": ""}
-        for sentence, method, path, options, status, part in REQUESTS:
-            with self.subTest(sentence):
-                reply = self.ask(method, path, *(each.format(**seen) for each in options))
-                self.assertEqual(reply[0], status, reply[1])
-                self.assertIn(part, reply[1])
-                for name, header in (("token", "Lock-Token"), ("etag", "ETag")):
-                    found = re.search(rf"(?m)^{header}: (.*)$", reply[1])
-                    seen[name] = found.group(1) if found else seen[name]
-
-    def test_resumed_download(self):
-        self.serve()
-        shutil.copy(self.material / "big", self.share)
-        (self.got / "big").write_bytes((self.material / "big").read_bytes()[:1000])
-        self.curl("big", "-C", "-", "-o", str(self.got / "big"))
-        self.assertEqual((self.got / "big").read_bytes(), (self.material / "big").read_bytes())
-
-    def test_classic(self):
-        self.serve(mode="classic")
-        (self.top / "file").write_text("classic")
-        self.assertEqual(self.ask("MKCOL", "a b")[0], 201)
-        for name in NAMES:
-            to = "Destination: " + self.address("moved " + name)
-            for method, status, *options in (
-                    ("PUT", 201, "-T", "file"), ("PUT", 412, "-T", "file"), ("GET", 200),
-                    ("MOVE", 201, "-H", to)):
-                self.assertEqual(self.ask(method, "a b/" + name, *options)[0], status, method)
-            self.assertEqual((self.share / ("moved " + name)).read_text(), "classic")
-            self.assertEqual(self.ask("DELETE", "moved " + name)[0], 200)
-        status, document = self.ask("PROPFIND", "", "-H", "Depth: 1")
-        self.assertEqual(status, 207)
-        self.assertEqual(re.findall("<href>(.*?)</href>", document), [self.url + "a%20b"])
-        self.assertEqual(self.ask("DELETE", "a b")[0], 200)
-        self.assertEqual(digests(self.share), {})
+        said = self.curl("a", "-i", "-X", "LOCK", "-d", WISH_FOR_A_LOCK)
+        token = re.search(r"(?m)^Lock-Token: (.*)$", said).group(1)
+        upload = ("-T", str(self.material / "small"), "-H", "X-OC-Mtime: 1000000000")
+        with self.assertRaisesRegex(AssertionError, "423"):
+            self.curl("a", *upload)
+        self.curl("a", *upload, "-H", f"If: ({token})")
+        self.assertEqual((self.share / "a").stat().st_mtime, 1_000_000_000)
 
 
 class Cadaver(Everyday, Client):
@@ -422,21 +335,11 @@ class Cadaver(Everyday, Client):
     def get(self, path, target):
         self.cadaver("get", path, str(self.got / target))
 
-    def mkdir(self, path):
-        self.cadaver("mkcol", path)
-
-    def delete(self, path):
-        self.cadaver("delete", path)
-
-    def delete_tree(self, path):
-        self.cadaver("rmcol", path)
-
-    def move(self, path, to):
-        self.cadaver("move", path, to)
-
-    def copy(self, path, to):
-        self.cadaver("copy", path, to)
-
+    mkdir = partialmethod(cadaver, "mkcol")
+    delete = partialmethod(cadaver, "delete")
+    delete_tree = partialmethod(cadaver, "rmcol")
+    move = partialmethod(cadaver, "move")
+    copy = partialmethod(cadaver, "copy")
     copy_tree = copy
 
     def put_many(self, source, path):
@@ -477,21 +380,14 @@ class Rclone(Everyday, Client):
     def get(self, path, target):
         self.rclone("copyto", self.remote(path), str(self.got / target))
 
-    def mkdir(self, path):
-        self.rclone("mkdir", self.remote(path))
+    def rclone_there(self, verb, *paths):
+        self.rclone(verb, *map(self.remote, paths))
 
-    def delete(self, path):
-        self.rclone("deletefile", self.remote(path))
-
-    def delete_tree(self, path):
-        self.rclone("purge", self.remote(path))
-
-    def move(self, path, to):
-        self.rclone("moveto", self.remote(path), self.remote(to))
-
-    def copy(self, path, to):
-        self.rclone("copyto", self.remote(path), self.remote(to))
-
+    mkdir = partialmethod(rclone_there, "mkdir")
+    delete = partialmethod(rclone_there, "deletefile")
+    delete_tree = partialmethod(rclone_there, "purge")
+    move = partialmethod(rclone_there, "moveto")
+    copy = partialmethod(rclone_there, "copyto")
     copy_tree = copy
 
     def put_tree(self, source, path):
@@ -617,21 +513,14 @@ class Gvfs(Everyday, Desktop):
     def get(self, path, target):
         self.run_client("gio", "copy", self.address(path), str(self.got / target))
 
-    def mkdir(self, path):
-        self.gio("mkdir", path)
-
-    def delete(self, path):
-        self.gio("remove", path)
+    mkdir = partialmethod(gio, "mkdir")
+    delete = partialmethod(gio, "remove")
+    move = partialmethod(gio, "move")
+    copy = partialmethod(gio, "copy")
 
     def delete_tree(self, path):
         inside = sorted((self.share / path).rglob("*"), reverse=True)
         self.gio("remove", *(str(each.relative_to(self.share)) for each in inside), path)
-
-    def move(self, path, to):
-        self.gio("move", path, to)
-
-    def copy(self, path, to):
-        self.gio("copy", path, to)
 
     def put_many(self, source, path):
         self.gio("copy", path, local=map(str, (self.material / source).iterdir()))
