@@ -1,4 +1,5 @@
 #include "tests/files/Disk.h"
+#include "tests/support/Data.h"
 
 #include "files/EntryCopy.h"
 #include "files/HiddenUploads.h"
@@ -58,13 +59,7 @@ private Q_SLOTS:
 
 void ShareTest::paths_data()
 {
-    QTest::addColumn<QByteArray>("path");
-    QTest::addColumn<QByteArray>("followed");
-    QTest::addColumn<QByteArray>("beneath");
-    const auto row = [](const char *name, const QByteArray &path, const QByteArray &followed,
-                        const QByteArray &beneath) {
-        QTest::newRow(name) << path << followed << beneath;
-    };
+    columns<QByteArray>({ "path", "followed", "beneath" });
     row("climbing stays at the top", "/../sub/./../..//top", "top", "top");
     row("link out", "/out/secret", "secret", "EXDEV");
     row("link to a file out", "/outFile", "secret", "EXDEV");
