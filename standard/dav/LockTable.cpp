@@ -33,10 +33,10 @@ seconds askedTimeout(const QByteArray &value)
     return isNumber ? seconds(number) : seconds::zero();
 }
 
-bool covers(const Lock &lock, const QByteArray &path)
+bool covers(const Lock &lock, const QByteArray &entry)
 {
     return std::any_of(lock.paths.begin(), lock.paths.end(), [&](const QByteArray &root) {
-        return root == path || (lock.deep && isBelow(path, root));
+        return root == entry || (lock.deep && isBelow(entry, root));
     });
 }
 
