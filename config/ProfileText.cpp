@@ -119,7 +119,7 @@ Line takeApart(const QByteArray &raw)
     const QByteArray line = raw.trimmed();
     if (line.isEmpty() || line.startsWith('#') || line.startsWith(';') || line.startsWith('['))
         return {};
-    const int equals = line.indexOf('=');
+    const auto equals = line.indexOf('=');
     return { line.left(equals).trimmed(), line.mid(equals + 1).trimmed(), equals > 0 };
 }
 

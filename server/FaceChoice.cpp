@@ -28,7 +28,7 @@ Choice choiceBy(const QByteArray &head)
 {
     static const QByteArray field = QByteArrayLiteral("user-agent:");
     int start = 0;
-    for (int end = head.indexOf('\n'); end >= 0; end = head.indexOf('\n', start)) {
+    for (int end = int(head.indexOf('\n')); end >= 0; end = int(head.indexOf('\n', start))) {
         const QByteArray line = head.mid(start, end - start).trimmed();
         start = end + 1;
         if (line.isEmpty())

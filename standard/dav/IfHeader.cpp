@@ -80,7 +80,7 @@ private:
     {
         if (!take(open))
             return std::nullopt;
-        const int end = value.indexOf(close, at);
+        const int end = int(value.indexOf(close, at));
         if (end < 0)
             return std::nullopt;
         return value.mid(std::exchange(at, end + 1), end - at);

@@ -130,7 +130,7 @@ void TestLifecycle::takesABodyThatComesWithItsHeadOverTls()
     auto *tls = qobject_cast<QSslSocket *>(client.socket.get());
     QVERIFY(client.waitUntil([tls] { return tls->isEncrypted(); }));
     const QByteArray fields = "Expect: 100-continue\r\nContent-Length: 7\r\nX: ";
-    const int rest = tlsPiece - rawRequest("PUT", "/new", fields + "\r\n").size();
+    const int rest = tlsPiece - int(rawRequest("PUT", "/new", fields + "\r\n").size());
     tls->write(rawRequest("PUT", "/new", fields + QByteArray(rest, 'x') + "\r\n") + "content");
     RawReply reply = client.reply();
     if (reply.status() == "100 Continue")
