@@ -183,7 +183,7 @@ QByteArray withValues(const QByteArray &content, const ProfileValues &values)
 
 QString textFileOf(const QString &profileFile)
 {
-    return profileFile.left(profileFile.lastIndexOf(QLatin1Char('.'))) + QLatin1String(".ini");
+    return profileFile + QLatin1String(".ini");
 }
 
 TextState readText(const QString &textFile, ProfileValues *values)

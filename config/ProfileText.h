@@ -15,7 +15,7 @@ enum class TextState {
     Unreadable
 };
 
-/// The text file beside a profile file: "work.ini" of "work.cnf". It holds the values that the
+/// The text file beside a profile file: "work.cnf.ini" of "work.cnf". It holds the values that the
 /// profile file has no place for, one "key = value" a line in UTF-8, and is meant to be edited by
 /// hand too: comments (# or ;) and keys of other versions stay where they are.
 QString textFileOf(const QString &profileFile);

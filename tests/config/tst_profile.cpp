@@ -212,7 +212,7 @@ void TestProfile::admitsNobodyByANamelessAccount()
 /// Values that the profile file has no place for; people edit them, and other versions know more.
 void TestProfile::keepsMoreValuesAsText()
 {
-    const QString file = QStringLiteral("work.ini");
+    const QString file = QStringLiteral("work.cnf.ini");
     Profile work(home->directories);
     work.setFileName(QStringLiteral("work"));
     QVERIFY(work.save());
