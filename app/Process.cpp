@@ -5,6 +5,7 @@
 #include <QSocketNotifier>
 
 #include <algorithm>
+#include <cerrno>
 #include <csignal>
 
 #include <fcntl.h>
@@ -50,17 +51,19 @@ void raiseDescriptorLimit()
     setrlimit(RLIMIT_NOFILE, &limit);
 }
 
-constexpr int endSignals[] = { SIGINT, SIGTERM, SIGHUP };
+constexpr int endingSignals[] = { SIGINT, SIGTERM, SIGHUP };
 volatile std::sig_atomic_t arrived = -1; ///< the descriptor that the first one is told by
 
 /// From here on a signal does what it does by default.
 void tellOnce(int)
 {
+    const int interrupted = errno; // of the call in whose place this runs
     struct sigaction action = {};
     action.sa_handler = SIG_DFL;
-    for (const int number : endSignals)
+    for (const int number : endingSignals)
         sigaction(number, &action, nullptr);
     eventfd_write(arrived, 1);
+    errno = interrupted;
 }
 
 } // namespace
@@ -95,7 +98,7 @@ EndSignals::EndSignals()
     struct sigaction action = {};
     action.sa_handler = tellOnce;
     action.sa_flags = SA_RESTART;
-    for (const int number : endSignals) {
+    for (const int number : endingSignals) {
         struct sigaction before = {};
         sigaction(number, &action, &before);
         // A shell ignores interrupts for what it starts in the background; that is no wish.
