@@ -32,8 +32,10 @@ QByteArray row(const FolderListing::Entry &entry)
 QByteArray folderPage(const QByteArray &path, const FolderListing &listing)
 {
     const QByteArray title = '/' + escaped(path);
-    QByteArray page = "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\"><title>" + title
-        + "</title></head>\n<body><h1>" + title + "</h1>\n<table>\n";
+    QByteArray page = "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\">"
+                      "<meta name=\"viewport\" content=\"width=device-width\">"
+                      "<meta name=\"color-scheme\" content=\"light dark\"><title>"
+        + title + "</title></head>\n<body><h1>" + title + "</h1>\n<table>\n";
     if (!path.isEmpty())
         page += "<tr><td><a href=\"../\">../</a></td><td></td><td></td></tr>\n";
     const qint64 shown = std::min(listing.count(), maxPageEntries);
