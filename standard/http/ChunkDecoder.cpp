@@ -80,19 +80,23 @@ void ChunkDecoder::expect(char c, char wanted, State next)
 void ChunkDecoder::takeSize(char c)
 {
     const int value = state == State::Size ? hexValue(c) : -1;
-    if (++lineSize > maxSizeLine || c == '\n' || (value < 0 && digits == 0)
-        || (value >= 0 && digits == maxDigits)) {
+    const bool isTooLong = ++lineSize > maxSizeLine || (value >= 0 && digits == maxDigits);
+    if (isTooLong || (value < 0 && digits == 0)) {
         state = State::Bad;
     } else if (value >= 0) {
         left = left * 16 + value;
         ++digits;
-    } else if (c == '\r') {
-        state = State::SizeEnd;
-    } else if (state == State::Extension || c == ';' || c == ' ' || c == '\t') {
-        state = State::Extension;
     } else {
-        state = State::Bad;
+        state = afterSize(c);
     }
+}
+
+ChunkDecoder::State ChunkDecoder::afterSize(char c) const
+{
+    if (c == '\r')
+        return State::SizeEnd;
+    const bool extends = state == State::Extension || c == ';' || c == ' ' || c == '\t';
+    return extends && c != '\n' ? State::Extension : State::Bad;
 }
 
 void ChunkDecoder::endSizeLine()

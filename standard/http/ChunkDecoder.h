@@ -48,6 +48,7 @@ private:
 
     void takeChar(char c);
     void takeSize(char c);
+    State afterSize(char c) const;
     void takeTrailer(char c);
     void expect(char c, char wanted, State next);
     void endSizeLine();
