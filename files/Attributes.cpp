@@ -12,8 +12,6 @@
 
 namespace {
 
-constexpr mode_t permissionBits = 0777;
-
 /// What a call gives that tells the size when asked with none.
 template <typename Call> QByteArray readWhole(Call call)
 {

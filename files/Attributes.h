@@ -5,6 +5,9 @@
 #include <ctime>
 #include <sys/types.h>
 
+/// Without the bits that make a program run as its owner.
+constexpr mode_t permissionBits = 0777;
+
 /// Gives an open file of ours these permissions. 0, or the number of the error; a file system
 /// without permissions keeps what it has, and that is no error.
 int changeMode(int file, mode_t mode);

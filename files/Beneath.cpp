@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr int attempts = 8;
+constexpr int lookUpAttempts = 8;
 
 const char *orDot(const QByteArray &path)
 {
@@ -30,7 +30,7 @@ FileDescriptor openResolved(int root, const QByteArray &path, int flags, quint64
     // The kernel gives up with EAGAIN when something is renamed on the way.
     for (int attempt = 0;; ++attempt) {
         const long fd = ::syscall(SYS_openat2, root, orDot(path), &how, sizeof how);
-        if (fd >= 0 || errno != EAGAIN || attempt == attempts)
+        if (fd >= 0 || errno != EAGAIN || attempt == lookUpAttempts)
             return FileDescriptor(int(fd));
     }
 }

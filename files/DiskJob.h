@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstddef>
 
 /// How long a job may go on now. Given by whoever runs it; a value for one call.
 class Budget
@@ -35,6 +36,9 @@ private:
     Clock::time_point deadline;
     bool mayWait;
 };
+
+/// What a job could not do is told of this many names; the rest is like them.
+constexpr std::size_t maxToldFailures = 100;
 
 /// Work on the disk that may take long, done in slices by a `DiskWorker`. Shared by the worker and
 /// whoever waits for it; only `cancel` may be called while it runs.

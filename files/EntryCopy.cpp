@@ -15,9 +15,7 @@
 namespace {
 
 constexpr std::size_t maxDepth = 100; ///< each level keeps two files open, of some copies at once
-constexpr std::size_t maxFailures = 100;
 constexpr mode_t whileCopied = 0700;
-constexpr mode_t permissionBits = 0777;
 
 QByteArray pathIn(const QByteArray &folder, const QByteArray &name)
 {
@@ -186,6 +184,6 @@ void EntryCopy::leave()
 void EntryCopy::fail(const QByteArray &path, DiskError error)
 {
     full = full || error == DiskError::NoSpace;
-    if (failed.size() < maxFailures)
+    if (failed.size() < maxToldFailures)
         failed.push_back({ path, error });
 }

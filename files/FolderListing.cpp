@@ -40,7 +40,7 @@ bool precedes(std::string_view a, std::string_view b)
     return utf16Rank(*differsInA) < utf16Rank(*differsInB);
 }
 
-bool isPlain(std::string_view name)
+bool isLowerAscii(std::string_view name)
 {
     return std::all_of(name.begin(), name.end(),
                        [](char c) { return c >= 0 && (c < 'A' || c > 'Z'); });
@@ -49,7 +49,7 @@ bool isPlain(std::string_view name)
 /// The name in lower case; nothing when that is the same.
 QByteArray folded(std::string_view name)
 {
-    if (isPlain(name))
+    if (isLowerAscii(name))
         return {};
     const QByteArray bytes(name.data(), int(name.size()));
     const QByteArray lower = QFile::decodeName(bytes).toLower().toUtf8();

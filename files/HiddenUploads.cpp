@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr auto prefix = ".receiving-";
+constexpr auto hiddenPrefix = ".receiving-";
 constexpr int randomDigits = 6;
 constexpr qint64 staleSeconds = qint64(24) * 60 * 60;
 
@@ -50,17 +50,17 @@ QByteArray shortened(QByteArray name, int most)
 
 QByteArray hiddenUploadName()
 {
-    return prefix + randomText();
+    return hiddenPrefix + randomText();
 }
 
 bool isHiddenUpload(const char *name)
 {
-    return std::strncmp(name, prefix, std::strlen(prefix)) == 0;
+    return std::strncmp(name, hiddenPrefix, std::strlen(hiddenPrefix)) == 0;
 }
 
 bool namesHiddenUpload(const QByteArray &path)
 {
-    return isHiddenUpload(path.constData()) || path.contains(QByteArray("/") + prefix);
+    return isHiddenUpload(path.constData()) || path.contains(QByteArray("/") + hiddenPrefix);
 }
 
 QByteArray asideName(const QByteArray &name)

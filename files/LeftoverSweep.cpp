@@ -14,7 +14,7 @@
 namespace {
 
 /// A copy that is being made is locked.
-bool isUnused(int folder, const char *name)
+bool isAbandoned(int folder, const char *name)
 {
     const FileDescriptor open(
         ::openat(folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
@@ -64,7 +64,7 @@ void LeftoverSweep::look()
         const EntryFacts facts = reader.facts(item);
         const bool stale =
             facts.folder && !facts.link && std::max(facts.seconds, facts.changeSeconds) <= latest;
-        if (stale && isUnused(reader.descriptor(), item.name))
+        if (stale && isAbandoned(reader.descriptor(), item.name))
             names.emplace_back(item.name);
     }
 }

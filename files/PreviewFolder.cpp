@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr std::string_view prefix = "quillon-";
+constexpr std::string_view namePrefix = "quillon-";
 constexpr std::string_view unique = "XXXXXX"; ///< what mkdtemp replaces
 constexpr auto lockName = "lock";
 
@@ -42,7 +42,8 @@ std::vector<QByteArray> namesIn(int folder)
 bool isOurs(const QByteArray &name)
 {
     const std::string_view text(name.constData(), std::size_t(name.size()));
-    return text.size() == prefix.size() + unique.size() && text.substr(0, prefix.size()) == prefix;
+    return text.size() == namePrefix.size() + unique.size()
+        && text.substr(0, namePrefix.size()) == namePrefix;
 }
 
 /// The lock goes last: a folder that is half removed can be swept again.
@@ -76,7 +77,8 @@ std::unique_ptr<PreviewFolder> PreviewFolder::make(const QString &parent)
     const QByteArray parentPath = QFile::encodeName(parent);
     ::mkdir(parentPath.constData(), S_IRWXU); // mostly there already
     for (int i = 0; i < tries; ++i) {
-        QByteArray path = parentPath + '/' + QByteArray(prefix.data()) + QByteArray(unique.data());
+        QByteArray path =
+            parentPath + '/' + QByteArray(namePrefix.data()) + QByteArray(unique.data());
         if (!::mkdtemp(path.data()))
             return nullptr;
         std::unique_ptr<PreviewFolder> made(new PreviewFolder(path));

@@ -11,20 +11,20 @@ namespace {
 
 constexpr std::size_t batchOutcomes = 256;
 
-bool isPlain(const char *name)
+bool isAscii(const char *name)
 {
     return std::all_of(name, name + std::strlen(name), [](char c) { return c > 0; });
 }
 
 int compareLetters(const char *a, const char *b)
 {
-    return isPlain(a) && isPlain(b)
+    return isAscii(a) && isAscii(b)
         ? qstricmp(a, b)
         : QFile::decodeName(a).toLower().compare(QFile::decodeName(b).toLower());
 }
 
 /// By name in any case; of two that differ in case alone, by their bytes.
-bool precedes(const char *a, const char *b)
+bool precedesInAnyCase(const char *a, const char *b)
 {
     const int order = compareLetters(a, b);
     return order != 0 ? order < 0 : std::strcmp(a, b) < 0;
@@ -119,7 +119,7 @@ void TreeCopy::read(const Budget &until)
     Level &level = levels.back();
     std::sort(level.entries.begin(), level.entries.end(),
               [names = level.names.data()](const Entry &a, const Entry &b) {
-                  return precedes(names + b.name, names + a.name);
+                  return precedesInAnyCase(names + b.name, names + a.name);
               });
     if (level.entries.empty())
         levels.pop_back();

@@ -13,9 +13,8 @@ namespace {
 
 constexpr std::size_t maxOpen = 64;
 constexpr std::size_t maxFolders = 16; ///< names of folders kept a level
-constexpr std::size_t maxFailures = 100; ///< that are told
 constexpr int batchEntries = 512;
-constexpr int folderFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
+constexpr int noLinkFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 bool removeFile(int folder, const char *name)
 {
@@ -93,7 +92,7 @@ void TreeRemoval::enter(const QByteArray &name)
     const int parent = levels.empty() ? place.folder.get() : levels.back().folder.get();
     Level level;
     level.name = name;
-    level.folder.reset(::openat(parent, name.constData(), folderFlags));
+    level.folder.reset(::openat(parent, name.constData(), noLinkFlags));
     const EntryFacts facts = openFacts(level.folder.get());
     if (!facts.exists) {
         const bool removed =
@@ -189,7 +188,7 @@ int TreeRemoval::parentOf(const Level &level)
     Level &above = levels.back();
     if (above.folder.isOpen())
         return above.folder.get();
-    above.folder.reset(::openat(level.folder.get(), "..", folderFlags));
+    above.folder.reset(::openat(level.folder.get(), "..", noLinkFlags));
     const EntryFacts facts = openFacts(above.folder.get());
     if (!facts.exists || facts.device != above.device || facts.inode != above.inode)
         above.folder.reset();
@@ -209,7 +208,7 @@ bool TreeRemoval::readAgain(Level &level)
 /// Of an entry of the current folder. The top folder has no path below itself.
 void TreeRemoval::noteFailure(const QByteArray &name)
 {
-    if (!levels.empty() && failed.size() < maxFailures)
+    if (!levels.empty() && failed.size() < maxToldFailures)
         failed.push_back(pathOf(name));
 }
 

@@ -21,7 +21,7 @@ constexpr mode_t newMode = 0666;
 constexpr mode_t privateMode = 0600;
 constexpr qint64 writeBackBytes = qint64(8) << 20;
 constexpr qint64 quicklyFreed = qint64(8) << 20; ///< bytes of a file that was replaced
-constexpr int attempts = 16;
+constexpr int nameAttempts = 16;
 
 int errorOf(int returned)
 {
@@ -93,7 +93,7 @@ DiskError UploadFile::begin(mode_t mode)
 bool UploadFile::openHidden(mode_t mode)
 {
     sweeps = true;
-    for (int attempt = 0; attempt < attempts; ++attempt) {
+    for (int attempt = 0; attempt < nameAttempts; ++attempt) {
         hiddenName = hiddenUploadName();
         file.reset(::openat(target.folder.get(), hiddenName.constData(),
                             O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, mode));

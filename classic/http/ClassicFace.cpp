@@ -16,7 +16,7 @@
 namespace {
 
 constexpr int spareHeads = 64;
-constexpr auto clientArchive = "Client.jar"; ///< the launcher fetches it without a password
+constexpr auto openArchive = "Client.jar"; ///< the launcher fetches it without a password
 
 constexpr Route statusRoute{ Request::None, nullptr, makeResponder<StatusReply> };
 constexpr Route loginPageRoute{ Request::None, nullptr, makeResponder<LoginPage> };
@@ -226,7 +226,7 @@ bool ClassicFace::passwordFits()
         session->logIn(given, peer);
         return true;
     }
-    if (request.path.endsWith(QLatin1String(clientArchive)) && request.isDownload())
+    if (request.path.endsWith(QLatin1String(openArchive)) && request.isDownload())
         return true;
     const bool loggedInHere = password.isEmpty() || session->isLoggedInFrom(peer);
     return loggedInHere && isSameSecret(session->password.toUtf8(), password.toUtf8());

@@ -48,9 +48,8 @@ constexpr std::array<TypeRow, 21> contentTypes{ {
     { "exe"_l1, "application/octet-stream" },
 } };
 
-const QLatin1Char slash('/');
 const QLatin1String top("/");
-constexpr auto uploadAction = "up";
+constexpr auto appletUpload = "up";
 constexpr auto uploadsFolder = "/uploads";
 constexpr auto iconRequest = "/favicon.ico";
 constexpr auto iconFile = "n900.ico";
@@ -98,12 +97,12 @@ QByteArray disposition(const QString &name)
 /// What ends in a slash is no file.
 bool namesFolder(const QString &path)
 {
-    return path.endsWith(slash) && path != top;
+    return path.endsWith(QLatin1Char('/')) && path != top;
 }
 
 QString lastName(const QString &path)
 {
-    return path.mid(path.lastIndexOf(slash) + 1);
+    return path.mid(path.lastIndexOf(QLatin1Char('/')) + 1);
 }
 
 /// In lower case, without its dot.
@@ -138,7 +137,7 @@ void FileReply::reply()
 {
     const bool uploads = request.methodCode == Request::Post
         && (request.isMultipart()
-            || request.field(Request::actionField) == QLatin1String(uploadAction));
+            || request.field(Request::actionField) == QLatin1String(appletUpload));
     if (!uploads)
         return sendShared(request.path, exchange.service.shared.absoluteFilePath() + request.path);
     if (!exchange.service.profile->allowsUpload())

@@ -13,7 +13,6 @@ namespace {
 constexpr auto dispositionMark = "ition: "; ///< of "Content-Disposition: ", in any case of its head
 constexpr int earliestMark = 13;
 constexpr int dispositionSize = 31; ///< "Content-Disposition: form-data;"
-const QLatin1Char slash('/');
 
 QString decodedName(const QByteArray &bytes)
 {
@@ -103,7 +102,7 @@ SaveResult FormUpload::open(const QString &name)
 {
     if (!exchange.service.share)
         return OpenFailed;
-    Place place = exchange.service.share->place(nativePath(folder + slash + name));
+    Place place = exchange.service.share->place(nativePath(folder + QLatin1Char('/') + name));
     if (!place.isValid())
         return OpenFailed;
     file = newUpload(*exchange.service.profile);

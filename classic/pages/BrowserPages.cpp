@@ -19,7 +19,6 @@ constexpr auto launchDisposition =
     "Content-Disposition: attachment; filename=\"filemanager.jnlp\"\r\n";
 
 constexpr auto uploadAction = "";
-const QLatin1Char slash('/');
 
 constexpr int maxItemsPerPage = 10000;
 constexpr int maxMessage = 8192; ///< bytes that a session keeps for its next page
@@ -187,7 +186,7 @@ BrowserPages::Then BrowserPages::createFolder()
         return Then::Nothing;
     }
     const Share *share = exchange.service.share.get();
-    const QByteArray folder = nativePath(request.path + slash + name);
+    const QByteArray folder = nativePath(request.path + QLatin1Char('/') + name);
     if (share && share->facts(folder).folder)
         tell("Folder create failed: Folder exists");
     else if (share && share->makeFolders(folder) == 0)
@@ -217,7 +216,7 @@ void BrowserPages::servePath()
         return sendPreview(*picture);
 
     // Files are asked for most often, and opening is the only look that they need.
-    if (!path.endsWith(slash) && sendRegular(QDir::cleanPath(path)))
+    if (!path.endsWith(QLatin1Char('/')) && sendRegular(QDir::cleanPath(path)))
         return;
     const Share *share = exchange.service.share.get();
     const bool isFolder = share && share->facts(nativePath(path)).folder;
@@ -231,8 +230,8 @@ void BrowserPages::servePath()
 /// A file, or what is told of one that isn't there.
 void BrowserPages::sendEntry()
 {
-    if (request.path.endsWith(slash))
-        return sendShared(request.path, pathOnDisk() + slash);
+    if (request.path.endsWith(QLatin1Char('/')))
+        return sendShared(request.path, pathOnDisk() + QLatin1Char('/'));
     sendShared(QDir::cleanPath(request.path), pathOnDisk());
 }
 

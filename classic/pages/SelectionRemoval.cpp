@@ -13,7 +13,6 @@ namespace {
 
 constexpr auto actionField = "a";
 constexpr auto folderField = "d"; ///< the check box of a folder
-const QLatin1Char slash('/');
 constexpr int maxFailures = 8000; ///< bytes: a session keeps them until its next page
 
 /// Whether a field names the listed folder itself.
@@ -107,7 +106,8 @@ void SelectionRemoval::endFolder()
     removed += ended->removed();
     if (ended->isWhole())
         return;
-    const QByteArray failure = " delete " + toAscii(shownFolder + slash + treeName) + " failed,";
+    const QByteArray failure =
+        " delete " + toAscii(shownFolder + QLatin1Char('/') + treeName) + " failed,";
     if (failures.size() + failure.size() <= maxFailures)
         failures += failure;
 }

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr QSize usualSize(560, 420);
+constexpr QSize lookSize(560, 420);
 constexpr int colorRow = 1;
 
 const QLatin1String lastPageKey("lastP");
@@ -39,7 +39,7 @@ LookDialog::LookDialog(Look *edited, QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(view, 1);
     layout->addLayout(newButtons());
-    fitToScreen(this, usualSize);
+    fitToScreen(this, lookSize);
 
     // Queued: the warning belongs above the dialog, which is not there yet.
     if (view->currentRow() == colorRow)

@@ -16,13 +16,12 @@ namespace {
 
 // Less than the label promises, as it always was.
 constexpr int highestPort = 65000;
-constexpr QSize browseIconSize(32, 32);
 
 QToolButton *browseButton(const QString &name)
 {
     auto *button = new Finger<QToolButton>;
     button->setIcon(QIcon(QStringLiteral(":/icons/find.png")));
-    button->setIconSize(browseIconSize);
+    button->setIconSize(buttonPicture);
     button->setAccessibleName(name);
     button->setToolTip(name);
     return button;

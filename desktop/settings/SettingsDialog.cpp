@@ -18,7 +18,7 @@
 
 namespace {
 
-constexpr QSize usualSize(640, 520);
+constexpr QSize settingsSize(640, 520);
 constexpr int lastShownPage = -1;
 
 enum Unapplied { Apply = 0, Discard = 1 }; ///< what to do with changes, in the order of the buttons
@@ -60,7 +60,7 @@ SettingsDialog::SettingsDialog(Profile *edited, SettingsScope offered, Configura
     layout->addLayout(newButtonRow({ applyButton, closeButton }));
 
     enableApply();
-    fitToScreen(this, usualSize);
+    fitToScreen(this, settingsSize);
 }
 
 SettingsDialog::~SettingsDialog()

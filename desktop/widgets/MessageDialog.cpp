@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr QSize usualSize(640, 480);
+constexpr QSize messageSize(640, 480);
 
 } // namespace
 
@@ -29,7 +29,7 @@ MessageDialog::MessageDialog(const QString &title, const QString &text, QWidget 
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(browser);
     layout->addWidget(closeButton, 0, Qt::AlignRight);
-    fitToScreen(this, usualSize);
+    fitToScreen(this, messageSize);
 }
 
 void MessageDialog::help(const QString &languageFolder, const QString &name, QWidget *parent)

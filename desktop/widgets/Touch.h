@@ -9,6 +9,9 @@ class QWidget;
 /// The least height and width of what a finger is to hit, in pixels.
 constexpr int fingerSize = 44;
 
+/// That of the picture on a button of its own.
+constexpr QSize buttonPicture(32, 32);
+
 /// A control that no layout makes smaller than a finger needs.
 template <typename Base> class Finger : public Base
 {

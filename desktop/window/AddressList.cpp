@@ -21,12 +21,6 @@
 
 #include <algorithm>
 
-namespace {
-
-constexpr QSize pictureSize(32, 32);
-
-} // namespace
-
 AddressList::AddressList(Profiles *choice, RowKeeper *ofRows, bool forRoot, QWidget *parent)
     : QWidget(parent)
     , profiles(choice)
@@ -47,7 +41,7 @@ void AddressList::buildWidgets()
     caption = new QLabel(tr("Listen Addresses"), this);
     caption->setBuddy(m_table);
     m_startButton = new Finger<QPushButton>(this);
-    m_startButton->setIconSize(pictureSize);
+    m_startButton->setIconSize(buttonPicture);
     m_statusLabel = new QLabel(this);
     m_statusLabel->setWordWrap(true);
     m_statusLabel->setTextInteractionFlags(Qt::TextSelectableByMouse

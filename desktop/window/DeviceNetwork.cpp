@@ -12,7 +12,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto lookInterval = 5s;
+constexpr auto rereadInterval = 5s;
 
 } // namespace
 
@@ -37,7 +37,7 @@ DeviceNetwork::DeviceNetwork(AddressSource source)
     , found(now())
 {
     connect(&watch, &QTimer::timeout, this, &DeviceNetwork::lookForChanges);
-    watch.start(lookInterval);
+    watch.start(rereadInterval);
 }
 
 bool DeviceNetwork::has(const QHostAddress &address) const

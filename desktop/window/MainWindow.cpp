@@ -28,7 +28,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr QSize usualSize(800, 480);
+constexpr QSize windowSize(800, 480);
 constexpr auto restTime = 500ms; ///< after a move
 const QLatin1String geometryKey("geometry");
 constexpr int authenticationPage = 1; ///< of the settings dialog
@@ -153,7 +153,7 @@ void MainWindow::layOut()
     addresses->startButton()->setFocus();
 
     const QSize room = screen()->availableSize();
-    fitToScreen(this, room.height() > room.width() ? usualSize.transposed() : usualSize);
+    fitToScreen(this, room.height() > room.width() ? windowSize.transposed() : windowSize);
     restoreGeometry(QSettings().value(geometryKey).toByteArray());
     geometryTimer.setSingleShot(true);
     connect(&geometryTimer, &QTimer::timeout, this, &MainWindow::saveGeometryNow);

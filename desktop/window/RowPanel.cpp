@@ -20,8 +20,6 @@
 
 namespace {
 
-constexpr QSize pictureSize(32, 32);
-
 QString shownPath(const QString &path)
 {
     const bool bare = QFileInfo(path).isDir() && !path.endsWith(QLatin1Char('/'));
@@ -40,7 +38,7 @@ QPushButton *pictureButton(const QIcon &picture, const QString &name, QWidget *p
 {
     auto *button = new Finger<QPushButton>(parent);
     button->setIcon(picture);
-    button->setIconSize(pictureSize);
+    button->setIconSize(buttonPicture);
     button->setAccessibleName(name);
     button->setToolTip(name);
     return button;

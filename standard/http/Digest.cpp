@@ -8,7 +8,7 @@ namespace standard {
 
 namespace {
 
-constexpr auto scheme = "digest ";
+constexpr auto digestScheme = "digest ";
 constexpr auto quality = "auth";
 constexpr auto md5Name = "MD5";
 constexpr auto sha256Name = "SHA-256";
@@ -16,7 +16,7 @@ constexpr int md5Digits = 32; ///< of a proof, hexadecimal
 
 using Parameters = QMap<QByteArray, QByteArray>;
 
-bool isBlank(char c)
+bool separates(char c)
 {
     return c == ' ' || c == '\t' || c == ',';
 }
@@ -37,7 +37,7 @@ QByteArray takeQuoted(const QByteArray &text, int &at)
 QByteArray takeToken(const QByteArray &text, int &at)
 {
     const int begin = at;
-    while (at < text.size() && !isBlank(text[at]) && text[at] != '=')
+    while (at < text.size() && !separates(text[at]) && text[at] != '=')
         ++at;
     return text.mid(begin, at - begin);
 }
@@ -46,7 +46,7 @@ Parameters parametersOf(const QByteArray &text)
 {
     Parameters parameters;
     for (int at = 0; at < text.size();) {
-        if (isBlank(text[at])) {
+        if (separates(text[at])) {
             ++at;
             continue;
         }
@@ -74,8 +74,8 @@ std::optional<QCryptographicHash::Algorithm> algorithmOf(const Parameters &param
 
 std::optional<DigestCredentials> DigestCredentials::parse(const QByteArray &value)
 {
-    const auto schemeSize = int(qstrlen(scheme));
-    if (qstrnicmp(value.constData(), scheme, uint(schemeSize)) != 0)
+    const auto schemeSize = int(qstrlen(digestScheme));
+    if (qstrnicmp(value.constData(), digestScheme, uint(schemeSize)) != 0)
         return {};
     const Parameters given = parametersOf(value.mid(schemeSize));
     const auto algorithm = algorithmOf(given);

@@ -28,7 +28,7 @@ void putNumber(char *at, int number)
     at[1] = char('0' + number % 10);
 }
 
-std::optional<int> numberOf(const QByteArray &text, int least, int most)
+std::optional<int> numberBetween(const QByteArray &text, int least, int most)
 {
     bool good = false;
     const int number = text.toInt(&good);
@@ -47,7 +47,7 @@ std::optional<int> monthOf(const QByteArray &text)
 
 std::optional<int> yearOf(const QByteArray &text)
 {
-    const std::optional<int> year = numberOf(text, 0, 9999);
+    const std::optional<int> year = numberBetween(text, 0, 9999);
     if (!year || text.size() != 2)
         return year;
     return *year + (*year < newCentury ? 2000 : 1900);
@@ -59,9 +59,9 @@ std::optional<qint64> secondsOf(const std::optional<int> &day, const std::option
     const QList<QByteArray> parts = clock.split(':');
     if (!day || !month || !year || parts.size() != 3)
         return {};
-    const std::optional<int> hour = numberOf(parts[0], 0, 23);
-    const std::optional<int> minute = numberOf(parts[1], 0, 59);
-    const std::optional<int> second = numberOf(parts[2], 0, 60);
+    const std::optional<int> hour = numberBetween(parts[0], 0, 23);
+    const std::optional<int> minute = numberBetween(parts[1], 0, 59);
+    const std::optional<int> second = numberBetween(parts[2], 0, 60);
     if (!hour || !minute || !second)
         return {};
     std::tm time = {};
@@ -101,15 +101,17 @@ std::optional<qint64> parseHttpDate(const QByteArray &text)
     const QList<QByteArray> words = text.simplified().split(' ');
     // "Sun, 06 Nov 1994 08:49:37 GMT"
     if (words.size() == 6 && words[5] == "GMT")
-        return secondsOf(numberOf(words[1], 1, 31), monthOf(words[2]), yearOf(words[3]), words[4]);
+        return secondsOf(numberBetween(words[1], 1, 31), monthOf(words[2]), yearOf(words[3]),
+                         words[4]);
     // "Sun Nov  6 08:49:37 1994"
     if (words.size() == 5)
-        return secondsOf(numberOf(words[2], 1, 31), monthOf(words[1]), yearOf(words[4]), words[3]);
+        return secondsOf(numberBetween(words[2], 1, 31), monthOf(words[1]), yearOf(words[4]),
+                         words[3]);
     // "Sunday, 06-Nov-94 08:49:37 GMT"
     const QList<QByteArray> date = words.value(1).split('-');
     if (words.size() != 4 || words[3] != "GMT" || date.size() != 3)
         return {};
-    return secondsOf(numberOf(date[0], 1, 31), monthOf(date[1]), yearOf(date[2]), words[2]);
+    return secondsOf(numberBetween(date[0], 1, 31), monthOf(date[1]), yearOf(date[2]), words[2]);
 }
 
 } // namespace standard

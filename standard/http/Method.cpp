@@ -13,7 +13,7 @@ struct MethodRow
     bool safe;
 };
 
-constexpr std::array<MethodRow, 14> methods{ {
+constexpr std::array<MethodRow, 14> methodRows{ {
     { Method::Options, "OPTIONS", true },
     { Method::Get, "GET", true },
     { Method::Head, "HEAD", true },
@@ -34,7 +34,7 @@ constexpr std::array<MethodRow, 14> methods{ {
 
 Method methodNamed(const QByteArray &name)
 {
-    for (const MethodRow &row : methods) {
+    for (const MethodRow &row : methodRows) {
         if (name == row.name)
             return row.method;
     }
@@ -43,7 +43,7 @@ Method methodNamed(const QByteArray &name)
 
 QByteArray nameOf(Method method)
 {
-    for (const MethodRow &row : methods) {
+    for (const MethodRow &row : methodRows) {
         if (row.method == method)
             return row.name;
     }
@@ -52,7 +52,7 @@ QByteArray nameOf(Method method)
 
 bool isSafe(Method method)
 {
-    for (const MethodRow &row : methods) {
+    for (const MethodRow &row : methodRows) {
         if (row.method == method)
             return row.safe;
     }
