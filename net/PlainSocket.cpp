@@ -167,7 +167,12 @@ void PlainSocket::dequeue(qint64 size)
     poller->addBacklog(-size);
     queueStart += int(size);
     if (queued() == 0)
-        dropQueue();
+        return dropQueue();
+    // A slow peer may never take all of it: what it took must not stay in front.
+    if (queueStart > queued()) {
+        queue.remove(0, queueStart);
+        queueStart = 0;
+    }
 }
 
 void PlainSocket::flush(bool more)

@@ -1,14 +1,19 @@
+#include "net/PlainSocket.h"
 #include "server/Places.h"
 #include "server/SessionTable.h"
 #include "standard/http/StandardFace.h"
 #include "tests/support/LiveServer.h"
 
 #include <QElapsedTimer>
+#include <QFile>
 #include <QProcess>
 #include <QSslKey>
 
+#include <algorithm>
+#include <array>
 #include <list>
 
+#include <sys/socket.h>
 #include <unistd.h>
 
 namespace {
@@ -36,6 +41,26 @@ struct Worker final : PassTaker
     bool works = false;
 };
 
+/// Always has more for its peer.
+struct Flood final : Socket::User
+{
+    void readable() override { }
+    void writable() override
+    {
+        while (!socket->isCongested())
+            socket->write(QByteArray(64 * 1024, 'x'), false);
+    }
+    void gone() override { }
+
+    Socket *socket = nullptr;
+};
+
+qint64 residentBytes()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    return file.open(QFile::ReadOnly) ? file.readAll().split(' ').at(1).toLongLong() * 4096 : 0;
+}
+
 } // namespace
 
 /// Servers, connections and sessions from their first to their last moment.
@@ -53,6 +78,7 @@ private Q_SLOTS:
     void saysWhyTlsCantBeUsed();
     void answersWhileOthersReadNothing();
     void makesAPeerWaitThatTakesNoReplies();
+    void forgetsWhatASlowPeerTook();
     void goesOnWhenDescriptorsRunOut();
     void endsWhoKeepsItWaiting();
     void takesSoManyOfEachPeer();
@@ -200,6 +226,34 @@ void TestLifecycle::makesAPeerWaitThatTakesNoReplies()
     QTest::qWait(300);
     QVERIFY(live->engine.setup()->poller->backlog() < 1000000);
     QVERIFY(client.socket->bytesToWrite() > 0);
+}
+
+/// What waits for a peer that is never through with it must not grow with what it was sent.
+void TestLifecycle::forgetsWhatASlowPeerTook()
+{
+    std::array<int, 2> ends{};
+    QCOMPARE(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, ends.data()), 0);
+    const int room = 64 * 1024;
+    ::setsockopt(ends[0], SOL_SOCKET, SO_SNDBUF, &room, sizeof room);
+    const FileDescriptor peer(ends[1]);
+    Poller poller;
+    TrafficAccount account([] {});
+    Flood flood;
+    PlainSocket socket(FileDescriptor{ ends[0] }, QHostAddress(), &poller, &account);
+    flood.socket = &socket;
+    socket.setUser(&flood);
+    QByteArray taken(room, Qt::Uninitialized);
+    const auto take = [&](qint64 bytes) {
+        for (qint64 sum = 0; sum < bytes;) {
+            socket.again();
+            QCoreApplication::processEvents();
+            sum += std::max<qint64>(0, ::read(peer.get(), taken.data(), size_t(taken.size())));
+        }
+    };
+    take(1024 * 1024);
+    const qint64 before = residentBytes();
+    take(64 * 1024 * 1024);
+    QVERIFY(residentBytes() - before < 8 * 1024 * 1024);
 }
 
 void TestLifecycle::goesOnWhenDescriptorsRunOut()
