@@ -76,9 +76,7 @@ Session SessionTable::ofCookie(const QByteArray &value)
 {
     const qint64 id = strict ? value.toLongLong() : value.toInt();
     Session known = sessions.value(id);
-    if (known || (strict && handedOut.value(id).expired()))
-        return known;
-    return enter(id);
+    return known || strict ? known : enter(id);
 }
 
 Session SessionTable::enter(qint64 id)
@@ -96,8 +94,11 @@ Session SessionTable::enter(qint64 id)
 
 Session SessionTable::handOut()
 {
+    // Its number never comes up again by itself, so it must not depend on its first connection.
+    if (strict)
+        return enter(unguessable());
     auto session = std::make_shared<SessionData>();
-    session->id = strict ? unguessable() : QDateTime::currentMSecsSinceEpoch() % numbers;
+    session->id = QDateTime::currentMSecsSinceEpoch() % numbers;
     handedOut.insert(session->id, session);
     return session;
 }

@@ -76,11 +76,11 @@ public:
 
     /// The session that a cookie of this value names (one that is no number names session 0); when
     /// the table has none, the one handed out under that number, else a new one is entered. With a
-    /// strict profile only what was handed out is entered; null for all else.
+    /// strict profile none is entered so, and it is null then.
     Session ofCookie(const QByteArray &value);
 
-    /// A new session under a number from 0 to 999, or, with a strict profile, one that nobody can
-    /// guess. It enters the table when the number comes back.
+    /// A new session under a number from 0 to 999, which enters the table when the number comes
+    /// back; with a strict profile under one that nobody can guess, and in the table.
     Session handOut();
 
     /// Whether the session is in the table or may still enter it; false once it expired.

@@ -106,14 +106,15 @@ void ClassicFace::headRestReady(bool whole)
     examine();
 }
 
-/// A cookie counts for its own request; without one the connection's last session goes on.
+/// A cookie counts for its own request; without one the connection's last session goes on, unless
+/// the profile is strict: a proxy may serve another visitor on it.
 void ClassicFace::takeSession()
 {
     const Request &request = exchange.request;
     SessionTable &sessions = exchange.service.sessions;
     if (request.keepAlive)
         channel.setKeepAlive(*request.keepAlive);
-    if (request.bringsCookies) {
+    if (request.bringsCookies || exchange.service.profile->isStrict()) {
         const Cookies::Cookie *number = request.sessionCookie();
         exchange.client = number ? sessions.ofCookie(number->value) : nullptr;
     }

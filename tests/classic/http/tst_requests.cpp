@@ -486,9 +486,11 @@ void TestRequests::leavesNothingOpenWhenStrict()
     const QByteArray cookie =
         client.exchange(rawRequest("GET", "/a.txt", made)).header("Set-Cookie");
     QVERIFY(cookie.mid(3).toLongLong() > 1000);
-    QCOMPARE(client.exchange(rawRequest("GET", "/a.txt", "Cookie: " + cookie + "\r\n"))
-                 .header("Set-Cookie"),
-             cookie);
+    RawClient later(live->port());
+    const QByteArray again = rawRequest("GET", "/a.txt", "Cookie: " + cookie + "\r\n");
+    QCOMPARE(later.exchange(again).header("Set-Cookie"), cookie);
+    // A proxy may serve the next visitor on the connection of the last.
+    QVERIFY(later.exchange(rawRequest("GET", "/a.txt")).header("Set-Cookie") != cookie);
     QVERIFY(!client.exchange(rawRequest("GET", "/%3Cscript%3E")).body.contains("<script>"));
 }
 
