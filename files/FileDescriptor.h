@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <utility>
 
 /// Owns a descriptor of the system and closes it at its end. Movable; empty after a move.
@@ -36,6 +37,9 @@ public:
 private:
     int fd = -1;
 };
+
+/// One that several send from; closed after the last of them.
+using OpenDescriptor = std::shared_ptr<const FileDescriptor>;
 
 /// One more descriptor of what is open at `descriptor`. Not open, with `errno`, when there are too
 /// many.

@@ -156,6 +156,11 @@ std::optional<OpenFile> Share::openFile(const QByteArray &path, Links links) con
     return {};
 }
 
+bool Share::leadsStillTo(const QByteArray &path, const EntryFacts &found) const
+{
+    return folder && isUntouched(found, linkFacts(root.get(), cleanPath(path).constData()));
+}
+
 std::optional<FolderReader> Share::openFolder(const QByteArray &path, Links links) const
 {
     FileDescriptor found = open(path, folderFlags, links);

@@ -47,6 +47,10 @@ public:
     /// Opens a regular file for reading. None, with `errno`, for anything else.
     std::optional<OpenFile> openFile(const QByteArray &path, Links links = Links::Followed) const;
 
+    /// Whether `path`, opened a moment ago, still leads to what was `found` then, unchanged in all
+    /// respects. Costs one look; of a single file nobody can tell.
+    bool leadsStillTo(const QByteArray &path, const EntryFacts &found) const;
+
     /// Opens a folder to read its entries. None, with `errno`, when it can't be.
     std::optional<FolderReader> openFolder(const QByteArray &path,
                                            Links links = Links::Followed) const;

@@ -10,7 +10,7 @@ constexpr qint64 helping = qint64(256) * 1024; ///< bytes for one peer in one tu
 
 } // namespace
 
-void FileSender::start(FileDescriptor opened, qint64 offset, qint64 count)
+void FileSender::start(OpenDescriptor opened, qint64 offset, qint64 count)
 {
     file = std::move(opened);
     position = offset;
@@ -21,7 +21,7 @@ FileSender::Outcome FileSender::send(Socket &socket)
 {
     const qint64 goal = position + std::min(left, helping);
     while (position < goal) {
-        const qint64 taken = socket.sendFile(file.get(), position, goal - position);
+        const qint64 taken = socket.sendFile(file->get(), position, goal - position);
         if (taken <= 0)
             return taken == 0 ? Outcome::Waiting : Outcome::Failed;
         position += taken;

@@ -19,7 +19,7 @@ public:
     };
 
     /// From now on it is about `count` bytes of `opened` from `offset` on.
-    void start(FileDescriptor opened, qint64 offset, qint64 count);
+    void start(OpenDescriptor opened, qint64 offset, qint64 count);
 
     /// Sends what the peer takes of this turn's helping.
     Outcome send(Socket &socket);
@@ -28,7 +28,7 @@ public:
     void stop() { file.reset(); }
 
 private:
-    FileDescriptor file;
+    OpenDescriptor file;
     qint64 position = 0;
     qint64 left = 0;
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "config/Directories.h"
+#include "files/OpenFiles.h"
 #include "net/TrafficAccount.h"
 #include "server/Face.h"
 #include "server/SessionTable.h"
@@ -49,5 +50,6 @@ struct Service
     std::shared_ptr<const Share> share; ///< of `shared`; null when that can't be opened
     SessionTable sessions;
     TrafficAccount traffic;
+    OpenFiles files = {}; ///< of `share`
     std::unique_ptr<FaceState> faceState = {}; ///< about `share`; null until a face needs it
 };

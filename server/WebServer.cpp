@@ -137,6 +137,7 @@ void WebServer::openShare()
     std::optional<Share> opened =
         Share::at(service.shared.absoluteFilePath(), { setup->directories.profiles });
     service.share = opened ? std::make_shared<const Share>(std::move(*opened)) : nullptr;
+    service.files.clear();
     service.faceState.reset();
 }
 

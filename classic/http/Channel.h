@@ -86,7 +86,7 @@ public:
 
     /// Streams `count` bytes of `file` from `offset` on and ends the reply. A file that ends
     /// early closes the connection, since the peer was told more.
-    void sendFile(FileDescriptor file, qint64 offset, qint64 count);
+    void sendFile(OpenDescriptor file, qint64 offset, qint64 count);
 
     /// Whether somebody will get an answer; clean up without one otherwise.
     bool canAnswer() const;

@@ -1,6 +1,7 @@
 #include "classic/http/FileReply.h"
 
 #include "config/Profile.h"
+#include "files/OpenFiles.h"
 #include "files/Path.h"
 #include "files/Share.h"
 
@@ -150,7 +151,7 @@ bool FileReply::sendRegular(const QString &path)
     const Share *share = exchange.service.share.get();
     if (!share || namesFolder(path))
         return false;
-    std::optional<OpenFile> file = share->openFile(nativePath(path));
+    std::optional<ServedFile> file = exchange.service.files.open(*share, nativePath(path));
     if (!file)
         return false;
     sendOpened(std::move(*file), path == top ? exchange.service.shared.fileName() : lastName(path));
@@ -170,10 +171,10 @@ void FileReply::sendInstalled(const QString &path, const QByteArray &status)
     std::optional<OpenFile> file = openInstalled(path);
     if (!file)
         return refuse(path, QFileInfo::exists(path));
-    sendOpened(std::move(*file), QFileInfo(path).fileName(), status);
+    sendOpened(served(std::move(*file)), QFileInfo(path).fileName(), status);
 }
 
-void FileReply::sendOpened(OpenFile file, const QString &name, const QByteArray &status)
+void FileReply::sendOpened(ServedFile file, const QString &name, const QByteArray &status)
 {
     const bool part = isPart(request.rangeStart, request.rangeEnd);
     const qint64 size = file.facts.size;
@@ -206,7 +207,7 @@ void FileReply::refuse(const QString &shownPath, bool exists)
     if (wantsIcon)
         icon = openInstalled(exchange.service.setup.directories.icons + QLatin1String(iconFile));
     if (icon)
-        return sendOpened(std::move(*icon), QLatin1String(iconFile));
+        return sendOpened(served(std::move(*icon)), QLatin1String(iconFile));
     notFound(shownPath.toUtf8());
 }
 

@@ -3,7 +3,7 @@
 #include "classic/http/FormUpload.h"
 #include "classic/http/Responder.h"
 
-struct OpenFile;
+struct ServedFile;
 
 /// Answers GET and POST for the shared item with plain files, and receives form uploads.
 /// The base of what browsers get.
@@ -34,7 +34,7 @@ protected:
     void sendInstalled(const QString &path, const QByteArray &status = Status::ok);
 
     /// Sends `file` under `name`, or the part of it that is asked for.
-    void sendOpened(OpenFile file, const QString &name, const QByteArray &status = Status::ok);
+    void sendOpened(ServedFile file, const QString &name, const QByteArray &status = Status::ok);
 
     /// The "404 Not Found" page. `triedFile` is a path in UTF-8.
     void notFound(const QByteArray &triedFile);

@@ -243,7 +243,7 @@ void BrowserPages::sendPreview(const QString &pathOnDisk)
     if (!preview)
         return notFound({});
     const QString name = QFileInfo(pathOnDisk).fileName() + nameEnd;
-    sendOpened(std::move(*preview), name);
+    sendOpened(served(std::move(*preview)), name);
 }
 
 void BrowserPages::sendPage(const QByteArray &page)

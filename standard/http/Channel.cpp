@@ -172,7 +172,7 @@ bool Channel::isCongested() const
     return socket.isCongested();
 }
 
-void Channel::sendFile(FileDescriptor file, qint64 offset, qint64 count)
+void Channel::sendFile(OpenDescriptor file, qint64 offset, qint64 count)
 {
     sender.start(std::move(file), offset, count);
     state = State::Streaming;

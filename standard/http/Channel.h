@@ -76,7 +76,7 @@ public:
 
     /// Sends `count` bytes of `file` from `offset` on, then tells `fileSent`, perhaps before this
     /// call returns. A file that ends early ends the connection, as the peer was told more.
-    void sendFile(FileDescriptor file, qint64 offset, qint64 count);
+    void sendFile(OpenDescriptor file, qint64 offset, qint64 count);
 
     /// Ends the reply. The next request is never looked at before this call returns.
     void end();

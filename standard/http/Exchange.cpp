@@ -135,7 +135,7 @@ void Exchange::write(const QByteArray &bytes)
         m_channel.write(ending == Ending::Chunks ? chunk(bytes) : bytes, true);
 }
 
-void Exchange::sendFile(FileDescriptor file, qint64 offset, qint64 count)
+void Exchange::sendFile(OpenDescriptor file, qint64 offset, qint64 count)
 {
     m_channel.sendFile(std::move(file), offset, count);
 }

@@ -81,7 +81,7 @@ public:
 
     /// A part of a file as a piece of the body; `Handler::fileSent` follows. The length of the
     /// body must have been told.
-    void sendFile(FileDescriptor file, qint64 offset, qint64 count);
+    void sendFile(OpenDescriptor file, qint64 offset, qint64 count);
 
     /// The body is whole.
     void end();

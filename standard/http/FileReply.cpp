@@ -41,7 +41,7 @@ void FileReply::start()
         return;
     if (share()->isFolder() && exchange.namesFolder())
         return listFolder();
-    std::optional<OpenFile> opened = share()->openFile(exchange.path());
+    std::optional<ServedFile> opened = exchange.service().files.open(*share(), exchange.path());
     if (opened)
         return sendFile(std::move(*opened));
     if (errno == EISDIR)
@@ -49,7 +49,7 @@ void FileReply::start()
     exchange.refuse(statusOf(errno));
 }
 
-void FileReply::sendFile(OpenFile opened)
+void FileReply::sendFile(ServedFile opened)
 {
     file = std::move(opened);
     if (!meetsConditions(file.facts))
@@ -59,7 +59,7 @@ void FileReply::sendFile(OpenFile opened)
     Fields fields = validatorFields(file.facts);
     fields.push_back(ranges);
     addProtection(fields);
-    type = contentType(fileName(), file.descriptor.get());
+    type = contentType(fileName(), file.descriptor->get());
     fields.push_back({ "Content-Disposition", disposition(fileName(), type) });
 
     const std::optional<QByteArray> asked = request.field("Range");
@@ -126,7 +126,7 @@ void FileReply::sendNextPart()
     const ByteRange part = parts.back();
     parts.pop_back();
     exchange.write(partHead(part));
-    exchange.sendFile(duplicate(file.descriptor.get()), part.first, part.count);
+    exchange.sendFile(file.descriptor, part.first, part.count);
 }
 
 void FileReply::fileSent()

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "files/Share.h"
+#include "files/OpenFiles.h"
 #include "standard/http/Ranges.h"
 #include "standard/http/Resource.h"
 
@@ -22,7 +22,7 @@ public:
     void fileSent() override;
 
 private:
-    void sendFile(OpenFile opened);
+    void sendFile(ServedFile opened);
     void sendWhole(Fields fields);
     void sendPart(Fields fields, const ByteRange &part);
     void startParts(Fields fields, std::vector<ByteRange> wanted);
@@ -34,7 +34,7 @@ private:
     void listFolder();
     void sendListing(const FolderListing &listing);
 
-    OpenFile file;
+    ServedFile file;
     QByteArray type;
     QByteArray boundary;
     std::vector<ByteRange>

@@ -4,6 +4,7 @@
 #include "files/EntryCopy.h"
 #include "files/HiddenUploads.h"
 #include "files/LeftoverSweep.h"
+#include "files/OpenFiles.h"
 #include "files/Path.h"
 #include "files/Rename.h"
 #include "files/TreeRemoval.h"
@@ -45,6 +46,7 @@ private Q_SLOTS:
     void paths_data();
     void paths();
     void places();
+    void keptFilesAreNeverOld();
     void hiddenFoldersShowNowhere();
     void mountsLeadToNothingHidden();
     void whatStandsThereIsRemoved();
@@ -104,6 +106,39 @@ void ShareTest::paths()
         .join();
     QTEST(followed, "followed");
     QVERIFY(walked == beneath || walked == "ELOOP" || walked == "ENOTDIR");
+}
+
+/// Files stay open for who asks again, but each answer is what stands on the disk by then.
+void ShareTest::keptFilesAreNeverOld()
+{
+    const Disk disk;
+    disk.write("sub/f", "one");
+    disk.write("other", "other");
+    const Share share = disk.share();
+    OpenFiles files;
+    std::weak_ptr<const FileDescriptor> last;
+    const auto served = [&]() -> QByteArray {
+        const std::optional<ServedFile> file = files.open(share, "sub/f");
+        if (!file)
+            return {};
+        last = file->descriptor;
+        QByteArray text(int(file->facts.size), '\0');
+        return ::pread(file->descriptor->get(), text.data(), size_t(text.size()), 0) == text.size()
+            ? text
+            : "cut";
+    };
+    QCOMPARE(served(), QByteArray("one"));
+    const auto first = last.lock();
+    QCOMPARE(served(), QByteArray("one"));
+    QVERIFY(last.lock() == first);
+    disk.write("sub/f", "longer");
+    QCOMPARE(served(), QByteArray("longer"));
+    QCOMPARE(::rename(disk.native("other").constData(), disk.native("sub/f").constData()), 0);
+    QCOMPARE(served(), QByteArray("other"));
+    QCOMPARE(::rename(disk.native("sub").constData(), disk.native("gone").constData()), 0);
+    QVERIFY(served().isEmpty());
+    QVERIFY(!last.expired());
+    QTRY_VERIFY(last.expired());
 }
 
 void ShareTest::places()

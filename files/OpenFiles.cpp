@@ -1,0 +1,72 @@
+#include "files/OpenFiles.h"
+
+#include <QTimerEvent>
+
+#include <utility>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto keptTime = 1s;
+constexpr int sweepInterval = 1000; ///< milliseconds
+constexpr int maxKept = 64;
+constexpr qint64 maxKeptSize =
+    qint64(256) * 1024; ///< bytes; the room of larger ones is free at once
+
+} // namespace
+
+ServedFile served(OpenFile file)
+{
+    return { std::make_shared<const FileDescriptor>(std::move(file.descriptor)), file.facts };
+}
+
+std::optional<ServedFile> OpenFiles::open(const Share &share, const QByteArray &path)
+{
+    const auto known = kept.constFind(path);
+    if (known != kept.constEnd() && Clock::now() - known->opened < keptTime
+        && share.leadsStillTo(path, known->file.facts))
+        return known->file;
+    std::optional<OpenFile> opened = share.openFile(path);
+    if (!opened)
+        return {};
+    ServedFile file = served(std::move(*opened));
+    keep(path, file);
+    return file;
+}
+
+void OpenFiles::clear()
+{
+    kept.clear();
+    timer.stop();
+}
+
+void OpenFiles::timerEvent(QTimerEvent *event)
+{
+    if (event->timerId() == timer.timerId())
+        dropOld();
+}
+
+void OpenFiles::keep(const QByteArray &path, const ServedFile &file)
+{
+    if (file.facts.size > maxKeptSize)
+        return;
+    if (kept.size() >= maxKept)
+        kept.clear();
+    kept.insert(path, { file, Clock::now() });
+    if (!timer.isActive())
+        timer.start(sweepInterval, this);
+}
+
+void OpenFiles::dropOld()
+{
+    const Clock::time_point now = Clock::now();
+    for (auto file = kept.begin(); file != kept.end();) {
+        if (now - file->opened >= keptTime)
+            file = kept.erase(file);
+        else
+            ++file;
+    }
+    if (kept.isEmpty())
+        timer.stop();
+}

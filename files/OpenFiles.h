@@ -1,0 +1,56 @@
+#pragma once
+
+#include "files/Share.h"
+
+#include <QBasicTimer>
+#include <QByteArray>
+#include <QHash>
+#include <QObject>
+
+#include <chrono>
+#include <optional>
+
+/// A regular file that is open for all who are being sent it, and what it was found to be.
+struct ServedFile
+{
+    OpenDescriptor descriptor;
+    EntryFacts facts;
+};
+
+/// One that was opened elsewhere.
+ServedFile served(OpenFile file);
+
+/// Opens files to be sent. A small one stays open for a second: whoever asks again meanwhile costs
+/// one look at its name, and opening is what a small reply would spend most on. What is sent is
+/// never old, as a file that was replaced, changed or forbidden is opened anew. Lives in the event
+/// loop.
+class OpenFiles : public QObject
+{
+public:
+    OpenFiles() = default;
+
+    /// The file that `path` names in `share`; the same one from call to call, until `clear`. None,
+    /// with `errno`, as `Share::openFile` has it.
+    std::optional<ServedFile> open(const Share &share, const QByteArray &path);
+
+    /// Lets all of them go.
+    void clear();
+
+protected:
+    void timerEvent(QTimerEvent *event) override;
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    struct Kept
+    {
+        ServedFile file;
+        Clock::time_point opened;
+    };
+
+    void keep(const QByteArray &path, const ServedFile &file);
+    void dropOld();
+
+    QHash<QByteArray, Kept> kept;
+    QBasicTimer timer;
+};
