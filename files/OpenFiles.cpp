@@ -18,7 +18,8 @@ constexpr qint64 maxKeptSize =
 
 ServedFile served(OpenFile file)
 {
-    return { std::make_shared<const FileDescriptor>(std::move(file.descriptor)), file.facts };
+    return { std::make_shared<const FileDescriptor>(std::move(file.descriptor)), file.facts,
+             std::make_shared<QByteArray>() };
 }
 
 std::optional<ServedFile> OpenFiles::open(const Share &share, const QByteArray &path)

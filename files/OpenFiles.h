@@ -8,6 +8,7 @@
 #include <QObject>
 
 #include <chrono>
+#include <memory>
 #include <optional>
 
 /// A regular file that is open for all who are being sent it, and what it was found to be.
@@ -15,6 +16,7 @@ struct ServedFile
 {
     OpenDescriptor descriptor;
     EntryFacts facts;
+    std::shared_ptr<QByteArray> note; ///< what its sender wants to find again; empty at first
 };
 
 /// One that was opened elsewhere.

@@ -93,8 +93,8 @@ void Exchange::reply(Status status, Fields fields, const QByteArray &body)
 {
     const bool bodiless = isBodiless(status);
     const bool sends = !bodiless && !current.isHead() && !body.isEmpty();
-    writeHead(status, std::move(fields), bodiless ? Ending::NoBody : Ending::Length, body.size(),
-              sends);
+    const Ending kind = bodiless ? Ending::NoBody : Ending::Length;
+    writeHead({ status, std::move(fields), {}, kind, body.size() }, sends);
     if (sends)
         m_channel.write(body, false);
     m_channel.end();
@@ -106,24 +106,24 @@ void Exchange::refuse(Status status, const QByteArray &text, Fields fields)
     reply(status, std::move(fields), (text.isEmpty() ? statusText(status) : text) + '\n');
 }
 
-bool Exchange::startBody(Status status, Fields fields, std::optional<qint64> length)
+bool Exchange::startBody(Status status, Fields fields, std::optional<qint64> length,
+                         const QByteArray &lines)
 {
     Ending kind = Ending::Length;
     if (!length)
         kind = current.minorVersion > 0 ? Ending::Chunks : Ending::Close;
-    writeHead(status, std::move(fields), kind, length.value_or(0), !current.isHead());
+    writeHead({ status, std::move(fields), lines, kind, length.value_or(0) }, !current.isHead());
     if (!current.isHead())
         return true;
     m_channel.end();
     return false;
 }
 
-void Exchange::writeHead(Status status, Fields fields, Ending kind, qint64 length, bool more)
+void Exchange::writeHead(ReplyHead head, bool more)
 {
-    ending = kind;
-    if (kind == Ending::Close)
+    ending = head.ending;
+    if (ending == Ending::Close)
         m_channel.closeAfterReply();
-    ReplyHead head{ status, std::move(fields), kind, length };
     head.keepAlive = m_channel.settlePersistence();
     head.tellsKeepAlive = current.minorVersion == 0;
     m_channel.write(headBlock(head), more);

@@ -70,8 +70,10 @@ public:
     void refuse(Status status, const QByteArray &text = {}, Fields fields = {});
 
     /// The head of a reply whose body is written in pieces; `length` is its size in bytes, none
-    /// when that isn't known. False when no body is wanted (HEAD): the reply is over then.
-    bool startBody(Status status, Fields fields, std::optional<qint64> length);
+    /// when that isn't known. `lines` are further fields, ready to be sent. False when no body is
+    /// wanted (HEAD): the reply is over then.
+    bool startBody(Status status, Fields fields, std::optional<qint64> length,
+                   const QByteArray &lines = {});
 
     /// A piece of the body. Nothing is kept back: watch `isCongested`.
     void write(const QByteArray &bytes);
@@ -107,7 +109,7 @@ public:
     void forget();
 
 private:
-    void writeHead(Status status, Fields fields, Ending kind, qint64 length, bool more);
+    void writeHead(ReplyHead head, bool more);
 
     Service &m_service;
     Channel &m_channel;

@@ -55,49 +55,65 @@ void FileReply::sendFile(ServedFile opened)
     if (!meetsConditions(file.facts))
         return;
     const Request &request = exchange.request();
-    static const Field ranges{ "Accept-Ranges", "bytes" };
-    Fields fields = validatorFields(file.facts);
-    fields.push_back(ranges);
-    addProtection(fields);
-    type = contentType(fileName(), file.descriptor->get());
-    fields.push_back({ "Content-Disposition", disposition(fileName(), type) });
-
     const std::optional<QByteArray> asked = request.field("Range");
     // For HEAD, and all that isn't GET, there are no ranges (RFC 9110, section 14.2).
     if (!asked || request.isHead() || !rangeApplies(request, Validators::of(file.facts)))
-        return sendWhole(std::move(fields));
+        return sendWhole();
     RangeAnswer answer = rangesOf(*asked, file.facts.size);
     if (answer.kind == RangeAnswer::Kind::Whole)
-        return sendWhole(std::move(fields));
+        return sendWhole();
     if (answer.kind == RangeAnswer::Kind::Unsatisfiable) {
         return exchange.refuse(
             Status::RangeNotSatisfiable, {},
             { { "Content-Range", "bytes */" + QByteArray::number(file.facts.size) } });
     }
     if (answer.parts.size() == 1)
-        return sendPart(std::move(fields), answer.parts.front());
-    startParts(std::move(fields), std::move(answer.parts));
+        return sendPart(answer.parts.front());
+    startParts(std::move(answer.parts));
 }
 
-void FileReply::sendWhole(Fields fields)
+QByteArray FileReply::type() const
 {
-    fields.push_back({ "Content-Type", type });
+    return contentType(fileName(), file.descriptor->get());
+}
+
+/// What every reply says of the file, whatever part of it is sent.
+Fields FileReply::fileFields() const
+{
+    Fields fields = validatorFields(file.facts);
+    fields.push_back({ "Accept-Ranges", "bytes" });
+    addProtection(fields);
+    fields.push_back({ "Content-Disposition", disposition(fileName(), type()) });
+    return fields;
+}
+
+/// The same with the type, made once for as long as the file stays open.
+const QByteArray &FileReply::fileLines() const
+{
+    if (file.note->isEmpty())
+        *file.note = fieldLines(fileFields()) + fieldLines({ { "Content-Type", type() } });
+    return *file.note;
+}
+
+void FileReply::sendWhole()
+{
     const qint64 size = file.facts.size;
-    if (exchange.startBody(Status::Ok, std::move(fields), size))
+    if (exchange.startBody(Status::Ok, {}, size, fileLines()))
         exchange.sendFile(std::move(file.descriptor), 0, size);
 }
 
-void FileReply::sendPart(Fields fields, const ByteRange &part)
+void FileReply::sendPart(const ByteRange &part)
 {
-    fields.push_back({ "Content-Type", type });
-    fields.push_back({ "Content-Range", contentRange(part, file.facts.size) });
-    if (exchange.startBody(Status::PartialContent, std::move(fields), part.count))
+    Fields fields{ { "Content-Range", contentRange(part, file.facts.size) } };
+    if (exchange.startBody(Status::PartialContent, std::move(fields), part.count, fileLines()))
         exchange.sendFile(std::move(file.descriptor), part.first, part.count);
 }
 
-void FileReply::startParts(Fields fields, std::vector<ByteRange> wanted)
+void FileReply::startParts(std::vector<ByteRange> wanted)
 {
     boundary = newBoundary();
+    partType = type();
+    Fields fields = fileFields();
     fields.push_back({ "Content-Type", "multipart/byteranges; boundary=" + boundary });
     const auto length = std::accumulate(wanted.begin(), wanted.end(), qint64(partsEnd().size()),
                                         [this](qint64 sum, const ByteRange &part) {
@@ -112,7 +128,7 @@ void FileReply::startParts(Fields fields, std::vector<ByteRange> wanted)
 /// Each begins with the line break that ends the one before.
 QByteArray FileReply::partHead(const ByteRange &part) const
 {
-    return "\r\n--" + boundary + "\r\nContent-Type: " + type
+    return "\r\n--" + boundary + "\r\nContent-Type: " + partType
         + "\r\nContent-Range: " + contentRange(part, file.facts.size) + "\r\n\r\n";
 }
 

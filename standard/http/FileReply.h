@@ -23,9 +23,12 @@ public:
 
 private:
     void sendFile(ServedFile opened);
-    void sendWhole(Fields fields);
-    void sendPart(Fields fields, const ByteRange &part);
-    void startParts(Fields fields, std::vector<ByteRange> wanted);
+    QByteArray type() const;
+    Fields fileFields() const;
+    const QByteArray &fileLines() const;
+    void sendWhole();
+    void sendPart(const ByteRange &part);
+    void startParts(std::vector<ByteRange> wanted);
     void sendNextPart();
     QByteArray partHead(const ByteRange &part) const;
     QByteArray partsEnd() const;
@@ -35,10 +38,9 @@ private:
     void sendListing(const FolderListing &listing);
 
     ServedFile file;
-    QByteArray type;
-    QByteArray boundary;
-    std::vector<ByteRange>
-        parts; ///< of several, those that are still to be sent, the next one last
+    QByteArray boundary; ///< of several parts, like the next two
+    QByteArray partType;
+    std::vector<ByteRange> parts; ///< still to be sent, the next one last
 };
 
 } // namespace standard

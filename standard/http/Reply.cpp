@@ -49,12 +49,7 @@ bool isBreak(char c)
 class Block
 {
 public:
-    explicit Block(const QByteArray &firstLine)
-    {
-        text.reserve(usualHead);
-        append(firstLine);
-        text += "\r\n";
-    }
+    Block() { text.reserve(usualHead); }
 
     /// Nothing in a value ends its line.
     void add(const QByteArray &name, const QByteArray &value)
@@ -69,8 +64,15 @@ public:
         text += "\r\n";
     }
 
-    /// A line that is as it should be.
+    void add(const Fields &fields)
+    {
+        for (const Field &field : fields)
+            add(field.name, field.value);
+    }
+
+    /// Lines that are as they should be.
     void addLine(std::string_view line) { text += line; }
+    void addLines(const QByteArray &lines) { append(lines); }
 
     QByteArray toByteArray() const { return { text.data(), int(text.size()) }; }
 
@@ -94,14 +96,24 @@ void addEnding(Block &block, const ReplyHead &head)
 
 } // namespace
 
+QByteArray fieldLines(const Fields &fields)
+{
+    Block block;
+    block.add(fields);
+    return block.toByteArray();
+}
+
 QByteArray headBlock(const ReplyHead &head)
 {
     static const QByteArray date = "Date";
-    Block block("HTTP/1.1 " + statusText(head.status));
+    Block block;
+    block.addLine("HTTP/1.1 ");
+    block.addLines(statusText(head.status));
+    block.addLine("\r\n");
     block.add(date, currentDate());
     block.addLine(product);
-    for (const Field &field : head.fields)
-        block.add(field.name, field.value);
+    block.addLines(head.lines);
+    block.add(head.fields);
     addEnding(block, head);
     if (!head.keepAlive)
         block.addLine("Connection: close\r\n");

@@ -22,14 +22,17 @@ struct ReplyHead
 {
     Status status = Status::Ok;
     Fields fields; ///< its own ones, as the handler gives them
+    QByteArray lines; ///< and some that are ready to be sent
     Ending ending = Ending::Length;
     qint64 length = 0; ///< bytes, when it ends by that
     bool keepAlive = true;
     bool tellsKeepAlive = false; ///< to a peer that would not expect it (HTTP/1.0)
 };
 
-/// The status line and all fields, with what every reply has, and the blank line. Line breaks in
-/// values become blanks.
+/// The lines of these fields. Line breaks in values become blanks.
+QByteArray fieldLines(const Fields &fields);
+
+/// The status line and all fields, with what every reply has, and the blank line.
 QByteArray headBlock(const ReplyHead &head);
 
 /// A piece of a body as a chunk. `bytes` are not empty: that would end the body.
