@@ -163,8 +163,11 @@ bool Profile::save()
     const bool inTheWay = !isUsable() && !isMissing(m_fileName);
     if (inTheWay && !setAside(m_fileName))
         return false;
-    if (!writeWithSum(m_fileName, toRecord(*this, cleanExit))
-        || !writeText(textFileOf(m_fileName), *this))
+    // What could not be understood must not be mixed with what is said now.
+    const QString textFile = textFileOf(m_fileName);
+    if (!isUsable() && !isMissing(textFile) && !setAside(textFile))
+        return false;
+    if (!writeWithSum(m_fileName, toRecord(*this, cleanExit)) || !writeText(textFile, *this))
         return false;
     m_fileState = FileState::Fine;
     return true;
@@ -219,9 +222,20 @@ bool Profile::equals(const Profile *other) const
     return inFileOrder(mine) == inFileOrder(others) && equalText(mine, others);
 }
 
+Rights ProfileValues::switchedRights() const
+{
+    Rights rights = Right::See | Right::Read;
+    if (enableUpload == Qt::Checked)
+        rights |= Right::Add | Right::Change;
+    if (enableDelete == Qt::Checked)
+        rights |= Right::Delete;
+    return rights;
+}
+
 bool Profile::opensHome(const QString &path) const
 {
-    if (!admitsEveryone() || !(allowsDelete() || allowsUpload()))
+    const Rights changing = Right::Add | Right::Change | Right::Delete;
+    if (!admitsEveryone() || (rightsOfEveryone() & changing) == Rights())
         return false;
     const QString shared = realFolder(path);
     return !shared.isEmpty()

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "config/Directories.h"
+#include "config/Rights.h"
 
 #include <QByteArray>
+#include <QMap>
 #include <QString>
 #include <QStringList>
 
@@ -58,6 +60,12 @@ struct ProfileValues
     qint32 strict = 0; ///< see `Profile::isStrict`, 0 or 1
     QStringList trustedProxies; ///< addresses of those whose word is taken for who asked for what
     QByteArray pathPrefix; ///< that they leave on paths; see `pathPrefixOf`
+    std::optional<Rights> everyone; ///< rights; none: those of the switches
+    QMap<QString, AccountRights> accountRights; ///< by name
+
+    /// What everyone may do: as the switches say, unless there is more to say.
+    Rights switchedRights() const;
+    Rights rightsOfEveryone() const { return everyone.value_or(switchedRights()); }
 };
 
 /// One named settings profile and the file that it is stored in.

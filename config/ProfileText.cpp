@@ -9,13 +9,14 @@
 #include <array>
 #include <iterator>
 #include <utility>
+#include <vector>
 
 #include <arpa/inet.h>
 #include <netinet/in.h>
 
 namespace {
 
-constexpr qint64 maxTextBytes = qint64(64) * 1024;
+constexpr qint64 maxTextBytes = qint64(1024) * 1024; ///< thousands of accounts
 
 constexpr const char *explanation =
     "# Values of this profile that its .cnf file has no place for.\n";
@@ -93,6 +94,20 @@ QByteArray sayPrefix(const ProfileValues &values)
     return values.pathPrefix;
 }
 
+constexpr auto asSwitched = "switches"; ///< the rights that the profile file's switches give
+constexpr auto asEveryone = "everyone";
+
+bool takeEveryone(const QByteArray &text, ProfileValues *values)
+{
+    values->everyone = rightsNamed(text);
+    return values->everyone || text == asSwitched;
+}
+
+QByteArray sayEveryone(const ProfileValues &values)
+{
+    return values.everyone ? rightsText(*values.everyone) : QByteArray(asSwitched);
+}
+
 constexpr std::array textKeys{
     TextKey{ "mode", takeWord<&ProfileValues::faceMode, modes>,
              sayWord<&ProfileValues::faceMode, modes> },
@@ -104,6 +119,57 @@ constexpr std::array textKeys{
              sayWord<&ProfileValues::strict, switched> },
     TextKey{ "trusted-proxies", takeProxies, sayProxies },
     TextKey{ "path-prefix", takePrefix, sayPrefix },
+    TextKey{ "everyone", takeEveryone, sayEveryone },
+};
+
+/// A key with a line for each account, whose name follows. What it says it also understands.
+struct AccountKey
+{
+    const char *prefix;
+    bool (*take)(const QString &name, const QByteArray &text, ProfileValues *values);
+    QMap<QString, QByteArray> (*say)(const ProfileValues &values); ///< by name
+    void (*clear)(ProfileValues *values);
+};
+
+/// "see, read; /home"
+bool takeAccount(const QString &name, const QByteArray &text, ProfileValues *values)
+{
+    const auto end = text.indexOf(';');
+    const QByteArray rights = (end < 0 ? text : text.left(end)).trimmed();
+    const QByteArray home = end < 0 ? QByteArray() : text.mid(end + 1).trimmed();
+    AccountRights account{ rightsNamed(rights), QByteArray::fromPercentEncoding(home) };
+    const bool isUnderstood = account.rights || rights == asEveryone;
+    values->accountRights.insert(name, account);
+    return isUnderstood && (end < 0 || home.startsWith('/'));
+}
+
+/// Readable as it stands, but without anything that ends a name or a value.
+QByteArray encodedName(const QByteArray &name)
+{
+    QByteArray encoded;
+    for (const char c : name)
+        encoded += c < 0 ? QByteArray(1, c) : QByteArray(1, c).toPercentEncoding("/@+");
+    return encoded;
+}
+
+QMap<QString, QByteArray> sayAccounts(const ProfileValues &values)
+{
+    QMap<QString, QByteArray> said;
+    for (auto at = values.accountRights.begin(); at != values.accountRights.end(); ++at) {
+        const QByteArray rights = at->rights ? rightsText(*at->rights) : QByteArray(asEveryone);
+        const QByteArray home = at->home.isEmpty() ? at->home : "; " + encodedName(at->home);
+        said.insert(at.key(), rights + home);
+    }
+    return said;
+}
+
+void clearAccounts(ProfileValues *values)
+{
+    values->accountRights.clear();
+}
+
+constexpr std::array accountKeys{
+    AccountKey{ "account.", takeAccount, sayAccounts, clearAccounts },
 };
 
 /// One line taken apart; `key` is empty in a comment or an empty line.
@@ -130,9 +196,35 @@ const TextKey *findKey(const QByteArray &name)
     return found == textKeys.end() ? nullptr : found;
 }
 
-QByteArray lineOf(const TextKey &key, const ProfileValues &values)
+const AccountKey *findAccountKey(const QByteArray &name)
 {
-    return QByteArray(key.name) + " = " + key.say(values) + '\n';
+    const auto *found =
+        std::find_if(accountKeys.begin(), accountKeys.end(),
+                     [&name](const AccountKey &key) { return name.startsWith(key.prefix); });
+    return found == accountKeys.end() ? nullptr : found;
+}
+
+QString accountNamed(const QByteArray &key, const AccountKey &kind)
+{
+    return QString::fromUtf8(QByteArray::fromPercentEncoding(key.mid(int(qstrlen(kind.prefix)))));
+}
+
+QByteArray keyOf(const AccountKey &kind, const QString &account)
+{
+    return kind.prefix + encodedName(account.toUtf8());
+}
+
+/// Whether the line can be read; the value is taken over then.
+bool takeLine(const QByteArray &raw, ProfileValues *values)
+{
+    const Line line = takeApart(raw);
+    if (const TextKey *key = findKey(line.key))
+        return line.fits && key->take(line.value, values);
+    const AccountKey *kind = findAccountKey(line.key);
+    if (!kind)
+        return line.fits;
+    const QString name = accountNamed(line.key, *kind);
+    return line.fits && !name.isEmpty() && kind->take(name, line.value, values);
 }
 
 /// Whether every line could be read; the values of those that could are taken over.
@@ -141,10 +233,17 @@ bool takeLines(const QByteArray &content, ProfileValues *values)
     if (content.contains('\0') || content.size() > maxTextBytes)
         return false;
     const QList<QByteArray> lines = content.split('\n');
-    return std::all_of(lines.begin(), lines.end(), [values](const QByteArray &raw) {
-        const Line line = takeApart(raw);
-        const TextKey *key = findKey(line.key);
-        return line.fits && (!key || key->take(line.value, values));
+    return std::all_of(lines.begin(), lines.end(),
+                       [values](const QByteArray &raw) { return takeLine(raw, values); });
+}
+
+/// Whether the file, which can't be used, was to say who may do what.
+bool speaksOfRights(const QByteArray &content)
+{
+    const QList<QByteArray> lines = content.split('\n');
+    return std::any_of(lines.begin(), lines.end(), [](const QByteArray &raw) {
+        const QByteArray line = raw.trimmed();
+        return findAccountKey(line) || line.startsWith("everyone");
     });
 }
 
@@ -153,28 +252,63 @@ void takeDefaults(ProfileValues *values)
     const ProfileValues defaults;
     for (const TextKey &key : textKeys)
         key.take(key.say(defaults), values);
+    for (const AccountKey &kind : accountKeys)
+        kind.clear(values);
+}
+
+struct Saying
+{
+    QByteArray key;
+    QByteArray value;
+
+    bool operator==(const Saying &other) const { return key == other.key && value == other.value; }
+};
+
+/// All that can be said of the values.
+std::vector<Saying> sayingsOf(const ProfileValues &values)
+{
+    std::vector<Saying> all;
+    for (const TextKey &key : textKeys)
+        all.push_back({ key.name, key.say(values) });
+    for (const AccountKey &kind : accountKeys) {
+        const QMap<QString, QByteArray> said = kind.say(values);
+        for (auto at = said.begin(); at != said.end(); ++at)
+            all.push_back({ keyOf(kind, at.key()), at.value() });
+    }
+    return all;
+}
+
+/// The line with what is said for its key now; nothing when that is of an account that is gone.
+QByteArray renewed(const QByteArray &raw, const std::vector<Saying> &sayings)
+{
+    QByteArray key = takeApart(raw).key;
+    const AccountKey *kind = findAccountKey(key);
+    if (kind)
+        key = keyOf(*kind, accountNamed(key, *kind));
+    else if (!findKey(key))
+        return raw + '\n';
+    const auto said = std::find_if(sayings.begin(), sayings.end(),
+                                   [&key](const Saying &each) { return each.key == key; });
+    return said == sayings.end() ? QByteArray() : key + " = " + said->value + '\n';
 }
 
 /// The lines of `content` with the values put in; keys that are not there follow at the end unless
 /// the default is meant.
 QByteArray withValues(const QByteArray &content, const ProfileValues &values)
 {
+    const std::vector<Saying> sayings = sayingsOf(values);
+    const std::vector<Saying> usual = sayingsOf(ProfileValues());
     QList<QByteArray> lines = content.split('\n');
     if (lines.constLast().isEmpty())
         lines.removeLast();
     QByteArray text;
-    std::array<bool, textKeys.size()> written{};
-    for (const QByteArray &raw : std::as_const(lines)) {
-        const TextKey *key = findKey(takeApart(raw).key);
-        text += key ? lineOf(*key, values) : raw + '\n';
-        if (key)
-            written.at(std::size_t(std::distance(textKeys.data(), key))) = true;
-    }
-    const ProfileValues defaults;
-    for (std::size_t i = 0; i < textKeys.size(); ++i) {
-        const TextKey &key = textKeys.at(i);
-        if (!written.at(i) && key.say(values) != key.say(defaults))
-            text += lineOf(key, values);
+    for (const QByteArray &raw : std::as_const(lines))
+        text += renewed(raw, sayings);
+    for (const Saying &each : sayings) {
+        const QByteArray line = each.key + " = " + each.value + '\n';
+        const bool isUsual = std::find(usual.begin(), usual.end(), each) != usual.end();
+        if (!isUsual && !('\n' + text).contains('\n' + line))
+            text += line;
     }
     return text;
 }
@@ -192,10 +326,11 @@ TextState readText(const QString &textFile, ProfileValues *values)
     QFile file(textFile);
     if (!file.open(QIODevice::ReadOnly))
         return isMissing(textFile) ? TextState::Fine : TextState::Unreadable;
-    if (takeLines(file.read(maxTextBytes + 1), values))
+    const QByteArray content = file.read(maxTextBytes + 1);
+    if (takeLines(content, values))
         return TextState::Fine;
     takeDefaults(values);
-    return TextState::Damaged;
+    return speaksOfRights(content) ? TextState::Unreadable : TextState::Damaged;
 }
 
 bool writeText(const QString &textFile, const ProfileValues &values)
@@ -235,6 +370,5 @@ std::optional<QByteArray> pathPrefixOf(const QByteArray &text)
 
 bool equalText(const ProfileValues &one, const ProfileValues &other)
 {
-    return std::all_of(textKeys.begin(), textKeys.end(),
-                       [&](const TextKey &key) { return key.say(one) == key.say(other); });
+    return sayingsOf(one) == sayingsOf(other);
 }

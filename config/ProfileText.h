@@ -12,12 +12,13 @@ struct ProfileValues;
 enum class TextState {
     Fine, ///< or there is none, and the defaults are what is meant
     Damaged, ///< not lines of "key = value", or a value that its key doesn't know
-    Unreadable
+    Unreadable ///< also when such a file says who may do what: the defaults may allow more
 };
 
 /// The text file beside a profile file: "work.cnf.ini" of "work.cnf". It holds the values that the
 /// profile file has no place for, one "key = value" a line in UTF-8, and is meant to be edited by
-/// hand too: comments (# or ;) and keys of other versions stay where they are.
+/// hand too: comments (# or ;) and keys of other versions stay where they are. Some keys end in the
+/// name of an account, percent-encoded where it isn't letters, digits or "-._~@+".
 QString textFileOf(const QString &profileFile);
 
 /// Takes over the values that the text file names; those that it does not name become the

@@ -41,6 +41,7 @@ private Q_SLOTS:
     void comparesAndCopiesWhatAnEditorChanges();
     void admitsNobodyByANamelessAccount();
     void keepsMoreValuesAsText();
+    void keepsRightsOfAccounts();
     void findsItsProfiles();
     void tellsACrashFromANeighbour();
 
@@ -242,7 +243,7 @@ void TestProfile::keepsMoreValuesAsText()
     for (const QByteArray &bytes :
          { QByteArray("mode = clasic\n"), QByteArray("sync"),
            QByteArray("trusted-proxies = ::1, proxy\n"), QByteArray("path-prefix = //evil\n"),
-           QByteArray("mode = auto\n\0", 13), QByteArray(70000, '#') }) {
+           QByteArray("mode = auto\n\0", 13), QByteArray(2 << 20, '#') }) {
         home->writeProfile(file, bytes);
         const Profile damaged(home->directories, name);
         QVERIFY(damaged.isUsable() && damaged.faceMode == FaceAuto);
@@ -252,6 +253,44 @@ void TestProfile::keepsMoreValuesAsText()
     }
     QVERIFY(work.remove());
     QVERIFY(!QFile::exists(home->directories.profiles + file));
+}
+
+void TestProfile::keepsRightsOfAccounts()
+{
+    const QString file = QStringLiteral("work.cnf.ini");
+    const QString name = QStringLiteral("work.cnf");
+    Profile work(home->directories);
+    work.setFileName(QStringLiteral("work"));
+    work.enableDelete = Qt::Unchecked;
+    QVERIFY(work.save());
+    QCOMPARE(rightsText(work.rightsOfEveryone()), QByteArray("see, read, add, change"));
+
+    home->writeProfile(file,
+                       "everyone = see\n# of the house\n"
+                       "account.a%3D%25 b=all ; /b c\naccount.j\xc3\xbcrg = none\n");
+    QVERIFY(work.load());
+    QCOMPARE(rightsText(work.rightsOfEveryone()), QByteArray("see"));
+    const AccountRights first = work.accountRights.value(QStringLiteral("a=% b"));
+    QCOMPARE(rightsText(first.rights.value_or(Rights())), QByteArray("all"));
+    QCOMPARE(first.home, QByteArray("/b c"));
+    const std::unique_ptr<Profile> copy = work.clone();
+    copy->accountRights.remove(QString::fromUtf8("j\xc3\xbcrg"));
+    copy->accountRights.insert(QStringLiteral("x\ny"), { {}, "/x" });
+    QVERIFY(!copy->equals(&work) && copy->save());
+    QCOMPARE(home->profileBytes(file),
+             QByteArray("everyone = see\n# of the house\n"
+                        "account.a%3D%25%20b = all; /b%20c\naccount.x%0Ay = everyone; /x\n"));
+    QVERIFY(work.load() && work.equals(copy.get()));
+
+    // The defaults would open what these were to close.
+    for (const char *wrong : { "everyone = red", "mode = x\neveryone = see", "account. = see",
+                               "account.a", "account.a = see; home", "account.a =" }) {
+        home->writeProfile(file, wrong);
+        QVERIFY2(!work.load() && !work.isUsable(), wrong);
+        QCOMPARE(home->profileBytes(file), QByteArray(wrong));
+    }
+    QVERIFY(work.save() && Profile(home->directories, name).isUsable());
+    QCOMPARE(home->profileBytes(file + QLatin1String(".bad")), QByteArray("account.a ="));
 }
 
 void TestProfile::findsItsProfiles()
