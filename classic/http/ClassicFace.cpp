@@ -6,6 +6,7 @@
 #include "classic/http/RequestParser.h"
 #include "config/Profile.h"
 #include "net/Socket.h"
+#include "server/Access.h"
 #include "server/Connection.h"
 #include "server/Secret.h"
 
@@ -195,6 +196,11 @@ void ClassicFace::admit()
 {
     if (!isAdmitted())
         return refuseLogin();
+    // Its methods know the switches alone: who has other rights must not gain by asking it.
+    const Profile &profile = *exchange.service.profile;
+    const QByteArray account = exchange.request.credentials.split(':').constFirst();
+    if (!Access::of(profile, account).isAsSwitched(profile))
+        return refuse(Status::forbidden);
     dispatch();
 }
 

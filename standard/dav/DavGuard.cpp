@@ -1,6 +1,5 @@
 #include "standard/dav/DavGuard.h"
 
-#include "files/Path.h"
 #include "files/Share.h"
 #include "standard/dav/DavState.h"
 #include "standard/dav/IfHeader.h"
@@ -48,8 +47,7 @@ private:
         if (resource.isEmpty())
             return exchange.path();
         const std::optional<Target> target = parseTarget(resource);
-        const auto path = target ? exchange.request().outside.inside(target->path) : std::nullopt;
-        return path ? std::make_optional(cleanPath(*path)) : std::nullopt;
+        return target ? exchange.pathOf(target->path) : std::nullopt;
     }
 
     const Exchange &exchange;

@@ -2,14 +2,13 @@
 
 #include "standard/dav/MultiStatus.h"
 #include "standard/dav/Paths.h"
-#include "standard/http/Uri.h"
 
 #include <algorithm>
 #include <utility>
 
 namespace standard {
 
-QByteArray activeLock(const Lock &lock, const QByteArray &prefix)
+QByteArray activeLock(const Lock &lock, const UrlSpace &urls)
 {
     using std::chrono::seconds;
     const auto left = std::chrono::ceil<seconds>(lock.until - Lock::Clock::now());
@@ -18,13 +17,13 @@ QByteArray activeLock(const Lock &lock, const QByteArray &prefix)
         + (lock.deep ? "infinity" : "0") + "</D:depth>" + lock.owner + "<D:timeout>Second-"
         + QByteArray::number(qint64(left.count())) + "</D:timeout><D:locktoken><D:href>"
         + lock.token + "</D:href></D:locktoken><D:lockroot>"
-        + href(urlPath(prefix, lock.paths.front(), lock.folder)) + "</D:lockroot></D:activelock>";
+        + href(urlPath(urls, lock.paths.front(), lock.folder)) + "</D:lockroot></D:activelock>";
 }
 
 LockDiscovery::LockDiscovery(const LockTable &table, Paths topPaths, Depth depth,
-                             QByteArray pathPrefix)
+                             UrlSpace visitorsUrls)
     : paths(std::move(topPaths))
-    , prefix(std::move(pathPrefix))
+    , urls(std::move(visitorsUrls))
 {
     add(table.covering(paths));
     if (depth != Depth::Zero)
@@ -50,7 +49,7 @@ QByteArray LockDiscovery::at(const QByteArray &path) const
         find(found, top.isEmpty() && rest.startsWith('/') ? rest.mid(1) : top + rest);
     QByteArray elements;
     for (const Lock *lock : found)
-        elements += activeLock(*lock, prefix);
+        elements += activeLock(*lock, urls);
     return elements;
 }
 

@@ -2,6 +2,7 @@
 
 #include "standard/dav/LockTable.h"
 #include "standard/http/Depth.h"
+#include "standard/http/Uri.h"
 
 #include <QByteArray>
 
@@ -11,9 +12,9 @@
 
 namespace standard {
 
-/// The "activelock" element of a lock, with the time that is left to it. `prefix` is that of all
-/// paths outside.
-QByteArray activeLock(const Lock &lock, const QByteArray &prefix);
+/// The "activelock" element of a lock, with the time that is left to it. What stands above all that
+/// its reader sees is told to be that.
+QByteArray activeLock(const Lock &lock, const UrlSpace &urls);
 
 /// What is told of the locks in a tree. A copy, for any thread.
 class LockDiscovery
@@ -23,9 +24,8 @@ public:
 
     LockDiscovery() = default;
 
-    /// Of what has these paths, and of what stands below it as far as `depth` goes; for
-    /// `pathPrefix` see `activeLock`.
-    LockDiscovery(const LockTable &table, Paths topPaths, Depth depth, QByteArray pathPrefix);
+    /// Of what has these paths, and of what stands below it as far as `depth` goes.
+    LockDiscovery(const LockTable &table, Paths topPaths, Depth depth, UrlSpace visitorsUrls);
 
     /// The elements of the locks that cover `path`, which begins with the first of the paths.
     QByteArray at(const QByteArray &path) const;
@@ -37,7 +37,7 @@ private:
     void find(Found &found, const QByteArray &path) const;
 
     Paths paths;
-    QByteArray prefix;
+    UrlSpace urls;
     std::multimap<QByteArray, std::shared_ptr<const Lock>> byRoot;
 };
 

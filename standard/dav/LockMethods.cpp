@@ -43,7 +43,8 @@ Fields tokenField(const Lock &lock)
 
 void LockMethod::start()
 {
-    if (!mayUpload() || !meetsConditions(facts()))
+    const EntryFacts found = facts();
+    if (!isPermitted(found) || !meetsConditions(found))
         return;
     if (!isDeep())
         return exchange.refuse(Status::BadRequest);
@@ -111,7 +112,7 @@ Lock LockMethod::wantedLock() const
     wanted.deep = isDeep().value_or(false);
     wanted.folder = facts().folder;
     wanted.visitor = visitorOf(exchange);
-    wanted.personal = !exchange.user().isEmpty();
+    wanted.personal = !exchange.access().account.isEmpty();
     wanted.timeout = lockTimeout(exchange.request().value("Timeout"));
     return wanted;
 }
@@ -119,7 +120,10 @@ Lock LockMethod::wantedLock() const
 /// Whether the lock may be taken as things stand now; else it is refused.
 bool LockMethod::mayTake(const Lock &wanted)
 {
-    const bool isNew = !facts().exists;
+    const EntryFacts found = facts();
+    const bool isNew = !found.exists;
+    if (!isPermitted(found))
+        return false;
     if (isNew && (exchange.namesFolder() || !place().isValid())) {
         exchange.refuse(Status::Conflict);
         return false;
@@ -180,8 +184,7 @@ void LockMethod::fileMade()
 void LockMethod::answer(const Lock &lock, Status status, Fields fields)
 {
     const QByteArray body = rootStart("prop") + "<D:lockdiscovery>"
-        + activeLock(lock, exchange.request().outside.prefix) + "</D:lockdiscovery>"
-        + rootEnd("prop");
+        + activeLock(lock, exchange.urls()) + "</D:lockdiscovery>" + rootEnd("prop");
     fields.push_back({ "Content-Type", xmlType });
     exchange.reply(status, std::move(fields), body);
 }
@@ -197,9 +200,11 @@ void LockMethod::ended()
 void UnlockMethod::start()
 {
     const QByteArray token = withoutBrackets(exchange.request().value("Lock-Token"));
+    if (!isPermitted(facts()))
+        return;
     if (token.isEmpty())
         return exchange.refuse(Status::BadRequest);
-    if (!mayUpload() || !exchange.mayChange({}))
+    if (!exchange.mayChange({}))
         return;
     LockTable &table = lockTable(exchange);
     const Lock *lock = table.find(token, pathsTo(exchange));

@@ -36,6 +36,8 @@ void PropFind::start()
         return exchange.reply(Status::Forbidden, { { "Content-Type", xmlType } },
                               errorBody("propfind-finite-depth"));
     const EntryFacts found = facts();
+    if (!isPermitted(found))
+        return;
     if (!found.file && !found.folder)
         return exchange.refuse(Status::NotFound);
     // Nothing changes, but the If header counts.
@@ -67,10 +69,10 @@ void PropFind::bodyReady(const QByteArray &body)
     top.facts = found;
     PropertyReport report(asked, commonFacts(asked, *depth),
                           DavState::of(exchange.service()).properties());
-    job = std::make_shared<PropFindJob>(PropFindJob::Subject{ exchange.share(), std::move(top),
-                                                              *depth, withFolders,
-                                                              exchange.request().outside.prefix },
-                                        std::move(report));
+    job =
+        std::make_shared<PropFindJob>(PropFindJob::Subject{ exchange.share(), std::move(top),
+                                                            *depth, withFolders, exchange.urls() },
+                                      std::move(report));
     state = State::Making;
     exchange.service().setup.turns->begin(this);
 }
@@ -85,8 +87,8 @@ ReplyFacts PropFind::commonFacts(const PropFindBody &asked, Depth depth) const
     const LockTable &locks = DavState::of(exchange.service()).locks();
     const bool asksForLocks = asked.kind == PropFindBody::Kind::All || asksFor("lockdiscovery");
     if (asksForLocks && locks.count() > 0)
-        facts.locks = LockDiscovery(locks, pathsTo(share(), exchange.path()), depth,
-                                    exchange.request().outside.prefix);
+        facts.locks =
+            LockDiscovery(locks, pathsTo(share(), exchange.path()), depth, exchange.urls());
     struct statvfs disk = {};
     if ((!asksFor("quota-available-bytes") && !asksFor("quota-used-bytes"))
         || ::fstatvfs(share()->open(exchange.path(), O_PATH | O_CLOEXEC).get(), &disk) != 0)

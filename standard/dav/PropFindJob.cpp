@@ -82,7 +82,7 @@ void PropFindJob::openNext()
     folder = subject.share->openFolder(path);
     if (!folder)
         return;
-    url = urlPath(subject.prefix, path, false);
+    url = urlPath(subject.urls, path, false);
     systemPath = systemPathOf(folder->descriptor()) + '/';
     const EntryFacts facts = openFacts(folder->descriptor());
     if (!entered.emplace(facts.device, facts.inode).second)

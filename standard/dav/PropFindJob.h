@@ -30,7 +30,7 @@ public:
         DavResource top; ///< its `subject` is found anew
         Depth depth;
         bool withFolders; ///< or files alone
-        QByteArray prefix; ///< of all paths outside
+        UrlSpace urls;
         qint64 mostBelow = maxEntries; ///< of entries, with Depth infinity
     };
 

@@ -11,9 +11,11 @@ namespace standard {
 void PropPatch::start()
 {
     const EntryFacts found = facts();
+    if (!isPermitted(found))
+        return;
     if (!found.file && !found.folder)
         return exchange.refuse(Status::NotFound);
-    if (!mayUpload() || !meetsConditions(found) || !exchange.mayChange({ { exchange.path() } }))
+    if (!meetsConditions(found) || !exchange.mayChange({ { exchange.path() } }))
         return;
     exchange.readBody(maxPropPatchBody);
 }
@@ -26,10 +28,8 @@ void PropPatch::bodyReady(const QByteArray &body)
     if (!exchange.mayChange({ { exchange.path() } }))
         return;
     const auto &store = DavState::of(exchange.service()).properties();
-    job = std::make_shared<PropPatchJob>(PropPatchJob::Subject{ exchange.share(), exchange.path(),
-                                                                store,
-                                                                exchange.request().outside.prefix },
-                                         body);
+    job = std::make_shared<PropPatchJob>(
+        PropPatchJob::Subject{ exchange.share(), exchange.path(), store, exchange.urls() }, body);
     disk().run(job, this, [this] { answer(); });
 }
 

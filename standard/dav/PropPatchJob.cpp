@@ -168,7 +168,7 @@ bool PropPatchJob::change(const PropPatchBody &asked, bool mayWait)
         outcome.failAll(Status::Forbidden); // what can't be read must not be lost
     else
         apply(outcome, *before, file.get(), place, *subject.store);
-    text = multiStatus(urlPath(subject.prefix, subject.path, found.folder), asked.changes,
+    text = multiStatus(urlPath(subject.urls, subject.path, found.folder), asked.changes,
                        outcome.statuses);
     return true;
 }

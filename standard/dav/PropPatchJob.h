@@ -2,6 +2,7 @@
 
 #include "files/DiskJob.h"
 #include "standard/dav/RequestBodies.h"
+#include "standard/http/Uri.h"
 
 #include <QByteArray>
 
@@ -23,7 +24,7 @@ public:
         std::shared_ptr<const Share> share;
         QByteArray path; ///< relative to the share's root
         std::shared_ptr<PropertyStore> store;
-        QByteArray prefix; ///< of the paths that are told, see `urlPath`
+        UrlSpace urls;
     };
 
     PropPatchJob(Subject changed, QByteArray request);

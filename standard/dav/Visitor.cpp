@@ -6,8 +6,8 @@ namespace standard {
 
 QByteArray visitorOf(const Exchange &exchange)
 {
-    if (!exchange.user().isEmpty())
-        return "user " + exchange.user();
+    if (!exchange.access().account.isEmpty())
+        return "user " + exchange.access().account;
     return exchange.request().outside.visitor.toString().toLatin1();
 }
 

@@ -22,7 +22,7 @@ void Delete::start()
 
 bool Delete::isAllowed(const EntryFacts &found)
 {
-    if (!mayDelete())
+    if (!isPermitted(found))
         return false;
     if (!namesEntry()) {
         exchange.refuse(Status::Forbidden, "What is shared can't be removed.");

@@ -19,14 +19,20 @@ void Exchange::begin(Request request)
     current = std::move(request);
     cleaned = cleanPath(current.target.path);
     served = m_service.share;
-    userName.clear();
+    visitor = {};
+}
+
+void Exchange::setAccess(const Access &found)
+{
+    visitor = found;
+    cleaned = visitor.inShare(cleaned);
 }
 
 void Exchange::forget()
 {
     current = Request();
     cleaned.clear();
-    userName.clear();
+    visitor = {};
 }
 
 void Exchange::finish()
@@ -38,7 +44,13 @@ void Exchange::finish()
 
 QByteArray Exchange::urlPath(const QByteArray &path, bool isFolder) const
 {
-    return standard::urlPath(current.outside.prefix, path, isFolder);
+    return standard::urlPath(urls(), path, isFolder);
+}
+
+std::optional<QByteArray> Exchange::pathOf(const QByteArray &named) const
+{
+    const std::optional<QByteArray> inside = current.outside.inside(named);
+    return inside ? std::optional(visitor.inShare(cleanPath(*inside))) : std::nullopt;
 }
 
 bool Exchange::namesFolder() const

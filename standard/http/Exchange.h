@@ -1,5 +1,6 @@
 #pragma once
 
+#include "server/Access.h"
 #include "server/MemoryBudget.h"
 #include "server/Service.h"
 #include "standard/http/Channel.h"
@@ -39,14 +40,20 @@ public:
     /// empty, "." and ".." segments, and without a "/" at its end.
     const QByteArray &path() const { return cleaned; }
 
+    /// The same of another path that the visitor names, decoded. None when it is not for us.
+    std::optional<QByteArray> pathOf(const QByteArray &named) const;
+
     /// The path by which its visitor asks for what stands at `path` in the share.
     QByteArray urlPath(const QByteArray &path, bool isFolder) const;
+
+    /// By which those of all files are made; may be kept.
+    UrlSpace urls() const { return { current.outside.prefix, visitor.home }; }
 
     /// Whether the request's path ends with a "/".
     bool namesFolder() const;
 
-    /// The user name of the login; empty without one.
-    const QByteArray &user() const { return userName; }
+    /// Who asks, and what they may do.
+    const Access &access() const { return visitor; }
 
     /// Whether the request may make `changes`; else the refusal is sent, and the reply is over.
     bool mayChange(const std::vector<Change> &changes);
@@ -97,7 +104,9 @@ public:
     // For the face
 
     void begin(Request request);
-    void setUser(const QByteArray &name) { userName = name; }
+
+    /// The visitor is known by now; until then nothing is permitted.
+    void setAccess(const Access &found);
 
     /// What was read by `readBody`, if that is what was going on.
     std::optional<QByteArray> takeBody();
@@ -117,7 +126,7 @@ private:
     Request current;
     std::shared_ptr<const Share> served;
     QByteArray cleaned;
-    QByteArray userName;
+    Access visitor;
     Ending ending = Ending::Length; ///< of the reply under way
     std::optional<QByteArray> collected; ///< while a body is read whole
     std::optional<MemoryBudget::Part> bodyMemory; ///< for the same, until the reply is over

@@ -36,17 +36,21 @@ void FileReply::start()
 {
     if (!share())
         return exchange.refuse(Status::NotFound);
-    // Nothing changes, but the If header counts.
-    if (!exchange.mayChange({}))
-        return;
     if (share()->isFolder() && exchange.namesFolder())
         return listFolder();
     std::optional<ServedFile> opened = exchange.service().files.open(*share(), exchange.path());
+    const int error = opened ? 0 : errno;
+    EntryFacts found;
+    found.folder = error == EISDIR;
+    found.exists = opened || found.folder;
+    // Nothing changes, but the If header counts.
+    if (!isPermitted(found) || !exchange.mayChange({}))
+        return;
     if (opened)
         return sendFile(std::move(*opened));
-    if (errno == EISDIR)
+    if (found.folder)
         return redirectToFolder();
-    exchange.refuse(statusOf(errno));
+    exchange.refuse(statusOf(error));
 }
 
 void FileReply::sendFile(ServedFile opened)
@@ -175,6 +179,8 @@ void FileReply::redirectToFolder()
 
 void FileReply::listFolder()
 {
+    if (!isPermitted(Right::See, exchange.path()) || !exchange.mayChange({}))
+        return;
     if (!exchange.service().profile->showsFolders())
         return exchange.refuse(Status::Forbidden, "Folders are not listed here.");
     std::optional<FolderReader> folder = share()->openFolder(exchange.path());
@@ -190,7 +196,8 @@ void FileReply::sendListing(const FolderListing &listing)
     Fields fields{ { "Content-Type", "text/html; charset=utf-8" },
                    { "Cache-Control", "no-cache" } };
     addProtection(fields);
-    exchange.reply(Status::Ok, std::move(fields), folderPage(exchange.path(), listing));
+    exchange.reply(Status::Ok, std::move(fields),
+                   folderPage(seenFrom(exchange.access().home, exchange.path()), listing));
 }
 
 } // namespace standard

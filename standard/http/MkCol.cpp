@@ -33,7 +33,7 @@ void MkCol::start()
 
 bool MkCol::isAllowed(const EntryFacts &found)
 {
-    if (!mayUpload())
+    if (!isPermitted(found))
         return false;
     // Nobody has said what a body would mean (RFC 4918, section 9.3).
     if (exchange.request().framing.hasBody()) {

@@ -52,8 +52,6 @@ private:
 
 bool Move::isAllowed()
 {
-    if (!mayDelete())
-        return false;
     if (!source().folder || depth() == Depth::Infinity)
         return true;
     exchange.refuse(Status::BadRequest);

@@ -1,77 +1,32 @@
 #include "standard/http/Options.h"
 
-#include "config/Profile.h"
 #include "files/Share.h"
+#include "standard/http/MethodUse.h"
 #include "standard/http/Patch.h"
 
 #include <algorithm>
-#include <array>
 
 namespace standard {
 
 namespace {
 
-/// What a method is of use for. The rest always answers.
-struct MethodUse
-{
-    Method method;
-    bool onFile;
-    bool onFolder;
-    bool onMissing;
-    bool onRoot; ///< on what is shared itself
-    bool (*isAllowed)(const Profile &profile); ///< null: it takes no right
-};
-
-bool mayUpload(const Profile &profile)
-{
-    return profile.allowsUpload();
-}
-
-bool mayDelete(const Profile &profile)
-{
-    return profile.allowsDelete();
-}
-
-/// What is moved goes from where it was.
-bool mayMove(const Profile &profile)
-{
-    return mayUpload(profile) && mayDelete(profile);
-}
-
-constexpr std::array<MethodUse, 13> uses{ {
-    { Method::Get, true, true, false, true, nullptr },
-    { Method::Head, true, true, false, true, nullptr },
-    { Method::Post, true, true, true, true, mayUpload },
-    { Method::Put, true, false, true, false, mayUpload },
-    { Method::Patch, true, false, false, false, mayUpload },
-    { Method::Delete, true, true, false, false, mayDelete },
-    { Method::MkCol, false, false, true, false, mayUpload },
-    { Method::Copy, true, true, false, true, mayUpload },
-    { Method::Move, true, true, false, false, mayMove },
-    { Method::PropFind, true, true, false, true, nullptr },
-    { Method::PropPatch, true, true, false, true, mayUpload },
-    { Method::Lock, true, true, true, true, mayUpload },
-    { Method::Unlock, true, true, false, true, mayUpload },
-} };
-
-bool isOf(const MethodUse &use, const EntryFacts &found, bool isRoot)
-{
-    if (isRoot)
-        return use.onRoot;
-    if (!found.exists)
-        return use.onMissing;
-    return found.folder ? use.onFolder : use.onFile;
-}
-
 bool isAnswered(Method method, const Exchange &exchange, const EntryFacts &found)
 {
-    const bool isRoot = exchange.path().isEmpty();
-    const Profile &profile = *exchange.service().profile;
-    return std::all_of(uses.begin(), uses.end(), [&](const MethodUse &use) {
-        if (use.method != method || exchange.request().isForServer)
-            return true;
-        return isOf(use, found, isRoot) && (!use.isAllowed || use.isAllowed(profile));
-    });
+    const MethodUse *use = useOf(method);
+    if (!use || exchange.request().isForServer)
+        return true;
+    const Access &access = exchange.access();
+    return use->fits(found, exchange.path() == access.home)
+        && use->isPermitted(access, exchange.path(), found);
+}
+
+/// Nothing of what the visitor must not know.
+EntryFacts knownFacts(const Exchange &exchange)
+{
+    const QByteArray &path = exchange.path();
+    const bool isKnown =
+        exchange.access().may(Right::See, path) || exchange.access().may(Right::Read, path);
+    return exchange.share() && isKnown ? exchange.share()->facts(path) : EntryFacts();
 }
 
 bool speaksDav(const Routes &routes)
@@ -84,8 +39,7 @@ bool speaksDav(const Routes &routes)
 
 Field allowField(const Exchange &exchange)
 {
-    const Share *share = exchange.share().get();
-    const EntryFacts found = share ? share->facts(exchange.path()) : EntryFacts();
+    const EntryFacts found = knownFacts(exchange);
     QByteArray methods;
     for (const Route &route : exchange.routes().rows) {
         if (isAnswered(route.method, exchange, found))

@@ -135,7 +135,7 @@ void Patch::start()
 
 bool Patch::isAllowed(const EntryFacts &found)
 {
-    if (!mayUpload())
+    if (!isPermitted(found))
         return false;
     if (!isPartialUpdate(exchange.request().value("Content-Type"))) {
         exchange.refuse(Status::UnsupportedMediaType, {}, { { "Accept-Patch", contentType } });

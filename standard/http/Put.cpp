@@ -39,7 +39,7 @@ void Put::start()
 bool Put::isAllowed(const EntryFacts &found)
 {
     const bool isFolder = found.folder || exchange.namesFolder() || !namesEntry();
-    if (!mayUpload())
+    if (!isPermitted(found))
         return false;
     // A part taken for the whole would destroy the rest (RFC 9110, section 14.5).
     if (exchange.request().field("Content-Range")) {

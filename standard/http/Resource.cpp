@@ -1,12 +1,18 @@
 #include "standard/http/Resource.h"
 
-#include "config/Profile.h"
 #include "files/Share.h"
 #include "standard/http/HttpDate.h"
+#include "standard/http/MethodUse.h"
 
 #include <cerrno>
 
 namespace standard {
+
+namespace {
+
+constexpr auto notPermitted = "You have no right to do this here.";
+
+} // namespace
 
 Status statusOf(int error)
 {
@@ -62,8 +68,7 @@ EntryFacts ResourceHandler::factsAt(const QByteArray &path) const
 EntryFacts ResourceHandler::facts() const
 {
     const EntryFacts found = factsAt(exchange.path());
-    const bool isRoot = exchange.path().isEmpty();
-    return found.folder || isRoot || !exchange.namesFolder() ? found : EntryFacts();
+    return found.folder || !namesEntry() || !exchange.namesFolder() ? found : EntryFacts();
 }
 
 Place ResourceHandler::place() const
@@ -71,19 +76,20 @@ Place ResourceHandler::place() const
     return share() ? share()->place(exchange.path()) : Place();
 }
 
-bool ResourceHandler::mayUpload()
+bool ResourceHandler::isPermitted(const EntryFacts &found)
 {
-    if (exchange.service().profile->allowsUpload())
+    const MethodUse *use = useOf(exchange.request().method);
+    if (use && use->isPermitted(exchange.access(), exchange.path(), found))
         return true;
-    exchange.refuse(Status::Forbidden, "Nothing may be changed here.");
+    exchange.refuse(Status::Forbidden, notPermitted);
     return false;
 }
 
-bool ResourceHandler::mayDelete()
+bool ResourceHandler::isPermitted(Rights needed, const QByteArray &path)
 {
-    if (exchange.service().profile->allowsDelete())
+    if (exchange.access().may(needed, path))
         return true;
-    exchange.refuse(Status::Forbidden, "Nothing may be removed here.");
+    exchange.refuse(Status::Forbidden, notPermitted);
     return false;
 }
 

@@ -53,10 +53,12 @@ protected:
     /// Where it stands or is to stand. Not valid, with `errno`, when there is no such folder.
     Place place() const;
 
-    /// Whether the profile lets visitors change and add files, or remove them; else the request is
-    /// refused.
-    bool mayUpload();
-    bool mayDelete();
+    /// Whether the visitor has the rights that the method takes where `found` was found; else the
+    /// request is refused. To be asked first: other answers tell what there is.
+    bool isPermitted(const EntryFacts &found);
+
+    /// The same of `needed` at any path.
+    bool isPermitted(Rights needed, const QByteArray &path);
 
     /// Whether the conditions of the request let it be done; else it is refused.
     bool meetsConditions(const EntryFacts &found);
@@ -67,8 +69,9 @@ protected:
     /// Answers with what could not be done to the entries below the folder `base` of the share.
     void refuseMembers(const QByteArray &base, const std::vector<MemberFailure> &failures);
 
-    /// Whether the request is about something that may be changed or removed: not the share itself.
-    bool namesEntry() const { return !exchange.path().isEmpty(); }
+    /// Whether the request is about something that may be changed or removed: not the root that
+    /// the visitor sees.
+    bool namesEntry() const { return exchange.path() != exchange.access().home; }
 };
 
 } // namespace standard

@@ -108,7 +108,7 @@ bool StandardFace::isAdmitted()
         exchange.refuse(Status::Unauthorized, {}, door.challenges(result.outcome));
         return false;
     }
-    exchange.setUser(result.user);
+    exchange.setAccess(Access::of(*exchange.service().profile, result.user));
     // A page of somebody else's must not have its visitor's browser change anything here.
     const QByteArray site = request.value("Sec-Fetch-Site");
     if (isSafe(request.method) || (site != "cross-site" && site != "same-site"))

@@ -40,9 +40,9 @@ Transfer::~Transfer() = default;
 
 void Transfer::start()
 {
-    if (!mayUpload() || !findDestination())
-        return;
     what = facts();
+    if (!isPermitted(what) || !findDestination())
+        return;
     if (!what.exists)
         return exchange.refuse(Status::NotFound);
     found = factsAt(target);
@@ -59,12 +59,12 @@ bool Transfer::findDestination()
         exchange.refuse(Status::BadRequest, "There is no Destination that can be understood.");
         return false;
     }
-    const std::optional<QByteArray> path = exchange.request().outside.inside(named->path);
+    const std::optional<QByteArray> path = exchange.pathOf(named->path);
     if (!path || (!named->authority.isEmpty() && !isOwnName(named->authority, exchange))) {
         exchange.refuse(Status::BadGateway, "The Destination is another server.");
         return false;
     }
-    target = cleanPath(*path);
+    target = *path;
     if (namesHiddenUpload(target)) {
         exchange.refuse(Status::Forbidden,
                         "Such names are kept for files that are being received.");
@@ -99,8 +99,20 @@ bool Transfer::fits()
         exchange.refuse(Status::PreconditionFailed, "Something stands there.");
         return false;
     }
-    // With a folder goes what it holds.
-    return !replacing || !found.folder || mayDelete();
+    return isPermitted(neededThere(), target);
+}
+
+/// With a folder comes and goes what it holds.
+Rights Transfer::neededThere() const
+{
+    if (!replaces())
+        return Right::Add;
+    Rights needed = Right::Change;
+    if (what.folder)
+        needed |= Right::Add;
+    if (found.folder)
+        needed |= Right::Delete;
+    return needed;
 }
 
 std::optional<Depth> Transfer::depth() const

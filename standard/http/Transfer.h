@@ -29,7 +29,7 @@ protected:
     /// What is about to be changed.
     virtual std::vector<Change> changes() const = 0;
 
-    /// Whether the Depth and the rights of the visitor fit the method; else it is refused.
+    /// Whether the Depth fits the method; else it is refused.
     virtual bool isAllowed() = 0;
 
     /// Whether what is found at the destination is but another name of the source, and that is no
@@ -68,6 +68,7 @@ protected:
 private:
     bool findDestination();
     bool fits();
+    Rights neededThere() const;
     void take(Pass given) override;
     void stopWaiting();
     void finishCopy();

@@ -1,5 +1,7 @@
 #include "standard/http/Uri.h"
 
+#include "server/Access.h"
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -105,10 +107,11 @@ QByteArray encodedPath(const QByteArray &path)
     return encoded;
 }
 
-QByteArray urlPath(const QByteArray &prefix, const QByteArray &path, bool isFolder)
+QByteArray urlPath(const UrlSpace &space, const QByteArray &path, bool isFolder)
 {
-    const QByteArray url = prefix + '/' + encodedPath(path);
-    return isFolder && !path.isEmpty() ? url + '/' : url;
+    const QByteArray seen = seenFrom(space.home, path);
+    const QByteArray url = space.prefix + '/' + encodedPath(seen);
+    return isFolder && !seen.isEmpty() ? url + '/' : url;
 }
 
 } // namespace standard

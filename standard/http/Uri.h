@@ -24,8 +24,14 @@ std::optional<QByteArray> percentDecoded(const QByteArray &text);
 /// A path of bytes as it stands in a URL; harmless in XML and in header lines.
 QByteArray encodedPath(const QByteArray &path);
 
-/// The path of a URL for a path in the share, behind an encoded prefix; without a host, which a
-/// proxy may know better.
-QByteArray urlPath(const QByteArray &prefix, const QByteArray &path, bool isFolder);
+/// How a visitor calls what is shared.
+struct UrlSpace
+{
+    QByteArray prefix; ///< begins all paths; encoded, without a "/" at its end
+    QByteArray home; ///< the path that is the visitor's root, see `Access`
+};
+
+/// The path of a URL for a path in the share; without a host, which a proxy may know better.
+QByteArray urlPath(const UrlSpace &space, const QByteArray &path, bool isFolder);
 
 } // namespace standard

@@ -16,6 +16,7 @@ private Q_SLOTS:
     void doesAsTheProfileSays();
     void choosesOnceByTheFirstHead();
     void choosesByWhatArrives();
+    void keepsRightsInBothFaces();
 
 private:
     std::unique_ptr<LiveServer> live;
@@ -118,6 +119,27 @@ void TestFaces::choosesByWhatArrives()
     silent.socket->disconnectFromHost();
     QVERIFY(silent.waitForClose());
     QCOMPARE(faceOf(RawClient(live->port()).exchange(getAs("curl/7"))), QByteArray("classic"));
+}
+
+/// No right is gained by another name in the User-Agent.
+void TestFaces::keepsRightsInBothFaces()
+{
+    const auto statusFor = [this](const QByteArray &agent, const QByteArray &login) {
+        RawClient client(live->port());
+        const QByteArray headers =
+            "User-Agent: " + agent + "\r\nAuthorization: Basic " + login.toBase64() + "\r\n";
+        return client.exchange(rawRequest("GET", "/a.txt", headers)).status().left(3).toInt();
+    };
+    live->profile->authMode = AuthBasic;
+    live->profile->users = QStringList{ QStringLiteral("a:1"), QStringLiteral("b:2") };
+    live->profile->accountRights.insert(QStringLiteral("a"), { Right::See | Right::Read, {} });
+    live->profile->accountRights.insert(QStringLiteral("b"), { {}, "/" });
+    QCOMPARE(statusFor("curl", "a:1"), 403);
+    QCOMPARE(statusFor("rclone/v1", "a:1"), 200);
+    QCOMPARE(statusFor("curl", "b:2"), 200);
+    live->profile->everyone = Rights(Right::Add);
+    for (const char *agent : { "curl", "rclone/v1" })
+        QCOMPARE(statusFor(agent, "b:2"), 403);
 }
 
 QTEST_GUILESS_MAIN(TestFaces)

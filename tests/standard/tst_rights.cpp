@@ -1,0 +1,195 @@
+#include "server/Access.h"
+#include "standard/dav/Routes.h"
+#include "tests/standard/StandardTest.h"
+#include "tests/support/Data.h"
+
+#include <QTest>
+
+namespace standard {
+
+namespace {
+
+constexpr auto lockBody = "<lockinfo xmlns=\"DAV:\"><lockscope><exclusive/></lockscope>"
+                          "<locktype><write/></locktype></lockinfo>";
+constexpr auto patchHeaders = "Content-Type: application/x-sabredav-partialupdate\r\n"
+                              "X-Update-Range: append\r\n";
+constexpr auto propertyBody = "<propertyupdate xmlns=\"DAV:\"><set><prop><x xmlns=\"urn:x\"/>"
+                              "</prop></set></propertyupdate>";
+
+QByteArray to(const char *path)
+{
+    return QByteArray("Destination: ") + path + "\r\n";
+}
+
+QByteArray loginOf(const QByteArray &login)
+{
+    return "Authorization: Basic " + login.toBase64() + "\r\n";
+}
+
+/// Shares "a", "b", "d/x" and "e/x".
+class SharedFolders : public StandardServer
+{
+public:
+    SharedFolders()
+        : StandardServer(withDav(fileRoutes()))
+    {
+        for (const char *name : { "a", "b", "d/x", "e/x" })
+            addFile(QString::fromLatin1(name), name);
+    }
+};
+
+} // namespace
+
+class TestRights : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void methodsTakeTheirRights_data();
+    void methodsTakeTheirRights();
+    void whoOnlyAddsLearnsNothing();
+    void homesAreRoots();
+    void accountsNeedALogin();
+};
+
+void TestRights::methodsTakeTheirRights_data()
+{
+    columns<QByteArray>({ "method", "target", "headers", "body", "rights" });
+    QTest::addColumn<int>("status"); // with these rights alone
+
+    row("read a file", "GET", "/a", "", "", "read", 200);
+    row("look at a file", "HEAD", "/a", "", "", "read", 200);
+    row("folder page", "GET", "/d/", "", "", "see", 200);
+    row("way to a folder page", "GET", "/d", "", "", "see", 308);
+    row("missing file", "GET", "/c", "", "", "read", 404);
+    row("list", "PROPFIND", "/", "Depth: 1\r\n", "", "see", 207);
+    row("properties of what is missing", "PROPFIND", "/c", "", "", "see", 404);
+    row("ask what there is to use", "OPTIONS", "/a", "", "", "none", 200);
+    row("new file", "PUT", "/c", "", "C", "add", 201);
+    row("replaced file", "PUT", "/a", "", "C", "change", 204);
+    row("part of a file", "PATCH", "/a", patchHeaders, "C", "change", 204);
+    row("new folder", "MKCOL", "/c", "", "", "add", 201);
+    row("delete a file", "DELETE", "/a", "", "", "delete", 204);
+    row("delete a folder", "DELETE", "/d", "", "", "delete", 204);
+    row("delete what is missing", "DELETE", "/c", "", "", "delete", 404);
+    row("copy", "COPY", "/d", to("/c"), "", "read, add", 201);
+    row("copy onto a file", "COPY", "/a", to("/b"), "", "read, change", 204);
+    row("file in the place of a folder", "COPY", "/a", to("/d"), "", "read, change, delete", 204);
+    row("folder in the place of a file", "COPY", "/d", to("/a"), "", "read, add, change", 204);
+    row("folder in the place of a folder", "COPY", "/d", to("/e"), "", "read, add, change, delete",
+        204);
+    row("move", "MOVE", "/d", to("/c"), "", "add, delete", 201);
+    row("move onto a file", "MOVE", "/a", to("/b"), "", "change, delete", 204);
+    row("set properties", "PROPPATCH", "/a", "", propertyBody, "change", 207);
+    row("lock", "LOCK", "/a", "", lockBody, "change", 200);
+    row("lock a new name", "LOCK", "/c", "", lockBody, "add, change", 201);
+    row("unlock", "UNLOCK", "/a", "Lock-Token: <urn:none>\r\n", "", "change", 409);
+}
+
+/// They are enough, and without any of them all others are not.
+void TestRights::methodsTakeTheirRights()
+{
+    QFETCH(const QByteArray, method);
+    QFETCH(const QByteArray, target);
+    QFETCH(const QByteArray, headers);
+    QFETCH(const QByteArray, body);
+    QFETCH(const QByteArray, rights);
+    const Rights needed = *rightsNamed(rights);
+    SharedFolders server;
+    for (const Right each : { Right::See, Right::Read, Right::Add, Right::Change, Right::Delete }) {
+        if ((needed & each) == Rights())
+            continue;
+        server.profile->everyone = *rightsNamed("all") & ~Rights(each);
+        QCOMPARE(server.status(method, target, headers, body), 403);
+    }
+    for (const char *name : { "a", "b", "d/x", "e/x" })
+        QCOMPARE(server.fileContent(QString::fromLatin1(name)), QByteArray(name));
+    QVERIFY(!QFile::exists(server.sharePath(QStringLiteral("c"))));
+    server.profile->everyone = needed;
+    QTEST(server.status(method, target, headers, body), "status");
+}
+
+void TestRights::whoOnlyAddsLearnsNothing()
+{
+    SharedFolders server;
+    server.profile->everyone = Rights(Right::Add);
+    for (const char *method : { "GET", "HEAD", "PROPFIND", "DELETE", "PROPPATCH", "LOCK" }) {
+        const RawReply there = replyTo(server, method, "/a", "If-Match: *\r\n");
+        QCOMPARE(there.status(), QByteArray("403 Forbidden"));
+        QCOMPARE(replyTo(server, method, "/c", "If-Match: *\r\n").body, there.body);
+    }
+    const auto allowed = [&server](const char *target) {
+        return replyTo(server, "OPTIONS", target).header("Allow");
+    };
+    QCOMPARE(allowed("/a"), QByteArray("OPTIONS, PUT, MKCOL"));
+    QCOMPARE(allowed("/c"), allowed("/a"));
+    QCOMPARE(server.status("PUT", "/a", "If-None-Match: *\r\n", "new"), 403);
+    QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("a"));
+}
+
+void TestRights::homesAreRoots()
+{
+    SharedFolders server;
+    server.profile->authMode = AuthBasic;
+    server.profile->users = QStringList{ QStringLiteral("d:1"), QStringLiteral("all:2") };
+    server.profile->accountRights.insert(QStringLiteral("d"), { {}, "/e/../d/" });
+    const QByteArray mine = loginOf("d:1");
+    const QByteArray others = loginOf("all:2");
+
+    const RawReply listing = replyTo(server, "PROPFIND", "/", mine + "Depth: infinity\r\n");
+    for (const char *part : { "<D:href>/</D:href>", "<D:href>/x</D:href>" })
+        QVERIFY2(listing.body.contains(part), part);
+    QCOMPARE(listing.body.count("<D:href>"), 2);
+    const RawReply page = replyTo(server, "GET", "/", mine);
+    QVERIFY(page.body.contains("<h1>/</h1>") && !page.body.contains("../"));
+    for (const char *path : { "/a", "/d/x", "/../a", "/%2e%2e/a", "/x/../../a" })
+        QCOMPARE(server.status("GET", path, mine), 404);
+
+    QCOMPARE(server.status("COPY", "/x", mine + to("/../y")), 201);
+    QCOMPARE(server.fileContent(QStringLiteral("d/y")), QByteArray("d/x"));
+    QCOMPARE(server.status("MKCOL", "/s", mine), 201);
+    QCOMPARE(replyTo(server, "GET", "/s", mine).header("Location"), QByteArray("/s/"));
+    QCOMPARE(server.status("DELETE", "/", mine), 403);
+    QCOMPARE(server.status("MOVE", "/s", mine + to("/")), 409);
+
+    // Locks know one name of a file, whoever asks for it.
+    const auto lock = [&](const char *path) {
+        return replyTo(server, "LOCK", path, others, lockBody).header("Lock-Token");
+    };
+    const QByteArray token = lock("/d/x");
+    const RawReply locked = replyTo(server, "PUT", "/x", mine, "new");
+    QCOMPARE(locked.status(), QByteArray("423 Locked"));
+    QVERIFY(locked.body.contains("<D:href>/x</D:href>"));
+    QCOMPARE(server.status("UNLOCK", "/d/x", others + "Lock-Token: " + token + "\r\n"), 204);
+    const QByteArray above = lock("/d");
+    QVERIFY(replyTo(server, "PROPFIND", "/x", mine).body.contains("lockroot><D:href>/</D:href>"));
+    QCOMPARE(server.status("UNLOCK", "/d", others + "Lock-Token: " + above + "\r\n"), 204);
+    const QByteArray tag = replyTo(server, "HEAD", "/x", mine).header("ETag");
+    QCOMPARE(server.status("PUT", "/y", mine + "If: </x> ([" + tag + "])\r\n", "new"), 204);
+
+    server.profile->accountRights.insert(QStringLiteral("d"), { {}, "/missing" });
+    QCOMPARE(server.status("GET", "/", mine), 404);
+    QCOMPARE(server.status("PUT", "/x", mine, "new"), 409);
+}
+
+void TestRights::accountsNeedALogin()
+{
+    ProfileValues profile;
+    profile.everyone = Rights(Right::See);
+    profile.accountRights.insert(QStringLiteral("a"), { Rights(Right::Read), "/h" });
+    profile.authMode = AuthBasic;
+    const Access own = Access::of(profile, "a");
+    QVERIFY(own.may(Right::Read, "h/x") && own.may(Right::Read, "h"));
+    for (const char *path : { "", "x", "hx", "g/h" })
+        QVERIFY2(!own.may(Right::Read, path), path);
+    QVERIFY(!own.may(Right::See, "h") && Access::of(profile, "b").may(Right::See, "x"));
+    for (const AuthMode mode : { AuthNone, AuthPasswordPage }) {
+        profile.authMode = mode; // any name will do
+        QVERIFY(!Access::of(profile, "a").may(Right::Read, "h"));
+    }
+    QVERIFY(!Access().may(Right::See, ""));
+}
+
+} // namespace standard
+
+QTEST_GUILESS_MAIN(standard::TestRights)
+#include "tst_rights.moc"
