@@ -7,6 +7,7 @@
 #include "config/Utf8Names.h"
 #include "files/Previews.h"
 #include "server/Engine.h"
+#include "server/PasswordHash.h"
 #include "server/Url.h"
 #include "server/WebServer.h"
 
@@ -16,8 +17,10 @@
 #include <QNetworkInterface>
 
 #include <algorithm>
+#include <iostream>
 #include <memory>
 #include <optional>
+#include <string>
 #include <utility>
 
 namespace {
@@ -80,6 +83,11 @@ struct CommandLine
         text("What a trusted proxy leaves in front of all paths, like /share."),
         QStringLiteral("PATH")
     };
+    const QCommandLineOption hash{
+        QStringLiteral("hash"),
+        text(
+            "Read a password from standard input and print its hash, for a profile's text file.")
+    };
     const QCommandLineOption defaults{
         QStringLiteral("default-profile"),
         text("Use the default values and no stored profile: no password, deleting allowed.")
@@ -89,10 +97,28 @@ struct CommandLine
     {
         parser.setApplicationDescription(
             text("Serves a file or folder to browsers and WebDAV clients."));
-        parser.addOptions({ address, port, mode, trustProxy, pathPrefix, profile, defaults });
+        parser.addOptions({ address, port, mode, trustProxy, pathPrefix, profile, defaults, hash });
         parser.addPositionalArgument(QStringLiteral("PATH"), text("The file or folder to serve."));
     }
 };
+
+/// The exit status.
+int printHash(Console *console)
+{
+    std::string password;
+    std::getline(std::cin, password);
+    if (password.empty()) {
+        console->error(text("There is no password on standard input."));
+        return Failed;
+    }
+    const QByteArray hash = newPasswordHash(QByteArray::fromStdString(password));
+    if (hash.isEmpty()) {
+        console->error(text("There is no memory to make a hash."));
+        return Failed;
+    }
+    console->print(QString::fromLatin1(hash));
+    return Done;
+}
 
 /// Prints what is asked for instead of serving; false when nothing is.
 bool printsInformation(Console *console, const CommandLine &line)
@@ -314,6 +340,8 @@ int main(int argc, char **argv)
     const bool parsed = line.parser.parse(QCoreApplication::arguments());
     if (printsInformation(&console, line))
         return Done;
+    if (parsed && line.parser.isSet(line.hash))
+        return printHash(&console);
     Options options;
     const QString mistake = parsed ? takeOptions(line, &options) : line.parser.errorText();
     if (!mistake.isEmpty())

@@ -87,6 +87,19 @@ QByteArray toRecord(const ProfileValues &values, bool cleanExit)
     return content;
 }
 
+bool hasHash(const QString &account)
+{
+    return isPasswordHash(accountPassword(account));
+}
+
+/// Programs that know no hashes would take one for the password.
+ProfileValues withReadableAccounts(ProfileValues values)
+{
+    QStringList &users = values.users;
+    users.erase(std::remove_if(users.begin(), users.end(), hasHash), users.end());
+    return values;
+}
+
 /// Without links, and with a slash at its end; empty when there is no such folder.
 QString realFolder(const QString &path)
 {
@@ -167,7 +180,8 @@ bool Profile::save()
     const QString textFile = textFileOf(m_fileName);
     if (!isUsable() && !isMissing(textFile) && !setAside(textFile))
         return false;
-    if (!writeWithSum(m_fileName, toRecord(*this, cleanExit)) || !writeText(textFile, *this))
+    if (!writeWithSum(m_fileName, toRecord(withReadableAccounts(*this), cleanExit))
+        || !writeText(textFile, *this))
         return false;
     m_fileState = FileState::Fine;
     return true;
@@ -263,9 +277,24 @@ QStringList Profile::accounts() const
     QStringList usable = users;
     usable.erase(std::remove_if(usable.begin(), usable.end(),
                                 [](const QString &account) {
-                                    return account.isEmpty()
-                                        || account.startsWith(QLatin1Char(':'));
+                                    return accountName(account).isEmpty() || hasHash(account);
                                 }),
                  usable.end());
     return usable;
+}
+
+QByteArray Profile::passwordHash(const QString &user) const
+{
+    if (authMode == AuthPasswordPage)
+        return isPasswordHash(password) ? password.toUtf8() : QByteArray();
+    const auto found = std::find_if(users.begin(), users.end(), [&user](const QString &account) {
+        return hasHash(account) && accountName(account) == user;
+    });
+    return found == users.end() || authMode != AuthBasic ? QByteArray()
+                                                         : accountPassword(*found).toUtf8();
+}
+
+bool Profile::hashesPasswords() const
+{
+    return authMode == AuthBasic && std::any_of(users.begin(), users.end(), hasHash);
 }

@@ -30,7 +30,9 @@ enum SyncPolicy { SyncNothing = 0, SyncFile = 1, SyncFileAndFolder = 2 };
 /// The check states hold what a check box holds: 0 unchecked, 2 checked.
 struct ProfileValues
 {
-    QStringList users; ///< HTTP Basic accounts, each "name:password"
+    /// HTTP Basic accounts, each "name:password", or the hash of that, see `isPasswordHash`. Those
+    /// with a hash stand in the text file.
+    QStringList users;
     QStringList recentFiles; ///< newest first, at most `Profile::maxRecentFiles`
     qint32 port = 8080;
     qint32 sslMode = 0; ///< check state
@@ -46,7 +48,7 @@ struct ProfileValues
     qint32 dataLimit = 0; ///< KB of 1024 bytes, 0 = no limit
     qint32 sessionLifetime = 600; ///< seconds of idleness
     QString name;
-    QString password; ///< of the login page
+    QString password; ///< of the login page, or its hash, which stands in the text file too
     QString dnsUser;
     QString dnsPassword;
     QString privateKeyFile;
@@ -142,8 +144,16 @@ public:
     /// Moves `path` to the front of the recent files, or puts it there.
     void addRecentFile(const QString &path);
 
-    /// The HTTP Basic accounts that can be used: an entry without a user would admit everybody.
+    /// The HTTP Basic accounts with a readable password that can be used: an entry without a user
+    /// would admit everybody.
     QStringList accounts() const;
+
+    /// What the password of `user`, or, with the login page, of anybody, is kept as when it is not
+    /// readable; else empty.
+    QByteArray passwordHash(const QString &user) const;
+
+    /// Whether there are accounts of that kind.
+    bool hashesPasswords() const;
 
     /// Whether whoever reaches the server gets in. Without an account nobody does.
     bool admitsEveryone() const
@@ -184,6 +194,23 @@ private:
     std::optional<qint32> m_refusedPort;
     QString m_textSetAside;
 };
+
+/// Whether what is stored as a password is its hash: argon2id, in the text form of RFC 9106's
+/// reference program.
+inline bool isPasswordHash(const QString &stored)
+{
+    return stored.startsWith(QLatin1String("$argon2id$"));
+}
+
+/// The two parts of an account. A password may hold colons itself.
+inline QString accountName(const QString &account)
+{
+    return account.section(QLatin1Char(':'), 0, 0);
+}
+inline QString accountPassword(const QString &account)
+{
+    return account.section(QLatin1Char(':'), 1);
+}
 
 constexpr int httpPort = 80; ///< the ports that a URL need not name
 constexpr int httpsPort = 443;

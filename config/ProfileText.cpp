@@ -108,6 +108,20 @@ QByteArray sayEveryone(const ProfileValues &values)
     return values.everyone ? rightsText(*values.everyone) : QByteArray(asSwitched);
 }
 
+/// Of the login page. Without one, the profile file's own is meant.
+bool takePassword(const QByteArray &text, ProfileValues *values)
+{
+    const QString hash = QString::fromUtf8(text);
+    if (isPasswordHash(hash))
+        values->password = hash;
+    return text.isEmpty() || isPasswordHash(hash);
+}
+
+QByteArray sayPassword(const ProfileValues &values)
+{
+    return isPasswordHash(values.password) ? values.password.toUtf8() : QByteArray();
+}
+
 constexpr std::array textKeys{
     TextKey{ "mode", takeWord<&ProfileValues::faceMode, modes>,
              sayWord<&ProfileValues::faceMode, modes> },
@@ -120,6 +134,7 @@ constexpr std::array textKeys{
     TextKey{ "trusted-proxies", takeProxies, sayProxies },
     TextKey{ "path-prefix", takePrefix, sayPrefix },
     TextKey{ "everyone", takeEveryone, sayEveryone },
+    TextKey{ "login-password", takePassword, sayPassword },
 };
 
 /// A key with a line for each account, whose name follows. What it says it also understands.
@@ -168,8 +183,44 @@ void clearAccounts(ProfileValues *values)
     values->accountRights.clear();
 }
 
+/// Of an account that there is from then on.
+bool takeHash(const QString &name, const QByteArray &text, ProfileValues *values)
+{
+    const QString hash = QString::fromUtf8(text);
+    if (!isPasswordHash(hash) || name.contains(QLatin1Char(':')))
+        return false;
+    QStringList &users = values->users;
+    users.erase(
+        std::remove_if(users.begin(), users.end(),
+                       [&name](const QString &account) { return accountName(account) == name; }),
+        users.end());
+    users.append(name + QLatin1Char(':') + hash);
+    return true;
+}
+
+QMap<QString, QByteArray> sayHashes(const ProfileValues &values)
+{
+    QMap<QString, QByteArray> said;
+    for (const QString &account : values.users) {
+        if (isPasswordHash(accountPassword(account)))
+            said.insert(accountName(account), accountPassword(account).toUtf8());
+    }
+    return said;
+}
+
+void clearHashes(ProfileValues *values)
+{
+    QStringList &users = values->users;
+    users.erase(std::remove_if(users.begin(), users.end(),
+                               [](const QString &account) {
+                                   return isPasswordHash(accountPassword(account));
+                               }),
+                users.end());
+}
+
 constexpr std::array accountKeys{
     AccountKey{ "account.", takeAccount, sayAccounts, clearAccounts },
+    AccountKey{ "password.", takeHash, sayHashes, clearHashes },
 };
 
 /// One line taken apart; `key` is empty in a comment or an empty line.
@@ -243,7 +294,8 @@ bool speaksOfRights(const QByteArray &content)
     const QList<QByteArray> lines = content.split('\n');
     return std::any_of(lines.begin(), lines.end(), [](const QByteArray &raw) {
         const QByteArray line = raw.trimmed();
-        return findAccountKey(line) || line.startsWith("everyone");
+        return findAccountKey(line) || line.startsWith("everyone")
+            || line.startsWith("login-password");
     });
 }
 

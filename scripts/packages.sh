@@ -12,6 +12,8 @@ packages_of() {
         # Compiler and toolkit, then what makes icons and translations, then the key for TLS.
         echo g++ cmake ninja-build qtbase5-dev qt5-style-plugins qttools5-dev-tools
         echo librsvg2-bin graphicsmagick icoutils
+        # The hash in which passwords are kept.
+        echo libsodium-dev pkg-config
         echo openssl
         # The build asks for it on behalf of the tests.
         echo python3

@@ -26,8 +26,8 @@ Engine::Engine(FaceMaker makeFace, const Directories &directories, StatusSink *s
                Previews *previews)
     : forms(maxForms)
     , peers(maxConnections())
-    , common(std::make_shared<ServerSetup>(ServerSetup{ std::move(makeFace), sink, &poller, &forms,
-                                                        &disk, &listings, &memory, &turns, &copies,
-                                                        &peers, previews, directories }))
+    , common(std::make_shared<ServerSetup>(
+          ServerSetup{ std::move(makeFace), sink, &poller, &forms, &disk, &listings, &memory,
+                       &turns, &copies, &peers, &passwords, previews, directories }))
 {
 }

@@ -5,6 +5,7 @@
 #include "net/Poller.h"
 #include "server/MemoryBudget.h"
 #include "server/MemoryTrim.h"
+#include "server/PasswordChecks.h"
 #include "server/PeerCount.h"
 #include "server/Places.h"
 #include "server/Service.h"
@@ -32,5 +33,6 @@ private:
     ListingCache listings{ disk };
     MemoryTrim memory{ disk };
     Turns turns{ memory };
+    PasswordChecks passwords{ disk };
     std::shared_ptr<const ServerSetup> common;
 };

@@ -14,6 +14,7 @@ class DiskWorker;
 class ListingCache;
 class MemoryBudget;
 class MemoryTrim;
+class PasswordChecks;
 class PeerCount;
 class Places;
 class Poller;
@@ -36,6 +37,7 @@ struct ServerSetup
     Turns *turns = nullptr; ///< of long replies
     Places *copies = nullptr; ///< for what COPY does
     PeerCount *peers = nullptr;
+    PasswordChecks *passwords = nullptr;
     Previews *previews = nullptr;
     Directories directories;
 };

@@ -8,6 +8,7 @@
 #include "net/Socket.h"
 #include "server/Access.h"
 #include "server/Connection.h"
+#include "server/PasswordChecks.h"
 #include "server/Secret.h"
 
 #include <algorithm>
@@ -194,8 +195,59 @@ void ClassicFace::formReady(const QByteArray &form)
 
 void ClassicFace::admit()
 {
-    if (!isAdmitted())
+    if (isAdmitted())
+        return answer();
+    const std::optional<Claim> claimed = claim();
+    if (!claimed)
         return refuseLogin();
+    if (exchange.service.setup.passwords->remembers(claimed->password, claimed->hash))
+        return letIn(*claimed);
+    checkPassword(*claimed);
+}
+
+/// The password that the request brings, where a hash tells whether it fits.
+std::optional<ClassicFace::Claim> ClassicFace::claim() const
+{
+    const Request &request = exchange.request;
+    const Profile &profile = *exchange.service.profile;
+    const int colon = int(request.credentials.indexOf(':'));
+    const bool byPage = profile.authMode == AuthPasswordPage;
+    if (byPage ? !request.isLogin() : colon < 0)
+        return {};
+    const QByteArray user = byPage ? QByteArray() : request.credentials.left(colon);
+    Claim claimed;
+    claimed.hash = PasswordChecks::hashFor(profile, user);
+    claimed.password =
+        byPage ? request.field("password").toUtf8() : request.credentials.mid(colon + 1);
+    return claimed.hash.isEmpty() ? std::nullopt : std::optional(claimed);
+}
+
+void ClassicFace::checkPassword(const Claim &claimed)
+{
+    using Verdict = PasswordChecks::Verdict;
+    checking = std::make_unique<QObject>();
+    const auto told = [this, claimed](Verdict verdict) {
+        checking.reset();
+        if (!channel.canAnswer())
+            return;
+        if (verdict == Verdict::Busy)
+            return refuse("503 Service Unavailable");
+        verdict == Verdict::Fits ? letIn(claimed) : refuseLogin();
+    };
+    exchange.service.setup.passwords->check(claimed.password, claimed.hash, checking.get(), told);
+}
+
+/// The password was found to fit its hash, which takes its place in the session.
+void ClassicFace::letIn(const Claim &proved)
+{
+    if (exchange.service.profile->authMode == AuthPasswordPage)
+        exchange.session()->logIn(QString::fromLatin1(proved.hash),
+                                  channel.connection().peerAddress());
+    answer();
+}
+
+void ClassicFace::answer()
+{
     // Its methods know the switches alone: who has other rights must not gain by asking it.
     const Profile &profile = *exchange.service.profile;
     const QByteArray account = exchange.request.credentials.split(':').constFirst();
@@ -228,7 +280,7 @@ bool ClassicFace::passwordFits()
     if (request.isLogin()) {
         // A wrong one changes nothing: the number may be somebody else's.
         const QString given = request.field("password");
-        if (!isSameSecret(given.toUtf8(), password.toUtf8()))
+        if (isPasswordHash(password) || !isSameSecret(given.toUtf8(), password.toUtf8()))
             return false;
         session->logIn(given, peer);
         return true;
@@ -292,6 +344,7 @@ void ClassicFace::gone()
 /// What was kept for the request goes, however it ended.
 void ClassicFace::endRequest()
 {
+    checking.reset();
     exchange.use.reset();
     formMemory.reset();
 }
@@ -308,13 +361,13 @@ void ClassicFace::uploadEnded(SaveResult result)
 
 void ClassicFace::drained()
 {
-    if (current)
+    if (current && !checking)
         current->drained();
 }
 
 void ClassicFace::replyEnded()
 {
-    if (current)
+    if (current && !checking)
         current->replyEnded();
     endRequest();
 }

@@ -5,6 +5,8 @@
 #include "server/Face.h"
 #include "server/MemoryBudget.h"
 
+#include <QObject>
+
 #include <memory>
 #include <optional>
 
@@ -34,6 +36,13 @@ public:
     void expire() override { channel.expire(); }
 
 private:
+    /// What a visitor says to know, and by what that is found to be true.
+    struct Claim
+    {
+        QByteArray password;
+        QByteArray hash;
+    };
+
     void headReady() override;
     void headRestReady(bool whole) override;
     void formReady(const QByteArray &form) override;
@@ -52,6 +61,10 @@ private:
     bool isAdmitted();
     bool passwordFits();
     bool isAccount() const;
+    std::optional<Claim> claim() const;
+    void checkPassword(const Claim &claimed);
+    void letIn(const Claim &proved);
+    void answer();
     void refuseLogin();
     void dispatch();
     const Route *findRoute() const;
@@ -62,6 +75,7 @@ private:
     Channel channel;
     Exchange exchange;
     std::optional<MemoryBudget::Part> formMemory; ///< while a form is read and answered
+    std::unique_ptr<QObject> checking; ///< while nobody knows whether the password fits
     const Route *kept = nullptr; ///< whose responder is kept
     std::unique_ptr<Responder> current;
 };

@@ -2,6 +2,7 @@
 
 #include "config/Profile.h"
 #include "files/Path.h"
+#include "server/PasswordChecks.h"
 #include "server/Secret.h"
 #include "standard/http/Digest.h"
 
@@ -27,12 +28,14 @@ Login loginOf(const QByteArray &text)
     return { text.left(colon), text.mid(colon + 1) };
 }
 
-/// The logins that are known. Where any name will do it is `given`.
+/// The logins whose password can be read. Where any name will do it is `given`.
 QList<Login> knownLogins(const Profile &profile, const QByteArray &given)
 {
-    if (profile.authMode == AuthPasswordPage)
-        return { { given, profile.password.toUtf8() } };
     QList<Login> logins;
+    if (profile.authMode == AuthPasswordPage && !isPasswordHash(profile.password))
+        logins.append({ given, profile.password.toUtf8() });
+    if (profile.authMode == AuthPasswordPage)
+        return logins;
     for (const QString &account : profile.accounts())
         logins.append(loginOf(account.toUtf8()));
     return logins;
@@ -44,8 +47,17 @@ bool needsLogin(const Profile &profile)
         && !(profile.authMode == AuthPasswordPage && profile.password.isEmpty());
 }
 
-Authenticator::Result checkBasic(const QByteArray &value, const Profile &profile)
+/// Of what Digest is made.
+bool keepsPasswords(const Profile &profile)
 {
+    return !knownLogins(profile, {}).isEmpty()
+        || (profile.authMode == AuthBasic && !profile.hashesPasswords());
+}
+
+Authenticator::Result checkBasic(const QByteArray &value, const Profile &profile,
+                                 PasswordChecks &passwords)
+{
+    using Outcome = Authenticator::Outcome;
     const auto schemeSize = int(qstrlen(basicScheme));
     const QByteArray text = QByteArray::fromBase64(value.mid(schemeSize).trimmed());
     const Login given = loginOf(text);
@@ -55,9 +67,16 @@ Authenticator::Result checkBasic(const QByteArray &value, const Profile &profile
         known = (isSameSecret(given.password, login.password) && same) || known;
     }
     // Without a colon it is no login, whatever the password is.
-    if (!known || !text.contains(':'))
-        return { Authenticator::Outcome::Refused };
-    return { Authenticator::Outcome::Admitted, given.user };
+    if (!text.contains(':'))
+        return { Outcome::Refused };
+    if (known)
+        return { Outcome::Admitted, given.user };
+    const QByteArray hash = PasswordChecks::hashFor(profile, given.user);
+    if (hash.isEmpty())
+        return { Outcome::Refused };
+    if (passwords.remembers(given.password, hash))
+        return { Outcome::Admitted, given.user };
+    return { Outcome::Undecided, given.user, given.password, hash };
 }
 
 /// A proof for one path must not open another.
@@ -78,13 +97,14 @@ QByteArray digestChallenge(const char *algorithm, const QByteArray &nonce, bool 
 
 } // namespace
 
-Authenticator::Result Authenticator::check(const Request &request, const Profile &profile)
+Authenticator::Result Authenticator::check(const Request &request, const Profile &profile,
+                                           PasswordChecks &passwords)
 {
     if (!needsLogin(profile))
         return { Outcome::Admitted };
     const QByteArray value = request.value("Authorization");
     if (qstrnicmp(value.constData(), basicScheme, uint(qstrlen(basicScheme))) == 0)
-        return checkBasic(value, profile);
+        return checkBasic(value, profile, passwords);
     return checkDigest(request, profile);
 }
 
@@ -105,15 +125,17 @@ Authenticator::Result Authenticator::checkDigest(const Request &request, const P
     return { Outcome::Admitted, given->user };
 }
 
-Fields Authenticator::challenges(Outcome outcome) const
+Fields Authenticator::challenges(Outcome outcome, const Profile &profile) const
 {
+    const QByteArray basic = QByteArray(R"(Basic realm=")") + realm + R"(", charset="UTF-8")";
+    if (!keepsPasswords(profile))
+        return { { "WWW-Authenticate", basic } };
     const QByteArray nonce = nonces.make(clock.elapsed());
     const bool stale = outcome == Outcome::Stale;
     // Many programs look at the first one alone, and can do no more than MD5.
     return { { "WWW-Authenticate", digestChallenge("MD5", nonce, stale) },
              { "WWW-Authenticate", digestChallenge("SHA-256", nonce, stale) },
-             { "WWW-Authenticate",
-               QByteArray(R"(Basic realm=")") + realm + R"(", charset="UTF-8")" } };
+             { "WWW-Authenticate", basic } };
 }
 
 } // namespace standard

@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QElapsedTimer>
 
+class PasswordChecks;
 class Profile;
 
 namespace standard {
@@ -18,23 +19,26 @@ public:
     enum class Outcome {
         Admitted,
         Refused,
-        Stale ///< the password is right, but another nonce is needed
+        Stale, ///< the password is right, but another nonce is needed
+        Undecided ///< `PasswordChecks::check` will tell
     };
 
     struct Result
     {
         Outcome outcome;
         QByteArray user = {}; ///< empty without a login
+        QByteArray password = {}; ///< while it is undecided, and the hash that it may fit
+        QByteArray hash = {};
     };
 
     Authenticator() { clock.start(); }
 
     /// Whether `profile` lets the request in.
-    Result check(const Request &request, const Profile &profile);
+    Result check(const Request &request, const Profile &profile, PasswordChecks &passwords);
 
     /// The fields of a 401. Digest comes first: over a connection that isn't encrypted one of the
-    /// desktop systems speaks nothing else.
-    Fields challenges(Outcome outcome) const;
+    /// desktop systems speaks nothing else. Where every password is hashed there is none.
+    Fields challenges(Outcome outcome, const Profile &profile) const;
 
 private:
     Result checkDigest(const Request &request, const Profile &profile);

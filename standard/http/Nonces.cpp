@@ -7,7 +7,6 @@
 #include <QRandomGenerator>
 
 #include <algorithm>
-#include <array>
 
 namespace standard {
 
@@ -20,11 +19,8 @@ constexpr quint32 window = 64; ///< counts that may overtake each other
 } // namespace
 
 Nonces::Nonces()
+    : key(newSecret())
 {
-    std::array<quint32, 8> random;
-    QRandomGenerator::system()->fillRange(random.data(), int(random.size()));
-    for (const quint32 number : random)
-        key += QByteArray::number(number, 16);
 }
 
 QByteArray Nonces::make(qint64 now) const

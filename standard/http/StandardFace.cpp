@@ -4,6 +4,7 @@
 #include "files/HiddenUploads.h"
 #include "net/Socket.h"
 #include "server/Connection.h"
+#include "server/PasswordChecks.h"
 #include "standard/Log.h"
 #include "standard/http/Copy.h"
 #include "standard/http/Delete.h"
@@ -73,7 +74,7 @@ void StandardFace::writable()
 /// be at work.
 void StandardFace::dropHandler()
 {
-    if (isAnswering || !handler)
+    if (isAnswering || checking || !handler)
         return;
     handler.reset();
     exchange.forget();
@@ -85,7 +86,32 @@ void StandardFace::requestReady(Request request)
     request.outside =
         takeForwarded(request, channel.connection().peerAddress(), *exchange.service().profile);
     exchange.begin(std::move(request));
-    if (!isAdmitted())
+    const Service &service = exchange.service();
+    const Authenticator::Result login =
+        common->authenticator.check(exchange.request(), *service.profile, *service.setup.passwords);
+    if (login.outcome == Authenticator::Outcome::Undecided)
+        checkPassword(login);
+    else
+        answer(login);
+}
+
+void StandardFace::checkPassword(const Authenticator::Result &login)
+{
+    checking = std::make_unique<QObject>();
+    const auto told = [this, user = login.user](PasswordChecks::Verdict verdict) {
+        checking.reset();
+        if (verdict == PasswordChecks::Verdict::Busy)
+            return exchange.refuse(Status::Unavailable, {}, { { "Retry-After", "5" } });
+        answer({ verdict == PasswordChecks::Verdict::Fits ? Authenticator::Outcome::Admitted
+                                                          : Authenticator::Outcome::Refused,
+                 user });
+    };
+    exchange.service().setup.passwords->check(login.password, login.hash, checking.get(), told);
+}
+
+void StandardFace::answer(const Authenticator::Result &login)
+{
+    if (!isAdmitted(login))
         return;
     if (namesHiddenUpload(exchange.path()))
         return exchange.refuse(
@@ -99,16 +125,16 @@ void StandardFace::requestReady(Request request)
 }
 
 /// The door of every method: who is asked for a login, and who may not come from another site.
-bool StandardFace::isAdmitted()
+bool StandardFace::isAdmitted(const Authenticator::Result &login)
 {
     const Request &request = exchange.request();
-    Authenticator &door = common->authenticator;
-    const Authenticator::Result result = door.check(request, *exchange.service().profile);
-    if (result.outcome != Authenticator::Outcome::Admitted) {
-        exchange.refuse(Status::Unauthorized, {}, door.challenges(result.outcome));
+    const Profile &profile = *exchange.service().profile;
+    if (login.outcome != Authenticator::Outcome::Admitted) {
+        exchange.refuse(Status::Unauthorized, {},
+                        common->authenticator.challenges(login.outcome, profile));
         return false;
     }
-    exchange.setAccess(Access::of(*exchange.service().profile, result.user));
+    exchange.setAccess(Access::of(profile, login.user));
     // A page of somebody else's must not have its visitor's browser change anything here.
     const QByteArray site = request.value("Sec-Fetch-Site");
     if (isSafe(request.method) || (site != "cross-site" && site != "same-site"))
@@ -165,6 +191,7 @@ void StandardFace::fileSent()
 
 void StandardFace::replyEnded()
 {
+    checking.reset();
     if (std::exchange(isAnswering, false))
         handler->ended();
     exchange.finish();

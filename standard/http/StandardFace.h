@@ -6,6 +6,8 @@
 #include "standard/http/Exchange.h"
 #include "standard/http/Routes.h"
 
+#include <QObject>
+
 #include <memory>
 
 namespace standard {
@@ -41,7 +43,9 @@ private:
     void replyEnded() override;
 
     void bodySaved(BodyEnd end);
-    bool isAdmitted();
+    void checkPassword(const Authenticator::Result &login);
+    void answer(const Authenticator::Result &login);
+    bool isAdmitted(const Authenticator::Result &login);
     const Route *findRoute() const;
     void dropHandler();
 
@@ -50,6 +54,7 @@ private:
     Channel channel;
     Exchange exchange;
     bool isAnswering = false; ///< the handler has not ended
+    std::unique_ptr<QObject> checking; ///< while nobody knows whether the password fits
     std::unique_ptr<Handler> handler;
 };
 

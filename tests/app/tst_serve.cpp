@@ -1,3 +1,4 @@
+#include "server/PasswordHash.h"
 #include "tests/support/LiveServer.h"
 
 #include <QProcess>
@@ -73,6 +74,7 @@ private Q_SLOTS:
     void cleanup();
     void endsAtOnce_data();
     void endsAtOnce();
+    void hashesAPassword();
     void servesUntilASignal();
     void asksTheSystemLittleForASmallFile();
     void stopsAtTheTrafficLimit();
@@ -187,6 +189,18 @@ void TestServe::endsAtOnce()
     QFETCH(QString, says);
     QVERIFY2(said.contains(says.toUtf8()), said.constData());
     QCOMPARE(errors.count('\n'), status);
+}
+
+void TestServe::hashesAPassword()
+{
+    start({ QStringLiteral("--hash") });
+    program.write("p\xc3\xa4ss word\nnext");
+    program.closeWriteChannel();
+    QCOMPARE(exitStatus(), 0);
+    QVERIFY(fitsPasswordHash("p\xc3\xa4ss word", program.readAllStandardOutput().trimmed()));
+    start({ QStringLiteral("--hash") });
+    program.closeWriteChannel();
+    QCOMPARE(exitStatus(), 1);
 }
 
 void TestServe::servesUntilASignal()

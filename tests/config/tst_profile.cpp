@@ -42,6 +42,7 @@ private Q_SLOTS:
     void admitsNobodyByANamelessAccount();
     void keepsMoreValuesAsText();
     void keepsRightsOfAccounts();
+    void keepsHashesOutOfTheRecord();
     void findsItsProfiles();
     void tellsACrashFromANeighbour();
 
@@ -291,6 +292,46 @@ void TestProfile::keepsRightsOfAccounts()
     }
     QVERIFY(work.save() && Profile(home->directories, name).isUsable());
     QCOMPARE(home->profileBytes(file + QLatin1String(".bad")), QByteArray("account.a ="));
+}
+
+void TestProfile::keepsHashesOutOfTheRecord()
+{
+    const QString file = QStringLiteral("work.cnf");
+    const QString textFile = file + QLatin1String(".ini");
+    const QByteArray hash = "$argon2id$v=19$m=8,t=1,p=1$AA$BB";
+    Profile work(home->directories);
+    work.setFileName(QStringLiteral("work"));
+    work.authMode = AuthBasic;
+    work.users = QStringList{ QStringLiteral("a:old"), QStringLiteral("b:2") };
+    QVERIFY(work.save());
+    const QByteArray lines = "password.a = " + hash + "\npassword.c = " + hash + '\n';
+    home->writeProfile(textFile, lines);
+    QVERIFY(work.load());
+    QCOMPARE(work.accounts().join(QLatin1Char('|')), QStringLiteral("b:2"));
+    QCOMPARE(work.passwordHash(QStringLiteral("a")), hash);
+    QVERIFY(work.passwordHash(QStringLiteral("b")).isEmpty() && work.hashesPasswords());
+    QVERIFY(work.save());
+    const QByteArray record = home->profileBytes(file);
+    QVERIFY(record.contains(stored("b:2")) && !record.contains(stored("a:old")));
+    QVERIFY(!record.contains(stored(("a:" + hash).constData()))
+            && !record.contains(stored(("c:" + hash).constData())));
+    QCOMPARE(home->profileBytes(textFile), lines);
+    work.users.removeLast(); // c
+    QVERIFY(work.save());
+    QCOMPARE(home->profileBytes(textFile), lines.left(lines.indexOf('\n') + 1));
+
+    // The record must not say that there is no password when the text is lost.
+    work.authMode = AuthPasswordPage;
+    QVERIFY(work.save());
+    home->writeProfile(textFile, "login-password = " + hash);
+    QVERIFY(work.load() && work.passwordHash({}) == hash && work.save());
+    home->writeProfile(textFile, {});
+    QVERIFY(work.load() && work.passwordHash({}) == hash);
+    for (const char *wrong :
+         { "password.a = x", "password.a:b = $argon2id$", "login-password = x" }) {
+        home->writeProfile(textFile, wrong);
+        QVERIFY2(!work.load(), wrong);
+    }
 }
 
 void TestProfile::findsItsProfiles()

@@ -1,3 +1,6 @@
+#include "files/DiskWorker.h"
+#include "server/PasswordChecks.h"
+#include "server/PasswordHash.h"
 #include "standard/http/Digest.h"
 #include "standard/http/Nonces.h"
 #include "tests/standard/StandardTest.h"
@@ -5,6 +8,8 @@
 
 #include <QCryptographicHash>
 #include <QTest>
+
+#include <vector>
 
 namespace standard {
 
@@ -59,6 +64,8 @@ private Q_SLOTS:
     void basicLogin();
     void digestLogin();
     void anyNameWithThePassword();
+    void hashedPasswords();
+    void hashesAreCheckedInTurn();
     void refusedBeforeTheBody();
     void otherSitesChangeNothing();
 };
@@ -163,6 +170,65 @@ void TestLogin::anyNameWithThePassword()
              QByteArray("A"));
     server.profile->password.clear();
     QCOMPARE(replyTo(server, "GET", "/a").body, QByteArray("A"));
+}
+
+void TestLogin::hashedPasswords()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "A");
+    server.profile->authMode = AuthBasic;
+    const QString hash = QString::fromLatin1(newPasswordHash("x:y"));
+    server.profile->users = QStringList{ QStringLiteral("a:") + hash };
+    const auto challenges = [&server] { return replyTo(server, "GET", "/a").head; };
+    QVERIFY(!challenges().contains("Digest") && challenges().contains("Basic realm"));
+    // Longer than a moment: the request and what follows it wait.
+    RawClient client(server.port());
+    client.send(rawRequest("PUT", "/new", basic("a:x:y"), "12345")
+                + rawRequest("GET", "/new", basic("a:x:y")));
+    QCOMPARE(client.reply().status(), QByteArray("201 Created"));
+    QCOMPARE(client.reply().body, QByteArray("12345"));
+    const QByteArray refused = client.exchange(rawRequest("GET", "/new", basic("a:x"))).status();
+    QCOMPARE(refused, QByteArray("401 Unauthorized"));
+    QCOMPARE(client.exchange(rawRequest("GET", "/a", basic("a:x:y"))).body, QByteArray("A"));
+    client.send(rawRequest("GET", "/a", basic("a:gone")));
+    for (const QByteArray &wrong :
+         { QByteArray("a:x"), "a:" + hash.toLatin1(), QByteArray("b:x:y"), QByteArray("a") })
+        QCOMPARE(server.status("GET", "/a", basic(wrong)), 401);
+
+    server.profile->users.append(QStringLiteral("b:2"));
+    const Challenge challenge = challengeOf(replyTo(server, "GET", "/a"));
+    QCOMPARE(server.status("GET", "/a", digest(challenge, "b", "2", 1)), 200);
+    QCOMPARE(server.status("GET", "/a", digest(challenge, "a", hash.toLatin1(), 2)), 401);
+    QCOMPARE(server.status("GET", "/a", basic("b:2")), 200);
+    server.profile->users[0] = QStringLiteral("a:") + QString::fromLatin1(newPasswordHash("z"));
+    QCOMPARE(server.status("GET", "/a", basic("a:x:y")), 401);
+    server.profile->authMode = AuthPasswordPage;
+    server.profile->password = hash;
+    QCOMPARE(server.status("GET", "/a", basic("anybody:x:y")), 200);
+    QCOMPARE(server.status("GET", "/a", basic("anybody:" + hash.toLatin1())), 401);
+}
+
+void TestLogin::hashesAreCheckedInTurn()
+{
+    using Told = PasswordChecks::Verdict;
+    DiskWorker worker;
+    PasswordChecks checks(worker);
+    const QByteArray hash = newPasswordHash("right");
+    const auto later = PasswordChecks::Clock::now() + PasswordChecks::memory;
+    std::vector<Told> verdicts;
+    const auto note = [&verdicts](Told verdict) { verdicts.push_back(verdict); };
+    QObject context;
+    checks.check("right", hash, &context, note);
+    checks.check("wrong", hash, &context, note);
+    for (int i = 1; i < PasswordChecks::maxWaiting; ++i)
+        checks.check("wrong", hash, std::make_unique<QObject>().get(), note);
+    checks.check("right", hash, &context, note);
+    QTRY_COMPARE(verdicts.size(), std::size_t(3));
+    QVERIFY((verdicts == std::vector{ Told::Busy, Told::Fits, Told::Wrong }));
+    QVERIFY(checks.remembers("right", hash, later) && !checks.remembers("wrong", hash));
+    QVERIFY(checks.remembers("right", hash, later + PasswordChecks::memory));
+    QVERIFY(!checks.remembers("right", hash, later + 3 * PasswordChecks::memory));
+    QVERIFY(!checks.remembers("right", newPasswordHash("right")));
 }
 
 void TestLogin::refusedBeforeTheBody()

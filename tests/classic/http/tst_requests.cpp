@@ -1,4 +1,5 @@
 #include "classic/http/Responder.h"
+#include "server/PasswordHash.h"
 #include "tests/support/Data.h"
 #include "tests/support/LiveServer.h"
 
@@ -66,6 +67,19 @@ Routes testRoutes()
     return routes;
 }
 
+void waysToKeepPasswords()
+{
+    columns<bool>({ "hashed" });
+    row("as typed", false);
+    row("hashed", true);
+}
+
+QString kept(const QString &password)
+{
+    QFETCH(bool, hashed);
+    return hashed ? QString::fromLatin1(newPasswordHash(password.toUtf8())) : password;
+}
+
 } // namespace
 
 /// Requests as they arrive in packets, and what is answered to them.
@@ -92,7 +106,9 @@ private Q_SLOTS:
     void refusesBrokenRequests_data();
     void refusesBrokenRequests();
     void readsLongFormsWhole();
+    void showsTheLoginPageUntilThePasswordFits_data() { waysToKeepPasswords(); }
     void showsTheLoginPageUntilThePasswordFits();
+    void asksForBasicCredentials_data() { waysToKeepPasswords(); }
     void asksForBasicCredentials();
     void sharesTheSessionOfOneBrowser();
     void knowsOnlyGetAndPostForASingleFile();
@@ -369,7 +385,7 @@ void TestRequests::showsTheLoginPageUntilThePasswordFits()
 {
     writeFile(live->home.directories.language + QLatin1String("login.html"), "LOGIN");
     live->profile->authMode = AuthPasswordPage;
-    live->profile->password = QStringLiteral("pä ss+");
+    live->profile->password = kept(QStringLiteral("pä ss+"));
 
     const auto get = [this](const QByteArray &target, const QByteArray &headers) {
         return RawClient(live->port()).exchange(rawRequest("GET", target, headers));
@@ -409,7 +425,8 @@ void TestRequests::showsTheLoginPageUntilThePasswordFits()
 void TestRequests::asksForBasicCredentials()
 {
     live->profile->authMode = AuthBasic;
-    live->profile->users = QStringList{ QStringLiteral("user:pass"), QStringLiteral("ü%41:a:b c") };
+    live->profile->users = QStringList{ QStringLiteral("user:") + kept(QStringLiteral("pass")),
+                                        QStringLiteral("ü%41:a:b c") };
     const auto ask = [](RawClient &client, const QByteArray &credentials) {
         const QByteArray line = "authorization: Basic " + credentials.toBase64() + "\r\n";
         return client.exchange(rawRequest("GET", "/a.txt", line));
@@ -421,7 +438,9 @@ void TestRequests::asksForBasicCredentials()
     // The next request has to bring its own.
     QCOMPARE(admitted.exchange(rawRequest("GET", "/a.txt")).status(),
              QByteArray("401 Authorization Required"));
-    for (const char *wrong : { "üA:a:b c", "user:passpass", "" }) {
+    const QByteArray hash = live->profile->passwordHash(QStringLiteral("user"));
+    for (const QByteArray &wrong : { QByteArray("üA:a:b c"), QByteArray("user:passpass"),
+                                     QByteArray("user:") + hash, QByteArray() }) {
         RawClient client(live->port());
         const RawReply reply = ask(client, wrong);
         QVERIFY(reply.head.endsWith("Accept-Ranges: bytes\r\n"
