@@ -138,13 +138,12 @@ void AddressList::startOrStop()
 
 void AddressList::cellChosen(int index, int column)
 {
-    ServerRow *row = rows->at(index);
-    if (!rows->mode()->isExpert() || !row)
+    if (!rows->mode()->isExpert() || !rows->at(index))
         return;
     if (column != AddressTable::StatusColumn)
         m_table->popup(rowMenu, index, column);
-    else if (mayCut({ row }, window()))
-        rows->toggle(row);
+    else
+        toggleRow(rows, rows->at(index), window());
 }
 
 void AddressList::edit(Profile *profile, int page)

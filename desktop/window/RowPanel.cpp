@@ -106,11 +106,8 @@ void RowPanel::connectWidgets()
     ServerRows *rows = keeper->rows();
     connect(rows, &ServerRows::currentChanged, this, &RowPanel::showCurrent);
     connect(settingsButton, &QPushButton::clicked, this, &RowPanel::settingsWanted);
-    connect(startButton, &QPushButton::clicked, this, [this, rows] {
-        ServerRow *row = rows->current();
-        if (row && mayCut({ row }, window()))
-            rows->toggle(row);
-    });
+    connect(startButton, &QPushButton::clicked, this,
+            [this, rows] { toggleRow(rows, rows->current(), window()); });
     connect(sharedLink, &QLabel::linkActivated, this, [rows] {
         if (const ServerRow *row = rows->current())
             QDesktopServices::openUrl(QUrl(row->url()));

@@ -129,3 +129,9 @@ bool mayCut(const QList<ServerRow *> &stopping, QWidget *window)
                     WindowText::tr("Files are being transferred; stopping cuts them off.")
                         + QLatin1Char('\n') + WindowText::tr("Do you want to stop?"));
 }
+
+void toggleRow(ServerRows *rows, const QPointer<ServerRow> &row, QWidget *window)
+{
+    if (row && mayCut({ row }, window) && row)
+        rows->toggle(row);
+}

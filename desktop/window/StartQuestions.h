@@ -39,3 +39,7 @@ private:
 /// Whether `stopping` may be cut off: asks over `window` when files are under way and their profile
 /// wants warnings.
 bool mayCut(const QList<ServerRow *> &stopping, QWidget *window);
+
+/// Starts `row`, or stops it when its files under way may be cut off. The row may be null, or
+/// vanish while that is asked.
+void toggleRow(ServerRows *rows, const QPointer<ServerRow> &row, QWidget *window);

@@ -89,6 +89,34 @@ private Q_SLOTS:
         }
     }
 
+    void rowVanishesUnderItsQuestion()
+    {
+        for (const bool byTable : { false, true }) {
+            Desktop desktop([](Profile &global) {
+                global.expertMode = true;
+                global.warningMode = Qt::Checked;
+            });
+            desktop.row()->start();
+            const RawClient client(desktop.row()->server()->port);
+            QTRY_COMPARE(desktop.row()->server()->connectionCount(), 1);
+            desktop.row()->server()->addReceivedBytes(1000000);
+            const auto stop = [&] {
+                if (byTable)
+                    Q_EMIT desktop.list()->table()->cellChosen(0, AddressTable::StatusColumn);
+                else
+                    click(desktop.panel(), "Stop");
+            };
+            const QPointer<ServerRow> row = desktop.row();
+            inModal<QMessageBox>(stop, [&](QMessageBox *box) {
+                desktop.addresses.clear();
+                desktop.window->keeper()->lookForChanges();
+                QTRY_VERIFY(!row);
+                box->button(QMessageBox::Yes)->click();
+            });
+            QVERIFY(desktop.rows()->all().isEmpty());
+        }
+    }
+
     void saysWhatIsWrong()
     {
         Desktop desktop;
