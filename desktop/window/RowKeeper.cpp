@@ -66,7 +66,9 @@ void RowKeeper::share(const QString &path, ServerRow *row)
 
 void RowKeeper::remove(ServerRow *row)
 {
-    removed.insert(row->address().toString());
+    // The address goes with its own row, not with a further port.
+    if (!row->isAddedPort())
+        removed.insert(row->address().toString());
     m_rows.remove(row);
 }
 
