@@ -82,6 +82,14 @@ KeyMaker::KeyMaker(QString folder, QObject *parent)
     });
 }
 
+KeyMaker::~KeyMaker()
+{
+    // The tool's end would be told to a page that is just going, too.
+    tool.disconnect(this);
+    tool.kill();
+    tool.waitForFinished();
+}
+
 void KeyMaker::start()
 {
     if (!work.isValid())

@@ -14,6 +14,9 @@ public:
     /// The pair goes to `folder`, under names that nothing has there, the key for its owner alone.
     KeyMaker(QString folder, QObject *parent);
 
+    /// Ends a tool that is still at work; no signal follows.
+    ~KeyMaker() override;
+
     /// Begins, and returns at once. One of the signals follows.
     void start();
 

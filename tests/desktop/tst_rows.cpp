@@ -312,6 +312,12 @@ private Q_SLOTS:
         QVERIFY(!device.row()->isListening());
         QVERIFY(reason.contains(device.global()->publicKeyFile));
 
+        const auto fails = [] { QFAIL("told of a pair that nobody waits for"); };
+        auto given = std::make_unique<KeyMaker>(device.path(".quillon/"), nullptr);
+        QObject::connect(given.get(), &KeyMaker::failed, device.rows, fails);
+        given->start();
+        given.reset();
+
         QStringList files;
         auto *maker = new KeyMaker(device.path(".quillon/"), device.rows);
         QObject::connect(maker, &KeyMaker::made, maker, [&](const auto &key, const auto &crt) {
