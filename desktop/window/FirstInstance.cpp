@@ -4,6 +4,7 @@
 #include <QFile>
 #include <QLocalSocket>
 #include <QThread>
+#include <QTimer>
 
 #include <chrono>
 
@@ -14,9 +15,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// Between two programs of one user: the caller sends a path in UTF-8 and a line feed, and the
-// window sends the line feed back.
-constexpr char endOfPath = '\n';
+// Between two programs of one user: the caller sends a path in UTF-8 and a NUL, which no path has,
+// and the window sends the NUL back.
+constexpr char endOfPath = '\0';
 constexpr int longestPath = 64 * 1024; ///< bytes
 constexpr auto patience = 2000ms;
 constexpr unsigned long pause = 50; ///< milliseconds
@@ -31,7 +32,7 @@ FirstInstance::FirstInstance(const QString &folder)
     server.setSocketOptions(QLocalServer::UserAccessOption);
     connect(&server, &QLocalServer::newConnection, this, [this] {
         while (QLocalSocket *caller = server.nextPendingConnection())
-            connect(caller, &QLocalSocket::readyRead, this, [this, caller] { answer(caller); });
+            hear(caller);
     });
 }
 
@@ -44,21 +45,21 @@ bool FirstInstance::handOver(const QString &path)
         return false;
     }
     // It may have begun at the same time, and not be listening yet.
-    const QByteArray line = path.toUtf8() + endOfPath;
+    const QByteArray message = path.toUtf8() + endOfPath;
     for (QDeadlineTimer wait(patience); !wait.hasExpired(); QThread::msleep(pause)) {
-        if (tell(line))
+        if (tell(message))
             return true;
     }
     return false;
 }
 
-bool FirstInstance::tell(const QByteArray &line) const
+bool FirstInstance::tell(const QByteArray &message) const
 {
     QLocalSocket window;
     window.connectToServer(name);
     if (!window.waitForConnected(int(patience.count())))
         return false;
-    window.write(line);
+    window.write(message);
     return window.waitForReadyRead(int(patience.count()))
         && window.read(1) == QByteArray(1, endOfPath);
 }
@@ -70,16 +71,24 @@ void FirstInstance::listen()
     server.listen(name);
 }
 
+void FirstInstance::hear(QLocalSocket *caller)
+{
+    connect(caller, &QLocalSocket::disconnected, caller, &QObject::deleteLater);
+    connect(caller, &QLocalSocket::readyRead, this, [this, caller] { answer(caller); });
+    QTimer::singleShot(patience, caller, &QLocalSocket::abort);
+}
+
 void FirstInstance::answer(QLocalSocket *caller)
 {
-    if (!caller->canReadLine()) {
-        if (caller->bytesAvailable() > longestPath)
+    const QByteArray message = caller->peek(longestPath);
+    const int end = message.indexOf(endOfPath);
+    if (end < 0) {
+        if (message.size() == longestPath)
             caller->abort();
         return;
     }
-    const QByteArray path = caller->readLine().chopped(1);
+    disconnect(caller, &QLocalSocket::readyRead, this, nullptr);
     caller->write(QByteArray(1, endOfPath));
-    connect(caller, &QLocalSocket::disconnected, caller, &QObject::deleteLater);
     caller->disconnectFromServer();
-    Q_EMIT called(QString::fromUtf8(path));
+    Q_EMIT called(QString::fromUtf8(message.left(end)));
 }

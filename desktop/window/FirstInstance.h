@@ -27,7 +27,8 @@ Q_SIGNALS:
 
 private:
     void listen();
-    bool tell(const QByteArray &line) const;
+    bool tell(const QByteArray &message) const;
+    void hear(QLocalSocket *caller);
     void answer(QLocalSocket *caller);
 
     const QString name;

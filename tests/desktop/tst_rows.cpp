@@ -6,6 +6,8 @@
 #include "server/Url.h"
 #include "tests/desktop/Desktop.h"
 
+#include <QLocalSocket>
+
 #include <thread>
 
 namespace {
@@ -351,13 +353,17 @@ private Q_SLOTS:
         QVERIFY(!first->handOver({}));
         QStringList called;
         connect(first.get(), &FirstInstance::called, [&](const QString &path) { called << path; });
+        QLocalSocket silent;
+        silent.connectToServer(folder + QLatin1String("window.socket"));
+        QVERIFY(silent.waitForConnected());
         std::thread other([&folder] {
-            FirstInstance(folder).handOver(QStringLiteral("/a b/ü"));
+            FirstInstance(folder).handOver(QStringLiteral("/a b\n/ü"));
             FirstInstance(folder).handOver({});
         });
         QTRY_COMPARE(called.size(), 2);
         other.join();
-        QCOMPARE(called, QStringList({ QStringLiteral("/a b/ü"), QString() }));
+        QCOMPARE(called, QStringList({ QStringLiteral("/a b\n/ü"), QString() }));
+        QTRY_COMPARE(silent.state(), QLocalSocket::UnconnectedState);
         first.reset();
         QVERIFY(!FirstInstance(folder).handOver({}));
     }
