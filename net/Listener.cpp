@@ -19,6 +19,15 @@ bool isOutOfDescriptors(int error)
     return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
 }
 
+/// The address of this machine that the peer of `fd` called.
+QHostAddress reachedAddress(int fd)
+{
+    sockaddr_storage storage = {};
+    socklen_t size = sizeof storage;
+    auto *address = reinterpret_cast<sockaddr *>(&storage);
+    return ::getsockname(fd, address, &size) == 0 ? QHostAddress(address) : QHostAddress();
+}
+
 } // namespace
 
 Listener::Listener(Poller *watcher, Events listenerEvents)
@@ -82,7 +91,8 @@ bool Listener::acceptOne()
     FileDescriptor accepted(
         ::accept4(int(server.socketDescriptor()), address, &size, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (accepted.isOpen()) {
-        events.accepted(std::move(accepted), QHostAddress(address));
+        const QHostAddress reached = reachedAddress(accepted.get());
+        events.accepted(std::move(accepted), QHostAddress(address), reached);
         return true;
     }
     if (errno == EINTR || errno == ECONNABORTED || errno == EPROTO)

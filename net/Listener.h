@@ -15,8 +15,10 @@ class Listener final : private PollTarget
 public:
     struct Events
     {
-        /// A client came; the descriptor does not block.
-        std::function<void(FileDescriptor accepted, const QHostAddress &peer)> accepted;
+        /// A client came; the descriptor does not block. `reached` is the address of ours.
+        std::function<void(FileDescriptor accepted, const QHostAddress &peer,
+                           const QHostAddress &reached)>
+            accepted;
         /// No descriptor is left for the next client: true when some were made free.
         std::function<bool()> crowded;
     };

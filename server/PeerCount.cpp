@@ -28,6 +28,12 @@ bool isOwn(const QHostAddress &address)
         || address.isEqual(QHostAddress(QHostAddress::LocalHostIPv6));
 }
 
+/// A device in one network with us: its other addresses are those of other devices.
+bool isNeighbour(const QHostAddress &address, const QHostAddress &reached)
+{
+    return address.isLinkLocal() || address.isInSubnet(reached, networkBits);
+}
+
 } // namespace
 
 PeerCount::Ticket::Ticket(PeerCount *count, const QHostAddress &address)
@@ -60,15 +66,23 @@ void PeerCount::Ticket::giveBack()
     owner = nullptr;
 }
 
-PeerCount::Ticket PeerCount::admit(const QHostAddress &address)
+PeerCount::Ticket PeerCount::admitUncounted()
 {
     if (isFull())
         return {};
-    if (isOwn(address)) {
-        ++all;
-        return { this, {} };
-    }
-    const QHostAddress peer = peerOf(address);
+    ++all;
+    return { this, {} };
+}
+
+PeerCount::Ticket PeerCount::admit(const QHostAddress &address, const QHostAddress &reached)
+{
+    if (isOwn(address))
+        return admitUncounted();
+    if (isFull())
+        return {};
+    QHostAddress peer = peerOf(address);
+    if (peer.protocol() == QAbstractSocket::IPv6Protocol && isNeighbour(address, reached))
+        peer = address;
     int &count = perPeer[peer];
     if (count >= maxPerPeer)
         return {};

@@ -34,8 +34,12 @@ public:
     {
     }
 
-    /// A place for a connection from `address`; this machine itself takes as many as it likes.
-    Ticket admit(const QHostAddress &address);
+    /// A place for a connection from `address` to `reached`, an address of ours. This machine
+    /// itself takes as many as it likes.
+    Ticket admit(const QHostAddress &address, const QHostAddress &reached);
+
+    /// A place for one that stands for many peers.
+    Ticket admitUncounted();
 
     bool isFull() const { return all >= maxAll; }
 

@@ -5,6 +5,7 @@
 #include "net/PlainSocket.h"
 #include "net/TlsSocket.h"
 #include "server/StatusSink.h"
+#include "server/TrustedProxy.h"
 
 #include <QDir>
 
@@ -35,11 +36,12 @@ WebServer::WebServer(const QNetworkAddressEntry &entry, Profile *profile,
                nullptr,
                {},
                TrafficAccount([this] { limitReached(); }) }
-    , listener(setup->poller,
-               { [this](FileDescriptor accepted, const QHostAddress &peer) {
-                    accept(std::move(accepted), peer);
-                },
-                 [this] { return closeIdle(); } })
+    , listener(
+          setup->poller,
+          { [this](FileDescriptor accepted, const QHostAddress &peer, const QHostAddress &reached) {
+               accept(std::move(accepted), peer, reached);
+           },
+            [this] { return closeIdle(); } })
     , connectionEnded([this](Connection *connection) { forget(connection); })
 {
     ++profile->useCount;
@@ -166,7 +168,8 @@ void WebServer::warn(const QString &text) const
 
 // --- connections --------------------------------------------------------------------------------
 
-void WebServer::accept(FileDescriptor accepted, const QHostAddress &peer)
+void WebServer::accept(FileDescriptor accepted, const QHostAddress &peer,
+                       const QHostAddress &reached)
 {
     if (service.traffic.isBlocked()) {
         // Neither answered nor closed, so that the peer waits; but not for ever.
@@ -175,7 +178,9 @@ void WebServer::accept(FileDescriptor accepted, const QHostAddress &peer)
     }
     if (setup->peers->isFull())
         closeIdle();
-    PeerCount::Ticket place = setup->peers->admit(peer);
+    PeerCount::Ticket place = isTrustedProxy(peer, *service.profile)
+        ? setup->peers->admitUncounted()
+        : setup->peers->admit(peer, reached);
     if (!place.isValid())
         return;
     auto connection = std::make_unique<Connection>(makeSocket(std::move(accepted), peer),

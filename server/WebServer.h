@@ -86,7 +86,7 @@ private:
     void openShare();
     void loadKeys(const Profile *profile);
     void warn(const QString &text) const;
-    void accept(FileDescriptor accepted, const QHostAddress &peer);
+    void accept(FileDescriptor accepted, const QHostAddress &peer, const QHostAddress &reached);
     std::unique_ptr<Socket> makeSocket(FileDescriptor accepted, const QHostAddress &peer);
     bool closeIdle();
     void forget(Connection *connection);

@@ -2,22 +2,12 @@
 
 #include "config/Profile.h"
 #include "config/ProfileText.h"
+#include "server/TrustedProxy.h"
 #include "standard/http/Request.h"
-
-#include <algorithm>
 
 namespace standard {
 
 namespace {
-
-bool isTrusted(const QHostAddress &address, const ProfileValues &profile)
-{
-    return std::any_of(profile.trustedProxies.begin(), profile.trustedProxies.end(),
-                       [&address](const QString &named) {
-                           return address.isEqual(QHostAddress(named),
-                                                  QHostAddress::ConvertV4MappedToIPv4);
-                       });
-}
 
 /// "192.0.2.1", "192.0.2.1:80", "2001:db8::1", "[2001:db8::1]:80"; null for anything else.
 QHostAddress addressOf(const QByteArray &item)
@@ -42,7 +32,7 @@ QHostAddress visitorOf(const Request &request, const QHostAddress &peer,
         if (before.isNull())
             break;
         visitor = before;
-        if (!isTrusted(visitor, profile))
+        if (!isTrustedProxy(visitor, profile))
             break;
     }
     return visitor;
@@ -91,7 +81,7 @@ Forwarded takeForwarded(Request &request, const QHostAddress &peer, const Profil
 {
     Forwarded found;
     found.visitor = peer;
-    if (!isTrusted(peer, profile))
+    if (!isTrustedProxy(peer, profile))
         return found;
     found.visitor = visitorOf(request, peer, profile);
     found.authority = authorityOf(request);

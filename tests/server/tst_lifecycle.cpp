@@ -82,6 +82,8 @@ private Q_SLOTS:
     void goesOnWhenDescriptorsRunOut();
     void endsWhoKeepsItWaiting();
     void takesSoManyOfEachPeer();
+    void countsIPv6ByNetworks_data();
+    void countsIPv6ByNetworks();
     void stopsAtTheTrafficLimit();
     void stopsListeningButServesOn();
     void dropsConnectionsAtAnyMoment();
@@ -330,6 +332,37 @@ void TestLifecycle::takesSoManyOfEachPeer()
     clients.pop_front();
     QTRY_COMPARE(live->server->connectionCount(), most - 1);
     QVERIFY(!RawClient(live->port(), peer).exchange(request).head.isEmpty());
+
+    // A proxy stands for many.
+    live->profile->trustedProxies = QStringList{ peer.toString() };
+    clients.clear();
+    for (int i = 0; i < most + 6; ++i)
+        clients.emplace_back(live->port(), peer);
+    QTRY_COMPARE(live->server->connectionCount(), most + 6);
+}
+
+void TestLifecycle::countsIPv6ByNetworks_data()
+{
+    QTest::addColumn<QString>("peer");
+    QTest::addColumn<bool>("isAnother"); ///< than the peer whose last bit differs
+    QTest::newRow("somebody's network") << "2001:db8:1::" << false;
+    QTest::newRow("our network") << "2001:db8:2::" << true;
+    QTest::newRow("the link") << "fe80::" << true;
+    QTest::newRow("IPv4 written as IPv6") << "::ffff:192.0.2." << true;
+}
+
+void TestLifecycle::countsIPv6ByNetworks()
+{
+    QFETCH(const QString, peer);
+    const QHostAddress reached(QStringLiteral("2001:db8:2::9"));
+    PeerCount count(1000);
+    std::vector<PeerCount::Ticket> taken;
+    const auto takes = [&](const QString &address) {
+        taken.push_back(count.admit(QHostAddress(address), reached));
+        return taken.back().isValid();
+    };
+    while (takes(peer + QLatin1Char('2'))) { }
+    QTEST(takes(peer + QLatin1Char('3')), "isAnother");
 }
 
 void TestLifecycle::stopsAtTheTrafficLimit()
