@@ -72,6 +72,7 @@ public:
     quint16 localPort() const override { return 8080; }
 
 private:
+    int descriptor() const override { return -1; }
     bool mayReceive() const override { return !arrived.isEmpty(); }
 
     qint64 receive(char *data, qint64 max) override

@@ -11,7 +11,9 @@
 namespace {
 
 constexpr int pendingHandshakes = 512; ///< TCP connections that the system holds for us
-constexpr unsigned vanishedAfter = 60000; ///< ms in which a peer acknowledges nothing
+// In ms. Ends a peer that acknowledges nothing, and one that acknowledges but makes no room for
+// more: a player at rest, say, which asks again for the rest.
+constexpr unsigned stalledFor = 60000;
 constexpr int batch = 64; ///< clients accepted before others get their turn
 
 bool isOutOfDescriptors(int error)
@@ -52,7 +54,7 @@ bool Listener::listen(const QHostAddress &address, quint16 port)
     // The system hands it on to every accepted descriptor: replies are put together here.
     const int on = 1;
     ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
-    ::setsockopt(fd, IPPROTO_TCP, TCP_USER_TIMEOUT, &vanishedAfter, sizeof vanishedAfter);
+    ::setsockopt(fd, IPPROTO_TCP, TCP_USER_TIMEOUT, &stalledFor, sizeof stalledFor);
     paused = false;
     return poller->watch(fd, this);
 }

@@ -38,6 +38,7 @@ private:
     };
 
     void ready(quint32 events) override;
+    int descriptor() const override { return fd.get(); }
     bool mayReceive() const override { return inputWaits; }
     qint64 receive(char *data, qint64 max) override;
     bool send(const QByteArray &bytes, bool more) override;

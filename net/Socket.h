@@ -58,6 +58,10 @@ public:
 
     qint64 received() const { return m_received; } ///< bytes so far
 
+    /// Bytes that came and that the peer has, together. Asks the system, which tells of room to
+    /// write only once a third of its buffer is free: a slow peer takes minutes for that.
+    qint64 exchanged() const;
+
     /// What was read comes once more, before anything else.
     void putBack(const QByteArray &bytes) { unread.prepend(bytes); }
 
@@ -65,8 +69,10 @@ public:
     /// further bytes follow at once.
     void write(const QByteArray &bytes, bool more)
     {
-        if (!account->isBlocked() && send(bytes, more))
-            account->addSent(bytes.size());
+        if (account->isBlocked() || !send(bytes, more))
+            return;
+        account->addSent(bytes.size());
+        m_sent += bytes.size();
     }
 
     /// Sends up to `count` bytes of the file `fd` from `offset` on. Gives how many were taken,
@@ -78,8 +84,10 @@ public:
             return -1;
         const qint64 step = account->limit() > 0 ? limitedStep : count;
         const qint64 taken = send(fd, offset, step < count ? step : count);
-        if (taken > 0)
+        if (taken > 0) {
             account->addSent(taken);
+            m_sent += taken;
+        }
         return taken;
     }
 
@@ -129,6 +137,8 @@ private:
         return size;
     }
 
+    /// Of the connection, to ask the system about it; negative when there is none.
+    virtual int descriptor() const = 0;
     virtual bool mayReceive() const = 0;
     virtual qint64 receive(char *data, qint64 max) = 0;
     /// False when the connection is over.
@@ -137,6 +147,7 @@ private:
 
     TrafficAccount *account;
     qint64 m_received = 0;
+    qint64 m_sent = 0; ///< bytes, or queued
     QByteArray unread; ///< was put back
 
     Q_DISABLE_COPY(Socket)

@@ -35,6 +35,7 @@ public:
     quint16 localPort() const override { return socket.localPort(); }
 
 private:
+    int descriptor() const override { return int(socket.socketDescriptor()); }
     bool mayReceive() const override { return ended || socket.bytesAvailable() > 0; }
     qint64 receive(char *data, qint64 max) override;
     bool send(const QByteArray &bytes, bool more) override;

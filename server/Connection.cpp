@@ -50,6 +50,7 @@ void Connection::noteWait(Clock::time_point now)
         return;
     awaits = seen;
     awaitsSince = now;
+    lastLook.reset();
 }
 
 /// When what the face waits for will have taken too long.
@@ -64,9 +65,9 @@ Connection::Clock::time_point Connection::deadline() const
         return awaitsSince + deadlines::head
             + std::chrono::seconds((m_socket->received() - receivedBefore) / deadlines::headRate);
     case Awaits::Body:
-        return activeAt + deadlines::body;
+        return lastLook ? lastLook->at + deadlines::body : awaitsSince;
     case Awaits::Drain:
-        return activeAt + deadlines::drain;
+        return lastLook ? lastLook->at + deadlines::drain : awaitsSince;
     case Awaits::Linger:
         return awaitsSince + deadlines::linger;
     case Awaits::Nothing:
@@ -75,10 +76,21 @@ Connection::Clock::time_point Connection::deadline() const
     return Clock::time_point::max();
 }
 
+/// Whether a body moves, by what has gone since the last look.
+bool Connection::goesOn(Clock::time_point now)
+{
+    if (awaits != Awaits::Body && awaits != Awaits::Drain)
+        return false;
+    const Look look{ m_socket->exchanged(), now };
+    const bool moves = !lastLook || look.bytes != lastLook->bytes;
+    lastLook = look;
+    return moves;
+}
+
 void Connection::checkDeadline(Clock::time_point now)
 {
     noteWait(now);
-    if (over || now < deadline())
+    if (over || now < deadline() || goesOn(now))
         return;
     qCDebug(serverLog) << "waited too long for" << m_socket->peerAddress();
     face->expire();

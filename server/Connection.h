@@ -7,6 +7,7 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 
 struct Service;
 
@@ -44,8 +45,16 @@ private:
     void readable() override;
     void writable() override;
     void gone() override;
+    /// What has gone over the connection at some time.
+    struct Look
+    {
+        qint64 bytes = 0; ///< see `Socket::exchanged`
+        Clock::time_point at;
+    };
+
     void noteWait(Clock::time_point now);
     Clock::time_point deadline() const;
+    bool goesOn(Clock::time_point now);
 
     Service &m_service;
     const Ended &ended;
@@ -55,6 +64,7 @@ private:
     Clock::time_point activeAt = Clock::now(); ///< when something last came or went
     Awaits awaits = Awaits::Request; ///< as last seen
     Clock::time_point awaitsSince = activeAt;
+    std::optional<Look> lastLook; ///< while a body goes either way
     qint64 receivedBefore = 0; ///< bytes, before the head that is awaited
     bool noted = false;
     bool over = false;

@@ -81,6 +81,7 @@ private Q_SLOTS:
     void forgetsWhatASlowPeerTook();
     void goesOnWhenDescriptorsRunOut();
     void endsWhoKeepsItWaiting();
+    void waitsWhileABodyMoves();
     void takesSoManyOfEachPeer();
     void countsIPv6ByNetworks_data();
     void countsIPv6ByNetworks();
@@ -314,6 +315,29 @@ void TestLifecycle::endsWhoKeepsItWaiting()
     QVERIFY(!silent.waitForClose(50));
     check(11);
     QVERIFY(silent.waitForClose());
+}
+
+/// However little: the system tells of room only once much of its buffer is free.
+void TestLifecycle::waitsWhileABodyMoves()
+{
+    constexpr int taken = 600000; // too little to be told
+    live->addFile(QStringLiteral("big"), QByteArray(20000000, 'x'));
+    live->start();
+    RawClient player(live->port());
+    player.socket->setReadBufferSize(1);
+    player.send(rawRequest("GET", "/big"));
+    qint64 sent = 0;
+    QTRY_VERIFY(std::exchange(sent, live->server->sentBytes()) == sent && sent > taken);
+    const auto lives = [this](int seconds) {
+        live->server->checkDeadlines(Connection::Clock::now() + std::chrono::seconds(seconds));
+        QTest::qWait(20);
+        return live->server->connectionCount() > 0;
+    };
+    QVERIFY(lives(0) && lives(59));
+    player.socket->setReadBufferSize(taken);
+    QTRY_VERIFY(player.socket->bytesAvailable() == taken);
+    QVERIFY(lives(61) && lives(119));
+    QVERIFY(!lives(123));
 }
 
 void TestLifecycle::takesSoManyOfEachPeer()
