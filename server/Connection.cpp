@@ -5,6 +5,12 @@
 #include "server/Service.h"
 #include "server/StatusSink.h"
 
+namespace {
+
+constexpr qint64 leastOfBody = deadlines::leastRate * deadlines::body.count(); ///< bytes
+
+} // namespace
+
 Connection::Connection(std::unique_ptr<Socket> accepted, PeerCount::Ticket place, Service &service,
                        const Ended &whenEnded)
     : m_service(service)
@@ -63,7 +69,7 @@ Connection::Clock::time_point Connection::deadline() const
         return activeAt + deadlines::idle;
     case Awaits::Head:
         return awaitsSince + deadlines::head
-            + std::chrono::seconds((m_socket->received() - receivedBefore) / deadlines::headRate);
+            + std::chrono::seconds((m_socket->received() - receivedBefore) / deadlines::leastRate);
     case Awaits::Body:
         return lastLook ? lastLook->at + deadlines::body : awaitsSince;
     case Awaits::Drain:
@@ -76,13 +82,14 @@ Connection::Clock::time_point Connection::deadline() const
     return Clock::time_point::max();
 }
 
-/// Whether a body moves, by what has gone since the last look.
+/// Whether enough of a body moves, by what has gone since the last look.
 bool Connection::goesOn(Clock::time_point now)
 {
     if (awaits != Awaits::Body && awaits != Awaits::Drain)
         return false;
     const Look look{ m_socket->exchanged(), now };
-    const bool moves = !lastLook || look.bytes != lastLook->bytes;
+    const qint64 least = awaits == Awaits::Body ? leastOfBody : 1;
+    const bool moves = !lastLook || look.bytes - lastLook->bytes >= least;
     lastLook = look;
     return moves;
 }

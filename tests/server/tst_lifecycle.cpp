@@ -338,6 +338,19 @@ void TestLifecycle::waitsWhileABodyMoves()
     QTRY_VERIFY(player.socket->bytesAvailable() == taken);
     QVERIFY(lives(61) && lives(119));
     QVERIFY(!lives(123));
+
+    for (const bool enough : { false, true }) {
+        RawClient client(live->port());
+        const auto send = [&](const QByteArray &bytes) {
+            const qint64 all = live->server->receivedBytes() + bytes.size();
+            client.send(bytes);
+            QTRY_COMPARE(live->server->receivedBytes(), all);
+        };
+        send("PUT /new HTTP/1.1\r\nContent-Length: 99999\r\n\r\nx");
+        QVERIFY(lives(0));
+        send(QByteArray(enough ? 6000 : 5999, 'x'));
+        QCOMPARE(lives(61), enough);
+    }
 }
 
 void TestLifecycle::takesSoManyOfEachPeer()
