@@ -1,8 +1,8 @@
 #include "net/Poller.h"
 
-#include <algorithm>
 #include <array>
 #include <chrono>
+#include <utility>
 
 #include <sys/epoll.h>
 #include <unistd.h>
@@ -47,19 +47,24 @@ void Poller::forget(int fd, PollTarget *target)
     forget(target);
 }
 
-void Poller::forget(const PollTarget *target)
+void Poller::forget(PollTarget *target)
 {
+    if (target->turn != PollTarget::noTurn)
+        nextTurn[std::size_t(std::exchange(target->turn, PollTarget::noTurn))] = nullptr;
+    // Thousands may end in one turn, and most of them wait for nothing.
+    if (std::exchange(target->reports, 0) == 0)
+        return;
     for (Happening &happening : happenings) {
         if (happening.target == target)
             happening.target = nullptr;
     }
-    nextTurn.erase(std::remove(nextTurn.begin(), nextTurn.end(), target), nextTurn.end());
 }
 
 void Poller::again(PollTarget *target)
 {
-    if (std::find(nextTurn.begin(), nextTurn.end(), target) != nextTurn.end())
+    if (target->turn != PollTarget::noTurn)
         return;
+    target->turn = int(nextTurn.size());
     nextTurn.push_back(target);
     if (!reporting)
         schedule();
@@ -101,20 +106,30 @@ void Poller::serve()
     schedule();
 }
 
+void Poller::remember(PollTarget *target, quint32 events)
+{
+    ++target->reports;
+    happenings.push_back({ target, events });
+}
+
 void Poller::collect()
 {
     std::array<epoll_event, batchSize> events;
     const int count = ::epoll_wait(epoll, events.data(), batchSize, 0);
     for (int i = 0; i < count; ++i) {
         const epoll_event &event = events.at(std::size_t(i));
-        happenings.push_back({ static_cast<PollTarget *>(event.data.ptr), event.events });
+        remember(static_cast<PollTarget *>(event.data.ptr), event.events);
     }
 }
 
 void Poller::takeTurns()
 {
-    for (PollTarget *target : nextTurn)
-        happenings.push_back({ target, 0 });
+    for (PollTarget *target : nextTurn) {
+        if (!target)
+            continue;
+        target->turn = PollTarget::noTurn;
+        remember(target, 0);
+    }
     nextTurn.clear();
 }
 
@@ -124,8 +139,10 @@ void Poller::report()
     while (!happenings.empty()) {
         const Happening happening = happenings.front();
         happenings.pop_front();
-        if (happening.target)
-            happening.target->ready(happening.events);
+        if (!happening.target)
+            continue;
+        --happening.target->reports;
+        happening.target->ready(happening.events);
     }
     reporting = false;
 }

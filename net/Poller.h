@@ -18,6 +18,13 @@ public:
     virtual void ready(quint32 events) = 0;
 
 private:
+    friend class Poller;
+
+    static constexpr int noTurn = -1;
+
+    int turn = noTurn; ///< index in the poller's next turns
+    int reports = 0; ///< that wait for it in the poller
+
     Q_DISABLE_COPY(PollTarget)
 };
 
@@ -40,7 +47,7 @@ public:
     void forget(int fd, PollTarget *target);
 
     /// The same of a target whose descriptor is closed by now.
-    void forget(const PollTarget *target);
+    void forget(PollTarget *target);
 
     /// Gives `target` another turn once the others had theirs.
     void again(PollTarget *target);
@@ -61,6 +68,7 @@ private:
     };
 
     void serve();
+    void remember(PollTarget *target, quint32 events);
     void collect();
     void takeTurns();
     void report();
@@ -69,7 +77,7 @@ private:
     int epoll;
     QSocketNotifier notifier;
     std::deque<Happening> happenings; ///< not yet reported
-    std::vector<PollTarget *> nextTurn;
+    std::vector<PollTarget *> nextTurn; ///< null: it was forgotten meanwhile
     bool reporting = false;
     bool scheduled = false; ///< the next turns are queued in the event loop
     qint64 m_backlog = 0;
