@@ -74,6 +74,12 @@ std::optional<Share> Share::at(const QString &path, const QStringList &hidden)
     return share;
 }
 
+bool Share::isSame(const Share &other) const
+{
+    return rootPath == other.rootPath
+        && isSameEntry(entryFacts(root.get()), entryFacts(other.root.get()));
+}
+
 void Share::setHidden(const QStringList &hiddenFolders)
 {
     hidden = std::make_shared<const HiddenFolders>(hiddenFolders);

@@ -40,6 +40,9 @@ public:
 
     bool isFolder() const { return folder; }
 
+    /// Whether both were opened by the same path and are the same file or folder.
+    bool isSame(const Share &other) const;
+
     /// Opens what `path` names, with the flags of `open` but never to create. Never waits for the
     /// other end of a pipe. Not open, with `errno`, when it can't be.
     FileDescriptor open(const QByteArray &path, int flags, Links links = Links::Followed) const;

@@ -138,9 +138,11 @@ void WebServer::openShare()
 {
     std::optional<Share> opened =
         Share::at(service.shared.absoluteFilePath(), { setup->directories.profiles });
+    // Locks outlive a new port.
+    if (!opened || !service.share || !opened->isSame(*service.share))
+        service.faceState.reset();
     service.share = opened ? std::make_shared<const Share>(std::move(*opened)) : nullptr;
     service.files.clear();
-    service.faceState.reset();
 }
 
 /// Reads key and certificate; when they can't be used together, the status sink is told why.

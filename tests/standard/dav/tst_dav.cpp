@@ -295,9 +295,12 @@ void DavTest::locks()
     QCOMPARE(created.status(), QByteArray("201 Created"));
     QVERIFY(QFileInfo(server.sharePath(QStringLiteral("new"))).isFile());
     QCOMPARE(server.lock("/d").status(), QByteArray("200 OK"));
-    // What is served anew is locked by nobody.
+    // A new port unlocks nothing, but what is served anew is locked by nobody.
     server.server->stop();
     server.start();
+    QCOMPARE(server.lock("/d").status(), QByteArray("423 Locked"));
+    server.server->setShared(server.sharePath(QStringLiteral("d")));
+    server.server->setShared(server.sharePath());
     QCOMPARE(server.lock("/d").status(), QByteArray("200 OK"));
 }
 
