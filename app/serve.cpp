@@ -258,6 +258,12 @@ Profile *storedProfile(Console *console, const Options &options, const Profiles 
         console->error(text("There is no profile of this name: %1").arg(options.profile));
         return nullptr;
     }
+    if (profile->fileState() == Profile::FileState::TextUnreadable) {
+        console->error(text("A file of the profile can't be read: %1 (make it readable, or use "
+                            "--default-profile to serve with the default values)")
+                           .arg(profile->fileInTheWay()));
+        return nullptr;
+    }
     if (!profile->isUsable()) {
         console->error(text("The profile is damaged or can't be read: %1 (restore the file, remove "
                             "%1.sum if you changed the file on purpose, or use "

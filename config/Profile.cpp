@@ -162,7 +162,12 @@ void Profile::readTextFile()
     if (state == TextState::Damaged && setAside(textFile))
         m_textSetAside = textFile;
     else if (state != TextState::Fine && isUsable())
-        m_fileState = FileState::Unreadable;
+        m_fileState = FileState::TextUnreadable;
+}
+
+QString Profile::fileInTheWay() const
+{
+    return m_fileState == FileState::TextUnreadable ? textFileOf(m_fileName) : m_fileName;
 }
 
 bool Profile::isUsable() const
@@ -172,6 +177,8 @@ bool Profile::isUsable() const
 
 bool Profile::save()
 {
+    if (m_fileState == FileState::TextUnreadable)
+        return false;
     const ProfileLock lock(m_fileName);
     const bool inTheWay = !isUsable() && !isMissing(m_fileName);
     if (inTheWay && !setAside(m_fileName))

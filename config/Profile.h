@@ -83,7 +83,8 @@ public:
         Missing, ///< the defaults are what is meant
         Fine,
         Damaged, ///< cut short, changed since it was written, or something else
-        Unreadable ///< it may not be opened
+        Unreadable, ///< it may not be opened
+        TextUnreadable ///< its text file may not be opened; the profile's own file is fine
     };
 
     /// A profile of defaults without a file; default keys are those of `where`.
@@ -101,7 +102,8 @@ public:
     /// Writes the profile whole or not at all, readable by its owner alone, with a checksum in a
     /// file beside it, of its name + ".sum", and the text file. False when one can't be written;
     /// the file then keeps its content. A file that can't be used is first kept beside under its
-    /// name + ".bad".
+    /// name + ".bad"; but nothing is written while the text file can't be read, as its values would
+    /// be lost unseen.
     bool save();
 
     /// Changes values here and in the file, where all others stay as they are: another program of
@@ -110,6 +112,9 @@ public:
     bool amend(const std::function<void(Profile &)> &change);
 
     FileState fileState() const { return m_fileState; }
+
+    /// Which file it is about when the profile can't be used or saved.
+    QString fileInTheWay() const;
 
     /// False while the values are defaults that nobody has chosen, as the file can't be used:
     /// to serve with them might open what was protected.

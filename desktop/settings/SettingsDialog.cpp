@@ -132,7 +132,7 @@ void SettingsDialog::done(int result)
     profile->lastPage = view->currentRow();
     if (!profile->save()) {
         warn(this,
-             tr("Can't write file: ") + profile->fileName() + QLatin1Char('\n')
+             tr("Can't write file: ") + profile->fileInTheWay() + QLatin1Char('\n')
                  + tr("The settings stay in use until the program ends."));
     }
     QDialog::done(result);

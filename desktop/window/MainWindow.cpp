@@ -10,6 +10,7 @@
 #include "desktop/window/RowPanel.h"
 #include "desktop/window/ServerRow.h"
 #include "desktop/window/StartQuestions.h"
+#include "desktop/window/WindowText.h"
 
 #include <QCloseEvent>
 #include <QDesktopServices>
@@ -105,7 +106,9 @@ void MainWindow::startProfiles()
 {
     for (int i = 0; i < profiles->count(); ++i) {
         const Profile *profile = profiles->at(i);
-        if (!profile->isUsable())
+        if (profile->fileState() == Profile::FileState::TextUnreadable)
+            events->msg(unreadableText(), profile->fileInTheWay());
+        else if (!profile->isUsable())
             events->msg(
                 tr("A profile can't be read: its password and users are gone, and nothing is "
                    "served with it until you have looked at its settings and saved them. If you "

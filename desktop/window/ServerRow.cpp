@@ -3,6 +3,7 @@
 #include "config/Profiles.h"
 #include "desktop/Log.h"
 #include "desktop/window/AcceptedFolders.h"
+#include "desktop/window/WindowText.h"
 #include "server/StatusSink.h"
 #include "server/TlsIdentity.h"
 #include "server/Url.h"
@@ -84,6 +85,8 @@ void ServerRow::settle(StartDoubt doubt)
 
 ServerRow::Refusal ServerRow::tryStart()
 {
+    if (profile()->fileState() == Profile::FileState::TextUnreadable)
+        return { unreadableText(), profile()->fileInTheWay() };
     if (!profile()->isUsable())
         return { tr("The profile can't be used until its settings are saved"),
                  profile()->fileName() };

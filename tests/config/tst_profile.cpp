@@ -252,6 +252,17 @@ void TestProfile::keepsMoreValuesAsText()
         QCOMPARE(home->profileBytes(file + QLatin1String(".bad")), bytes);
         QVERIFY(Profile(home->directories, name).textSetAside().isEmpty());
     }
+    // Nothing is lost or opened while it can't be read; a folder can't be by anyone.
+    const QByteArray whole = home->profileBytes(name);
+    QVERIFY(QDir(home->directories.profiles).mkdir(file));
+    Profile locked(home->directories, name);
+    QCOMPARE(locked.fileState(), Profile::FileState::TextUnreadable);
+    QCOMPARE(locked.fileInTheWay(), home->directories.profiles + file);
+    locked.port = 81;
+    QVERIFY(!locked.save() && !locked.isUsable());
+    QCOMPARE(home->profileBytes(name), whole);
+    QVERIFY(QDir(home->directories.profiles).rmdir(file));
+
     QVERIFY(work.remove());
     QVERIFY(!QFile::exists(home->directories.profiles + file));
 }

@@ -537,6 +537,10 @@
         <translation>Can&apos;t save the settings</translation>
     </message>
     <message>
+        <source>A file of a profile can&apos;t be read, and nothing is served with it. Make it readable, and start again.</source>
+        <translation>A file of a profile can&apos;t be read, and nothing is served with it. Make it readable, and start again.</translation>
+    </message>
+    <message>
         <source>Some values of a profile could not be read. The defaults are used for them; the file is kept as %1</source>
         <translation>Some values of a profile could not be read. The defaults are used for them; the file is kept as %1</translation>
     </message>

@@ -537,6 +537,10 @@
         <translation>Die Einstellungen können nicht gespeichert werden</translation>
     </message>
     <message>
+        <source>A file of a profile can&apos;t be read, and nothing is served with it. Make it readable, and start again.</source>
+        <translation>Eine Datei eines Profils ist nicht lesbar; nichts wird damit freigegeben. Machen Sie sie lesbar, und starten Sie neu.</translation>
+    </message>
+    <message>
         <source>Some values of a profile could not be read. The defaults are used for them; the file is kept as %1</source>
         <translation>Einige Werte eines Profils sind nicht lesbar. Für sie gelten die Vorgaben; die Datei bleibt erhalten als %1</translation>
     </message>

@@ -537,6 +537,10 @@
         <translation>No se pueden guardar los ajustes</translation>
     </message>
     <message>
+        <source>A file of a profile can&apos;t be read, and nothing is served with it. Make it readable, and start again.</source>
+        <translation>Un archivo de un perfil no se puede leer, y nada se comparte con él. Hágalo legible y vuelva a iniciar.</translation>
+    </message>
+    <message>
         <source>Some values of a profile could not be read. The defaults are used for them; the file is kept as %1</source>
         <translation>Algunos valores de un perfil no se pueden leer. Se usan los predeterminados; el archivo se conserva como %1</translation>
     </message>

@@ -537,6 +537,10 @@
         <translation>Impossible d’enregistrer les paramètres</translation>
     </message>
     <message>
+        <source>A file of a profile can&apos;t be read, and nothing is served with it. Make it readable, and start again.</source>
+        <translation>Un fichier d’un profil est illisible, et rien n’est partagé avec lui. Rendez-le lisible, puis redémarrez.</translation>
+    </message>
+    <message>
         <source>Some values of a profile could not be read. The defaults are used for them; the file is kept as %1</source>
         <translation>Certaines valeurs d’un profil sont illisibles. Les valeurs par défaut les remplacent ; le fichier est conservé sous %1</translation>
     </message>
