@@ -150,6 +150,8 @@ void EntryCopy::startFile(OpenFile file, Place to, const QByteArray &path)
 void EntryCopy::finishFile()
 {
     const DiskError error = copy->error();
+    if (levels.empty())
+        held = copy->takeMade();
     copy.reset();
     if (error != DiskError::None)
         fail(copying, error);
@@ -167,7 +169,8 @@ void EntryCopy::enter(FolderReader source, const Place &to, const QByteArray &pa
     const EntryFacts facts = openFacts(source.descriptor());
     if (levels.empty()) {
         made = openFacts(opened.get());
-        ::flock(opened.get(), LOCK_SH | LOCK_NB); // in use, for `LeftoverSweep`
+        held = duplicate(opened.get());
+        ::flock(held.get(), LOCK_SH | LOCK_NB);
     }
     levels.push_back({ path, std::move(source), std::move(opened), facts });
 }

@@ -17,7 +17,7 @@
 /// Copies what a path names, a file or a folder with all it holds, to a place where nothing may
 /// stand, with permissions, times and extended attributes. Links are followed. What can't be copied
 /// is left out, as are files that are being received; a full disk ends it. Broken off or ended so,
-/// it leaves what it has made.
+/// it leaves what it has made, locked so that no sweep takes it for abandoned.
 class EntryCopy final : public DiskJob
 {
 public:
@@ -40,6 +40,9 @@ public:
 
     bool run(const Budget &until) override;
     void abandon() override;
+
+    /// What was made has found its place, where others may lock it.
+    void unlock() { held.reset(); }
 
     /// What is not there in the copy: the first hundred. None when it is whole.
     const std::vector<Failure> &failures() const { return failed; }
@@ -74,6 +77,7 @@ private:
     const Depth depth;
     std::vector<Level> levels; ///< from the top to the current one
     EntryFacts made; ///< the copy of the top folder
+    FileDescriptor held; ///< the copy of the top, locked
     std::unique_ptr<FileCopy> copy; ///< under way
     QByteArray copying; ///< its path
     std::shared_ptr<CopiedEntries> list; ///< null: nobody asks for it

@@ -107,7 +107,7 @@ bool FileCopy::end()
         return true;
     if (withProperties)
         copyProperties(source.descriptor.get(), upload.descriptor());
-    made = openFacts(upload.descriptor());
+    made = duplicate(upload.descriptor());
     upload.run(Budget::ofWorker(upload.cancelFlag()));
     result = upload.error();
     state = State::Ended;
@@ -117,7 +117,7 @@ bool FileCopy::end()
 void FileCopy::undo()
 {
     const Place &place = upload.place();
-    if (result == DiskError::None && made.exists
-        && isSameEntry(made, entryFacts(place.folder.get(), place.name.constData())))
+    const EntryFacts there = entryFacts(place.folder.get(), place.name.constData());
+    if (result == DiskError::None && isSameEntry(openFacts(made.get()), there))
         ::unlinkat(place.folder.get(), place.name.constData(), 0);
 }

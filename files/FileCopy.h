@@ -5,6 +5,8 @@
 #include "files/Share.h"
 #include "files/UploadFile.h"
 
+#include <utility>
+
 /// Copies one regular file, content and permissions, into a place that it takes when it is whole.
 /// Not beyond the size that the file has at first: it may be growing. Broken off or failed, it
 /// leaves nothing.
@@ -31,6 +33,9 @@ public:
     /// The file it copies, and what that was when the copy began.
     const OpenFile &copied() const { return source; }
 
+    /// The copy, open and locked: no sweep takes a hidden one away while somebody has this.
+    FileDescriptor takeMade() { return std::move(made); }
+
     /// Removes the copy that was made, unless something else has its name by now.
     void undo();
 
@@ -51,7 +56,7 @@ private:
     qint64 offset = 0;
     bool withProperties = false;
     bool byRange = true; ///< within the kernel, as long as it can
-    EntryFacts made; ///< the copy
+    FileDescriptor made; ///< the copy
     State state = State::Idle;
     DiskError result = DiskError::None;
 };

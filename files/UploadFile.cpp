@@ -85,20 +85,22 @@ DiskError UploadFile::begin(mode_t mode)
     if (!reservation)
         return DiskError::Locked;
     file.reset(::openat(target.folder.get(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, mode));
-    if (file.isOpen() || openHidden(mode))
-        return DiskError::None;
-    return diskError(errno);
+    if (!file.isOpen() && !openHidden(mode))
+        return diskError(errno);
+    // Whatever its time will be: a hidden name, for a moment or to the end, is in use by this.
+    lock(file.get());
+    return DiskError::None;
 }
 
 bool UploadFile::openHidden(mode_t mode)
 {
-    sweeps = true;
+    sweeps = !isHiddenUpload(target.name.constData()); // that one is up to its maker
     for (int attempt = 0; attempt < nameAttempts; ++attempt) {
         hiddenName = hiddenUploadName();
         file.reset(::openat(target.folder.get(), hiddenName.constData(),
                             O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, mode));
         if (file.isOpen())
-            return lock(file.get());
+            return true;
         if (errno != EEXIST)
             break;
     }

@@ -74,9 +74,11 @@ int PlacedCopy::takePlace()
 {
     const Place made = beside(target, madeName);
     const int error = replacing ? renameReplacing(made, target, old) : renameNew(made, target);
-    if (error == 0)
-        state = State::Placed;
-    return error;
+    if (error != 0)
+        return error;
+    state = State::Placed;
+    copy.unlock();
+    return 0;
 }
 
 Place PlacedCopy::leftover()

@@ -111,6 +111,10 @@ void FileSystemsTest::changesEverything(const LiveServer &server)
         return replyTo(server, method, target, QByteArray("Destination: ") + to + "\r\n").status();
     };
     QVERIFY(status("MOVE", "/b", "/B").startsWith("20"));
+    // An old file is not taken for an abandoned one while it is copied.
+    QCOMPARE(status("COPY", "/B", "/c"), QByteArray("201 Created"));
+    QCOMPARE(status("COPY", "/c", "/B"), QByteArray("204 No Content"));
+    QCOMPARE(server.fileContent(QStringLiteral("c")), QByteArray("b"));
     QCOMPARE(status("COPY", "/a", "/B"), QByteArray("204 No Content"));
     QCOMPARE(server.fileContent(QStringLiteral("B")), QByteArray("xy"));
     QVERIFY(!QDir(server.share.path()).entryList().contains(QStringLiteral("b")));

@@ -1,7 +1,9 @@
 #include "tests/files/Disk.h"
 
 #include "files/DiskWorker.h"
+#include "files/EntryCopy.h"
 #include "files/FileMove.h"
+#include "files/HiddenUploads.h"
 #include "files/ListingCache.h"
 #include "files/Rename.h"
 #include "files/TreeCopy.h"
@@ -31,6 +33,12 @@ QByteArray listed(const Disk &disk, ListingShape shape)
     for (qint64 i = 0; i < listing.count(); ++i)
         names += listing.at(i).name + ' ';
     return names;
+}
+
+void setOld(const Disk &disk, const QByteArray &name)
+{
+    const timespec old[] = { { 1000000, 0 }, { 1000000, 0 } };
+    ::utimensat(AT_FDCWD, disk.native(name).constData(), old, 0);
 }
 
 /// 100 000 with names of one length.
@@ -74,6 +82,7 @@ private Q_SLOTS:
     void carefulUploadGivesWay();
     void fullDisk();
     void movedFileIsWhole();
+    void copyIsHeldUntilItIsPlaced();
     void treeIsCopiedOnce();
     void listingOrders();
     void largeFolderLeavesTheLoopFree();
@@ -104,8 +113,7 @@ void FilesTest::brokenOffLeavesNothing() const
     disk.write("folder/a");
     disk.write(".receiving-young");
     disk.write(".receiving-dead");
-    const timespec old[] = { { 1000000, 0 }, { 1000000, 0 } };
-    ::utimensat(AT_FDCWD, disk.native(".receiving-dead").constData(), old, 0);
+    setOld(disk, ".receiving-dead");
     for (const bool cancelled : { false, true, false }) {
         UploadFile upload;
         QCOMPARE(upload.create(disk.place("new")), DiskError::None);
@@ -208,6 +216,22 @@ void FilesTest::movedFileIsWhole()
         QCOMPARE(move.error(), meanwhile.isEmpty() ? DiskError::None : DiskError::Changed);
         QCOMPARE(disk.exists("old"), !meanwhile.isEmpty());
         QCOMPARE(other.names(), QLatin1String(meanwhile.isEmpty() ? "new" : ""));
+    }
+}
+
+void FilesTest::copyIsHeldUntilItIsPlaced()
+{
+    const Disk disk;
+    disk.write("old", "content");
+    setOld(disk, "old");
+    const QByteArray made = hiddenUploadName();
+    const auto share = std::make_shared<const Share>(disk.share());
+    EntryCopy copy(share, "old", share->place(made), EntryCopy::Depth::Whole);
+    runToEnd(copy);
+    for (const bool held : { true, false }) {
+        sweepHiddenUploads(share->place(made).folder.get());
+        QCOMPARE(disk.read(made), QByteArray(held ? "content" : ""));
+        copy.unlock();
     }
 }
 
