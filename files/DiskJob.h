@@ -3,6 +3,7 @@
 #include <atomic>
 #include <chrono>
 #include <cstddef>
+#include <memory>
 
 /// How long a job may go on now. Given by whoever runs it; a value for one call.
 class Budget
@@ -57,6 +58,9 @@ public:
     /// Frees what a cancelled job holds. Called on a worker's thread, where it keeps nobody
     /// waiting.
     virtual void abandon() { }
+
+    /// What is to be done when it is finished and nobody waits any more; null for nothing.
+    virtual std::shared_ptr<DiskJob> rest() { return {}; }
 
     /// Ends the work at its next step; what was begun is left or undone as the job documents.
     /// For any thread.

@@ -49,6 +49,8 @@ void DiskWorker::runAside(std::shared_ptr<DiskJob> job, QObject *context, Done d
 
 void DiskWorker::finish(const Task &task)
 {
+    if (std::shared_ptr<DiskJob> rest = task.job->rest())
+        runAside(std::move(rest), nullptr, {});
     if (task.done && task.context && !task.job->isCancelled())
         task.done();
 }

@@ -48,7 +48,7 @@ private:
         Done done;
     };
 
-    static void finish(const Task &task);
+    void finish(const Task &task);
     void enqueue(Task task);
     void work();
     DiskJob *takeWaiting();

@@ -1,30 +1,18 @@
 #include "files/HiddenUploads.h"
 
-#include "files/FolderReader.h"
-
+#include <QCryptographicHash>
+#include <QList>
 #include <QRandomGenerator>
 
 #include <algorithm>
 #include <climits>
 #include <cstring>
-#include <ctime>
-
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
 
 namespace {
 
 constexpr auto hiddenPrefix = ".receiving-";
 constexpr int randomDigits = 6;
-constexpr qint64 staleSeconds = qint64(24) * 60 * 60;
-
-bool isUnused(int folder, const char *name)
-{
-    const FileDescriptor file(
-        ::openat(folder, name, O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-    return file.isOpen() && ::flock(file.get(), LOCK_EX | LOCK_NB) == 0;
-}
+constexpr int checkDigits = 6;
 
 QByteArray randomText()
 {
@@ -33,6 +21,13 @@ QByteArray randomText()
     for (int i = 0; i < randomDigits; ++i)
         text += digits[QRandomGenerator::global()->bounded(int(sizeof digits) - 1)];
     return text;
+}
+
+QByteArray checkOf(const QByteArray &random)
+{
+    return QCryptographicHash::hash(hiddenPrefix + random, QCryptographicHash::Sha1)
+        .toHex()
+        .left(checkDigits);
 }
 
 /// Not within a character of UTF-8.
@@ -50,39 +45,31 @@ QByteArray shortened(QByteArray name, int most)
 
 QByteArray hiddenUploadName()
 {
-    return hiddenPrefix + randomText();
+    const QByteArray random = randomText();
+    return hiddenPrefix + random + checkOf(random);
 }
 
 bool isHiddenUpload(const char *name)
 {
-    return std::strncmp(name, hiddenPrefix, std::strlen(hiddenPrefix)) == 0;
+    const std::size_t begin = std::strlen(hiddenPrefix);
+    if (std::strncmp(name, hiddenPrefix, begin) != 0)
+        return false;
+    const QByteArray digits(name + begin);
+    return digits.size() == randomDigits + checkDigits
+        && digits.endsWith(checkOf(digits.left(randomDigits)));
 }
 
 bool namesHiddenUpload(const QByteArray &path)
 {
-    return isHiddenUpload(path.constData()) || path.contains(QByteArray("/") + hiddenPrefix);
+    if (!path.contains(hiddenPrefix))
+        return false;
+    const QList<QByteArray> names = path.split('/');
+    return std::any_of(names.begin(), names.end(),
+                       [](const QByteArray &name) { return isHiddenUpload(name.constData()); });
 }
 
 QByteArray asideName(const QByteArray &name)
 {
     const QByteArray end = ".replaced-" + randomText();
     return shortened(name, NAME_MAX - int(end.size())) + end;
-}
-
-void sweepHiddenUploads(int folder)
-{
-    FileDescriptor open(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!open.isOpen())
-        return;
-    FolderReader reader(std::move(open));
-    FolderReader::Item item;
-    while (reader.next(item)) {
-        if (!isHiddenUpload(item.name))
-            continue;
-        const EntryFacts facts = reader.facts(item);
-        const bool stale =
-            facts.file && !facts.link && facts.seconds < ::time(nullptr) - staleSeconds;
-        if (stale && isUnused(reader.descriptor(), item.name))
-            ::unlinkat(reader.descriptor(), item.name, 0);
-    }
 }

@@ -3,10 +3,10 @@
 #include <QByteArray>
 
 /// The name of a file that is being received, where the file system knows no files without names:
-/// another one at each call.
+/// another one at each call. It tells whose it is: its last digits follow from those before.
 QByteArray hiddenUploadName();
 
-/// Whether it is such a name.
+/// Whether it is such a name, and no other one that begins alike.
 bool isHiddenUpload(const char *name);
 
 /// Whether a clean path leads through such a name.
@@ -16,7 +16,3 @@ bool namesHiddenUpload(const QByteArray &path);
 /// it is ever swept away, and everybody sees it: it may be all that is left when the program is
 /// killed in that moment.
 QByteArray asideName(const QByteArray &name);
-
-/// Removes the files that uploads left in a folder when they were killed: those with such a name,
-/// a day old and in nobody's use. `folder` may be a mere place (`O_PATH`).
-void sweepHiddenUploads(int folder);

@@ -1,31 +1,75 @@
 #include "files/LeftoverSweep.h"
 
 #include "files/Entry.h"
-#include "files/FolderReader.h"
 #include "files/HiddenUploads.h"
 
 #include <algorithm>
 #include <ctime>
+#include <map>
+#include <mutex>
 #include <utility>
 
 #include <fcntl.h>
 #include <sys/file.h>
+#include <unistd.h>
+
+using namespace std::chrono_literals;
 
 namespace {
 
-/// A copy that is being made is locked.
-bool isAbandoned(int folder, const char *name)
+using SweepClock = std::chrono::steady_clock;
+
+constexpr std::chrono::seconds usualAge = 24h;
+constexpr auto pause = 1h;
+constexpr std::size_t maxFolders = 4096;
+
+/// Of the whole process, like the folders themselves.
+struct Swept
 {
-    const FileDescriptor open(
-        ::openat(folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
-    return open.isOpen() && ::flock(open.get(), LOCK_EX | LOCK_NB) == 0;
+    std::mutex mutex; ///< guards `folders`
+    std::map<std::pair<dev_t, ino_t>, SweepClock::time_point> folders;
+};
+
+/// Whether it is time to sweep a folder; if so it counts as swept.
+bool isDue(const EntryFacts &folder)
+{
+    static Swept swept;
+    const auto now = SweepClock::now();
+    const std::lock_guard<std::mutex> lock(swept.mutex);
+    if (swept.folders.size() == maxFolders)
+        swept.folders.clear();
+    const auto [at, isNew] = swept.folders.emplace(std::pair(folder.device, folder.inode), now);
+    if (!isNew && now - at->second < pause)
+        return false;
+    at->second = now;
+    return true;
+}
+
+/// Opens what is in nobody's use. For writing where it can be: NFS locks nothing else so.
+FileDescriptor openUnused(int folder, const char *name)
+{
+    constexpr int flags = O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    FileDescriptor open(::openat(folder, name, O_RDWR | flags));
+    if (!open.isOpen())
+        open.reset(::openat(folder, name, O_RDONLY | flags));
+    if (::flock(open.get(), LOCK_EX | LOCK_NB) != 0)
+        open.reset();
+    return open;
 }
 
 } // namespace
 
+LeftoverSweep::LeftoverSweep(Place anyBeside)
+    : place(std::move(anyBeside))
+    , age(usualAge)
+    , hourly(true)
+{
+}
+
 LeftoverSweep::LeftoverSweep(Place anyBeside, std::chrono::seconds leastAge)
     : place(std::move(anyBeside))
     , age(leastAge)
+    , hourly(false)
 {
 }
 
@@ -33,38 +77,55 @@ bool LeftoverSweep::run(const Budget &until)
 {
     if (!until.mayBlock())
         return false;
-    if (!std::exchange(looked, true))
-        look();
-    while (removal || !names.empty()) {
-        if (!removal) {
-            removal = std::make_unique<TreeRemoval>(beside(place, names.back()));
-            names.pop_back();
-        }
-        if (!removal->run(until))
-            return false;
-        removal.reset();
+    if (!std::exchange(begun, true))
+        begin();
+    while (reader || removal) {
         if (until.isUsedUp())
-            return names.empty() || until.isCancelled();
+            return until.isCancelled();
+        step(until);
     }
     return true;
 }
 
-/// Being renamed changes what is told as the last change of anything.
-void LeftoverSweep::look()
+void LeftoverSweep::abandon()
 {
-    FileDescriptor open(::openat(place.folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (!open.isOpen())
-        return;
-    const qint64 latest = ::time(nullptr) - age.count();
-    FolderReader reader(std::move(open));
+    reader.reset();
+    removal.reset();
+}
+
+void LeftoverSweep::begin()
+{
+    FileDescriptor folder(::openat(place.folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    if (folder.isOpen() && (!hourly || isDue(openFacts(folder.get()))))
+        reader.emplace(std::move(folder));
+}
+
+void LeftoverSweep::step(const Budget &until)
+{
     FolderReader::Item item;
-    while (reader.next(item)) {
-        if (!isHiddenUpload(item.name))
-            continue;
-        const EntryFacts facts = reader.facts(item);
-        const bool stale =
-            facts.folder && !facts.link && std::max(facts.seconds, facts.changeSeconds) <= latest;
-        if (stale && isAbandoned(reader.descriptor(), item.name))
-            names.emplace_back(item.name);
+    if (removal) {
+        if (removal->run(until))
+            removal.reset();
+    } else if (!reader->next(item)) {
+        reader.reset();
+    } else if (isHiddenUpload(item.name)) {
+        take(item);
     }
+}
+
+/// Being renamed changes what is told as the last change of anything.
+void LeftoverSweep::take(const FolderReader::Item &item)
+{
+    const EntryFacts facts = reader->facts(item);
+    const qint64 changed =
+        facts.folder ? std::max(facts.seconds, facts.changeSeconds) : facts.seconds;
+    if (facts.link || (!facts.file && !facts.folder) || changed > ::time(nullptr) - age.count())
+        return;
+    const FileDescriptor unused = openUnused(reader->descriptor(), item.name);
+    if (!unused.isOpen())
+        return;
+    if (facts.folder)
+        removal = std::make_unique<TreeRemoval>(beside(place, item.name));
+    else
+        ::unlinkat(reader->descriptor(), item.name, 0);
 }

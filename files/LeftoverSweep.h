@@ -1,33 +1,38 @@
 #pragma once
 
 #include "files/DiskJob.h"
+#include "files/FolderReader.h"
 #include "files/Place.h"
 #include "files/TreeRemoval.h"
 
-#include <QByteArray>
-
 #include <chrono>
 #include <memory>
-#include <vector>
+#include <optional>
 
-/// Removes the folders with a hidden upload's name that stand beside a place: unfinished copies,
-/// and trees that were replaced or are half removed, of programs that were killed. Those that are
-/// younger than a day or in use stay.
+/// Removes what has a hidden upload's name beside a place: files and copies that were being made,
+/// and trees that were replaced or are half removed, by programs that were killed. What is younger
+/// than a day, in use or locked in a way that can't be told stays.
 class LeftoverSweep final : public DiskJob
 {
 public:
-    static constexpr std::chrono::seconds usualAge{ 24 * 60 * 60 };
+    /// Does nothing when this program has swept there within the hour.
+    explicit LeftoverSweep(Place anyBeside);
 
-    explicit LeftoverSweep(Place anyBeside, std::chrono::seconds leastAge = usualAge);
+    /// In any case, whatever is of that age.
+    LeftoverSweep(Place anyBeside, std::chrono::seconds leastAge);
 
     bool run(const Budget &until) override;
+    void abandon() override;
 
 private:
-    void look();
+    void begin();
+    void step(const Budget &until);
+    void take(const FolderReader::Item &item);
 
-    Place place;
-    std::chrono::seconds age;
-    bool looked = false;
-    std::vector<QByteArray> names;
+    const Place place;
+    const std::chrono::seconds age;
+    const bool hourly;
+    bool begun = false;
+    std::optional<FolderReader> reader; ///< until all was read
     std::unique_ptr<TreeRemoval> removal; ///< under way
 };

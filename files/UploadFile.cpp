@@ -2,6 +2,7 @@
 
 #include "files/Attributes.h"
 #include "files/HiddenUploads.h"
+#include "files/LeftoverSweep.h"
 #include "files/Log.h"
 #include "files/Rename.h"
 
@@ -152,15 +153,20 @@ bool UploadFile::run(const Budget &until)
     if (stage == Stage::Named && sync == Sync::FileAndFolder)
         endWith(syncFolder());
     drop();
-    if (sweeps && target.isValid())
-        sweepHiddenUploads(target.folder.get());
     return true;
+}
+
+std::shared_ptr<DiskJob> UploadFile::rest()
+{
+    if (!sweeps || file.isOpen())
+        return {};
+    return std::make_shared<LeftoverSweep>(beside(target, target.name));
 }
 
 /// Whether what is next takes the disk a while.
 bool UploadFile::waits() const
 {
-    if (discarded || sweeps)
+    if (discarded)
         return true;
     if (stage == Stage::Named)
         return sync == Sync::FileAndFolder || old.size > quicklyFreed;

@@ -10,6 +10,7 @@
 #include <QByteArray>
 #include <QtGlobal>
 
+#include <memory>
 #include <optional>
 
 /// A file that takes its name only when it is whole. Until then it has none at all where the file
@@ -54,6 +55,9 @@ public:
 
     /// Gives the file its name, see `error`.
     bool run(const Budget &until) override;
+
+    /// The sweep of its folder, where uploads that were killed leave files.
+    std::shared_ptr<DiskJob> rest() override;
 
     /// How keeping ended.
     DiskError error() const { return result; }
@@ -103,7 +107,7 @@ private:
     qint64 unsynced = 0; ///< bytes at the end of the file
     qint64 synced = 0; ///< bytes before them
     Sync sync = Sync::File;
-    bool sweeps = false; ///< uploads that were killed leave files in this folder
+    bool sweeps = false; ///< when it is over
     bool discarded = false;
     bool careful = false;
     Stage stage = Stage::Receiving;

@@ -210,7 +210,6 @@ void Transfer::removeReplaced(DiskWorker &worker, Place old)
 {
     if (!old.isValid())
         return;
-    sweep(worker, old);
     worker.run(std::make_shared<TreeRemoval>(std::move(old)), nullptr, {});
 }
 

@@ -303,14 +303,15 @@ void ShareTest::onlyWhatWasCopiedIsRemoved()
     for (const char *name : { "from/a", "from/sub/b", "from/sub/c", "from/whole/d", "out/e" })
         disk.write(name);
     disk.link("from/link", "../out");
-    disk.write("from/.receiving-abc123");
+    const QByteArray hidden = hiddenUploadName();
+    disk.write("from/" + hidden);
     const auto share = std::make_shared<const Share>(disk.share());
     EntryCopy copy(share, "from", disk.place("to"), EntryCopy::Depth::Whole);
     copy.listCopied();
     runToEnd(copy);
     // Nobody would know that it stays.
     QCOMPARE(int(copy.failures().size()), 1);
-    QVERIFY(disk.exists("to/link/e") && !disk.exists("to/.receiving-abc123"));
+    QVERIFY(disk.exists("to/link/e") && !disk.exists("to/" + hidden));
 
     disk.write("from/a", "grown since");
     disk.write("from/sub/new", "since");
@@ -320,7 +321,7 @@ void ShareTest::onlyWhatWasCopiedIsRemoved()
     QVERIFY(!removal.isWhole());
     QCOMPARE(disk.read("from/a") + disk.read("from/sub/new"), QByteArray("grown sincesince"));
     QVERIFY(!disk.exists("from/sub/b") && !disk.exists("from/whole") && !disk.exists("from/link"));
-    QVERIFY(disk.exists("out/e") && disk.exists("from/.receiving-abc123"));
+    QVERIFY(disk.exists("out/e") && disk.exists("from/" + hidden));
 }
 
 void ShareTest::treesAreReplaced_data()
@@ -362,22 +363,26 @@ void ShareTest::treesAreReplaced()
 void ShareTest::leftoversAreSwept()
 {
     const Disk disk;
-    disk.write(".receiving-killed/a/b");
-    disk.write(".receiving-busy/a");
+    const QByteArray killed = hiddenUploadName();
+    const QByteArray half = hiddenUploadName();
+    const QByteArray busy = hiddenUploadName();
+    disk.write(killed + "/a/b");
+    disk.write(half);
+    disk.write(busy + "/a");
     // All that is left of a folder, if the program ended at that moment.
     const QByteArray aside =
         asideName(QByteArray(85, 'x') + QByteArray("\xe2\x82\xac").repeated(56));
     QVERIFY(aside.size() <= 255 && QString::fromUtf8(aside).toUtf8() == aside);
     disk.write(aside + "/a");
-    const FileDescriptor busy(::open(disk.native(".receiving-busy").constData(), O_RDONLY));
-    QCOMPARE(::flock(busy.get(), LOCK_SH), 0);
+    const FileDescriptor inUse(::open(disk.native(busy).constData(), O_RDONLY));
+    QCOMPARE(::flock(inUse.get(), LOCK_SH), 0);
     LeftoverSweep young(disk.place("any"));
     runToEnd(young);
-    QVERIFY(disk.exists(".receiving-killed/a/b"));
+    QVERIFY(disk.exists(killed + "/a/b"));
     LeftoverSweep sweep(disk.place("any"), std::chrono::seconds(0));
     runToEnd(sweep);
-    QVERIFY(!disk.exists(".receiving-killed"));
-    QVERIFY(disk.exists(".receiving-busy/a") && disk.exists(aside + "/a"));
+    QVERIFY(!disk.exists(killed) && !disk.exists(half));
+    QVERIFY(disk.exists(busy + "/a") && disk.exists(aside + "/a"));
 }
 
 QTEST_GUILESS_MAIN(ShareTest)
