@@ -121,6 +121,8 @@ void PropFind::pieceMade()
 
 void PropFind::sendPiece()
 {
+    if (const int error = job->error())
+        return begun ? exchange.breakOff() : exchange.refuse(statusOf(error));
     const QByteArray piece = job->takePiece();
     const bool isLast = job->isAtEnd();
     Fields fields{ { "Content-Type", xmlType } };

@@ -3,9 +3,11 @@
 #include "files/HiddenUploads.h"
 #include "files/Share.h"
 #include "standard/dav/MultiStatus.h"
+#include "standard/http/Resource.h"
 #include "standard/http/Uri.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 
 #include <fcntl.h>
@@ -49,11 +51,17 @@ void PropFindJob::step()
 {
     if (state == State::Begin)
         return begin();
+    if (!folder)
+        return openNext();
     FolderReader::Item item;
-    if (folder && folder->next(item))
+    if (folder->next(item))
         return append(item);
+    const int number = folder->error();
     folder.reset();
-    openNext();
+    if (number == ENOENT) // removed since
+        tell(path, statusOf(number));
+    else if (number != 0)
+        fail(number);
 }
 
 void PropFindJob::begin()
@@ -61,15 +69,15 @@ void PropFindJob::begin()
     text = rootStart("multistatus");
     state = State::Folders;
     DavResource top = subject.top;
+    if (top.facts.folder && subject.depth != Depth::Zero
+        && !enter({ top.path.isEmpty() ? top.path : top.path + '/', nullptr }))
+        return fail(errno);
     const FileDescriptor place = subject.share->open(top.path, O_PATH | O_CLOEXEC);
     top.subject = { systemPathOf(place.get()), top.path };
     top.isAlone = subject.depth == Depth::Zero;
     report.append(text, top);
-    if (top.facts.folder && subject.depth != Depth::Zero)
-        folders.push_back(top.path.isEmpty() ? top.path : top.path + '/');
 }
 
-/// Goes on with the next folder; those that can't be read are told to be empty.
 void PropFindJob::openNext()
 {
     if (folders.empty()) {
@@ -77,16 +85,43 @@ void PropFindJob::openNext()
         state = State::Ended;
         return;
     }
-    path = folders.front();
+    const Pending next = std::move(folders.front());
     folders.pop_front();
-    folder = subject.share->openFolder(path);
+    if (state == State::CutOff)
+        return tell(next.path, Status::InsufficientStorage);
+    if (!enter(next))
+        tell(next.path, statusOf(errno));
+}
+
+/// Begins to read a folder. False, with `errno`, when it can't be.
+bool PropFindJob::enter(const Pending &next)
+{
+    folder = subject.share->openFolder(next.path);
     if (!folder)
-        return;
+        return false;
+    path = next.path;
     url = urlPath(subject.urls, path, false);
     systemPath = systemPathOf(folder->descriptor()) + '/';
     const EntryFacts facts = openFacts(folder->descriptor());
-    if (!entered.emplace(facts.device, facts.inode).second)
-        folder.reset();
+    for (const Ancestor *each = next.above.get(); each; each = each->above.get()) {
+        if (each->device == facts.device && each->inode == facts.inode)
+            folder.reset();
+    }
+    entered = std::make_shared<Ancestor>(Ancestor{ facts.device, facts.inode, next.above });
+    return true;
+}
+
+/// A client that took a folder for empty, or read to its end, might remove what it has of it.
+void PropFindJob::tell(const QByteArray &unread, Status status)
+{
+    text += "<D:response>" + href(urlPath(subject.urls, unread, false)) + statusElement(status)
+        + "</D:response>";
+}
+
+void PropFindJob::fail(int number)
+{
+    failure = number;
+    state = State::Ended;
 }
 
 void PropFindJob::append(const FolderReader::Item &item)
@@ -110,16 +145,15 @@ void PropFindJob::append(const FolderReader::Item &item)
     }
     report.append(text, entry);
     if (entry.facts.folder && subject.depth == Depth::Infinity)
-        folders.push_back(path + entry.name + '/');
+        folders.push_back({ path + entry.name + '/', entered });
 }
 
-/// Tells that the rest of the folder, and of what was to follow, is missing.
+/// The rest of the folder is missing, and all of those that were to follow.
 void PropFindJob::cutOff()
 {
-    text += "<D:response><D:href>" + url + "</D:href>" + statusElement(Status::InsufficientStorage)
-        + "</D:response>";
+    tell(path, Status::InsufficientStorage);
     folder.reset();
-    folders.clear();
+    state = State::CutOff;
 }
 
 } // namespace standard

@@ -10,8 +10,9 @@
 #include <deque>
 #include <memory>
 #include <optional>
-#include <set>
 #include <utility>
+
+#include <sys/types.h>
 
 class Share;
 
@@ -40,30 +41,58 @@ public:
 
     bool isAtEnd() const { return state == State::Ended; }
 
+    /// 0, or the number of the error for which the answer is of no use: the top can't be opened, or
+    /// a folder not be read to its end. A folder below that can't be opened is told with a status.
+    int error() const { return failure; }
+
     /// What was written since the last call.
     QByteArray takePiece() { return std::exchange(text, {}); }
 
 private:
-    enum class State { Begin, Folders, Ended };
+    enum class State {
+        Begin,
+        Folders,
+        CutOff, ///< there were too many entries: only tells which folders are missing
+        Ended
+    };
+
+    /// A folder that was entered, and those it was reached by.
+    struct Ancestor
+    {
+        dev_t device;
+        ino_t inode;
+        std::shared_ptr<const Ancestor> above;
+    };
+
+    /// A folder that is to be listed.
+    struct Pending
+    {
+        QByteArray path; ///< with a "/" behind
+        std::shared_ptr<const Ancestor> above;
+    };
 
     void step();
     void begin();
     void openNext();
+    bool enter(const Pending &next);
     void append(const FolderReader::Item &item);
+    void tell(const QByteArray &unread, Status status);
     void cutOff();
+    void fail(int number);
 
     const Subject subject;
     const PropertyReport report;
     State state = State::Begin;
     QByteArray text;
-    std::deque<QByteArray> folders; ///< paths of those that are to be listed, with a "/" behind
-    std::set<std::pair<dev_t, ino_t>> entered; ///< links may lead in circles
+    std::deque<Pending> folders;
+    std::shared_ptr<const Ancestor> entered; ///< the last one; links may lead back to it
     std::optional<FolderReader> folder; ///< being read
     // What the paths of its entries begin with.
     QByteArray path;
     QByteArray url;
     QByteArray systemPath;
     qint64 count = 0;
+    int failure = 0;
 };
 
 } // namespace standard

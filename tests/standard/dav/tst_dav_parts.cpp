@@ -9,7 +9,9 @@
 #include <QRandomGenerator>
 #include <QtTest>
 
+#include <cerrno>
 #include <set>
+#include <thread>
 
 #include <sys/xattr.h>
 
@@ -24,6 +26,23 @@ QByteArray inDav(const QByteArray &root, const QByteArray &content)
 {
     return "<D:" + root + " xmlns:D=\"DAV:\">" + content + "</D:" + root + '>';
 }
+
+/// Nothing can be opened while it lives.
+class NoDescriptors
+{
+public:
+    NoDescriptors()
+    {
+        ::getrlimit(RLIMIT_NOFILE, &before);
+        const rlimit none{ 0, before.rlim_max };
+        ::setrlimit(RLIMIT_NOFILE, &none);
+    }
+    ~NoDescriptors() { ::setrlimit(RLIMIT_NOFILE, &before); }
+
+private:
+    Q_DISABLE_COPY(NoDescriptors)
+    rlimit before = {};
+};
 
 QByteArray inProp(const QByteArray &properties)
 {
@@ -100,7 +119,7 @@ private Q_SLOTS:
     void propertiesSurviveOnDisk();
     void damageIsNoProperties();
     void memoryFollowsPaths();
-    void cutsLongTrees();
+    void tellsWhatIsMissing();
 };
 
 void DavPartsTest::refusesBodies_data()
@@ -433,29 +452,53 @@ void DavPartsTest::memoryFollowsPaths()
     QCOMPARE(names(*store.read(subject("dd"))), QByteArray("c "));
 }
 
-void DavPartsTest::cutsLongTrees()
+void DavPartsTest::tellsWhatIsMissing()
 {
     const Disk disk;
-    constexpr int most = 10;
-    for (int i = 0; i < most; ++i)
-        disk.write("a/" + QByteArray::number(i));
-    disk.write("a/b/last");
-    DavResource top;
-    top.href = "/";
-    top.facts.folder = true;
-    const auto store = std::make_shared<PropertyStore>([] {});
-    const auto share = std::make_shared<const Share>(disk.share());
-    PropFindJob job({ share, top, Depth::Infinity, true, {}, most },
-                    PropertyReport({ PropFindBody::Kind::Named, {} }, {}, store));
-    QByteArray text;
-    while (!job.isAtEnd()) {
-        job.run(Budget::ofWorker(job.cancelFlag()));
-        text += job.takePiece();
+    for (const char *folder : { "a/", "b/", "c/" }) {
+        for (int i = 0; i < 10; ++i)
+            disk.write(folder + QByteArray::number(i));
     }
-    // The folder itself, those that are told, and the folder that was cut.
-    QCOMPARE(text.count("<D:response>"), 1 + most + 1);
-    QVERIFY(text.contains("<D:href>/a/</D:href><D:status>HTTP/1.1 507 "));
-    QVERIFY(text.endsWith("</D:multistatus>"));
+    const auto share = std::make_shared<const Share>(disk.share());
+    const auto jobOf = [&share](qint64 most) {
+        DavResource top;
+        top.href = "/";
+        top.facts.folder = true;
+        return std::make_unique<PropFindJob>(
+            PropFindJob::Subject{ share, top, Depth::Infinity, true, {}, most },
+            PropertyReport({ PropFindBody::Kind::Named, {} }, {},
+                           std::make_shared<PropertyStore>([] {})));
+    };
+    const auto textOf = [](PropFindJob &job) {
+        QByteArray text;
+        while (!job.isAtEnd()) {
+            job.run(Budget::ofWorker(job.cancelFlag()));
+            text += job.takePiece();
+        }
+        return text;
+    };
+    // The folder itself, those that are told, the folder that was cut, and one that was to follow.
+    constexpr int most = 15;
+    const QByteArray cut = textOf(*jobOf(most));
+    QCOMPARE(cut.count("<D:response>"), 1 + most + 2);
+    QCOMPARE(cut.count("/</D:href><D:status>HTTP/1.1 507 "), 2);
+    QVERIFY(cut.endsWith("</D:multistatus>"));
+
+    const auto hindered = jobOf(100);
+    hindered->run(Budget(hindered->cancelFlag(), {}, true)); // one step: opens the top
+    const auto hopeless = jobOf(100);
+    {
+        const NoDescriptors none;
+        QCOMPARE(textOf(*hindered).count("/</D:href><D:status>HTTP/1.1 503 "), 3);
+        textOf(*hopeless);
+    }
+    QCOMPARE(hopeless->error(), EMFILE);
+    const auto unread = jobOf(100);
+    std::thread([&] {
+        failCall(SYS_getdents64, EIO, ~0U);
+        textOf(*unread);
+    }).join();
+    QCOMPARE(unread->error(), EIO);
 }
 
 QTEST_GUILESS_MAIN(DavPartsTest)
