@@ -7,20 +7,6 @@
 
 namespace standard {
 
-namespace {
-
-void warn(StatusSink *sink)
-{
-    if (!sink)
-        return;
-    const auto tr = [](const char *text) { return QCoreApplication::translate("Dav", text); };
-    sink->msg(tr("WebDAV properties"),
-              tr("The file system can't keep the properties that programs give to files. They are "
-                 "kept until the server ends."));
-}
-
-} // namespace
-
 DavState &DavState::of(Service &service)
 {
     if (!service.faceState)
@@ -28,9 +14,20 @@ DavState &DavState::of(Service &service)
     return static_cast<DavState &>(*service.faceState);
 }
 
-DavState::DavState(Service &service)
-    : store(std::make_shared<PropertyStore>([sink = service.setup.sink] { warn(sink); }))
+DavState::DavState(const Service &service)
+    : sink(service.setup.sink)
+    , store(std::make_shared<PropertyStore>())
 {
+}
+
+void DavState::warn()
+{
+    if (!sink || !store->takeWarning())
+        return;
+    const auto tr = [](const char *text) { return QCoreApplication::translate("Dav", text); };
+    sink->msg(tr("WebDAV properties"),
+              tr("The file system can't keep the properties that programs give to files. They are "
+                 "kept until the server ends."));
 }
 
 LockTable &DavState::locks()

@@ -6,6 +6,7 @@
 
 #include <memory>
 
+class StatusSink;
 struct Service;
 
 namespace standard {
@@ -18,13 +19,17 @@ public:
     /// event loop: it goes when something else is served.
     static DavState &of(Service &service);
 
-    explicit DavState(Service &service);
+    explicit DavState(const Service &service);
+
+    /// Tells the user, once, that properties are kept in memory alone, when they are by now.
+    void warn();
 
     /// Without those whose time is over. Ask once in each turn, before anything is done with them.
     LockTable &locks();
     const std::shared_ptr<PropertyStore> &properties() const { return store; }
 
 private:
+    StatusSink *sink; ///< may be null
     LockTable lockTable;
     std::shared_ptr<PropertyStore> store; ///< jobs on the disk have it too
 };

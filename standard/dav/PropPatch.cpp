@@ -37,6 +37,7 @@ void PropPatch::answer()
 {
     if (!job)
         return;
+    DavState::of(exchange.service()).warn();
     if (job->status() != Status::MultiStatus)
         return exchange.refuse(job->status());
     exchange.reply(Status::MultiStatus, { { "Content-Type", xmlType } }, job->answer());

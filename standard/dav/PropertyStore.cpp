@@ -93,11 +93,6 @@ QByteArray systemPathOf(int descriptor)
     return "/proc/self/fd/" + QByteArray::number(descriptor);
 }
 
-PropertyStore::PropertyStore(std::function<void()> warn)
-    : tellUser(std::move(warn))
-{
-}
-
 std::optional<DeadProperties> PropertyStore::read(const PropertySubject &subject) const
 {
     // Nearly every file has none, which one short call tells.
@@ -151,9 +146,18 @@ DiskError PropertyStore::remember(const QByteArray &path, const QByteArray &byte
         return DiskError::None;
     memory.emplace(path, bytes);
     memoryUsed += bytes.size();
-    if (const auto tell = std::exchange(tellUser, nullptr))
-        tell();
+    if (warning == Warning::NotNeeded)
+        warning = Warning::Due;
     return DiskError::None;
+}
+
+bool PropertyStore::takeWarning()
+{
+    const std::lock_guard<std::mutex> lock(mutex);
+    if (warning != Warning::Due)
+        return false;
+    warning = Warning::Taken;
+    return true;
 }
 
 void PropertyStore::forget(const QByteArray &path)

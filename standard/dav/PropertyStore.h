@@ -5,7 +5,6 @@
 
 #include <QByteArray>
 
-#include <functional>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -47,15 +46,15 @@ public:
     static constexpr int maxBytes = 64 * 1024; ///< for all of a file, before they are packed
     static constexpr qint64 maxMemory = qint64(16) << 20; ///< bytes for all that have no attribute
 
-    /// `warn` is called once, when the first ones are kept in memory.
-    explicit PropertyStore(std::function<void()> warn);
-
     /// None when there are some that can't be understood.
     std::optional<DeadProperties> read(const PropertySubject &subject) const;
 
     /// Keeps these instead of those before. `NoSpace` when they are too many for us or the disk;
     /// after any error those before stand.
     DiskError write(const PropertySubject &subject, const DeadProperties &properties);
+
+    /// True once, when the first ones are kept in memory: time to warn the user.
+    bool takeWarning();
 
     /// The paths at and below `path` whose properties are kept in memory.
     std::vector<QByteArray> pathsIn(const QByteArray &path) const;
@@ -78,11 +77,11 @@ private:
     void forget(const QByteArray &path);
     Memory::iterator forget(Memory::iterator at);
 
-    std::function<void()> tellUser;
     std::mutex writing; ///< see `writers`; taken before the next
     mutable std::mutex mutex; ///< guards what follows
     Memory memory; ///< packed, by path
     qint64 memoryUsed = 0; ///< bytes
+    enum class Warning { NotNeeded, Due, Taken } warning = Warning::NotNeeded;
 };
 
 } // namespace standard
