@@ -11,6 +11,7 @@
 #include "standard/http/Uri.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace standard {
 
@@ -114,6 +115,53 @@ private:
     const QByteArray &visitor;
 };
 
+/// The locks and properties of one share, for as long as somebody works on it.
+class DavTree final : public GuardedTree
+{
+public:
+    DavTree(std::shared_ptr<const Share> served, DavState &state)
+        : share(std::move(served))
+        , locks(state.sharedLocks())
+        , properties(state.properties())
+    {
+    }
+
+    void removed(const QByteArray &path) override
+    {
+        locks->removeTree(pathsToEntry(share.get(), path));
+        properties->removed(path);
+    }
+
+    void thinned(const QByteArray &path) override
+    {
+        std::vector<QByteArray> known = properties->pathsIn(path);
+        known.push_back(path);
+        for (const Lock *lock : locks->below(pathsToEntry(share.get(), path)))
+            known.push_back(lock->paths.front());
+        for (const QByteArray &each : known) {
+            const EntryFacts found = share->facts(each);
+            if (!found.exists && !found.link)
+                removed(each);
+        }
+    }
+
+    void moved(const QByteArray &from, const QByteArray &to) override
+    {
+        locks->removeTree(pathsToEntry(share.get(), from));
+        properties->moved(from, to);
+    }
+
+    void copied(const QByteArray &from, const QByteArray &to) override
+    {
+        properties->copied(from, to);
+    }
+
+private:
+    const std::shared_ptr<const Share> share;
+    const std::shared_ptr<LockTable> locks;
+    const std::shared_ptr<PropertyStore> properties;
+};
+
 } // namespace
 
 std::optional<Refusal> DavGuard::refusal(const Exchange &exchange,
@@ -143,38 +191,9 @@ std::optional<Refusal> DavGuard::refusal(const Exchange &exchange,
     return std::nullopt;
 }
 
-void DavGuard::removed(const Exchange &exchange, const QByteArray &path)
+std::shared_ptr<GuardedTree> DavGuard::tree(const Exchange &exchange)
 {
-    DavState &state = DavState::of(exchange.service());
-    state.locks().removeTree(pathsToEntry(exchange.share().get(), path));
-    state.properties()->removed(path);
-}
-
-void DavGuard::thinned(const Exchange &exchange, const QByteArray &path)
-{
-    DavState &state = DavState::of(exchange.service());
-    std::vector<QByteArray> known = state.properties()->pathsIn(path);
-    known.push_back(path);
-    const Paths paths = pathsToEntry(exchange.share().get(), path);
-    for (const Lock *lock : state.locks().below(paths))
-        known.push_back(lock->paths.front());
-    for (const QByteArray &each : known) {
-        const EntryFacts found = exchange.share()->facts(each);
-        if (!found.exists && !found.link)
-            removed(exchange, each);
-    }
-}
-
-void DavGuard::moved(const Exchange &exchange, const QByteArray &from, const QByteArray &to)
-{
-    DavState &state = DavState::of(exchange.service());
-    state.locks().removeTree(pathsToEntry(exchange.share().get(), from));
-    state.properties()->moved(from, to);
-}
-
-void DavGuard::copied(const Exchange &exchange, const QByteArray &from, const QByteArray &to)
-{
-    DavState::of(exchange.service()).properties()->copied(from, to);
+    return std::make_shared<DavTree>(exchange.share(), DavState::of(exchange.service()));
 }
 
 } // namespace standard

@@ -10,12 +10,9 @@ class DavGuard final : public Guard
 public:
     std::optional<Refusal> refusal(const Exchange &exchange,
                                    const std::vector<Change> &changes) override;
-    void removed(const Exchange &exchange, const QByteArray &path) override;
-    void thinned(const Exchange &exchange, const QByteArray &path) override;
 
     /// Locks stay behind and end (RFC 4918, section 7.5); properties go along.
-    void moved(const Exchange &exchange, const QByteArray &from, const QByteArray &to) override;
-    void copied(const Exchange &exchange, const QByteArray &from, const QByteArray &to) override;
+    std::shared_ptr<GuardedTree> tree(const Exchange &exchange) override;
 };
 
 } // namespace standard

@@ -16,6 +16,7 @@ DavState &DavState::of(Service &service)
 
 DavState::DavState(const Service &service)
     : sink(service.setup.sink)
+    , lockTable(std::make_shared<LockTable>())
     , store(std::make_shared<PropertyStore>())
 {
 }
@@ -32,8 +33,8 @@ void DavState::warn()
 
 LockTable &DavState::locks()
 {
-    lockTable.expire();
-    return lockTable;
+    lockTable->expire();
+    return *lockTable;
 }
 
 } // namespace standard

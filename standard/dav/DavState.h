@@ -26,12 +26,15 @@ public:
 
     /// Without those whose time is over. Ask once in each turn, before anything is done with them.
     LockTable &locks();
+
+    /// Both outlive what is served now, for work that is still under way.
+    const std::shared_ptr<LockTable> &sharedLocks() const { return lockTable; }
     const std::shared_ptr<PropertyStore> &properties() const { return store; }
 
 private:
     StatusSink *sink; ///< may be null
-    LockTable lockTable;
-    std::shared_ptr<PropertyStore> store; ///< jobs on the disk have it too
+    std::shared_ptr<LockTable> lockTable;
+    std::shared_ptr<PropertyStore> store;
 };
 
 } // namespace standard

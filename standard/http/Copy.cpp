@@ -24,8 +24,8 @@ void Copy::transfer()
 
 void Copy::placed(const PlacedCopy &job)
 {
-    if (guard())
-        guard()->copied(exchange, exchange.path(), destination());
+    if (const auto tree = guarded())
+        tree->copied(exchange.path(), destination());
     if (job.failures().empty())
         return succeed();
     std::vector<MemberFailure> failures;

@@ -4,6 +4,8 @@
 #include "files/TreeRemoval.h"
 #include "standard/http/Depth.h"
 
+#include <QPointer>
+
 #include <memory>
 #include <utility>
 
@@ -17,7 +19,16 @@ void Delete::start()
     if (!target.isValid() || target.holdsHidden)
         return exchange.refuse(Status::Forbidden);
     const auto removal = std::make_shared<TreeRemoval>(std::move(target));
-    disk().run(removal, this, [this, removal] { answer(*removal); });
+    DiskWorker *worker = &disk();
+    worker->run(removal, worker,
+                [removal, self = QPointer<Delete>(this), tree = guarded(), path = exchange.path()] {
+                    if (tree && removal->isWhole())
+                        tree->removed(path);
+                    else if (tree)
+                        tree->thinned(path);
+                    if (self && !self->isOver())
+                        self->answer(*removal);
+                });
 }
 
 bool Delete::isAllowed(const EntryFacts &found)
@@ -44,13 +55,8 @@ bool Delete::isAllowed(const EntryFacts &found)
 
 void Delete::answer(const TreeRemoval &removal)
 {
-    if (removal.isWhole()) {
-        if (guard())
-            guard()->removed(exchange, exchange.path());
+    if (removal.isWhole())
         return exchange.reply(Status::NoContent);
-    }
-    if (guard())
-        guard()->thinned(exchange, exchange.path());
     if (removal.isChanged())
         return exchange.refuse(Status::Conflict, "Somebody has put something else there.");
     std::vector<MemberFailure> failures;

@@ -193,6 +193,8 @@ void FileReply::listFolder()
 
 void FileReply::sendListing(const FolderListing &listing)
 {
+    if (isOver())
+        return;
     Fields fields{ { "Content-Type", "text/html; charset=utf-8" },
                    { "Cache-Control", "no-cache" } };
     addProtection(fields);

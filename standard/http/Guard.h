@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -32,6 +33,29 @@ struct Refusal
     QByteArray body = {};
 };
 
+/// What a guard remembers of what is served, to be told what became of it, also when the exchange
+/// is over. Paths are those of `Exchange::path`.
+class GuardedTree
+{
+public:
+    GuardedTree() = default;
+    virtual ~GuardedTree() = default;
+
+    /// What stood at `path`, with all below it, is gone from there: removed, moved or replaced by
+    /// something else.
+    virtual void removed(const QByteArray &path) = 0;
+
+    /// Some of what stood at `path` or below it is gone from there.
+    virtual void thinned(const QByteArray &path) = 0;
+
+    /// It stands at `to` by now, or there as well. What stood there before was told as removed.
+    virtual void moved(const QByteArray &from, const QByteArray &to) = 0;
+    virtual void copied(const QByteArray &from, const QByteArray &to) = 0;
+
+private:
+    Q_DISABLE_COPY(GuardedTree)
+};
+
 /// Knows what must not be changed by whom: asked before anything is done, by every method that
 /// changes something. One serves a whole program.
 class Guard
@@ -44,28 +68,11 @@ public:
     virtual std::optional<Refusal> refusal(const Exchange &exchange,
                                            const std::vector<Change> &changes) = 0;
 
-    /// What stood at `path`, with all below it, is gone from there: removed, moved or replaced by
-    /// something else.
-    virtual void removed(const Exchange &exchange, const QByteArray &path) = 0;
-
-    /// Some of what stood at `path` or below it is gone from there.
-    virtual void thinned(const Exchange &exchange, const QByteArray &path)
+    /// Of what is served to `exchange`; null when nothing is remembered.
+    virtual std::shared_ptr<GuardedTree> tree(const Exchange &exchange)
     {
         Q_UNUSED(exchange)
-        Q_UNUSED(path)
-    }
-
-    /// It stands at `to` by now, or there as well. What stood there before was told as removed.
-    virtual void moved(const Exchange &exchange, const QByteArray &from, const QByteArray &to)
-    {
-        Q_UNUSED(to)
-        removed(exchange, from);
-    }
-    virtual void copied(const Exchange &exchange, const QByteArray &from, const QByteArray &to)
-    {
-        Q_UNUSED(exchange)
-        Q_UNUSED(from)
-        Q_UNUSED(to)
+        return nullptr;
     }
 
 private:

@@ -6,12 +6,13 @@
 
 namespace standard {
 
-/// Answers one request. Made for it by its route and owned by the face. Once it was told `ended` it
-/// does nothing more and, since it may go later than the connection, touches the exchange no more.
+/// Answers one request. Made for it by its route and owned by the face. Once it is told its `end`
+/// it does nothing more and, since it may go later than the connection, touches the exchange no
+/// more.
 class Handler : public QObject
 {
 public:
-    /// `current` is borrowed until `ended`.
+    /// `current` is borrowed until `end`.
     explicit Handler(Exchange &current)
         : exchange(current)
     {
@@ -33,11 +34,24 @@ public:
     /// What `Exchange::sendFile` was given is on its way.
     virtual void fileSent() { exchange.end(); }
 
-    /// The reply is over, or nobody waits for it any more: what is under way for it stops.
-    virtual void ended() { }
+    /// For the face: the reply is over, or nobody waits for it any more.
+    void end()
+    {
+        over = true;
+        ended();
+    }
 
 protected:
+    /// What is under way for the reply stops.
+    virtual void ended() { }
+
+    /// Whether nobody waits any more. To be asked by whatever comes in a later turn of the loop.
+    bool isOver() const { return over; }
+
     Exchange &exchange;
+
+private:
+    bool over = false;
 };
 
 } // namespace standard

@@ -5,6 +5,7 @@
 #include "files/TreeRemoval.h"
 #include "standard/http/PlacedCopy.h"
 
+#include <QPointer>
 #include <QString>
 
 #include <cerrno>
@@ -50,6 +51,19 @@ private:
     bool synced = false;
 };
 
+namespace {
+
+/// What becomes of the locks and properties of what was copied, also when nobody waits any more.
+void note(GuardedTree &tree, const QByteArray &from, const QByteArray &to, bool isWhole)
+{
+    if (isWhole)
+        return tree.moved(from, to);
+    tree.copied(from, to);
+    tree.thinned(from);
+}
+
+} // namespace
+
 bool Move::isAllowed()
 {
     if (!source().folder || depth() == Depth::Infinity)
@@ -86,9 +100,12 @@ void Move::transfer()
     }
     if (error != 0)
         return refuseError(error);
-    if (guard() && replaces())
-        guard()->removed(exchange, destination());
-    finish();
+    if (const auto tree = guarded()) {
+        if (replaces())
+            tree->removed(destination());
+        tree->moved(exchange.path(), destination());
+    }
+    succeed();
 }
 
 int Move::rename(const Place &from)
@@ -107,25 +124,22 @@ int Move::rename(const Place &from)
 void Move::placed(const PlacedCopy &job)
 {
     removal->setCopied(job.copied(), job.place().folder.get());
-    disk().run(removal, this, [this] { answerRemoval(); });
+    DiskWorker *worker = &disk();
+    worker->run(removal, worker,
+                [job = removal, self = QPointer<Move>(this), tree = guarded(),
+                 from = exchange.path(), to = destination()] {
+                    if (tree)
+                        note(*tree, from, to, job->isWhole());
+                    if (self && !self->isOver())
+                        self->answerRemoval();
+                });
 }
 
 void Move::answerRemoval()
 {
     if (removal->isWhole())
-        return finish();
-    if (guard()) {
-        guard()->copied(exchange, exchange.path(), destination());
-        guard()->thinned(exchange, exchange.path());
-    }
+        return succeed();
     exchange.refuse(Status::Forbidden, "It is copied, but not all of it could be removed.");
-}
-
-void Move::finish()
-{
-    if (guard())
-        guard()->moved(exchange, exchange.path(), destination());
-    succeed();
 }
 
 } // namespace standard

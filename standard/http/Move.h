@@ -23,7 +23,6 @@ private:
     int rename(const Place &from);
     void placed(const PlacedCopy &job) override;
     void answerRemoval();
-    void finish();
 
     std::shared_ptr<CopiedSource> removal; ///< when it is moved to another file system
 };

@@ -200,7 +200,10 @@ void Patch::keep()
     if (syncOf(*exchange.service().profile) == UploadFile::Sync::None)
         return answer(DiskError::None, std::exchange(file, {}));
     const auto job = std::make_shared<SyncJob>(std::move(file));
-    disk().run(job, this, [this, job] { answer(job->error(), job->file()); });
+    disk().run(job, this, [this, job] {
+        if (!isOver())
+            answer(job->error(), job->file());
+    });
 }
 
 void Patch::answer(DiskError error, const FileDescriptor &kept)

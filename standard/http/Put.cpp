@@ -129,7 +129,7 @@ void Put::keep()
     DiskWorker *worker = &disk();
     worker->run(received, worker,
                 [worker, received, kept, isNew = !replaces, self = QPointer<Put>(this)] {
-                    if (self && !self->isOver)
+                    if (self && !self->isOver())
                         return self->takeName(received, kept);
                     // Nobody waits for it any more: a new file harms nobody.
                     if (!isNew || received->error() != DiskError::None)
@@ -146,8 +146,10 @@ void Put::takeName(const std::shared_ptr<UploadFile> &received,
     if (received->error() != DiskError::None)
         return answer(received->error(), *kept);
     if (exchange.mayChange(changes()))
-        return disk().run(received, this,
-                          [this, received, kept] { answer(received->error(), *kept); });
+        return disk().run(received, this, [this, received, kept] {
+            if (!isOver())
+                answer(received->error(), *kept);
+        });
     received->discard();
     disk().run(received, nullptr, {});
 }

@@ -22,11 +22,7 @@ public:
 
     void start() override;
     void bodySaved(BodyEnd end) override;
-    void ended() override
-    {
-        isOver = true;
-        discard();
-    }
+    void ended() override { discard(); }
 
 private:
     bool isAllowed(const EntryFacts &found);
@@ -43,7 +39,6 @@ private:
 
     std::shared_ptr<UploadFile> upload; ///< while the body is received
     bool replaces = false;
-    bool isOver = false; ///< nobody waits for an answer
     bool tookTime = false; ///< that the request brought
 };
 

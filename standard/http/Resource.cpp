@@ -76,6 +76,11 @@ Place ResourceHandler::place() const
     return share() ? share()->place(exchange.path()) : Place();
 }
 
+std::shared_ptr<GuardedTree> ResourceHandler::guarded() const
+{
+    return exchange.guard() ? exchange.guard()->tree(exchange) : nullptr;
+}
+
 bool ResourceHandler::isPermitted(const EntryFacts &found)
 {
     const MethodUse *use = useOf(exchange.request().method);

@@ -8,6 +8,7 @@
 
 #include <QByteArray>
 
+#include <memory>
 #include <vector>
 
 class DiskWorker;
@@ -63,8 +64,8 @@ protected:
     /// Whether the conditions of the request let it be done; else it is refused.
     bool meetsConditions(const EntryFacts &found);
 
-    /// As `Exchange::guard`.
-    Guard *guard() const { return exchange.guard(); }
+    /// To be told what becomes of what the request changes; null when nobody is to.
+    std::shared_ptr<GuardedTree> guarded() const;
 
     /// Answers with what could not be done to the entries below the folder `base` of the share.
     void refuseMembers(const QByteArray &base, const std::vector<MemberFailure> &failures);

@@ -193,7 +193,7 @@ void StandardFace::replyEnded()
 {
     checking.reset();
     if (std::exchange(isAnswering, false))
-        handler->ended();
+        handler->end();
     exchange.finish();
 }
 

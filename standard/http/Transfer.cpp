@@ -153,14 +153,16 @@ void Transfer::take(Pass given)
     const auto pass = std::make_shared<Pass>(std::move(given));
     DiskWorker *worker = &disk();
     sweep(*worker, there);
-    worker->run(copying, worker, [worker, pass, done = copying, self = QPointer<Transfer>(this)] {
-        pass->end();
-        if (self && !self->isOver)
-            return self->finishCopy();
-        if (done->isHarmless())
-            done->takePlace();
-        removeReplaced(*worker, done->leftover());
-    });
+    worker->run(copying, worker,
+                [worker, pass, done = copying, self = QPointer<Transfer>(this), tree = guarded(),
+                 from = exchange.path(), to = target] {
+                    pass->end();
+                    if (self && !self->isOver())
+                        return self->finishCopy();
+                    if (done->isHarmless() && done->takePlace() == 0 && tree)
+                        tree->copied(from, to);
+                    removeReplaced(*worker, done->leftover());
+                });
 }
 
 /// Much may have happened since it was asked for.
@@ -176,8 +178,8 @@ void Transfer::finishCopy()
         if (const int error = done->takePlace()) {
             refuseError(error);
         } else {
-            if (guard() && replaces())
-                guard()->removed(exchange, target);
+            if (const auto tree = guarded(); tree && replaces())
+                tree->removed(target);
             placed(*done);
         }
     }
@@ -215,7 +217,6 @@ void Transfer::removeReplaced(DiskWorker &worker, Place old)
 
 void Transfer::ended()
 {
-    isOver = true;
     if (std::exchange(waits, false))
         exchange.service().setup.copies->leave(this);
 }

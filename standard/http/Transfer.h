@@ -81,7 +81,6 @@ private:
     EntryFacts found;
     std::shared_ptr<PlacedCopy> copying; ///< waiting for a pass or under way
     bool waits = false; ///< for a pass
-    bool isOver = false; ///< nobody waits for an answer
 };
 
 } // namespace standard

@@ -27,7 +27,6 @@ public:
         }
         return {};
     }
-    void removed(const Exchange &, const QByteArray &) override { QFAIL("nothing is removed"); }
 
     int asked = 0; ///< about "late"
 };

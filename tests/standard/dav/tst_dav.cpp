@@ -89,6 +89,7 @@ private Q_SLOTS:
     void keepsLocksToTheirOwners();
     void seesLocksThroughLinks();
     void endsLocksWithWhatTheyLock();
+    void endsLocksWhenTheClientHasLeft();
     void takesPropertiesAlong();
     void refuses_data();
     void refuses();
@@ -417,6 +418,20 @@ void DavTest::endsLocksWithWhatTheyLock()
     QCOMPARE(server.status("PUT", "/d/f"), 204);
     QCOMPARE(server.status("DELETE", "/d", "If: (" + folderToken + ")\r\n"), 204);
     QCOMPARE(server.lock("/d").status(), QByteArray("201 Created"));
+}
+
+void DavTest::endsLocksWhenTheClientHasLeft()
+{
+    DavServer server;
+    for (int i = 0; i < 5000; ++i)
+        server.addFile(QStringLiteral("d/%1").arg(i), {});
+    const QByteArray named = "If: (" + server.lock("/d").header("Lock-Token") + ")\r\n";
+    RawClient client(server.port());
+    client.send(rawRequest("DELETE", "/d", named));
+    const QString folder = server.sharePath(QStringLiteral("d"));
+    QTRY_VERIFY(QDir(folder).entryList(QDir::Files).size() < 5000);
+    client.socket->abort();
+    QTRY_COMPARE(server.lock("/d").status(), QByteArray("201 Created"));
 }
 
 void DavTest::takesPropertiesAlong()
