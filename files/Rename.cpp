@@ -113,7 +113,7 @@ int renameOver(const Place &from, const Place &to)
 {
     if (!from.isValid() || !to.isValid())
         return ENOENT;
-    if (Reservation::isTaken(from) || Reservation::isTaken(to))
+    if (Reservation::isTaken(from) || isInUse(to))
         return EBUSY;
     const EntryFacts old = entryFacts(from.folder.get(), from.name.constData());
     const EntryFacts there = entryFacts(to.folder.get(), to.name.constData());

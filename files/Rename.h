@@ -11,7 +11,7 @@ int renameNew(const Place &from, const Place &to);
 
 /// Gives a file the place of another, in one step. 0, or the number of the error: also `EXDEV` for
 /// another file system, `EISDIR` or `ENOTDIR` when one of them is a folder, `EBUSY` when one is
-/// being received.
+/// being received or the other is written to.
 int renameOver(const Place &from, const Place &to);
 
 /// Gives an entry the place of whatever stands there, in one step where the file system knows how;

@@ -2,10 +2,13 @@
 
 #include "files/Place.h"
 
+#include <cerrno>
 #include <mutex>
 #include <set>
 #include <utility>
 
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 
 namespace {
@@ -24,6 +27,15 @@ Names &names()
 }
 
 } // namespace
+
+bool isInUse(const Place &place)
+{
+    if (Reservation::isTaken(place))
+        return true;
+    const FileDescriptor file(::openat(place.folder.get(), place.name.constData(),
+                                       O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+    return file.isOpen() && ::flock(file.get(), LOCK_SH | LOCK_NB) != 0 && errno == EWOULDBLOCK;
+}
 
 std::optional<Reservation> Reservation::take(const Place &place)
 {

@@ -9,6 +9,10 @@
 
 struct Place;
 
+/// Whether the file at a place is being received or written to, here or by another program that
+/// locks it.
+bool isInUse(const Place &place);
+
 /// A name in a folder that belongs to one upload of this process until the object goes. The folder
 /// counts as what it is, so it may be renamed meanwhile and be reached by several paths. Movable,
 /// for any thread.

@@ -1,6 +1,8 @@
 #include "standard/dav/LockMethods.h"
 
 #include "files/DiskWorker.h"
+#include "files/Reservation.h"
+#include "files/Share.h"
 #include "files/UploadFile.h"
 #include "standard/dav/DavState.h"
 #include "standard/dav/IfHeader.h"
@@ -133,6 +135,11 @@ bool LockMethod::mayTake(const Lock &wanted)
     const Change appears{ exchange.path(), Change::Extent::Resource, true };
     if (!exchange.mayChange(isNew ? Changes{ appears } : Changes()))
         return false;
+    // Who began before the lock goes on to the end.
+    if (found.file && isInUse(share()->target(exchange.path()))) {
+        exchange.refuse(Status::Locked, "It is being written to.");
+        return false;
+    }
     const Lock *other = lockTable(exchange).conflict(wanted);
     if (!other)
         return true;

@@ -210,7 +210,10 @@ void Patch::answer(DiskError error, const FileDescriptor &kept)
 {
     if (error != DiskError::None)
         return exchange.refuse(statusOf(error));
-    exchange.reply(Status::NoContent, validatorFields(openFacts(kept.get())));
+    const EntryFacts written = openFacts(kept.get());
+    if (!isSameEntry(facts(), written))
+        return exchange.refuse(Status::Conflict, "Somebody has put something else there.");
+    exchange.reply(Status::NoContent, validatorFields(written));
 }
 
 } // namespace standard

@@ -226,6 +226,20 @@ void TestChanges::patchWritesInPlace()
     QCOMPARE(server.status("PATCH", "/a", type + "X-Update-Range: bytes=2-3\r\n", "xxx"), 400);
     QCOMPARE(server.status("PATCH", "/a", append, "x"), 415);
     QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("01abc56789!"));
+
+    // Nothing takes the place of what is written to but another program's file.
+    server.addFile(QStringLiteral("b"), "other");
+    RawClient client(server.port());
+    client.send(rawRequest("PATCH", "/a",
+                           type + append
+                               + "Expect: 100-continue\r\n"
+                                 "Content-Length: 1\r\n"));
+    QCOMPARE(client.reply().status(), QByteArray("100 Continue"));
+    QCOMPARE(server.status("MOVE", "/b", destination("/a")), 423);
+    QCOMPARE(server.status("COPY", "/b", destination("/a")), 423);
+    QVERIFY(QFile::remove(server.sharePath(QStringLiteral("a"))));
+    client.send("x");
+    QCOMPARE(client.reply().status(), QByteArray("409 Conflict"));
 }
 
 void TestChanges::deleteFolders()

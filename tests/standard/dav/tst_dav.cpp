@@ -299,6 +299,16 @@ void DavTest::locks()
     const RawReply created = server.lock("/new", "Depth: 0\r\n");
     QCOMPARE(created.status(), QByteArray("201 Created"));
     QVERIFY(QFileInfo(server.sharePath(QStringLiteral("new"))).isFile());
+    // Nobody gets what others are writing.
+    RawClient writer(server.port());
+    writer.send(rawRequest("PATCH", "/d/f",
+                           "Content-Type: application/x-sabredav-partialupdate\r\n"
+                           "X-Update-Range: append\r\nExpect: 100-continue\r\n"
+                           "Content-Length: 1\r\n"));
+    QCOMPARE(writer.reply().status(), QByteArray("100 Continue"));
+    QCOMPARE(server.lock("/d/f").status(), QByteArray("423 Locked"));
+    writer.send("x");
+    QCOMPARE(writer.reply().status(), QByteArray("204 No Content"));
     QCOMPARE(server.lock("/d").status(), QByteArray("200 OK"));
     // A new port unlocks nothing, but what is served anew is locked by nobody.
     server.server->stop();
