@@ -64,6 +64,14 @@ void EntryCopy::abandon()
     levels.clear();
 }
 
+int EntryCopy::sync() const
+{
+    const bool isTree = openFacts(held.get()).folder;
+    const bool isDone = (isTree ? ::syncfs(held.get()) : ::fdatasync(held.get())) == 0;
+    // Some file systems know no such call; they write when they like.
+    return !isDone && errno != EINVAL && errno != ENOSYS ? errno : 0;
+}
+
 void EntryCopy::begin()
 {
     if (list) {

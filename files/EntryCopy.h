@@ -41,6 +41,9 @@ public:
     bool run(const Budget &until) override;
     void abandon() override;
 
+    /// Waits until the disk has what was made. 0, or the number of the error.
+    int sync() const;
+
     /// What was made has found its place, where others may lock it.
     void unlock() { held.reset(); }
 

@@ -61,11 +61,14 @@ void PlacedCopy::judge()
 {
     const auto &missing = copy.failures();
     const bool isMade = entryFacts(target.folder.get(), madeName.constData()).exists;
-    if (missing.empty() || (isMade && !replacing && !copied() && !copy.isDiskFull())) {
+    if (missing.empty() || (isMade && !replacing && !copied() && !copy.isDiskFull()))
+        result = synced ? copy.sync() : 0;
+    else
+        result = copy.isDiskFull() ? ENOSPC : errorNumber(missing.front().error);
+    if (result == 0) {
         state = State::Ready;
         return;
     }
-    result = copy.isDiskFull() ? ENOSPC : errorNumber(missing.front().error);
     removal.emplace(beside(target, madeName));
     state = State::Removing;
 }

@@ -19,6 +19,9 @@ public:
     PlacedCopy(std::shared_ptr<const Share> share, const QByteArray &path, Place to,
                EntryCopy::Depth depth, bool replaces);
 
+    /// The disk has the copy before it is ready.
+    void setSynced() { synced = true; }
+
     /// A copy with gaps takes no place, and what is copied is listed.
     void listCopied() { copy.listCopied(); }
     std::shared_ptr<const CopiedEntries> copied() const { return copy.copied(); }
@@ -59,6 +62,7 @@ private:
 
     Place target;
     const bool replacing;
+    bool synced = false;
     const QByteArray madeName; ///< where the copy is made
     EntryCopy copy;
     std::optional<TreeRemoval> removal;

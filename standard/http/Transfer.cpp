@@ -7,6 +7,7 @@
 #include "files/Path.h"
 #include "files/Share.h"
 #include "files/TreeRemoval.h"
+#include "server/Uploads.h"
 #include "standard/http/OwnNames.h"
 #include "standard/http/PlacedCopy.h"
 
@@ -129,6 +130,9 @@ void Transfer::copy(Depth howDeep, bool listed)
         howDeep == Depth::Zero ? EntryCopy::Depth::Alone : EntryCopy::Depth::Whole, replaces());
     if (listed)
         copying->listCopied();
+    // What is replaced or moved goes at once.
+    if (listed || replaces() || syncOf(*exchange.service().profile) != UploadFile::Sync::None)
+        copying->setSynced();
     waits = true;
     exchange.service().setup.copies->enter(this);
     if (waits)
