@@ -16,7 +16,8 @@ inline bool isBelow(const QByteArray &entry, const QByteArray &path)
     return entry.size() > path.size() && entry.startsWith(path) && entry.at(path.size()) == '/';
 }
 
-/// The share's root, the folders on the way, and `path` itself.
+/// The share's root, the folders on the way, and `path` itself: views of its bytes, as copies of
+/// all would be megabytes of a long one. To be used while it lives.
 std::vector<QByteArray> withAncestors(const QByteArray &path);
 
 /// The folder that `path` stands in; "" for the root too.
