@@ -27,11 +27,21 @@ public:
 
         bool isGranted() const { return granted; }
 
+        /// Makes it `bytes`, if there are as many; false, and nothing changes, if not.
+        bool grow(qint64 bytes)
+        {
+            if (bytes - taken > budget.left)
+                return false;
+            budget.left -= bytes - taken;
+            taken = bytes;
+            return true;
+        }
+
     private:
         Q_DISABLE_COPY_MOVE(Part)
 
         MemoryBudget &budget;
-        const qint64 taken;
+        qint64 taken;
         const bool granted;
     };
 

@@ -80,11 +80,12 @@ void Exchange::readBody(qint64 max)
     const Framing &framing = current.framing;
     if (framing.contentLength > max)
         return refuse(Status::ContentTooLarge);
-    bodyMemory.emplace(*m_service.setup.forms, framing.chunked ? max : framing.contentLength);
-    if (!bodyMemory->isGranted())
-        return refuse(Status::Unavailable);
+    // What is only announced takes none of it: peers that never send would keep others out.
+    bodyMemory.emplace(*m_service.setup.forms, 0);
     collected.emplace();
     const auto collect = [this](const char *data, qint64 size) {
+        if (!bodyMemory->grow(collected->size() + size))
+            return false;
         collected->append(data, int(size));
         return true;
     };

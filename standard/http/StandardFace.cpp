@@ -161,8 +161,9 @@ void StandardFace::bodyEnded(BodyEnd end)
     case BodyEnd::Whole:
         return handler->bodyReady(*body);
     case BodyEnd::TooLarge:
-    case BodyEnd::SinkFailed:
         return exchange.refuse(Status::ContentTooLarge);
+    case BodyEnd::SinkFailed:
+        return exchange.refuse(Status::Unavailable);
     case BodyEnd::Bad:
         return exchange.refuse(Status::BadRequest);
     case BodyEnd::Lost:

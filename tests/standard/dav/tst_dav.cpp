@@ -210,6 +210,14 @@ void DavTest::keepsProperties()
     const QByteArray found = server.propFind("/f", "0", asked).body;
     QVERIFY(found.contains("<D:prop>" + value + "</D:prop>"));
     QVERIFY(found.contains("<none xmlns=\"urn:x\"/></D:prop><D:status>HTTP/1.1 404"));
+    // Those that announce much and send nothing keep nobody out.
+    std::vector<std::unique_ptr<RawClient>> idle;
+    for (int i = 0; i < 40; ++i) {
+        idle.push_back(std::make_unique<RawClient>(server.port()));
+        idle.back()->send(
+            rawRequest("PROPPATCH", "/f", "Expect: 100-continue\r\nContent-Length: 1000000\r\n"));
+        QCOMPARE(idle.back()->reply().status(), QByteArray("100 Continue"));
+    }
     QVERIFY(hrefs(server.propFind("/", "1", asked).body).contains("/f "));
     QVERIFY(server.propFind("/", "1", asked).body.contains(value));
 }
