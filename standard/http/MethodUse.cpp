@@ -29,7 +29,7 @@ constexpr std::array<MethodUse, 13> methodUses{ {
     { Method::Patch, { true, false, false, false }, { changing, changing, changing } },
     { Method::Delete, { true, true, false, false }, { removing, removing, removing } },
     { Method::MkCol, { false, false, true, false }, { adding, adding, adding } },
-    { Method::Copy, { true, true, false, true }, { reading, reading, reading }, true },
+    { Method::Copy, { true, true, false, false }, { reading, reading, reading }, true },
     { Method::Move, { true, true, false, false }, { removing, removing, removing }, true },
     { Method::PropFind, { true, true, false, true }, { seeing, seeing, seeing } },
     { Method::PropPatch, { true, true, false, true }, { changing, changing, changing } },
