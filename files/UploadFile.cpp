@@ -1,6 +1,5 @@
 #include "files/UploadFile.h"
 
-#include "files/Attributes.h"
 #include "files/HiddenUploads.h"
 #include "files/LeftoverSweep.h"
 #include "files/Log.h"

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/Attributes.h"
 #include "files/DiskError.h"
 #include "files/DiskJob.h"
 #include "files/Entry.h"
@@ -73,8 +74,6 @@ public:
     const Place &place() const { return target; }
 
 private:
-    static constexpr mode_t permissionBits = 0777;
-
     enum class Stage {
         Receiving,
         Ready, ///< but for its name
