@@ -1,18 +1,14 @@
 #include "standard/http/Put.h"
 
 #include "files/Attributes.h"
-#include "files/DiskWorker.h"
 #include "files/Share.h"
 #include "server/Uploads.h"
 #include "standard/http/Options.h"
-
-#include <QPointer>
 
 #include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/statvfs.h>
 
 namespace standard {
 
@@ -22,13 +18,6 @@ namespace {
 constexpr auto timeField = "X-OC-Mtime";
 
 } // namespace
-
-Put::Put(Exchange &current)
-    : ResourceHandler(current)
-{
-}
-
-Put::~Put() = default;
 
 void Put::start()
 {
@@ -91,10 +80,7 @@ bool Put::hasRoom(const Place &folder) const
     const qint64 announced = request.framing.chunked
         ? request.value("X-Expected-Entity-Length").toLongLong()
         : request.framing.contentLength;
-    struct statvfs disk = {};
-    if (announced <= 0 || ::fstatvfs(folder.folder.get(), &disk) != 0 || disk.f_blocks == 0)
-        return true;
-    return quint64(announced) / disk.f_frsize < disk.f_bavail;
+    return announced <= 0 || diskHolds(folder.folder.get(), quint64(announced));
 }
 
 void Put::refuse(DiskError error)
@@ -107,7 +93,7 @@ void Put::bodySaved(BodyEnd end)
 {
     switch (end) {
     case BodyEnd::Whole:
-        return keep();
+        return keepWithTime();
     case BodyEnd::SinkFailed:
         return refuse(upload->error());
     case BodyEnd::Bad:
@@ -119,53 +105,15 @@ void Put::bodySaved(BodyEnd end)
     }
 }
 
-void Put::keep()
+/// A new file harms nobody, even when nobody waits for it any more.
+void Put::keepWithTime()
 {
-    const std::shared_ptr<UploadFile> received = std::exchange(upload, {});
-    if (const std::optional<qint64> time = wantedTime())
-        tookTime = setTimes(received->descriptor(), {}, timespec{ time_t(*time), 0 }) == 0;
-    // The tag is that of this very file, whatever happens to its name.
-    const auto kept = std::make_shared<FileDescriptor>(duplicate(received->descriptor()));
-    DiskWorker *worker = &disk();
-    worker->run(received, worker,
-                [worker, received, kept, isNew = !replaces, self = QPointer<Put>(this)] {
-                    if (self && !self->isOver())
-                        return self->takeName(received, kept);
-                    // Nobody waits for it any more: a new file harms nobody.
-                    if (!isNew || received->error() != DiskError::None)
-                        received->discard();
-                    worker->run(received, nullptr, {});
-                });
+    if (const std::optional<qint64> time = wantedTime(exchange.request().value(timeField)))
+        tookTime = setTimes(upload->descriptor(), {}, timespec{ time_t(*time), 0 }) == 0;
+    keep(!replaces);
 }
 
-/// A lock may have been granted since it was asked for; a file that has changed, the job finds
-/// itself.
-void Put::takeName(const std::shared_ptr<UploadFile> &received,
-                   const std::shared_ptr<FileDescriptor> &kept)
-{
-    if (received->error() != DiskError::None)
-        return answer(received->error(), *kept);
-    if (exchange.mayChange(changes()))
-        return disk().run(received, this, [this, received, kept] {
-            if (!isOver())
-                answer(received->error(), *kept);
-        });
-    received->discard();
-    disk().run(received, nullptr, {});
-}
-
-/// Seconds since 1970-01-01 UTC; some programs add a fraction.
-std::optional<qint64> Put::wantedTime() const
-{
-    bool good = false;
-    const double seconds = exchange.request().value(timeField).toDouble(&good);
-    constexpr double latest = 253402300799; // the year 9999
-    if (!good || !(seconds >= 0 && seconds <= latest)) // "nan" is a number to the toolkit
-        return {};
-    return qint64(seconds);
-}
-
-void Put::answer(DiskError error, const FileDescriptor &kept)
+void Put::taken(DiskError error, const FileDescriptor &file)
 {
     const bool tooLate = error == DiskError::Exists || error == DiskError::Changed;
     if (tooLate && !isConditional(exchange.request()))
@@ -174,20 +122,10 @@ void Put::answer(DiskError error, const FileDescriptor &kept)
         return exchange.refuse(Status::PreconditionFailed);
     if (error != DiskError::None)
         return exchange.refuse(statusOf(error));
-    Fields fields = validatorFields(openFacts(kept.get()));
+    Fields fields = validatorFields(openFacts(file.get()));
     if (tookTime)
         fields.push_back({ timeField, "accepted" });
     exchange.reply(replaces ? Status::NoContent : Status::Created, std::move(fields));
-}
-
-/// Freeing a large file takes the disk a while.
-void Put::discard()
-{
-    const std::shared_ptr<UploadFile> received = std::exchange(upload, {});
-    if (!received)
-        return;
-    received->discard();
-    disk().run(received, nullptr, {});
 }
 
 } // namespace standard

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "files/FileDescriptor.h"
+#include "standard/http/Resource.h"
+
+#include <QByteArray>
+#include <QtGlobal>
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+class UploadFile;
+
+namespace standard {
+
+/// The base of the handlers that receive a file and give it its name once it is whole.
+class FileTaker : public ResourceHandler
+{
+public:
+    explicit FileTaker(Exchange &current);
+    ~FileTaker() override;
+
+protected:
+    void ended() override { discard(); }
+
+    /// What is about to be changed.
+    virtual std::vector<Change> changes() const = 0;
+
+    /// How the file got its name. `file` is what was received, whatever happens to its name; not
+    /// told when nobody waits for it any more, nor when it was refused meanwhile.
+    virtual void taken(DiskError error, const FileDescriptor &file) = 0;
+
+    /// Gives the file its name once the disk has it, if that may still be. When nobody waits for
+    /// it any more, only with `evenUnasked`.
+    void keep(bool evenUnasked);
+
+    /// Lets go of what was received.
+    void discard();
+
+    /// Whether the disk of an open folder has room for `bytes`, as far as it tells.
+    static bool diskHolds(int folder, quint64 bytes);
+
+    std::shared_ptr<UploadFile> upload; ///< while the body is received
+    bool replaces = false; ///< something that has its name
+
+private:
+    void takeName(const std::shared_ptr<UploadFile> &received,
+                  const std::shared_ptr<FileDescriptor> &file);
+};
+
+/// A time of a file as sync programs tell it: seconds since 1970-01-01 UTC, some with a fraction.
+/// None when it is no such time.
+std::optional<qint64> wantedTime(const QByteArray &text);
+
+} // namespace standard
