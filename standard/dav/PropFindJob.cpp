@@ -3,6 +3,7 @@
 #include "files/HiddenUploads.h"
 #include "files/Share.h"
 #include "standard/dav/MultiStatus.h"
+#include "standard/http/Reserved.h"
 #include "standard/http/Resource.h"
 #include "standard/http/Uri.h"
 
@@ -126,7 +127,8 @@ void PropFindJob::fail(int number)
 
 void PropFindJob::append(const FolderReader::Item &item)
 {
-    if (isHiddenUpload(item.name) || !isTellable(item.name))
+    if (isHiddenUpload(item.name) || !isTellable(item.name)
+        || (path.isEmpty() && std::strcmp(item.name, reservedName) == 0))
         return;
     DavResource entry;
     entry.facts = folder->facts(item);

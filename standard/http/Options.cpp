@@ -3,6 +3,7 @@
 #include "files/Share.h"
 #include "standard/http/MethodUse.h"
 #include "standard/http/Patch.h"
+#include "standard/http/Reserved.h"
 
 #include <algorithm>
 
@@ -42,7 +43,8 @@ Field allowField(const Exchange &exchange)
     const EntryFacts found = knownFacts(exchange);
     QByteArray methods;
     for (const Route &route : exchange.routes().rows) {
-        if (isAnswered(route.method, exchange, found))
+        if (isFor(route, exchange.path())
+            && (route.below || isAnswered(route.method, exchange, found)))
             methods += (methods.isEmpty() ? "" : ", ") + nameOf(route.method);
     }
     return { "Allow", methods };

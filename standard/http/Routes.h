@@ -16,6 +16,7 @@ struct Route
 {
     Method method;
     std::unique_ptr<Handler> (*make)(Exchange &exchange);
+    const char *below = nullptr; ///< the reserved path that it answers for; null: all others
 };
 
 /// The `make` of a route for a handler that needs nothing but the exchange.

@@ -15,6 +15,7 @@
 #include "standard/http/Options.h"
 #include "standard/http/Patch.h"
 #include "standard/http/Put.h"
+#include "standard/http/Reserved.h"
 
 #include <utility>
 
@@ -118,7 +119,7 @@ void StandardFace::answer(const Authenticator::Result &login)
             isSafe(exchange.request().method) ? Status::NotFound : Status::Forbidden, keptNames);
     const Route *route = findRoute();
     if (!route)
-        return exchange.refuse(Status::MethodNotAllowed, {}, { allowField(exchange) });
+        return refuseMethod();
     handler = route->make(exchange);
     isAnswering = true;
     handler->start();
@@ -198,10 +199,19 @@ void StandardFace::replyEnded()
     exchange.finish();
 }
 
+/// Of what is reserved but serves no purpose, nothing is told.
+void StandardFace::refuseMethod()
+{
+    const Field allow = allowField(exchange);
+    if (allow.value.isEmpty())
+        return exchange.refuse(Status::NotFound);
+    exchange.refuse(Status::MethodNotAllowed, {}, { allow });
+}
+
 const Route *StandardFace::findRoute() const
 {
     for (const Route &route : common->routes.rows) {
-        if (route.method == exchange.request().method)
+        if (route.method == exchange.request().method && isFor(route, exchange.path()))
             return &route;
     }
     return nullptr;

@@ -47,6 +47,7 @@ private:
     void answer(const Authenticator::Result &login);
     bool isAdmitted(const Authenticator::Result &login);
     const Route *findRoute() const;
+    void refuseMethod();
     void dropHandler();
 
     Connection &connection;

@@ -10,6 +10,7 @@
 #include "server/Uploads.h"
 #include "standard/http/OwnNames.h"
 #include "standard/http/PlacedCopy.h"
+#include "standard/http/Reserved.h"
 
 #include <QPointer>
 #include <QTimer>
@@ -66,9 +67,8 @@ bool Transfer::findDestination()
         return false;
     }
     target = *path;
-    if (namesHiddenUpload(target)) {
-        exchange.refuse(Status::Forbidden,
-                        "Such names are kept for files that are being received.");
+    if (namesHiddenUpload(target) || isReserved(target)) {
+        exchange.refuse(Status::Forbidden, "Such names are kept for the server itself.");
         return false;
     }
     return true;

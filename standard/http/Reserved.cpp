@@ -1,0 +1,18 @@
+#include "standard/http/Reserved.h"
+
+#include "files/Path.h"
+#include "standard/http/Routes.h"
+
+namespace standard {
+
+bool isReserved(const QByteArray &path)
+{
+    return isWithin(path, reservedName);
+}
+
+bool isFor(const Route &route, const QByteArray &path)
+{
+    return route.below ? isWithin(path, route.below) : !isReserved(path);
+}
+
+} // namespace standard

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <QByteArray>
+
+namespace standard {
+
+struct Route;
+
+/// What lies below this name of the root is the server's own, whatever is shared: never listed,
+/// made or changed.
+constexpr auto reservedName = ".quillon";
+
+/// Whether a clean path leads there.
+bool isReserved(const QByteArray &path);
+
+/// Whether a route answers for what a clean path names.
+bool isFor(const Route &route, const QByteArray &path);
+
+} // namespace standard
