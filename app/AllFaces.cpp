@@ -7,6 +7,7 @@
 #include "server/FaceChoice.h"
 #include "standard/dav/Routes.h"
 #include "standard/http/StandardFace.h"
+#include "standard/web/Routes.h"
 
 namespace {
 
@@ -24,6 +25,7 @@ Routes classicRoutes()
 
 FaceMaker allFaces()
 {
-    return chosenFaces(classicFaces(classicRoutes()),
-                       standard::standardFaces(standard::withDav(standard::fileRoutes())));
+    const standard::Routes routes =
+        standard::withUploads(standard::withDav(standard::fileRoutes()));
+    return chosenFaces(classicFaces(classicRoutes()), standard::standardFaces(routes));
 }

@@ -23,9 +23,9 @@ QByteArray randomText()
     return text;
 }
 
-QByteArray checkOf(const QByteArray &random)
+QByteArray checkOf(const QByteArray &id)
 {
-    return QCryptographicHash::hash(hiddenPrefix + random, QCryptographicHash::Sha1)
+    return QCryptographicHash::hash(hiddenPrefix + id, QCryptographicHash::Sha1)
         .toHex()
         .left(checkDigits);
 }
@@ -45,8 +45,12 @@ QByteArray shortened(QByteArray name, int most)
 
 QByteArray hiddenUploadName()
 {
-    const QByteArray random = randomText();
-    return hiddenPrefix + random + checkOf(random);
+    return hiddenUploadName(randomText());
+}
+
+QByteArray hiddenUploadName(const QByteArray &id)
+{
+    return hiddenPrefix + id + checkOf(id);
 }
 
 bool isHiddenUpload(const char *name)
@@ -55,8 +59,8 @@ bool isHiddenUpload(const char *name)
     if (std::strncmp(name, hiddenPrefix, begin) != 0)
         return false;
     const QByteArray digits(name + begin);
-    return digits.size() == randomDigits + checkDigits
-        && digits.endsWith(checkOf(digits.left(randomDigits)));
+    return digits.size() >= randomDigits + checkDigits
+        && digits.endsWith(checkOf(digits.chopped(checkDigits)));
 }
 
 bool namesHiddenUpload(const QByteArray &path)

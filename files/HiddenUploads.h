@@ -2,9 +2,17 @@
 
 #include <QByteArray>
 
+#include <chrono>
+
+/// What gets no byte for so long is given up.
+constexpr std::chrono::hours hiddenUploadLife{ 24 };
+
 /// The name of a file that is being received, where the file system knows no files without names:
 /// another one at each call. It tells whose it is: its last digits follow from those before.
 QByteArray hiddenUploadName();
+
+/// The one of an upload that is known by `id`, six letters and digits or more.
+QByteArray hiddenUploadName(const QByteArray &id);
 
 /// Whether it is such a name, and no other one that begins alike.
 bool isHiddenUpload(const char *name);

@@ -19,7 +19,6 @@ namespace {
 
 using SweepClock = std::chrono::steady_clock;
 
-constexpr std::chrono::seconds usualAge = 24h;
 constexpr auto pause = 1h;
 constexpr std::size_t maxFolders = 4096;
 
@@ -61,7 +60,7 @@ FileDescriptor openUnused(int folder, const char *name)
 
 LeftoverSweep::LeftoverSweep(Place anyBeside)
     : place(std::move(anyBeside))
-    , age(usualAge)
+    , age(hiddenUploadLife)
     , hourly(true)
 {
 }

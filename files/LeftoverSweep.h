@@ -11,7 +11,7 @@
 
 /// Removes what has a hidden upload's name beside a place: files and copies that were being made,
 /// and trees that were replaced or are half removed, by programs that were killed. What is younger
-/// than a day, in use or locked in a way that can't be told stays.
+/// than `hiddenUploadLife`, in use or locked in a way that can't be told stays.
 class LeftoverSweep final : public DiskJob
 {
 public:

@@ -79,14 +79,24 @@ DiskError UploadFile::replace(Place place)
     return lock(replaced.get()) ? begin(privateMode) : DiskError::Locked;
 }
 
+void UploadFile::resume(FileDescriptor received, const QByteArray &hidden)
+{
+    file = std::move(received);
+    hiddenName = hidden;
+    resumed = true;
+    synced = ::lseek(file.get(), 0, SEEK_CUR);
+}
+
 DiskError UploadFile::begin(mode_t mode)
 {
     reservation = Reservation::take(target);
     if (!reservation)
         return DiskError::Locked;
-    file.reset(::openat(target.folder.get(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, mode));
-    if (!file.isOpen() && !openHidden(mode))
-        return diskError(errno);
+    if (!resumed) {
+        file.reset(::openat(target.folder.get(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, mode));
+        if (!file.isOpen() && !openHidden(mode))
+            return diskError(errno);
+    }
     // Whatever its time will be: a hidden name, for a moment or to the end, is in use by this.
     lock(file.get());
     return DiskError::None;
@@ -177,6 +187,8 @@ void UploadFile::discard()
     discarded = true;
     replaced.reset();
     reservation.reset();
+    if (resumed)
+        file.reset();
 }
 
 void UploadFile::makeReady()
@@ -280,7 +292,7 @@ int UploadFile::syncFolder() const
 
 void UploadFile::drop()
 {
-    if (!hiddenName.isEmpty()) {
+    if (!hiddenName.isEmpty() && !resumed) {
         const EntryFacts named = entryFacts(target.folder.get(), hiddenName.constData());
         if (!named.link && isSameEntry(named, openFacts(file.get())))
             ::unlinkat(target.folder.get(), hiddenName.constData(), 0);

@@ -42,6 +42,10 @@ public:
     /// `Share::target`; a link is refused. What has taken its name by the end stays (`Exists`).
     DiskError replace(Place place);
 
+    /// Before one of the two: `received` stands under the hidden name `hidden` beside the place
+    /// already, open where to go on. It stays there unless it is kept.
+    void resume(FileDescriptor received, const QByteArray &hidden);
+
     /// Appends to the content. An error leaves nothing to be kept.
     DiskError write(const char *data, qint64 size);
 
@@ -64,7 +68,7 @@ public:
     DiskError error() const { return result; }
 
     /// Makes the job one that only drops the file: freeing a large one takes the disk a while. The
-    /// name is free at once.
+    /// name is free at once, and so is a file that was resumed.
     void discard();
 
     /// For copying into, without `write`; -1 before it was begun.
@@ -106,6 +110,7 @@ private:
     qint64 unsynced = 0; ///< bytes at the end of the file
     qint64 synced = 0; ///< bytes before them
     Sync sync = Sync::File;
+    bool resumed = false; ///< the hidden file outlives the object
     bool sweeps = false; ///< when it is over
     bool discarded = false;
     bool careful = false;

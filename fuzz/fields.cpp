@@ -6,6 +6,8 @@
 #include "standard/http/Ranges.h"
 #include "standard/http/Request.h"
 #include "standard/http/Uri.h"
+#include "standard/web/UploadChecksum.h"
+#include "standard/web/UploadMetadata.h"
 
 #include <array>
 #include <cstdint>
@@ -14,7 +16,17 @@ namespace {
 
 using Reader = void (*)(const QByteArray &);
 
-constexpr std::array<Reader, 8> readers{
+void readMetadata(const QByteArray &bytes)
+{
+    const std::optional<standard::UploadMetadata> read = standard::parseUploadMetadata(bytes);
+    const QByteArray path = read ? '/' + read->path + '/' : "/a/";
+    for (const char *bad : { "//", "/./", "/../" }) {
+        if (path.contains(bad) || path.contains('\0'))
+            qFatal("a path that is none");
+    }
+}
+
+constexpr std::array<Reader, 10> readers{
     [](const QByteArray &bytes) { standard::parseHead(bytes); },
     [](const QByteArray &bytes) { scanHead(bytes); },
     [](const QByteArray &bytes) { parseTarget(bytes); },
@@ -23,6 +35,8 @@ constexpr std::array<Reader, 8> readers{
     [](const QByteArray &bytes) { standard::DigestCredentials::parse(bytes); },
     [](const QByteArray &bytes) { standard::parseHttpDate(bytes); },
     [](const QByteArray &bytes) { standard::lockTimeout(bytes); },
+    readMetadata,
+    [](const QByteArray &bytes) { standard::UploadChecksum::parse(bytes); },
 };
 
 } // namespace

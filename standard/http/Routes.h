@@ -10,6 +10,7 @@ namespace standard {
 class Exchange;
 class Guard;
 class Handler;
+class OpenUploads;
 
 /// Says who answers a method.
 struct Route
@@ -30,6 +31,7 @@ struct Routes
 {
     std::vector<Route> rows;
     std::shared_ptr<Guard> guard = {}; ///< null: everything may be changed
+    std::shared_ptr<OpenUploads> uploads = {}; ///< for the routes that resume them
 };
 
 /// The methods of plain HTTP. Those of other folders are added to them.

@@ -12,7 +12,7 @@ struct StatusRow
     const char *reason;
 };
 
-constexpr std::array<StatusRow, 29> statuses{ {
+constexpr std::array<StatusRow, 31> statuses{ {
     { Status::Ok, "OK" },
     { Status::Created, "Created" },
     { Status::NoContent, "No Content" },
@@ -35,7 +35,9 @@ constexpr std::array<StatusRow, 29> statuses{ {
     { Status::UnprocessableContent, "Unprocessable Content" },
     { Status::Locked, "Locked" },
     { Status::FailedDependency, "Failed Dependency" },
+    { Status::TooManyRequests, "Too Many Requests" },
     { Status::HeadTooLarge, "Request Header Fields Too Large" },
+    { Status::ChecksumMismatch, "Checksum Mismatch" },
     { Status::InternalError, "Internal Server Error" },
     { Status::NotImplemented, "Not Implemented" },
     { Status::BadGateway, "Bad Gateway" },

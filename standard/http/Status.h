@@ -28,7 +28,9 @@ enum class Status {
     UnprocessableContent = 422,
     Locked = 423,
     FailedDependency = 424,
+    TooManyRequests = 429,
     HeadTooLarge = 431,
+    ChecksumMismatch = 460, ///< of a resumable upload
     InternalError = 500,
     NotImplemented = 501,
     BadGateway = 502,

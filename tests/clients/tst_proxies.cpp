@@ -1,4 +1,5 @@
 #include "standard/dav/Routes.h"
+#include "standard/web/Routes.h"
 #include "tests/standard/StandardTest.h"
 #include "tests/support/Litmus.h"
 
@@ -81,6 +82,9 @@ class ProxiesTest : public QObject
 private Q_SLOTS:
     void standInFront_data();
     void standInFront();
+
+private:
+    static void uploadsInParts(const Proxy &proxy);
 };
 
 void ProxiesTest::standInFront_data()
@@ -101,7 +105,7 @@ void ProxiesTest::standInFront()
         if (!hasProgram(needed))
             QSKIP(qPrintable(needed + QLatin1String(" is not installed")));
     }
-    StandardServer server(standard::withDav(standard::fileRoutes()));
+    StandardServer server(standard::withUploads(standard::withDav(standard::fileRoutes())));
     server.profile->authMode = AuthBasic;
     server.profile->users = QStringList{ QStringLiteral("a:b") };
     server.profile->trustedProxies = QStringList{ QStringLiteral("127.0.0.1") };
@@ -117,8 +121,31 @@ void ProxiesTest::standInFront()
     QVERIFY2(list.contains("<D:href>/share/share/a%20b</D:href>"), list.constData());
     const QByteArray redirect = curl(QStringLiteral("-D - ") + share);
     QVERIFY2(redirect.toLower().contains("location: /share/share/\r\n"), redirect.constData());
+    uploadsInParts(proxy);
+    QCOMPARE(server.fileContent(QStringLiteral("share/new file")), QByteArray("0123456789"));
     // Locks, Destination and conditions by URLs of outside, all with Digest.
     passesLitmus(proxy.url(), { QStringLiteral("a"), QStringLiteral("b") });
+}
+
+/// By the Location that the server gives for outside.
+void ProxiesTest::uploadsInParts(const Proxy &proxy)
+{
+    const QTemporaryDir folder;
+    const QString lines = folder.filePath(QStringLiteral("lines"));
+    writeFile(lines,
+              "Tus-Resumable: 1.0.0\nUpload-Length: 10\nContent-Type: "
+              "application/offset+octet-stream\nUpload-Metadata: filename "
+                  + QByteArray("new file").toBase64() + '\n');
+    const QString common = QStringLiteral("-D - -H @%1 ").arg(lines);
+    const QByteArray made = curl(common + QStringLiteral("-d 01234 ") + proxy.url()
+                                 + QStringLiteral(".quillon/tus/share"));
+    const auto location = QRegularExpression(QStringLiteral("\r\nlocation: /share/(\\S+)"),
+                                             QRegularExpression::CaseInsensitiveOption)
+                              .match(QString::fromLatin1(made));
+    QVERIFY2(location.hasMatch(), made.constData());
+    const QByteArray rest = curl(common + QStringLiteral("-X PATCH -d 56789 -H Upload-Offset:5 ")
+                                 + proxy.url() + location.captured(1));
+    QVERIFY2(rest.contains(" 204"), rest.constData());
 }
 
 QTEST_GUILESS_MAIN(ProxiesTest)

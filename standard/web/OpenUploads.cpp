@@ -1,0 +1,110 @@
+#include "standard/web/OpenUploads.h"
+
+#include "files/PartialUpload.h"
+#include "files/Share.h"
+
+#include <algorithm>
+#include <chrono>
+#include <ctime>
+#include <iterator>
+
+namespace standard {
+
+namespace {
+
+constexpr std::chrono::minutes lookInterval{ 60 };
+constexpr int mostOfAll = 10000;
+constexpr std::size_t mostFinished = 1000;
+constexpr std::size_t mostSwept = 10000;
+
+bool isThere(const QByteArray &id, const OpenUploads::Upload &upload)
+{
+    const std::shared_ptr<const Share> share = upload.share.lock();
+    const Place beside = share ? share->place(upload.folder + '/' + id) : Place();
+    return beside.isValid() && PartialUpload::find(beside, id);
+}
+
+} // namespace
+
+OpenUploads::OpenUploads()
+{
+    timer.setInterval(lookInterval);
+    connect(&timer, &QTimer::timeout, this, &OpenUploads::expire);
+}
+
+int OpenUploads::countOf(const QByteArray &visitor) const
+{
+    return int(std::count_if(open.begin(), open.end(), [&visitor](const auto &entry) {
+        return entry.second->visitor == visitor;
+    }));
+}
+
+/// A folder may have been removed with all that was on its way there.
+bool OpenUploads::mayBegin(const QByteArray &visitor)
+{
+    if (countOf(visitor) >= mostOfVisitor)
+        forgetGone([&visitor](const Upload &upload) { return upload.visitor == visitor; });
+    return int(open.size()) < mostOfAll && countOf(visitor) < mostOfVisitor;
+}
+
+qint64 OpenUploads::promised(dev_t device) const
+{
+    qint64 bytes = 0;
+    for (const auto &[id, upload] : open)
+        bytes += upload->device == device ? upload->left : 0;
+    return bytes;
+}
+
+std::shared_ptr<OpenUploads::Upload> OpenUploads::enter(const QByteArray &id, const Upload &upload)
+{
+    std::shared_ptr<Upload> &known = open[id];
+    if (!known)
+        known = std::make_shared<Upload>(upload);
+    if (!timer.isActive())
+        timer.start();
+    return known;
+}
+
+void OpenUploads::finish(const QByteArray &id, const QByteArray &owner, qint64 length)
+{
+    leave(id);
+    finished.push_back({ id, owner, length });
+    if (finished.size() > mostFinished)
+        finished.pop_front();
+}
+
+std::optional<qint64> OpenUploads::finishedLength(const QByteArray &id,
+                                                  const QByteArray &owner) const
+{
+    for (const Finished &each : finished) {
+        if (each.id == id && each.owner == owner)
+            return each.length;
+    }
+    return {};
+}
+
+bool OpenUploads::isSweepDue(dev_t device, ino_t folder)
+{
+    if (swept.size() >= mostSwept)
+        swept.clear();
+    return swept.emplace(device, folder).second;
+}
+
+void OpenUploads::expire()
+{
+    swept.clear();
+    const qint64 now = ::time(nullptr);
+    forgetGone([now](const Upload &upload) { return upload.expires <= now; });
+    if (open.empty())
+        timer.stop();
+}
+
+void OpenUploads::forgetGone(const std::function<bool(const Upload &)> &isSuspect)
+{
+    for (auto entry = open.begin(); entry != open.end();) {
+        const bool isGone = isSuspect(*entry->second) && !isThere(entry->first, *entry->second);
+        entry = isGone ? open.erase(entry) : std::next(entry);
+    }
+}
+
+} // namespace standard

@@ -1,0 +1,83 @@
+#pragma once
+
+#include <QByteArray>
+#include <QObject>
+#include <QTimer>
+#include <QtGlobal>
+
+#include <deque>
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <set>
+#include <utility>
+
+#include <sys/types.h>
+
+class Share;
+
+namespace standard {
+
+/// Knows the uploads that are open, to count them and what they will need; those of an earlier run
+/// are known once somebody goes on with them. Removes what is given up. One serves a whole program,
+/// in its event loop.
+class OpenUploads final : public QObject
+{
+public:
+    static constexpr int mostOfVisitor = 100;
+
+    struct Upload
+    {
+        QByteArray visitor;
+        std::weak_ptr<const Share> share;
+        QByteArray folder; ///< where it stands, a path of the share
+        dev_t device = 0; ///< of the same
+        qint64 left = 0; ///< bytes that are still to come
+        qint64 expires = 0; ///< seconds since 1970-01-01 UTC
+    };
+
+    OpenUploads();
+
+    /// Whether a visitor may begin one more.
+    bool mayBegin(const QByteArray &visitor);
+
+    /// Bytes that are still to come to a device.
+    qint64 promised(dev_t device) const;
+
+    /// Notes an upload; the one that is known by `id` when there is one.
+    std::shared_ptr<Upload> enter(const QByteArray &id, const Upload &upload);
+
+    /// It is there no more.
+    void leave(const QByteArray &id) { open.erase(id); }
+
+    /// It is whole and has its name. Its sender may not hear of that, and ask.
+    void finish(const QByteArray &id, const QByteArray &owner, qint64 length);
+
+    /// The length of one that is whole by now; none when it is not, or is another owner's.
+    std::optional<qint64> finishedLength(const QByteArray &id, const QByteArray &owner) const;
+
+    /// Whether to look for what earlier runs left in a folder; that is not worth it each time.
+    bool isSweepDue(dev_t device, ino_t folder);
+
+private:
+    Q_DISABLE_COPY_MOVE(OpenUploads)
+
+    struct Finished
+    {
+        QByteArray id;
+        QByteArray owner;
+        qint64 length;
+    };
+
+    void expire();
+    int countOf(const QByteArray &visitor) const;
+    void forgetGone(const std::function<bool(const Upload &)> &isSuspect);
+
+    std::map<QByteArray, std::shared_ptr<Upload>> open; ///< by id
+    std::deque<Finished> finished; ///< the latest
+    std::set<std::pair<dev_t, ino_t>> swept; ///< since the last look
+    QTimer timer; ///< runs while there is anything
+};
+
+} // namespace standard

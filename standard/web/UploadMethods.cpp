@@ -1,0 +1,239 @@
+#include "standard/web/UploadMethods.h"
+
+#include "files/DiskJob.h"
+#include "files/DiskWorker.h"
+#include "files/HiddenUploads.h"
+#include "files/Path.h"
+#include "files/Share.h"
+#include "standard/dav/Paths.h"
+#include "standard/dav/Visitor.h"
+#include "standard/http/Options.h"
+#include "standard/http/Reserved.h"
+#include "standard/web/Tus.h"
+#include "standard/web/UploadMetadata.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <utility>
+
+#include <fcntl.h>
+
+namespace standard {
+
+namespace {
+
+constexpr auto extensions = "creation,creation-with-upload,termination,expiration,checksum";
+constexpr qint64 maxLength = qint64(1) << 50; ///< bytes, so that sums of lengths are safe
+
+/// A count of bytes in plain digits.
+std::optional<qint64> bytesOf(const QByteArray &text)
+{
+    const bool isPlain = !text.isEmpty()
+        && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    bool good = false;
+    const qint64 number = text.toLongLong(&good);
+    return isPlain && good ? std::optional(number) : std::nullopt;
+}
+
+/// Removes what uploads of an earlier run have left in a folder.
+class UploadSweep final : public DiskJob
+{
+public:
+    explicit UploadSweep(FileDescriptor swept)
+        : folder(std::move(swept))
+    {
+    }
+
+    bool run(const Budget &until) override
+    {
+        if (!until.mayBlock())
+            return false;
+        sweepHiddenUploads(folder.get());
+        return true;
+    }
+
+private:
+    FileDescriptor folder;
+};
+
+} // namespace
+
+void UploadCreation::start()
+{
+    if (!speaksTus(exchange) || !mayUpload())
+        return;
+    const std::optional<Wanted> wanted = readWanted();
+    if (!wanted)
+        return;
+    findMissing(wanted->path);
+    const PartialRecord &record = wanted->record;
+    const bool hasBody = exchange.request().framing.hasBody();
+    if ((hasBody && !fits(record.length)) || !mayStand(wanted->path, record.replaces))
+        return;
+    if (!uploads().mayBegin(visitorOf(exchange)))
+        return refuseTus(exchange, Status::TooManyRequests, "Too many uploads are open.");
+    if (!hasRoom(record.length))
+        return refuseTus(exchange, Status::InsufficientStorage);
+    begin(record, hasBody || record.length == 0);
+}
+
+std::optional<UploadCreation::Wanted> UploadCreation::readWanted()
+{
+    const Request &request = exchange.request();
+    const std::optional<qint64> length = bytesOf(request.value("Upload-Length"));
+    const QByteArray notes = request.value("Upload-Metadata");
+    const std::optional<UploadMetadata> about = parseUploadMetadata(notes);
+    const QByteArray folder = pathBelow(exchange.path(), tusPath);
+    const QByteArray path = about ? joined(folder, about->path) : QByteArray();
+    Status status = Status::Ok;
+    if (!length || !about)
+        status = Status::BadRequest;
+    else if (*length > maxLength)
+        status = Status::ContentTooLarge;
+    else if (!factsAt(folder).folder)
+        status = Status::NotFound;
+    else if (namesHiddenUpload(path) || isReserved(path))
+        status = Status::Forbidden;
+    if (status == Status::Ok)
+        return Wanted{ path,
+                       { path.mid(path.lastIndexOf('/') + 1), *length, exchange.user(),
+                         request.value("Overwrite") == "T", notes } };
+    refuseTus(exchange, status);
+    return {};
+}
+
+void UploadCreation::findMissing(const QByteArray &path)
+{
+    existing = parentOf(path);
+    for (; !existing.isEmpty() && !factsAt(existing).exists; existing = parentOf(existing))
+        missing.push_back(existing);
+}
+
+std::vector<Change> UploadCreation::changes() const
+{
+    std::vector<Change> all = UploadReceiver::changes();
+    for (const QByteArray &folder : missing)
+        all.push_back({ folder, Change::Extent::Resource, true });
+    return all;
+}
+
+/// What others were promised is as good as there.
+bool UploadCreation::hasRoom(qint64 length) const
+{
+    const FileDescriptor folder = share()->open(existing, O_PATH | O_DIRECTORY);
+    const qint64 promised = uploads().promised(entryFacts(folder.get()).device);
+    return diskHolds(folder.get(), quint64(length) + quint64(promised));
+}
+
+void UploadCreation::begin(const PartialRecord &record, bool receives)
+{
+    const int error = share()->makeFolders(parentOf(target()));
+    if (error != 0)
+        return refuseTus(exchange, statusOf(diskError(error)));
+    const Place place = share()->place(target());
+    std::optional<PartialUpload> begun = place.isValid()
+        ? PartialUpload::begin(place, PartialUpload::newId(), record)
+        : std::nullopt;
+    if (!begun)
+        return refuseTus(exchange, statusOf(diskError(errno)));
+    sweep(place);
+    location = exchange.urlPath(joined(joined(tusPath, parentOf(target())), begun->id()), false);
+    if (receives)
+        return receive(std::move(*begun));
+    enter(*begun);
+    accept(*begun, 0);
+}
+
+void UploadCreation::sweep(const Place &place)
+{
+    const EntryFacts folder = entryFacts(place.folder.get());
+    if (uploads().isSweepDue(folder.device, folder.inode))
+        disk().runAside(std::make_shared<UploadSweep>(duplicate(place.folder.get())), nullptr, {});
+}
+
+void UploadCreation::accept(const PartialUpload &made, qint64 offset)
+{
+    isMade = true;
+    Fields fields = progressFields(made, offset);
+    fields.push_back({ "Location", location });
+    replyTus(exchange, Status::Created, std::move(fields));
+}
+
+/// Nobody knows where it is: neither can anybody go on with it.
+void UploadCreation::ended()
+{
+    UploadReceiver::ended();
+    if (isMade || !partial)
+        return;
+    partial->remove();
+    uploads().leave(partial->id());
+}
+
+void UploadAppend::start()
+{
+    if (!speaksTus(exchange) || !mayUpload())
+        return;
+    std::optional<PartialUpload> found = findUpload(exchange);
+    if (!found)
+        return refuseTus(exchange, Status::NotFound);
+    if (!found->claim())
+        return refuseTus(exchange, Status::Locked, "It is being received.");
+    const qint64 offset = found->offset();
+    const PartialRecord &record = found->record();
+    const std::optional<qint64> given = bytesOf(exchange.request().value("Upload-Offset"));
+    if (given != offset)
+        return refuseTus(exchange, given ? Status::Conflict : Status::BadRequest, {},
+                         { offsetField(offset) });
+    const QByteArray folder = UploadName(exchange.path()).folder;
+    if (fits(record.length - offset) && mayStand(joined(folder, record.name), record.replaces))
+        receive(std::move(*found));
+}
+
+void UploadAppend::accept(const PartialUpload &resumed, qint64 offset)
+{
+    replyTus(exchange, Status::NoContent, progressFields(resumed, offset));
+}
+
+void UploadStatus::start()
+{
+    if (!speaksTus(exchange))
+        return;
+    const Field fresh{ "Cache-Control", "no-store" };
+    const QByteArray id = UploadName(exchange.path()).id;
+    const std::optional<qint64> whole =
+        exchange.routes().uploads->finishedLength(id, exchange.user());
+    const std::optional<PartialUpload> found = whole ? std::nullopt : findUpload(exchange);
+    if (!whole && !found)
+        return refuseTus(exchange, Status::NotFound, {}, { fresh });
+    Fields fields = found ? progressFields(*found, found->offset()) : Fields{ offsetField(*whole) };
+    const qint64 length = found ? found->record().length : *whole;
+    fields.push_back({ "Upload-Length", QByteArray::number(length) });
+    if (found)
+        fields.push_back({ "Upload-Metadata", found->record().notes });
+    fields.push_back(fresh);
+    replyTus(exchange, Status::Ok, std::move(fields));
+}
+
+void UploadRemoval::start()
+{
+    if (!speaksTus(exchange) || !mayUpload())
+        return;
+    const std::optional<PartialUpload> found = findUpload(exchange);
+    if (!found)
+        return refuseTus(exchange, Status::NotFound);
+    found->remove();
+    exchange.routes().uploads->leave(found->id());
+    replyTus(exchange, Status::NoContent);
+}
+
+void UploadOptions::start()
+{
+    replyTus(exchange, Status::NoContent,
+             { allowField(exchange),
+               { "Tus-Version", tusVersion },
+               { "Tus-Extension", extensions },
+               { "Tus-Max-Size", QByteArray::number(maxLength) },
+               { "Tus-Checksum-Algorithm", UploadChecksum::algorithms() } });
+}
+
+} // namespace standard

@@ -1,0 +1,170 @@
+#include "standard/web/UploadReceiver.h"
+
+#include "files/Attributes.h"
+#include "files/Share.h"
+#include "server/Uploads.h"
+#include "standard/dav/Paths.h"
+#include "standard/dav/Visitor.h"
+#include "standard/web/Tus.h"
+#include "standard/web/UploadMetadata.h"
+
+#include <cerrno>
+#include <utility>
+
+#include <unistd.h>
+
+namespace standard {
+
+bool UploadReceiver::fits(qint64 room)
+{
+    const Request &request = exchange.request();
+    if (request.value("Content-Type") != contentType) {
+        refuse(Status::UnsupportedMediaType);
+        return false;
+    }
+    const std::optional<QByteArray> sum = request.field("Upload-Checksum");
+    if (sum)
+        checksum = UploadChecksum::parse(*sum);
+    if (sum && !checksum) {
+        refuse(Status::BadRequest, "This checksum is not understood.");
+        return false;
+    }
+    if (request.framing.contentLength <= room)
+        return true;
+    refuse(Status::ContentTooLarge);
+    return false;
+}
+
+/// Through a link it would stand in another folder than what was received.
+bool UploadReceiver::mayStand(const QByteArray &path, bool mayReplace)
+{
+    const EntryFacts found = factsAt(path);
+    m_target = path;
+    replaces = found.exists;
+    if (!found.link && (!found.exists || (found.file && mayReplace)))
+        return exchange.mayChange(changes());
+    refuse(Status::PreconditionFailed, "Something has that name.");
+    return false;
+}
+
+std::vector<Change> UploadReceiver::changes() const
+{
+    return { { m_target, Change::Extent::Resource, !replaces } };
+}
+
+std::shared_ptr<OpenUploads::Upload> UploadReceiver::enter(const PartialUpload &begun)
+{
+    const EntryFacts folder = entryFacts(begun.place().folder.get());
+    return uploads().enter(begun.id(),
+                           { visitorOf(exchange), exchange.share(), parentOf(m_target),
+                             folder.device, begun.record().length - begun.offset(),
+                             begun.expires() });
+}
+
+void UploadReceiver::receive(PartialUpload claimed)
+{
+    partial.emplace(std::move(claimed));
+    partial->touch();
+    entry = enter(*partial);
+    start = position = partial->offset();
+    if (openFile())
+        exchange.saveBody([this](const char *data, qint64 size) { return write(data, size); });
+}
+
+bool UploadReceiver::openFile()
+{
+    FileDescriptor content = partial->open(start);
+    if (!content.isOpen()) {
+        refuse(statusOf(errno));
+        return false;
+    }
+    upload = newUpload(*exchange.service().profile);
+    upload->setCareful();
+    upload->resume(std::move(content), partial->place().name);
+    Place place = share()->place(m_target);
+    const DiskError error =
+        replaces ? upload->replace(std::move(place)) : upload->create(std::move(place));
+    if (error != DiskError::None)
+        refuse(statusOf(error));
+    return error == DiskError::None;
+}
+
+bool UploadReceiver::write(const char *data, qint64 size)
+{
+    if (size > partial->record().length - position)
+        return false;
+    if (upload->write(data, size) != DiskError::None)
+        return false;
+    position += size;
+    entry->left -= size;
+    if (checksum)
+        checksum->add(data, size);
+    return true;
+}
+
+void UploadReceiver::bodySaved(BodyEnd end)
+{
+    const bool isWrong = checksum && (end != BodyEnd::Whole || !checksum->fits());
+    if (isWrong)
+        takeBack();
+    switch (end) {
+    case BodyEnd::Whole:
+        return isWrong ? refuse(Status::ChecksumMismatch) : takeWhole();
+    case BodyEnd::SinkFailed:
+        return refuse(upload->error() == DiskError::None ? Status::ContentTooLarge
+                                                         : statusOf(upload->error()));
+    case BodyEnd::Bad:
+    case BodyEnd::TooLarge:
+        return refuse(Status::BadRequest);
+    case BodyEnd::Lost:
+        return;
+    }
+}
+
+/// Nobody can tell any more which of the bytes are right.
+void UploadReceiver::takeBack()
+{
+    if (::ftruncate(upload->descriptor(), off_t(start)) == 0)
+        entry->left += position - start;
+}
+
+/// A peer that goes meanwhile asks again, and then sends the last byte once more.
+void UploadReceiver::takeWhole()
+{
+    if (position == partial->record().length)
+        return keep(false);
+    discard();
+    accept(*partial, position);
+}
+
+void UploadReceiver::taken(DiskError error, const FileDescriptor &file)
+{
+    if (error != DiskError::None)
+        return refuse(error == DiskError::Changed ? Status::PreconditionFailed : statusOf(error));
+    const PartialRecord &record = partial->record();
+    const std::optional<UploadMetadata> about = parseUploadMetadata(record.notes);
+    if (about && about->modified)
+        setTimes(file.get(), {}, timespec{ time_t(*about->modified), 0 });
+    partial->remove();
+    uploads().finish(partial->id(), record.owner, record.length);
+    entry.reset();
+    accept(*partial, record.length);
+}
+
+void UploadReceiver::refuse(Status status, const QByteArray &text)
+{
+    discard();
+    refuseTus(exchange, status, text);
+}
+
+void UploadReceiver::ended()
+{
+    FileTaker::ended();
+    if (!partial || !entry)
+        return;
+    partial->touch();
+    entry->left = partial->record().length - partial->offset();
+    entry->expires = partial->expires();
+}
+
+} // namespace standard

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "files/PartialUpload.h"
+#include "standard/http/FileTaker.h"
+#include "standard/web/OpenUploads.h"
+#include "standard/web/UploadChecksum.h"
+
+#include <QByteArray>
+#include <QtGlobal>
+
+#include <memory>
+#include <optional>
+
+namespace standard {
+
+/// The base of the methods that bring bytes of an upload. What has arrived stays when the body
+/// breaks off, and when the whole can't have its name yet.
+class UploadReceiver : public FileTaker
+{
+public:
+    using FileTaker::FileTaker;
+
+    static constexpr auto contentType = "application/offset+octet-stream";
+
+    void bodySaved(BodyEnd end) override;
+    void ended() override;
+
+protected:
+    /// Tells that all of it up to `offset` is here.
+    virtual void accept(const PartialUpload &accepted, qint64 offset) = 0;
+
+    /// Whether the body is one of at most `room` bytes of a file; else the request is refused.
+    bool fits(qint64 room);
+
+    /// Whether the file may stand at `path` of the share; else the request is refused.
+    bool mayStand(const QByteArray &path, bool mayReplace);
+
+    /// Goes on with an upload that is claimed, once both of the above are asked for.
+    void receive(PartialUpload claimed);
+
+    /// Where the file is to stand, a path of the share.
+    const QByteArray &target() const { return m_target; }
+
+    std::vector<Change> changes() const override;
+
+    OpenUploads &uploads() const { return *exchange.routes().uploads; }
+
+    /// Notes that it is open, by whom.
+    std::shared_ptr<OpenUploads::Upload> enter(const PartialUpload &begun);
+
+    std::optional<PartialUpload> partial; ///< once it is gone on with
+
+private:
+    bool openFile();
+    bool write(const char *data, qint64 size);
+    void takeWhole();
+    void takeBack();
+    void refuse(Status status, const QByteArray &text = {});
+    void taken(DiskError error, const FileDescriptor &file) override;
+
+    QByteArray m_target;
+    qint64 start = 0; ///< offset
+    qint64 position = 0; ///< the same, behind what was received
+    std::optional<UploadChecksum> checksum;
+    std::shared_ptr<OpenUploads::Upload> entry;
+};
+
+} // namespace standard
