@@ -10,22 +10,37 @@ import { createInterface } from 'node:readline';
 export class Server {
   #folder;
   #process;
+  #command;
 
-  // Starts `program`; `resources` is the folder with its icons.
-  static async start(program, resources) {
+  // Starts `program`; `resources` is the folder with its icons, `mode` says whom it answers how.
+  static async start(program, resources, mode = 'auto') {
     const server = new Server();
     server.#folder = await mkdtemp(join(tmpdir(), 'quillon-browser-'));
     server.share = join(server.#folder, 'share');
     server.home = join(server.#folder, 'home');
     await mkdir(server.share);
     await mkdir(server.home);
-    server.#process = spawn(
-      program, ['--address', '127.0.0.1', '--port', '0', server.share], {
-        env: { ...process.env, HOME: server.home, QUILLON_RESDIR: resources, LC_ALL: 'C.UTF-8', TZ: 'UTC' },
+    server.#command = { program, resources, mode };
+    await server.#run(0);
+    return server;
+  }
+
+  async #run(port) {
+    const { program, resources, mode } = this.#command;
+    this.#process = spawn(
+      program, ['--address', '127.0.0.1', '--port', port, '--mode', mode, this.share], {
+        env: { ...process.env, HOME: this.home, QUILLON_RESDIR: resources, LC_ALL: 'C.UTF-8', TZ: 'UTC' },
         stdio: ['ignore', 'pipe', 'inherit'],
       });
-    server.url = await server.#announcedUrl();
-    return server;
+    this.url = await this.#announcedUrl();
+  }
+
+  // Ends the server in the middle of whatever it does, and starts it once more.
+  async crash() {
+    const exited = once(this.#process, 'exit');
+    this.#process.kill('SIGKILL');
+    await exited;
+    await this.#run(new URL(this.url).port);
   }
 
   async #announcedUrl() {
