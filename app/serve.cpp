@@ -1,6 +1,7 @@
 #include "app/AllFaces.h"
 #include "app/Console.h"
 #include "app/Process.h"
+#include "app/ServerRules.h"
 #include "app/WorkingFolder.h"
 #include "config/ProfileText.h"
 #include "config/Profiles.h"
@@ -36,6 +37,7 @@ struct Options
     QStringList proxies; ///< to trust beside the profile's
     std::optional<QByteArray> pathPrefix; ///< absent: the profile's
     bool defaultProfile = false; ///< none of the stored ones
+    bool sandbox = true;
     QString path; ///< as given
 };
 
@@ -92,12 +94,19 @@ struct CommandLine
         QStringLiteral("default-profile"),
         text("Use the default values and no stored profile: no password, deleting allowed.")
     };
+    const QCommandLineOption noSandbox{
+        QStringLiteral("no-sandbox"),
+        text("Don't have the kernel keep the server from what it has no need of: programs, "
+             "connections to others, and with a strict profile or in mode standard all files but "
+             "the shared ones, its own and the system's.")
+    };
 
     CommandLine()
     {
         parser.setApplicationDescription(
             text("Serves a file or folder to browsers and WebDAV clients."));
-        parser.addOptions({ address, port, mode, trustProxy, pathPrefix, profile, defaults, hash });
+        parser.addOptions(
+            { address, port, mode, trustProxy, pathPrefix, profile, defaults, hash, noSandbox });
         parser.addPositionalArgument(QStringLiteral("PATH"), text("The file or folder to serve."));
     }
 };
@@ -193,6 +202,7 @@ QString takeOptions(const CommandLine &line, Options *options)
     options->path = paths.constFirst();
     options->profile = line.parser.value(line.profile);
     options->defaultProfile = line.parser.isSet(line.defaults);
+    options->sandbox = !line.parser.isSet(line.noSandbox);
     if (options->defaultProfile && line.parser.isSet(line.profile))
         return text("--profile and --default-profile exclude each other.");
     for (const auto take : { takeAddress, takePort, takeMode, takeProxies, takePathPrefix }) {
@@ -284,6 +294,24 @@ Profile *storedProfile(Console *console, const Options &options, const Profiles 
     return profile;
 }
 
+/// Takes from this process what serving has no need of, and says whether the kernel could. Keys are
+/// loaded and the socket listens by now, while no job has started a thread yet.
+void confineServer(Console *console, const QString &path, const Profile &profile)
+{
+    const bool strict = profile.isStrict();
+    switch (confine(serverRules(path, profile))) {
+    case Confinement::None:
+        return console->error(text("Not confined: the kernel can't (Landlock)."));
+    case Confinement::Files:
+        return console->error(strict ? text("Confined by the kernel: no other files, no programs.")
+                                     : text("Confined by the kernel: no programs."));
+    case Confinement::FilesAndNetwork:
+        return console->error(
+            strict ? text("Confined by the kernel: no other files, no programs, no connections.")
+                   : text("Confined by the kernel: no programs, no connections."));
+    }
+}
+
 /// Serves the file or folder `path` until a signal or the traffic limit ends it.
 int serve(Console *console, const Options &options, const QString &path, const Profiles &profiles)
 {
@@ -326,6 +354,8 @@ int serve(Console *console, const Options &options, const QString &path, const P
         console->error(text("Warning: Everyone who reaches this computer could read, change and "
                             "delete all of %1")
                            .arg(path));
+    if (options.sandbox)
+        confineServer(console, path, *profile);
     announce(console, server, options.path);
     return QCoreApplication::exec();
 }

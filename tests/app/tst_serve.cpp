@@ -1,8 +1,11 @@
 #include "server/PasswordHash.h"
+#include "tests/files/Pictures.h"
+#include "tests/support/Data.h"
 #include "tests/support/LiveServer.h"
 
 #include <QProcess>
 #include <QRegularExpression>
+#include <QTcpServer>
 
 #include <array>
 #include <csignal>
@@ -84,8 +87,12 @@ private Q_SLOTS:
     void warnsOfAnOpenHome();
     void servesWhoeverReadsItsErrors();
     void worksInAFolderOfItsOwn();
+    void isConfined_data();
+    void isConfined();
+    void worksConfined();
 
 private:
+    void takeOver();
     void start(const QStringList &arguments);
     quint16 waitForPort(const QString &shared = {});
     int exitStatus(int msecs = 4000);
@@ -115,6 +122,7 @@ void TestServe::cleanup()
 {
     program.kill();
     program.waitForFinished();
+    program.setProcessEnvironment({});
     home.reset();
 }
 
@@ -333,7 +341,7 @@ void TestServe::servesWhoeverReadsItsErrors()
         QCOMPARE(get(address), QByteArray("hello"));
     const auto count = ::read(reader, bytes, sizeof bytes);
     QCOMPARE(QByteArray(bytes, int(count)),
-             QByteArray("quillon-serve: 2 lines dropped\nquillon-serve: New client: 127.0.0.3\n"));
+             QByteArray("quillon-serve: 3 lines dropped\nquillon-serve: New client: 127.0.0.3\n"));
 
     ::close(reader); // nobody reads any more
     QCOMPARE(get(4), QByteArray("hello"));
@@ -369,6 +377,79 @@ void TestServe::worksInAFolderOfItsOwn()
     QVERIFY(!QFile::exists(first));
     QVERIFY(QFile::exists(share->filePath(QStringLiteral("a.txt")))); // not through the link
     QVERIFY(QFile::exists(folder()));
+}
+
+/// The programs that are started from here on are attacked from within.
+void TestServe::takeOver()
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("LD_PRELOAD"), QStringLiteral(HOSTILE));
+    environment.insert(QStringLiteral("ASAN_OPTIONS"), QStringLiteral("verify_asan_link_order=0"));
+    environment.insert(QStringLiteral("HOSTILE_FOLDER"), home->path());
+    program.setProcessEnvironment(environment);
+    writeFile(home->path() + QLatin1String("/secret"), "secret");
+}
+
+void TestServe::isConfined_data()
+{
+    columns<QByteArray>({ "options", "could" });
+    row("not", "--no-sandbox", " read write start connect");
+    row("where links lead out", "--mode auto", " read write");
+    row("where nothing leads out", "--mode standard", "");
+}
+
+void TestServe::isConfined()
+{
+    QFETCH(QByteArray, options);
+    QTcpServer victim;
+    QVERIFY(victim.listen(QHostAddress::LocalHost));
+    qputenv("HOSTILE_PORT", QByteArray::number(victim.serverPort()));
+    takeOver();
+    if (options.isEmpty()) {
+        program.setStandardInputFile(share->filePath(QStringLiteral("a.jpg")));
+        writeFile(share->filePath(QStringLiteral("a.jpg")), encoded(noise(400, 300), "JPEG"));
+        program.start(QStringLiteral(QUILLON_PREVIEW), { QStringLiteral("jpg") });
+        QVERIFY(program.waitForFinished());
+        program.setStandardInputFile({});
+    } else {
+        start(serving(QString::fromLatin1(options).split(QLatin1Char(' '))));
+        const quint16 port = waitForPort();
+        QCOMPARE(RawClient(port).exchange(rawRequest("GET", "/a.txt")).body, QByteArray("hello"));
+        program.kill();
+        program.waitForFinished();
+    }
+    const QByteArray said = program.readAllStandardError();
+    if (said.contains("onfined") && !said.contains("no connections"))
+        QSKIP("the kernel can't");
+    const auto could = said.indexOf("could:");
+    QVERIFY(could >= 0);
+    QTEST(said.mid(could + 6).split('.').first(), "could");
+}
+
+/// What a strict server does with other files than those of its share.
+void TestServe::worksConfined()
+{
+    storeProfile(QStringLiteral("strict"), [](Profile &profile) { profile.strict = 1; });
+    const QStringList options = serving({ QStringLiteral("--profile"), QStringLiteral("strict") });
+    writeFile(share->filePath(QStringLiteral("a.jpg")), encoded(noise(400, 300), "JPEG"));
+    start(options);
+    const quint16 port = waitForPort();
+    const QByteArray copying = rawRequest("COPY", "/a.txt", "Destination: /c\r\n");
+    QVERIFY(RawClient(port).exchange(copying).status().startsWith("201"));
+    QTRY_VERIFY(RawClient(port)
+                    .exchange(rawRequest("GET", "/", "User-Agent: Mozilla/5.0\r\n"))
+                    .body.contains("<img src=\"/_t/"));
+    program.terminate();
+    QCOMPARE(exitStatus(), 0);
+    QVERIFY(!program.readAllStandardError().contains("saved"));
+
+    // An editor puts a new file in the place of the old.
+    const QString file = options.last() + QLatin1String("/a.txt");
+    start(options.mid(0, options.size() - 1) << file);
+    const quint16 filePort = waitForPort(file);
+    QVERIFY(filePort > 0 && QFile::remove(file));
+    writeFile(file, "newer");
+    QCOMPARE(RawClient(filePort).exchange(rawRequest("GET", "/")).body, QByteArray("newer"));
 }
 
 QTEST_GUILESS_MAIN(TestServe)
