@@ -85,10 +85,25 @@ QImage previewOfJpg(QImageReader &reader, bool whole)
     return reader.read();
 }
 
-/// Only what the extensions stand for is decoded, though one may stand for the other.
-bool isKnown(const QByteArray &format)
+struct Format
 {
-    return format == "png" || format == "jpeg";
+    const char *name; ///< of its decoder
+    const char *signature; ///< that its files begin with
+};
+
+constexpr Format formats[] = { { "png", "\x89PNG\r\n\x1a\n" }, { "jpeg", "\xff\xd8" } };
+
+/// Only what the extensions stand for is decoded, though one may stand for the other. No other
+/// decoder gets to see the file.
+QByteArray formatOf(QIODevice &file)
+{
+    constexpr int longestSignature = 8;
+    const QByteArray start = file.peek(longestSignature);
+    for (const Format &format : formats) {
+        if (start.startsWith(format.signature))
+            return format.name;
+    }
+    return {};
 }
 
 // Of ITU-T T.81, annex B.
@@ -168,18 +183,31 @@ QByteArray encoded(const QImage &picture, const char *format)
 
 } // namespace
 
+void loadDecoders()
+{
+    for (const Format &format : formats) {
+        QBuffer nothing;
+        QImageReader reader(&nothing, format.name);
+        reader.setAutoDetectImageFormat(false);
+        static_cast<void>(reader.canRead());
+    }
+}
+
 QByteArray makePreview(QIODevice &file, const QByteArray &extension)
 {
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
     // Its own limit is lower than ours; ours is checked below.
     QImageReader::setAllocationLimit(int(maxPreviewMemory / (1024 * 1024)));
 #endif
+    const QByteArray format = formatOf(file);
+    if (format.isEmpty())
+        return {};
     const bool whole = holdsWholeJpeg(file);
     file.seek(0);
-    QImageReader reader(&file);
-    reader.setDecideFormatFromContent(true);
+    QImageReader reader(&file, format);
+    reader.setAutoDetectImageFormat(false);
     reader.setAutoTransform(true);
-    if (!reader.canRead() || !isKnown(reader.format()) || reader.size().isEmpty())
+    if (!reader.canRead() || reader.size().isEmpty())
         return {};
     const bool png = extension == "png";
     const QImage picture = png ? previewOfPng(reader) : previewOfJpg(reader, whole);

@@ -1,4 +1,6 @@
+#include "app/CallFilter.h"
 #include "app/PreviewPicture.h"
+#include "app/Sandbox.h"
 
 #include <QFile>
 
@@ -43,13 +45,22 @@ bool setLimit(const Limit &limit)
     return ::setrlimit(limit.resource, &wanted) == 0;
 }
 
-/// A picture that takes a decoder over gets nothing more by it; and none outlives the server.
-bool confine()
+/// None outlives the server.
+bool setLimits()
 {
     return std::all_of(limits.begin(), limits.end(), setLimit)
         && ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0) == 0
         && ::prctl(PR_SET_DUMPABLE, 0, 0, 0, 0) == 0
         && ::prctl(PR_SET_PDEATHSIG, SIGKILL, 0, 0, 0) == 0;
+}
+
+/// A picture that takes a decoder over gets nothing by it but its own bytes and the place of its
+/// preview. Where the kernel can't do that, the limits have to do.
+bool shutOut()
+{
+    loadDecoders();
+    static_cast<void>(confine({}));
+    return forbidOtherCalls();
 }
 
 /// Takes what nobody else wants of processor and disk. Not every system has all three, and a
@@ -83,11 +94,11 @@ ExitStatus convert(const QByteArray &extension)
 /// only argument says what the picture's name ends in: "png" or "jpg".
 int main(int argc, char **argv)
 {
-    if (argc != 2 || !confine())
+    if (argc != 2 || !setLimits())
         return Refused;
     giveWay();
     try {
-        return convert(argv[1]);
+        return shutOut() ? convert(argv[1]) : Refused;
     } catch (const std::bad_alloc &) {
         return Refused;
     }

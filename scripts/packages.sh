@@ -15,6 +15,8 @@ packages_of() {
         # The hash in which passwords are kept.
         echo libsodium-dev pkg-config
         echo openssl
+        # Keeps the program of the previews from calls that it has no need of.
+        echo libseccomp-dev
         # The build asks for it on behalf of the tests.
         echo python3
         ;;

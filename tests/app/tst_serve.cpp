@@ -396,6 +396,7 @@ void TestServe::isConfined_data()
     row("not", "--no-sandbox", " read write start connect");
     row("where links lead out", "--mode auto", " read write");
     row("where nothing leads out", "--mode standard", "");
+    row("while it decodes a picture", "", "");
 }
 
 void TestServe::isConfined()

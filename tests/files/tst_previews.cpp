@@ -87,6 +87,7 @@ void TestPreviews::makes_data()
     row("a tall PNG grows out of the square", encoded(noise(100, 400), "PNG"), "png", { 124, 496 });
     row("a camera that lay on its side", withOrientation(jpeg, 6), "jpg", { 93, 124 });
     row("such a one under the other name", withOrientation(jpeg, 8), "png", { 124, 165 });
+    row("a PNG that takes threads", encoded(noise(1200, 900), "PNG"), "jpg", { 124, 93 });
     row("half a PNG", png.left(png.size() / 2), "png", none);
     row("a progressive JPEG too large",
         withJpegSize(encoded(noise(9, 9), "JPEG", true), 9000, 9000), "jpg", none);
