@@ -76,6 +76,8 @@ DiskError UploadFile::replace(Place place)
     old = openFacts(replaced.get());
     if (!old.file)
         return DiskError::Failed;
+    // It gets a hidden name for a moment, which who was killed right then has left behind.
+    sweeps = true;
     return lock(replaced.get()) ? begin(privateMode) : DiskError::Locked;
 }
 

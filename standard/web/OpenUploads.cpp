@@ -15,7 +15,6 @@ namespace {
 constexpr std::chrono::minutes lookInterval{ 60 };
 constexpr int mostOfAll = 10000;
 constexpr std::size_t mostFinished = 1000;
-constexpr std::size_t mostSwept = 10000;
 
 bool isThere(const QByteArray &id, const OpenUploads::Upload &upload)
 {
@@ -83,16 +82,8 @@ std::optional<qint64> OpenUploads::finishedLength(const QByteArray &id,
     return {};
 }
 
-bool OpenUploads::isSweepDue(dev_t device, ino_t folder)
-{
-    if (swept.size() >= mostSwept)
-        swept.clear();
-    return swept.emplace(device, folder).second;
-}
-
 void OpenUploads::expire()
 {
-    swept.clear();
     const qint64 now = ::time(nullptr);
     forgetGone([now](const Upload &upload) { return upload.expires <= now; });
     if (open.empty())

@@ -10,7 +10,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <set>
 #include <utility>
 
 #include <sys/types.h>
@@ -57,9 +56,6 @@ public:
     /// The length of one that is whole by now; none when it is not, or is another owner's.
     std::optional<qint64> finishedLength(const QByteArray &id, const QByteArray &owner) const;
 
-    /// Whether to look for what earlier runs left in a folder; that is not worth it each time.
-    bool isSweepDue(dev_t device, ino_t folder);
-
 private:
     Q_DISABLE_COPY_MOVE(OpenUploads)
 
@@ -76,7 +72,6 @@ private:
 
     std::map<QByteArray, std::shared_ptr<Upload>> open; ///< by id
     std::deque<Finished> finished; ///< the latest
-    std::set<std::pair<dev_t, ino_t>> swept; ///< since the last look
     QTimer timer; ///< runs while there is anything
 };
 

@@ -1,8 +1,8 @@
 #include "standard/web/UploadMethods.h"
 
-#include "files/DiskJob.h"
 #include "files/DiskWorker.h"
 #include "files/HiddenUploads.h"
+#include "files/LeftoverSweep.h"
 #include "files/Path.h"
 #include "files/Share.h"
 #include "standard/dav/Paths.h"
@@ -34,27 +34,6 @@ std::optional<qint64> bytesOf(const QByteArray &text)
     const qint64 number = text.toLongLong(&good);
     return isPlain && good ? std::optional(number) : std::nullopt;
 }
-
-/// Removes what uploads of an earlier run have left in a folder.
-class UploadSweep final : public DiskJob
-{
-public:
-    explicit UploadSweep(FileDescriptor swept)
-        : folder(std::move(swept))
-    {
-    }
-
-    bool run(const Budget &until) override
-    {
-        if (!until.mayBlock())
-            return false;
-        sweepHiddenUploads(folder.get());
-        return true;
-    }
-
-private:
-    FileDescriptor folder;
-};
 
 } // namespace
 
@@ -136,19 +115,12 @@ void UploadCreation::begin(const PartialRecord &record, bool receives)
         : std::nullopt;
     if (!begun)
         return refuseTus(exchange, statusOf(diskError(errno)));
-    sweep(place);
+    disk().runAside(std::make_shared<LeftoverSweep>(beside(place, place.name)), nullptr, {});
     location = exchange.urlPath(joined(joined(tusPath, parentOf(target())), begun->id()), false);
     if (receives)
         return receive(std::move(*begun));
     enter(*begun);
     accept(*begun, 0);
-}
-
-void UploadCreation::sweep(const Place &place)
-{
-    const EntryFacts folder = entryFacts(place.folder.get());
-    if (uploads().isSweepDue(folder.device, folder.inode))
-        disk().runAside(std::make_shared<UploadSweep>(duplicate(place.folder.get())), nullptr, {});
 }
 
 void UploadCreation::accept(const PartialUpload &made, qint64 offset)

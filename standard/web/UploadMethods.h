@@ -27,7 +27,6 @@ private:
     std::vector<Change> changes() const override;
     bool hasRoom(qint64 length) const;
     void begin(const PartialRecord &record, bool receives);
-    void sweep(const Place &place);
     void accept(const PartialUpload &accepted, qint64 offset) override;
 
     std::vector<QByteArray> missing; ///< folders that are made for it
