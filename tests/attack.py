@@ -1,0 +1,223 @@
+#!/usr/bin/env python3
+"""Walks the ways in which servers like this one have failed, against every face of the console
+program, and looks after each step whether anything outside the share was touched or told.
+
+usage: attack.py PATH/TO/quillon-serve PATH/TO/make_profile
+"""
+
+import os
+import re
+import shutil
+import socket
+import subprocess
+import sys
+import tempfile
+import threading
+from pathlib import Path
+
+SERVE, MAKE_PROFILE = sys.argv[1:3]
+SECRET = b"what is outside"
+TOLD = re.compile(SECRET + rb"|root:x:0|7777777777777|<img src=x|^Location: //", re.M)
+MARKUP = b"<script>alert(1)"
+PATIENCE = 10  # seconds
+PAUSE = 0.3  # seconds after which no further reply is to be expected
+FACES = {  # what serves: profile, mode, what is shared
+    "c": ("plain", "classic", "share"),
+    "S": ("strict", "classic", "share"),
+    "s": ("plain", "standard", "share"),
+    "1": ("plain", "standard", "share/a.txt"),
+}
+BULK = {
+    "LONG": lambda n: f"GET /a.txt; X: {'x' * n}",
+    "FIELDS": lambda n: "GET /a.txt" + "; X: y" * n,
+    "RANGES": lambda n: "GET /a.txt; Range: bytes=" + ",".join(["0-1"] * n),
+    "PATH": lambda n: "GET /" + "a/" * (n // 2),
+    "NESTED": lambda n: "PROPFIND /; Depth: 0;; " + "<a>" * n,
+    "IF": lambda n: "PUT /a.txt; If: " + "(<urn:x> [\"y\"])" * n + ";; x",
+}
+
+
+class World:
+    """The share, what lies around it, and a server for each face."""
+
+    def __init__(self):
+        self.top = Path(tempfile.mkdtemp(prefix="quillon-attack-"))
+        self.home = self.top / "share/home"
+        self.outside = self.top / "outside"
+        self.environment = dict(os.environ, HOME=str(self.home), QUILLON_RESDIR=str(self.top))
+        self.environment.pop("XDG_CACHE_HOME", None)
+        self.home.mkdir(parents=True)
+        for profile in ("plain", "strict"):
+            subprocess.run([MAKE_PROFILE, profile], env=self.environment, check=True)
+        with open(self.home / ".quillon/strict.cnf.ini", "a", encoding="ascii") as text:
+            text.write("strict = yes\n")
+        self.fill()
+        self.servers = {}
+        self.ports = {}
+        self.log = open(self.top / "errors", "wb")
+        for face, what in FACES.items():
+            self.start(face, *what)
+        self.kept = self.around()
+
+    def fill(self):
+        """What rows may have taken away."""
+        share = self.top / "share"
+        self.outside.mkdir(exist_ok=True)
+        (self.outside / "secret").write_bytes(SECRET)
+        for name in ("a.txt", "away.txt", "away2.txt", "sibling.txt",
+                     "markup/<img src=x onerror=alert(1)>.txt", "sub/b.txt"):
+            (share / name).parent.mkdir(exist_ok=True)
+            if not (share / name).exists():
+                (share / name).write_bytes(b"content of " + name.encode())
+        for name, target in (("out", "../outside"), ("outfile", "../outside/secret")):
+            if not os.path.lexists(share / name):
+                (share / name).symlink_to(target)
+        # A head that speaks of more pixels than anything can hold.
+        (share / "bomb.png").write_bytes(bytes.fromhex(
+            "89504e470d0a1a0a0000000d494844520000fa000000fa00080600000000000000"))
+
+    def around(self):
+        """All that nobody may change."""
+        profile = (self.home / ".quillon/plain.cnf").read_bytes()
+        return profile, sorted(os.listdir(self.top)), {
+            str(entry): entry.read_bytes() if entry.is_file() else None
+            for entry in self.outside.rglob("*")}
+
+    def start(self, face, profile, mode, shared):
+        server = subprocess.Popen(
+            [SERVE, "--profile", profile, "--mode", mode, "--address", "127.0.0.1", "--port", "0",
+             str(self.top / shared)], env=self.environment, stdout=subprocess.PIPE, stderr=self.log)
+        self.servers[face] = server
+        for line in server.stdout:
+            if found := re.search(rb"http://127.0.0.1:(\d+)", line):
+                self.ports[face] = int(found[1])
+                return
+        sys.exit(f"the server of face {face} did not start")
+
+    def stop(self):
+        """Whether all end in order."""
+        for server in self.servers.values():
+            server.terminate()
+        codes = [server.wait(PATIENCE) for server in self.servers.values()]
+        self.log.close()
+        errors = (self.top / "errors").read_text(errors="replace")
+        shutil.rmtree(self.top)
+        if any(codes) or "Sanitizer" in errors:
+            print(f"the servers ended with {codes}\n{errors}")
+            return False
+        return True
+
+
+def request(text, port):
+    """The bytes of a REQUEST, and whether the connection ends with its reply."""
+    word, _, count = text.partition(" ")
+    if word in BULK:
+        text = BULK[word](int(count))
+    text = text.replace("{host}", "127.0.0.1").replace("{port}", str(port))
+    if text.startswith("raw:"):
+        return text[4:].encode("latin-1").decode("unicode_escape").encode("latin-1"), False
+    head, _, body = text.partition(";; ")
+    body = body.encode("latin-1").decode("unicode_escape").encode("latin-1")
+    first, *fields = head.split("; ")
+    # Parameters of a media type belong to its field.
+    fields = re.sub("\n(?=boundary=)", "; ", "\n".join(fields)).split("\n") if fields else []
+    lines = [first.encode("latin-1").decode("unicode_escape") + " HTTP/1.1",
+             f"Host: 127.0.0.1:{port}", "Connection: close", *fields]
+    if body:
+        lines.append(f"Content-Length: {len(body)}")
+    return "\r\n".join(lines + ["", ""]).encode("latin-1") + body, True
+
+
+def exchange(port, data, ends):
+    """All that is answered."""
+    answer = b""
+    with socket.create_connection(("127.0.0.1", port), PATIENCE) as peer:
+        try:
+            peer.sendall(data)
+            while piece := peer.recv(65536):
+                answer += piece
+                peer.settimeout(PATIENCE if ends else PAUSE)
+        except ConnectionError:
+            pass
+        except TimeoutError:
+            if ends or not answer:
+                raise
+    return answer
+
+
+def faults(world, face, allowed, data, ends):
+    """What is wrong with how a face takes a request."""
+    port = world.ports[face]
+    try:
+        answer = exchange(port, data, ends)
+    except TimeoutError:
+        return ["no answer"]
+    found = []
+    statuses = re.findall(rb"(?:^|(?<=\n))HTTP/1\.[01] (\d{3})", answer)
+    first = statuses[0].decode() if statuses else "-"
+    if first not in allowed and not (first == "-" and answer and "200" in allowed):
+        found.append(f"answered {first}")
+    if "!" in allowed and len(statuses) > 1:
+        found.append(f"took it for {len(statuses)} requests")
+    if b"\nX-Evil" in answer.partition(b"\r\n\r\n")[0]:
+        found.append("took a line of its own")
+    if told := TOLD.search(answer):
+        found.append(f"told {told[0]!r}")
+    # The given not-found page shows its path as it came, where no script may run.
+    if MARKUP in answer and (face != "c" or b"Content-Security-Policy: sandbox" not in answer):
+        found.append("markup came back")
+    if world.around() != world.kept:
+        found.append("something outside was changed")
+        shutil.rmtree(world.outside)
+    world.fill()
+    if not exchange(port, *request("GET /" if face == "1" else "GET /a.txt", port)).startswith(
+            b"HTTP/1.1 200"):
+        found.append("it serves no more")
+    return found
+
+
+def walk(world):
+    """Every row of the table against every face that it is for: how many were tried and failed."""
+    tried = failed = 0
+    table = Path(__file__).with_name("attacks.txt").read_text(encoding="ascii")
+    for line in table.splitlines():
+        if not line or line.startswith("#"):
+            continue
+        what, faces, allowed, text = line.split(" | ", 3)
+        for face in faces:
+            tried += 1
+            wrong = faults(world, face, allowed.split(), *request(text, world.ports[face]))
+            if wrong:
+                failed += 1
+                print(f"{what}, {FACES[face]}: {'; '.join(wrong)}")
+    return tried, failed
+
+
+def race(world, face):
+    """Many write one name at once: it holds what one of them sent, whole."""
+    bodies = [bytes([65 + i]) * 300_000 for i in range(16)]
+    port = world.ports[face]
+    head = "PUT /raced HTTP/1.1\r\nHost: 127.0.0.1\r\nConnection: close\r\nContent-Length: 300000"
+    threads = [threading.Thread(target=exchange, args=(port, f"{head}\r\n\r\n".encode() + body, True))
+               for body in bodies]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    raced = world.top / "share/raced"
+    good = raced.read_bytes() in bodies
+    raced.unlink()
+    if not good:
+        print(f"a file that nobody sent, {FACES[face]}")
+    return good
+
+
+def main():
+    world = World()
+    tried, failed = walk(world)
+    failed += sum(not race(world, face) for face in "cs")
+    print(f"{tried + 2} tried, {failed} failed")
+    sys.exit(0 if world.stop() and not failed else 1)
+
+
+main()
