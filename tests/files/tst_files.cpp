@@ -316,12 +316,17 @@ void FilesTest::largeFolderLeavesTheLoopFree()
                    });
     };
     QTest::qWait(100); // so that the next change will show
+    QElapsedTimer age;
+    age.start();
     list({}, { 50000, 30 });
     list({}, { 50010, 20 }); // waits for the first
     list({}, { 99990, 30 }); // has all put in order
     QTRY_COMPARE_WITH_TIMEOUT(int(listings.size()), 3, 60000);
-    list({}, { 5, 1 }); // is there
-    QVERIFY(listings[0] == listings[1] && listings.at(3) == listings[2]);
+    list({}, { 5, 1 }); // is there, unless this machine is so slow that it is old by now
+    const bool isThere = listings.size() == 4;
+    QVERIFY(isThere || age.hasExpired(4000));
+    QTRY_COMPARE_WITH_TIMEOUT(int(listings.size()), 4, 60000);
+    QVERIFY(listings[0] == listings[1] && (!isThere || listings[3] == listings[2]));
     list({ Order::LargestFirst }, { 7, 1 });
     disk.write("0"); // the largest
     list({ Order::LargestFirst }, { 0, 1 }); // has to be another
