@@ -9,7 +9,7 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr auto keptTime = 1s;
-constexpr int sweepInterval = 1000; ///< milliseconds
+constexpr int closeInterval = 1000; ///< milliseconds
 constexpr int maxKept = 64;
 constexpr qint64 maxKeptSize =
     qint64(256) * 1024; ///< bytes; the room of larger ones is free at once
@@ -56,7 +56,7 @@ void OpenFiles::keep(const QByteArray &path, const ServedFile &file)
         kept.clear();
     kept.insert(path, { file, Clock::now() });
     if (!timer.isActive())
-        timer.start(sweepInterval, this);
+        timer.start(closeInterval, this);
 }
 
 void OpenFiles::dropOld()

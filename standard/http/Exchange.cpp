@@ -1,6 +1,7 @@
 #include "standard/http/Exchange.h"
 
 #include "files/Path.h"
+#include "standard/http/Reserved.h"
 
 #include <limits>
 #include <utility>
@@ -25,7 +26,9 @@ void Exchange::begin(Request request)
 void Exchange::setAccess(const Access &found)
 {
     visitor = found;
-    cleaned = visitor.inShare(cleaned);
+    // The server's own names are the same for all.
+    if (!isReserved(cleaned))
+        cleaned = visitor.inShare(cleaned);
 }
 
 void Exchange::forget()

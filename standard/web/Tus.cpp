@@ -8,12 +8,19 @@
 
 namespace standard {
 
-UploadName::UploadName(const QByteArray &requested)
+UploadName::UploadName(const Exchange &exchange)
 {
-    const QByteArray path = pathBelow(requested, tusPath);
+    const QByteArray path = pathBelow(exchange.path(), tusPath);
     const auto slash = path.lastIndexOf('/');
-    folder = slash < 0 ? QByteArray() : path.left(slash);
+    folder = exchange.access().inShare(slash < 0 ? QByteArray() : path.left(slash));
     id = path.mid(slash + 1);
+}
+
+QByteArray uploadUrl(const Exchange &exchange, const QByteArray &folder, const QByteArray &id)
+{
+    const UrlSpace urls = exchange.urls();
+    const QByteArray path = joined(joined(tusPath, seenFrom(urls.home, folder)), id);
+    return urlPath({ urls.prefix, {} }, path, false);
 }
 
 QByteArray joined(const QByteArray &folder, const QByteArray &rest)
@@ -55,15 +62,15 @@ Fields progressFields(const PartialUpload &upload, qint64 offset)
 
 std::optional<PartialUpload> findUpload(const Exchange &exchange)
 {
-    const UploadName named(exchange.path());
+    const UploadName named(exchange);
     const Share *share = exchange.share().get();
     if (!share || !PartialUpload::isId(named.id))
         return {};
     const Place beside = share->place(joined(named.folder, named.id));
     std::optional<PartialUpload> found =
         beside.isValid() ? PartialUpload::find(beside, named.id) : std::nullopt;
-    const bool isTheirs =
-        found && (found->record().owner.isEmpty() || found->record().owner == exchange.user());
+    const bool isTheirs = found
+        && (found->record().owner.isEmpty() || found->record().owner == exchange.access().account);
     return isTheirs ? std::move(found) : std::nullopt;
 }
 

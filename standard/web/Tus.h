@@ -21,8 +21,12 @@ struct UploadName
     QByteArray folder; ///< a path of the share
     QByteArray id; ///< anything, when the request names no upload
 
-    explicit UploadName(const QByteArray &requested);
+    explicit UploadName(const Exchange &exchange);
 };
+
+/// The path of a URL by which its visitor goes on with an upload into `folder`, a path of the
+/// share.
+QByteArray uploadUrl(const Exchange &exchange, const QByteArray &folder, const QByteArray &id);
 
 /// A path of the share, one segment or more below another.
 QByteArray joined(const QByteArray &folder, const QByteArray &rest);

@@ -39,7 +39,7 @@ std::optional<qint64> bytesOf(const QByteArray &text)
 
 void UploadCreation::start()
 {
-    if (!speaksTus(exchange) || !mayUpload())
+    if (!speaksTus(exchange))
         return;
     const std::optional<Wanted> wanted = readWanted();
     if (!wanted)
@@ -62,7 +62,7 @@ std::optional<UploadCreation::Wanted> UploadCreation::readWanted()
     const std::optional<qint64> length = bytesOf(request.value("Upload-Length"));
     const QByteArray notes = request.value("Upload-Metadata");
     const std::optional<UploadMetadata> about = parseUploadMetadata(notes);
-    const QByteArray folder = pathBelow(exchange.path(), tusPath);
+    const QByteArray folder = exchange.access().inShare(pathBelow(exchange.path(), tusPath));
     const QByteArray path = about ? joined(folder, about->path) : QByteArray();
     Status status = Status::Ok;
     if (!length || !about)
@@ -75,7 +75,7 @@ std::optional<UploadCreation::Wanted> UploadCreation::readWanted()
         status = Status::Forbidden;
     if (status == Status::Ok)
         return Wanted{ path,
-                       { path.mid(path.lastIndexOf('/') + 1), *length, exchange.user(),
+                       { path.mid(path.lastIndexOf('/') + 1), *length, exchange.access().account,
                          request.value("Overwrite") == "T", notes } };
     refuseTus(exchange, status);
     return {};
@@ -116,7 +116,7 @@ void UploadCreation::begin(const PartialRecord &record, bool receives)
     if (!begun)
         return refuseTus(exchange, statusOf(diskError(errno)));
     disk().runAside(std::make_shared<LeftoverSweep>(beside(place, place.name)), nullptr, {});
-    location = exchange.urlPath(joined(joined(tusPath, parentOf(target())), begun->id()), false);
+    location = uploadUrl(exchange, parentOf(target()), begun->id());
     if (receives)
         return receive(std::move(*begun));
     enter(*begun);
@@ -143,7 +143,7 @@ void UploadCreation::ended()
 
 void UploadAppend::start()
 {
-    if (!speaksTus(exchange) || !mayUpload())
+    if (!speaksTus(exchange))
         return;
     std::optional<PartialUpload> found = findUpload(exchange);
     if (!found)
@@ -156,7 +156,7 @@ void UploadAppend::start()
     if (given != offset)
         return refuseTus(exchange, given ? Status::Conflict : Status::BadRequest, {},
                          { offsetField(offset) });
-    const QByteArray folder = UploadName(exchange.path()).folder;
+    const QByteArray folder = UploadName(exchange).folder;
     if (fits(record.length - offset) && mayStand(joined(folder, record.name), record.replaces))
         receive(std::move(*found));
 }
@@ -171,9 +171,9 @@ void UploadStatus::start()
     if (!speaksTus(exchange))
         return;
     const Field fresh{ "Cache-Control", "no-store" };
-    const QByteArray id = UploadName(exchange.path()).id;
+    const QByteArray id = UploadName(exchange).id;
     const std::optional<qint64> whole =
-        exchange.routes().uploads->finishedLength(id, exchange.user());
+        exchange.routes().uploads->finishedLength(id, exchange.access().account);
     const std::optional<PartialUpload> found = whole ? std::nullopt : findUpload(exchange);
     if (!whole && !found)
         return refuseTus(exchange, Status::NotFound, {}, { fresh });
@@ -188,7 +188,7 @@ void UploadStatus::start()
 
 void UploadRemoval::start()
 {
-    if (!speaksTus(exchange) || !mayUpload())
+    if (!speaksTus(exchange))
         return;
     const std::optional<PartialUpload> found = findUpload(exchange);
     if (!found)

@@ -41,6 +41,8 @@ bool UploadReceiver::mayStand(const QByteArray &path, bool mayReplace)
     const EntryFacts found = factsAt(path);
     m_target = path;
     replaces = found.exists;
+    if (!isPermitted(replaces && mayReplace ? Right::Change : Right::Add, path))
+        return false;
     if (!found.link && (!found.exists || (found.file && mayReplace)))
         return exchange.mayChange(changes());
     refuse(Status::PreconditionFailed, "Something has that name.");
