@@ -1,8 +1,10 @@
 #include "desktop/settings/AccessPage.h"
 
+#include "desktop/settings/RightsDialog.h"
 #include "desktop/settings/UserDialog.h"
 #include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/Fields.h"
+#include "server/PasswordHash.h"
 
 #include <QFormLayout>
 #include <QHeaderView>
@@ -14,7 +16,9 @@
 
 namespace {
 
-enum Column { UserColumn = 0, PasswordColumn = 1 };
+enum Column { UserColumn = 0, PasswordColumn = 1, LoginColumn = 2 };
+
+constexpr int storedName = Qt::UserRole; ///< under which the account was last stored
 
 constexpr QLatin1Char separator(':');
 
@@ -38,6 +42,29 @@ public:
 
 private:
     const bool &visible;
+};
+
+/// By which schemes of HTTP the account of a password can log in.
+class LoginItem : public QTableWidgetItem
+{
+public:
+    /// The item of the same row, which outlives it.
+    explicit LoginItem(const QTableWidgetItem &stored)
+        : password(stored)
+    {
+        setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
+    }
+
+    QVariant data(int role) const override
+    {
+        if (role != Qt::DisplayRole)
+            return QTableWidgetItem::data(role);
+        const bool hashed = isPasswordHash(password.data(Qt::EditRole).toString());
+        return hashed ? QStringLiteral("Basic") : QStringLiteral("Digest, Basic");
+    }
+
+private:
+    const QTableWidgetItem &password;
 };
 
 class UserDelegate : public QStyledItemDelegate
@@ -80,6 +107,27 @@ public:
         auto *edit = new QLineEdit(parent);
         edit->setEchoMode(visible ? QLineEdit::Normal : QLineEdit::Password);
         return edit;
+    }
+
+    /// There is nothing to be seen of what is kept as a hash.
+    void setEditorData(QWidget *editor, const QModelIndex &index) const override
+    {
+        if (!isPasswordHash(index.data(Qt::EditRole).toString()))
+            QStyledItemDelegate::setEditorData(editor, index);
+    }
+
+    /// A new password is kept as the old one was.
+    void setModelData(QWidget *editor, QAbstractItemModel *model,
+                      const QModelIndex &index) const override
+    {
+        const auto *edit = qobject_cast<const QLineEdit *>(editor);
+        if (!edit || !isPasswordHash(index.data(Qt::EditRole).toString()))
+            return QStyledItemDelegate::setModelData(editor, model, index);
+        if (edit->text().isEmpty())
+            return;
+        const QByteArray hash = newPasswordHash(edit->text().toUtf8());
+        if (!hash.isEmpty())
+            model->setData(index, QString::fromLatin1(hash));
     }
 
 private:
@@ -125,8 +173,8 @@ QWidget *AccessPage::passwordPanel()
 
 QWidget *AccessPage::usersPanel()
 {
-    table = new QTableWidget(0, 2);
-    table->setHorizontalHeaderLabels({ tr("User"), tr("Password") });
+    table = new QTableWidget(0, 3);
+    table->setHorizontalHeaderLabels({ tr("User"), tr("Password"), tr("Login") });
     table->setItemDelegateForColumn(UserColumn, new UserDelegate(table));
     table->setItemDelegateForColumn(PasswordColumn, new PasswordDelegate(showPasswords, table));
     table->setAccessibleName(tr("Users"));
@@ -139,6 +187,7 @@ QWidget *AccessPage::usersPanel()
 
     auto *show = new SwitchBox(tr("Show passwords"));
     QPushButton *add = newButton(tr("Add user"));
+    QPushButton *rights = newButton(tr("Rights and home"));
     QPushButton *remove = newButton(tr("Remove user"));
 
     auto *panel = new QWidget;
@@ -148,23 +197,21 @@ QWidget *AccessPage::usersPanel()
     grid->addWidget(show, 1, 0, 1, 2);
     // One below the other: side by side some languages are too wide for a narrow screen.
     grid->addWidget(add, 2, 0, 1, 2);
-    grid->addWidget(remove, 3, 0, 1, 2);
+    grid->addWidget(rights, 3, 0, 1, 2);
+    grid->addWidget(remove, 4, 0, 1, 2);
 
     connect(table, &QTableWidget::itemChanged, this, &AccessPage::storeUsers);
     connect(show, &QCheckBox::toggled, this, &AccessPage::setPasswordsVisible);
     connect(add, &QPushButton::clicked, this, &AccessPage::addUser);
+    connect(rights, &QPushButton::clicked, this, &AccessPage::editRights);
     connect(remove, &QPushButton::clicked, this, &AccessPage::removeUser);
     return panel;
 }
 
 void AccessPage::fillTable()
 {
-    for (const QString &account : std::as_const(workingCopy->users)) {
-        // A password may hold colons itself.
-        const int colon = int(account.indexOf(separator));
-        const QString user = colon < 0 ? account : account.left(colon);
-        appendRow(user, colon < 0 ? QString() : account.mid(colon + 1));
-    }
+    for (const QString &account : std::as_const(workingCopy->users))
+        appendRow(accountName(account), accountPassword(account));
 }
 
 void AccessPage::appendRow(const QString &user, const QString &password)
@@ -173,7 +220,9 @@ void AccessPage::appendRow(const QString &user, const QString &password)
     const int row = table->rowCount();
     table->insertRow(row);
     table->setItem(row, UserColumn, new QTableWidgetItem(user));
+    table->item(row, UserColumn)->setData(storedName, user);
     table->setItem(row, PasswordColumn, new PasswordItem(password, showPasswords));
+    table->setItem(row, LoginColumn, new LoginItem(*table->item(row, PasswordColumn)));
 }
 
 void AccessPage::setMode(int mode)
@@ -197,8 +246,29 @@ void AccessPage::removeUser()
     const int row = table->currentRow();
     if (row < 0)
         return;
+    // Not for somebody who gets the name later.
+    auto rights = workingCopy->accountRights;
+    rights.remove(table->item(row, UserColumn)->text());
     table->removeRow(row);
+    store(&ProfileValues::accountRights, rights);
     storeUsers();
+}
+
+void AccessPage::editRights()
+{
+    const QTableWidgetItem *user = table->item(table->currentRow(), UserColumn);
+    if (!user)
+        return;
+    auto rights = workingCopy->accountRights;
+    RightsDialog dialog(rights.value(user->text()), workingCopy->rightsOfEveryone(), this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    const AccountRights chosen = dialog.account();
+    if (chosen.rights || !chosen.home.isEmpty())
+        rights.insert(user->text(), chosen);
+    else
+        rights.remove(user->text());
+    store(&ProfileValues::accountRights, rights);
 }
 
 void AccessPage::storeUsers()
@@ -206,10 +276,21 @@ void AccessPage::storeUsers()
     const auto cell = [this](int row, Column column) {
         return table->item(row, column)->data(Qt::EditRole).toString();
     };
+    const QSignalBlocker quiet(table);
     QStringList users;
-    for (int row = 0; row < table->rowCount(); ++row)
-        users.append(cell(row, UserColumn) + separator + cell(row, PasswordColumn));
+    auto rights = workingCopy->accountRights;
+    for (int row = 0; row < table->rowCount(); ++row) {
+        QTableWidgetItem *user = table->item(row, UserColumn);
+        const QString before = user->data(storedName).toString();
+        // Who gets another name keeps the rights.
+        if (before != user->text() && rights.contains(before))
+            rights.insert(user->text(), rights.take(before));
+        user->setData(storedName, user->text());
+        users.append(user->text() + separator + cell(row, PasswordColumn));
+    }
+    store(&ProfileValues::accountRights, rights);
     store(&ProfileValues::users, users);
+    table->viewport()->update();
 }
 
 void AccessPage::setPasswordsVisible(bool visible)

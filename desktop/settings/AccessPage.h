@@ -18,6 +18,7 @@ private Q_SLOTS:
     void setMode(int mode);
     void addUser();
     void removeUser();
+    void editRights();
     void storeUsers();
     void setPasswordsVisible(bool visible);
 

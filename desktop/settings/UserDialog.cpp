@@ -3,6 +3,7 @@
 #include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/Fields.h"
 #include "desktop/widgets/Prompts.h"
+#include "server/PasswordHash.h"
 
 #include <QLabel>
 #include <QRegularExpressionValidator>
@@ -20,6 +21,7 @@ UserDialog::UserDialog(QWidget *parent)
     : QDialog(parent)
     , nameEdit(newAccountNameEdit(this))
     , passwordField(new PasswordField)
+    , readable(new SwitchBox(tr("Keep readable for Digest")))
 {
     setWindowTitle(tr("Add user"));
     nameEdit->setMinimumHeight(fingerSize);
@@ -29,6 +31,7 @@ UserDialog::UserDialog(QWidget *parent)
     layout->addWidget(nameEdit);
     layout->addWidget(newCaption(tr("Password"), passwordField));
     layout->addWidget(passwordField);
+    layout->addWidget(readable);
     layout->addStretch();
     auto *buttons = new OkCancelButtons(this);
     layout->addWidget(buttons);
@@ -41,17 +44,16 @@ UserDialog::UserDialog(QWidget *parent)
 
 void UserDialog::accept()
 {
-    if (password().isEmpty())
+    const QString typed = passwordField->edit()->text();
+    if (typed.isEmpty())
         return warn(this, tr("A user needs a password."));
+    stored = readable->isChecked() ? typed : QString::fromLatin1(newPasswordHash(typed.toUtf8()));
+    if (stored.isEmpty())
+        return warn(this, tr("There is not enough memory to keep the password."));
     QDialog::accept();
 }
 
 QString UserDialog::user() const
 {
     return nameEdit->text();
-}
-
-QString UserDialog::password() const
-{
-    return passwordField->edit()->text();
 }

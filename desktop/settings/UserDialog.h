@@ -3,6 +3,7 @@
 #include <QDialog>
 
 class PasswordField;
+class QCheckBox;
 class QLineEdit;
 
 /// A line for the name of an account. It takes no colon, which would end the name where the
@@ -20,11 +21,15 @@ public:
 
     // Neither is empty after OK.
     QString user() const;
-    QString password() const;
+
+    /// As it is to be stored: its hash, unless Digest is to use it.
+    QString password() const { return stored; }
 
     void accept() override;
 
 private:
     QLineEdit *nameEdit;
     PasswordField *passwordField;
+    QCheckBox *readable;
+    QString stored;
 };

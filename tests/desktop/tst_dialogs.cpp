@@ -5,6 +5,7 @@
 #include "desktop/settings/ProfileDialog.h"
 #include "desktop/settings/ProfileUser.h"
 #include "desktop/settings/SettingsDialog.h"
+#include "server/PasswordHash.h"
 #include "tests/desktop/Widgets.h"
 #include "tests/support/LiveServer.h"
 
@@ -131,6 +132,7 @@ private Q_SLOTS:
             QCOMPARE(boxText([&] { click(asking, "OK"); }),
                      QStringLiteral("A user needs a password."));
             retype(named<QWidget>(asking, "Password"), "p:q");
+            click(asking, "Keep readable for Digest");
             click(asking, "OK");
         };
         inModal<QDialog>([this] { click(page(), "Add user"); }, addUser);
@@ -143,6 +145,49 @@ private Q_SLOTS:
         table->setCurrentCell(1, 0);
         click(page(), "Remove user");
         QCOMPARE(applied()->users, words("anna:pass:word carl:p:q"));
+    }
+
+    void editsRightsOfUsers()
+    {
+        global->authMode = AuthBasic;
+        global->users = words("anna:pass");
+        open(1);
+        auto *table = page()->findChild<QTableWidget *>();
+        const auto addUser = [](QDialog *asking) {
+            retype(named<QWidget>(asking, "User"), "dora");
+            retype(named<QWidget>(asking, "Password"), "s");
+            click(asking, "OK");
+        };
+        inModal<QDialog>([this] { click(page(), "Add user"); }, addUser);
+        const auto stored = [this] { return accountPassword(applied()->users.at(1)).toLatin1(); };
+        QVERIFY(fitsPasswordHash("s", stored()));
+        QCOMPARE(table->item(0, 2)->text(), QStringLiteral("Digest, Basic"));
+        QCOMPARE(table->item(1, 2)->text(), QStringLiteral("Basic"));
+        table->editItem(table->item(1, 1)); // a new one is hashed too
+        auto *editor = table->viewport()->findChild<QLineEdit *>();
+        QVERIFY(editor->text().isEmpty());
+        editor->setText(QStringLiteral("t"));
+        QTest::keyClick(editor, Qt::Key_Return);
+        QTRY_VERIFY(fitsPasswordHash("t", stored()));
+
+        table->setCurrentCell(1, 0);
+        const auto choose = [](QDialog *asking) {
+            SmallScreens::check(asking, QStringLiteral("rights"));
+            QVERIFY(!named<QWidget>(asking, "Delete files")->isEnabled());
+            click(asking, "Rights of its own");
+            click(asking, "Delete files");
+            retype(named<QWidget>(asking, "Home folder in the share"), "d d");
+            click(asking, "OK");
+        };
+        inModal<QDialog>([this] { click(page(), "Rights and home"); }, choose);
+        table->item(1, 0)->setText(QStringLiteral("dolly"));
+        const auto rights = applied()->accountRights;
+        QCOMPARE(rights.keys(), QStringList(QStringLiteral("dolly")));
+        QCOMPARE(rights.first().home, QByteArray("/d d"));
+        QCOMPARE(rightsText(rights.first().rights.value_or(Rights())),
+                 QByteArray("see, read, add, change"));
+        click(page(), "Remove user");
+        QVERIFY(applied()->accountRights.isEmpty());
     }
 
     void savesHoweverItIsClosed()

@@ -186,6 +186,14 @@
         <source>Remove user</source>
         <translation>Remove user</translation>
     </message>
+    <message>
+        <source>Login</source>
+        <translation>Login</translation>
+    </message>
+    <message>
+        <source>Rights and home</source>
+        <translation>Rights and home</translation>
+    </message>
 </context>
 <context>
     <name>DnsPage</name>
@@ -227,6 +235,41 @@
     <message>
         <source>Enable upload</source>
         <translation>Enable upload</translation>
+    </message>
+</context>
+<context>
+    <name>RightsDialog</name>
+    <message>
+        <source>Rights of its own</source>
+        <translation>Rights of its own</translation>
+    </message>
+    <message>
+        <source>Rights and home</source>
+        <translation>Rights and home</translation>
+    </message>
+    <message>
+        <source>See what there is</source>
+        <translation>See what there is</translation>
+    </message>
+    <message>
+        <source>Read files</source>
+        <translation>Read files</translation>
+    </message>
+    <message>
+        <source>Add files</source>
+        <translation>Add files</translation>
+    </message>
+    <message>
+        <source>Change files</source>
+        <translation>Change files</translation>
+    </message>
+    <message>
+        <source>Delete files</source>
+        <translation>Delete files</translation>
+    </message>
+    <message>
+        <source>Home folder in the share</source>
+        <translation>Home folder in the share</translation>
     </message>
 </context>
 <context>
@@ -920,6 +963,14 @@
     <message>
         <source>A user needs a password.</source>
         <translation>A user needs a password.</translation>
+    </message>
+    <message>
+        <source>Keep readable for Digest</source>
+        <translation>Keep readable for Digest</translation>
+    </message>
+    <message>
+        <source>There is not enough memory to keep the password.</source>
+        <translation>There is not enough memory to keep the password.</translation>
     </message>
 </context>
 <context>

@@ -186,6 +186,14 @@
         <source>Remove user</source>
         <translation>Benutzer entfernen</translation>
     </message>
+    <message>
+        <source>Login</source>
+        <translation>Anmeldung</translation>
+    </message>
+    <message>
+        <source>Rights and home</source>
+        <translation>Rechte und Ordner</translation>
+    </message>
 </context>
 <context>
     <name>DnsPage</name>
@@ -227,6 +235,41 @@
     <message>
         <source>Enable upload</source>
         <translation>Hochladen erlauben</translation>
+    </message>
+</context>
+<context>
+    <name>RightsDialog</name>
+    <message>
+        <source>Rights of its own</source>
+        <translation>Eigene Rechte</translation>
+    </message>
+    <message>
+        <source>Rights and home</source>
+        <translation>Rechte und Ordner</translation>
+    </message>
+    <message>
+        <source>See what there is</source>
+        <translation>Sehen, was da ist</translation>
+    </message>
+    <message>
+        <source>Read files</source>
+        <translation>Dateien lesen</translation>
+    </message>
+    <message>
+        <source>Add files</source>
+        <translation>Dateien hinzufügen</translation>
+    </message>
+    <message>
+        <source>Change files</source>
+        <translation>Dateien ändern</translation>
+    </message>
+    <message>
+        <source>Delete files</source>
+        <translation>Dateien löschen</translation>
+    </message>
+    <message>
+        <source>Home folder in the share</source>
+        <translation>Eigener Ordner in der Freigabe</translation>
     </message>
 </context>
 <context>
@@ -920,6 +963,14 @@
     <message>
         <source>A user needs a password.</source>
         <translation>Ein Benutzer braucht ein Passwort.</translation>
+    </message>
+    <message>
+        <source>Keep readable for Digest</source>
+        <translation>Lesbar behalten, für Digest</translation>
+    </message>
+    <message>
+        <source>There is not enough memory to keep the password.</source>
+        <translation>Der Speicher reicht nicht, um das Passwort zu sichern.</translation>
     </message>
 </context>
 <context>

@@ -186,6 +186,14 @@
         <source>Remove user</source>
         <translation>Quitar usuario</translation>
     </message>
+    <message>
+        <source>Login</source>
+        <translation>Acceso</translation>
+    </message>
+    <message>
+        <source>Rights and home</source>
+        <translation>Permisos y carpeta</translation>
+    </message>
 </context>
 <context>
     <name>DnsPage</name>
@@ -227,6 +235,41 @@
     <message>
         <source>Enable upload</source>
         <translation>Permitir subir</translation>
+    </message>
+</context>
+<context>
+    <name>RightsDialog</name>
+    <message>
+        <source>Rights of its own</source>
+        <translation>Permisos propios</translation>
+    </message>
+    <message>
+        <source>Rights and home</source>
+        <translation>Permisos y carpeta</translation>
+    </message>
+    <message>
+        <source>See what there is</source>
+        <translation>Ver lo que hay</translation>
+    </message>
+    <message>
+        <source>Read files</source>
+        <translation>Leer archivos</translation>
+    </message>
+    <message>
+        <source>Add files</source>
+        <translation>Añadir archivos</translation>
+    </message>
+    <message>
+        <source>Change files</source>
+        <translation>Cambiar archivos</translation>
+    </message>
+    <message>
+        <source>Delete files</source>
+        <translation>Borrar archivos</translation>
+    </message>
+    <message>
+        <source>Home folder in the share</source>
+        <translation>Carpeta propia en lo compartido</translation>
     </message>
 </context>
 <context>
@@ -920,6 +963,14 @@
     <message>
         <source>A user needs a password.</source>
         <translation>Un usuario necesita una contraseña.</translation>
+    </message>
+    <message>
+        <source>Keep readable for Digest</source>
+        <translation>Mantener legible, para Digest</translation>
+    </message>
+    <message>
+        <source>There is not enough memory to keep the password.</source>
+        <translation>No hay memoria suficiente para guardar la contraseña.</translation>
     </message>
 </context>
 <context>

@@ -186,6 +186,14 @@
         <source>Remove user</source>
         <translation>Retirer l’utilisateur</translation>
     </message>
+    <message>
+        <source>Login</source>
+        <translation>Connexion</translation>
+    </message>
+    <message>
+        <source>Rights and home</source>
+        <translation>Droits et dossier</translation>
+    </message>
 </context>
 <context>
     <name>DnsPage</name>
@@ -227,6 +235,41 @@
     <message>
         <source>Enable upload</source>
         <translation>Autoriser l’envoi</translation>
+    </message>
+</context>
+<context>
+    <name>RightsDialog</name>
+    <message>
+        <source>Rights of its own</source>
+        <translation>Droits propres</translation>
+    </message>
+    <message>
+        <source>Rights and home</source>
+        <translation>Droits et dossier</translation>
+    </message>
+    <message>
+        <source>See what there is</source>
+        <translation>Voir ce qu’il y a</translation>
+    </message>
+    <message>
+        <source>Read files</source>
+        <translation>Lire les fichiers</translation>
+    </message>
+    <message>
+        <source>Add files</source>
+        <translation>Ajouter des fichiers</translation>
+    </message>
+    <message>
+        <source>Change files</source>
+        <translation>Modifier les fichiers</translation>
+    </message>
+    <message>
+        <source>Delete files</source>
+        <translation>Supprimer les fichiers</translation>
+    </message>
+    <message>
+        <source>Home folder in the share</source>
+        <translation>Dossier propre dans le partage</translation>
     </message>
 </context>
 <context>
@@ -920,6 +963,14 @@
     <message>
         <source>A user needs a password.</source>
         <translation>Un utilisateur a besoin d’un mot de passe.</translation>
+    </message>
+    <message>
+        <source>Keep readable for Digest</source>
+        <translation>Garder lisible, pour Digest</translation>
+    </message>
+    <message>
+        <source>There is not enough memory to keep the password.</source>
+        <translation>La mémoire ne suffit pas pour garder le mot de passe.</translation>
     </message>
 </context>
 <context>
