@@ -19,8 +19,8 @@ namespace {
 
 using SweepClock = std::chrono::steady_clock;
 
-constexpr auto pause = 1h;
-constexpr std::size_t maxFolders = 4096;
+constexpr auto leastPause = 1h;
+constexpr std::size_t maxRemembered = 4096;
 
 /// Of the whole process, like the folders themselves.
 struct Swept
@@ -35,10 +35,10 @@ bool isDue(const EntryFacts &folder)
     static Swept swept;
     const auto now = SweepClock::now();
     const std::lock_guard<std::mutex> lock(swept.mutex);
-    if (swept.folders.size() == maxFolders)
+    if (swept.folders.size() == maxRemembered)
         swept.folders.clear();
     const auto [at, isNew] = swept.folders.emplace(std::pair(folder.device, folder.inode), now);
-    if (!isNew && now - at->second < pause)
+    if (!isNew && now - at->second < leastPause)
         return false;
     at->second = now;
     return true;

@@ -3,11 +3,11 @@
 #include "files/Share.h"
 #include "standard/dav/DavState.h"
 #include "standard/dav/IfHeader.h"
-#include "standard/dav/MultiStatus.h"
 #include "standard/dav/Paths.h"
 #include "standard/dav/Visitor.h"
 #include "standard/http/Conditions.h"
 #include "standard/http/Exchange.h"
+#include "standard/http/MultiStatus.h"
 #include "standard/http/Uri.h"
 
 #include <algorithm>

@@ -1,7 +1,7 @@
 #include "standard/dav/LockDiscovery.h"
 
-#include "standard/dav/MultiStatus.h"
 #include "standard/dav/Paths.h"
+#include "standard/http/MultiStatus.h"
 
 #include <algorithm>
 #include <utility>

@@ -5,8 +5,8 @@
 #include "files/Share.h"
 #include "standard/dav/DavState.h"
 #include "standard/dav/Limits.h"
-#include "standard/dav/MultiStatus.h"
 #include "standard/dav/RequestBodies.h"
+#include "standard/http/MultiStatus.h"
 
 #include <algorithm>
 #include <utility>

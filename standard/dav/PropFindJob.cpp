@@ -2,7 +2,7 @@
 
 #include "files/HiddenUploads.h"
 #include "files/Share.h"
-#include "standard/dav/MultiStatus.h"
+#include "standard/http/MultiStatus.h"
 #include "standard/http/Reserved.h"
 #include "standard/http/Resource.h"
 #include "standard/http/Uri.h"

@@ -4,7 +4,7 @@
 #include "files/Share.h"
 #include "standard/dav/DavState.h"
 #include "standard/dav/Limits.h"
-#include "standard/dav/MultiStatus.h"
+#include "standard/http/MultiStatus.h"
 
 namespace standard {
 

@@ -3,9 +3,9 @@
 #include "files/Entry.h"
 #include "files/Share.h"
 #include "standard/dav/LiveProperties.h"
-#include "standard/dav/MultiStatus.h"
 #include "standard/dav/PropertyStore.h"
 #include "standard/dav/SettableProperties.h"
+#include "standard/http/MultiStatus.h"
 #include "standard/http/Resource.h"
 #include "standard/http/Uri.h"
 

@@ -1,6 +1,6 @@
 #include "standard/dav/PropertyReport.h"
 
-#include "standard/dav/MultiStatus.h"
+#include "standard/http/MultiStatus.h"
 
 #include <algorithm>
 #include <set>

@@ -34,13 +34,6 @@ bool isPartialUpdate(const QByteArray &type)
     return qstricmp(name.constData(), Patch::contentType) == 0;
 }
 
-std::optional<qint64> offsetOf(const QByteArray &digits)
-{
-    bool good = !digits.isEmpty() && digits.front() >= '0' && digits.front() <= '9';
-    const qint64 number = good ? digits.toLongLong(&good) : 0;
-    return good ? std::optional<qint64>(number) : std::nullopt;
-}
-
 /// Waits until the disk has what was written to an open file.
 class SyncJob final : public DiskJob
 {
@@ -101,11 +94,11 @@ std::optional<UpdateRange> updateRange(const QByteArray &value, qint64 size)
         : QList<QByteArray>();
     if (ends.size() != 2)
         return {};
-    const std::optional<qint64> last = offsetOf(ends[1]);
+    const std::optional<qint64> last = numberOf(ends[1]);
     if (ends[0].isEmpty())
         return last ? std::optional(UpdateRange{ std::max<qint64>(0, size - *last) })
                     : std::nullopt;
-    const std::optional<qint64> first = offsetOf(ends[0]);
+    const std::optional<qint64> first = numberOf(ends[0]);
     if (!first || *first > size)
         return {};
     if (ends[1].isEmpty())

@@ -13,18 +13,6 @@ namespace {
 constexpr auto unit = "bytes";
 constexpr std::size_t maxAsked = 128; ///< ranges; whoever asks for more means no good
 
-/// An offset or count. Those beyond any file count as its largest one.
-std::optional<qint64> numberOf(const QByteArray &digits)
-{
-    const bool good = !digits.isEmpty()
-        && std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; });
-    if (!good)
-        return {};
-    bool fits = false;
-    const qint64 number = digits.toLongLong(&fits);
-    return fits ? number : std::numeric_limits<qint64>::max();
-}
-
 /// One range of a list. None when it is none; empty when it lies past the end.
 std::optional<ByteRange> rangeOf(const QByteArray &text, qint64 size)
 {

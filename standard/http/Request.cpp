@@ -5,14 +5,15 @@
 #include <algorithm>
 #include <cctype>
 #include <cstring>
+#include <limits>
 
 namespace standard {
 
 namespace {
 
+constexpr int longestLength = 18; ///< digits of a body's size: sums of such fit a qint64
 constexpr auto anyTarget = "*";
 constexpr auto versionPrefix = "HTTP/";
-constexpr int longestLength = 18; ///< digits that a qint64 surely holds
 
 using Result = std::optional<Status>; ///< why it is refused
 
@@ -26,12 +27,6 @@ bool isTokenChar(char c)
 bool isToken(const QByteArray &text)
 {
     return !text.isEmpty() && std::all_of(text.begin(), text.end(), isTokenChar);
-}
-
-bool isDigits(const QByteArray &text)
-{
-    return !text.isEmpty()
-        && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
 /// What no value of a field may hold.
@@ -134,10 +129,11 @@ Result readLength(const QByteArray &value, Framing &framing)
     const QList<QByteArray> lengths = value.split(',');
     const QByteArray first = withoutBlanks(lengths.front());
     const auto isGood = [&first](const QByteArray &text) { return withoutBlanks(text) == first; };
-    if (!isDigits(first) || first.size() > longestLength
+    const std::optional<qint64> length = numberOf(first);
+    if (!length || first.size() > longestLength
         || !std::all_of(lengths.begin(), lengths.end(), isGood))
         return Status::BadRequest;
-    framing.contentLength = first.toLongLong();
+    framing.contentLength = *length;
     return {};
 }
 
@@ -234,6 +230,17 @@ std::variant<Request, Status> parseHead(const QByteArray &head)
         return *problem;
     readPersistence(request);
     return request;
+}
+
+std::optional<qint64> numberOf(const QByteArray &digits)
+{
+    const bool good = !digits.isEmpty()
+        && std::all_of(digits.begin(), digits.end(), [](char c) { return c >= '0' && c <= '9'; });
+    if (!good)
+        return {};
+    bool fits = false;
+    const qint64 number = digits.toLongLong(&fits);
+    return fits ? number : std::numeric_limits<qint64>::max();
 }
 
 std::vector<QByteArray> listItems(const QByteArray &value)

@@ -64,6 +64,9 @@ constexpr int maxFields = 100;
 /// requests than a proxy in front of it.
 std::variant<Request, Status> parseHead(const QByteArray &head);
 
+/// A number of digits alone. Those beyond any file count as its largest size.
+std::optional<qint64> numberOf(const QByteArray &digits);
+
 /// The parts of a comma-separated list without blanks around them; empty ones are left out.
 std::vector<QByteArray> listItems(const QByteArray &value);
 

@@ -3,6 +3,7 @@
 #include "files/Share.h"
 #include "standard/http/HttpDate.h"
 #include "standard/http/MethodUse.h"
+#include "standard/http/MultiStatus.h"
 
 #include <cerrno>
 
@@ -101,15 +102,12 @@ bool ResourceHandler::isPermitted(Rights needed, const QByteArray &path)
 void ResourceHandler::refuseMembers(const QByteArray &base,
                                     const std::vector<MemberFailure> &failures)
 {
-    QByteArray body =
-        "<?xml version=\"1.0\" encoding=\"utf-8\"?>\n<D:multistatus xmlns:D=\"DAV:\">";
-    for (const MemberFailure &failure : failures) {
-        body += "<D:response><D:href>" + exchange.urlPath(base + '/' + failure.path, false)
-            + "</D:href><D:status>HTTP/1.1 " + statusText(failure.status)
-            + "</D:status></D:response>";
-    }
-    exchange.reply(Status::MultiStatus, { { "Content-Type", "application/xml; charset=utf-8" } },
-                   body + "</D:multistatus>\n");
+    QByteArray body = rootStart("multistatus");
+    for (const MemberFailure &failure : failures)
+        body += "<D:response>" + href(exchange.urlPath(base + '/' + failure.path, false))
+            + statusElement(failure.status) + "</D:response>";
+    exchange.reply(Status::MultiStatus, { { "Content-Type", xmlType } },
+                   body + rootEnd("multistatus"));
 }
 
 bool ResourceHandler::meetsConditions(const EntryFacts &found)

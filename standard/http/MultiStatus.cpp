@@ -1,4 +1,4 @@
-#include "standard/dav/MultiStatus.h"
+#include "standard/http/MultiStatus.h"
 
 namespace standard {
 
