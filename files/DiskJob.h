@@ -55,6 +55,10 @@ public:
     /// nothing left to do, done or failed.
     virtual bool run(const Budget &until) = 0;
 
+    /// Whether its next step only waits until the disk has written: that takes long on a slow one,
+    /// and work that reads need not wait for it.
+    virtual bool isSync() const { return false; }
+
     /// Frees what a cancelled job holds. Called on a worker's thread, where it keeps nobody
     /// waiting.
     virtual void abandon() { }

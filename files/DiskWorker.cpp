@@ -9,7 +9,13 @@
 
 namespace {
 
-constexpr std::size_t maxThreads = 2;
+constexpr std::size_t maxThreads = 2; ///< of each lane
+constexpr std::size_t lanes = 2;
+
+std::size_t laneOf(const DiskJob &job)
+{
+    return job.isSync() ? 1 : 0;
+}
 
 } // namespace
 
@@ -59,18 +65,18 @@ void DiskWorker::enqueue(Task task)
 {
     DiskJob *job = task.job.get();
     tasks.emplace(job, std::move(task));
-    if (threads.size() < std::min(maxThreads, tasks.size()))
-        threads.emplace_back(&DiskWorker::work, this);
+    while (threads.size() < lanes * std::min(maxThreads, tasks.size()))
+        threads.emplace_back(&DiskWorker::work, this, threads.size() % lanes);
     {
         const std::lock_guard<std::mutex> lock(mutex);
-        waiting.push_back(job);
+        waiting[laneOf(*job)].push_back(job);
     }
-    wake.notify_one();
+    wake.notify_all();
 }
 
-void DiskWorker::work()
+void DiskWorker::work(std::size_t lane)
 {
-    while (DiskJob *job = takeWaiting()) {
+    while (DiskJob *job = takeWaiting(lane)) {
         const bool ended = !job->isCancelled() && job->run(Budget::ofWorker(job->cancelFlag()));
         const bool cancelled = job->isCancelled();
         if (cancelled)
@@ -80,14 +86,15 @@ void DiskWorker::work()
 }
 
 /// The job that waits longest; null at the end of the program.
-DiskJob *DiskWorker::takeWaiting()
+DiskJob *DiskWorker::takeWaiting(std::size_t lane)
 {
     std::unique_lock<std::mutex> lock(mutex);
-    wake.wait(lock, [this] { return stopping || !waiting.empty(); });
+    auto &mine = waiting[lane];
+    wake.wait(lock, [this, &mine] { return stopping || !mine.empty(); });
     if (stopping)
         return nullptr;
-    DiskJob *job = waiting.front();
-    waiting.pop_front();
+    DiskJob *job = mine.front();
+    mine.pop_front();
     return job;
 }
 
@@ -96,7 +103,8 @@ void DiskWorker::putBack(DiskJob *job, bool finishedNow)
 {
     const std::lock_guard<std::mutex> lock(mutex);
     if (!finishedNow) {
-        waiting.push_back(job);
+        waiting[laneOf(*job)].push_back(job);
+        wake.notify_all();
         return;
     }
     finished.push_back(job);

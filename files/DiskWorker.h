@@ -6,7 +6,9 @@
 #include <QPointer>
 #include <QSocketNotifier>
 
+#include <array>
 #include <condition_variable>
+#include <cstddef>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -18,8 +20,9 @@
 class DiskJob;
 
 /// Runs jobs for the event loop that it lives in: a moment at once, what takes longer on threads
-/// of its own, which take turns among all jobs. One serves a whole program, made after the
-/// application object; its end cancels every job and waits until the threads have let go.
+/// of its own, which take turns among all jobs. Those that wait for the disk have further threads.
+/// One serves a whole program, made after the application object; its end cancels every job and
+/// waits until the threads have let go.
 class DiskWorker : public QObject
 {
 public:
@@ -50,8 +53,8 @@ private:
 
     void finish(const Task &task);
     void enqueue(Task task);
-    void work();
-    DiskJob *takeWaiting();
+    void work(std::size_t lane);
+    DiskJob *takeWaiting(std::size_t lane);
     void putBack(DiskJob *job, bool finishedNow);
     void deliver();
 
@@ -62,7 +65,7 @@ private:
 
     std::mutex mutex; ///< guards what follows
     std::condition_variable wake;
-    std::deque<DiskJob *> waiting;
+    std::array<std::deque<DiskJob *>, 2> waiting; ///< by lane: for work, and for the disk
     std::vector<DiskJob *> finished;
     bool stopping = false;
 };

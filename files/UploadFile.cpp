@@ -174,6 +174,13 @@ std::shared_ptr<DiskJob> UploadFile::rest()
     return std::make_shared<LeftoverSweep>(beside(target, target.name));
 }
 
+bool UploadFile::isSync() const
+{
+    if (stage == Stage::Named)
+        return sync == Sync::FileAndFolder;
+    return !discarded && sync != Sync::None;
+}
+
 /// Whether what is next takes the disk a while.
 bool UploadFile::waits() const
 {

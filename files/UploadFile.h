@@ -60,6 +60,7 @@ public:
 
     /// Gives the file its name, see `error`.
     bool run(const Budget &until) override;
+    bool isSync() const override;
 
     /// The sweep of its folder, where uploads that were killed leave files.
     std::shared_ptr<DiskJob> rest() override;

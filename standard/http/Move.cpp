@@ -37,11 +37,13 @@ public:
     {
         if (!until.mayBlock())
             return false;
-        if (!synced && ::syncfs(unsynced.get()) != 0)
-            return true;
-        synced = true;
-        return removal.run(until);
+        if (synced)
+            return removal.run(until);
+        synced = ::syncfs(unsynced.get()) == 0;
+        return !synced;
     }
+
+    bool isSync() const override { return !synced; }
 
     bool isWhole() const { return removal.isWhole(); }
 

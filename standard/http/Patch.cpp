@@ -52,6 +52,8 @@ public:
         return true;
     }
 
+    bool isSync() const override { return true; }
+
     DiskError error() const { return result; }
     const FileDescriptor &file() const { return m_file; }
 

@@ -47,7 +47,11 @@ bool PlacedCopy::run(const Budget &until)
         if (until.isCancelled()) // that ends a copy as well: who knows what is missing
             return true;
         judge();
+        if (state == State::Syncing)
+            return false; // on with it where nobody else waits
     }
+    if (state == State::Syncing)
+        settle(copy.sync());
     if (state == State::Removing) {
         if (!removal->run(until))
             return false;
@@ -61,16 +65,18 @@ void PlacedCopy::judge()
 {
     const auto &missing = copy.failures();
     const bool isMade = entryFacts(target.folder.get(), madeName.constData()).exists;
-    if (missing.empty() || (isMade && !replacing && !copied() && !copy.isDiskFull()))
-        result = synced ? copy.sync() : 0;
+    if (!missing.empty() && (!isMade || replacing || copied() || copy.isDiskFull()))
+        settle(copy.isDiskFull() ? ENOSPC : errorNumber(missing.front().error));
     else
-        result = copy.isDiskFull() ? ENOSPC : errorNumber(missing.front().error);
-    if (result == 0) {
-        state = State::Ready;
-        return;
-    }
-    removal.emplace(beside(target, madeName));
-    state = State::Removing;
+        state = synced ? State::Syncing : State::Ready;
+}
+
+void PlacedCopy::settle(int error)
+{
+    result = error;
+    state = error == 0 ? State::Ready : State::Removing;
+    if (error != 0)
+        removal.emplace(beside(target, madeName));
 }
 
 int PlacedCopy::takePlace()

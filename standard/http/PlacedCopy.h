@@ -27,6 +27,7 @@ public:
     std::shared_ptr<const CopiedEntries> copied() const { return copy.copied(); }
 
     bool run(const Budget &until) override;
+    bool isSync() const override { return state == State::Syncing; }
     void abandon() override { copy.abandon(); }
 
     /// 0 when there is a copy, or the number of the error.
@@ -52,6 +53,7 @@ public:
 private:
     enum class State {
         Copying,
+        Syncing,
         Removing, ///< what can't be used
         Ready,
         Placed,
@@ -59,6 +61,7 @@ private:
     };
 
     void judge();
+    void settle(int error);
 
     Place target;
     const bool replacing;

@@ -13,6 +13,7 @@
 
 #include <QTimer>
 
+#include <atomic>
 #include <ctime>
 
 namespace {
@@ -57,6 +58,26 @@ double worked()
     return double(time.tv_sec) + double(time.tv_nsec) / 1e9;
 }
 
+/// Waits for a disk that takes until `isThere`.
+class SlowSync : public DiskJob
+{
+public:
+    explicit SlowSync(const std::atomic<bool> &flag)
+        : isThere(flag)
+    {
+    }
+    bool run(const Budget &until) override
+    {
+        while (until.mayBlock() && !isThere)
+            ::usleep(1000);
+        return until.mayBlock();
+    }
+    bool isSync() const override { return true; }
+
+private:
+    const std::atomic<bool> &isThere;
+};
+
 /// Never ends by itself.
 class EndlessJob : public DiskJob
 {
@@ -85,6 +106,7 @@ private Q_SLOTS:
     void movedFileIsWhole();
     void copyIsHeldUntilItIsPlaced();
     void treeIsCopiedOnce();
+    void slowDiskKeepsNoWorkWaiting();
     void listingOrders();
     void largeFolderLeavesTheLoopFree();
 };
@@ -266,6 +288,21 @@ void FilesTest::treeIsCopiedOnce()
     QCOMPARE(share->facts("1").mode, mode_t(S_IFREG | 0604));
     QCOMPARE(share->facts("2").mode, mode_t(S_IFREG | 0751));
     QVERIFY(!disk.exists("k"));
+}
+
+void FilesTest::slowDiskKeepsNoWorkWaiting()
+{
+    const Disk disk;
+    disk.write("tree/a");
+    std::atomic<bool> isThere = false;
+    DiskWorker worker;
+    int synced = 0;
+    for (int i = 0; i < 5; ++i)
+        worker.run(std::make_shared<SlowSync>(isThere), this, [&] { ++synced; });
+    worker.run(std::make_shared<TreeRemoval>(disk.place("tree")), nullptr, {});
+    QTRY_VERIFY(!disk.exists("tree"));
+    isThere = true;
+    QTRY_COMPARE(synced, 5);
 }
 
 void FilesTest::listingOrders()
