@@ -53,7 +53,7 @@ void UploadCreation::start()
         return refuseTus(exchange, Status::TooManyRequests, "Too many uploads are open.");
     if (!hasRoom(record.length))
         return refuseTus(exchange, Status::InsufficientStorage);
-    begin(record, hasBody || record.length == 0);
+    begin(record);
 }
 
 std::optional<UploadCreation::Wanted> UploadCreation::readWanted()
@@ -104,31 +104,33 @@ bool UploadCreation::hasRoom(qint64 length) const
     return diskHolds(folder.get(), quint64(length) + quint64(promised));
 }
 
-void UploadCreation::begin(const PartialRecord &record, bool receives)
+void UploadCreation::begin(const PartialRecord &record)
 {
     const int error = share()->makeFolders(parentOf(target()));
     if (error != 0)
         return refuseTus(exchange, statusOf(diskError(error)));
+    const QByteArray id = PartialUpload::newId();
+    location = uploadUrl(exchange, parentOf(target()), id);
+    const Framing &framing = exchange.request().framing;
+    if (!framing.chunked && framing.contentLength == record.length)
+        return receiveWhole(id, record);
     const Place place = share()->place(target());
-    std::optional<PartialUpload> begun = place.isValid()
-        ? PartialUpload::begin(place, PartialUpload::newId(), record)
-        : std::nullopt;
+    std::optional<PartialUpload> begun =
+        place.isValid() ? PartialUpload::begin(place, id, record) : std::nullopt;
     if (!begun)
         return refuseTus(exchange, statusOf(diskError(errno)));
     disk().runAside(std::make_shared<LeftoverSweep>(beside(place, place.name)), nullptr, {});
-    location = uploadUrl(exchange, parentOf(target()), begun->id());
-    if (receives)
-        return receive(std::move(*begun));
+    if (framing.hasBody())
+        return resume(std::move(*begun));
     enter(*begun);
-    accept(*begun, 0);
+    accept(progressFields(*begun, 0));
 }
 
-void UploadCreation::accept(const PartialUpload &made, qint64 offset)
+void UploadCreation::accept(Fields progress)
 {
     isMade = true;
-    Fields fields = progressFields(made, offset);
-    fields.push_back({ "Location", location });
-    replyTus(exchange, Status::Created, std::move(fields));
+    progress.push_back({ "Location", location });
+    replyTus(exchange, Status::Created, std::move(progress));
 }
 
 /// Nobody knows where it is: neither can anybody go on with it.
@@ -158,12 +160,12 @@ void UploadAppend::start()
                          { offsetField(offset) });
     const QByteArray folder = UploadName(exchange).folder;
     if (fits(record.length - offset) && mayStand(joined(folder, record.name), record.replaces))
-        receive(std::move(*found));
+        resume(std::move(*found));
 }
 
-void UploadAppend::accept(const PartialUpload &resumed, qint64 offset)
+void UploadAppend::accept(Fields progress)
 {
-    replyTus(exchange, Status::NoContent, progressFields(resumed, offset));
+    replyTus(exchange, Status::NoContent, std::move(progress));
 }
 
 void UploadStatus::start()

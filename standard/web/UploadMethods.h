@@ -26,8 +26,8 @@ private:
     void findMissing(const QByteArray &path);
     std::vector<Change> changes() const override;
     bool hasRoom(qint64 length) const;
-    void begin(const PartialRecord &record, bool receives);
-    void accept(const PartialUpload &accepted, qint64 offset) override;
+    void begin(const PartialRecord &record);
+    void accept(Fields progress) override;
 
     std::vector<QByteArray> missing; ///< folders that are made for it
     QByteArray existing; ///< the folder that holds them
@@ -44,7 +44,7 @@ public:
     void start() override;
 
 private:
-    void accept(const PartialUpload &accepted, qint64 offset) override;
+    void accept(Fields progress) override;
 };
 
 /// HEAD: tells how much of an upload is here.

@@ -63,26 +63,42 @@ std::shared_ptr<OpenUploads::Upload> UploadReceiver::enter(const PartialUpload &
                              begun.expires() });
 }
 
-void UploadReceiver::receive(PartialUpload claimed)
+void UploadReceiver::resume(PartialUpload claimed)
 {
     partial.emplace(std::move(claimed));
     partial->touch();
     entry = enter(*partial);
     start = position = partial->offset();
+    known = partial->id();
+    whole = partial->record();
+    receive();
+}
+
+void UploadReceiver::receiveWhole(const QByteArray &id, const PartialRecord &wanted)
+{
+    known = id;
+    whole = wanted;
+    receive();
+}
+
+void UploadReceiver::receive()
+{
     if (openFile())
         exchange.saveBody([this](const char *data, qint64 size) { return write(data, size); });
 }
 
 bool UploadReceiver::openFile()
 {
-    FileDescriptor content = partial->open(start);
-    if (!content.isOpen()) {
-        refuse(statusOf(errno));
-        return false;
-    }
     upload = newUpload(*exchange.service().profile);
     upload->setCareful();
-    upload->resume(std::move(content), partial->place().name);
+    if (partial) {
+        FileDescriptor content = partial->open(start);
+        if (!content.isOpen()) {
+            refuse(statusOf(errno));
+            return false;
+        }
+        upload->resume(std::move(content), partial->place().name);
+    }
     Place place = share()->place(m_target);
     const DiskError error =
         replaces ? upload->replace(std::move(place)) : upload->create(std::move(place));
@@ -93,12 +109,13 @@ bool UploadReceiver::openFile()
 
 bool UploadReceiver::write(const char *data, qint64 size)
 {
-    if (size > partial->record().length - position)
+    if (size > whole.length - position)
         return false;
     if (upload->write(data, size) != DiskError::None)
         return false;
     position += size;
-    entry->left -= size;
+    if (entry)
+        entry->left -= size;
     if (checksum)
         checksum->add(data, size);
     return true;
@@ -126,31 +143,36 @@ void UploadReceiver::bodySaved(BodyEnd end)
 /// Nobody can tell any more which of the bytes are right.
 void UploadReceiver::takeBack()
 {
-    if (::ftruncate(upload->descriptor(), off_t(start)) == 0)
+    if (::ftruncate(upload->descriptor(), off_t(start)) == 0 && entry)
         entry->left += position - start;
 }
 
 /// A peer that goes meanwhile asks again, and then sends the last byte once more.
 void UploadReceiver::takeWhole()
 {
-    if (position == partial->record().length)
+    if (position == whole.length)
         return keep(false);
     discard();
-    accept(*partial, position);
+    tell(position);
 }
 
 void UploadReceiver::taken(DiskError error, const FileDescriptor &file)
 {
     if (error != DiskError::None)
         return refuse(error == DiskError::Changed ? Status::PreconditionFailed : statusOf(error));
-    const PartialRecord &record = partial->record();
-    const std::optional<UploadMetadata> about = parseUploadMetadata(record.notes);
+    const std::optional<UploadMetadata> about = parseUploadMetadata(whole.notes);
     if (about && about->modified)
         setTimes(file.get(), {}, timespec{ time_t(*about->modified), 0 });
-    partial->remove();
-    uploads().finish(partial->id(), record.owner, record.length);
+    if (partial)
+        partial->remove();
+    uploads().finish(known, whole.owner, whole.length);
     entry.reset();
-    accept(*partial, record.length);
+    tell(whole.length);
+}
+
+void UploadReceiver::tell(qint64 offset)
+{
+    accept(partial ? progressFields(*partial, offset) : Fields{ offsetField(offset) });
 }
 
 void UploadReceiver::refuse(Status status, const QByteArray &text)
@@ -162,10 +184,10 @@ void UploadReceiver::refuse(Status status, const QByteArray &text)
 void UploadReceiver::ended()
 {
     FileTaker::ended();
-    if (!partial || !entry)
+    if (!entry)
         return;
     partial->touch();
-    entry->left = partial->record().length - partial->offset();
+    entry->left = whole.length - partial->offset();
     entry->expires = partial->expires();
 }
 

@@ -26,8 +26,8 @@ public:
     void ended() override;
 
 protected:
-    /// Tells that all of it up to `offset` is here.
-    virtual void accept(const PartialUpload &accepted, qint64 offset) = 0;
+    /// Tells how much is here, with these fields among others.
+    virtual void accept(Fields progress) = 0;
 
     /// Whether the body is one of at most `room` bytes of a file; else the request is refused.
     bool fits(qint64 room);
@@ -35,8 +35,13 @@ protected:
     /// Whether the file may stand at `path` of the share; else the request is refused.
     bool mayStand(const QByteArray &path, bool mayReplace);
 
-    /// Goes on with an upload that is claimed, once both of the above are asked for.
-    void receive(PartialUpload claimed);
+    // Both of the above are to be asked for before one of these.
+
+    /// Goes on with an upload that is claimed.
+    void resume(PartialUpload claimed);
+
+    /// Receives a file as a whole: nobody can go on with it, so it needs no hidden name.
+    void receiveWhole(const QByteArray &id, const PartialRecord &wanted);
 
     /// Where the file is to stand, a path of the share.
     const QByteArray &target() const { return m_target; }
@@ -52,6 +57,8 @@ protected:
 
 private:
     bool openFile();
+    void receive();
+    void tell(qint64 offset);
     bool write(const char *data, qint64 size);
     void takeWhole();
     void takeBack();
@@ -59,10 +66,12 @@ private:
     void taken(DiskError error, const FileDescriptor &file) override;
 
     QByteArray m_target;
+    QByteArray known; ///< the id
+    PartialRecord whole; ///< what it is to become
     qint64 start = 0; ///< offset
     qint64 position = 0; ///< the same, behind what was received
     std::optional<UploadChecksum> checksum;
-    std::shared_ptr<OpenUploads::Upload> entry;
+    std::shared_ptr<OpenUploads::Upload> entry; ///< null when it comes as a whole
 };
 
 } // namespace standard
