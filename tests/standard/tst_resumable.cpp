@@ -254,6 +254,18 @@ void TestResumable::checksumsAreKept()
     QCOMPARE(server.offset(upload), QByteArray("5"));
     QCOMPARE(server.patch(upload, 5, "56789", sum("56789")), QByteArray("204"));
     QCOMPARE(server.fileContent(QStringLiteral("new")), QByteArray("0123456789"));
+
+    // What could not begin leaves nothing: nobody knows where it is.
+    const QByteArray post = type + lengthLine(10) + metadata("other") + sum("01");
+    QCOMPARE(server.ask("POST", "/.quillon/tus", post, "0x").status(),
+             QByteArray("460 Checksum Mismatch"));
+    {
+        RawClient client(server.port());
+        client.send(rawRequest("POST", "/.quillon/tus", version + post + "Content-Length: 5\r\n")
+                    + "01");
+        QTRY_COMPARE(server.hidden().size(), 2);
+    }
+    QTRY_VERIFY(server.hidden().isEmpty());
 }
 
 void TestResumable::fullDiskKeepsWhatCame()
