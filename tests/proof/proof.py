@@ -1,0 +1,324 @@
+#!/usr/bin/env python3
+"""Shows that the console program keeps its files whole and to itself, whatever fails around it.
+
+usage: proof.py PATH/TO/quillon-serve PATH/TO/faults.so Faults|Kills|Swaps [TIMES]
+Everything happens below one temporary folder, home included.
+"""
+
+import ctypes
+import http.client
+import mmap
+import multiprocessing
+import os
+import random
+import re
+import shutil
+import struct
+import subprocess
+import sys
+import tempfile
+import threading
+import time
+import unittest
+from pathlib import Path
+
+SERVE = FAULTS = ""
+TIMES = 0  # rounds; 0: as many as take seconds
+KINDS = ["write", "sync", "rename", "link", "openat2", "accept4"]  # as the library has it
+PATIENCE = 10  # seconds for an answer
+DAYS = 2 * 24 * 3600  # seconds: what is left behind then has grown old
+KNOWN = {"User-Agent": "gvfs/1"}  # the standard face's
+NEW = b"new" * 30_000
+FORM = b'--B\r\nContent-Disposition: form-data; name="f"; filename="form"\r\n\r\n' + NEW + \
+       b"\r\n--B--\r\n"
+PATCH = b'<propertyupdate xmlns="DAV:"><set><prop><c xmlns="x">red</c></prop></set></propertyupdate>'
+
+BEFORE = {name: name.encode() * 9_000
+          for name in ("over", "source", "moved", "onto", "gone/a", "gone/b", "tree/a", "tree/b/c",
+                       "patched")}
+# What is asked for, and what is there in place of what was: a name's content, None for nothing.
+OPERATIONS = [
+    ("PUT", "/put", KNOWN, NEW, {"put": NEW}),
+    ("PUT", "/over", KNOWN, NEW, {"over": NEW}),
+    ("PUT", "/classic", {}, NEW, {"classic": NEW}),
+    ("POST", "/?a=up", {"Content-Type": "multipart/form-data; boundary=B"}, FORM, {"form": NEW}),
+    ("COPY", "/source", {**KNOWN, "Destination": "/copy"}, None, {"copy": BEFORE["source"]}),
+    ("COPY", "/tree", {**KNOWN, "Destination": "/copied"}, None,
+     {"copied/a": BEFORE["tree/a"], "copied/b/c": BEFORE["tree/b/c"]}),
+    ("MOVE", "/moved", {**KNOWN, "Destination": "/onto"}, None,
+     {"moved": None, "onto": BEFORE["moved"]}),
+    ("DELETE", "/gone", KNOWN, None, {"gone/a": None, "gone/b": None}),
+    ("PROPPATCH", "/patched", KNOWN, PATCH, {}),
+]
+
+
+class Proof(unittest.TestCase):
+    options = ("--mode", "auto")
+
+    def setUp(self):
+        self.top = Path(tempfile.mkdtemp(prefix="quillon-proof-"))
+        self.addCleanup(shutil.rmtree, self.top)
+        for name in ("share", "home", "resources"):
+            (self.top / name).mkdir()
+        self.share = self.top / "share"
+        (self.top / "plan").write_bytes(bytes(12))
+        with open(self.top / "plan", "r+b") as file:
+            self.plan = mmap.mmap(file.fileno(), 12)
+        self.environment = dict(
+            os.environ, HOME=str(self.top / "home"), LC_ALL="C.UTF-8", LD_PRELOAD=FAULTS,
+            XDG_CACHE_HOME=str(self.top / "home/cache"), FAULTS=str(self.top / "plan"),
+            QT_NO_GLIB="1", QUILLON_RESDIR=str(self.top / "resources"),
+            ASAN_OPTIONS="verify_asan_link_order=0")
+        self.server = None
+        self.addCleanup(self.kill)
+
+    def start(self, **environment):
+        self.server = subprocess.Popen(
+            [SERVE, *self.options, "--address", "127.0.0.1", "--port", "0", str(self.share)],
+            env={**self.environment, **environment}, text=True, stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE)
+
+    def wait_until_it_serves(self):
+        line = self.server.stdout.readline()
+        found = re.search(r" at http://127.0.0.1:(\d+)/\n", line)
+        self.assertTrue(found, line or self.server.stderr.read())
+        self.port = int(found.group(1))
+
+    def kill(self):
+        if self.server:
+            self.server.kill()
+            self.server.communicate()
+
+    def end_in_order(self):
+        self.server.terminate()
+        said = self.server.communicate(timeout=PATIENCE)[1]
+        self.assertEqual(self.server.returncode, 0, said)
+
+    def ask(self, method, target, headers, body, *_):
+        """The status; 0 when there is none."""
+        try:
+            client = http.client.HTTPConnection("127.0.0.1", self.port, timeout=PATIENCE)
+            client.request(method, target, body, {**headers, "Connection": "close"})
+            with client.getresponse() as reply:
+                told = reply.read()
+            # What a form has stored is seen in the page that answers it.
+            return reply.status if method != "POST" or b"/form\"" in told else 0
+        except (OSError, http.client.HTTPException):
+            return 0
+        finally:
+            client.close()
+
+    def fill_share(self, kept="none"):
+        for path in self.share.iterdir():
+            if not path.name.startswith(kept):
+                shutil.rmtree(path) if path.is_dir() else path.unlink()
+        for name, content in BEFORE.items():
+            (self.share / name).parent.mkdir(parents=True, exist_ok=True)
+            (self.share / name).write_bytes(content)
+
+    def hidden(self):
+        return [path.name for path in self.share.iterdir() if path.name.startswith(".")]
+
+    def wait_for(self, condition):
+        until = time.monotonic() + PATIENCE
+        while not condition() and time.monotonic() < until:
+            time.sleep(0.005)
+        self.assertTrue(condition(), f"something is left over: {self.hidden()}")
+
+    def files(self):
+        return {str(path.relative_to(self.share)): path.read_bytes()
+                for path in self.share.rglob("*") if path.is_file()}
+
+    def check(self, statuses, kept=None):
+        """What was is there, or what was asked for in its place; that alone if success was told.
+        `statuses` are those of the operations that were tried, by their number."""
+        found = {name: content for name, content in self.files().items()
+                 if not kept or not name.startswith(kept)}
+        unchanged = dict(BEFORE)
+        self.assertIn(BEFORE["moved"], found.values())
+        for number, status in statuses.items():
+            for name, after in OPERATIONS[number][-1].items():
+                before = unchanged.pop(name, None)
+                now = found.pop(name, None)
+                if now != after and (now != before or status in (200, 201, 204)):
+                    self.fail(f"{name} is {now and (now[:9], len(now))}, told {status}")
+        self.assertEqual(found.keys(), unchanged.keys())
+        self.assertEqual(found, unchanged)
+
+
+class Faults(Proof):
+    """Each call of each kind fails once during each operation."""
+
+    def plan_failure(self, kind, number):
+        self.plan[:] = struct.pack("3i", kind, number, 0)
+
+    def end_of_plan(self):
+        """Whether it came to that."""
+        failed = struct.unpack("3i", self.plan[:])[2]
+        self.plan_failure(0, 0)
+        return failed != 0
+
+    def descriptors(self):
+        return len(os.listdir(f"/proc/{self.server.pid}/fd"))
+
+    def fail_each(self, kind, operation):
+        """Fails the first call, then the second, until there are no more; gives their number."""
+        for number in range(1, 1000):
+            self.fill_share()
+            self.plan_failure(kind, number)
+            status = self.ask(*OPERATIONS[operation])
+            failed = self.end_of_plan()
+            with self.subTest(kind=KINDS[kind - 1], number=number, status=status,
+                              operation=OPERATIONS[operation][:2]):
+                self.wait_for(lambda: self.descriptors() <= self.idle and not self.hidden())
+                self.check({operation: status})
+            if not failed:
+                return number - 1
+
+    def test_operations(self):
+        for kind, name in enumerate(KINDS, 1):
+            self.start()
+            self.wait_until_it_serves()
+            self.ask("PUT", "/any", KNOWN, b"")  # what comes but once has come
+            self.idle = self.descriptors()
+            calls = [self.fail_each(kind, number) for number in range(len(OPERATIONS))]
+            print(name, "failed so many times during each operation:", *calls)
+            self.assertGreater(sum(calls), 0)
+            self.end_in_order()
+
+    def test_saving_the_profile(self):
+        for kind, name in enumerate(KINDS, 1):
+            for number in range(1, 100):
+                self.start()
+                self.wait_until_it_serves()
+                self.plan_failure(kind, number)
+                self.server.terminate()
+                said = self.server.communicate(timeout=PATIENCE)[1]
+                failed = self.end_of_plan()
+                with self.subTest(kind=name, number=number):
+                    self.assertEqual(self.server.returncode, 0, said)
+                if not failed:
+                    break
+
+
+class Kills(Proof):
+    """The program is killed at any moment, and goes on with what it finds."""
+
+    def work(self, statuses, order):
+        try:
+            self.wait_until_it_serves()
+        except AssertionError:
+            return
+        for number in order:
+            statuses[number] = 0
+            statuses[number] = self.ask(*OPERATIONS[number])
+
+    def test_any_moment(self):
+        chance = random.Random(1)
+        longest = 0.5  # seconds; from the first round on as long as it takes
+        for number in range(TIMES or 200):
+            self.fill_share(kept=".receiving-")
+            statuses = {}
+            begin = time.monotonic()
+            self.start()
+            worker = threading.Thread(target=self.work, args=(
+                statuses, chance.sample(range(len(OPERATIONS)), len(OPERATIONS))))
+            worker.start()
+            worker.join(chance.uniform(0, longest) if number else None)
+            longest = longest if number else time.monotonic() - begin
+            if chance.random() < 0.2:
+                self.server.terminate()  # it saves its profile
+                time.sleep(chance.uniform(0, 0.005))
+            self.server.kill()
+            worker.join()
+            self.server.communicate()
+            with self.subTest(round=number, statuses=statuses):
+                self.check(statuses, kept=".receiving-")
+        self.check_litter()
+
+    def check_litter(self):
+        self.start(FAULTS_LATER=str(DAYS))
+        self.wait_until_it_serves()
+        self.fill_share(kept=".receiving-")
+        self.assertEqual(self.ask(*OPERATIONS[4]), 201)
+        self.wait_for(lambda: not self.hidden())
+        self.end_in_order()
+        home = self.top / "home"
+        self.assertEqual([*home.glob("cache/quillon/*"), *home.glob(".quillon/running/*"),
+                          *home.glob(".quillon/*.bad"), *home.glob(".thumbnails/*")], [])
+
+
+class Swaps(Proof):
+    """Somebody swaps a folder of the share for a link that leads out of it, over and over."""
+
+    options = ("--mode", "standard")
+    OPERATIONS = [
+        ("PUT", "/folder/f", {}, b"inside"),
+        ("GET", "/folder/f", {}, None),
+        ("PROPPATCH", "/folder/f", {}, PATCH),
+        ("PUT", "/folder/new", {}, b"new"),
+        ("DELETE", "/folder/new", {}, None),
+        ("MKCOL", "/folder/made", {}, None),
+        ("DELETE", "/folder/made", {}, None),
+        ("COPY", "/folder/f", {"Destination": "/copy"}, None),
+        ("COPY", "/folder", {"Destination": "/tree"}, None),
+        ("MOVE", "/folder/f", {"Destination": "/moved"}, None),
+        ("COPY", "/copy", {"Destination": "/folder/f"}, None),
+        ("MOVE", "/copy", {"Destination": "/folder/moved"}, None),
+        ("DELETE", "/folder", {}, None),
+    ]
+
+    def swap(self):
+        exchange = 2
+        paths = [os.fsencode(self.share / name) for name in ("folder", "link")]
+        libc = ctypes.CDLL(None)
+        while True:
+            libc.renameat2(-1, paths[0], -1, paths[1], exchange)
+
+    def put_back(self):
+        """What was deleted of the two."""
+        for name in ("folder", "link"):
+            if not os.path.lexists(self.share / name):
+                if any(path.is_symlink() for path in self.share.iterdir()):
+                    (self.share / name).mkdir()
+                else:
+                    (self.share / name).symlink_to(self.outside)
+
+    def state(self):
+        return [(path, path.read_bytes() if path.is_file() else b"", path.stat().st_ctime_ns)
+                for path in (self.outside, *sorted(self.outside.rglob("*")))]
+
+    def test_nothing_outside_is_touched(self):
+        self.outside = self.top / "outside"
+        (self.outside / "sub").mkdir(parents=True)
+        for name in ("f", "moved", "new", "sub/g"):
+            (self.outside / name).write_bytes(b"secret")
+        before = self.state()
+        (self.share / "folder").mkdir()
+        self.put_back()
+        self.start()
+        self.wait_until_it_serves()
+        swapping = multiprocessing.Process(target=self.swap)
+        swapping.start()
+        self.addCleanup(swapping.kill)
+        succeeded = [0] * len(self.OPERATIONS)
+        rounds = TIMES or 1000
+        for number in range(rounds):
+            status = self.ask(*self.OPERATIONS[number % len(succeeded)])
+            self.assertGreater(status, 0)
+            succeeded[number % len(succeeded)] += status in (200, 201, 204, 207)
+            self.put_back()
+        swapping.kill()
+        swapping.join()
+        print("succeeded", succeeded, "of", rounds // len(succeeded))
+        self.assertTrue(all(succeeded) and sum(succeeded) < rounds)
+        self.assertEqual(self.state(), before)
+        for path in self.share.rglob("*"):
+            if not path.is_symlink() and path.is_file():
+                self.assertNotIn(b"secret", path.read_bytes(), path)
+
+
+if __name__ == "__main__":
+    SERVE, FAULTS, which, *times = sys.argv[1:]
+    TIMES = int(times[0]) if times else 0
+    unittest.main(argv=[sys.argv[0], which])
