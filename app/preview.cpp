@@ -56,11 +56,11 @@ bool setLimits()
 
 /// A picture that takes a decoder over gets nothing by it but its own bytes and the place of its
 /// preview. Where the kernel can't do that, the limits have to do.
-bool shutOut()
+void shutOut()
 {
     loadDecoders();
     static_cast<void>(confine({}));
-    return forbidOtherCalls();
+    static_cast<void>(forbidOtherCalls());
 }
 
 /// Takes what nobody else wants of processor and disk. Not every system has all three, and a
@@ -98,7 +98,8 @@ int main(int argc, char **argv)
         return Refused;
     giveWay();
     try {
-        return shutOut() ? convert(argv[1]) : Refused;
+        shutOut();
+        return convert(argv[1]);
     } catch (const std::bad_alloc &) {
         return Refused;
     }

@@ -412,6 +412,7 @@ void TestServe::isConfined()
         program.start(QStringLiteral(QUILLON_PREVIEW), { QStringLiteral("jpg") });
         QVERIFY(program.waitForFinished());
         program.setStandardInputFile({});
+        QCOMPARE(program.exitStatus() == QProcess::CrashExit, bool(CALLS_END_IT));
     } else {
         start(serving(QString::fromLatin1(options).split(QLatin1Char(' '))));
         const quint16 port = waitForPort();
