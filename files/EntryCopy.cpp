@@ -22,11 +22,9 @@ QByteArray pathIn(const QByteArray &folder, const QByteArray &name)
     return folder.isEmpty() ? name : folder + '/' + name;
 }
 
-std::optional<OpenFile> openIn(int folder, const char *name)
+std::optional<OpenFile> openIn(const FolderReader &folder, const char *name)
 {
-    OpenFile file{
-        FileDescriptor(::openat(folder, name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)), {}
-    };
+    OpenFile file{ folder.openFile(name), {} };
     file.facts = openFacts(file.descriptor.get());
     if (!file.facts.file)
         return {};
@@ -115,7 +113,7 @@ void EntryCopy::take(const FolderReader::Item &item)
     note(path, level.source.descriptor(), item.name);
     Place to{ duplicate(level.copy.get()), name };
     if (facts.file) {
-        std::optional<OpenFile> file = openIn(level.source.descriptor(), item.name);
+        std::optional<OpenFile> file = openIn(level.source, item.name);
         return file ? startFile(std::move(*file), std::move(to), path)
                     : fail(path, diskError(errno));
     }

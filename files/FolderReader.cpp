@@ -93,3 +93,17 @@ FileDescriptor FolderReader::openFolder(const char *name) const
     errno = ENOENT;
     return found;
 }
+
+FileDescriptor FolderReader::openFile(const char *name) const
+{
+    constexpr int flags = O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
+    FileDescriptor found(::openat(folder.get(), name, flags | O_NOFOLLOW));
+    if (found.isOpen() || errno != ELOOP)
+        return found;
+    found.reset(::openat(folder.get(), name, flags));
+    if (!found.isOpen() || !hidden || !hidden->coversOpen(found.get()))
+        return found;
+    found.reset();
+    errno = ENOENT;
+    return found;
+}

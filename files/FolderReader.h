@@ -36,6 +36,9 @@ public:
     /// it can't be or is hidden.
     FileDescriptor openFolder(const char *name) const;
 
+    /// The same with a file. Never waits for the other end of a pipe.
+    FileDescriptor openFile(const char *name) const;
+
     /// Goes on behind an item whose `next` was kept; 0 is the start.
     void seek(qint64 position);
 

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 
@@ -26,7 +27,8 @@ QByteArray canonicalPath(const QString &folder)
 
 } // namespace
 
-HiddenFolders::HiddenFolders(const QStringList &folders)
+HiddenFolders::HiddenFolders(const QStringList &folders, FileDescriptor shared)
+    : border(std::move(shared))
 {
     for (const QString &folder : folders) {
         const QByteArray path = canonicalPath(folder);
@@ -44,10 +46,21 @@ void HiddenFolders::add(const QByteArray &path)
 
 bool HiddenFolders::covers(const QByteArray &path) const
 {
+    if (isOutside(path))
+        return true;
     const bool named = std::any_of(hidden.cbegin(), hidden.cend(), [&path](const Folder &folder) {
         return isWithin(path, folder.path);
     });
     return named || isReachedBy(path);
+}
+
+/// By where the share stands now: it may have been renamed.
+bool HiddenFolders::isOutside(const QByteArray &path) const
+{
+    if (!border.isOpen())
+        return false;
+    const QByteArray top = pathOf(border.get());
+    return top.isEmpty() || !isWithin(path, top);
 }
 
 /// Whether the way there leads through one of them, by a mount that was made since.

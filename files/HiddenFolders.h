@@ -1,5 +1,7 @@
 #pragma once
 
+#include "files/FileDescriptor.h"
+
 #include <QByteArray>
 #include <QStringList>
 
@@ -9,28 +11,30 @@
 
 struct EntryFacts;
 
-/// Folders that are never shown, served or changed, with all below them, whatever is shared and
-/// whatever link or mount leads there. Made once at Start, where they stand then.
+/// What is never shown, served or changed, whatever is shared and whatever link or mount leads
+/// there: folders with all below them, and, where it is asked for, all that lies outside the share.
+/// Made once at Start, where they stand then.
 class HiddenFolders
 {
 public:
     HiddenFolders() = default;
 
-    /// `folders` are absolute; they need not exist.
-    explicit HiddenFolders(const QStringList &folders);
+    /// `folders` are absolute; they need not exist. All outside the open folder `border` is hidden
+    /// too, when there is one.
+    explicit HiddenFolders(const QStringList &folders, FileDescriptor border = {});
 
-    bool isEmpty() const { return hidden.empty(); }
+    bool isEmpty() const { return hidden.empty() && !border.isOpen(); }
 
-    /// Whether an absolute path without links is one of them or lies below one.
+    /// Whether an absolute path without links is hidden.
     bool covers(const QByteArray &path) const;
 
     /// The same of what is open at `descriptor`. What can't be told counts as hidden.
     bool coversOpen(int descriptor) const;
 
-    /// Whether one of them lies below an absolute path without links, or is it.
+    /// Whether one of the folders lies below an absolute path without links, or is it.
     bool liesIn(const QByteArray &path) const;
 
-    /// Whether an entry is one of them, under whatever name.
+    /// Whether an entry is one of the folders, under whatever name.
     bool has(const EntryFacts &facts) const;
 
     /// Their paths relative to the folder at `top`, of those that lie below it.
@@ -38,6 +42,7 @@ public:
 
 private:
     void add(const QByteArray &path);
+    bool isOutside(const QByteArray &path) const;
     bool isReachedBy(const QByteArray &path) const;
 
     struct Folder
@@ -48,4 +53,5 @@ private:
     };
 
     std::vector<Folder> hidden;
+    FileDescriptor border;
 };

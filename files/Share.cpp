@@ -62,7 +62,7 @@ QByteArray withoutEnd(QByteArray path)
 
 } // namespace
 
-std::optional<Share> Share::at(const QString &path, const QStringList &hidden)
+std::optional<Share> Share::at(const QString &path, const QStringList &hidden, Links links)
 {
     Share share;
     share.rootPath = nativePath(path);
@@ -70,7 +70,12 @@ std::optional<Share> Share::at(const QString &path, const QStringList &hidden)
     if (!share.root.isOpen())
         return {};
     share.folder = entryFacts(share.root.get()).folder;
-    share.setHidden(hidden);
+    share.links = links;
+    const bool confined = share.folder && links == Links::Beneath;
+    FileDescriptor border = confined ? duplicate(share.root.get()) : FileDescriptor();
+    if (confined && !border.isOpen())
+        return {};
+    share.setHidden(hidden, std::move(border));
     return share;
 }
 
@@ -80,9 +85,9 @@ bool Share::isSame(const Share &other) const
         && isSameEntry(entryFacts(root.get()), entryFacts(other.root.get()));
 }
 
-void Share::setHidden(const QStringList &hiddenFolders)
+void Share::setHidden(const QStringList &hiddenFolders, FileDescriptor border)
 {
-    hidden = std::make_shared<const HiddenFolders>(hiddenFolders);
+    hidden = std::make_shared<const HiddenFolders>(hiddenFolders, std::move(border));
     wholly = hidden->coversOpen(root.get());
     hiddenBelow = hidden->below(pathOf(root.get()));
 }
@@ -102,7 +107,7 @@ bool Share::isRemoved() const
     return ::fstat(root.get(), &status) == 0 && status.st_nlink == 0;
 }
 
-FileDescriptor Share::open(const QByteArray &path, int flags, Links links) const
+FileDescriptor Share::open(const QByteArray &path, int flags) const
 {
     if (path.contains('\0'))
         return failed(ENOENT);
@@ -118,19 +123,18 @@ FileDescriptor Share::open(const QByteArray &path, int flags, Links links) const
     FileDescriptor found = openPlain(root.get(), clean, patient(flags));
     if (found.isOpen() || (errno != ELOOP && errno != EXDEV))
         return found;
-    return openLinked(clean, patient(flags), links);
+    return openLinked(clean, patient(flags));
 }
 
-FileDescriptor Share::openLinked(const QByteArray &clean, int flags, Links links) const
+FileDescriptor Share::openLinked(const QByteArray &clean, int flags) const
 {
     const char *name = clean.isEmpty() ? "." : clean.constData();
     FileDescriptor found = links == Links::Beneath
         ? openBeneath(root.get(), clean, flags)
         : FileDescriptor(::openat(root.get(), name, flags));
-    if (!found.isOpen() || !hidden->coversOpen(found.get()))
-        return found;
-    found.reset();
-    return failed(ENOENT);
+    if (!found.isOpen())
+        return failed(errno == EXDEV ? ENOENT : errno);
+    return hidden->coversOpen(found.get()) ? failed(ENOENT) : std::move(found);
 }
 
 /// The descriptor is the share, whatever the file is called by now. One that was removed is looked
@@ -148,10 +152,10 @@ FileDescriptor Share::openSingle(const QByteArray &clean, int flags) const
     return failed(ENOENT);
 }
 
-std::optional<OpenFile> Share::openFile(const QByteArray &path, Links links) const
+std::optional<OpenFile> Share::openFile(const QByteArray &path) const
 {
     OpenFile file;
-    file.descriptor = open(path, O_RDONLY, links);
+    file.descriptor = open(path, O_RDONLY);
     if (!file.descriptor.isOpen())
         return {};
     file.facts = openFacts(file.descriptor.get());
@@ -167,9 +171,9 @@ bool Share::leadsStillTo(const QByteArray &path, const EntryFacts &found) const
     return folder && isUntouched(found, linkFacts(root.get(), cleanPath(path).constData()));
 }
 
-std::optional<FolderReader> Share::openFolder(const QByteArray &path, Links links) const
+std::optional<FolderReader> Share::openFolder(const QByteArray &path) const
 {
-    FileDescriptor found = open(path, folderFlags, links);
+    FileDescriptor found = open(path, folderFlags);
     if (!found.isOpen())
         return {};
     return FolderReader(std::move(found), hidden);
@@ -180,21 +184,21 @@ FolderReader Share::reader(FileDescriptor folderBelow) const
     return FolderReader(std::move(folderBelow), hidden);
 }
 
-EntryFacts Share::facts(const QByteArray &path, Links links) const
+EntryFacts Share::facts(const QByteArray &path) const
 {
-    const FileDescriptor plain = open(path, placeFlags | O_NOFOLLOW, links);
+    const FileDescriptor plain = open(path, placeFlags | O_NOFOLLOW);
     if (!plain.isOpen())
         return {};
     EntryFacts found = entryFacts(plain.get());
     if (!S_ISLNK(found.mode))
         return found;
-    const FileDescriptor target = open(path, placeFlags, links);
+    const FileDescriptor target = open(path, placeFlags);
     found = target.isOpen() ? entryFacts(target.get()) : EntryFacts();
     found.link = true;
     return found;
 }
 
-Place Share::place(const QByteArray &path, Links links) const
+Place Share::place(const QByteArray &path) const
 {
     if (path.contains('\0'))
         return noPlace(ENOENT);
@@ -204,16 +208,16 @@ Place Share::place(const QByteArray &path, Links links) const
     if (clean.isEmpty())
         return rootPlace();
     Place found;
-    found.folder = open(folderPart(clean), O_PATH | O_DIRECTORY, links);
+    found.folder = open(folderPart(clean), O_PATH | O_DIRECTORY);
     if (!found.folder.isOpen())
         return {};
     found.name = namePart(clean);
     return checked(std::move(found));
 }
 
-Place Share::target(const QByteArray &path, Links links) const
+Place Share::target(const QByteArray &path) const
 {
-    const FileDescriptor entry = open(path, placeFlags, links);
+    const FileDescriptor entry = open(path, placeFlags);
     if (!entry.isOpen())
         return {};
     Place found = placeOf(pathOf(entry.get()));
@@ -258,15 +262,15 @@ Place Share::checked(Place found) const
     return found;
 }
 
-int Share::makeFolders(const QByteArray &path, Links links) const
+int Share::makeFolders(const QByteArray &path) const
 {
-    if (open(path, O_PATH | O_DIRECTORY, links).isOpen())
+    if (open(path, O_PATH | O_DIRECTORY).isOpen())
         return 0;
     if (path.contains('\0'))
         return ENOENT;
     const QByteArray clean = cleanPath(path) + '/';
     for (auto slash = clean.indexOf('/'); slash >= 0; slash = clean.indexOf('/', slash + 1)) {
-        const Place next = place(clean.left(slash), links);
+        const Place next = place(clean.left(slash));
         if (!next.isValid())
             return errno;
         if (Reservation::isTaken(next))
@@ -275,5 +279,5 @@ int Share::makeFolders(const QByteArray &path, Links links) const
         if (made != 0 && errno != EEXIST)
             return errno;
     }
-    return open(path, O_PATH | O_DIRECTORY, links).isOpen() ? 0 : errno;
+    return open(path, O_PATH | O_DIRECTORY).isOpen() ? 0 : errno;
 }

@@ -31,12 +31,13 @@ class Share
 public:
     enum class Links {
         Followed, ///< wherever they lead
-        Beneath ///< only while they stay below the root
+        Beneath ///< only while they stay below the root; what others lead to does not exist
     };
 
-    /// Opens what is to be shared. `path` is absolute; `hidden` are the folders that never show.
-    /// None, with `errno`, when there is no such file or folder.
-    static std::optional<Share> at(const QString &path, const QStringList &hidden);
+    /// Opens what is to be shared. `path` is absolute; `hidden` are the folders that never show;
+    /// `links` holds for all that is done here. None, with `errno`, when there is no such file or
+    /// folder.
+    static std::optional<Share> at(const QString &path, const QStringList &hidden, Links links);
 
     bool isFolder() const { return folder; }
 
@@ -45,47 +46,46 @@ public:
 
     /// Opens what `path` names, with the flags of `open` but never to create. Never waits for the
     /// other end of a pipe. Not open, with `errno`, when it can't be.
-    FileDescriptor open(const QByteArray &path, int flags, Links links = Links::Followed) const;
+    FileDescriptor open(const QByteArray &path, int flags) const;
 
     /// Opens a regular file for reading. None, with `errno`, for anything else.
-    std::optional<OpenFile> openFile(const QByteArray &path, Links links = Links::Followed) const;
+    std::optional<OpenFile> openFile(const QByteArray &path) const;
 
     /// Whether `path`, opened a moment ago, still leads to what was `found` then, unchanged in all
     /// respects. Costs one look; of a single file nobody can tell.
     bool leadsStillTo(const QByteArray &path, const EntryFacts &found) const;
 
     /// Opens a folder to read its entries. None, with `errno`, when it can't be.
-    std::optional<FolderReader> openFolder(const QByteArray &path,
-                                           Links links = Links::Followed) const;
+    std::optional<FolderReader> openFolder(const QByteArray &path) const;
 
     /// Goes on with a folder that was opened beneath this share, for paths that are longer than the
     /// system can say.
     FolderReader reader(FileDescriptor folderBelow) const;
 
     /// A look at what `path` names. Nothing exists when it can't be looked at.
-    EntryFacts facts(const QByteArray &path, Links links = Links::Followed) const;
+    EntryFacts facts(const QByteArray &path) const;
 
     /// Where `path` names an entry, which need not exist; a last link is that entry itself. Not
     /// valid, with `errno`, when its folder can't be opened. The root has its place too, as long
     /// as it is found by the path it was opened by or stands at now.
-    Place place(const QByteArray &path, Links links = Links::Followed) const;
+    Place place(const QByteArray &path) const;
 
     /// Where the file or folder stands that `path` leads to, through a last link as well. Not
     /// valid, with `errno`, when that doesn't exist.
-    Place target(const QByteArray &path, Links links = Links::Followed) const;
+    Place target(const QByteArray &path) const;
 
     /// Makes a folder and those above it that are missing. 0, also when it stands already, or the
     /// number of the error: `EEXIST` for a name that is being received.
-    int makeFolders(const QByteArray &path, Links links = Links::Followed) const;
+    int makeFolders(const QByteArray &path) const;
 
 private:
     Share() = default;
 
-    void setHidden(const QStringList &hiddenFolders);
+    void setHidden(const QStringList &hiddenFolders, FileDescriptor border);
     bool isHidden(const QByteArray &clean) const;
     bool isRemoved() const;
     FileDescriptor openSingle(const QByteArray &clean, int flags) const;
-    FileDescriptor openLinked(const QByteArray &clean, int flags, Links links) const;
+    FileDescriptor openLinked(const QByteArray &clean, int flags) const;
     Place rootPlace() const;
     Place placeOf(const QByteArray &absolutePath) const;
     Place checked(Place found) const;
@@ -93,6 +93,7 @@ private:
     FileDescriptor root; ///< a mere place (`O_PATH`)
     QByteArray rootPath; ///< that it was opened by
     bool folder = false;
+    Links links = Links::Followed;
     bool wholly = false; ///< hidden as a whole
     std::shared_ptr<const HiddenFolders> hidden;
     std::vector<QByteArray> hiddenBelow; ///< relative paths without links

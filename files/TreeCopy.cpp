@@ -37,10 +37,8 @@ QByteArray pathIn(const QByteArray &folder, const char *name)
 
 } // namespace
 
-TreeCopy::TreeCopy(std::shared_ptr<const Share> shared, const QByteArray &path,
-                   Share::Links linksFollowed, Begin beginCopy)
+TreeCopy::TreeCopy(std::shared_ptr<const Share> shared, const QByteArray &path, Begin beginCopy)
     : share(std::move(shared))
-    , links(linksFollowed)
     , begin(std::move(beginCopy))
 {
     levels.push_back({ {}, cleanPath(path).toStdString(), { { 0, true } } });
@@ -97,7 +95,7 @@ void TreeCopy::takeNext()
 void TreeCopy::open(const QByteArray &path)
 {
     current = path;
-    folder = share->openFolder(path, links);
+    folder = share->openFolder(path);
     if (!folder)
         return;
     const EntryFacts facts = openFacts(folder->descriptor());
@@ -140,7 +138,7 @@ void TreeCopy::keep(const FolderReader::Item &item)
 void TreeCopy::copyFile(const QByteArray &path)
 {
     current = path;
-    std::optional<OpenFile> file = share->openFile(path, links);
+    std::optional<OpenFile> file = share->openFile(path);
     if (!file) {
         outcomes.push_back({ path, DiskError::Failed });
         return;

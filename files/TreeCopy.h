@@ -34,8 +34,7 @@ public:
     /// Called on a worker thread.
     using Begin = std::function<std::unique_ptr<FileCopy>(const QByteArray &path, OpenFile file)>;
 
-    TreeCopy(std::shared_ptr<const Share> share, const QByteArray &path, Share::Links links,
-             Begin begin);
+    TreeCopy(std::shared_ptr<const Share> share, const QByteArray &path, Begin begin);
 
     bool run(const Budget &until) override;
     void abandon() override;
@@ -68,7 +67,6 @@ private:
     void copyFile(const QByteArray &path);
 
     const std::shared_ptr<const Share> share;
-    const Share::Links links;
     const Begin begin;
     std::vector<Level> levels; ///< from the top to the current one
     std::set<std::pair<dev_t, ino_t>> entered; ///< folders

@@ -169,8 +169,8 @@ void talk(const FaceMaker &faces, const QByteArray &bytes)
                      nullptr,
                      {},
                      TrafficAccount([] {}) };
-    std::optional<Share> share =
-        Share::at(service.shared.absoluteFilePath(), { world.directories.profiles });
+    std::optional<Share> share = Share::at(service.shared.absoluteFilePath(),
+                                           { world.directories.profiles }, Share::Links::Followed);
     if (!share)
         qFatal("the share can't be opened");
     service.share = std::make_shared<const Share>(std::move(*share));

@@ -136,8 +136,9 @@ void WebServer::setShared(const QString &path)
 /// From now on everything is found from the open root.
 void WebServer::openShare()
 {
+    const auto links = service.profile->isStrict() ? Share::Links::Beneath : Share::Links::Followed;
     std::optional<Share> opened =
-        Share::at(service.shared.absoluteFilePath(), { setup->directories.profiles });
+        Share::at(service.shared.absoluteFilePath(), { setup->directories.profiles }, links);
     // Locks outlive a new port.
     if (!opened || !service.share || !opened->isSame(*service.share))
         service.faceState.reset();

@@ -198,7 +198,7 @@ void Copy::copyTree(const QByteArray &destination)
             return nest.copy(path, std::move(file));
         };
     }
-    tree = std::make_shared<TreeCopy>(shared, source, Share::Links::Followed, std::move(begin));
+    tree = std::make_shared<TreeCopy>(shared, source, std::move(begin));
     copyOn();
 }
 

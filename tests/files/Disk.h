@@ -49,9 +49,10 @@ public:
         const auto all = QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot;
         return QDir(dir.path()).entryList(all).join(QLatin1Char(' '));
     }
-    Share share(const QByteArray &name = ".", const QByteArray &hidden = "../none") const
+    Share share(const QByteArray &name = ".", const QByteArray &hidden = "../none",
+                Share::Links links = Share::Links::Followed) const
     {
-        return std::move(*Share::at(path(name), { path(hidden) }));
+        return std::move(*Share::at(path(name), { path(hidden) }, links));
     }
     Place place(const QByteArray &name) const { return share().place(name); }
 

@@ -270,7 +270,7 @@ void FilesTest::treeIsCopiedOnce()
     ::chmod(disk.native("tree/b/2").constData(), 0751);
     ::chmod(disk.native("1").constData(), 0604);
     const auto share = std::make_shared<const Share>(disk.share(".", "key"));
-    TreeCopy job(share, "tree", Share::Links::Followed, [&](const QByteArray &path, OpenFile file) {
+    TreeCopy job(share, "tree", [&](const QByteArray &path, OpenFile file) {
         const QByteArray to = path.right(1);
         const bool exists = disk.exists(to);
         const auto existing = exists ? FileCopy::Existing::Replaced : FileCopy::Existing::Kept;

@@ -511,6 +511,12 @@ void TestRequests::leavesNothingOpenWhenStrict()
     // A proxy may serve the next visitor on the connection of the last.
     QVERIFY(later.exchange(rawRequest("GET", "/a.txt")).header("Set-Cookie") != cookie);
     QVERIFY(!client.exchange(rawRequest("GET", "/%3Cscript%3E")).body.contains("<script>"));
+    // Links don't lead out of the share.
+    QVERIFY(QFile::link(QStringLiteral("/etc/passwd"), live->sharePath(QStringLiteral("out"))));
+    QVERIFY(QFile::link(QStringLiteral("a.txt"), live->sharePath(QStringLiteral("in"))));
+    live->server->setShared(live->sharePath());
+    QCOMPARE(client.exchange(rawRequest("GET", "/out")).status(), QByteArray("404 Not Found"));
+    QCOMPARE(client.exchange(rawRequest("GET", "/in")).body, QByteArray("0123456789"));
 }
 
 QTEST_GUILESS_MAIN(TestRequests)
