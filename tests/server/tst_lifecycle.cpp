@@ -74,6 +74,8 @@ private Q_SLOTS:
     void cleanup() { live.reset(); }
     void servesOverTls();
     void takesABodyThatComesWithItsHeadOverTls();
+    void speaksNoOldTls_data();
+    void speaksNoOldTls();
     void saysWhyTlsCantBeUsed_data();
     void saysWhyTlsCantBeUsed();
     void answersWhileOthersReadNothing();
@@ -166,6 +168,42 @@ void TestLifecycle::takesABodyThatComesWithItsHeadOverTls()
         reply = client.reply();
     QCOMPARE(reply.status(), QByteArray("201 Created"));
     QCOMPARE(live->fileContent(QStringLiteral("new")), QByteArray("content"));
+}
+
+void TestLifecycle::speaksNoOldTls_data()
+{
+    QTest::addColumn<QString>("arguments");
+    QTest::addColumn<QByteArray>("says");
+    const auto row = [](const char *name, const char *arguments, const char *says) {
+        QTest::newRow(name) << QString::fromLatin1(arguments) << QByteArray(says);
+    };
+    row("1.1", "-tls1_1 -cipher ALL:@SECLEVEL=0", "Cipher is (NONE)");
+    row("1.2 with a key for all connections", "-tls1_2 -cipher kRSA", "Cipher is (NONE)");
+    row("1.2 without authenticated encryption", "-tls1_2 -cipher ECDHE-RSA-AES128-SHA",
+        "Cipher is (NONE)");
+    row("renegotiation", "-tls1_2", "no renegotiation");
+    row("1.3", "-tls1_3", "Cipher is TLS_");
+}
+
+/// The program sends "R", by which it asks for other keys in 1.2.
+void TestLifecycle::speaksNoOldTls()
+{
+    QFETCH(const QString, arguments);
+    QFETCH(const QByteArray, says);
+    useKeys(QStringLiteral("plain.key"), QStringLiteral("server.crt"));
+    live->start();
+    QProcess client;
+    client.setProcessChannelMode(QProcess::MergedChannels);
+    const QString line = QStringLiteral("s_client -connect 127.0.0.1:%1 %2");
+    client.start(QStringLiteral("openssl"),
+                 line.arg(live->port()).arg(arguments).split(QLatin1Char(' ')));
+    QByteArray said;
+    QTRY_VERIFY((said += client.readAll()).contains("Cipher is"));
+    client.write("R\n");
+    QTRY_VERIFY2((said += client.readAll()).contains(says), said.constData());
+    QVERIFY(!said.contains("TLS session ticket:"));
+    client.kill();
+    client.waitForFinished();
 }
 
 void TestLifecycle::saysWhyTlsCantBeUsed_data()
