@@ -26,8 +26,9 @@ Engine::Engine(FaceMaker makeFace, const Directories &directories, StatusSink *s
                Previews *previews)
     : forms(maxForms)
     , peers(maxConnections())
+    , guesses(sink)
     , common(std::make_shared<ServerSetup>(
           ServerSetup{ std::move(makeFace), sink, &poller, &forms, &disk, &listings, &memory,
-                       &turns, &copies, &peers, &passwords, previews, directories }))
+                       &turns, &copies, &peers, &passwords, &guesses, previews, directories }))
 {
 }

@@ -3,6 +3,7 @@
 #include "files/DiskWorker.h"
 #include "files/ListingCache.h"
 #include "net/Poller.h"
+#include "server/Guesses.h"
 #include "server/MemoryBudget.h"
 #include "server/MemoryTrim.h"
 #include "server/PasswordChecks.h"
@@ -28,6 +29,7 @@ private:
     Poller poller;
     MemoryBudget forms;
     PeerCount peers;
+    Guesses guesses;
     Places copies{ 4, qint64(32) << 20 }; // outlives the jobs that have its passes
     DiskWorker disk;
     ListingCache listings{ disk };

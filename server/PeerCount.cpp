@@ -1,25 +1,12 @@
 #include "server/PeerCount.h"
 
-#include <algorithm>
-#include <iterator>
+#include "server/PeerAddress.h"
+
 #include <utility>
 
 namespace {
 
 constexpr int maxPerPeer = 64;
-constexpr int networkBits = 64; ///< of an IPv6 address, whose owner may use all the others
-
-/// Who is counted as one.
-QHostAddress peerOf(const QHostAddress &address)
-{
-    bool isMapped = false;
-    const quint32 plain = address.toIPv4Address(&isMapped);
-    if (isMapped)
-        return QHostAddress(plain);
-    Q_IPV6ADDR bytes = address.toIPv6Address();
-    std::fill(std::begin(bytes.c) + networkBits / 8, std::end(bytes.c), quint8(0));
-    return QHostAddress(bytes);
-}
 
 /// Programs on this machine, a proxy for many peers among them.
 bool isOwn(const QHostAddress &address)
@@ -31,7 +18,7 @@ bool isOwn(const QHostAddress &address)
 /// A device in one network with us: its other addresses are those of other devices.
 bool isNeighbour(const QHostAddress &address, const QHostAddress &reached)
 {
-    return address.isLinkLocal() || address.isInSubnet(reached, networkBits);
+    return address.isLinkLocal() || peerOf(address) == peerOf(reached);
 }
 
 } // namespace

@@ -11,6 +11,7 @@
 #include <memory>
 
 class DiskWorker;
+class Guesses;
 class ListingCache;
 class MemoryBudget;
 class MemoryTrim;
@@ -38,6 +39,7 @@ struct ServerSetup
     Places *copies = nullptr; ///< for what COPY does
     PeerCount *peers = nullptr;
     PasswordChecks *passwords = nullptr;
+    Guesses *guesses = nullptr; ///< at passwords
     Previews *previews = nullptr;
     Directories directories;
 };

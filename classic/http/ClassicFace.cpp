@@ -18,6 +18,7 @@
 namespace {
 
 constexpr int spareHeads = 64;
+constexpr std::chrono::seconds loginPatience{ 60 };
 constexpr auto openArchive = "Client.jar"; ///< the launcher fetches it without a password
 
 constexpr Route statusRoute{ Request::None, nullptr, makeResponder<StatusReply> };
@@ -77,6 +78,7 @@ ClassicFace::ClassicFace(Connection &owner, std::shared_ptr<Common> shared)
     , common(std::move(shared))
     , channel(owner.socket(), owner.service().traffic, common->heads, *this)
     , exchange{ owner.service(), channel, {}, {}, {} }
+    , gate(*owner.service().setup.guesses, loginPatience, [this] { admit(); })
 {
 }
 
@@ -195,14 +197,39 @@ void ClassicFace::formReady(const QByteArray &form)
 
 void ClassicFace::admit()
 {
-    if (isAdmitted())
+    const std::optional<QByteArray> account = triedAccount();
+    if (!account)
+        return isAdmitted() ? answer() : refuseLogin();
+    switch (gate.enter(channel.connection().peerAddress(), *account)) {
+    case LoginGate::Turn::Later:
+        return;
+    case LoginGate::Turn::TooLate:
+        return refuseLogin(); // unseen, which looks the same
+    case LoginGate::Turn::Now:
+        break;
+    }
+    if (isAdmitted()) {
+        gate.tell(true);
         return answer();
+    }
     const std::optional<Claim> claimed = claim();
     if (!claimed)
-        return refuseLogin();
+        return turnAway();
     if (exchange.service.setup.passwords->remembers(claimed->password, claimed->hash))
         return letIn(*claimed);
     checkPassword(*claimed);
+}
+
+/// Whose password the request brings; none when it brings none.
+std::optional<QByteArray> ClassicFace::triedAccount() const
+{
+    const Request &request = exchange.request;
+    const int mode = exchange.service.profile->authMode;
+    if (mode == AuthPasswordPage && request.isLogin())
+        return QByteArray();
+    if (mode == AuthBasic && !request.credentials.isEmpty())
+        return request.credentials.left(request.credentials.indexOf(':'));
+    return {};
 }
 
 /// The password that the request brings, where a hash tells whether it fits.
@@ -232,7 +259,7 @@ void ClassicFace::checkPassword(const Claim &claimed)
             return;
         if (verdict == Verdict::Busy)
             return refuse("503 Service Unavailable");
-        verdict == Verdict::Fits ? letIn(claimed) : refuseLogin();
+        verdict == Verdict::Fits ? letIn(claimed) : turnAway();
     };
     exchange.service.setup.passwords->check(claimed.password, claimed.hash, checking.get(), told);
 }
@@ -240,10 +267,17 @@ void ClassicFace::checkPassword(const Claim &claimed)
 /// The password was found to fit its hash, which takes its place in the session.
 void ClassicFace::letIn(const Claim &proved)
 {
+    gate.tell(true);
     if (exchange.service.profile->authMode == AuthPasswordPage)
         exchange.session()->logIn(QString::fromLatin1(proved.hash),
                                   channel.connection().peerAddress());
     answer();
+}
+
+void ClassicFace::turnAway()
+{
+    gate.tell(false);
+    refuseLogin();
 }
 
 void ClassicFace::answer()
@@ -345,6 +379,7 @@ void ClassicFace::gone()
 void ClassicFace::endRequest()
 {
     checking.reset();
+    gate.leave();
     exchange.use.reset();
     formMemory.reset();
 }

@@ -3,6 +3,7 @@
 #include "classic/http/Exchange.h"
 #include "classic/http/Routes.h"
 #include "server/Face.h"
+#include "server/LoginGate.h"
 #include "server/MemoryBudget.h"
 
 #include <QObject>
@@ -58,12 +59,14 @@ private:
     void refuse(const char *status);
     void readForm();
     void admit();
+    std::optional<QByteArray> triedAccount() const;
     bool isAdmitted();
     bool passwordFits();
     bool isAccount() const;
     std::optional<Claim> claim() const;
     void checkPassword(const Claim &claimed);
     void letIn(const Claim &proved);
+    void turnAway();
     void answer();
     void refuseLogin();
     void dispatch();
@@ -74,6 +77,7 @@ private:
     std::shared_ptr<Common> common;
     Channel channel;
     Exchange exchange;
+    LoginGate gate;
     std::optional<MemoryBudget::Part> formMemory; ///< while a form is read and answered
     std::unique_ptr<QObject> checking; ///< while nobody knows whether the password fits
     const Route *kept = nullptr; ///< whose responder is kept

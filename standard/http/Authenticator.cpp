@@ -54,12 +54,22 @@ bool keepsPasswords(const Profile &profile)
         || (profile.authMode == AuthBasic && !profile.hashesPasswords());
 }
 
+bool isBasic(const QByteArray &value)
+{
+    return qstrnicmp(value.constData(), basicScheme, uint(qstrlen(basicScheme))) == 0;
+}
+
+/// "name:password" of a Basic login.
+QByteArray basicText(const QByteArray &value)
+{
+    return QByteArray::fromBase64(value.mid(int(qstrlen(basicScheme))).trimmed());
+}
+
 Authenticator::Result checkBasic(const QByteArray &value, const Profile &profile,
                                  PasswordChecks &passwords)
 {
     using Outcome = Authenticator::Outcome;
-    const auto schemeSize = int(qstrlen(basicScheme));
-    const QByteArray text = QByteArray::fromBase64(value.mid(schemeSize).trimmed());
+    const QByteArray text = basicText(value);
     const Login given = loginOf(text);
     bool known = false;
     for (const Login &login : knownLogins(profile, given.user)) {
@@ -97,13 +107,29 @@ QByteArray digestChallenge(const char *algorithm, const QByteArray &nonce, bool 
 
 } // namespace
 
+std::optional<QByteArray> Authenticator::triedAccount(const Request &request,
+                                                      const Profile &profile)
+{
+    if (!needsLogin(profile))
+        return {};
+    const QByteArray value = request.value("Authorization");
+    if (value.isEmpty())
+        return {};
+    if (profile.authMode == AuthPasswordPage)
+        return QByteArray();
+    if (isBasic(value))
+        return loginOf(basicText(value)).user;
+    const auto given = DigestCredentials::parse(value);
+    return given ? std::optional(given->user) : std::nullopt;
+}
+
 Authenticator::Result Authenticator::check(const Request &request, const Profile &profile,
                                            PasswordChecks &passwords)
 {
     if (!needsLogin(profile))
         return { Outcome::Admitted };
     const QByteArray value = request.value("Authorization");
-    if (qstrnicmp(value.constData(), basicScheme, uint(qstrlen(basicScheme))) == 0)
+    if (isBasic(value))
         return checkBasic(value, profile, passwords);
     return checkDigest(request, profile);
 }

@@ -6,6 +6,8 @@
 #include <QByteArray>
 #include <QElapsedTimer>
 
+#include <optional>
+
 class PasswordChecks;
 class Profile;
 
@@ -32,6 +34,9 @@ public:
     };
 
     Authenticator() { clock.start(); }
+
+    /// Whose password the request brings, if `profile` asks for one; empty where any name will do.
+    static std::optional<QByteArray> triedAccount(const Request &request, const Profile &profile);
 
     /// Whether `profile` lets the request in.
     Result check(const Request &request, const Profile &profile, PasswordChecks &passwords);

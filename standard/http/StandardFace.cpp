@@ -24,6 +24,11 @@ namespace standard {
 namespace {
 
 constexpr auto keptNames = "Such names are kept for files that are being received.";
+constexpr auto tooManyGuesses = "Too many wrong passwords. Try again later.";
+
+/// What any program waits for. With a longer wait it would give up without a word, so it is told
+/// when to come back.
+constexpr std::chrono::seconds loginPatience{ 10 };
 
 } // namespace
 
@@ -54,6 +59,7 @@ StandardFace::StandardFace(Connection &owner, std::shared_ptr<FaceCommon> shared
     , common(std::move(shared))
     , channel(owner.socket(), owner.service().traffic, *this)
     , exchange(owner.service(), channel, common->routes)
+    , gate(*owner.service().setup.guesses, loginPatience, [this] { logIn(); })
 {
 }
 
@@ -75,7 +81,7 @@ void StandardFace::writable()
 /// be at work.
 void StandardFace::dropHandler()
 {
-    if (isAnswering || checking || !handler)
+    if (isAnswering || isAtDoor || !handler)
         return;
     handler.reset();
     exchange.forget();
@@ -87,13 +93,45 @@ void StandardFace::requestReady(Request request)
     request.outside =
         takeForwarded(request, channel.connection().peerAddress(), *exchange.service().profile);
     exchange.begin(std::move(request));
+    isAtDoor = true;
+    if (isWelcome())
+        logIn();
+}
+
+/// Not a page of somebody else's, which must not have its visitor's browser change anything here.
+bool StandardFace::isWelcome()
+{
+    const Request &request = exchange.request();
+    const QByteArray site = request.value("Sec-Fetch-Site");
+    if (isSafe(request.method) || (site != "cross-site" && site != "same-site"))
+        return true;
+    exchange.refuse(Status::Forbidden);
+    return false;
+}
+
+/// The door of every method. Comes once more when a login had to wait.
+void StandardFace::logIn()
+{
+    const Request &request = exchange.request();
     const Service &service = exchange.service();
+    const std::optional<QByteArray> account =
+        Authenticator::triedAccount(request, *service.profile);
+    const LoginGate::Turn turn =
+        account ? gate.enter(request.outside.visitor, *account) : LoginGate::Turn::Now;
+    if (turn == LoginGate::Turn::Later)
+        return;
+    if (turn == LoginGate::Turn::TooLate) {
+        return exchange.refuse(
+            Status::TooManyRequests, tooManyGuesses,
+            { { "Retry-After", QByteArray::number(qint64(gate.timeLeft().count())) } });
+    }
     const Authenticator::Result login =
-        common->authenticator.check(exchange.request(), *service.profile, *service.setup.passwords);
+        common->authenticator.check(request, *service.profile, *service.setup.passwords);
     if (login.outcome == Authenticator::Outcome::Undecided)
-        checkPassword(login);
-    else
-        answer(login);
+        return checkPassword(login);
+    if (account && login.outcome != Authenticator::Outcome::Stale)
+        gate.tell(login.outcome == Authenticator::Outcome::Admitted);
+    decide(login);
 }
 
 void StandardFace::checkPassword(const Authenticator::Result &login)
@@ -103,17 +141,25 @@ void StandardFace::checkPassword(const Authenticator::Result &login)
         checking.reset();
         if (verdict == PasswordChecks::Verdict::Busy)
             return exchange.refuse(Status::Unavailable, {}, { { "Retry-After", "5" } });
-        answer({ verdict == PasswordChecks::Verdict::Fits ? Authenticator::Outcome::Admitted
-                                                          : Authenticator::Outcome::Refused,
-                 user });
+        const bool fits = verdict == PasswordChecks::Verdict::Fits;
+        gate.tell(fits);
+        decide({ fits ? Authenticator::Outcome::Admitted : Authenticator::Outcome::Refused, user });
     };
     exchange.service().setup.passwords->check(login.password, login.hash, checking.get(), told);
 }
 
-void StandardFace::answer(const Authenticator::Result &login)
+void StandardFace::decide(const Authenticator::Result &login)
 {
-    if (!isAdmitted(login))
-        return;
+    const Profile &profile = *exchange.service().profile;
+    if (login.outcome != Authenticator::Outcome::Admitted)
+        return exchange.refuse(Status::Unauthorized, {},
+                               common->authenticator.challenges(login.outcome, profile));
+    exchange.setAccess(Access::of(profile, login.user));
+    dispatch();
+}
+
+void StandardFace::dispatch()
+{
     if (namesHiddenUpload(exchange.path()))
         return exchange.refuse(
             isSafe(exchange.request().method) ? Status::NotFound : Status::Forbidden, keptNames);
@@ -121,27 +167,9 @@ void StandardFace::answer(const Authenticator::Result &login)
     if (!route)
         return refuseMethod();
     handler = route->make(exchange);
+    isAtDoor = false;
     isAnswering = true;
     handler->start();
-}
-
-/// The door of every method: who is asked for a login, and who may not come from another site.
-bool StandardFace::isAdmitted(const Authenticator::Result &login)
-{
-    const Request &request = exchange.request();
-    const Profile &profile = *exchange.service().profile;
-    if (login.outcome != Authenticator::Outcome::Admitted) {
-        exchange.refuse(Status::Unauthorized, {},
-                        common->authenticator.challenges(login.outcome, profile));
-        return false;
-    }
-    exchange.setAccess(Access::of(profile, login.user));
-    // A page of somebody else's must not have its visitor's browser change anything here.
-    const QByteArray site = request.value("Sec-Fetch-Site");
-    if (isSafe(request.method) || (site != "cross-site" && site != "same-site"))
-        return true;
-    exchange.refuse(Status::Forbidden);
-    return false;
 }
 
 void StandardFace::requestBad(Status status)
@@ -194,6 +222,8 @@ void StandardFace::fileSent()
 void StandardFace::replyEnded()
 {
     checking.reset();
+    gate.leave();
+    isAtDoor = false;
     if (std::exchange(isAnswering, false))
         handler->end();
     exchange.finish();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "server/Face.h"
+#include "server/LoginGate.h"
 #include "standard/http/Authenticator.h"
 #include "standard/http/Channel.h"
 #include "standard/http/Exchange.h"
@@ -43,9 +44,11 @@ private:
     void replyEnded() override;
 
     void bodySaved(BodyEnd end);
+    bool isWelcome();
+    void logIn();
     void checkPassword(const Authenticator::Result &login);
-    void answer(const Authenticator::Result &login);
-    bool isAdmitted(const Authenticator::Result &login);
+    void decide(const Authenticator::Result &login);
+    void dispatch();
     const Route *findRoute() const;
     void refuseMethod();
     void dropHandler();
@@ -54,6 +57,8 @@ private:
     std::shared_ptr<FaceCommon> common;
     Channel channel;
     Exchange exchange;
+    LoginGate gate;
+    bool isAtDoor = false; ///< the request waits to be let in
     bool isAnswering = false; ///< the handler has not ended
     std::unique_ptr<QObject> checking; ///< while nobody knows whether the password fits
     std::unique_ptr<Handler> handler;

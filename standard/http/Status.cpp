@@ -12,7 +12,7 @@ struct StatusRow
     const char *reason;
 };
 
-constexpr std::array<StatusRow, 31> statuses{ {
+constexpr std::array<StatusRow, 32> statuses{ {
     { Status::Ok, "OK" },
     { Status::Created, "Created" },
     { Status::NoContent, "No Content" },

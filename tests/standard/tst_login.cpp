@@ -7,6 +7,7 @@
 #include "tests/support/Data.h"
 
 #include <QCryptographicHash>
+#include <QElapsedTimer>
 #include <QTest>
 
 #include <vector>
@@ -68,6 +69,7 @@ private Q_SLOTS:
     void hashesAreCheckedInTurn();
     void refusedBeforeTheBody();
     void otherSitesChangeNothing();
+    void guessesWait();
 };
 
 void TestLogin::exampleOfTheRfc_data()
@@ -255,6 +257,53 @@ void TestLogin::otherSitesChangeNothing()
     const QByteArray other = "Sec-Fetch-Site: cross-site\r\n";
     QCOMPARE(server.status("DELETE", "/a", other), 403);
     QCOMPARE(replyTo(server, "GET", "/a", other).body, QByteArray("A"));
+}
+
+void TestLogin::guessesWait()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "A");
+    server.profile->authMode = AuthBasic;
+    server.profile->users = QStringList{ QStringLiteral("b:2") };
+    const QHostAddress stranger(QStringLiteral("127.0.0.2"));
+    const QByteArray right = rawRequest("GET", "/a", basic("b:2"));
+    const QByteArray wrong = rawRequest("GET", "/a", basic("b:1"));
+    RawClient known(server.port(), stranger);
+    QCOMPARE(known.exchange(right).body, QByteArray("A"));
+    for (int i = 0; i < 5; ++i)
+        QCOMPARE(RawClient(server.port(), stranger).exchange(wrong).status(),
+                 QByteArray("401 Unauthorized"));
+    QCOMPARE(server.sink.messages.size(), 1);
+    QElapsedTimer clock;
+    clock.start();
+    // Several at once are looked at one after another.
+    RawClient first(server.port(), stranger);
+    RawClient second(server.port(), stranger);
+    first.send(wrong);
+    second.send(wrong);
+    // Neither this machine waits, nor who has logged in, nor who brings no password.
+    QCOMPARE(server.status("GET", "/a", basic("b:2")), 200);
+    QCOMPARE(known.exchange(right).body, QByteArray("A"));
+    QCOMPARE(RawClient(server.port(), stranger).exchange(rawRequest("GET", "/a")).status(),
+             QByteArray("401 Unauthorized"));
+    QVERIFY(clock.elapsed() < 900);
+    QCOMPARE(first.reply().status(), QByteArray("401 Unauthorized"));
+    QCOMPARE(second.reply().status(), QByteArray("401 Unauthorized"));
+    QVERIFY(clock.elapsed() >= 2900);
+
+    // The end comes while one waits.
+    first.send(wrong);
+    QCOMPARE(known.exchange(right).body, QByteArray("A"));
+    server.server->stopAll();
+    QVERIFY(first.waitForClose());
+    server.start();
+
+    const auto now = Guesses::Clock::now();
+    for (int i = 0; i < 6; ++i)
+        server.engine.setup()->guesses->noteWrong({ stranger, "b", now }, now);
+    const RawReply reply = RawClient(server.port(), stranger).exchange(right);
+    QCOMPARE(reply.status(), QByteArray("429 Too Many Requests"));
+    QVERIFY(reply.header("Retry-After").toInt() > 50);
 }
 
 } // namespace standard

@@ -1000,6 +1000,14 @@
         <translation>The certificate %1 is not that of the private key %2</translation>
     </message>
     <message>
+        <source>Too many wrong passwords from %1: further ones have to wait.</source>
+        <translation>Too many wrong passwords from %1: further ones have to wait.</translation>
+    </message>
+    <message>
+        <source>Too many wrong passwords for one account, from several addresses: new visitors have to wait a little.</source>
+        <translation>Too many wrong passwords for one account, from several addresses: new visitors have to wait a little.</translation>
+    </message>
+    <message>
         <source>Warning</source>
         <translation>Warning</translation>
     </message>

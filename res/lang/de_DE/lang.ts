@@ -1000,6 +1000,14 @@
         <translation>Das Zertifikat %1 gehört nicht zum privaten Schlüssel %2</translation>
     </message>
     <message>
+        <source>Too many wrong passwords from %1: further ones have to wait.</source>
+        <translation>Zu viele falsche Passwörter von %1: Weitere müssen warten.</translation>
+    </message>
+    <message>
+        <source>Too many wrong passwords for one account, from several addresses: new visitors have to wait a little.</source>
+        <translation>Zu viele falsche Passwörter für ein Konto, von mehreren Adressen: Neue Besucher müssen kurz warten.</translation>
+    </message>
+    <message>
         <source>Warning</source>
         <translation>Warnung</translation>
     </message>

@@ -1000,6 +1000,14 @@
         <translation>El certificado %1 no corresponde a la clave privada %2</translation>
     </message>
     <message>
+        <source>Too many wrong passwords from %1: further ones have to wait.</source>
+        <translation>Demasiadas contraseñas incorrectas de %1: las siguientes tendrán que esperar.</translation>
+    </message>
+    <message>
+        <source>Too many wrong passwords for one account, from several addresses: new visitors have to wait a little.</source>
+        <translation>Demasiadas contraseñas incorrectas para una cuenta, desde varias direcciones: los nuevos visitantes tendrán que esperar un poco.</translation>
+    </message>
+    <message>
         <source>Warning</source>
         <translation>Advertencia</translation>
     </message>

@@ -1000,6 +1000,14 @@
         <translation>Le certificat %1 ne correspond pas à la clé privée %2</translation>
     </message>
     <message>
+        <source>Too many wrong passwords from %1: further ones have to wait.</source>
+        <translation>Trop de mots de passe incorrects de %1 : les suivants devront attendre.</translation>
+    </message>
+    <message>
+        <source>Too many wrong passwords for one account, from several addresses: new visitors have to wait a little.</source>
+        <translation>Trop de mots de passe incorrects pour un compte, depuis plusieurs adresses : les nouveaux visiteurs devront attendre un peu.</translation>
+    </message>
+    <message>
         <source>Warning</source>
         <translation>Avertissement</translation>
     </message>

@@ -112,6 +112,7 @@ private Q_SLOTS:
     void asksForBasicCredentials();
     void sharesTheSessionOfOneBrowser();
     void knowsOnlyGetAndPostForASingleFile();
+    void makesGuessesWait();
     void leavesNothingOpenWhenStrict();
 
 private:
@@ -480,6 +481,40 @@ void TestRequests::knowsOnlyGetAndPostForASingleFile()
     QCOMPARE(client.exchange(rawRequest("GET", "/b")).status(), QByteArray("404 Not Found"));
     QCOMPARE(client.exchange(rawRequest("PROPFIND", "/")).status(),
              QByteArray("405 Method Not Allowed"));
+}
+
+/// The same bytes, only later.
+void TestRequests::makesGuessesWait()
+{
+    writeFile(live->home.directories.language + QLatin1String("login.html"), "LOGIN");
+    live->profile->password = QStringLiteral("p");
+    live->profile->users = QStringList{ QStringLiteral("b:2") };
+    const QByteArray type = "Content-Type: application/x-www-form-urlencoded\r\n";
+    const auto login = [&](const QByteArray &password) {
+        return rawRequest("POST", "/a.txt", type, "a=log&password=" + password);
+    };
+    const auto basic = [](const QByteArray &account) {
+        return rawRequest("GET", "/a.txt", "Authorization: Basic " + account.toBase64() + "\r\n");
+    };
+    for (const auto &[mode, wrong, right] : { std::tuple(AuthPasswordPage, login("x"), login("p")),
+                                              std::tuple(AuthBasic, basic("b:1"), basic("b:2")) }) {
+        live->profile->authMode = mode;
+        const auto now = Guesses::Clock::now();
+        const QHostAddress guesser(mode == AuthBasic ? QStringLiteral("127.0.0.2")
+                                                     : QStringLiteral("127.0.0.3"));
+        for (int i = 0; i < 5; ++i)
+            live->engine.setup()->guesses->noteWrong({ guesser, "other", now }, now);
+        QElapsedTimer clock;
+        clock.start();
+        RawClient late(live->port(), guesser);
+        late.send(right);
+        const RawReply refused = RawClient(live->port()).exchange(wrong);
+        QVERIFY(clock.elapsed() < 900);
+        QCOMPARE(late.reply().body, QByteArray("0123456789"));
+        QVERIFY(clock.elapsed() >= 900);
+        const RawReply also = RawClient(live->port(), guesser).exchange(wrong);
+        QCOMPARE(also.status() + also.body, refused.status() + refused.body);
+    }
 }
 
 void TestRequests::leavesNothingOpenWhenStrict()

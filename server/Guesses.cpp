@@ -1,0 +1,88 @@
+#include "server/Guesses.h"
+
+#include "server/PeerAddress.h"
+#include "server/StatusSink.h"
+
+#include <QCoreApplication>
+
+#include <algorithm>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int freeGuesses = 5;
+constexpr int mostDoublings = 6;
+constexpr std::chrono::seconds longest = 60s;
+constexpr std::chrono::seconds longestAtAccount = 8s; ///< what every program waits for
+constexpr int longestName = 64; ///< of an account, bytes that count
+
+std::chrono::seconds delayAfter(int wrong)
+{
+    if (wrong < freeGuesses)
+        return 0s;
+    return std::min(longest, 1s * (1 << std::min(wrong - freeGuesses, mostDoublings)));
+}
+
+QByteArray addressKey(const Guesses::Login &login)
+{
+    return peerOf(login.visitor).toString().toLatin1();
+}
+
+QByteArray accountKey(const Guesses::Login &login)
+{
+    return login.account.left(longestName);
+}
+
+QByteArray pairKey(const Guesses::Login &login)
+{
+    return addressKey(login) + ' ' + accountKey(login);
+}
+
+QString translated(const char *source)
+{
+    return QCoreApplication::translate("WebServer", source);
+}
+
+} // namespace
+
+Guesses::Clock::time_point Guesses::turnOf(const Login &login, Clock::time_point now) const
+{
+    const RecentCounts::Count here = wrongFrom.of(addressKey(login), now);
+    Clock::time_point turn = login.arrived;
+    if (here.number >= freeGuesses)
+        turn = std::max(turn, here.last + delayAfter(here.number));
+    const auto atAccount =
+        std::min(delayAfter(wrongAt.of(accountKey(login), now).number), longestAtAccount);
+    if (atAccount > 0s && rightFrom.of(pairKey(login), now).number == 0)
+        turn = std::max(turn, login.arrived + atAccount);
+    return turn > now && isOwnAddress(login.visitor) ? login.arrived : turn;
+}
+
+void Guesses::noteWrong(const Login &login, Clock::time_point now)
+{
+    if (isOwnAddress(login.visitor))
+        return;
+    const int here = wrongFrom.add(addressKey(login), now);
+    const int atAccount = wrongAt.add(accountKey(login), now);
+    if (here == freeGuesses)
+        warn(translated(
+                 QT_TRANSLATE_NOOP("WebServer",
+                                   "Too many wrong passwords from %1: further ones have to wait."))
+                 .arg(login.visitor.toString()));
+    else if (atAccount == freeGuesses)
+        warn(translated(QT_TRANSLATE_NOOP("WebServer",
+                                          "Too many wrong passwords for one account, from several "
+                                          "addresses: new visitors have to wait a little.")));
+}
+
+void Guesses::noteRight(const Login &login, Clock::time_point now)
+{
+    rightFrom.add(pairKey(login), now);
+}
+
+void Guesses::warn(const QString &text) const
+{
+    if (sink)
+        sink->msg(translated("Warning"), text);
+}

@@ -1,0 +1,49 @@
+#pragma once
+
+#include "server/RecentCounts.h"
+
+#include <QByteArray>
+#include <QHostAddress>
+
+class StatusSink;
+
+/// Makes those wait who guess passwords. After five wrong ones from an address the next is looked
+/// at a second later, then two, up to a minute, one after another. After five at an account each
+/// further one waits a few seconds of its own, wherever it comes from; but not where the right one
+/// came from lately, so that a crowd of strangers locks nobody out. This machine never waits. What
+/// was right clears nothing: whoever has an account could guess at others without end. One serves
+/// all servers of a program.
+class Guesses
+{
+public:
+    using Clock = RecentCounts::Clock;
+
+    /// A password that is to be looked at.
+    struct Login
+    {
+        QHostAddress visitor;
+        QByteArray account; ///< empty where any name will do
+        Clock::time_point arrived;
+    };
+
+    /// `statusSink` is borrowed and outlives it; it may be null.
+    explicit Guesses(StatusSink *statusSink)
+        : sink(statusSink)
+    {
+    }
+
+    /// When it may be looked at: not after `now` if it may be at once. To be asked again then, as
+    /// others may have come first.
+    Clock::time_point turnOf(const Login &login, Clock::time_point now) const;
+
+    void noteWrong(const Login &login, Clock::time_point now);
+    void noteRight(const Login &login, Clock::time_point now);
+
+private:
+    void warn(const QString &text) const;
+
+    StatusSink *sink;
+    RecentCounts wrongFrom; ///< by address
+    RecentCounts wrongAt; ///< by account
+    RecentCounts rightFrom; ///< by both
+};

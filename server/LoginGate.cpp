@@ -1,0 +1,65 @@
+#include "server/LoginGate.h"
+
+#include <QTimer>
+
+#include <algorithm>
+#include <utility>
+
+LoginGate::LoginGate(Guesses &guesses, std::chrono::seconds longest, std::function<void()> tryAgain)
+    : table(guesses)
+    , patience(longest)
+    , again(std::move(tryAgain))
+{
+}
+
+LoginGate::~LoginGate() = default;
+
+LoginGate::Turn LoginGate::enter(const QHostAddress &visitor, const QByteArray &account)
+{
+    const Guesses::Clock::time_point now = Guesses::Clock::now();
+    if (!login)
+        login = Guesses::Login{ visitor, account, now };
+    if (proven == account)
+        return Turn::Now;
+    turn = table.turnOf(*login, now);
+    if (turn <= now)
+        return Turn::Now;
+    if (turn > login->arrived + patience) {
+        login.reset();
+        return Turn::TooLate;
+    }
+    if (!timer) {
+        timer = std::make_unique<QTimer>();
+        timer->setSingleShot(true);
+        timer->setTimerType(Qt::PreciseTimer);
+        QObject::connect(timer.get(), &QTimer::timeout, timer.get(), [this] { again(); });
+    }
+    timer->start(std::chrono::ceil<std::chrono::milliseconds>(turn - now));
+    return Turn::Later;
+}
+
+void LoginGate::tell(bool right)
+{
+    const Guesses::Clock::time_point now = Guesses::Clock::now();
+    if (!right) {
+        proven.reset();
+        table.noteWrong(*login, now);
+    } else if (proven != login->account) {
+        proven = login->account;
+        table.noteRight(*login, now);
+    }
+    login.reset();
+}
+
+std::chrono::seconds LoginGate::timeLeft() const
+{
+    const auto left = std::chrono::ceil<std::chrono::seconds>(turn - Guesses::Clock::now());
+    return std::max(left, std::chrono::seconds(1));
+}
+
+void LoginGate::leave()
+{
+    login.reset();
+    if (timer)
+        timer->stop();
+}

@@ -1,0 +1,48 @@
+#pragma once
+
+#include "server/Guesses.h"
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+
+class QTimer;
+
+/// Has the logins of one connection wait for their turn, see `Guesses`. Owned by its face.
+class LoginGate
+{
+public:
+    enum class Turn {
+        Now, ///< the password may be looked at
+        Later, ///< the gate will say when
+        TooLate ///< not within the time that a login may wait
+    };
+
+    /// `guesses` is borrowed and outlives it. A login waits for at most `longest`; when its turn
+    /// may have come, `tryAgain` is called from the event loop.
+    LoginGate(Guesses &guesses, std::chrono::seconds longest, std::function<void()> tryAgain);
+    ~LoginGate();
+
+    /// Whether the password may be looked at that a request from `visitor` brings for `account`.
+    /// The account whose password this connection has brought does not wait.
+    Turn enter(const QHostAddress &visitor, const QByteArray &account);
+
+    /// What came of the login that may be looked at.
+    void tell(bool right);
+
+    /// How long the login that is too late would have to wait, at least a second.
+    std::chrono::seconds timeLeft() const;
+
+    /// The request is over: nobody waits any more.
+    void leave();
+
+private:
+    Guesses &table;
+    const std::chrono::seconds patience;
+    const std::function<void()> again;
+    std::optional<Guesses::Login> login; ///< that waits or is being looked at
+    Guesses::Clock::time_point turn; ///< its own
+    std::optional<QByteArray> proven; ///< the account
+    std::unique_ptr<QTimer> timer;
+};

@@ -1,0 +1,10 @@
+#pragma once
+
+#include <QHostAddress>
+
+/// Who is counted as one: an IPv6 address by its network of 64 bits, as its owner may use all the
+/// others; an IPv4 one that is written as IPv6 by itself.
+QHostAddress peerOf(const QHostAddress &address);
+
+/// Whether one of this machine's interfaces has it by now.
+bool isOwnAddress(const QHostAddress &address);

@@ -1,0 +1,116 @@
+#include "server/Guesses.h"
+#include "tests/support/LiveServer.h"
+
+#include <chrono>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+/// Somebody who tries one password after the other, at a time of the test's own.
+class Guesser
+{
+public:
+    explicit Guesser(const char *from, QByteArray at = "admin")
+        : address(QString::fromLatin1(from))
+        , account(std::move(at))
+    {
+    }
+
+    /// Seconds that the next one has to wait.
+    qint64 waits(const Guesses &guesses, Guesses::Clock::time_point now) const
+    {
+        const auto turn = guesses.turnOf({ address, account, now }, now);
+        return std::chrono::duration_cast<std::chrono::seconds>(turn - now).count();
+    }
+    void fails(Guesses &guesses, Guesses::Clock::time_point now, int times = 1) const
+    {
+        for (int i = 0; i < times; ++i)
+            guesses.noteWrong({ address, account, now }, now);
+    }
+    void succeeds(Guesses &guesses, Guesses::Clock::time_point now) const
+    {
+        guesses.noteRight({ address, account, now }, now);
+    }
+
+private:
+    QHostAddress address;
+    QByteArray account;
+};
+
+} // namespace
+
+/// Who may try a password when.
+class TestAdmission : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void waitsLongerAndLonger();
+    void aCrowdLocksNobodyOut();
+    void keepsNoMoreThanItMay();
+
+private:
+    const Guesses::Clock::time_point start = Guesses::Clock::now();
+};
+
+void TestAdmission::waitsLongerAndLonger()
+{
+    RecordingSink sink;
+    Guesses guesses(&sink);
+    const Guesser guesser("2001:db8::1");
+    guesser.fails(guesses, start, 4);
+    QCOMPARE(guesser.waits(guesses, start), 0);
+    QVERIFY(sink.messages.isEmpty());
+    for (const int seconds : { 1, 2, 4, 8, 16, 32, 60, 60 }) {
+        guesser.fails(guesses, start);
+        QCOMPARE(guesser.waits(guesses, start), seconds);
+    }
+    // One lock-out, one message.
+    QCOMPARE(sink.messages.size(), 1);
+    QVERIFY(sink.messages.constFirst().contains(QLatin1String("2001:db8::1")));
+    // All of its network, at whatever account; not its neighbours.
+    QCOMPARE(Guesser("2001:db8::ffff:2", "x").waits(guesses, start + 10s), 50);
+    QCOMPARE(Guesser("2001:db8:0:1::1", "x").waits(guesses, start), 0);
+    // A login of its own makes no room for further guesses.
+    Guesser("2001:db8::1", "own").succeeds(guesses, start);
+    QCOMPARE(guesser.waits(guesses, start), 60);
+    QCOMPARE(guesser.waits(guesses, start + 1h + 1s), 0);
+
+    const Guesser mapped("::ffff:203.0.113.1");
+    mapped.fails(guesses, start, 5);
+    QCOMPARE(Guesser("203.0.113.1", "x").waits(guesses, start), 1);
+    const Guesser self("127.0.0.1");
+    self.fails(guesses, start, 20);
+    QCOMPARE(self.waits(guesses, start), 0);
+}
+
+void TestAdmission::aCrowdLocksNobodyOut()
+{
+    RecordingSink sink;
+    Guesses guesses(&sink);
+    const Guesser owner("203.0.113.1");
+    owner.succeeds(guesses, start);
+    for (int i = 1; i < 100; ++i)
+        Guesser(QByteArray("198.51.100." + QByteArray::number(i)).constData())
+            .fails(guesses, start);
+    QCOMPARE(sink.messages.size(), 1);
+    QCOMPARE(owner.waits(guesses, start), 0);
+    QCOMPARE(Guesser("203.0.113.2").waits(guesses, start), 8);
+    QCOMPARE(Guesser("203.0.113.2", "other").waits(guesses, start), 0);
+}
+
+void TestAdmission::keepsNoMoreThanItMay()
+{
+    RecentCounts counts;
+    counts.add("oldest", start);
+    counts.add("second", start);
+    counts.add("oldest", start + 1s);
+    for (int i = 1; i < RecentCounts::maxKept; ++i)
+        counts.add(QByteArray::number(i), start + 2s);
+    QCOMPARE(counts.of("second", start + 2s).number, 0);
+    QCOMPARE(counts.of("oldest", start + 2s).number, 2);
+    QCOMPARE(counts.add("oldest", start + 2h), 1);
+}
+
+QTEST_GUILESS_MAIN(TestAdmission)
+#include "tst_admission.moc"
