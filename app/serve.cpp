@@ -35,6 +35,7 @@ struct Options
     QString profile; ///< empty: the global one
     std::optional<FaceMode> mode; ///< absent: the profile's
     QStringList proxies; ///< to trust beside the profile's
+    QStringList names; ///< of this server beside the profile's
     std::optional<QByteArray> pathPrefix; ///< absent: the profile's
     bool defaultProfile = false; ///< none of the stored ones
     bool sandbox = true;
@@ -80,6 +81,12 @@ struct CommandLine
              "several times."),
         QStringLiteral("ADDR")
     };
+    const QCommandLineOption name{
+        QStringLiteral("name"),
+        text("Answer to this host name too, where others are refused (strict); may be given "
+             "several times."),
+        QStringLiteral("NAME")
+    };
     const QCommandLineOption pathPrefix{
         QStringLiteral("path-prefix"),
         text("What a trusted proxy leaves in front of all paths, like /share."),
@@ -105,8 +112,8 @@ struct CommandLine
     {
         parser.setApplicationDescription(
             text("Serves a file or folder to browsers and WebDAV clients."));
-        parser.addOptions(
-            { address, port, mode, trustProxy, pathPrefix, profile, defaults, hash, noSandbox });
+        parser.addOptions({ address, port, mode, trustProxy, name, pathPrefix, profile, defaults,
+                            hash, noSandbox });
         parser.addPositionalArgument(QStringLiteral("PATH"), text("The file or folder to serve."));
     }
 };
@@ -185,6 +192,17 @@ QString takeProxies(const CommandLine &line, Options *options)
     return {};
 }
 
+QString takeNames(const CommandLine &line, Options *options)
+{
+    for (const QString &given : line.parser.values(line.name)) {
+        const std::optional<QString> name = hostNameOf(given.toUtf8());
+        if (!name)
+            return text("This is no host name: %1").arg(given);
+        options->names.append(*name);
+    }
+    return {};
+}
+
 QString takePathPrefix(const CommandLine &line, Options *options)
 {
     if (!line.parser.isSet(line.pathPrefix))
@@ -205,7 +223,8 @@ QString takeOptions(const CommandLine &line, Options *options)
     options->sandbox = !line.parser.isSet(line.noSandbox);
     if (options->defaultProfile && line.parser.isSet(line.profile))
         return text("--profile and --default-profile exclude each other.");
-    for (const auto take : { takeAddress, takePort, takeMode, takeProxies, takePathPrefix }) {
+    for (const auto take :
+         { takeAddress, takePort, takeMode, takeProxies, takeNames, takePathPrefix }) {
         if (QString problem = take(line, options); !problem.isEmpty())
             return problem;
     }
@@ -324,6 +343,7 @@ int serve(Console *console, const Options &options, const QString &path, const P
     const std::unique_ptr<Profile> profile = stored->clone();
     profile->faceMode = options.mode.value_or(FaceMode(profile->faceMode));
     profile->trustedProxies += options.proxies;
+    profile->names += options.names;
     profile->pathPrefix = options.pathPrefix.value_or(profile->pathPrefix);
 
     ConsoleSink sink(console);

@@ -61,6 +61,7 @@ struct ProfileValues
     qint32 deepListings = 1; ///< whether the standard face lists whole trees, 0 or 1
     qint32 strict = 0; ///< see `Profile::isStrict`, 0 or 1
     QStringList trustedProxies; ///< addresses of those whose word is taken for who asked for what
+    QStringList names; ///< hosts that this server is called by elsewhere; see `hostNameOf`
     QByteArray pathPrefix; ///< that they leave on paths; see `pathPrefixOf`
     std::optional<Rights> everyone; ///< rights; none: those of the switches
     QMap<QString, AccountRights> accountRights; ///< by name

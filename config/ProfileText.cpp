@@ -4,6 +4,7 @@
 #include "config/ProfileFile.h"
 
 #include <QFile>
+#include <QUrl>
 
 #include <algorithm>
 #include <array>
@@ -56,30 +57,36 @@ QByteArray sayWord(const ProfileValues &values)
     return words.at(std::size_t(values.*value));
 }
 
-bool isAddress(const QByteArray &text)
+std::optional<QString> addressOf(const QByteArray &text)
 {
     std::array<unsigned char, sizeof(in6_addr)> address{};
-    return ::inet_pton(AF_INET, text.constData(), address.data()) == 1
+    const bool isAddress = ::inet_pton(AF_INET, text.constData(), address.data()) == 1
         || ::inet_pton(AF_INET6, text.constData(), address.data()) == 1;
+    return isAddress ? std::optional(QString::fromLatin1(text)) : std::nullopt;
 }
 
-bool takeProxies(const QByteArray &text, ProfileValues *values)
+using ReadItem = std::optional<QString>(const QByteArray &text);
+
+/// Several with commas between.
+template <QStringList ProfileValues::*value, ReadItem readItem>
+bool takeList(const QByteArray &text, ProfileValues *values)
 {
-    QStringList addresses;
-    for (const QByteArray &item : text.split(',')) {
-        const QByteArray address = item.trimmed();
-        if (!address.isEmpty() && !isAddress(address))
+    QStringList list;
+    for (const QByteArray &part : text.split(',')) {
+        if (part.trimmed().isEmpty())
+            continue;
+        const std::optional<QString> item = readItem(part.trimmed());
+        if (!item)
             return false;
-        if (!address.isEmpty())
-            addresses.append(QString::fromLatin1(address));
+        list.append(*item);
     }
-    values->trustedProxies = addresses;
+    values->*value = list;
     return true;
 }
 
-QByteArray sayProxies(const ProfileValues &values)
+template <QStringList ProfileValues::*value> QByteArray sayList(const ProfileValues &values)
 {
-    return values.trustedProxies.join(QLatin1String(", ")).toLatin1();
+    return (values.*value).join(QLatin1String(", ")).toLatin1();
 }
 
 bool takePrefix(const QByteArray &text, ProfileValues *values)
@@ -131,7 +138,9 @@ constexpr std::array textKeys{
              sayWord<&ProfileValues::deepListings, answers> },
     TextKey{ "strict", takeWord<&ProfileValues::strict, switched>,
              sayWord<&ProfileValues::strict, switched> },
-    TextKey{ "trusted-proxies", takeProxies, sayProxies },
+    TextKey{ "trusted-proxies", takeList<&ProfileValues::trustedProxies, addressOf>,
+             sayList<&ProfileValues::trustedProxies> },
+    TextKey{ "names", takeList<&ProfileValues::names, hostNameOf>, sayList<&ProfileValues::names> },
     TextKey{ "path-prefix", takePrefix, sayPrefix },
     TextKey{ "everyone", takeEveryone, sayEveryone },
     TextKey{ "login-password", takePassword, sayPassword },
@@ -405,6 +414,14 @@ std::optional<FaceMode> faceModeOf(const QByteArray &name)
     return takeWord<&ProfileValues::faceMode, modes>(name, &values)
         ? std::optional(FaceMode(values.faceMode))
         : std::nullopt;
+}
+
+std::optional<QString> hostNameOf(const QByteArray &text)
+{
+    QUrl url;
+    url.setHost(QString::fromUtf8(text), QUrl::StrictMode);
+    const QString host = url.host(QUrl::FullyEncoded);
+    return host.isEmpty() ? std::nullopt : std::optional(host);
 }
 
 std::optional<QByteArray> pathPrefixOf(const QByteArray &text)

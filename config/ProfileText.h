@@ -32,6 +32,10 @@ bool writeText(const QString &textFile, const ProfileValues &values);
 /// The mode of this name, as the text file and the console call it.
 std::optional<FaceMode> faceModeOf(const QByteArray &name);
 
+/// A host name or address as browsers send it: in lower case, without brackets, with other letters
+/// encoded (RFC 3492). None when it is neither.
+std::optional<QString> hostNameOf(const QByteArray &text);
+
 /// A path that all paths outside begin with, as it stands in URLs ("/share"), without a "/" at its
 /// end; empty for the root. None when it is no path.
 std::optional<QByteArray> pathPrefixOf(const QByteArray &text);

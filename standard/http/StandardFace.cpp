@@ -13,6 +13,7 @@
 #include "standard/http/MkCol.h"
 #include "standard/http/Move.h"
 #include "standard/http/Options.h"
+#include "standard/http/OwnNames.h"
 #include "standard/http/Patch.h"
 #include "standard/http/Put.h"
 #include "standard/http/Reserved.h"
@@ -24,6 +25,8 @@ namespace standard {
 namespace {
 
 constexpr auto keptNames = "Such names are kept for files that are being received.";
+constexpr auto strangeName =
+    "This server is not known by that name. Its owner can add it: see \"names\" in the reference.";
 constexpr auto tooManyGuesses = "Too many wrong passwords. Try again later.";
 
 /// What any program waits for. With a longer wait it would give up without a word, so it is told
@@ -98,10 +101,29 @@ void StandardFace::requestReady(Request request)
         logIn();
 }
 
-/// Not a page of somebody else's, which must not have its visitor's browser change anything here.
+/// Whether it calls this server by a name of somebody else's. One without a name is no browser's.
+bool StandardFace::isMisdirected()
+{
+    if (!exchange.service().profile->isStrict())
+        return false;
+    const std::optional<QByteArray> called = calledName(exchange);
+    if (!called || called == ownName)
+        return false;
+    if (!isMeantForUs(*called, exchange))
+        return true;
+    ownName = called;
+    return false;
+}
+
+/// Whether a visitor means this server by it, and not a page of somebody else's, which must not
+/// have its visitor's browser change anything here.
 bool StandardFace::isWelcome()
 {
     const Request &request = exchange.request();
+    if (isMisdirected()) {
+        exchange.refuse(Status::MisdirectedRequest, strangeName);
+        return false;
+    }
     const QByteArray site = request.value("Sec-Fetch-Site");
     if (isSafe(request.method) || (site != "cross-site" && site != "same-site"))
         return true;

@@ -10,6 +10,7 @@
 #include <QObject>
 
 #include <memory>
+#include <optional>
 
 namespace standard {
 
@@ -44,6 +45,7 @@ private:
     void replyEnded() override;
 
     void bodySaved(BodyEnd end);
+    bool isMisdirected();
     bool isWelcome();
     void logIn();
     void checkPassword(const Authenticator::Result &login);
@@ -58,6 +60,7 @@ private:
     Channel channel;
     Exchange exchange;
     LoginGate gate;
+    std::optional<QByteArray> ownName; ///< that was found to be ours on this connection
     bool isAtDoor = false; ///< the request waits to be let in
     bool isAnswering = false; ///< the handler has not ended
     std::unique_ptr<QObject> checking; ///< while nobody knows whether the password fits

@@ -32,6 +32,7 @@ constexpr std::array<StatusRow, 32> statuses{ {
     { Status::UnsupportedMediaType, "Unsupported Media Type" },
     { Status::RangeNotSatisfiable, "Range Not Satisfiable" },
     { Status::ExpectationFailed, "Expectation Failed" },
+    { Status::MisdirectedRequest, "Misdirected Request" },
     { Status::UnprocessableContent, "Unprocessable Content" },
     { Status::Locked, "Locked" },
     { Status::FailedDependency, "Failed Dependency" },

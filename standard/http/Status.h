@@ -25,6 +25,7 @@ enum class Status {
     UnsupportedMediaType = 415,
     RangeNotSatisfiable = 416,
     ExpectationFailed = 417,
+    MisdirectedRequest = 421,
     UnprocessableContent = 422,
     Locked = 423,
     FailedDependency = 424,

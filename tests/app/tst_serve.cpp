@@ -176,6 +176,7 @@ void TestServe::endsAtOnce_data()
     row("unknown option", QStringLiteral("--loud /tmp"), 2, "loud");
     row("port out of range", QStringLiteral("--port 65536 /tmp"), 2, "65536");
     row("no proxy", QStringLiteral("--trust-proxy proxy /tmp"), 2, "no address: proxy");
+    row("no name", QStringLiteral("--name a/b /tmp"), 2, "no host name: a/b");
     row("no prefix", QStringLiteral("--path-prefix share /tmp"), 2, "no path for URLs: share");
     row("no mode", QStringLiteral("--mode modern /tmp"), 2, "classic, auto or standard");
     row("two profiles", QStringLiteral("--profile a --default-profile /tmp"), 2, "exclude");

@@ -234,17 +234,21 @@ void TestProfile::keepsMoreValuesAsText()
     QCOMPARE(home->profileBytes(file),
              QByteArray("; mine\r\nnew=1\r\nmode = auto\n\nsync = folder\n"));
 
-    home->writeProfile(file, "trusted-proxies = 127.0.0.1,::1\npath-prefix = /a%20b/\n");
+    home->writeProfile(file,
+                       "trusted-proxies = 127.0.0.1,::1\nnames = Nas.Example, ::1\n"
+                       "path-prefix = /a%20b/\n");
     QVERIFY(work.load());
     QCOMPARE(work.trustedProxies.join(QLatin1Char('|')), QStringLiteral("127.0.0.1|::1"));
     QVERIFY(work.amend([](Profile &profile) { profile.trustedProxies.removeLast(); }));
     QCOMPARE(home->profileBytes(file),
-             QByteArray("trusted-proxies = 127.0.0.1\npath-prefix = /a%20b\n"));
+             QByteArray(
+                 "trusted-proxies = 127.0.0.1\nnames = nas.example, ::1\npath-prefix = /a%20b\n"));
 
     for (const QByteArray &bytes :
          { QByteArray("mode = clasic\n"), QByteArray("sync"),
-           QByteArray("trusted-proxies = ::1, proxy\n"), QByteArray("path-prefix = //evil\n"),
-           QByteArray("mode = auto\n\0", 13), QByteArray(2 << 20, '#') }) {
+           QByteArray("trusted-proxies = ::1, proxy\n"), QByteArray("names = a/b\n"),
+           QByteArray("path-prefix = //evil\n"), QByteArray("mode = auto\n\0", 13),
+           QByteArray(2 << 20, '#') }) {
         home->writeProfile(file, bytes);
         const Profile damaged(home->directories, name);
         QVERIFY(damaged.isUsable() && damaged.faceMode == FaceAuto);

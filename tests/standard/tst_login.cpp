@@ -8,6 +8,7 @@
 
 #include <QCryptographicHash>
 #include <QElapsedTimer>
+#include <QSysInfo>
 #include <QTest>
 
 #include <vector>
@@ -70,6 +71,8 @@ private Q_SLOTS:
     void refusedBeforeTheBody();
     void otherSitesChangeNothing();
     void guessesWait();
+    void answersToItsNamesAlone_data();
+    void answersToItsNamesAlone();
 };
 
 void TestLogin::exampleOfTheRfc_data()
@@ -304,6 +307,44 @@ void TestLogin::guessesWait()
     const RawReply reply = RawClient(server.port(), stranger).exchange(right);
     QCOMPARE(reply.status(), QByteArray("429 Too Many Requests"));
     QVERIFY(reply.header("Retry-After").toInt() > 50);
+}
+
+void TestLogin::answersToItsNamesAlone_data()
+{
+    columns<QByteArray>({ "host", "fields" });
+    QTest::addColumn<int>("status");
+    const QByteArray machine = QSysInfo::machineHostName().toUtf8();
+    row("address", "127.0.0.1:@", "", 200);
+    row("localhost", "LocalHost:@", "", 200);
+    row("the machine's name", machine + ":@", "", 200);
+    row("the machine's name nearby", machine + ".local:@", "", 200);
+    row("without its port", "localhost", "", 200);
+    row("another port", "localhost:1", "", 421);
+    row("a name that leads here", "evil.example:@", "", 421);
+    row("begins like ours", "localhost.evil.example:@", "", 421);
+    row("another machine's address", "192.0.2.1:@", "", 421);
+    row("no name", "", "", 421);
+    row("of the profile, with the port of a proxy", "Nas.Example:81", "", 200);
+    row("what a trusted proxy says", "inside", "X-Forwarded-Host: nas.example\r\n", 200);
+    row("somebody else's by a trusted proxy", "nas.example", "X-Forwarded-Host: evil.example\r\n",
+        421);
+}
+
+void TestLogin::answersToItsNamesAlone()
+{
+    StandardServer server;
+    server.addFile(QStringLiteral("a"), "A");
+    server.profile->strict = 1;
+    server.profile->names = QStringList{ QStringLiteral("nas.example") };
+    server.profile->trustedProxies = QStringList{ QStringLiteral("127.0.0.1") };
+    QFETCH(QByteArray, host);
+    QFETCH(const QByteArray, fields);
+    const QByteArray port = QByteArray::number(server.port());
+    RawClient client(server.port());
+    const RawReply reply = client.exchange("GET /a HTTP/1.1\r\nHost: " + host.replace('@', port)
+                                           + "\r\n" + fields + "\r\n");
+    QTEST(reply.status().left(3).toInt(), "status");
+    QCOMPARE(RawClient(server.port()).exchange("GET /a HTTP/1.0\r\n\r\n").body, QByteArray("A"));
 }
 
 } // namespace standard
