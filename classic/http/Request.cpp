@@ -1,6 +1,7 @@
 #include "classic/http/Request.h"
 
 #include "classic/http/FormFields.h"
+#include "server/CrossSite.h"
 
 #include <QUrl>
 
@@ -11,13 +12,6 @@ constexpr auto formType = "application/x-www";
 bool hasDestination(int method)
 {
     return method == Request::Copy || method == Request::Move;
-}
-
-/// "https://host:port" or "host:port" without the scheme.
-QByteArray authority(const QByteArray &origin)
-{
-    const auto separator = origin.indexOf("://");
-    return origin.mid(separator < 0 ? 0 : int(separator) + 3).toLower();
 }
 
 } // namespace
@@ -96,10 +90,5 @@ bool Request::onlyReads() const
 
 bool Request::isCrossSite() const
 {
-    // Browsers don't let pages write these lines. A proxy may have changed the Host, but what the
-    // browser itself calls its own site is.
-    if (fetchSite == "same-origin" || fetchSite == "none")
-        return false;
-    const bool otherOrigin = !origin.isEmpty() && authority(origin) != authority(host);
-    return fetchSite == "cross-site" || otherOrigin;
+    return ::isCrossSite(fetchSite, origin, host);
 }

@@ -4,6 +4,7 @@
 #include "files/HiddenUploads.h"
 #include "net/Socket.h"
 #include "server/Connection.h"
+#include "server/CrossSite.h"
 #include "server/PasswordChecks.h"
 #include "standard/Log.h"
 #include "standard/http/Copy.h"
@@ -27,6 +28,7 @@ namespace {
 constexpr auto keptNames = "Such names are kept for files that are being received.";
 constexpr auto strangeName =
     "This server is not known by that name. Its owner can add it: see \"names\" in the reference.";
+constexpr auto otherSite = "A page of another site asked for this.";
 constexpr auto tooManyGuesses = "Too many wrong passwords. Try again later.";
 
 /// What any program waits for. With a longer wait it would give up without a word, so it is told
@@ -124,10 +126,11 @@ bool StandardFace::isWelcome()
         exchange.refuse(Status::MisdirectedRequest, strangeName);
         return false;
     }
-    const QByteArray site = request.value("Sec-Fetch-Site");
-    if (isSafe(request.method) || (site != "cross-site" && site != "same-site"))
+    if (isSafe(request.method)
+        || !isCrossSite(request.value("Sec-Fetch-Site"), request.value("Origin"),
+                        calledName(exchange).value_or(QByteArray())))
         return true;
-    exchange.refuse(Status::Forbidden);
+    exchange.refuse(Status::Forbidden, otherSite);
     return false;
 }
 

@@ -1,4 +1,6 @@
+#include "server/CrossSite.h"
 #include "server/Guesses.h"
+#include "tests/support/Data.h"
 #include "tests/support/LiveServer.h"
 
 #include <chrono>
@@ -40,7 +42,7 @@ private:
 
 } // namespace
 
-/// Who may try a password when.
+/// Who may try a password when, and which pages may ask for changes.
 class TestAdmission : public QObject
 {
     Q_OBJECT
@@ -48,6 +50,8 @@ private Q_SLOTS:
     void waitsLongerAndLonger();
     void aCrowdLocksNobodyOut();
     void keepsNoMoreThanItMay();
+    void knowsPagesOfOtherSites_data();
+    void knowsPagesOfOtherSites();
 
 private:
     const Guesses::Clock::time_point start = Guesses::Clock::now();
@@ -110,6 +114,33 @@ void TestAdmission::keepsNoMoreThanItMay()
     QCOMPARE(counts.of("second", start + 2s).number, 0);
     QCOMPARE(counts.of("oldest", start + 2s).number, 2);
     QCOMPARE(counts.add("oldest", start + 2h), 1);
+}
+
+void TestAdmission::knowsPagesOfOtherSites_data()
+{
+    columns<QByteArray>({ "fetchSite", "origin", "host" });
+    QTest::addColumn<bool>("cross");
+    row("no browser", "", "", "a:8080", false);
+    row("our own page", "", "http://A:8080", "a:8080", false);
+    row("the scheme's port", "", "https://a", "a:443", false);
+    row("a proxy changed the host", "same-origin", "https://outside", "inside", false);
+    row("typed by the user", "none", "", "a", false);
+    row("another site", "", "http://b", "a", true);
+    row("another port", "", "http://a:81", "a", true);
+    row("another scheme's port", "", "http://a", "a:443", true);
+    row("another site without an origin", "cross-site", "", "a", true);
+    row("a neighbour's", "same-site", "", "a", true);
+    row("one that hides", "", "null", "a", true);
+    row("a local page", "", "file://", "a", true);
+    row("an extension", "", "moz-extension://0-1", "a", false);
+}
+
+void TestAdmission::knowsPagesOfOtherSites()
+{
+    QFETCH(const QByteArray, fetchSite);
+    QFETCH(const QByteArray, origin);
+    QFETCH(const QByteArray, host);
+    QTEST(isCrossSite(fetchSite, origin, host), "cross");
 }
 
 QTEST_GUILESS_MAIN(TestAdmission)

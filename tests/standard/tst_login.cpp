@@ -259,7 +259,13 @@ void TestLogin::otherSitesChangeNothing()
     server.addFile(QStringLiteral("a"), "A");
     const QByteArray other = "Sec-Fetch-Site: cross-site\r\n";
     QCOMPARE(server.status("DELETE", "/a", other), 403);
+    QCOMPARE(server.status("DELETE", "/a", "Origin: http://elsewhere\r\n"), 403);
     QCOMPARE(replyTo(server, "GET", "/a", other).body, QByteArray("A"));
+    // No login is asked for on the way.
+    server.profile->authMode = AuthBasic;
+    QCOMPARE(server.status("PUT", "/a", other), 403);
+    server.profile->authMode = AuthNone;
+    QCOMPARE(server.status("DELETE", "/a", "Origin: http://localhost\r\n"), 204);
 }
 
 void TestLogin::guessesWait()
