@@ -1,6 +1,7 @@
 #include "standard/http/Exchange.h"
 
 #include "files/Path.h"
+#include "standard/http/Protection.h"
 #include "standard/http/Reserved.h"
 
 #include <limits>
@@ -119,6 +120,7 @@ void Exchange::reply(Status status, Fields fields, const QByteArray &body)
 void Exchange::refuse(Status status, const QByteArray &text, Fields fields)
 {
     fields.push_back({ "Content-Type", "text/plain; charset=utf-8" });
+    addPageProtection(fields);
     reply(status, std::move(fields), (text.isEmpty() ? statusText(status) : text) + '\n');
 }
 

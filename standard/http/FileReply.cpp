@@ -5,6 +5,7 @@
 #include "files/Path.h"
 #include "standard/http/ContentType.h"
 #include "standard/http/FolderPage.h"
+#include "standard/http/Protection.h"
 
 #include <QRandomGenerator>
 
@@ -16,14 +17,6 @@
 namespace standard {
 
 namespace {
-
-/// What is served is somebody's file, never a part of this program.
-void addProtection(Fields &fields)
-{
-    static const Fields protection{ { "X-Content-Type-Options", "nosniff" },
-                                    { "Content-Security-Policy", "sandbox" } };
-    fields.insert(fields.end(), protection.begin(), protection.end());
-}
 
 QByteArray newBoundary()
 {
@@ -86,7 +79,7 @@ Fields FileReply::fileFields() const
 {
     Fields fields = validatorFields(file.facts);
     fields.push_back({ "Accept-Ranges", "bytes" });
-    addProtection(fields);
+    addFileProtection(fields);
     fields.push_back({ "Content-Disposition", disposition(fileName(), type()) });
     return fields;
 }
@@ -197,7 +190,7 @@ void FileReply::sendListing(const FolderListing &listing)
         return;
     Fields fields{ { "Content-Type", "text/html; charset=utf-8" },
                    { "Cache-Control", "no-cache" } };
-    addProtection(fields);
+    addPageProtection(fields);
     exchange.reply(Status::Ok, std::move(fields),
                    folderPage(seenFrom(exchange.access().home, exchange.path()), listing));
 }

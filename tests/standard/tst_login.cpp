@@ -350,6 +350,7 @@ void TestLogin::answersToItsNamesAlone()
     const RawReply reply = client.exchange("GET /a HTTP/1.1\r\nHost: " + host.replace('@', port)
                                            + "\r\n" + fields + "\r\n");
     QTEST(reply.status().left(3).toInt(), "status");
+    QCOMPARE(reply.header("Cross-Origin-Resource-Policy"), QByteArray("same-origin"));
     QCOMPARE(RawClient(server.port()).exchange("GET /a HTTP/1.0\r\n\r\n").body, QByteArray("A"));
 }
 

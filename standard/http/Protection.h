@@ -1,0 +1,15 @@
+#pragma once
+
+#include "standard/http/Request.h"
+
+namespace standard {
+
+/// What the replies say to browsers that hold pages of ours: nothing is fetched for them, no other
+/// site shows, opens or reads them, and none hears of them.
+void addPageProtection(Fields &fields);
+
+/// What is served is somebody's file, never a part of this program: its scripts don't run, and no
+/// other site embeds it.
+void addFileProtection(Fields &fields);
+
+} // namespace standard
