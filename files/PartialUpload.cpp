@@ -22,7 +22,7 @@ namespace {
 
 constexpr mode_t newMode = 0666;
 constexpr mode_t privateMode = 0600; ///< of what is to replace a file, which may be private
-constexpr std::size_t maxRecord = 32 * 1024; ///< bytes
+constexpr std::size_t maxRecord = 32768; ///< bytes
 constexpr auto recordEnding = "about";
 constexpr auto firstLine = "1"; ///< tells the form of the record
 constexpr int recordLines = 6;
@@ -61,7 +61,7 @@ QByteArray readRecord(int file)
 {
     std::array<char, maxRecord> text;
     const ssize_t size = ::pread(file, text.data(), text.size(), 0);
-    return QByteArray(text.data(), int(std::max<ssize_t>(size, 0)));
+    return { text.data(), int(std::max<ssize_t>(size, 0)) };
 }
 
 FileDescriptor openIn(const Place &place, const QByteArray &name, int flags, mode_t mode = 0)
