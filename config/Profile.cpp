@@ -183,12 +183,8 @@ bool Profile::save()
     const bool inTheWay = !isUsable() && !isMissing(m_fileName);
     if (inTheWay && !setAside(m_fileName))
         return false;
-    // What could not be understood must not be mixed with what is said now.
-    const QString textFile = textFileOf(m_fileName);
-    if (!isUsable() && !isMissing(textFile) && !setAside(textFile))
-        return false;
     if (!writeWithSum(m_fileName, toRecord(withReadableAccounts(*this), cleanExit))
-        || !writeText(textFile, *this))
+        || !writeText(textFileOf(m_fileName), *this))
         return false;
     m_fileState = FileState::Fine;
     return true;
