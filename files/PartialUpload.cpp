@@ -108,8 +108,7 @@ std::optional<PartialUpload> PartialUpload::begin(const Place &anyBeside, const 
                gives ? privateMode : newMode);
     if (!content.isOpen())
         return {};
-    begun.about = openIn(begun.hidden, recordName(id), O_CREAT | O_EXCL | O_RDWR,
-                         privateMode);
+    begun.about = openIn(begun.hidden, recordName(id), O_CREAT | O_EXCL | O_RDWR, privateMode);
     const QByteArray text = recordText(record);
     if (!begun.about.isOpen()
         || ::write(begun.about.get(), text.constData(), std::size_t(text.size())) != text.size()) {

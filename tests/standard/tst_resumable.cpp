@@ -150,7 +150,8 @@ void TestResumable::followsTheProtocol_data()
     row("replaces a folder", "POST", tus,
         version + "Overwrite: T\r\n" + lengthLine(1) + metadata("f"), 412);
     row("below a file", "POST", tus, version + lengthLine(1) + metadata("a/b"), 409);
-    row("name of an upload", "POST", tus, version + lengthLine(1) + metadata(hiddenUploadName()), 403);
+    row("name of an upload", "POST", tus, version + lengthLine(1) + metadata(hiddenUploadName()),
+        403);
     row("reserved name", "POST", tus, version + lengthLine(1) + metadata(".quillon/x"), 403);
     row("another method in disguise", "POST", "@",
         version + "X-HTTP-Method-Override: PATCH\r\n" + offsetLine(0), 400);
@@ -317,8 +318,7 @@ void TestResumable::isGivenUpInTime()
     QVERIFY(!upload.isEmpty() && !other.isEmpty());
     const utimbuf yesterday{ ::time(nullptr) - 90000, ::time(nullptr) - 90000 };
     const QByteArray id = upload.mid(upload.lastIndexOf('/') + 1);
-    const QByteArray data =
-        QFile::encodeName(server.sharePath()) + "/" + hiddenUploadName(id);
+    const QByteArray data = QFile::encodeName(server.sharePath()) + "/" + hiddenUploadName(id);
     QCOMPARE(::utime(data.constData(), &yesterday), 0);
     QCOMPARE(server.ask("HEAD", upload).status(), QByteArray("404 Not Found"));
     QCOMPARE(server.hidden().size(), 2);
