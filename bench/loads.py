@@ -140,7 +140,7 @@ def connect(address, receive_buffer=None):
 
 
 def ask(client, path):
-    client.sendall(f"GET {path} HTTP/1.1\r\nHost: bench\r\n\r\n".encode())
+    client.sendall(f"GET {path} HTTP/1.1\r\nHost: localhost\r\n\r\n".encode())
 
 
 def take_reply(client):

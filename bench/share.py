@@ -4,6 +4,7 @@ import os
 import shutil
 
 MIB = 1 << 20
+MOST_LINKS = 50_000  # of one file; common file systems take some more
 KINDS = ("jpg", "txt", "mp3", "pdf", "unknown")
 
 
@@ -34,10 +35,13 @@ def empty_files(folder, count, name, size=0):
 
 
 def linked_files(folder, count, name):
-    """Names of one empty file, which are made much faster than as many files."""
-    empty_files(folder, 1, name)
-    for i in range(1, count):
-        os.link(folder / (name % 0), folder / (name % i))
+    """Names of a few empty files, which are made much faster than as many files."""
+    folder.mkdir(parents=True)
+    for i in range(count):
+        if i % MOST_LINKS == 0:
+            (folder / (name % i)).touch()
+        else:
+            os.link(folder / (name % (i - i % MOST_LINKS)), folder / (name % i))
 
 
 def tree(folder, count):

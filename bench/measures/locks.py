@@ -52,7 +52,7 @@ def lock_and_unlock(server, pairs):
 
 def exchange(peer, method, fields, body=""):
     """One request on the small file; gives the head of its reply."""
-    peer.sendall(f"{method} /small.bin HTTP/1.1\r\nHost: bench\r\n{fields}"
+    peer.sendall(f"{method} /small.bin HTTP/1.1\r\nHost: localhost\r\n{fields}"
                  f"Content-Length: {len(body)}\r\n\r\n{body}".encode())
     reply = b""
     while not is_whole(reply):

@@ -186,4 +186,4 @@ ACTIONS = [  # and how often each is chosen
 
 
 def request(method, path, fields=()):
-    return "\r\n".join((f"{method} {path} HTTP/1.1", "Host: bench", *fields, "", "")).encode()
+    return "\r\n".join((f"{method} {path} HTTP/1.1", "Host: localhost", *fields, "", "")).encode()
