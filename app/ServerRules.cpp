@@ -53,11 +53,6 @@ QString folderOf(const QString &shared)
     return info.isDir() ? shared : info.canonicalPath();
 }
 
-bool maybeChanged(const Profile &profile)
-{
-    return profile.allowsUpload() || profile.allowsDelete();
-}
-
 } // namespace
 
 SandboxRules serverRules(const QString &shared, const Profile &profile)
@@ -72,7 +67,7 @@ SandboxRules serverRules(const QString &shared, const Profile &profile)
     rules.readable = readableFor(profile.directories());
     rules.writable = QStringList{ profile.directories().profiles, previewFolder(),
                                   WorkingFolder::usualPlace(), QStringLiteral("/dev/null") };
-    QStringList &shares = maybeChanged(profile) ? rules.writable : rules.readable;
+    QStringList &shares = profile.letsSomebodyChange() ? rules.writable : rules.readable;
     shares.append(folderOf(shared));
     return rules;
 }

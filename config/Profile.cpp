@@ -249,10 +249,19 @@ Rights ProfileValues::switchedRights() const
     return rights;
 }
 
+bool ProfileValues::letsSomebodyChange() const
+{
+    const auto changes = [](Rights rights) { return (rights & changingRights) != Rights(); };
+    return changes(rightsOfEveryone())
+        || std::any_of(accountRights.begin(), accountRights.end(),
+                       [&changes](const AccountRights &account) {
+                           return changes(account.rights.value_or(Rights()));
+                       });
+}
+
 bool Profile::opensHome(const QString &path) const
 {
-    const Rights changing = Right::Add | Right::Change | Right::Delete;
-    if (!admitsEveryone() || (rightsOfEveryone() & changing) == Rights())
+    if (!admitsEveryone() || (rightsOfEveryone() & changingRights) == Rights())
         return false;
     const QString shared = realFolder(path);
     return !shared.isEmpty()

@@ -69,6 +69,9 @@ struct ProfileValues
     /// What everyone may do: as the switches say, unless there is more to say.
     Rights switchedRights() const;
     Rights rightsOfEveryone() const { return everyone.value_or(switchedRights()); }
+
+    /// Whether there is anybody who may change anything.
+    bool letsSomebodyChange() const;
 };
 
 /// One named settings profile and the file that it is stored in.

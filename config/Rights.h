@@ -16,6 +16,9 @@ enum class Right : unsigned {
 Q_DECLARE_FLAGS(Rights, Right)
 Q_DECLARE_OPERATORS_FOR_FLAGS(Rights)
 
+/// After which the share is not what it was.
+constexpr Rights changingRights = Right::Add | Right::Change | Right::Delete;
+
 /// Names with commas between: "see, read"; "none" and "all" as such.
 QByteArray rightsText(Rights rights);
 

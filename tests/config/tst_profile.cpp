@@ -286,6 +286,7 @@ void TestProfile::keepsRightsOfAccounts()
                        "account.a%3D%25 b=all ; /b c\naccount.j\xc3\xbcrg = none\n");
     QVERIFY(work.load());
     QCOMPARE(rightsText(work.rightsOfEveryone()), QByteArray("see"));
+    QVERIFY(work.letsSomebodyChange()); // the account may
     const AccountRights first = work.accountRights.value(QStringLiteral("a=% b"));
     QCOMPARE(rightsText(first.rights.value_or(Rights())), QByteArray("all"));
     QCOMPARE(first.home, QByteArray("/b c"));
