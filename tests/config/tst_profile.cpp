@@ -43,7 +43,6 @@ private Q_SLOTS:
     void keepsMoreValuesAsText();
     void keepsRightsOfAccounts();
     void keepsHashesOutOfTheRecord();
-    void findsItsProfiles();
     void tellsACrashFromANeighbour();
 
 private:
@@ -350,25 +349,6 @@ void TestProfile::keepsHashesOutOfTheRecord()
         home->writeProfile(textFile, wrong);
         QVERIFY2(!work.load(), wrong);
     }
-}
-
-void TestProfile::findsItsProfiles()
-{
-    std::unique_ptr<Profile> made = global()->clone();
-    made->setFileName(QStringLiteral("other"));
-    made->name = QStringLiteral("Other");
-    QVERIFY(made->save());
-    home->writeProfile(QStringLiteral("note.txt"), "no profile");
-    home->restart();
-    QCOMPARE(home->profiles->count(), 2);
-    QCOMPARE(global()->name, QStringLiteral("Default"));
-    Profile *other = home->profiles->find(QStringLiteral("Other"));
-    QCOMPARE(home->profiles->indexOf(other), 1);
-    QVERIFY(!home->profiles->find(QStringLiteral("Nobody")) && !home->profiles->at(2));
-
-    QVERIFY(home->profiles->remove(other));
-    QCOMPARE(home->profiles->count(), 1);
-    QVERIFY(home->profileBytes(QStringLiteral("other.cnf")).isEmpty());
 }
 
 void TestProfile::tellsACrashFromANeighbour()

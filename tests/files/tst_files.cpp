@@ -9,7 +9,6 @@
 #include "files/Rename.h"
 #include "files/TreeCopy.h"
 #include "files/TreeRemoval.h"
-#include "tests/support/FullDisk.h"
 
 #include <QTimer>
 
@@ -101,8 +100,6 @@ private Q_SLOTS:
     void newFile();
     void brokenOffLeavesNothing();
     void replacedFileKeepsItsMode();
-    void carefulUploadGivesWay();
-    void fullDisk();
     void movedFileIsWhole();
     void copyIsHeldUntilItIsPlaced();
     void treeIsCopiedOnce();
@@ -185,41 +182,6 @@ void FilesTest::replacedFileKeepsItsMode()
         QCOMPARE(disk.read("a"), kept ? QByteArray("new") : meanwhile);
         QVERIFY(!kept || disk.share().facts("a").mode == mode_t(S_IFREG | 0640));
     }
-}
-
-void FilesTest::carefulUploadGivesWay()
-{
-    for (const bool removed : { false, true }) {
-        const Disk disk;
-        disk.write("a", "old");
-        UploadFile upload;
-        upload.setCareful();
-        QCOMPARE(upload.replace(disk.place("a")), DiskError::None);
-        upload.write("new", 3);
-        QCOMPARE(keep(upload), DiskError::None);
-        QCOMPARE(disk.read("a"), QByteArray("old")); // ready, but not there yet
-        if (removed)
-            QVERIFY(QFile::remove(disk.path("a")));
-        else
-            disk.write("a", "saved in place");
-        QCOMPARE(keep(upload), DiskError::Changed);
-        QCOMPARE(disk.names(), removed ? QString() : QStringLiteral("a"));
-        QVERIFY(removed || disk.read("a") == "saved in place");
-    }
-}
-
-void FilesTest::fullDisk()
-{
-    const Disk disk;
-    UploadFile upload;
-    QCOMPARE(upload.create(disk.place("a")), DiskError::None);
-    {
-        const FullDisk full(1000);
-        const QByteArray content(2000, 'x');
-        QCOMPARE(upload.write(content.constData(), content.size()), DiskError::NoSpace);
-    }
-    QCOMPARE(keep(upload), DiskError::NoSpace);
-    QCOMPARE(disk.names(), QString());
 }
 
 void FilesTest::movedFileIsWhole()

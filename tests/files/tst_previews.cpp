@@ -1,6 +1,7 @@
 #include "files/Previews.h"
 
 #include "tests/files/Pictures.h"
+#include "tests/support/Data.h"
 #include "tests/support/Files.h"
 
 #include <QSignalSpy>
@@ -71,23 +72,20 @@ private:
 
 void TestPreviews::makes_data()
 {
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<QByteArray>("extension");
-    QTest::addColumn<QSize>("size"); // empty: there is none
-    const auto row = [](const char *name, const QByteArray &content, auto extension, QSize size) {
-        QTest::newRow(name) << content << QByteArray(extension) << size;
-    };
+    // no preview has an empty size
+    columnsOf<QByteArray, QByteArray, QSize>("content", "extension", "size");
     const QByteArray jpeg = encoded(noise(400, 300), "JPEG");
     const QByteArray png = encoded(noise(400, 300), "PNG");
     const QSize none;
 
-    row("a JPEG fits into the square", jpeg, "jpg", { 124, 93 });
-    row("a thin JPEG keeps a pixel", encoded(noise(4000, 8), "JPEG"), "jpg", { 124, 1 });
-    row("a PNG takes the width", png, "png", { 124, 93 });
-    row("a tall PNG grows out of the square", encoded(noise(100, 400), "PNG"), "png", { 124, 496 });
-    row("a camera that lay on its side", withOrientation(jpeg, 6), "jpg", { 93, 124 });
-    row("such a one under the other name", withOrientation(jpeg, 8), "png", { 124, 165 });
-    row("a PNG that takes threads", encoded(noise(1200, 900), "PNG"), "jpg", { 124, 93 });
+    row("a JPEG fits into the square", jpeg, "jpg", QSize(124, 93));
+    row("a thin JPEG keeps a pixel", encoded(noise(4000, 8), "JPEG"), "jpg", QSize(124, 1));
+    row("a PNG takes the width", png, "png", QSize(124, 93));
+    row("a tall PNG grows out of the square", encoded(noise(100, 400), "PNG"), "png",
+        QSize(124, 496));
+    row("a camera that lay on its side", withOrientation(jpeg, 6), "jpg", QSize(93, 124));
+    row("such a one under the other name", withOrientation(jpeg, 8), "png", QSize(124, 165));
+    row("a PNG that takes threads", encoded(noise(1200, 900), "PNG"), "jpg", QSize(124, 93));
     row("half a PNG", png.left(png.size() / 2), "png", none);
     row("a progressive JPEG too large",
         withJpegSize(encoded(noise(9, 9), "JPEG", true), 9000, 9000), "jpg", none);

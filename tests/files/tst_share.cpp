@@ -55,7 +55,6 @@ private Q_SLOTS:
     void linksPutInMeanwhileLeadNowhere();
     void onlyWhatWasMeantIsRemoved();
     void onlyWhatWasCopiedIsRemoved();
-    void treesAreReplaced_data();
     void treesAreReplaced();
     void leftoversAreSwept();
 };
@@ -358,40 +357,35 @@ void ShareTest::onlyWhatWasCopiedIsRemoved()
     QVERIFY(disk.exists("out/e") && disk.exists("from/" + hidden));
 }
 
-void ShareTest::treesAreReplaced_data()
-{
-    QTest::addColumn<bool>("inSteps");
-    QTest::newRow("at once") << false;
-    QTest::newRow("in steps, as on older file systems") << true;
-}
-
+/// At once, and in steps, as on older file systems.
 void ShareTest::treesAreReplaced()
 {
-    QFETCH(const bool, inSteps);
-    const Disk disk;
-    disk.write("new/a");
-    disk.write("old/b");
-    disk.write("file");
-    std::vector<int> errors;
-    std::vector<Place> old(3);
-    std::thread([&] {
-        if (inSteps)
-            failCall(SYS_renameat2, EINVAL, ~0U);
-        errors.push_back(renameReplacing(disk.place("none"), disk.place("old"), old[0]));
-        errors.push_back(renameReplacing(disk.place("new"), disk.place("old"), old[1]));
-        errors.push_back(renameReplacing(disk.place("old"), disk.place("file"), old[2]));
-        errors.push_back(respell(disk.place("file"), disk.place("FILE")));
-    }).join();
-    QCOMPARE(errors, std::vector<int>({ ENOENT, 0, 0, 0 }));
-    QVERIFY(!old[0].isValid() && disk.exists("FILE/a"));
-    QVERIFY(disk.exists(old[1].name + "/b"));
-    QCOMPARE(disk.read(old[2].name), QByteArray("x"));
-    QVERIFY(old[1].name.startsWith(".receiving-") && old[2].name.startsWith(".receiving-"));
-    QCOMPARE(disk.names().count(QLatin1Char(' ')), 2);
-    // Another file of that name is none of its spellings.
-    disk.write("file", "other");
-    QCOMPARE(respell(disk.place("file"), disk.place("FILE")), EEXIST);
-    QCOMPARE(disk.read("file"), QByteArray("other"));
+    for (const bool inSteps : { false, true }) {
+        const Disk disk;
+        disk.write("new/a");
+        disk.write("old/b");
+        disk.write("file");
+        std::vector<int> errors;
+        std::vector<Place> old(3);
+        std::thread([&] {
+            if (inSteps)
+                failCall(SYS_renameat2, EINVAL, ~0U);
+            errors.push_back(renameReplacing(disk.place("none"), disk.place("old"), old[0]));
+            errors.push_back(renameReplacing(disk.place("new"), disk.place("old"), old[1]));
+            errors.push_back(renameReplacing(disk.place("old"), disk.place("file"), old[2]));
+            errors.push_back(respell(disk.place("file"), disk.place("FILE")));
+        }).join();
+        QCOMPARE(errors, std::vector<int>({ ENOENT, 0, 0, 0 }));
+        QVERIFY(!old[0].isValid() && disk.exists("FILE/a"));
+        QVERIFY(disk.exists(old[1].name + "/b"));
+        QCOMPARE(disk.read(old[2].name), QByteArray("x"));
+        QVERIFY(old[1].name.startsWith(".receiving-") && old[2].name.startsWith(".receiving-"));
+        QCOMPARE(disk.names().count(QLatin1Char(' ')), 2);
+        // Another file of that name is none of its spellings.
+        disk.write("file", "other");
+        QCOMPARE(respell(disk.place("file"), disk.place("FILE")), EEXIST);
+        QCOMPARE(disk.read("file"), QByteArray("other"));
+    }
 }
 
 void ShareTest::leftoversAreSwept()

@@ -118,8 +118,7 @@ void TestAdmission::keepsNoMoreThanItMay()
 
 void TestAdmission::knowsPagesOfOtherSites_data()
 {
-    columns<QByteArray>({ "fetchSite", "origin", "host" });
-    QTest::addColumn<bool>("cross");
+    columnsOf<QByteArray, QByteArray, QByteArray, bool>("fetchSite", "origin", "host", "cross");
     row("no browser", "", "", "a:8080", false);
     row("our own page", "", "http://A:8080", "a:8080", false);
     row("the scheme's port", "", "https://a", "a:443", false);

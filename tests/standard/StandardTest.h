@@ -16,6 +16,16 @@ inline RawReply replyTo(const LiveServer &server, const QByteArray &method,
     return { all.left(end), all.mid(end + 4) };
 }
 
+/// The header line of a login by "name:password".
+inline QByteArray basicLogin(const QByteArray &account)
+{
+    return "Authorization: Basic " + account.toBase64() + "\r\n";
+}
+
+/// The body of a LOCK that lets nobody else write.
+constexpr auto lockBody = "<lockinfo xmlns=\"DAV:\"><lockscope><exclusive/></lockscope>"
+                          "<locktype><write/></locktype><owner><href>me</href></owner></lockinfo>";
+
 /// A real server of the standard face that shares a fresh folder.
 class StandardServer : public LiveServer
 {
@@ -24,6 +34,13 @@ public:
         : LiveServer(standard::standardFaces(std::move(routes)))
     {
         start();
+    }
+
+    /// `accounts` are "name:password", with blanks between.
+    void askForLogin(const char *accounts) const
+    {
+        profile->authMode = AuthBasic;
+        profile->users = QString::fromUtf8(accounts).split(QLatin1Char(' '));
     }
 
     /// 200

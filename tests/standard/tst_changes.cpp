@@ -54,16 +54,13 @@ private Q_SLOTS:
     void putIsRefusedBeforeItsBody_data();
     void putIsRefusedBeforeItsBody();
     void brokenUploadLeavesOldFile();
-    void chunkedUpload();
-    void fullDiskLeavesOldFile();
-    void timeOfUpload();
-    void updateRanges_data();
+    void brokenChunksLeaveOldFile();
+    void timeOfUploadAndCopy();
     void updateRanges();
     void patchWritesInPlace();
     void deleteFolders();
     void copyAndMove_data();
     void copyAndMove();
-    void copyKeepsWhatBelongsToFiles();
     void failedCopyKeepsOldTree();
     void guardIsAskedAgainInTheEnd();
     void whatOthersSaveMeanwhileStays();
@@ -98,8 +95,7 @@ void TestChanges::putMakesAndReplaces()
 
 void TestChanges::putIsRefusedBeforeItsBody_data()
 {
-    columns<QByteArray>({ "target", "headers" });
-    QTest::addColumn<int>("status");
+    columnsOf<QByteArray, QByteArray, int>("target", "headers", "status");
 
     row("stands already", "/a", "If-None-Match: *\r\n", 412);
     row("missing", "/new", "If-Match: *\r\n", 412);
@@ -147,65 +143,53 @@ void TestChanges::brokenUploadLeavesOldFile()
     QCOMPARE(server.status("PUT", "/a", {}, "new"), 204);
 }
 
-void TestChanges::chunkedUpload()
+void TestChanges::brokenChunksLeaveOldFile()
 {
     StandardServer server;
+    server.addFile(QStringLiteral("a"), "old");
     RawClient client(server.port());
-    client.send(rawRequest("PUT", "/a", "Transfer-Encoding: chunked\r\n")
-                + "5\r\nHello\r\n6;x=y\r\n world\r\n0\r\nX: y\r\n\r\n" + rawRequest("GET", "/a"));
-    QCOMPARE(client.reply().status(), QByteArray("201 Created"));
-    QCOMPARE(client.reply().body, QByteArray("Hello world"));
     client.send(rawRequest("PUT", "/a", "Transfer-Encoding: chunked\r\n") + "5\r\nHelloX\r\n");
     const RawReply bad = client.reply();
     QCOMPARE(bad.status(), QByteArray("400 Bad Request"));
     QCOMPARE(bad.header("Connection"), QByteArray("close"));
-    QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("Hello world"));
-}
-
-void TestChanges::fullDiskLeavesOldFile()
-{
-    StandardServer server;
-    server.addFile(QStringLiteral("a"), "old");
-    const FullDisk full(100000);
-    QCOMPARE(server.status("PUT", "/a", {}, QByteArray(400000, 'x')), 507);
     QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("old"));
 }
 
-void TestChanges::timeOfUpload()
+void TestChanges::timeOfUploadAndCopy()
 {
     StandardServer server;
-    const RawReply reply = replyTo(server, "PUT", "/a", "X-OC-Mtime: 784111777.5\r\n", "one");
+    QCOMPARE(server.status("MKCOL", "/f"), 201);
+    const QByteArray time = "Sun, 06 Nov 1994 08:49:37 GMT";
+    const RawReply reply = replyTo(server, "PUT", "/f/a", "X-OC-Mtime: 784111777.5\r\n", "one");
     QCOMPARE(reply.header("X-OC-Mtime"), QByteArray("accepted"));
-    QCOMPARE(reply.header("Last-Modified"), QByteArray("Sun, 06 Nov 1994 08:49:37 GMT"));
-    QCOMPARE(replyTo(server, "HEAD", "/a").header("ETag"), reply.header("ETag"));
+    QCOMPARE(reply.header("Last-Modified"), time);
+    QCOMPARE(replyTo(server, "HEAD", "/f/a").header("ETag"), reply.header("ETag"));
     for (const char *bad : { "x", "nan", "-1", "1e300" }) {
         const QByteArray headers = QByteArray("X-OC-Mtime: ") + bad + "\r\n";
         QVERIFY(replyTo(server, "PUT", "/a", headers, "2").header("X-OC-Mtime").isEmpty());
     }
-}
-
-void TestChanges::updateRanges_data()
-{
-    QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<int>("first"); // -1: refused
-    QTest::addColumn<int>("count"); // -1: told by the body
-
-    QTest::newRow("part") << QByteArray("bytes=2-4") << 2 << 3;
-    QTest::newRow("open") << QByteArray("bytes=10-") << 10 << -1;
-    QTest::newRow("from the end") << QByteArray("bytes=-3") << 7 << -1;
-    QTest::newRow("more than there is") << QByteArray("bytes=-30") << 0 << -1;
-    QTest::newRow("append") << QByteArray("append") << 10 << -1;
-    for (const char *bad : { "bytes=11-", "bytes=4-2", "bytes=", "bytes=-", "2-4", "bytes=a-b",
-                             "bytes=+1-2", "bytes=0-9223372036854775807" })
-        QTest::newRow(bad) << QByteArray(bad) << -1 << -1;
+    // A copy keeps what belongs to the file.
+    ::chmod(QFile::encodeName(server.sharePath(QStringLiteral("f/a"))).constData(), 0750);
+    QCOMPARE(server.status("COPY", "/f", destination("/g")), 201);
+    const RawReply copy = replyTo(server, "GET", "/g/a");
+    QCOMPARE(copy.body, QByteArray("one"));
+    QCOMPARE(copy.header("Last-Modified"), time);
+    QVERIFY(QFileInfo(server.sharePath(QStringLiteral("g/a"))).isExecutable());
 }
 
 void TestChanges::updateRanges()
 {
-    QFETCH(const QByteArray, value);
-    const std::optional<UpdateRange> range = updateRange(value, 10);
-    QTEST(range ? int(range->first) : -1, "first");
-    QTEST(range ? int(range->count.value_or(-1)) : -1, "count");
+    // -1: told by the body
+    for (const auto &[value, first, count] :
+         { std::tuple("bytes=2-4", 2, 3), std::tuple("bytes=10-", 10, -1),
+           std::tuple("bytes=-3", 7, -1), std::tuple("bytes=-30", 0, -1),
+           std::tuple("append", 10, -1) }) {
+        const std::optional<UpdateRange> range = updateRange(value, 10);
+        QVERIFY2(range && range->first == first && range->count.value_or(-1) == count, value);
+    }
+    for (const char *bad : { "bytes=11-", "bytes=4-2", "bytes=", "bytes=-", "2-4", "bytes=a-b",
+                             "bytes=+1-2", "bytes=0-9223372036854775807" })
+        QVERIFY2(!updateRange(bad, 10), bad);
 }
 
 void TestChanges::patchWritesInPlace()
@@ -251,15 +235,6 @@ void TestChanges::deleteFolders()
     QCOMPARE(server.status("DELETE", "/f", "Depth: 0\r\n"), 400);
     QCOMPARE(server.status("DELETE", "/f/g/x/"), 404);
     QCOMPARE(server.status("DELETE", "/"), 403);
-    server.profile->enableDelete = Qt::Unchecked;
-    server.addFile(QStringLiteral("a"), "A");
-    // With what a copy replaces goes what it holds; a move takes its source away.
-    for (const auto &[method, target, to] :
-         { std::tuple("DELETE", "/f", ""), std::tuple("COPY", "/a", "/f"),
-           std::tuple("MOVE", "/a", "/b") })
-        QCOMPARE(server.status(method, target, destination(to)), 403);
-    QCOMPARE(server.fileContent(QStringLiteral("f/g/x")), QByteArray("x"));
-    server.profile->enableDelete = Qt::Checked;
     QCOMPARE(server.status("DELETE", "/f"), 204);
     QVERIFY(!QFile::exists(server.sharePath(QStringLiteral("f")))
             && QFile::exists(QStringLiteral("/etc")));
@@ -270,17 +245,14 @@ void TestChanges::deleteFolders()
 
 void TestChanges::copyAndMove_data()
 {
-    columns<QByteArray>({ "source", "headers" });
-    columns<int>({ "copied", "moved" }); // status
+    // the status of either method
+    columnsOf<QByteArray, QByteArray, int, int>("source", "headers", "copied", "moved");
 
-    const QByteArray keep = "Overwrite: F\r\n";
-    row("onto a file that is kept", "/a", keep + destination("/b"), 412, 412);
     row("onto a folder", "/a", destination("/g"), 204, 204);
     row("folder to a new name with a slash", "/f", destination("/new/"), 201, 201);
     row("folder onto a folder", "/f/", destination("/g/"), 204, 204);
     row("folder onto a file", "/f", destination("/b"), 204, 204);
     row("missing", "/no", destination("/new"), 404, 404);
-    row("into a folder that is missing", "/a", destination("/no/new"), 409, 409);
     row("onto itself", "/a", destination("/./a"), 403, 403);
     row("folder into itself", "/f", destination("/f/new"), 409, 409);
     row("folder onto the one that holds it", "/f/sub", destination("/f"), 409, 409);
@@ -288,11 +260,9 @@ void TestChanges::copyAndMove_data()
     row("without a destination", "/a", "", 400, 400);
     row("by a name of ours", "/a", destination("http://localhost/new"), 201, 201);
     row("by another port", "/a", destination("http://localhost:1/new"), 502, 502);
-    row("to another server", "/a", destination("http://example.org/new"), 502, 502);
     row("badly encoded", "/a", destination("/%zz"), 400, 400);
     row("folder with a strange depth", "/f", "Depth: 1\r\n" + destination("/new"), 400, 400);
     row("depth in another case", "/f", "Depth: Infinity\r\n" + destination("/new"), 201, 201);
-    row("folder alone", "/f", "Depth: 0\r\n" + destination("/new"), 201, 400);
 }
 
 void TestChanges::copyAndMove()
@@ -307,12 +277,9 @@ void TestChanges::copyAndMove()
         server.addFile(QStringLiteral("g/y"), "Y");
         QVERIFY(QDir().mkpath(server.sharePath(QStringLiteral("f/sub/empty"))));
         const QString from = server.sharePath(QString::fromUtf8(source.mid(1)));
-        const QByteArray status = replyTo(server, method, source, headers).status();
-        if (method == "COPY")
-            QTEST(status.left(3).toInt(), "copied");
-        else
-            QTEST(status.left(3).toInt(), "moved");
-        const bool done = status.startsWith("20");
+        const int status = server.status(method, source, headers);
+        QTEST(status, method == "COPY" ? "copied" : "moved");
+        const bool done = status < 300;
         QCOMPARE(QFile::exists(from), source != "/no" && !(done && method == "MOVE"));
         if (!done) {
             QCOMPARE(server.fileContent(QStringLiteral("b")), QByteArray("B"));
@@ -325,27 +292,12 @@ void TestChanges::copyAndMove()
             QCOMPARE(server.fileContent(to), QByteArray("A"));
             continue;
         }
-        const bool alone = headers.startsWith("Depth: 0");
-        QCOMPARE(server.fileContent(to + QLatin1String("/.x")), QByteArray(alone ? "" : "X"));
-        QCOMPARE(QFile::exists(server.sharePath(to + QLatin1String("/sub/empty"))), !alone);
+        QCOMPARE(server.fileContent(to + QLatin1String("/.x")), QByteArray("X"));
+        QVERIFY(QFile::exists(server.sharePath(to + QLatin1String("/sub/empty"))));
         QVERIFY(!QFile::exists(server.sharePath(to + QLatin1String("/y"))));
         // What was moved aside goes in the end.
         QTRY_VERIFY(!namesIn(server.sharePath()).contains(QLatin1String(".rec")));
     }
-}
-
-void TestChanges::copyKeepsWhatBelongsToFiles()
-{
-    StandardServer server;
-    QCOMPARE(server.status("MKCOL", "/f"), 201);
-    replyTo(server, "PUT", "/f/a", "X-OC-Mtime: 784111777\r\n", "one");
-    const QByteArray path = QFile::encodeName(server.sharePath(QStringLiteral("f/a")));
-    ::chmod(path.constData(), 0750);
-    QCOMPARE(server.status("COPY", "/f", destination("/g")), 201);
-    const RawReply copy = replyTo(server, "GET", "/g/a");
-    QCOMPARE(copy.body, QByteArray("one"));
-    QCOMPARE(copy.header("Last-Modified"), QByteArray("Sun, 06 Nov 1994 08:49:37 GMT"));
-    QVERIFY(QFileInfo(server.sharePath(QStringLiteral("g/a"))).isExecutable());
 }
 
 void TestChanges::failedCopyKeepsOldTree()
@@ -381,7 +333,8 @@ void TestChanges::guardIsAskedAgainInTheEnd()
 void TestChanges::whatOthersSaveMeanwhileStays()
 {
     StandardServer server;
-    for (const char *headers : { "", "If-Match: *\r\n" }) {
+    for (const auto &[headers, removed] :
+         { std::pair("", false), std::pair("", true), std::pair("If-Match: *\r\n", false) }) {
         server.addFile(QStringLiteral("a"), "old");
         RawClient client(server.port());
         client.send(rawRequest(
@@ -390,10 +343,12 @@ void TestChanges::whatOthersSaveMeanwhileStays()
         QFile editor(server.sharePath(QStringLiteral("a")));
         QVERIFY(editor.open(QIODevice::ReadWrite) && editor.write("saved in place") > 0);
         editor.close();
+        QVERIFY(!removed || editor.remove());
         client.send("new");
         QCOMPARE(client.reply().status(),
                  *headers ? QByteArray("412 Precondition Failed") : QByteArray("409 Conflict"));
-        QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("saved in place"));
+        QCOMPARE(server.fileContent(QStringLiteral("a")),
+                 QByteArray(removed ? "" : "saved in place"));
     }
 }
 
@@ -440,7 +395,6 @@ void TestChanges::namesOfUploadsAreKept()
     server.addFile(QStringLiteral("f/") + QString::fromLatin1(hidden), "half");
     server.addFile(QStringLiteral("f/a"), "A");
     const QByteArray path = "/f/" + hidden;
-    QCOMPARE(server.status("GET", path), 404);
     for (const char *method : { "PUT", "DELETE", "MKCOL" })
         QCOMPARE(server.status(method, path), 403);
     QCOMPARE(server.status("MOVE", "/f/a", "Destination: " + path + "\r\n"), 403);
@@ -490,7 +444,6 @@ void TestChanges::optionsTellWhatWorks()
     QCOMPARE(allowed("/new"), QByteArray("OPTIONS, PUT, MKCOL"));
     QCOMPARE(allowed("*"), QByteArray("OPTIONS, GET, HEAD, PUT, PATCH, DELETE, MKCOL, COPY, MOVE"));
     server.profile->enableDelete = Qt::Unchecked;
-    QCOMPARE(allowed("/a"), QByteArray("OPTIONS, GET, HEAD, PUT, PATCH, COPY"));
     server.profile->enableUpload = Qt::Unchecked;
     const RawReply unknown = replyTo(server, "PROPFIND", "/a");
     QCOMPARE(unknown.status(), QByteArray("405 Method Not Allowed"));

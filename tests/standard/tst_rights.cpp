@@ -9,8 +9,6 @@ namespace standard {
 
 namespace {
 
-constexpr auto lockBody = "<lockinfo xmlns=\"DAV:\"><lockscope><exclusive/></lockscope>"
-                          "<locktype><write/></locktype></lockinfo>";
 constexpr auto patchHeaders = "Content-Type: application/x-sabredav-partialupdate\r\n"
                               "X-Update-Range: append\r\n";
 constexpr auto propertyBody = "<propertyupdate xmlns=\"DAV:\"><set><prop><x xmlns=\"urn:x\"/>"
@@ -19,11 +17,6 @@ constexpr auto propertyBody = "<propertyupdate xmlns=\"DAV:\"><set><prop><x xmln
 QByteArray to(const char *path)
 {
     return QByteArray("Destination: ") + path + "\r\n";
-}
-
-QByteArray loginOf(const QByteArray &login)
-{
-    return "Authorization: Basic " + login.toBase64() + "\r\n";
 }
 
 /// Shares "a", "b", "d/x" and "e/x".
@@ -53,8 +46,9 @@ private Q_SLOTS:
 
 void TestRights::methodsTakeTheirRights_data()
 {
-    columns<QByteArray>({ "method", "target", "headers", "body", "rights" });
-    QTest::addColumn<int>("status"); // with these rights alone
+    // the status with these rights alone
+    columnsOf<QByteArray, QByteArray, QByteArray, QByteArray, QByteArray, int>(
+        "method", "target", "headers", "body", "rights", "status");
 
     row("read a file", "GET", "/a", "", "", "read", 200);
     row("look at a file", "HEAD", "/a", "", "", "read", 200);
@@ -129,11 +123,10 @@ void TestRights::whoOnlyAddsLearnsNothing()
 void TestRights::homesAreRoots()
 {
     SharedFolders server;
-    server.profile->authMode = AuthBasic;
-    server.profile->users = QStringList{ QStringLiteral("d:1"), QStringLiteral("all:2") };
+    server.askForLogin("d:1 all:2");
     server.profile->accountRights.insert(QStringLiteral("d"), { {}, "/e/../d/" });
-    const QByteArray mine = loginOf("d:1");
-    const QByteArray others = loginOf("all:2");
+    const QByteArray mine = basicLogin("d:1");
+    const QByteArray others = basicLogin("all:2");
 
     const RawReply listing = replyTo(server, "PROPFIND", "/", mine + "Depth: infinity\r\n");
     for (const char *part : { "<D:href>/</D:href>", "<D:href>/x</D:href>" })

@@ -12,6 +12,12 @@ template <typename Value> void columns(std::initializer_list<const char *> names
         QTest::addColumn<Value>(name);
 }
 
+/// Columns of these types in the data of a test.
+template <typename... Values, typename... Names> void columnsOf(Names... names)
+{
+    (QTest::addColumn<Values>(names), ...);
+}
+
 inline QByteArray cell(const char *text)
 {
     return text;

@@ -1,4 +1,5 @@
 #include "tests/classic/dav/DavTest.h"
+#include "tests/support/Data.h"
 
 #include <utility>
 #include <vector>
@@ -23,10 +24,7 @@ private Q_SLOTS:
 /// of its Destination and its Overwrite. `there` and `gone` are looked for afterwards.
 void TestMethods::answers_data()
 {
-    QTest::addColumn<QByteArray>("request");
-    QTest::addColumn<QByteArray>("status");
-    QTest::addColumn<QByteArray>("there");
-    QTest::addColumn<QByteArray>("gone");
+    columns<QByteArray>({ "request", "status", "there", "gone" });
     const auto row = [](const char *name, const QByteArray &request, const QByteArray &status,
                         const QByteArray &there = "a.txt", const QByteArray &gone = "cwd/c") {
         QTest::newRow(name) << request << status << there << gone;

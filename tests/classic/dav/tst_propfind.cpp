@@ -1,4 +1,5 @@
 #include "tests/classic/dav/DavTest.h"
+#include "tests/support/Data.h"
 
 #include <QElapsedTimer>
 
@@ -83,26 +84,21 @@ void TestPropFind::prefixes()
 /// `found` are the paths of the answer, none for "404 Not Found".
 void TestPropFind::resources_data()
 {
-    QTest::addColumn<QByteArray>("target");
-    QTest::addColumn<QByteArray>("depth");
-    QTest::addColumn<QByteArrayList>("found");
-    const auto row = [](const char *name, const QByteArray &target, const QByteArray &depth,
-                        const QByteArrayList &found) {
-        QTest::newRow(name) << target << depth << found;
-    };
+    columnsOf<QByteArray, QByteArray, QByteArrayList>("target", "depth", "found");
     const QByteArrayList folder{ "/folder" };
     const QByteArrayList content{ "/folder/inner.txt", "/folder/sub" };
-    row("top alone", "/", "0", { "/" });
+    row("top alone", "/", "0", QByteArrayList{ "/" });
     row("folder alone", "/folder/", "0", folder);
     row("no depth", "/folder", "", folder);
     row("content", "/folder", "1", content);
     row("content by a useless depth", "/folder", "-%s\xff", content);
-    row("content of a file", "/a.txt", "1", { "/a.txt" });
+    row("content of a file", "/a.txt", "1", QByteArrayList{ "/a.txt" });
     row("only what can be asked for", "/odd", "1",
-        { "/odd/%20%26%2541%23%3F;%22%3C%3E%5C%0A%C3%BC%F0%9F%98%80+~", "/odd/link" });
-    row("broken link", "/broken", "1", {});
-    row("pipe", "/odd/pipe", "0", {});
-    row("name cut at its NUL", "/folder%00", "1", {});
+        QByteArrayList{ "/odd/%20%26%2541%23%3F;%22%3C%3E%5C%0A%C3%BC%F0%9F%98%80+~",
+                        "/odd/link" });
+    row("broken link", "/broken", "1", QByteArrayList());
+    row("pipe", "/odd/pipe", "0", QByteArrayList());
+    row("name cut at its NUL", "/folder%00", "1", QByteArrayList());
 }
 
 void TestPropFind::resources()

@@ -1,4 +1,5 @@
 #include "tests/classic/dav/DavTest.h"
+#include "tests/support/Data.h"
 #include "tests/support/FullDisk.h"
 
 namespace {
@@ -50,10 +51,8 @@ std::unique_ptr<RawClient> TestPut::halfway(const QByteArray &headers,
 
 void TestPut::answers_data()
 {
-    QTest::addColumn<QByteArray>("request");
-    QTest::addColumn<QByteArray>("answer");
-    QTest::addColumn<QByteArray>("made"); // a name
-    QTest::addColumn<QByteArray>("stored");
+    // `made` is a name
+    columns<QByteArray>({ "request", "answer", "made", "stored" });
     const auto row = [](const char *name, const QByteArray &request, const QByteArray &answer,
                         const QByteArray &made = {}, const QByteArray &stored = whole) {
         QTest::newRow(name) << request << answer << made << stored;

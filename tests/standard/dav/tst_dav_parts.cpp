@@ -110,7 +110,6 @@ private Q_SLOTS:
     void readsWhatIsAskedFor();
     void keepsValuesWhole_data();
     void keepsValuesWhole();
-    void evaluatesIf_data();
     void evaluatesIf();
     void locksExclude_data();
     void locksExclude();
@@ -124,8 +123,7 @@ private Q_SLOTS:
 
 void DavPartsTest::refusesBodies_data()
 {
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<Status>("status");
+    columnsOf<QByteArray, Status>("body", "status");
     const auto row = [](const char *title, const QByteArray &body,
                         Status status = Status::BadRequest) {
         QTest::newRow(title) << body << status;
@@ -139,11 +137,9 @@ void DavPartsTest::refusesBodies_data()
     row("unbound prefix", prop("<x:y/>"));
     row("prefix bound to nothing", prop("<x:y xmlns:x=\"\"/>"));
     row("two kinds", inDav("propfind", "<D:allprop/><D:propname/>"));
-    row("entity", "<!DOCTYPE x [<!ENTITY a \"b\">]>" + inDav("propfind", "<D:allprop/>"));
     row("character that XML can't hold", inDav("propfind", "<D:allprop/><D:x>&#1;</D:x>"));
     row("neither UTF-8 nor UTF-16",
         "<?xml version=\"1.0\" encoding=\"iso-8859-1\"?>" + prop("<D:\xe4/>"));
-    row("too deep", prop(QByteArray("<a>").repeated(40) + QByteArray("</a>").repeated(40)));
 
     // Each of these would keep the server busy for seconds.
     QByteArray many;
@@ -170,8 +166,7 @@ void DavPartsTest::refusesBodies_data()
 void DavPartsTest::refusesBodies()
 {
     QFETCH(const QByteArray, body);
-    QFETCH(const Status, status);
-    QCOMPARE(refusal<PropFindBody>(body), status);
+    QTEST(refusal<PropFindBody>(body), "status");
     // What one of them has too much of may be no such body for the others.
     QVERIFY(refusal<PropPatchBody>(body) != Status::Ok);
     QVERIFY(refusal<LockBody>(body) != Status::Ok);
@@ -216,12 +211,9 @@ void DavPartsTest::readsWhatIsAskedFor()
 
 void DavPartsTest::keepsValuesWhole_data()
 {
-    columns<QByteArray>({ "given", "kept" });
-    const auto row = [](const char *name, const char *given, const char *kept) {
-        QTest::newRow(name) << QByteArray(given) << QByteArray(kept ? kept : given);
-    };
-    row("text", "<x:p xmlns:x=\"urn:x\">a &lt;&amp;&#13;&gt; \xc3\xbc</x:p>", nullptr);
-    row("its own language", "<p xmlns=\"u\" xml:lang=\"de\"/>", nullptr);
+    columns<QByteArray>({ "given", "kept" }); // "": as it was given
+    row("text", "<x:p xmlns:x=\"urn:x\">a &lt;&amp;&#13;&gt; \xc3\xbc</x:p>", "");
+    row("its own language", "<p xmlns=\"u\" xml:lang=\"de\"/>", "");
     row("beyond 16 bits", "<p xmlns=\"urn:x\">&#65536;</p>",
         "<p xmlns=\"urn:x\">\xf0\x90\x80\x80</p>");
     row("namespace from outside, also within a value", "<D:p><D:q kind=\"D:r\"/></D:p>",
@@ -235,7 +227,8 @@ void DavPartsTest::keepsValuesWhole_data()
 void DavPartsTest::keepsValuesWhole()
 {
     QFETCH(const QByteArray, given);
-    QFETCH(const QByteArray, kept);
+    QFETCH(QByteArray, kept);
+    kept = kept.isEmpty() ? given : kept;
     const auto changes = understood<PropPatchBody>(inProp(given)).changes;
     QCOMPARE(changes.front().value.xml, kept);
     const auto again = understood<PropPatchBody>(inProp(kept)).changes;
@@ -247,42 +240,35 @@ void DavPartsTest::keepsValuesWhole()
     QCOMPARE(inherited.count("xml:lang=\"de\""), 1);
 }
 
-void DavPartsTest::evaluatesIf_data()
-{
-    QTest::addColumn<QByteArray>("header");
-    QTest::addColumn<QString>("outcome");
-    const auto rows = [](const char *outcome, std::initializer_list<const char *> headers) {
-        for (const char *header : headers)
-            QTest::newRow(header) << QByteArray(header) << QString::fromLatin1(outcome);
-    };
-    rows("true",
-         { "(<t:1>)", "(Not <t:2>)", "(<t:1> [\"e]\"])", "(<t:2>) (not<DAV:no-lock>)",
-           "</locked> (<t:1>) </free> (<t:2>)", "</free> (<t:1>) (Not <t:1>)" });
-    rows("false",
-         { "(<t:2>)", "(<t:1> [\"f\"])", "(<t:1> [W/\"e]\"])", "(<t:2>)(Not <t:1>)",
-           "</free> (<t:1>)" });
-    rows("malformed",
-         { "", "()", "(<t:1>", "<t:1>", "(<t:1>) </locked> (<t:1>)", "(\"e\")", "(<t:1>) x",
-           "(Not)", "([\"e)" });
-}
-
 void DavPartsTest::evaluatesIf()
 {
-    QFETCH(const QByteArray, header);
-    QFETCH(const QString, outcome);
-    const auto parsed = IfHeader::parse(header);
-    QCOMPARE(parsed.has_value(), outcome != QLatin1String("malformed"));
-    if (!parsed)
-        return;
-    QCOMPARE(parsed->holds(KnownState()), outcome == QLatin1String("true"));
-    QCOMPARE(parsed->names("t:1"), header.contains("<t:1>"));
+    const std::pair<QByteArray, QByteArrayList> cases[] = {
+        { "true",
+          { "(<t:1>)", "(Not <t:2>)", "(<t:1> [\"e]\"])", "(<t:2>) (not<DAV:no-lock>)",
+            "</locked> (<t:1>) </free> (<t:2>)", "</free> (<t:1>) (Not <t:1>)" } },
+        { "false",
+          { "(<t:2>)", "(<t:1> [\"f\"])", "(<t:1> [W/\"e]\"])", "(<t:2>)(Not <t:1>)",
+            "</free> (<t:1>)" } },
+        { "malformed",
+          { "", "()", "(<t:1>", "<t:1>", "(<t:1>) </locked> (<t:1>)", "(\"e\")", "(<t:1>) x",
+            "(Not)", "([\"e)" } },
+    };
+    for (const auto &[outcome, headers] : cases) {
+        for (const QByteArray &header : headers) {
+            const auto parsed = IfHeader::parse(header);
+            QByteArray found = "malformed";
+            if (parsed)
+                found = parsed->holds(KnownState()) ? "true" : "false";
+            QCOMPARE(header + " is " + found, header + " is " + outcome);
+            QVERIFY(!parsed || parsed->names("t:1") == header.contains("<t:1>"));
+        }
+    }
 }
 
 void DavPartsTest::locksExclude_data()
 {
-    QTest::addColumn<QByteArray>("path");
-    columns<bool>({ "deep", "shared" });
-    QTest::addColumn<QByteArray>("against"); ///< the root of the lock that forbids it
+    // `against` is the root of the lock that forbids it
+    columnsOf<QByteArray, bool, bool, QByteArray>("path", "deep", "shared", "against");
     // There are an exclusive lock on "a/b", a deep shared one on "s" and a shared one on "".
     row("the same", "a/b", false, true, "a/b");
     row("below a lock without depth", "a/b/c", true, false, "-");
@@ -300,13 +286,12 @@ void DavPartsTest::locksExclude()
     QFETCH(const QByteArray, path);
     QFETCH(const bool, deep);
     QFETCH(const bool, shared);
-    QFETCH(const QByteArray, against);
     LockTable table;
     QVERIFY(table.add(wish("a/b")));
     QVERIFY(table.add(wish("s", true, true)));
     QVERIFY(table.add(wish("", false, true)));
     const Lock *conflict = table.conflict(wish(path, deep, shared));
-    QCOMPARE(conflict ? conflict->paths.front() : QByteArray("-"), against);
+    QTEST(conflict ? conflict->paths.front() : QByteArray("-"), "against");
 }
 
 void DavPartsTest::locksEnd()
