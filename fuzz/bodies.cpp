@@ -11,7 +11,7 @@ using Reader = void (*)(const QByteArray &);
 
 constexpr std::array<Reader, 5> readers{
     [](const QByteArray &bytes) { standard::PropFindBody::parse(bytes); },
-    [](const QByteArray &bytes) { standard::parsePropPatch(bytes); },
+    [](const QByteArray &bytes) { standard::PropPatchBody::parse(bytes); },
     [](const QByteArray &bytes) { standard::LockBody::parse(bytes); },
     [](const QByteArray &bytes) { standard::IfHeader::parse(bytes); },
     [](const QByteArray &bytes) { standard::unpacked(bytes); },
