@@ -49,10 +49,11 @@ struct Flood final : Socket::User
     void writable() override
     {
         while (!socket->isCongested())
-            socket->write(QByteArray(64 * 1024, 'x'), false);
+            socket->write(piece, false);
     }
     void gone() override { }
 
+    const QByteArray piece = QByteArray(64 * 1024, 'x'); ///< a sanitizer keeps freed memory
     Socket *socket = nullptr;
 };
 
