@@ -118,7 +118,9 @@ bool allowAll(int ruleset, const QStringList &paths, quint64 access)
 QString programLoader()
 {
     Dl_info loader = {};
-    const bool found = ::dladdr(reinterpret_cast<void *>(::getauxval(AT_BASE)), &loader) != 0;
+    // The kernel tells the place as a number. NOLINTNEXTLINE(performance-no-int-to-ptr)
+    const auto *place = reinterpret_cast<const void *>(::getauxval(AT_BASE));
+    const bool found = ::dladdr(place, &loader) != 0;
     return found ? QFile::decodeName(loader.dli_fname) : QString();
 }
 

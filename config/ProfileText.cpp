@@ -329,6 +329,7 @@ struct Saying
 std::vector<Saying> sayingsOf(const ProfileValues &values)
 {
     std::vector<Saying> all;
+    all.reserve(textKeys.size());
     for (const TextKey &key : textKeys)
         all.push_back({ key.name, key.say(values) });
     for (const AccountKey &kind : accountKeys) {

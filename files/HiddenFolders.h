@@ -19,9 +19,9 @@ class HiddenFolders
 public:
     HiddenFolders() = default;
 
-    /// `folders` are absolute; they need not exist. All outside the open folder `border` is hidden
+    /// `folders` are absolute; they need not exist. All outside the open folder `shared` is hidden
     /// too, when there is one.
-    explicit HiddenFolders(const QStringList &folders, FileDescriptor border = {});
+    explicit HiddenFolders(const QStringList &folders, FileDescriptor shared = {});
 
     bool isEmpty() const { return hidden.empty() && !border.isOpen(); }
 
