@@ -81,7 +81,7 @@ void FirstInstance::hear(QLocalSocket *caller)
 void FirstInstance::answer(QLocalSocket *caller)
 {
     const QByteArray message = caller->peek(longestPath);
-    const int end = message.indexOf(endOfPath);
+    const auto end = message.indexOf(endOfPath);
     if (end < 0) {
         if (message.size() == longestPath)
             caller->abort();
