@@ -116,13 +116,13 @@ void TestServe::init()
     home->profiles.reset(); // a program that runs beside would be its neighbour
     share = std::make_unique<QTemporaryDir>();
     writeFile(share->filePath(QStringLiteral("a.txt")), "hello");
+    program.setProcessEnvironment(QProcessEnvironment::systemEnvironment());
 }
 
 void TestServe::cleanup()
 {
     program.kill();
     program.waitForFinished();
-    program.setProcessEnvironment({});
     home.reset();
 }
 
