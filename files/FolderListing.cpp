@@ -1,5 +1,6 @@
 #include "files/FolderListing.h"
 
+#include "files/HiddenUploads.h"
 #include "files/Path.h"
 
 #include <QFile>
@@ -122,7 +123,7 @@ bool FolderListing::read(const Budget &until)
 
 bool FolderListing::isListed(const char *name) const
 {
-    return (wanted.hidden || name[0] != '.')
+    return (wanted.hidden || name[0] != '.') && !isHiddenUpload(name)
         && isSpellable(QByteArray::fromRawData(name, int(std::strlen(name))));
 }
 

@@ -1,6 +1,7 @@
 #include "files/Share.h"
 
 #include "files/Beneath.h"
+#include "files/HiddenUploads.h"
 #include "files/Path.h"
 #include "files/Reservation.h"
 
@@ -60,6 +61,12 @@ QByteArray withoutEnd(QByteArray path)
     return namePart(path) == ".." ? QByteArray() : path;
 }
 
+/// No system has such a name, and what is being received has none yet.
+bool namesNothing(const QByteArray &path)
+{
+    return path.contains('\0') || namesHiddenUpload(path);
+}
+
 } // namespace
 
 std::optional<Share> Share::at(const QString &path, const QStringList &hidden, Links links)
@@ -109,7 +116,7 @@ bool Share::isRemoved() const
 
 FileDescriptor Share::open(const QByteArray &path, int flags) const
 {
-    if (path.contains('\0'))
+    if (namesNothing(path))
         return failed(ENOENT);
     const QByteArray clean = cleanPath(path);
     if (isHidden(clean))
@@ -200,7 +207,7 @@ EntryFacts Share::facts(const QByteArray &path) const
 
 Place Share::place(const QByteArray &path) const
 {
-    if (path.contains('\0'))
+    if (namesNothing(path))
         return noPlace(ENOENT);
     const QByteArray clean = cleanPath(path);
     if (isHidden(clean))
@@ -266,7 +273,7 @@ int Share::makeFolders(const QByteArray &path) const
 {
     if (open(path, O_PATH | O_DIRECTORY).isOpen())
         return 0;
-    if (path.contains('\0'))
+    if (namesNothing(path))
         return ENOENT;
     const QByteArray clean = cleanPath(path) + '/';
     for (auto slash = clean.indexOf('/'); slash >= 0; slash = clean.indexOf('/', slash + 1)) {

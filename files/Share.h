@@ -24,8 +24,8 @@ struct OpenFile
 /// The only way from a request's path to the disk: a folder, or one file, and all that requests
 /// may name of it. Holds the root open from Start on, so it stays right when that is renamed.
 /// Paths are bytes as on disk, in any spelling; ".." never climbs, through a link either. One with
-/// a NUL, whatever is hidden, and a root that was removed do not exist (`ENOENT`). Constant after
-/// it was made, for any thread.
+/// a NUL, whatever is hidden or being received, and a root that was removed do not exist
+/// (`ENOENT`). Constant after it was made, for any thread.
 class Share
 {
 public:

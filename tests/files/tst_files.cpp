@@ -212,10 +212,10 @@ void FilesTest::copyIsHeldUntilItIsPlaced()
     setOld(disk, "old");
     const QByteArray made = hiddenUploadName();
     const auto share = std::make_shared<const Share>(disk.share());
-    EntryCopy copy(share, "old", share->place(made), EntryCopy::Depth::Whole);
+    EntryCopy copy(share, "old", beside(share->place("old"), made), EntryCopy::Depth::Whole);
     runToEnd(copy);
     for (const bool held : { true, false }) {
-        LeftoverSweep sweep(share->place(made), std::chrono::seconds(0));
+        LeftoverSweep sweep(beside(share->place("old"), made), std::chrono::seconds(0));
         runToEnd(sweep);
         QCOMPARE(disk.read(made), QByteArray(held ? "content" : ""));
         copy.unlock();

@@ -2,6 +2,7 @@
 #include "tests/support/Data.h"
 
 #include "files/EntryCopy.h"
+#include "files/FolderListing.h"
 #include "files/HiddenUploads.h"
 #include "files/LeftoverSweep.h"
 #include "files/OpenFiles.h"
@@ -222,6 +223,13 @@ void ShareTest::hiddenFoldersShowNowhere()
         visible += reader->facts(item).exists ? item.name : "";
     QCOMPARE(visible, QByteArray("other"));
     QVERIFY(!reader->openFolder("link").isOpen());
+    // Nor does what is being received, by whatever face.
+    const QByteArray received = hiddenUploadName();
+    disk.write("home/" + received);
+    QVERIFY(!share.facts("home/" + received).exists);
+    FolderListing listing(std::move(*share.openFolder("home")), {});
+    runToEnd(listing);
+    QCOMPARE(listing.count(), qint64(1));
     for (const char *path : { "/home/conf/profile", "/link/conf/profile", "/home/conf/link/new" })
         QVERIFY(!share.place(path).isValid() && !share.facts(path).exists);
     QCOMPARE(renameNew(share.place("/link/conf"), share.place("/new")), EBUSY);
