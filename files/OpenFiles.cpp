@@ -2,6 +2,9 @@
 
 #include <QTimerEvent>
 
+#include <linux/magic.h>
+#include <sys/vfs.h>
+
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -13,6 +16,26 @@ constexpr int closeInterval = 1000; ///< milliseconds
 constexpr int maxKept = 64;
 constexpr qint64 maxKeptSize =
     qint64(256) * 1024; ///< bytes; the room of larger ones is free at once
+
+/// Where an open file that is deleted keeps a hidden name in its folder, which then can't be
+/// deleted, or can't be deleted at all: on file systems that a program or another machine runs.
+bool holdsItsFolder(const FileDescriptor &file)
+{
+    struct statfs system;
+    if (::fstatfs(file.get(), &system) != 0)
+        return true;
+    switch (quint32(system.f_type)) {
+    case FUSE_SUPER_MAGIC:
+    case NFS_SUPER_MAGIC:
+    case SMB_SUPER_MAGIC:
+    case CIFS_SUPER_MAGIC:
+    case SMB2_SUPER_MAGIC:
+    case V9FS_MAGIC:
+        return true;
+    default:
+        return false;
+    }
+}
 
 } // namespace
 
@@ -50,7 +73,7 @@ void OpenFiles::timerEvent(QTimerEvent *event)
 
 void OpenFiles::keep(const QByteArray &path, const ServedFile &file)
 {
-    if (file.facts.size > maxKeptSize)
+    if (file.facts.size > maxKeptSize || holdsItsFolder(*file.descriptor))
         return;
     if (kept.size() >= maxKept)
         kept.clear();

@@ -23,9 +23,9 @@ struct ServedFile
 ServedFile served(OpenFile file);
 
 /// Opens files to be sent. A small one stays open for a second: whoever asks again meanwhile costs
-/// one look at its name, and opening is what a small reply would spend most on. What is sent is
-/// never old, as a file that was replaced, changed or forbidden is opened anew. Lives in the event
-/// loop.
+/// one look at its name, and opening is what a small reply would spend most on; not where that
+/// would keep others from deleting it. What is sent is never old, as a file that was replaced,
+/// changed or forbidden is opened anew. Lives in the event loop.
 class OpenFiles : public QObject
 {
 public:

@@ -14,6 +14,7 @@ namespace {
 constexpr std::size_t maxOpen = 64;
 constexpr std::size_t maxFolders = 16; ///< names of folders kept a level
 constexpr int batchEntries = 512;
+constexpr int maxReadings = 32; ///< of a folder; each takes the half at least where it helps
 constexpr int noLinkFlags = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
 
 bool removeFile(int folder, const char *name)
@@ -195,11 +196,13 @@ int TreeRemoval::parentOf(const Level &level)
     return above.folder.get();
 }
 
-/// Some file systems skip entries when others are removed while they are read.
+/// Some file systems skip entries when others are removed while they are read. Others give a file
+/// that is open a new name each time it is removed: that has an end.
 bool TreeRemoval::readAgain(Level &level)
 {
-    if (level.failed || !level.progressed)
+    if (level.failed || !level.progressed || level.readings == maxReadings)
         return false;
+    ++level.readings;
     level.position = 0;
     level.atEnd = level.progressed = false;
     return true;

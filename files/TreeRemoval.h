@@ -51,6 +51,7 @@ private:
         bool atEnd = false; ///< all entries were read
         bool failed = false; ///< an entry stays
         bool progressed = false; ///< entries were removed since reading began
+        int readings = 1;
         std::vector<QByteArray> folders; ///< to be entered next
     };
 

@@ -118,6 +118,21 @@ void FileSystemsTest::changesEverything(const LiveServer &server)
     QCOMPARE(status("COPY", "/a", "/B"), QByteArray("204 No Content"));
     QCOMPARE(server.fileContent(QStringLiteral("B")), QByteArray("xy"));
     QVERIFY(!QDir(server.share.path()).entryList().contains(QStringLiteral("b")));
+    // What is open when it is deleted keeps a hidden name on some of them: what was just sent is
+    // not held, and what somebody else holds keeps its folder but nobody waiting.
+    QVERIFY(replyTo(server, "MKCOL", "/folder").status().startsWith("201"));
+    QVERIFY(replyTo(server, "PUT", "/folder/sent", {}, "xy").status().startsWith("201"));
+    QCOMPARE(replyTo(server, "GET", "/folder/sent").body, QByteArray("xy"));
+    QVERIFY(replyTo(server, "DELETE", "/folder/sent").status().startsWith("204"));
+    QDir folder(server.share.filePath(QStringLiteral("folder")));
+    QCOMPARE(folder.entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList());
+    QVERIFY(replyTo(server, "PUT", "/folder/read", {}, "xy").status().startsWith("201"));
+    QFile held(folder.filePath(QStringLiteral("read")));
+    QVERIFY(held.open(QIODevice::ReadOnly));
+    QVERIFY(!replyTo(server, "DELETE", "/folder").status().isEmpty());
+    held.close();
+    QVERIFY(folder.removeRecursively());
 }
 
 QTEST_GUILESS_MAIN(FileSystemsTest)
