@@ -6,6 +6,7 @@
 #include "files/Entry.h"
 #include "files/FileDescriptor.h"
 #include "files/Place.h"
+#include "files/ReceivedFile.h"
 #include "files/Reservation.h"
 
 #include <QByteArray>
@@ -30,8 +31,7 @@ public:
         FileAndFolder ///< and its name
     };
 
-    UploadFile();
-    ~UploadFile() override;
+    UploadFile() = default;
 
     /// Begins a new file. A link that leads nowhere gives way to it when it is kept.
     DiskError create(Place place);
@@ -44,7 +44,10 @@ public:
 
     /// Before one of the two: `received` stands under the hidden name `hidden` beside the place
     /// already, open where to go on. It stays there unless it is kept.
-    void resume(FileDescriptor received, const QByteArray &hidden);
+    void resume(FileDescriptor file, const QByteArray &hidden)
+    {
+        received.resume(std::move(file), hidden);
+    }
 
     /// Appends to the content. An error leaves nothing to be kept.
     DiskError write(const char *data, qint64 size);
@@ -73,10 +76,10 @@ public:
     void discard();
 
     /// For copying into, without `write`; -1 before it was begun.
-    int descriptor() const { return file.get(); }
+    int descriptor() const { return received.descriptor(); }
 
     /// Where the file is to stand; empty before it was begun.
-    const Place &place() const { return target; }
+    const Place &place() const { return received.place(); }
 
 private:
     enum class Stage {
@@ -86,32 +89,23 @@ private:
     };
 
     DiskError begin(mode_t mode);
-    bool openHidden(mode_t mode);
-    void startWriteBack(qint64 size);
     bool waits() const;
     void makeReady();
     void takeName();
     void endWith(int error);
     int inherit() const;
     int placeFile();
+    EntryFacts standing() const;
     bool isOldThere() const;
-    int takeFreeName();
-    int replaceName();
-    int linkTo(const QByteArray &name) const;
     int syncFolder() const;
     void drop();
 
-    Place target;
+    ReceivedFile received;
     std::optional<Reservation> reservation;
-    FileDescriptor file;
     FileDescriptor replaced; ///< the old file, locked; only when there is one
     EntryFacts old; ///< of the same
-    QByteArray hiddenName; ///< while it has one
     std::optional<mode_t> wantedMode;
-    qint64 unsynced = 0; ///< bytes at the end of the file
-    qint64 synced = 0; ///< bytes before them
     Sync sync = Sync::File;
-    bool resumed = false; ///< the hidden file outlives the object
     bool sweeps = false; ///< when it is over
     bool discarded = false;
     bool careful = false;
