@@ -1,10 +1,10 @@
 #pragma once
 
 #include <QByteArray>
-#include <QHash>
 #include <QtGlobal>
 
 #include <optional>
+#include <vector>
 
 #include <sys/types.h>
 
@@ -17,24 +17,24 @@ struct EntryStamp
 
     /// None when nothing stands there.
     static std::optional<EntryStamp> of(int folder, const char *name);
-
-    bool operator==(const EntryStamp &other) const
-    {
-        return kind == other.kind && size == other.size && modified == other.modified;
-    }
 };
 
-/// What was copied of a tree, so that nothing else is removed when it is moved by copying. Made by
+/// What was copied of a tree, so that nothing else is removed when it is moved by copying. Keeps
+/// eight bytes an entry, and of some millions at most: what is beyond counts as not copied. Made by
 /// one job and used by the next.
 class CopiedEntries
 {
 public:
     /// `path` is that below the top; "" for the top itself. `before` was taken before the copy.
-    void add(const QByteArray &path, const EntryStamp &before) { stamps.insert(path, before); }
+    void add(const QByteArray &path, const EntryStamp &before);
+
+    /// After the last of them.
+    void close();
 
     /// Whether what stands there now, by its name in an open folder, was copied and is unchanged.
+    /// Once it is closed.
     bool holds(const QByteArray &path, int folder, const char *name) const;
 
 private:
-    QHash<QByteArray, EntryStamp> stamps;
+    std::vector<quint64> fingerprints; ///< sorted when closed
 };

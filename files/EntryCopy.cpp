@@ -52,6 +52,8 @@ bool EntryCopy::run(const Budget &until)
             return until.isCancelled();
         step(until);
     }
+    if (list)
+        list->close();
     abandon();
     return true;
 }
