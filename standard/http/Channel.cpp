@@ -11,13 +11,9 @@ namespace standard {
 
 namespace {
 
-constexpr qint64 readAtOnce = qint64(256) * 1024;
 constexpr int readsInATurn = 16;
 constexpr qint64 droppedAtOnce = qint64(16) * 1024;
 constexpr int requestsInATurn = 16; ///< of one peer that sends many at once
-// Programs that log in only when asked send the whole body before they look at the 401, and one
-// desktop takes a connection that ends meanwhile for broken.
-constexpr qint64 maxDropped = qint64(64) * 1024 * 1024;
 
 } // namespace
 
@@ -26,6 +22,7 @@ Channel::Channel(Socket &peerSocket, TrafficAccount &traffic, User &channelUser)
     , account(traffic)
     , user(channelUser)
     , input(peerSocket)
+    , body(peerSocket, input)
 {
 }
 
@@ -86,8 +83,7 @@ void Channel::collectHead()
     auto &request = std::get<Request>(parsed);
     state = State::Replying;
     keepAlive = request.keepAlive;
-    body = BodyReader(request.framing);
-    expectsContinue = request.framing.expectsContinue;
+    body.begin(request.framing);
     user.requestReady(std::move(request));
 }
 
@@ -100,53 +96,22 @@ void Channel::refuse(Status status)
     user.requestBad(status);
 }
 
-bool Channel::isBodyHeldBack() const
-{
-    return expectsContinue && input.buffered().isEmpty();
-}
-
-/// Only somebody who wants the body asks for it (RFC 9110, section 10.1.1).
-void Channel::askForBody()
-{
-    if (isBodyHeldBack())
-        socket.write("HTTP/1.1 100 Continue\r\n\r\n", false);
-    expectsContinue = false;
-}
-
 void Channel::readBody(BodySink target, qint64 most)
 {
     state = State::ReadingBody;
-    sink = std::move(target);
-    sinkRoom = most;
-    if (body.bytesLeft() > most)
-        return finishBody(BodyEnd::TooLarge);
-    askForBody();
+    body.startFeeding(std::move(target), most);
     continueBody();
 }
 
 void Channel::continueBody()
 {
-    std::array<char, readAtOnce> piece;
-    for (int i = 0; !body.isAtEnd(); ++i) {
-        if (i == readsInATurn)
-            return socket.again();
-        const qint64 size = body.read(input, piece.data(), readAtOnce);
-        if (size < 0)
-            return finishBody(body.isBad() ? BodyEnd::Bad : BodyEnd::Lost);
-        if (size == 0 && !body.isAtEnd())
-            return;
-        sinkRoom -= size;
-        if (sinkRoom < 0)
-            return finishBody(BodyEnd::TooLarge);
-        if (size > 0 && !sink(piece.data(), size))
-            return finishBody(BodyEnd::SinkFailed);
-    }
-    finishBody(BodyEnd::Whole);
+    if (const std::optional<BodyEnd> end = body.feed())
+        finishBody(*end);
 }
 
 void Channel::finishBody(BodyEnd end)
 {
-    sink = {};
+    body.stopFeeding();
     state = State::Replying;
     user.bodyEnded(end);
 }
@@ -156,7 +121,7 @@ void Channel::finishBody(BodyEnd end)
 /// A body that is held back may come or not, so nobody could tell it from the next request.
 bool Channel::settlePersistence()
 {
-    if (isBodyHeldBack() || body.isBad() || body.bytesLeft() > maxDropped || account.isBlocked())
+    if (body.isHeldBack() || !body.isDroppable() || account.isBlocked())
         keepAlive = false;
     return keepAlive;
 }
@@ -221,7 +186,6 @@ void Channel::end()
     if (!settlePersistence())
         return close();
     state = State::Settling;
-    dropped = 0;
     if (body.isAtEnd() && !isCongested())
         rearm();
     lookFurther();
@@ -240,42 +204,23 @@ void Channel::lookFurther()
 /// that sends requests but takes no replies waits here.
 void Channel::settle()
 {
-    if (!dropBody() || isCongested())
+    if (!body.drop())
+        return close();
+    if (!body.isAtEnd() || isCongested())
         return;
     rearm();
     lookFurther();
 }
 
-/// True once nothing of the body is left.
-bool Channel::dropBody()
-{
-    std::array<char, droppedAtOnce> piece;
-    for (int i = 0; !body.isAtEnd(); ++i) {
-        if (i == readsInATurn) {
-            socket.again();
-            return false;
-        }
-        const qint64 size = body.read(input, piece.data(), droppedAtOnce);
-        dropped += qMax<qint64>(size, 0);
-        if (size < 0 || dropped > maxDropped) {
-            close();
-            return false;
-        }
-        if (size == 0 && !body.isAtEnd())
-            return false;
-    }
-    return true;
-}
-
 void Channel::rearm()
 {
-    expectsContinue = false;
+    body.forget();
     state = State::Collecting;
 }
 
 void Channel::close()
 {
-    if (body.isAtEnd() && !maySendMore && !expectsContinue && !input.mayRead())
+    if (!body.mayCome() && !maySendMore && !input.mayRead())
         return closeSocket();
     // Closing on unread input would destroy the reply on its way (RFC 9112, section 9.6).
     state = State::Lingering;
@@ -324,7 +269,7 @@ bool Channel::canAnswer() const
 void Channel::gone()
 {
     sender.stop();
-    sink = {};
+    body.stopFeeding();
     const State last = std::exchange(state, State::Gone);
     if (last == State::ReadingBody)
         user.bodyEnded(BodyEnd::Lost);

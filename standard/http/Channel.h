@@ -3,31 +3,17 @@
 #include "files/FileDescriptor.h"
 #include "net/FileSender.h"
 #include "server/Face.h"
-#include "standard/http/BodyReader.h"
 #include "standard/http/HeadCollector.h"
 #include "standard/http/Input.h"
 #include "standard/http/Request.h"
+#include "standard/http/RequestBody.h"
 
 #include <QByteArray>
-
-#include <functional>
 
 class Socket;
 class TrafficAccount;
 
 namespace standard {
-
-/// Takes the next bytes of a body; false when it could not.
-using BodySink = std::function<bool(const char *data, qint64 size)>;
-
-/// How reading a body ended.
-enum class BodyEnd {
-    Whole,
-    TooLarge,
-    SinkFailed, ///< the sink took no more
-    Bad, ///< its framing is broken
-    Lost ///< the peer stopped sending, or is gone
-};
 
 /// The requests and replies of one connection, one after another, as bytes: collects a head, reads
 /// its body when somebody wants it, sends what it is given, and drops what nobody read before it
@@ -107,13 +93,10 @@ private:
     void takeInput();
     void collectHead();
     void refuse(Status status);
-    bool isBodyHeldBack() const;
-    void askForBody();
     void continueBody();
     void finishBody(BodyEnd end);
     void continueStreaming();
     void settle();
-    bool dropBody();
     void rearm();
     void lookFurther();
     void close();
@@ -127,15 +110,11 @@ private:
     State state = State::Collecting;
     Input input;
     HeadCollector head;
-    BodyReader body;
+    RequestBody body;
     bool keepAlive = true;
-    bool expectsContinue = false; ///< the peer was not yet asked for its body
     bool maySendMore = false; ///< of a request that nobody can take apart
     bool inTurn = false; ///< input is being taken
     bool nextWaits = false; ///< there may be another request to look at in this turn
-    qint64 dropped = 0; ///< bytes of the body that nobody read
-    BodySink sink;
-    qint64 sinkRoom = 0;
     FileSender sender;
 };
 
