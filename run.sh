@@ -18,7 +18,7 @@ read_arguments() {
     while (($#)); do
         case $1 in
         -h | --help) usage && exit ;;
-        --address | --port | --profile)
+        --address | --port | --mode | --trust-proxy | --name | --path-prefix | --profile)
             (($# > 1)) || die "$1 needs a value"
             options+=("$1" "$2")
             shift
