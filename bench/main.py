@@ -19,12 +19,12 @@ from pathlib import Path
 
 import share
 from measures import (crowd, dav, latency, listing, locks, memory, pages, previews, requests,
-                      soak, transfers)
+                      soak, strain, transfers)
 from servers import NAMES, ROOT, Failure, Launcher
 from table import Results
 
 SUBJECTS = {subject.__name__.split(".")[-1]: subject for subject in (
-    transfers, requests, memory, latency, crowd, dav, locks, pages, previews, listing, soak)}
+    transfers, requests, memory, latency, crowd, dav, locks, pages, previews, listing, strain, soak)}
 USUAL = [name for name in SUBJECTS if name != "soak"]
 
 
@@ -41,6 +41,7 @@ class Sizes:
     motifs: int = 4  # different pictures; the others are copies
     crowd: int = 10000
     settle: int = 10  # seconds until a server has given memory back
+    strain: int = 60  # seconds
     soak: int = 200000  # requests
 
     @property
@@ -49,7 +50,7 @@ class Sizes:
 
 
 QUICK = Sizes(rounds=1, seconds=1, big_mib=64, entries=2000, listed_tree=10000, pictures=12, motifs=1,
-              crowd=1000, settle=2, soak=10000)
+              crowd=1000, settle=2, strain=10, soak=10000)
 
 
 class Bench:

@@ -14,7 +14,7 @@ from table import high, low
 
 ROUNDS = 1
 CONNECTIONS = 500
-MINUTES = 5
+LASTS = 300  # seconds at most
 LONGEST = 30  # seconds that an action may take
 UPLOAD = b"x" * 65536
 PIPELINED = 8
@@ -42,7 +42,7 @@ def metrics(sizes):
 def measure(bench, name):
     if name != "quillon":
         return
-    (bench.share / "soak").mkdir()
+    (bench.share / "soak").mkdir(exist_ok=True)
     began = time.perf_counter()
     with bench.serve("sanitized", **SANITIZERS) as server:
         load = Load(server, bench.sizes.soak)
@@ -62,10 +62,12 @@ def measure(bench, name):
 
 
 class Load:
-    """Visitors who do one thing after another until `wanted` requests were made."""
+    """Visitors who do one thing after another until `wanted` requests were made or the time is up."""
 
-    def __init__(self, server, wanted):
+    def __init__(self, server, wanted, visitors=CONNECTIONS, seconds=LASTS, pause=0):
         self.server, self.wanted = server, wanted
+        self.visitors, self.seconds = visitors, seconds
+        self.pause = pause  # seconds between two actions of one visitor, at most
         self.done = self.refused = 0
         self.samples = []  # (requests done, KiB resident)
         self.problems = []
@@ -73,9 +75,9 @@ class Load:
 
     async def run(self):
         with contextlib.suppress(TimeoutError):
-            async with asyncio.timeout(MINUTES * 60):
+            async with asyncio.timeout(self.seconds):
                 sampler = asyncio.create_task(self.sample())
-                await asyncio.gather(*(self.visit(seed) for seed in range(CONNECTIONS)))
+                await asyncio.gather(*(self.visit(seed) for seed in range(self.visitors)))
                 sampler.cancel()
 
     async def sample(self):
@@ -99,6 +101,8 @@ class Load:
                 async with asyncio.timeout(LONGEST):
                     made = await action(visitor, f"/soak/{next(self.names)}")
                 self.done += made  # not in one: the others go on during the wait
+                if self.pause:
+                    await asyncio.sleep(chance.uniform(0, self.pause))
             except (OSError, EOFError, Failure) as problem:
                 self.refused += 1
                 self.problems.append(f"{action.__name__}: {problem or type(problem).__name__}")
@@ -124,7 +128,9 @@ class Visitor:
         if head.split()[1][0] != "2":
             raise Failure(head.splitlines()[0])
         fields = dict(line.lower().split(": ", 1) for line in head.splitlines()[1:] if line)
-        await self.reader.readexactly(int(fields["content-length"]))
+        if "transfer-encoding" in fields:
+            raise Failure("a reply of unknown size")
+        await self.reader.readexactly(int(fields.get("content-length", 0)))
 
     def leave(self, reset=False):
         if self.writer is None:
