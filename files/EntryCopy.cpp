@@ -2,6 +2,7 @@
 
 #include "files/Attributes.h"
 #include "files/HiddenUploads.h"
+#include "files/Path.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -16,11 +17,6 @@ namespace {
 
 constexpr std::size_t maxDepth = 100; ///< each level keeps two files open, of some copies at once
 constexpr mode_t whileCopied = 0700;
-
-QByteArray pathIn(const QByteArray &folder, const QByteArray &name)
-{
-    return folder.isEmpty() ? name : folder + '/' + name;
-}
 
 std::optional<OpenFile> openIn(const FolderReader &folder, const char *name)
 {
@@ -108,7 +104,7 @@ void EntryCopy::take(const FolderReader::Item &item)
 {
     const Level &level = levels.back();
     const QByteArray name = item.name;
-    const QByteArray path = pathIn(level.path, name);
+    const QByteArray path = joinedPath(level.path, name);
     const EntryFacts facts = level.source.facts(item);
     if (isHiddenUpload(item.name) || (!facts.file && !facts.folder))
         return leaveOut(item, path);

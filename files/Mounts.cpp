@@ -52,11 +52,6 @@ const Mount *mountOf(const QByteArray &path, const std::vector<Mount> &mounts)
     return found;
 }
 
-QByteArray joined(const QByteArray &folder, const QByteArray &below)
-{
-    return below.isEmpty() || folder.endsWith('/') ? folder + below : folder + '/' + below;
-}
-
 bool isSameAt(const QByteArray &a, const QByteArray &b)
 {
     return isSameEntry(entryFacts(AT_FDCWD, a.constData()), entryFacts(AT_FDCWD, b.constData()));
@@ -71,14 +66,14 @@ std::vector<QByteArray> otherPaths(const QByteArray &path)
     if (!own)
         return {};
     std::vector<QByteArray> others;
-    const QByteArray inside = joined(own->top, pathBelow(path, own->point));
+    const QByteArray inside = joinedPath(own->top, pathBelow(path, own->point));
     for (const Mount &mount : mounts) {
         const bool isPart = isWithin(mount.top, inside);
         if (mount.device != own->device || (!isPart && !isWithin(inside, mount.top)))
             continue;
         const QByteArray there =
-            isPart ? mount.point : joined(mount.point, pathBelow(inside, mount.top));
-        const QByteArray here = isPart ? joined(path, pathBelow(mount.top, inside)) : path;
+            isPart ? mount.point : joinedPath(mount.point, pathBelow(inside, mount.top));
+        const QByteArray here = isPart ? joinedPath(path, pathBelow(mount.top, inside)) : path;
         // Another mount may lie over it by now.
         if (there != here && isSameAt(there, here))
             others.push_back(there);

@@ -34,6 +34,17 @@ QByteArray cleanPath(const QByteArray &requested)
     return clean;
 }
 
+QByteArray parentPath(const QByteArray &path)
+{
+    return path.left(std::max(0, int(path.lastIndexOf('/'))));
+}
+
+QByteArray joinedPath(const QByteArray &folder, const QByteArray &rest)
+{
+    const bool isJoined = folder.isEmpty() || rest.isEmpty() || folder.endsWith('/');
+    return isJoined ? folder + rest : folder + '/' + rest;
+}
+
 bool isSpellable(const QByteArray &name)
 {
     const bool plain = std::none_of(name.cbegin(), name.cend(), [](char c) { return c < 0; });

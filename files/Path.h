@@ -10,6 +10,12 @@ QByteArray nativePath(const QString &path);
 /// ".." takes a segment away by name and never climbs above the top, which is "".
 QByteArray cleanPath(const QByteArray &requested);
 
+/// The folder that a path names its entry in; "" for the top, too.
+QByteArray parentPath(const QByteArray &path);
+
+/// A path, none or more segments below another.
+QByteArray joinedPath(const QByteArray &folder, const QByteArray &rest);
+
 /// Whether a request can name it: it decodes to text that encodes to the same bytes.
 bool isSpellable(const QByteArray &name);
 

@@ -42,12 +42,6 @@ int patient(int flags)
                               : flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY | O_LARGEFILE;
 }
 
-QByteArray folderPart(const QByteArray &path)
-{
-    const auto slash = path.lastIndexOf('/');
-    return slash < 0 ? QByteArray() : path.left(slash);
-}
-
 QByteArray namePart(const QByteArray &path)
 {
     return path.mid(path.lastIndexOf('/') + 1);
@@ -215,7 +209,7 @@ Place Share::place(const QByteArray &path) const
     if (clean.isEmpty())
         return rootPlace();
     Place found;
-    found.folder = open(folderPart(clean), O_PATH | O_DIRECTORY);
+    found.folder = open(parentPath(clean), O_PATH | O_DIRECTORY);
     if (!found.folder.isOpen())
         return {};
     found.name = namePart(clean);
@@ -249,7 +243,7 @@ Place Share::rootPlace() const
 Place Share::placeOf(const QByteArray &absolutePath) const
 {
     Place found;
-    const QByteArray parent = folderPart(absolutePath) + '/';
+    const QByteArray parent = parentPath(absolutePath) + '/';
     found.folder.reset(::open(parent.constData(), placeFlags | O_DIRECTORY));
     found.name = namePart(absolutePath);
     return found.isValid() ? checked(std::move(found)) : Place();
@@ -262,7 +256,7 @@ Place Share::checked(Place found) const
     if (hidden->isEmpty())
         return found;
     const QByteArray parent = pathOf(found.folder.get());
-    const QByteArray path = (parent == "/" ? parent : parent + '/') + found.name;
+    const QByteArray path = joinedPath(parent, found.name);
     if (parent.isEmpty() || hidden->covers(path))
         return noPlace(ENOENT);
     found.holdsHidden = hidden->liesIn(path);

@@ -30,11 +30,6 @@ bool precedesInAnyCase(const char *a, const char *b)
     return order != 0 ? order < 0 : std::strcmp(a, b) < 0;
 }
 
-QByteArray pathIn(const QByteArray &folder, const char *name)
-{
-    return folder.isEmpty() ? QByteArray(name) : folder + '/' + name;
-}
-
 } // namespace
 
 TreeCopy::TreeCopy(std::shared_ptr<const Share> shared, const QByteArray &path, Begin beginCopy)
@@ -82,7 +77,7 @@ void TreeCopy::takeNext()
 {
     Level &level = levels.back();
     const Entry entry = level.entries.back();
-    const QByteArray path = pathIn(level.path, level.names.data() + entry.name);
+    const QByteArray path = joinedPath(level.path, level.names.data() + entry.name);
     level.entries.pop_back();
     if (level.entries.empty())
         levels.pop_back();

@@ -1,9 +1,10 @@
 #include "standard/dav/DavGuard.h"
 
+#include "files/Path.h"
 #include "files/Share.h"
 #include "standard/dav/DavState.h"
 #include "standard/dav/IfHeader.h"
-#include "standard/dav/Paths.h"
+#include "standard/dav/PathsTo.h"
 #include "standard/dav/Visitor.h"
 #include "standard/http/Conditions.h"
 #include "standard/http/Exchange.h"
@@ -81,7 +82,7 @@ public:
             return lock;
         // What a folder holds is part of it.
         if (change.membership) {
-            const Paths folder = pathsTo(share, parentOf(change.path));
+            const Paths folder = pathsTo(share, parentPath(change.path));
             if (const Lock *lock = closing(table.covering(folder)))
                 return lock;
         }

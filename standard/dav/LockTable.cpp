@@ -1,5 +1,6 @@
 #include "standard/dav/LockTable.h"
 
+#include "files/Path.h"
 #include "standard/dav/Paths.h"
 
 #include <QList>
@@ -212,7 +213,7 @@ LockTable::Locks LockTable::ofMembers(const Paths &paths) const
     Locks found = below(paths);
     const auto isFurther = [&paths](const Lock *lock) {
         return std::none_of(lock->paths.begin(), lock->paths.end(), [&](const QByteArray &path) {
-            return std::find(paths.begin(), paths.end(), parentOf(path)) != paths.end();
+            return std::find(paths.begin(), paths.end(), parentPath(path)) != paths.end();
         });
     };
     found.erase(std::remove_if(found.begin(), found.end(), isFurther), found.end());

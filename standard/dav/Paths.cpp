@@ -12,9 +12,4 @@ std::vector<QByteArray> withAncestors(const QByteArray &path)
     return paths;
 }
 
-QByteArray parentOf(const QByteArray &path)
-{
-    return path.left(qMax(0, int(path.lastIndexOf('/'))));
-}
-
 } // namespace standard

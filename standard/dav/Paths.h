@@ -20,9 +20,6 @@ inline bool isBelow(const QByteArray &entry, const QByteArray &path)
 /// all would be megabytes of a long one. To be used while it lives.
 std::vector<QByteArray> withAncestors(const QByteArray &path);
 
-/// The folder that `path` stands in; "" for the root too.
-QByteArray parentOf(const QByteArray &path);
-
 /// The first entry of an ordered container by path that may stand below `path`; as long as they do
 /// the next ones follow.
 template <typename Container> auto firstBelow(Container &byPath, const QByteArray &path)

@@ -2,7 +2,6 @@
 
 #include "files/Path.h"
 #include "files/Share.h"
-#include "standard/dav/Paths.h"
 
 #include <algorithm>
 
@@ -35,10 +34,9 @@ Paths pathsToEntry(const Share *share, const QByteArray &path)
     Paths paths{ path };
     if (!share || path.isEmpty())
         return paths;
-    const QByteArray folder = absolutePath(*share, parentOf(path));
+    const QByteArray folder = absolutePath(*share, parentPath(path));
     if (!folder.isEmpty())
-        add(paths, *share,
-            (folder == "/" ? folder : folder + '/') + path.mid(path.lastIndexOf('/') + 1));
+        add(paths, *share, joinedPath(folder, path.mid(path.lastIndexOf('/') + 1)));
     return paths;
 }
 

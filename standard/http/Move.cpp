@@ -1,6 +1,7 @@
 #include "standard/http/Move.h"
 
 #include "files/DiskWorker.h"
+#include "files/Path.h"
 #include "files/Rename.h"
 #include "files/TreeRemoval.h"
 #include "standard/http/PlacedCopy.h"
@@ -85,11 +86,8 @@ bool Move::isRespelled() const
 {
     const QString from = QString::fromUtf8(exchange.path());
     const QString to = QString::fromUtf8(destination());
-    const auto folderOf = [](const QByteArray &path) {
-        return path.left(qMax(0, int(path.lastIndexOf('/'))));
-    };
     return from != to && from.compare(to, Qt::CaseInsensitive) == 0
-        && folderOf(exchange.path()) == folderOf(destination());
+        && parentPath(exchange.path()) == parentPath(destination());
 }
 
 void Move::transfer()

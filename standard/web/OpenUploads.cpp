@@ -1,6 +1,7 @@
 #include "standard/web/OpenUploads.h"
 
 #include "files/PartialUpload.h"
+#include "files/Path.h"
 #include "files/Share.h"
 
 #include <algorithm>
@@ -19,7 +20,7 @@ constexpr std::size_t mostFinished = 1000;
 bool isThere(const QByteArray &id, const OpenUploads::Upload &upload)
 {
     const std::shared_ptr<const Share> share = upload.share.lock();
-    const Place beside = share ? share->place(upload.folder + '/' + id) : Place();
+    const Place beside = share ? share->place(joinedPath(upload.folder, id)) : Place();
     return beside.isValid() && PartialUpload::find(beside, id);
 }
 

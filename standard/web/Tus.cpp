@@ -11,21 +11,15 @@ namespace standard {
 UploadName::UploadName(const Exchange &exchange)
 {
     const QByteArray path = pathBelow(exchange.path(), tusPath);
-    const auto slash = path.lastIndexOf('/');
-    folder = exchange.access().inShare(slash < 0 ? QByteArray() : path.left(slash));
-    id = path.mid(slash + 1);
+    folder = exchange.access().inShare(parentPath(path));
+    id = path.mid(path.lastIndexOf('/') + 1);
 }
 
 QByteArray uploadUrl(const Exchange &exchange, const QByteArray &folder, const QByteArray &id)
 {
     const UrlSpace urls = exchange.urls();
-    const QByteArray path = joined(joined(tusPath, seenFrom(urls.home, folder)), id);
+    const QByteArray path = joinedPath(joinedPath(tusPath, seenFrom(urls.home, folder)), id);
     return urlPath({ urls.prefix, {} }, path, false);
-}
-
-QByteArray joined(const QByteArray &folder, const QByteArray &rest)
-{
-    return folder.isEmpty() || rest.isEmpty() ? folder + rest : folder + '/' + rest;
 }
 
 bool speaksTus(Exchange &exchange)
@@ -66,7 +60,7 @@ std::optional<PartialUpload> findUpload(const Exchange &exchange)
     const Share *share = exchange.share().get();
     if (!share || !PartialUpload::isId(named.id))
         return {};
-    const Place beside = share->place(joined(named.folder, named.id));
+    const Place beside = share->place(joinedPath(named.folder, named.id));
     std::optional<PartialUpload> found =
         beside.isValid() ? PartialUpload::find(beside, named.id) : std::nullopt;
     const bool isTheirs = found

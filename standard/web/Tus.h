@@ -28,9 +28,6 @@ struct UploadName
 /// share.
 QByteArray uploadUrl(const Exchange &exchange, const QByteArray &folder, const QByteArray &id);
 
-/// A path of the share, one segment or more below another.
-QByteArray joined(const QByteArray &folder, const QByteArray &rest);
-
 /// Whether the request speaks our version of the protocol; else it is refused.
 bool speaksTus(Exchange &exchange);
 

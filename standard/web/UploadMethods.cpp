@@ -5,7 +5,6 @@
 #include "files/LeftoverSweep.h"
 #include "files/Path.h"
 #include "files/Share.h"
-#include "standard/dav/Paths.h"
 #include "standard/dav/Visitor.h"
 #include "standard/http/Options.h"
 #include "standard/http/Reserved.h"
@@ -63,7 +62,7 @@ std::optional<UploadCreation::Wanted> UploadCreation::readWanted()
     const QByteArray notes = request.value("Upload-Metadata");
     const std::optional<UploadMetadata> about = parseUploadMetadata(notes);
     const QByteArray folder = exchange.access().inShare(pathBelow(exchange.path(), tusPath));
-    const QByteArray path = about ? joined(folder, about->path) : QByteArray();
+    const QByteArray path = about ? joinedPath(folder, about->path) : QByteArray();
     Status status = Status::Ok;
     if (!length || !about)
         status = Status::BadRequest;
@@ -83,8 +82,8 @@ std::optional<UploadCreation::Wanted> UploadCreation::readWanted()
 
 void UploadCreation::findMissing(const QByteArray &path)
 {
-    existing = parentOf(path);
-    for (; !existing.isEmpty() && !factsAt(existing).exists; existing = parentOf(existing))
+    existing = parentPath(path);
+    for (; !existing.isEmpty() && !factsAt(existing).exists; existing = parentPath(existing))
         missing.push_back(existing);
 }
 
@@ -106,11 +105,11 @@ bool UploadCreation::hasRoom(qint64 length) const
 
 void UploadCreation::begin(const PartialRecord &record)
 {
-    const int error = share()->makeFolders(parentOf(target()));
+    const int error = share()->makeFolders(parentPath(target()));
     if (error != 0)
         return refuseTus(exchange, statusOf(diskError(error)));
     const QByteArray id = PartialUpload::newId();
-    location = uploadUrl(exchange, parentOf(target()), id);
+    location = uploadUrl(exchange, parentPath(target()), id);
     const Framing &framing = exchange.request().framing;
     if (!framing.chunked && framing.contentLength == record.length)
         return receiveWhole(id, record);
@@ -159,7 +158,7 @@ void UploadAppend::start()
         return refuseTus(exchange, given ? Status::Conflict : Status::BadRequest, {},
                          { offsetField(offset) });
     const QByteArray folder = UploadName(exchange).folder;
-    if (fits(record.length - offset) && mayStand(joined(folder, record.name), record.replaces))
+    if (fits(record.length - offset) && mayStand(joinedPath(folder, record.name), record.replaces))
         resume(std::move(*found));
 }
 

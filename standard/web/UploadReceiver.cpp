@@ -1,9 +1,9 @@
 #include "standard/web/UploadReceiver.h"
 
 #include "files/Attributes.h"
+#include "files/Path.h"
 #include "files/Share.h"
 #include "server/Uploads.h"
-#include "standard/dav/Paths.h"
 #include "standard/dav/Visitor.h"
 #include "standard/web/Tus.h"
 #include "standard/web/UploadMetadata.h"
@@ -58,7 +58,7 @@ std::shared_ptr<OpenUploads::Upload> UploadReceiver::enter(const PartialUpload &
 {
     const EntryFacts folder = entryFacts(begun.place().folder.get());
     return uploads().enter(begun.id(),
-                           { visitorOf(exchange), exchange.share(), parentOf(m_target),
+                           { visitorOf(exchange), exchange.share(), parentPath(m_target),
                              folder.device, begun.record().length - begun.offset(),
                              begun.expires() });
 }
