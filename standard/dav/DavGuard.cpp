@@ -5,11 +5,11 @@
 #include "standard/dav/DavState.h"
 #include "standard/dav/IfHeader.h"
 #include "standard/dav/PathsTo.h"
-#include "standard/dav/Visitor.h"
 #include "standard/http/Conditions.h"
 #include "standard/http/Exchange.h"
 #include "standard/http/MultiStatus.h"
 #include "standard/http/Uri.h"
+#include "standard/http/Visitor.h"
 
 #include <algorithm>
 #include <utility>

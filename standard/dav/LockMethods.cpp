@@ -8,9 +8,9 @@
 #include "standard/dav/IfHeader.h"
 #include "standard/dav/Limits.h"
 #include "standard/dav/LockDiscovery.h"
-#include "standard/dav/Visitor.h"
 #include "standard/http/Depth.h"
 #include "standard/http/MultiStatus.h"
+#include "standard/http/Visitor.h"
 
 #include <cerrno>
 #include <utility>

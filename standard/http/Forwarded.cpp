@@ -22,8 +22,8 @@ QHostAddress addressOf(const QByteArray &item)
 
 /// Each proxy adds the one that it heard from at the end. What stands before the first that nobody
 /// trusts may be made up.
-QHostAddress visitorOf(const Request &request, const QHostAddress &peer,
-                       const ProfileValues &profile)
+QHostAddress forwardedFor(const Request &request, const QHostAddress &peer,
+                          const ProfileValues &profile)
 {
     const std::vector<QByteArray> items = listItems(request.value("X-Forwarded-For"));
     QHostAddress visitor = peer;
@@ -83,7 +83,7 @@ Forwarded takeForwarded(Request &request, const QHostAddress &peer, const Profil
     found.visitor = peer;
     if (!isTrustedProxy(peer, profile))
         return found;
-    found.visitor = visitorOf(request, peer, profile);
+    found.visitor = forwardedFor(request, peer, profile);
     found.authority = authorityOf(request);
     found.encrypted = encryptionOf(request);
     found.prefix = respelled(lastOf(request, "X-Forwarded-Prefix"));

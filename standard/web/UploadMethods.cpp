@@ -5,9 +5,9 @@
 #include "files/LeftoverSweep.h"
 #include "files/Path.h"
 #include "files/Share.h"
-#include "standard/dav/Visitor.h"
 #include "standard/http/Options.h"
 #include "standard/http/Reserved.h"
+#include "standard/http/Visitor.h"
 #include "standard/web/Tus.h"
 #include "standard/web/UploadMetadata.h"
 

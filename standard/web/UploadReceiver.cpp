@@ -4,7 +4,7 @@
 #include "files/Path.h"
 #include "files/Share.h"
 #include "server/Uploads.h"
-#include "standard/dav/Visitor.h"
+#include "standard/http/Visitor.h"
 #include "standard/web/Tus.h"
 #include "standard/web/UploadMetadata.h"
 

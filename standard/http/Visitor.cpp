@@ -1,4 +1,4 @@
-#include "standard/dav/Visitor.h"
+#include "standard/http/Visitor.h"
 
 #include "standard/http/Exchange.h"
 
