@@ -11,7 +11,6 @@
 #include "standard/web/Tus.h"
 #include "standard/web/UploadMetadata.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -23,16 +22,6 @@ namespace {
 
 constexpr auto extensions = "creation,creation-with-upload,termination,expiration,checksum";
 constexpr qint64 maxLength = qint64(1) << 50; ///< bytes, so that sums of lengths are safe
-
-/// A count of bytes in plain digits.
-std::optional<qint64> bytesOf(const QByteArray &text)
-{
-    const bool isPlain = !text.isEmpty()
-        && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
-    bool good = false;
-    const qint64 number = text.toLongLong(&good);
-    return isPlain && good ? std::optional(number) : std::nullopt;
-}
 
 } // namespace
 
@@ -58,7 +47,7 @@ void UploadCreation::start()
 std::optional<UploadCreation::Wanted> UploadCreation::readWanted()
 {
     const Request &request = exchange.request();
-    const std::optional<qint64> length = bytesOf(request.value("Upload-Length"));
+    const std::optional<qint64> length = numberOf(request.value("Upload-Length"));
     const QByteArray notes = request.value("Upload-Metadata");
     const std::optional<UploadMetadata> about = parseUploadMetadata(notes);
     const QByteArray folder = exchange.access().inShare(pathBelow(exchange.path(), tusPath));
@@ -153,7 +142,7 @@ void UploadAppend::start()
         return refuseTus(exchange, Status::Locked, "It is being received.");
     const qint64 offset = found->offset();
     const PartialRecord &record = found->record();
-    const std::optional<qint64> given = bytesOf(exchange.request().value("Upload-Offset"));
+    const std::optional<qint64> given = numberOf(exchange.request().value("Upload-Offset"));
     if (given != offset)
         return refuseTus(exchange, given ? Status::Conflict : Status::BadRequest, {},
                          { offsetField(offset) });

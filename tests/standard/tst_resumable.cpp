@@ -140,7 +140,8 @@ void TestResumable::followsTheProtocol_data()
     row("length is missing", "POST", tus, version + metadata("new"), 400);
     row("length is none", "POST", tus, version + "Upload-Length: -1\r\n" + metadata("new"), 400);
     row("no metadata", "POST", tus, version + lengthLine(1), 400);
-    row("huge", "POST", tus, version + lengthLine(qint64(1) << 62) + metadata("new"), 413);
+    row("huge", "POST", tus, version + "Upload-Length: 99999999999999999999\r\n" + metadata("new"),
+        413);
     row("more than the disk", "POST", tus, version + lengthLine(qint64(1) << 50) + metadata("new"),
         507);
     row("no such folder", "POST", tus + "/no", version + good, 404);
