@@ -5,8 +5,11 @@
 #include "files/Path.h"
 #include "files/Reservation.h"
 
+#include <QList>
+
 #include <algorithm>
 #include <cerrno>
+#include <climits>
 #include <utility>
 
 #include <fcntl.h>
@@ -53,6 +56,18 @@ QByteArray withoutEnd(QByteArray path)
     while (path.endsWith('/') || path.endsWith("/."))
         path.chop(1);
     return namePart(path) == ".." ? QByteArray() : path;
+}
+
+/// Makes a folder there, unless it stands. Not open, with `errno`, when that can't be.
+FileDescriptor makeFolderAt(const Place &place)
+{
+    if (Reservation::isTaken(place))
+        return failed(EEXIST);
+    const int folder = place.folder.get();
+    const char *name = place.name.constData();
+    if (::mkdirat(folder, name, folderMode) != 0 && errno != EEXIST)
+        return {};
+    return FileDescriptor(::openat(folder, name, placeFlags | O_DIRECTORY | O_NOFOLLOW));
 }
 
 /// No system has such a name, and what is being received has none yet.
@@ -263,22 +278,31 @@ Place Share::checked(Place found) const
     return found;
 }
 
+/// Each in the one that was made before: by its path from the root, a deep one would take all the
+/// looks anew at each of its levels.
 int Share::makeFolders(const QByteArray &path) const
 {
     if (open(path, O_PATH | O_DIRECTORY).isOpen())
         return 0;
-    if (namesNothing(path))
+    const QByteArray clean = cleanPath(path);
+    if (namesNothing(path) || isHidden(clean))
         return ENOENT;
-    const QByteArray clean = cleanPath(path) + '/';
-    for (auto slash = clean.indexOf('/'); slash >= 0; slash = clean.indexOf('/', slash + 1)) {
-        const Place next = place(clean.left(slash));
-        if (!next.isValid())
+    // Below it nobody could name it.
+    if (clean.size() >= PATH_MAX)
+        return ENAMETOOLONG;
+    QByteArray above = parentPath(clean);
+    while (!above.isEmpty() && !open(above, O_PATH | O_DIRECTORY).isOpen())
+        above = parentPath(above);
+    const QList<QByteArray> names = clean.mid(above.isEmpty() ? 0 : above.size() + 1).split('/');
+    Place next = place(joinedPath(above, names.front()));
+    for (int made = 1; next.isValid(); ++made) {
+        FileDescriptor level = makeFolderAt(next);
+        if (!level.isOpen())
             return errno;
-        if (Reservation::isTaken(next))
-            return EEXIST;
-        const int made = ::mkdirat(next.folder.get(), next.name.constData(), folderMode);
-        if (made != 0 && errno != EEXIST)
-            return errno;
+        if (made == names.size())
+            return 0;
+        Place below{ std::move(level), names[made] };
+        next = next.holdsHidden ? checked(std::move(below)) : std::move(below);
     }
-    return open(path, O_PATH | O_DIRECTORY).isOpen() ? 0 : errno;
+    return errno;
 }

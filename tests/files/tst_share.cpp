@@ -164,6 +164,11 @@ void ShareTest::places()
     QCOMPARE(share.makeFolders("/../b/c/../d//e/"), 0);
     QCOMPARE(share.makeFolders("/a/x"), ENOTDIR);
     QVERIFY(disk.exists("share/b/d/e") && !disk.exists("share/b/c"));
+    const Disk other;
+    QCOMPARE(other.share().makeFolders(QByteArray("f/").repeated(500)), 0);
+    QCOMPARE(other.share().makeFolders(QByteArray("g/").repeated(2500)), ENAMETOOLONG);
+    const Share before = other.share(".", "h/i/j"); // which does not stand yet
+    QVERIFY(before.makeFolders("h/i/k") == 0 && before.makeFolders("h/i/j/k") == ENOENT);
 
     const Share single = disk.share("share/a");
     QVERIFY(QFile::rename(disk.path("share/a"), disk.path("renamed")));
