@@ -12,6 +12,9 @@ namespace standard {
 
 namespace {
 
+// Copies and removals keep a file open for each level, and each one may have its lock.
+constexpr int maxSegments = 64;
+
 using Pairs = QMap<QByteArray, QByteArray>;
 
 std::optional<Pairs> decodedPairs(const QByteArray &field)
@@ -37,7 +40,7 @@ bool isSegment(const QByteArray &text)
 bool isFilePath(const QByteArray &path)
 {
     const QList<QByteArray> segments = path.split('/');
-    return path.size() < PATH_MAX && !path.contains('\0')
+    return path.size() < PATH_MAX && segments.size() <= maxSegments && !path.contains('\0')
         && std::all_of(segments.begin(), segments.end(), isSegment);
 }
 

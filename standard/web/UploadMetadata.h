@@ -16,7 +16,7 @@ struct UploadMetadata
 
 /// Reads the field: pairs of a key and a value in base64, between commas. `relativePath`, else
 /// `filename`, is the path; `mtime` the time; others are left alone. None when it is none of that,
-/// or the path climbs or names no file.
+/// or the path climbs, is too deep or names no file.
 std::optional<UploadMetadata> parseUploadMetadata(const QByteArray &field);
 
 } // namespace standard

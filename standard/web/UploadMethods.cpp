@@ -50,23 +50,25 @@ std::optional<UploadCreation::Wanted> UploadCreation::readWanted()
     const std::optional<qint64> length = numberOf(request.value("Upload-Length"));
     const QByteArray notes = request.value("Upload-Metadata");
     const std::optional<UploadMetadata> about = parseUploadMetadata(notes);
+    const auto refused = [this](Status status, const char *text = "") {
+        refuseTus(exchange, status, text);
+        return std::nullopt;
+    };
+    if (!length)
+        return refused(Status::BadRequest, "Upload-Length is no number of bytes.");
+    if (!about)
+        return refused(Status::BadRequest, "Upload-Metadata has no path for a file.");
+    if (*length > maxLength)
+        return refused(Status::ContentTooLarge);
     const QByteArray folder = exchange.access().inShare(pathBelow(exchange.path(), tusPath));
-    const QByteArray path = about ? joinedPath(folder, about->path) : QByteArray();
-    Status status = Status::Ok;
-    if (!length || !about)
-        status = Status::BadRequest;
-    else if (*length > maxLength)
-        status = Status::ContentTooLarge;
-    else if (!factsAt(folder).folder)
-        status = Status::NotFound;
-    else if (namesHiddenUpload(path) || isReserved(path))
-        status = Status::Forbidden;
-    if (status == Status::Ok)
-        return Wanted{ path,
-                       { path.mid(path.lastIndexOf('/') + 1), *length, exchange.access().account,
-                         request.value("Overwrite") == "T", notes } };
-    refuseTus(exchange, status);
-    return {};
+    const QByteArray path = joinedPath(folder, about->path);
+    if (!factsAt(folder).folder)
+        return refused(Status::NotFound);
+    if (namesHiddenUpload(path) || isReserved(path))
+        return refused(Status::Forbidden);
+    return Wanted{ path,
+                   { path.mid(path.lastIndexOf('/') + 1), *length, exchange.access().account,
+                     request.value("Overwrite") == "T", notes } };
 }
 
 void UploadCreation::findMissing(const QByteArray &path)

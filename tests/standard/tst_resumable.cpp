@@ -115,7 +115,7 @@ void TestResumable::readsMetadata_data()
     for (const QByteArray &path :
          { QByteArray("../a"), QByteArray("d/../../a"), QByteArray("d//a"), QByteArray("d/."),
            QByteArray("d/"), QByteArray("//a"), QByteArray("a\0b", 3), QByteArray(256, 'x'),
-           QByteArray("x/").repeated(2500) + 'x' })
+           QByteArray("x/").repeated(64) + 'x' })
         row(QByteArray("path of " + path.left(9).toPercentEncoding()).constData(),
             pair("relativePath", path), "", -1);
 }
