@@ -125,10 +125,14 @@ void PropFindJob::fail(int number)
     state = State::Ended;
 }
 
+bool PropFindJob::isReservedHere(const char *name) const
+{
+    return std::strcmp(name, reservedName) == 0 && isReserved(subject.urls.home, path + name);
+}
+
 void PropFindJob::append(const FolderReader::Item &item)
 {
-    if (isHiddenUpload(item.name) || !isTellable(item.name)
-        || (path.isEmpty() && std::strcmp(item.name, reservedName) == 0))
+    if (isHiddenUpload(item.name) || !isTellable(item.name) || isReservedHere(item.name))
         return;
     DavResource entry;
     entry.facts = folder->facts(item);

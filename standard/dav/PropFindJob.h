@@ -75,6 +75,7 @@ private:
     void begin();
     void openNext();
     bool enter(const Pending &next);
+    bool isReservedHere(const char *name) const;
     void append(const FolderReader::Item &item);
     void tell(const QByteArray &unread, Status status);
     void cutOff();

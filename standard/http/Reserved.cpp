@@ -1,6 +1,7 @@
 #include "standard/http/Reserved.h"
 
 #include "files/Path.h"
+#include "server/Access.h"
 #include "standard/http/Routes.h"
 
 namespace standard {
@@ -8,6 +9,11 @@ namespace standard {
 bool isReserved(const QByteArray &path)
 {
     return isWithin(path, reservedName);
+}
+
+bool isReserved(const QByteArray &home, const QByteArray &path)
+{
+    return isReserved(seenFrom(home, path));
 }
 
 bool isFor(const Route &route, const QByteArray &path)

@@ -10,8 +10,11 @@ struct Route;
 /// made or changed.
 constexpr auto reservedName = ".quillon";
 
-/// Whether a clean path leads there.
+/// Whether a clean path leads there, as its visitor calls it.
 bool isReserved(const QByteArray &path);
+
+/// The same of a path of the share and a visitor who has that home, see `Access`.
+bool isReserved(const QByteArray &home, const QByteArray &path);
 
 /// Whether a route answers for what a clean path names.
 bool isFor(const Route &route, const QByteArray &path);

@@ -67,7 +67,7 @@ bool Transfer::findDestination()
         return false;
     }
     target = *path;
-    if (namesHiddenUpload(target) || isReserved(target)) {
+    if (namesHiddenUpload(target) || isReserved(exchange.access().home, target)) {
         exchange.refuse(Status::Forbidden, "Such names are kept for the server itself.");
         return false;
     }

@@ -64,7 +64,7 @@ std::optional<UploadCreation::Wanted> UploadCreation::readWanted()
     const QByteArray path = joinedPath(folder, about->path);
     if (!factsAt(folder).folder)
         return refused(Status::NotFound);
-    if (namesHiddenUpload(path) || isReserved(path))
+    if (namesHiddenUpload(path) || isReserved(exchange.access().home, path))
         return refused(Status::Forbidden);
     return Wanted{ path,
                    { path.mid(path.lastIndexOf('/') + 1), *length, exchange.access().account,

@@ -350,6 +350,18 @@ void TestResumable::reservedNameIsOurs()
     QCOMPARE(server.status("MOVE", "/a", "Destination: /.quillon/y\r\n"), 403);
     const QByteArray all = replyTo(server, "PROPFIND", "/", "Depth: 1\r\n").body;
     QVERIFY(all.contains("/a<") && !all.contains("quillon"));
+
+    // For who has a home, there; it is but a name to others.
+    server.addFile(QStringLiteral("f/.quillon/x"), "theirs");
+    server.askForLogin("d:1");
+    server.profile->accountRights.insert(QStringLiteral("d"), { {}, "/f" });
+    const QByteArray mine = basicLogin("d:1");
+    QCOMPARE(server.status("MOVE", "/a", mine + "Destination: /.quillon/y\r\n"), 403);
+    QVERIFY(server.begin(1, ".quillon/y", mine).isEmpty());
+    QVERIFY(server.begin(1, "y", mine).startsWith("/.quillon/tus/"));
+    QVERIFY(!replyTo(server, "PROPFIND", "/", mine + "Depth: 1\r\n").body.contains("quillon"));
+    server.askForLogin("e:2");
+    QCOMPARE(server.status("GET", "/f/.quillon/x", basicLogin("e:2")), 200);
 }
 
 } // namespace standard
