@@ -58,18 +58,17 @@ FileDescriptor openUnused(int folder, const char *name)
 
 } // namespace
 
-LeftoverSweep::LeftoverSweep(Place anyBeside)
-    : place(std::move(anyBeside))
-    , age(hiddenUploadLife)
-    , hourly(true)
-{
-}
-
 LeftoverSweep::LeftoverSweep(Place anyBeside, std::chrono::seconds leastAge)
     : place(std::move(anyBeside))
     , age(leastAge)
-    , hourly(false)
 {
+}
+
+std::shared_ptr<LeftoverSweep> LeftoverSweep::ifDue(const Place &anyBeside)
+{
+    if (!isDue(entryFacts(anyBeside.folder.get())))
+        return {};
+    return std::make_shared<LeftoverSweep>(beside(anyBeside, anyBeside.name), hiddenUploadLife);
 }
 
 bool LeftoverSweep::run(const Budget &until)
@@ -95,7 +94,7 @@ void LeftoverSweep::abandon()
 void LeftoverSweep::begin()
 {
     FileDescriptor folder(::openat(place.folder.get(), ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder.isOpen() && (!hourly || isDue(openFacts(folder.get()))))
+    if (folder.isOpen())
         reader.emplace(std::move(folder));
 }
 

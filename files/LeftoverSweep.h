@@ -15,11 +15,11 @@
 class LeftoverSweep final : public DiskJob
 {
 public:
-    /// Does nothing when this program has swept there within the hour.
-    explicit LeftoverSweep(Place anyBeside);
-
-    /// In any case, whatever is of that age.
+    /// Of what is of `leastAge`.
     LeftoverSweep(Place anyBeside, std::chrono::seconds leastAge);
+
+    /// One that is due; null when this program has swept there within the hour.
+    static std::shared_ptr<LeftoverSweep> ifDue(const Place &anyBeside);
 
     bool run(const Budget &until) override;
     void abandon() override;
@@ -31,7 +31,6 @@ private:
 
     const Place place;
     const std::chrono::seconds age;
-    const bool hourly;
     bool begun = false;
     std::optional<FolderReader> reader; ///< until all was read
     std::unique_ptr<TreeRemoval> removal; ///< under way

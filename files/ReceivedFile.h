@@ -31,7 +31,6 @@ public:
     void resume(FileDescriptor received, const QByteArray &hidden);
 
     bool isResumed() const { return resumed; }
-    bool isHidden() const { return !hiddenName.isEmpty(); }
     bool isOpen() const { return file.isOpen(); }
     int descriptor() const { return file.get(); } ///< -1 when it is not open
 

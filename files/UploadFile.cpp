@@ -55,8 +55,6 @@ DiskError UploadFile::replace(Place place)
     old = openFacts(replaced.get());
     if (!old.file)
         return DiskError::Failed;
-    // It gets a hidden name for a moment, which who was killed right then has left behind.
-    sweeps = true;
     return lock(replaced.get()) ? begin(privateMode) : DiskError::Locked;
 }
 
@@ -66,13 +64,9 @@ DiskError UploadFile::begin(mode_t mode)
     reservation = Reservation::take(target);
     if (!reservation)
         return DiskError::Locked;
-    if (!received.isResumed()) {
-        if (const int error = received.make(mode))
-            return diskError(error);
-        // Below a hidden name it is up to who gave that.
-        if (received.isHidden())
-            sweeps = !isHiddenUpload(target.name.constData());
-    }
+    const int error = received.isResumed() ? 0 : received.make(mode);
+    if (error != 0)
+        return diskError(error);
     // Whatever its time will be: a hidden name, for a moment or to the end, is in use by this.
     lock(received.descriptor());
     return DiskError::None;
@@ -111,9 +105,11 @@ bool UploadFile::run(const Budget &until)
 
 std::shared_ptr<DiskJob> UploadFile::rest()
 {
-    if (!sweeps || received.isOpen())
+    // Below a hidden name it is up to who gave that.
+    const bool isOver = place().isValid() && !received.isOpen();
+    if (!isOver || isHiddenUpload(place().name.constData()))
         return {};
-    return std::make_shared<LeftoverSweep>(beside(place(), place().name));
+    return LeftoverSweep::ifDue(place());
 }
 
 bool UploadFile::isSync() const

@@ -106,7 +106,6 @@ private:
     EntryFacts old; ///< of the same
     std::optional<mode_t> wantedMode;
     Sync sync = Sync::File;
-    bool sweeps = false; ///< when it is over
     bool discarded = false;
     bool careful = false;
     Stage stage = Stage::Receiving;

@@ -28,7 +28,8 @@ constexpr std::chrono::seconds longestWait{ 60 }; ///< for a pass, before a visi
 /// Whoever leaves trees there when it is killed removes those of others.
 void sweep(DiskWorker &worker, const Place &place)
 {
-    worker.run(std::make_shared<LeftoverSweep>(beside(place, place.name)), nullptr, {});
+    if (const auto due = LeftoverSweep::ifDue(place))
+        worker.run(due, nullptr, {});
 }
 
 } // namespace

@@ -109,7 +109,8 @@ void UploadCreation::begin(const PartialRecord &record)
         place.isValid() ? PartialUpload::begin(place, id, record) : std::nullopt;
     if (!begun)
         return refuseTus(exchange, statusOf(diskError(errno)));
-    disk().runAside(std::make_shared<LeftoverSweep>(beside(place, place.name)), nullptr, {});
+    if (const auto due = LeftoverSweep::ifDue(place))
+        disk().runAside(due, nullptr, {});
     if (framing.hasBody())
         return resume(std::move(*begun));
     enter(*begun);

@@ -417,7 +417,7 @@ void ShareTest::leftoversAreSwept()
     disk.write(aside + "/a");
     const FileDescriptor inUse(::open(disk.native(busy).constData(), O_RDONLY));
     QCOMPARE(::flock(inUse.get(), LOCK_SH), 0);
-    LeftoverSweep young(disk.place("any"));
+    LeftoverSweep young(disk.place("any"), hiddenUploadLife);
     runToEnd(young);
     QVERIFY(disk.exists(killed + "/a/b"));
     LeftoverSweep sweep(disk.place("any"), std::chrono::seconds(0));
