@@ -157,10 +157,14 @@ void UploadFile::takeName()
     }
     const int error = placeFile();
     endWith(error);
-    if (error == 0)
-        stage = Stage::Named;
-    else
+    if (error != 0) {
         discarded = true;
+        return;
+    }
+    stage = Stage::Named;
+    if (modified)
+        setTimes(received.descriptor(), {}, timespec{ time_t(*modified), 0 });
+    facts = openFacts(received.descriptor());
 }
 
 void UploadFile::endWith(int error)

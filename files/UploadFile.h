@@ -61,6 +61,10 @@ public:
     /// done, and is to be run once more; an old file that has changed meanwhile stays (`Changed`).
     void setCareful() { careful = true; }
 
+    /// The time of its content, in seconds since 1970-01-01 UTC, once it has its name: until then a
+    /// file is swept away by when it was written.
+    void setModified(qint64 seconds) { modified = seconds; }
+
     /// Gives the file its name, see `error`.
     bool run(const Budget &until) override;
     bool isSync() const override;
@@ -70,6 +74,9 @@ public:
 
     /// How keeping ended.
     DiskError error() const { return result; }
+
+    /// What it was found to be when it had taken its name, whoever has that now.
+    const EntryFacts &kept() const { return facts; }
 
     /// Makes the job one that only drops the file: freeing a large one takes the disk a while. The
     /// name is free at once, and so is a file that was resumed.
@@ -105,6 +112,8 @@ private:
     FileDescriptor replaced; ///< the old file, locked; only when there is one
     EntryFacts old; ///< of the same
     std::optional<mode_t> wantedMode;
+    std::optional<qint64> modified;
+    EntryFacts facts; ///< with its name
     Sync sync = Sync::File;
     bool discarded = false;
     bool careful = false;

@@ -21,13 +21,11 @@ FileTaker::~FileTaker() = default;
 void FileTaker::keep(bool evenUnasked)
 {
     const std::shared_ptr<UploadFile> received = std::exchange(upload, {});
-    // The tag is that of this very file, whatever happens to its name.
-    const auto file = std::make_shared<FileDescriptor>(duplicate(received->descriptor()));
     DiskWorker *worker = &disk();
     worker->run(received, worker,
-                [worker, received, file, evenUnasked, self = QPointer<FileTaker>(this)] {
+                [worker, received, evenUnasked, self = QPointer<FileTaker>(this)] {
                     if (self && !self->isOver())
-                        return self->takeName(received, file);
+                        return self->takeName(received);
                     if (!evenUnasked || received->error() != DiskError::None)
                         received->discard();
                     worker->run(received, nullptr, {});
@@ -36,18 +34,21 @@ void FileTaker::keep(bool evenUnasked)
 
 /// A lock may have been granted since it was asked for; a file that has changed, the job finds
 /// itself.
-void FileTaker::takeName(const std::shared_ptr<UploadFile> &received,
-                         const std::shared_ptr<FileDescriptor> &file)
+void FileTaker::takeName(const std::shared_ptr<UploadFile> &received)
 {
     if (received->error() != DiskError::None)
-        return taken(received->error(), *file);
+        return taken(*received);
+    DiskWorker *worker = &disk();
     if (exchange.mayChange(changes()))
-        return disk().run(received, this, [this, received, file] {
-            if (!isOver())
-                taken(received->error(), *file);
-        });
+        return worker->run(received, worker,
+                           [received, settle = whenKept(), self = QPointer<FileTaker>(this)] {
+                               if (settle && received->error() == DiskError::None)
+                                   settle();
+                               if (self && !self->isOver())
+                                   self->taken(*received);
+                           });
     received->discard();
-    disk().run(received, nullptr, {});
+    worker->run(received, nullptr, {});
 }
 
 /// Freeing a large file takes the disk a while.

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "files/FileDescriptor.h"
 #include "standard/http/Resource.h"
 
 #include <QByteArray>
 #include <QtGlobal>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -27,9 +27,13 @@ protected:
     /// What is about to be changed.
     virtual std::vector<Change> changes() const = 0;
 
-    /// How the file got its name. `file` is what was received, whatever happens to its name; not
-    /// told when nobody waits for it any more, nor when it was refused meanwhile.
-    virtual void taken(DiskError error, const FileDescriptor &file) = 0;
+    /// How the file got its name; not told when nobody waits for it any more, nor when it was
+    /// refused meanwhile.
+    virtual void taken(const UploadFile &received) = 0;
+
+    /// What is to be done once it has its name, before that is told, also when nobody waits any
+    /// more; it must not touch this object. Null for nothing.
+    virtual std::function<void()> whenKept() { return {}; }
 
     /// Gives the file its name once the disk has it, if that may still be. When nobody waits for
     /// it any more, only with `evenUnasked`.
@@ -45,8 +49,7 @@ protected:
     bool replaces = false; ///< something that has its name
 
 private:
-    void takeName(const std::shared_ptr<UploadFile> &received,
-                  const std::shared_ptr<FileDescriptor> &file);
+    void takeName(const std::shared_ptr<UploadFile> &received);
 };
 
 /// A time of a file as sync programs tell it: seconds since 1970-01-01 UTC, some with a fraction.

@@ -113,8 +113,9 @@ void Put::keepWithTime()
     keep(!replaces);
 }
 
-void Put::taken(DiskError error, const FileDescriptor &file)
+void Put::taken(const UploadFile &received)
 {
+    const DiskError error = received.error();
     const bool tooLate = error == DiskError::Exists || error == DiskError::Changed;
     if (tooLate && !isConditional(exchange.request()))
         return exchange.refuse(Status::Conflict, "Somebody else was faster: theirs is kept.");
@@ -122,7 +123,7 @@ void Put::taken(DiskError error, const FileDescriptor &file)
         return exchange.refuse(Status::PreconditionFailed);
     if (error != DiskError::None)
         return exchange.refuse(statusOf(error));
-    Fields fields = validatorFields(openFacts(file.get()));
+    Fields fields = validatorFields(received.kept());
     if (tookTime)
         fields.push_back({ timeField, "accepted" });
     exchange.reply(replaces ? Status::NoContent : Status::Created, std::move(fields));

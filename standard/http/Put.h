@@ -21,7 +21,7 @@ private:
     void receive();
     void refuse(DiskError error);
     void keepWithTime();
-    void taken(DiskError error, const FileDescriptor &file) override;
+    void taken(const UploadFile &received) override;
 
     bool tookTime = false; ///< that the request brought
 };

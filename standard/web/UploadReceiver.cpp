@@ -1,6 +1,5 @@
 #include "standard/web/UploadReceiver.h"
 
-#include "files/Attributes.h"
 #include "files/Path.h"
 #include "files/Share.h"
 #include "server/Uploads.h"
@@ -65,7 +64,7 @@ std::shared_ptr<OpenUploads::Upload> UploadReceiver::enter(const PartialUpload &
 
 void UploadReceiver::resume(PartialUpload claimed)
 {
-    partial.emplace(std::move(claimed));
+    partial = std::make_shared<PartialUpload>(std::move(claimed));
     partial->touch();
     entry = enter(*partial);
     start = position = partial->offset();
@@ -150,22 +149,30 @@ void UploadReceiver::takeBack()
 /// A peer that goes meanwhile asks again, and then sends the last byte once more.
 void UploadReceiver::takeWhole()
 {
-    if (position == whole.length)
-        return keep(false);
-    discard();
-    tell(position);
-}
-
-void UploadReceiver::taken(DiskError error, const FileDescriptor &file)
-{
-    if (error != DiskError::None)
-        return refuse(error == DiskError::Changed ? Status::PreconditionFailed : statusOf(error));
+    if (position < whole.length) {
+        discard();
+        return tell(position);
+    }
     const std::optional<UploadMetadata> about = parseUploadMetadata(whole.notes);
     if (about && about->modified)
-        setTimes(file.get(), {}, timespec{ time_t(*about->modified), 0 });
-    if (partial)
-        partial->remove();
-    uploads().finish(known, whole.owner, whole.length);
+        upload->setModified(*about->modified);
+    keep(false);
+}
+
+std::function<void()> UploadReceiver::whenKept()
+{
+    return [record = partial, all = exchange.routes().uploads, id = known, what = whole] {
+        if (record)
+            record->remove();
+        all->finish(id, what.owner, what.length);
+    };
+}
+
+void UploadReceiver::taken(const UploadFile &received)
+{
+    const DiskError error = received.error();
+    if (error != DiskError::None)
+        return refuse(error == DiskError::Changed ? Status::PreconditionFailed : statusOf(error));
     entry.reset();
     tell(whole.length);
 }

@@ -53,7 +53,7 @@ protected:
     /// Notes that it is open, by whom.
     std::shared_ptr<OpenUploads::Upload> enter(const PartialUpload &begun);
 
-    std::optional<PartialUpload> partial; ///< once it is gone on with
+    std::shared_ptr<const PartialUpload> partial; ///< once it is gone on with
 
 private:
     bool openFile();
@@ -63,7 +63,8 @@ private:
     void takeWhole();
     void takeBack();
     void refuse(Status status, const QByteArray &text = {});
-    void taken(DiskError error, const FileDescriptor &file) override;
+    void taken(const UploadFile &received) override;
+    std::function<void()> whenKept() override;
 
     QByteArray m_target;
     QByteArray known; ///< the id

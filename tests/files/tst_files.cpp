@@ -1,4 +1,5 @@
 #include "tests/files/Disk.h"
+#include "tests/support/SlowSync.h"
 
 #include "files/DiskWorker.h"
 #include "files/EntryCopy.h"
@@ -56,26 +57,6 @@ double worked()
     ::clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
     return double(time.tv_sec) + double(time.tv_nsec) / 1e9;
 }
-
-/// Waits for a disk that takes until `isThere`.
-class SlowSync : public DiskJob
-{
-public:
-    explicit SlowSync(const std::atomic<bool> &flag)
-        : isThere(flag)
-    {
-    }
-    bool run(const Budget &until) override
-    {
-        while (until.mayBlock() && !isThere)
-            ::usleep(1000);
-        return until.mayBlock();
-    }
-    bool isSync() const override { return true; }
-
-private:
-    const std::atomic<bool> &isThere;
-};
 
 /// Never ends by itself.
 class EndlessJob : public DiskJob

@@ -1,3 +1,4 @@
+#include "files/DiskWorker.h"
 #include "files/HiddenUploads.h"
 #include "standard/dav/Routes.h"
 #include "standard/web/Routes.h"
@@ -5,11 +6,14 @@
 #include "tests/standard/StandardTest.h"
 #include "tests/support/Data.h"
 #include "tests/support/FullDisk.h"
+#include "tests/support/SlowSync.h"
 
 #include <QCryptographicHash>
 #include <QDir>
+#include <QScopeGuard>
 #include <QTest>
 
+#include <sys/socket.h>
 #include <utime.h>
 
 namespace standard {
@@ -34,11 +38,26 @@ QByteArray offsetLine(qint64 offset)
     return type + "Upload-Offset: " + QByteArray::number(offset) + "\r\n";
 }
 
+/// Does something at a look that is not the first.
+class LateGuard final : public Guard
+{
+public:
+    std::optional<Refusal> refusal(const Exchange &exchange, const std::vector<Change> &) override
+    {
+        if (then && asked++ > 0)
+            then(exchange);
+        return {};
+    }
+
+    std::function<void(const Exchange &)> then;
+    int asked = 0;
+};
+
 class TusServer : public StandardServer
 {
 public:
-    TusServer()
-        : StandardServer(withUploads(withDav(fileRoutes())))
+    explicit TusServer(Routes routes = withDav(fileRoutes()))
+        : StandardServer(withUploads(std::move(routes)))
     {
         addFile(QStringLiteral("a"), "old");
         addFile(QStringLiteral("f/a"), "old");
@@ -51,10 +70,10 @@ public:
     }
 
     /// The Location of a new upload.
-    QByteArray begin(qint64 length, const QByteArray &path = "new",
-                     const QByteArray &headers = {}) const
+    QByteArray begin(qint64 length, const QByteArray &path = "new", const QByteArray &headers = {},
+                     const QByteArray &more = {}) const
     {
-        return ask("POST", "/.quillon/tus/", lengthLine(length) + metadata(path) + headers)
+        return ask("POST", "/.quillon/tus/", lengthLine(length) + metadata(path, more) + headers)
             .header("Location");
     }
 
@@ -88,6 +107,7 @@ private Q_SLOTS:
     void followsTheProtocol();
     void makesFilesInOneRequest();
     void goesOnAfterCutAndRestart();
+    void isDoneThoughNobodyWaits();
     void checksumsAreKept();
     void fullDiskKeepsWhatCame();
     void nameIsTakenByTheRules();
@@ -230,6 +250,37 @@ void TestResumable::goesOnAfterCutAndRestart()
     QCOMPARE(server.offset(upload), QByteArray("6"));
     QCOMPARE(server.patch(upload, 6, "6789"), QByteArray("204"));
     QCOMPARE(readFile(shared.filePath(QStringLiteral("new"))), QByteArray("0123456789"));
+}
+
+void TestResumable::isDoneThoughNobodyWaits()
+{
+    const auto guard = std::make_shared<LateGuard>();
+    std::atomic<bool> isThere = false;
+    Routes routes = fileRoutes();
+    routes.guard = guard;
+    TusServer server(routes);
+    const auto release = qScopeGuard([&isThere] { isThere = true; });
+    server.profile->syncPolicy = SyncFileAndFolder;
+    const QByteArray upload =
+        server.begin(3, "new", "", ",mtime " + QByteArray("784111777").toBase64());
+    RawClient client(server.port());
+    // It has its name, and then the disk takes its time.
+    guard->then = [&](const Exchange &exchange) {
+        for (int i = 0; i < 2; ++i)
+            exchange.service().setup.disk->run(std::make_shared<SlowSync>(isThere), nullptr, {});
+        const linger none{ 1, 0 }; // as one that is gone, not one that waits for the answer
+        ::setsockopt(int(client.socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &none,
+                     sizeof none);
+        client.socket->abort();
+    };
+    client.send(rawRequest("PATCH", upload, version + offsetLine(0), "new"));
+    QTRY_COMPARE(server.fileContent(QStringLiteral("new")), QByteArray("new"));
+    QTRY_COMPARE(server.server->connectionCount(), 0);
+    isThere = true;
+    QTRY_COMPARE(server.offset(upload), QByteArray("3"));
+    QVERIFY(server.hidden().isEmpty());
+    QCOMPARE(replyTo(server, "GET", "/new").header("Last-Modified"),
+             QByteArray("Sun, 06 Nov 1994 08:49:37 GMT"));
 }
 
 void TestResumable::checksumsAreKept()
