@@ -1,5 +1,6 @@
 #include "files/PartialUpload.h"
 
+#include "files/DiskStep.h"
 #include "files/Entry.h"
 #include "files/HiddenUploads.h"
 
@@ -135,10 +136,7 @@ std::optional<PartialUpload> PartialUpload::find(const Place &anyBeside, const Q
     if (!record)
         return {};
     found.m_record = *record;
-    if (found.expires() > ::time(nullptr) || !found.claim())
-        return found;
-    found.remove();
-    return {};
+    return found;
 }
 
 qint64 PartialUpload::offset() const
@@ -149,6 +147,11 @@ qint64 PartialUpload::offset() const
 qint64 PartialUpload::expires() const
 {
     return factsOf(hidden).seconds + std::chrono::seconds(hiddenUploadLife).count();
+}
+
+bool PartialUpload::isGivenUp() const
+{
+    return expires() <= ::time(nullptr) && claim();
 }
 
 /// A file system without locks allows it.
@@ -175,4 +178,19 @@ void PartialUpload::remove() const
 {
     for (const QByteArray &name : { hidden.name, recordName(m_id) })
         ::unlinkat(hidden.folder.get(), name.constData(), 0);
+}
+
+std::shared_ptr<DiskJob> PartialUpload::removal(std::shared_ptr<const PartialUpload> claimed)
+{
+    return std::make_shared<DiskStep>([upload = std::move(claimed)] { upload->remove(); });
+}
+
+std::shared_ptr<DiskJob> PartialUpload::cut(std::shared_ptr<const PartialUpload> claimed,
+                                            qint64 size)
+{
+    return std::make_shared<DiskStep>([upload = std::move(claimed), size] {
+        const FileDescriptor content = upload->open(size);
+        if (!content.isOpen() || ::ftruncate(content.get(), off_t(size)) != 0)
+            upload->remove();
+    });
 }

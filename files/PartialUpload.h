@@ -7,7 +7,10 @@
 #include <QByteArray>
 #include <QtGlobal>
 
+#include <memory>
 #include <optional>
+
+class DiskJob;
 
 /// What a file that arrives in several requests is to become.
 struct PartialRecord
@@ -34,8 +37,7 @@ public:
     static std::optional<PartialUpload> begin(const Place &anyBeside, const QByteArray &id,
                                               PartialRecord record);
 
-    /// The one that was begun beside `anyBeside`. None when there is none, or nobody went on with
-    /// it for too long; it is removed then.
+    /// The one that was begun beside `anyBeside`. None when there is none.
     static std::optional<PartialUpload> find(const Place &anyBeside, const QByteArray &id);
 
     const QByteArray &id() const { return m_id; }
@@ -51,6 +53,9 @@ public:
     /// When it is given up unless a byte comes, in seconds since 1970-01-01 UTC.
     qint64 expires() const;
 
+    /// Whether nobody went on with it for too long; it is claimed then.
+    bool isGivenUp() const;
+
     /// Keeps others from going on with it, until this object ends. False when somebody else does.
     bool claim() const;
 
@@ -62,6 +67,14 @@ public:
 
     /// Removes what is left of it.
     void remove() const;
+
+    // Freeing a large file takes the disk a while: these are jobs for a `DiskWorker`, for one that
+    // is claimed until they are done.
+
+    static std::shared_ptr<DiskJob> removal(std::shared_ptr<const PartialUpload> claimed);
+
+    /// Takes back what came after the first `size` bytes, or all of it when that can't be done.
+    static std::shared_ptr<DiskJob> cut(std::shared_ptr<const PartialUpload> claimed, qint64 size);
 
 private:
     PartialUpload() = default;

@@ -1,5 +1,6 @@
 #include "standard/web/Tus.h"
 
+#include "files/DiskWorker.h"
 #include "files/Path.h"
 #include "files/Share.h"
 #include "standard/http/HttpDate.h"
@@ -65,7 +66,11 @@ std::optional<PartialUpload> findUpload(const Exchange &exchange)
         beside.isValid() ? PartialUpload::find(beside, named.id) : std::nullopt;
     const bool isTheirs = found
         && (found->record().owner.isEmpty() || found->record().owner == exchange.access().account);
-    return isTheirs ? std::move(found) : std::nullopt;
+    if (!isTheirs || !found->isGivenUp())
+        return isTheirs ? std::move(found) : std::nullopt;
+    const auto claimed = std::make_shared<PartialUpload>(std::move(*found));
+    exchange.service().setup.disk->run(PartialUpload::removal(claimed), nullptr, {});
+    return {};
 }
 
 } // namespace standard

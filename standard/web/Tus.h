@@ -39,7 +39,8 @@ void refuseTus(Exchange &exchange, Status status, const QByteArray &text = {}, F
 Field offsetField(qint64 offset);
 Fields progressFields(const PartialUpload &upload, qint64 offset);
 
-/// The upload that the request names. None when there is none for its visitor.
+/// The upload that the request names. None when there is none for its visitor; one that was given
+/// up is removed then.
 std::optional<PartialUpload> findUpload(const Exchange &exchange);
 
 } // namespace standard

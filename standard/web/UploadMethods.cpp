@@ -20,6 +20,7 @@ namespace standard {
 
 namespace {
 
+constexpr auto isReceived = "It is being received.";
 constexpr auto extensions = "creation,creation-with-upload,termination,expiration,checksum";
 constexpr qint64 maxLength = qint64(1) << 50; ///< bytes, so that sums of lengths are safe
 
@@ -130,7 +131,7 @@ void UploadCreation::ended()
     UploadReceiver::ended();
     if (isMade || !partial)
         return;
-    partial->remove();
+    disk().run(PartialUpload::removal(partial), nullptr, {});
     uploads().leave(partial->id());
 }
 
@@ -142,7 +143,7 @@ void UploadAppend::start()
     if (!found)
         return refuseTus(exchange, Status::NotFound);
     if (!found->claim())
-        return refuseTus(exchange, Status::Locked, "It is being received.");
+        return refuseTus(exchange, Status::Locked, isReceived);
     const qint64 offset = found->offset();
     const PartialRecord &record = found->record();
     const std::optional<qint64> given = numberOf(exchange.request().value("Upload-Offset"));
@@ -183,12 +184,17 @@ void UploadRemoval::start()
 {
     if (!speaksTus(exchange))
         return;
-    const std::optional<PartialUpload> found = findUpload(exchange);
+    std::optional<PartialUpload> found = findUpload(exchange);
     if (!found)
         return refuseTus(exchange, Status::NotFound);
-    found->remove();
+    if (!found->claim())
+        return refuseTus(exchange, Status::Locked, isReceived);
     exchange.routes().uploads->leave(found->id());
-    replyTus(exchange, Status::NoContent);
+    disk().run(PartialUpload::removal(std::make_shared<PartialUpload>(std::move(*found))), this,
+               [this] {
+                   if (!isOver())
+                       replyTus(exchange, Status::NoContent);
+               });
 }
 
 void UploadOptions::start()

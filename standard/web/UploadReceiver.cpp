@@ -1,5 +1,6 @@
 #include "standard/web/UploadReceiver.h"
 
+#include "files/DiskWorker.h"
 #include "files/Path.h"
 #include "files/Share.h"
 #include "server/Uploads.h"
@@ -7,10 +8,10 @@
 #include "standard/web/Tus.h"
 #include "standard/web/UploadMetadata.h"
 
+#include <QPointer>
+
 #include <cerrno>
 #include <utility>
-
-#include <unistd.h>
 
 namespace standard {
 
@@ -123,27 +124,37 @@ bool UploadReceiver::write(const char *data, qint64 size)
 void UploadReceiver::bodySaved(BodyEnd end)
 {
     const bool isWrong = checksum && (end != BodyEnd::Whole || !checksum->fits());
-    if (isWrong)
-        takeBack();
-    switch (end) {
-    case BodyEnd::Whole:
-        return isWrong ? refuse(Status::ChecksumMismatch) : takeWhole();
-    case BodyEnd::SinkFailed:
-        return refuse(upload->error() == DiskError::None ? Status::ContentTooLarge
-                                                         : statusOf(upload->error()));
-    case BodyEnd::Bad:
-    case BodyEnd::TooLarge:
-        return refuse(Status::BadRequest);
-    case BodyEnd::Lost:
-        return;
-    }
+    if (end == BodyEnd::Whole && !isWrong)
+        return takeWhole();
+    const Status status = problem(end);
+    if (isWrong && partial)
+        return takeBack(status);
+    if (end != BodyEnd::Lost)
+        refuse(status);
 }
 
-/// Nobody can tell any more which of the bytes are right.
-void UploadReceiver::takeBack()
+/// Why what has come is not taken.
+Status UploadReceiver::problem(BodyEnd end) const
 {
-    if (::ftruncate(upload->descriptor(), off_t(start)) == 0 && entry)
-        entry->left += position - start;
+    if (end == BodyEnd::Whole)
+        return Status::ChecksumMismatch;
+    if (end != BodyEnd::SinkFailed)
+        return Status::BadRequest;
+    const DiskError error = upload->error();
+    return error == DiskError::None ? Status::ContentTooLarge : statusOf(error);
+}
+
+/// Nobody can tell any more which of the bytes are right. Until they are gone nobody goes on.
+void UploadReceiver::takeBack(Status status)
+{
+    DiskWorker *worker = &disk();
+    worker->run(PartialUpload::cut(partial, start), worker,
+                [known = entry, left = whole.length - start, status,
+                 self = QPointer<UploadReceiver>(this)] {
+                    known->left = left;
+                    if (self && !self->isOver())
+                        self->refuse(status);
+                });
 }
 
 /// A peer that goes meanwhile asks again, and then sends the last byte once more.

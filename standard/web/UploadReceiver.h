@@ -60,8 +60,9 @@ private:
     void receive();
     void tell(qint64 offset);
     bool write(const char *data, qint64 size);
+    Status problem(BodyEnd end) const;
     void takeWhole();
-    void takeBack();
+    void takeBack(Status status);
     void refuse(Status status, const QByteArray &text = {});
     void taken(const UploadFile &received) override;
     std::function<void()> whenKept() override;

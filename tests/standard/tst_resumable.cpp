@@ -241,6 +241,7 @@ void TestResumable::goesOnAfterCutAndRestart()
                     + "01234");
         QTRY_COMPARE(server.offset(upload), QByteArray("5"));
         QCOMPARE(server.patch(upload, 5, "56789"), QByteArray("423"));
+        QCOMPARE(server.ask("DELETE", upload).status(), QByteArray("423 Locked"));
         client.socket->abort();
         QTRY_COMPARE(server.server->connectionCount(), 0);
         QCOMPARE(server.patch(upload, 5, "5"), QByteArray("204"));
@@ -303,7 +304,7 @@ void TestResumable::checksumsAreKept()
         QTRY_COMPARE(server.offset(upload), QByteArray("8"));
     }
     QTRY_COMPARE(server.server->connectionCount(), 0);
-    QCOMPARE(server.offset(upload), QByteArray("5"));
+    QTRY_COMPARE(server.offset(upload), QByteArray("5"));
     QCOMPARE(server.patch(upload, 5, "56789", sum("56789")), QByteArray("204"));
     QCOMPARE(server.fileContent(QStringLiteral("new")), QByteArray("0123456789"));
 
@@ -368,7 +369,7 @@ void TestResumable::isGivenUpInTime()
     const QByteArray data = QFile::encodeName(server.sharePath()) + "/" + hiddenUploadName(id);
     QCOMPARE(::utime(data.constData(), &yesterday), 0);
     QCOMPARE(server.ask("HEAD", upload).status(), QByteArray("404 Not Found"));
-    QCOMPARE(server.hidden().size(), 2);
+    QTRY_COMPARE(server.hidden().size(), 2);
     for (int i = 1; i < 100; ++i)
         QVERIFY(!server.begin(1, QByteArray::number(i)).isEmpty());
     const auto oneMore = [&server] {
