@@ -8,6 +8,7 @@
 #include <chrono>
 #include <ctime>
 #include <iterator>
+#include <utility>
 
 namespace standard {
 
@@ -17,11 +18,17 @@ constexpr std::chrono::minutes lookInterval{ 60 };
 constexpr int mostOfAll = 10000;
 constexpr std::size_t mostFinished = 1000;
 
-bool isThere(const QByteArray &id, const OpenUploads::Upload &upload)
+/// Whether one is there no more. What was given up is removed.
+bool isGone(const QByteArray &id, const OpenUploads::Upload &upload)
 {
-    const std::shared_ptr<const Share> share = upload.share.lock();
-    const Place beside = share ? share->place(joinedPath(upload.folder, id)) : Place();
-    return beside.isValid() && PartialUpload::find(beside, id);
+    const Place beside = upload.share->place(joinedPath(upload.folder, id));
+    std::optional<PartialUpload> found =
+        beside.isValid() ? PartialUpload::find(beside, id) : std::nullopt;
+    const bool isGivenUp = found && found->isGivenUp();
+    if (isGivenUp && upload.disk)
+        upload.disk->run(PartialUpload::removal(std::make_shared<PartialUpload>(std::move(*found))),
+                         nullptr, {});
+    return !found || isGivenUp;
 }
 
 } // namespace
@@ -94,8 +101,8 @@ void OpenUploads::expire()
 void OpenUploads::forgetGone(const std::function<bool(const Upload &)> &isSuspect)
 {
     for (auto entry = open.begin(); entry != open.end();) {
-        const bool isGone = isSuspect(*entry->second) && !isThere(entry->first, *entry->second);
-        entry = isGone ? open.erase(entry) : std::next(entry);
+        const auto &[id, upload] = *entry;
+        entry = isSuspect(*upload) && isGone(id, *upload) ? open.erase(entry) : std::next(entry);
     }
 }
 

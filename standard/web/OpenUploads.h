@@ -1,7 +1,10 @@
 #pragma once
 
+#include "files/DiskWorker.h"
+
 #include <QByteArray>
 #include <QObject>
+#include <QPointer>
 #include <QTimer>
 #include <QtGlobal>
 
@@ -19,8 +22,8 @@ class Share;
 namespace standard {
 
 /// Knows the uploads that are open, to count them and what they will need; those of an earlier run
-/// are known once somebody goes on with them. Removes what is given up. One serves a whole program,
-/// in its event loop.
+/// are known once somebody goes on with them. Removes what is given up, also when its share is
+/// served no more. One serves a whole program, in its event loop.
 class OpenUploads final : public QObject
 {
 public:
@@ -29,7 +32,8 @@ public:
     struct Upload
     {
         QByteArray visitor;
-        std::weak_ptr<const Share> share;
+        std::shared_ptr<const Share> share;
+        QPointer<DiskWorker> disk; ///< that of the program
         QByteArray folder; ///< where it stands, a path of the share
         dev_t device = 0; ///< of the same
         qint64 left = 0; ///< bytes that are still to come

@@ -58,7 +58,7 @@ std::shared_ptr<OpenUploads::Upload> UploadReceiver::enter(const PartialUpload &
 {
     const EntryFacts folder = entryFacts(begun.place().folder.get());
     return uploads().enter(begun.id(),
-                           { visitorOf(exchange), exchange.share(), parentPath(m_target),
+                           { visitorOf(exchange), exchange.share(), &disk(), parentPath(m_target),
                              folder.device, begun.record().length - begun.offset(),
                              begun.expires() });
 }
