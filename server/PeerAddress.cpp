@@ -22,6 +22,13 @@ QHostAddress peerOf(const QHostAddress &address)
     return QHostAddress(bytes);
 }
 
+QHostAddress peerOf(const QHostAddress &address, const QHostAddress &reached)
+{
+    const QHostAddress peer = peerOf(address);
+    const bool isNeighbour = address.isLinkLocal() || peer == peerOf(reached);
+    return isNeighbour && peer.protocol() == QAbstractSocket::IPv6Protocol ? address : peer;
+}
+
 bool isOwnAddress(const QHostAddress &address)
 {
     const QList<QHostAddress> own = QNetworkInterface::allAddresses();

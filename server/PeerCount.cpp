@@ -15,12 +15,6 @@ bool isOwn(const QHostAddress &address)
         || address.isEqual(QHostAddress(QHostAddress::LocalHostIPv6));
 }
 
-/// A device in one network with us: its other addresses are those of other devices.
-bool isNeighbour(const QHostAddress &address, const QHostAddress &reached)
-{
-    return address.isLinkLocal() || peerOf(address) == peerOf(reached);
-}
-
 } // namespace
 
 PeerCount::Ticket::Ticket(PeerCount *count, const QHostAddress &address)
@@ -67,9 +61,7 @@ PeerCount::Ticket PeerCount::admit(const QHostAddress &address, const QHostAddre
         return admitUncounted();
     if (isFull())
         return {};
-    QHostAddress peer = peerOf(address);
-    if (peer.protocol() == QAbstractSocket::IPv6Protocol && isNeighbour(address, reached))
-        peer = address;
+    const QHostAddress peer = peerOf(address, reached);
     int &count = perPeer[peer];
     if (count >= maxPerPeer)
         return {};

@@ -6,8 +6,11 @@ namespace standard {
 
 class Exchange;
 
-/// Whom the locks and uploads of a request count for: who has logged in, from any address; else the
-/// address.
+/// Whom the locks of a request count for: who has logged in, from any address; else the address.
 QByteArray visitorOf(const Exchange &exchange);
+
+/// Whom its uploads are counted for: the same, but addresses that are counted as one with the
+/// connections, too.
+QByteArray peerNameOf(const Exchange &exchange);
 
 } // namespace standard

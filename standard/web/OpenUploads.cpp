@@ -5,7 +5,6 @@
 #include "files/Share.h"
 
 #include <algorithm>
-#include <chrono>
 #include <ctime>
 #include <iterator>
 #include <utility>
@@ -15,7 +14,9 @@ namespace standard {
 namespace {
 
 constexpr std::chrono::minutes lookInterval{ 60 };
+constexpr std::chrono::minutes longestPause{ 10 }; ///< of one whose bytes are on their way
 constexpr int mostOfAll = 10000;
+constexpr int mostLooks = 100;
 constexpr std::size_t mostFinished = 1000;
 
 /// Whether one is there no more. What was given up is removed.
@@ -51,14 +52,19 @@ bool OpenUploads::mayBegin(const QByteArray &visitor)
 {
     if (countOf(visitor) >= mostOfVisitor)
         forgetGone([&visitor](const Upload &upload) { return upload.visitor == visitor; });
+    if (int(open.size()) >= mostOfAll)
+        forgetSomeGone();
     return int(open.size()) < mostOfAll && countOf(visitor) < mostOfVisitor;
 }
 
 qint64 OpenUploads::promised(dev_t device) const
 {
+    const Clock::time_point since = Clock::now() - longestPause;
     qint64 bytes = 0;
-    for (const auto &[id, upload] : open)
-        bytes += upload->device == device ? upload->left : 0;
+    for (const auto &[id, upload] : open) {
+        if (upload->device == device && upload->lastByte && *upload->lastByte >= since)
+            bytes += upload->left;
+    }
     return bytes;
 }
 
@@ -103,6 +109,19 @@ void OpenUploads::forgetGone(const std::function<bool(const Upload &)> &isSuspec
     for (auto entry = open.begin(); entry != open.end();) {
         const auto &[id, upload] = *entry;
         entry = isSuspect(*upload) && isGone(id, *upload) ? open.erase(entry) : std::next(entry);
+    }
+}
+
+/// The next ones in turn: to look at all of them would take the disk too long.
+void OpenUploads::forgetSomeGone()
+{
+    for (int looks = 0; looks < mostLooks && !open.empty(); ++looks) {
+        auto entry = open.upper_bound(lookedAt);
+        if (entry == open.end())
+            entry = open.begin();
+        lookedAt = entry->first;
+        if (isGone(entry->first, *entry->second))
+            open.erase(entry);
     }
 }
 

@@ -8,6 +8,7 @@
 #include <QTimer>
 #include <QtGlobal>
 
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <map>
@@ -27,6 +28,8 @@ namespace standard {
 class OpenUploads final : public QObject
 {
 public:
+    using Clock = std::chrono::steady_clock;
+
     static constexpr int mostOfVisitor = 100;
 
     struct Upload
@@ -38,6 +41,7 @@ public:
         dev_t device = 0; ///< of the same
         qint64 left = 0; ///< bytes that are still to come
         qint64 expires = 0; ///< seconds since 1970-01-01 UTC
+        std::optional<Clock::time_point> lastByte = {}; ///< none before the first one
     };
 
     OpenUploads();
@@ -45,7 +49,8 @@ public:
     /// Whether a visitor may begin one more.
     bool mayBegin(const QByteArray &visitor);
 
-    /// Bytes that are still to come to a device.
+    /// Bytes that are still to come to a device, as far as they seem to be on their way: who merely
+    /// announces an upload keeps nobody else out.
     qint64 promised(dev_t device) const;
 
     /// Notes an upload; the one that is known by `id` when there is one.
@@ -73,8 +78,10 @@ private:
     void expire();
     int countOf(const QByteArray &visitor) const;
     void forgetGone(const std::function<bool(const Upload &)> &isSuspect);
+    void forgetSomeGone();
 
     std::map<QByteArray, std::shared_ptr<Upload>> open; ///< by id
+    QByteArray lookedAt; ///< the last id that `forgetSomeGone` came to
     std::deque<Finished> finished; ///< the latest
     QTimer timer; ///< runs while there is anything
 };

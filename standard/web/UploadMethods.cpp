@@ -38,7 +38,7 @@ void UploadCreation::start()
     const bool hasBody = exchange.request().framing.hasBody();
     if ((hasBody && !fits(record.length)) || !mayStand(wanted->path, record.replaces))
         return;
-    if (!uploads().mayBegin(visitorOf(exchange)))
+    if (!uploads().mayBegin(peerNameOf(exchange)))
         return refuseTus(exchange, Status::TooManyRequests, "Too many uploads are open.");
     if (!hasRoom(record.length))
         return refuseTus(exchange, Status::InsufficientStorage);

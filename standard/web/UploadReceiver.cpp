@@ -58,7 +58,7 @@ std::shared_ptr<OpenUploads::Upload> UploadReceiver::enter(const PartialUpload &
 {
     const EntryFacts folder = entryFacts(begun.place().folder.get());
     return uploads().enter(begun.id(),
-                           { visitorOf(exchange), exchange.share(), &disk(), parentPath(m_target),
+                           { peerNameOf(exchange), exchange.share(), &disk(), parentPath(m_target),
                              folder.device, begun.record().length - begun.offset(),
                              begun.expires() });
 }
@@ -114,8 +114,10 @@ bool UploadReceiver::write(const char *data, qint64 size)
     if (upload->write(data, size) != DiskError::None)
         return false;
     position += size;
-    if (entry)
+    if (entry) {
         entry->left -= size;
+        entry->lastByte = OpenUploads::Clock::now();
+    }
     if (checksum)
         checksum->add(data, size);
     return true;

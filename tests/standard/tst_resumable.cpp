@@ -11,6 +11,7 @@
 #include <QCryptographicHash>
 #include <QDir>
 #include <QScopeGuard>
+#include <QStorageInfo>
 #include <QTest>
 
 #include <sys/socket.h>
@@ -333,6 +334,13 @@ void TestResumable::fullDiskKeepsWhatCame()
     QCOMPARE(server.offset(upload), QByteArray("100000"));
     QCOMPARE(server.patch(upload, 100000, content.mid(100000)), QByteArray("204"));
     QCOMPARE(server.fileContent(QStringLiteral("new")), content);
+
+    // What is only announced keeps nobody out.
+    const qint64 most = QStorageInfo(server.sharePath()).bytesAvailable() / 10 * 9;
+    const QByteArray huge = server.begin(most, "huge");
+    QVERIFY(!server.begin(most, "another").isEmpty());
+    QCOMPARE(server.patch(huge, 0, "x"), QByteArray("204"));
+    QVERIFY(server.begin(most, "a third").isEmpty());
 }
 
 void TestResumable::nameIsTakenByTheRules()
