@@ -43,7 +43,7 @@ bool EntryCopy::run(const Budget &until)
         return false;
     if (!std::exchange(begun, true))
         begin();
-    while ((copy || !levels.empty()) && !full) {
+    while ((copy || !levels.empty()) && !isHopeless()) {
         if (until.isUsedUp())
             return until.isCancelled();
         step(until);
@@ -57,6 +57,7 @@ bool EntryCopy::run(const Budget &until)
 void EntryCopy::abandon()
 {
     copy.reset();
+    sweep.reset();
     levels.clear();
 }
 
@@ -87,6 +88,11 @@ void EntryCopy::step(const Budget &until)
     if (copy) {
         if (copy->run(until))
             finishFile();
+        return;
+    }
+    if (sweep) {
+        if (sweep->run(until))
+            finishSweep();
         return;
     }
     FolderReader::Item item;
@@ -124,8 +130,23 @@ void EntryCopy::take(const FolderReader::Item &item)
 /// Neither file nor folder, hidden, being received, or gone by now.
 void EntryCopy::leaveOut(const FolderReader::Item &item, const QByteArray &path)
 {
-    if (list && EntryStamp::of(levels.back().source.descriptor(), item.name))
-        fail(path, DiskError::Failed);
+    const int folder = levels.back().source.descriptor();
+    if (!list || !EntryStamp::of(folder, item.name))
+        return;
+    if (!isHiddenUpload(item.name))
+        return fail(path, DiskError::Failed);
+    current = path;
+    sweep = std::make_unique<LeftoverSweep>(
+        Place{ duplicate(folder), item.name, false, target.hidden }, hiddenUploadLife);
+}
+
+/// What was not given up stays, and with it the folder.
+void EntryCopy::finishSweep()
+{
+    sweep.reset();
+    const QByteArray name = current.mid(current.lastIndexOf('/') + 1);
+    if (EntryStamp::of(levels.back().source.descriptor(), name.constData()))
+        fail(current, DiskError::Locked);
 }
 
 /// Before it is copied: what changes from now on is not in the copy.
@@ -146,7 +167,7 @@ bool EntryCopy::isInside(const EntryFacts &folder) const
 
 void EntryCopy::startFile(OpenFile file, Place to, const QByteArray &path)
 {
-    copying = path;
+    current = path;
     copy = std::make_unique<FileCopy>(std::move(file), std::move(to), FileCopy::Existing::Kept);
     copy->keepProperties();
 }
@@ -158,7 +179,7 @@ void EntryCopy::finishFile()
         held = copy->takeMade();
     copy.reset();
     if (error != DiskError::None)
-        fail(copying, error);
+        fail(current, error);
 }
 
 void EntryCopy::enter(FolderReader source, const Place &to, const QByteArray &path)

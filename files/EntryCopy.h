@@ -5,6 +5,7 @@
 #include "files/DiskJob.h"
 #include "files/FileCopy.h"
 #include "files/FolderReader.h"
+#include "files/LeftoverSweep.h"
 #include "files/Place.h"
 #include "files/Share.h"
 
@@ -34,7 +35,8 @@ public:
 
     EntryCopy(std::shared_ptr<const Share> shared, QByteArray from, Place to, Depth howDeep);
 
-    /// Notes what is copied, for who removes it then: whatever is left out is a failure.
+    /// Notes what is copied, for who removes it then: whatever is left out is a failure and ends
+    /// the copy. A file that is being received is `Locked`; one that was given up is removed.
     void listCopied() { list = std::make_shared<CopiedEntries>(); }
     const std::shared_ptr<CopiedEntries> &copied() const { return list; }
 
@@ -66,6 +68,8 @@ private:
     void step(const Budget &until);
     void take(const FolderReader::Item &item);
     void leaveOut(const FolderReader::Item &item, const QByteArray &path);
+    void finishSweep();
+    bool isHopeless() const { return full || (list && !failed.empty()); }
     void note(const QByteArray &path, int folder, const char *name);
     void startFile(OpenFile file, Place to, const QByteArray &path);
     void finishFile();
@@ -82,7 +86,8 @@ private:
     EntryFacts made; ///< the copy of the top folder
     FileDescriptor held; ///< the copy of the top, locked
     std::unique_ptr<FileCopy> copy; ///< under way
-    QByteArray copying; ///< its path
+    std::unique_ptr<LeftoverSweep> sweep; ///< of the current folder, under way
+    QByteArray current; ///< the path of what is copied, or swept if it can be
     std::shared_ptr<CopiedEntries> list; ///< null: nobody asks for it
     std::vector<Failure> failed;
     bool begun = false;

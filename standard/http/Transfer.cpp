@@ -173,15 +173,17 @@ void Transfer::take(Pass given)
 /// Much may have happened since it was asked for.
 void Transfer::finishCopy()
 {
-    if (copying->error() != 0 && !copying->failures().empty() && copying->error() != ENOSPC)
-        return exchange.refuse(statusOf(copying->error()), "Not all of it can be copied.");
-    if (copying->error() != 0)
-        return refuseError(copying->error());
+    const int error = copying->error();
+    const bool isTold = error == ENOSPC || error == EBUSY;
+    if (error != 0 && !isTold && !copying->failures().empty())
+        return exchange.refuse(statusOf(error), "Not all of it can be copied.");
+    if (error != 0)
+        return refuseError(error);
     DiskWorker &worker = disk();
     const std::shared_ptr<PlacedCopy> done = copying;
     if (mayStillPlace()) {
-        if (const int error = done->takePlace()) {
-            refuseError(error);
+        if (const int number = done->takePlace()) {
+            refuseError(number);
         } else {
             if (const auto tree = guarded(); tree && replaces())
                 tree->removed(target);
@@ -234,7 +236,7 @@ void Transfer::succeed()
 void Transfer::refuseError(int error)
 {
     if (error == EBUSY)
-        return exchange.refuse(Status::Locked, "It is being received.");
+        return exchange.refuse(Status::Locked, "It is being received, or holds what is.");
     if (error == EEXIST || error == ENOENT)
         return exchange.refuse(Status::Conflict, "Somebody else was faster.");
     exchange.refuse(statusOf(error));

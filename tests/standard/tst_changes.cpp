@@ -11,6 +11,7 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
+#include <utime.h>
 
 namespace standard {
 namespace {
@@ -423,6 +424,13 @@ void TestChanges::moveToAnotherFileSystem()
         QCOMPARE(server.fileContent(QStringLiteral("f/sub/a")), QByteArray("A"));
         QCOMPARE(readFile(other.filePath(QStringLiteral("old/x"))), QByteArray("X"));
         QVERIFY(::unlink(pipe.constData()) == 0);
+        // Somebody may still go on with it, until it is old.
+        const QString half =
+            server.sharePath(QStringLiteral("f/sub/") + QString::fromLatin1(hiddenUploadName()));
+        writeFile(half, "half");
+        QCOMPARE(move(), QByteArray("423 Locked"));
+        const utimbuf yesterday{ ::time(nullptr) - 90000, ::time(nullptr) - 90000 };
+        QCOMPARE(::utime(QFile::encodeName(half).constData(), &yesterday), 0);
         QCOMPARE(move().left(2), QByteArray("20"));
         QVERIFY(!QFile::exists(server.sharePath(QStringLiteral("f"))));
         const QString moved = other.path() + QString::fromUtf8(target).mid(4);
