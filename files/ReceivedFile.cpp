@@ -1,5 +1,6 @@
 #include "files/ReceivedFile.h"
 
+#include "files/Attributes.h"
 #include "files/Entry.h"
 #include "files/HiddenUploads.h"
 #include "files/Rename.h"
@@ -27,6 +28,16 @@ int ReceivedFile::make(mode_t mode)
 {
     file.reset(::openat(target.folder.get(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, mode));
     return file.isOpen() ? 0 : makeHidden(mode);
+}
+
+/// What the system makes of the mode differs from folder to folder.
+int ReceivedFile::takeModeOf(mode_t mode) const
+{
+    ReceivedFile sample;
+    sample.meanFor(beside(target, target.name));
+    const int error = sample.make(mode);
+    const EntryFacts made = openFacts(sample.descriptor());
+    return error == 0 ? changeMode(file.get(), made.mode & permissionBits) : error;
 }
 
 int ReceivedFile::makeHidden(mode_t mode)

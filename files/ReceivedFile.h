@@ -37,6 +37,9 @@ public:
     /// Appends.
     DiskError write(const char *data, qint64 size);
 
+    /// Gives it the permissions that `make` would. 0, or the number of the error.
+    int takeModeOf(mode_t mode) const;
+
     /// Has the disk begin with what it lacks, now and then, so that little is left for `sync`.
     void startWriteBack();
 

@@ -178,7 +178,10 @@ int UploadFile::inherit() const
 {
     if (replaced.isOpen())
         return copyAttributes(replaced.get(), received.descriptor());
-    return wantedMode ? changeMode(received.descriptor(), *wantedMode) : 0;
+    if (wantedMode)
+        return changeMode(received.descriptor(), *wantedMode);
+    // It may have been begun to replace a file, and be as private.
+    return received.isResumed() ? received.takeModeOf(newMode) : 0;
 }
 
 int UploadFile::placeFile()

@@ -226,6 +226,12 @@ void TestResumable::makesFilesInOneRequest()
     const QByteArray upload = server.begin(3, "a", "Overwrite: T\r\n");
     QCOMPARE(server.patch(upload, 0, "new"), QByteArray("204"));
     QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("new"));
+    // As all new files when what it was to replace is gone.
+    const QByteArray late = server.begin(3, "a", "Overwrite: T\r\n");
+    QVERIFY(QFile::remove(server.sharePath(QStringLiteral("a"))));
+    QCOMPARE(server.patch(late, 0, "new"), QByteArray("204"));
+    QCOMPARE(QFile::permissions(server.sharePath(QStringLiteral("a"))),
+             QFile::permissions(server.sharePath(QStringLiteral("empty"))));
     QVERIFY(server.hidden().isEmpty());
 }
 
