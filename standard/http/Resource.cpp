@@ -99,6 +99,11 @@ bool ResourceHandler::isPermitted(Rights needed, const QByteArray &path)
     return false;
 }
 
+bool ResourceHandler::mayPutAt(const QByteArray &path)
+{
+    return exchange.access().may(Right::Change, path) || isPermitted(Right::Add, path);
+}
+
 void ResourceHandler::refuseMembers(const QByteArray &base,
                                     const std::vector<MemberFailure> &failures)
 {

@@ -61,6 +61,10 @@ protected:
     /// The same of `needed` at any path.
     bool isPermitted(Rights needed, const QByteArray &path);
 
+    /// Whether the visitor may put anything at a path, whatever stands there; else the
+    /// request is refused.
+    bool mayPutAt(const QByteArray &path);
+
     /// Whether the conditions of the request let it be done; else it is refused.
     bool meetsConditions(const EntryFacts &found);
 

@@ -83,6 +83,8 @@ bool Transfer::fits()
     const bool isSame = isSameEntry(what, found) && !found.link;
     if (isSame && isRespelled())
         found = {};
+    if (!isPermitted(neededThere(), target))
+        return false;
     const bool replacing = replaces();
     if (from == to || (isSame && replacing)) {
         exchange.refuse(Status::Forbidden, "It stands there already.");
@@ -101,7 +103,7 @@ bool Transfer::fits()
         exchange.refuse(Status::PreconditionFailed, "Something stands there.");
         return false;
     }
-    return isPermitted(neededThere(), target);
+    return true;
 }
 
 /// With a folder comes and goes what it holds.

@@ -28,9 +28,10 @@ constexpr qint64 maxLength = qint64(1) << 50; ///< bytes, so that sums of length
 
 void UploadCreation::start()
 {
-    if (!speaksTus(exchange))
+    const QByteArray folder = exchange.access().inShare(pathBelow(exchange.path(), tusPath));
+    if (!speaksTus(exchange) || !mayPutAt(folder))
         return;
-    const std::optional<Wanted> wanted = readWanted();
+    const std::optional<Wanted> wanted = readWanted(folder);
     if (!wanted)
         return;
     findMissing(wanted->path);
@@ -45,7 +46,7 @@ void UploadCreation::start()
     begin(record);
 }
 
-std::optional<UploadCreation::Wanted> UploadCreation::readWanted()
+std::optional<UploadCreation::Wanted> UploadCreation::readWanted(const QByteArray &folder)
 {
     const Request &request = exchange.request();
     const std::optional<qint64> length = numberOf(request.value("Upload-Length"));
@@ -61,7 +62,6 @@ std::optional<UploadCreation::Wanted> UploadCreation::readWanted()
         return refused(Status::BadRequest, "Upload-Metadata has no path for a file.");
     if (*length > maxLength)
         return refused(Status::ContentTooLarge);
-    const QByteArray folder = exchange.access().inShare(pathBelow(exchange.path(), tusPath));
     const QByteArray path = joinedPath(folder, about->path);
     if (!factsAt(folder).folder)
         return refused(Status::NotFound);
@@ -137,7 +137,7 @@ void UploadCreation::ended()
 
 void UploadAppend::start()
 {
-    if (!speaksTus(exchange))
+    if (!speaksTus(exchange) || !mayPutAt(UploadName(exchange).folder))
         return;
     std::optional<PartialUpload> found = findUpload(exchange);
     if (!found)
@@ -162,12 +162,12 @@ void UploadAppend::accept(Fields progress)
 
 void UploadStatus::start()
 {
-    if (!speaksTus(exchange))
+    const UploadName named(exchange);
+    if (!speaksTus(exchange) || !mayPutAt(named.folder))
         return;
     const Field fresh{ "Cache-Control", "no-store" };
-    const QByteArray id = UploadName(exchange).id;
     const std::optional<qint64> whole =
-        exchange.routes().uploads->finishedLength(id, exchange.access().account);
+        exchange.routes().uploads->finishedLength(named.id, exchange.access().account);
     const std::optional<PartialUpload> found = whole ? std::nullopt : findUpload(exchange);
     if (!whole && !found)
         return refuseTus(exchange, Status::NotFound, {}, { fresh });
@@ -182,7 +182,7 @@ void UploadStatus::start()
 
 void UploadRemoval::start()
 {
-    if (!speaksTus(exchange))
+    if (!speaksTus(exchange) || !mayPutAt(UploadName(exchange).folder))
         return;
     std::optional<PartialUpload> found = findUpload(exchange);
     if (!found)

@@ -22,7 +22,7 @@ private:
         PartialRecord record;
     };
 
-    std::optional<Wanted> readWanted();
+    std::optional<Wanted> readWanted(const QByteArray &folder);
     void findMissing(const QByteArray &path);
     std::vector<Change> changes() const override;
     bool hasRoom(qint64 length) const;

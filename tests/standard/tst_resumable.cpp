@@ -405,6 +405,15 @@ void TestResumable::belongsToItsVisitor()
     QCOMPARE(server.patch(upload, 0, "new", a), QByteArray("204"));
     QVERIFY(server.ask("HEAD", upload, c).header("Upload-Offset").isEmpty());
     QCOMPARE(server.ask("HEAD", upload, a).header("Upload-Offset"), QByteArray("3"));
+    // Who may put nothing there is told nothing.
+    server.profile->everyone = Rights(Right::See);
+    for (const char *folder : { "f", "missing" }) {
+        const QByteArray target = QByteArray("/.quillon/tus/") + folder;
+        QCOMPARE(server.ask("POST", target, a + lengthLine(1) + metadata("x")).status(),
+                 QByteArray("403 Forbidden"));
+    }
+    for (const char *method : { "HEAD", "PATCH", "DELETE" })
+        QCOMPARE(server.ask(method, upload, a).status(), QByteArray("403 Forbidden"));
 }
 
 void TestResumable::reservedNameIsOurs()

@@ -66,6 +66,7 @@ void TestRights::methodsTakeTheirRights_data()
     row("delete a folder", "DELETE", "/d", "", "", "delete", 204);
     row("delete what is missing", "DELETE", "/c", "", "", "delete", 404);
     row("copy", "COPY", "/d", to("/c"), "", "read, add", 201);
+    row("copy to no folder", "COPY", "/a", to("/no/c"), "", "read, add", 409);
     row("copy onto a file", "COPY", "/a", to("/b"), "", "read, change", 204);
     row("file in the place of a folder", "COPY", "/a", to("/d"), "", "read, change, delete", 204);
     row("folder in the place of a file", "COPY", "/d", to("/a"), "", "read, add, change", 204);
