@@ -48,15 +48,30 @@ QString translated(const char *source)
 
 Guesses::Clock::time_point Guesses::turnOf(const Login &login, Clock::time_point now) const
 {
-    const RecentCounts::Count here = wrongFrom.of(addressKey(login), now);
+    const RecentCounts::Count wrong = wrongFrom.of(addressKey(login), now);
+    const RecentCounts::Count open = underWay.value(addressKey(login));
+    const int here = wrong.number + open.number;
     Clock::time_point turn = login.arrived;
-    if (here.number >= freeGuesses)
-        turn = std::max(turn, here.last + delayAfter(here.number));
+    if (here >= freeGuesses)
+        turn = std::max(turn, std::max(wrong.last, open.last) + delayAfter(here));
     const auto atAccount =
         std::min(delayAfter(wrongAt.of(accountKey(login), now).number), longestAtAccount);
     if (atAccount > 0s && rightFrom.of(pairKey(login), now).number == 0)
         turn = std::max(turn, login.arrived + atAccount);
     return turn > now && isOwnAddress(login.visitor) ? login.arrived : turn;
+}
+
+void Guesses::begin(const Login &login, Clock::time_point now)
+{
+    RecentCounts::Count &open = underWay[addressKey(login)];
+    open = { open.number + 1, now };
+}
+
+void Guesses::end(const Login &login)
+{
+    const auto open = underWay.find(addressKey(login));
+    if (open != underWay.end() && --open->number == 0)
+        underWay.erase(open);
 }
 
 void Guesses::noteWrong(const Login &login, Clock::time_point now)

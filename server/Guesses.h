@@ -3,6 +3,7 @@
 #include "server/RecentCounts.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QHostAddress>
 
 class StatusSink;
@@ -36,6 +37,11 @@ public:
     /// others may have come first.
     Clock::time_point turnOf(const Login &login, Clock::time_point now) const;
 
+    /// It is being looked at until `end`, which may take a while: as long as nobody knows, it
+    /// counts as wrong at its address.
+    void begin(const Login &login, Clock::time_point now);
+    void end(const Login &login);
+
     void noteWrong(const Login &login, Clock::time_point now);
     void noteRight(const Login &login, Clock::time_point now);
 
@@ -43,6 +49,7 @@ private:
     void warn(const QString &text) const;
 
     StatusSink *sink;
+    QHash<QByteArray, RecentCounts::Count> underWay; ///< by address
     RecentCounts wrongFrom; ///< by address
     RecentCounts wrongAt; ///< by account
     RecentCounts rightFrom; ///< by both

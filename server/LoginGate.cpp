@@ -12,7 +12,10 @@ LoginGate::LoginGate(Guesses &guesses, std::chrono::seconds longest, std::functi
 {
 }
 
-LoginGate::~LoginGate() = default;
+LoginGate::~LoginGate()
+{
+    forget();
+}
 
 LoginGate::Turn LoginGate::enter(const QHostAddress &visitor, const QByteArray &account)
 {
@@ -22,10 +25,13 @@ LoginGate::Turn LoginGate::enter(const QHostAddress &visitor, const QByteArray &
     if (proven == account)
         return Turn::Now;
     turn = table.turnOf(*login, now);
-    if (turn <= now)
+    if (turn <= now) {
+        table.begin(*login, now);
+        isLookedAt = true;
         return Turn::Now;
+    }
     if (turn > login->arrived + patience) {
-        login.reset();
+        forget();
         return Turn::TooLate;
     }
     if (!timer) {
@@ -38,6 +44,13 @@ LoginGate::Turn LoginGate::enter(const QHostAddress &visitor, const QByteArray &
     return Turn::Later;
 }
 
+void LoginGate::forget()
+{
+    if (std::exchange(isLookedAt, false))
+        table.end(*login);
+    login.reset();
+}
+
 void LoginGate::tell(bool right)
 {
     const Guesses::Clock::time_point now = Guesses::Clock::now();
@@ -48,7 +61,7 @@ void LoginGate::tell(bool right)
         proven = login->account;
         table.noteRight(*login, now);
     }
-    login.reset();
+    forget();
 }
 
 std::chrono::seconds LoginGate::timeLeft() const
@@ -59,7 +72,7 @@ std::chrono::seconds LoginGate::timeLeft() const
 
 void LoginGate::leave()
 {
-    login.reset();
+    forget();
     if (timer)
         timer->stop();
 }

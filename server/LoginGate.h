@@ -28,20 +28,23 @@ public:
     /// The account whose password this connection has brought does not wait.
     Turn enter(const QHostAddress &visitor, const QByteArray &account);
 
-    /// What came of the login that may be looked at.
+    /// What came of the login that was let in.
     void tell(bool right);
 
     /// How long the login that is too late would have to wait, at least a second.
     std::chrono::seconds timeLeft() const;
 
-    /// The request is over: nobody waits any more.
+    /// The request is over: nobody waits any more, nor wants to know what comes of it.
     void leave();
 
 private:
+    void forget();
+
     Guesses &table;
     const std::chrono::seconds patience;
     const std::function<void()> again;
     std::optional<Guesses::Login> login; ///< that waits or is being looked at
+    bool isLookedAt = false; ///< and counts as wrong for now
     Guesses::Clock::time_point turn; ///< its own
     std::optional<QByteArray> proven; ///< the account
     std::unique_ptr<QTimer> timer;

@@ -37,7 +37,7 @@ public:
     }
 
     /// `accounts` are "name:password", with blanks between.
-    void askForLogin(const char *accounts) const
+    void askForLogin(const QByteArray &accounts) const
     {
         profile->authMode = AuthBasic;
         profile->users = QString::fromUtf8(accounts).split(QLatin1Char(' '));

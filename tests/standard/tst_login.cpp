@@ -63,6 +63,7 @@ private Q_SLOTS:
     void hashedPasswords();
     void hashesAreCheckedInTurn();
     void refusedBeforeTheBody();
+    void guessesWait_data();
     void guessesWait();
     void answersToItsNamesAlone_data();
     void answersToItsNamesAlone();
@@ -241,11 +242,19 @@ void TestLogin::refusedBeforeTheBody()
     QCOMPARE(next.reply().status(), QByteArray("401 Unauthorized"));
 }
 
+void TestLogin::guessesWait_data()
+{
+    columnsOf<QByteArray>("password");
+    row("readable", "2");
+    row("hashed", newPasswordHash("2"));
+}
+
 void TestLogin::guessesWait()
 {
+    QFETCH(const QByteArray, password);
     StandardServer server;
     server.addFile(QStringLiteral("a"), "A");
-    server.askForLogin("b:2");
+    server.askForLogin("b:" + password);
     const QHostAddress stranger(QStringLiteral("127.0.0.2"));
     const QByteArray right = rawRequest("GET", "/a", basicLogin("b:2"));
     const QByteArray wrong = rawRequest("GET", "/a", basicLogin("b:1"));
