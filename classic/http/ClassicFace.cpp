@@ -8,6 +8,7 @@
 #include "net/Socket.h"
 #include "server/Access.h"
 #include "server/Connection.h"
+#include "server/OwnNames.h"
 #include "server/PasswordChecks.h"
 #include "server/Secret.h"
 
@@ -50,6 +51,17 @@ bool isKeptFromChanging(const Request &request, const Exchange &exchange)
         return row.method == request.methodCode
             && !(profile.allowsUpload() && (!row.deletes || profile.allowsDelete()));
     });
+}
+
+/// Whether it calls this server by a name of somebody else's, which counts when the profile is
+/// strict. A long target may have pushed the name out of sight.
+bool isMisdirected(const Exchange &exchange)
+{
+    const Profile &profile = *exchange.service.profile;
+    const QByteArray &called = exchange.request.host;
+    if (!profile.isStrict() || (called.isEmpty() && !exchange.channel.request().isCut()))
+        return false;
+    return !isMeantForUs(called, false, exchange.channel.connection(), profile);
 }
 
 } // namespace
@@ -153,6 +165,8 @@ const char *ClassicFace::reasonToRefuse() const
         return "411 Length Required";
     if ((unclear && !request.onlyReads()) || request.isMalformed())
         return "400 Bad Request";
+    if (isMisdirected(exchange))
+        return "421 Misdirected Request";
     if (request.climbs() || request.isCrossSite() || isKeptFromChanging(request, exchange))
         return Status::forbidden;
     return nullptr;

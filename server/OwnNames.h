@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+class Socket;
+struct ProfileValues;
+
+/// Host and port, as URLs and Host lines write them (RFC 3986, section 3.2).
+struct Authority
+{
+    /// `usualPort` is meant where `text` has none. Without a host when it makes no sense.
+    static Authority of(const QByteArray &text, int usualPort);
+
+    QString host; ///< in lower case, without the brackets of IPv6
+    int port = 0;
+};
+
+/// Whether the machine that `connection` reached has this name or address.
+bool isOwnHost(const QString &host, const Socket &connection);
+
+/// Whether `called`, what a visitor calls this server, is a name of the machine or the profile, or
+/// an address of the machine. A browser that was led here by another name is about to be tricked:
+/// the page that has this name could read whatever the browser gets. Ports count unless a trusted
+/// proxy said the name, or the profile has it.
+bool isMeantForUs(const QByteArray &called, bool saidByProxy, const Socket &connection,
+                  const ProfileValues &profile);
