@@ -70,6 +70,9 @@ struct ProfileValues
     Rights switchedRights() const;
     Rights rightsOfEveryone() const { return everyone.value_or(switchedRights()); }
 
+    /// Whether it says itself who may do what. Then nothing is left to what the switches reach.
+    bool statesRights() const { return everyone || !accountRights.isEmpty(); }
+
     /// Whether there is anybody who may change anything.
     bool letsSomebodyChange() const;
 };

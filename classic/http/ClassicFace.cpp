@@ -29,7 +29,8 @@ constexpr Route formTooLargeRoute{ Request::None, nullptr, makeResponder<FormToo
 constexpr Route fileRoute{ Request::Get, nullptr, makeResponder<FileReply> };
 constexpr Route formRoute{ Request::Post, nullptr, makeResponder<FileReply> };
 
-/// Methods that change the share whatever the switches say, as clients of before rely on.
+/// Methods that change the share whatever the switches say, as clients of before rely on, unless
+/// the profile is strict or says itself who may do what.
 struct FreeMethod
 {
     int method;
@@ -45,7 +46,7 @@ constexpr std::array freeMethods{
 bool isKeptFromChanging(const Request &request, const Exchange &exchange)
 {
     const Profile &profile = *exchange.service.profile;
-    if (!profile.isStrict())
+    if (!profile.isStrict() && !profile.statesRights())
         return false;
     return std::any_of(freeMethods.begin(), freeMethods.end(), [&](const FreeMethod &row) {
         return row.method == request.methodCode

@@ -502,17 +502,21 @@ void TestRequests::makesGuessesWait()
 
 void TestRequests::leavesNothingOpenWhenStrict()
 {
-    live->profile->strict = 1;
     live->profile->enableDelete = Qt::Unchecked;
+    // The switches hold for every method, also when the profile says the same by rights.
+    for (const bool strict : { false, true }) {
+        live->profile->strict = strict ? 1 : 0;
+        live->profile->everyone = live->profile->switchedRights();
+        for (const char *method : { "COPY", "MKCOL", "MOVE" }) {
+            RawClient other(live->port());
+            const QByteArray status =
+                other.exchange(rawRequest(method, "/a.txt", "Destination: /b\r\n")).status();
+            QCOMPARE(status == "403 Forbidden", QByteArray(method) == "MOVE");
+        }
+        live->profile->everyone.reset();
+    }
     QVERIFY(!live->server->init());
     RawClient client(live->port());
-    // The switches hold for every method.
-    for (const char *method : { "COPY", "MKCOL", "MOVE" }) {
-        RawClient other(live->port());
-        const QByteArray status =
-            other.exchange(rawRequest(method, "/a.txt", "Destination: /b\r\n")).status();
-        QCOMPARE(status == "403 Forbidden", QByteArray(method) == "MOVE");
-    }
     // A request keeps nothing of the one before it.
     QVERIFY(client.exchange(rawRequest("GET", "/a.txt", "Range: bytes=0-20\r\n"))
                 .status()
