@@ -39,6 +39,11 @@ QByteArray pairKey(const Guesses::Login &login)
     return addressKey(login) + ' ' + accountKey(login);
 }
 
+bool isExempt(const Guesses::Login &login)
+{
+    return login.standsForItself && isOwnAddress(login.visitor);
+}
+
 QString translated(const char *source)
 {
     return QCoreApplication::translate("WebServer", source);
@@ -58,7 +63,7 @@ Guesses::Clock::time_point Guesses::turnOf(const Login &login, Clock::time_point
         std::min(delayAfter(wrongAt.of(accountKey(login), now).number), longestAtAccount);
     if (atAccount > 0s && rightFrom.of(pairKey(login), now).number == 0)
         turn = std::max(turn, login.arrived + atAccount);
-    return turn > now && isOwnAddress(login.visitor) ? login.arrived : turn;
+    return turn > now && isExempt(login) ? login.arrived : turn;
 }
 
 void Guesses::begin(const Login &login, Clock::time_point now)
@@ -76,7 +81,7 @@ void Guesses::end(const Login &login)
 
 void Guesses::noteWrong(const Login &login, Clock::time_point now)
 {
-    if (isOwnAddress(login.visitor))
+    if (isExempt(login))
         return;
     const int here = wrongFrom.add(addressKey(login), now);
     const int atAccount = wrongAt.add(accountKey(login), now);

@@ -11,9 +11,9 @@ class StatusSink;
 /// Makes those wait who guess passwords. After five wrong ones from an address the next is looked
 /// at a second later, then two, up to a minute, one after another. After five at an account each
 /// further one waits a few seconds of its own, wherever it comes from; but not where the right one
-/// came from lately, so that a crowd of strangers locks nobody out. This machine never waits. What
-/// was right clears nothing: whoever has an account could guess at others without end. One serves
-/// all servers of a program.
+/// came from lately, so that a crowd of strangers locks nobody out. This machine never waits,
+/// unless it passes on what others want. What was right clears nothing: whoever has an account
+/// could guess at others without end. One serves all servers of a program.
 class Guesses
 {
 public:
@@ -25,6 +25,7 @@ public:
         QHostAddress visitor;
         QByteArray account; ///< empty where any name will do
         Clock::time_point arrived;
+        bool standsForItself = true; ///< no proxy and no page of another site is behind it
     };
 
     /// `statusSink` is borrowed and outlives it; it may be null.

@@ -17,12 +17,12 @@ LoginGate::~LoginGate()
     forget();
 }
 
-LoginGate::Turn LoginGate::enter(const QHostAddress &visitor, const QByteArray &account)
+LoginGate::Turn LoginGate::enter(const Guesses::Login &attempt)
 {
     const Guesses::Clock::time_point now = Guesses::Clock::now();
     if (!login)
-        login = Guesses::Login{ visitor, account, now };
-    if (proven == account)
+        login = attempt;
+    if (proven == login->account)
         return Turn::Now;
     turn = table.turnOf(*login, now);
     if (turn <= now) {

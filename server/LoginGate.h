@@ -24,9 +24,9 @@ public:
     LoginGate(Guesses &guesses, std::chrono::seconds longest, std::function<void()> tryAgain);
     ~LoginGate();
 
-    /// Whether the password may be looked at that a request from `visitor` brings for `account`.
-    /// The account whose password this connection has brought does not wait.
-    Turn enter(const QHostAddress &visitor, const QByteArray &account);
+    /// Whether the password of `attempt` may be looked at; when asked again, of the first one. The
+    /// account whose password this connection has brought does not wait.
+    Turn enter(const Guesses::Login &attempt);
 
     /// What came of the login that was let in.
     void tell(bool right);

@@ -11,6 +11,7 @@
 #include "server/OwnNames.h"
 #include "server/PasswordChecks.h"
 #include "server/Secret.h"
+#include "server/TrustedProxy.h"
 
 #include <algorithm>
 #include <array>
@@ -65,6 +66,16 @@ bool isMisdirected(const Exchange &exchange)
     return !isMeantForUs(called, false, exchange.channel.connection(), profile);
 }
 
+/// Whether no proxy, and no page of another site, may be behind a login. Where the connection is
+/// not encrypted browsers say of forms alone whose page it was.
+bool standsForItself(const Exchange &exchange)
+{
+    const Request &request = exchange.request;
+    const bool isLink = request.isLogin() && request.methodCode != Request::Post;
+    return !isLink && !request.isCrossSite()
+        && !isTrustedProxy(exchange.channel.connection().peerAddress(), *exchange.service.profile);
+}
+
 } // namespace
 
 Routes fileRoutes()
@@ -110,7 +121,8 @@ void ClassicFace::headReady()
     }
     takeSession();
     // What only reads is answered by the part of its head that was seen.
-    if (channel.request().isCut() && !channel.request().isTruncated() && !request.onlyReads())
+    const bool matters = !request.onlyReads() || request.isLogin();
+    if (channel.request().isCut() && !channel.request().isTruncated() && matters)
         return channel.readHeadRest();
     examine();
 }
@@ -168,7 +180,7 @@ const char *ClassicFace::reasonToRefuse() const
         return "400 Bad Request";
     if (isMisdirected(exchange))
         return "421 Misdirected Request";
-    if (request.climbs() || request.isCrossSite() || isKeptFromChanging(request, exchange))
+    if (request.climbs() || request.isCrossSiteForm() || isKeptFromChanging(request, exchange))
         return Status::forbidden;
     return nullptr;
 }
@@ -215,7 +227,8 @@ void ClassicFace::admit()
     const std::optional<QByteArray> account = triedAccount();
     if (!account)
         return isAdmitted() ? answer() : refuseLogin();
-    switch (gate.enter(channel.connection().peerAddress(), *account)) {
+    switch (gate.enter({ channel.connection().peerAddress(), *account, Guesses::Clock::now(),
+                         standsForItself(exchange) })) {
     case LoginGate::Turn::Later:
         return;
     case LoginGate::Turn::TooLate:

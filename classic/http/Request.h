@@ -71,6 +71,9 @@ public:
     /// Whether a page of another site made the browser send this.
     bool isCrossSite() const;
 
+    /// Whether such a page made it post something, or log in; links of theirs are welcome.
+    bool isCrossSiteForm() const { return (methodCode == Post || isLogin()) && isCrossSite(); }
+
     /// `destination` taken apart.
     RequestTarget destinationTarget() const { return parseTarget(destination); }
 

@@ -126,6 +126,10 @@ bool RequestParser::parseCommonHeader(const QByteArray &line)
         request.host = value;
     else if (is("Connection:"))
         request.keepAlive = !value.toLower().contains("close");
+    else if (is("Origin:"))
+        request.origin = value;
+    else if (is("Sec-Fetch-Site:"))
+        request.fetchSite = value;
     else if (is("Range:"))
         parseRange(value);
     else if (is("Cookie:")) {
@@ -146,14 +150,12 @@ void RequestParser::parseBodyHeader(const QByteArray &line)
         QByteArray Request::*field;
         std::array<int, 2> methods; ///< None: every method
     };
-    static constexpr std::array<BodyHeader, 7> headers{ {
+    static constexpr std::array<BodyHeader, 5> headers{ {
         { "Content-Type:", &Request::contentType, { Request::None, Request::None } },
         { "Depth:", &Request::depth, { Request::PropFind, Request::PropFind } },
         { "Depth:", &Request::depth, { Request::Copy, Request::Move } },
         { "Destination:", &Request::destination, { Request::Copy, Request::Move } },
         { "Overwrite:", &Request::overwrite, { Request::Copy, Request::Move } },
-        { "Origin:", &Request::origin, { Request::Post, Request::Post } },
-        { "Sec-Fetch-Site:", &Request::fetchSite, { Request::Post, Request::Post } },
     } };
 
     for (const BodyHeader &header : headers) {

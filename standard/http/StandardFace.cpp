@@ -6,6 +6,7 @@
 #include "server/Connection.h"
 #include "server/CrossSite.h"
 #include "server/PasswordChecks.h"
+#include "server/TrustedProxy.h"
 #include "standard/Log.h"
 #include "standard/http/Copy.h"
 #include "standard/http/Delete.h"
@@ -121,17 +122,28 @@ bool StandardFace::isMisdirected()
 /// have its visitor's browser change anything here.
 bool StandardFace::isWelcome()
 {
-    const Request &request = exchange.request();
     if (isMisdirected()) {
         exchange.refuse(Status::MisdirectedRequest, strangeName);
         return false;
     }
-    if (isSafe(request.method)
-        || !isCrossSite(request.value("Sec-Fetch-Site"), request.value("Origin"),
-                        calledName(exchange).value_or(QByteArray())))
+    if (isSafe(exchange.request().method) || !isCrossSite())
         return true;
     exchange.refuse(Status::Forbidden, otherSite);
     return false;
+}
+
+bool StandardFace::isCrossSite() const
+{
+    const Request &request = exchange.request();
+    return ::isCrossSite(request.value("Sec-Fetch-Site"), request.value("Origin"),
+                         calledName(exchange).value_or(QByteArray()));
+}
+
+/// Whether no proxy, and no page of another site, is behind the login.
+bool StandardFace::standsForItself() const
+{
+    const QHostAddress &visitor = exchange.request().outside.visitor;
+    return !isTrustedProxy(visitor, *exchange.service().profile) && !isCrossSite();
 }
 
 /// The door of every method. Comes once more when a login had to wait.
@@ -141,8 +153,9 @@ void StandardFace::logIn()
     const Service &service = exchange.service();
     const std::optional<QByteArray> account =
         Authenticator::triedAccount(request, *service.profile);
-    const LoginGate::Turn turn =
-        account ? gate.enter(request.outside.visitor, *account) : LoginGate::Turn::Now;
+    const LoginGate::Turn turn = account ? gate.enter({ request.outside.visitor, *account,
+                                                        Guesses::Clock::now(), standsForItself() })
+                                         : LoginGate::Turn::Now;
     if (turn == LoginGate::Turn::Later)
         return;
     if (turn == LoginGate::Turn::TooLate) {

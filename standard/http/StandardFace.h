@@ -47,6 +47,8 @@ private:
     void bodySaved(BodyEnd end);
     bool isMisdirected();
     bool isWelcome();
+    bool isCrossSite() const;
+    bool standsForItself() const;
     void logIn();
     void checkPassword(const Authenticator::Result &login);
     void decide(const Authenticator::Result &login);

@@ -13,22 +13,23 @@ namespace {
 class Guesser
 {
 public:
-    explicit Guesser(const char *from, QByteArray at = "admin")
+    explicit Guesser(const char *from, QByteArray at = "admin", bool byItself = true)
         : address(QString::fromLatin1(from))
         , account(std::move(at))
+        , standsForItself(byItself)
     {
     }
 
     /// Seconds that the next one has to wait.
     qint64 waits(const Guesses &guesses, Guesses::Clock::time_point now) const
     {
-        const auto turn = guesses.turnOf({ address, account, now }, now);
+        const auto turn = guesses.turnOf({ address, account, now, standsForItself }, now);
         return std::chrono::duration_cast<std::chrono::seconds>(turn - now).count();
     }
     void fails(Guesses &guesses, Guesses::Clock::time_point now, int times = 1) const
     {
         for (int i = 0; i < times; ++i)
-            guesses.noteWrong({ address, account, now }, now);
+            guesses.noteWrong({ address, account, now, standsForItself }, now);
     }
     void succeeds(Guesses &guesses, Guesses::Clock::time_point now) const
     {
@@ -38,6 +39,7 @@ public:
 private:
     QHostAddress address;
     QByteArray account;
+    bool standsForItself;
 };
 
 } // namespace
@@ -85,6 +87,11 @@ void TestAdmission::waitsLongerAndLonger()
     QCOMPARE(Guesser("203.0.113.1", "x").waits(guesses, start), 1);
     const Guesser self("127.0.0.1");
     self.fails(guesses, start, 20);
+    QCOMPARE(self.waits(guesses, start), 0);
+    // Not whoever asks by a proxy here, or by a page in the browser.
+    const Guesser other("127.0.0.1", "admin", false);
+    other.fails(guesses, start, 20);
+    QCOMPARE(other.waits(guesses, start), 60);
     QCOMPARE(self.waits(guesses, start), 0);
 }
 

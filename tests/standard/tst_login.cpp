@@ -294,6 +294,17 @@ void TestLogin::guessesWait()
     const RawReply reply = RawClient(server.port(), stranger).exchange(right);
     QCOMPARE(reply.status(), QByteArray("429 Too Many Requests"));
     QVERIFY(reply.header("Retry-After").toInt() > 50);
+    // This machine waits where it asks for somebody else.
+    for (int i = 0; i < 11; ++i)
+        server.engine.setup()->guesses->noteWrong({ QHostAddress::LocalHost, "b", now, false },
+                                                  now);
+    const auto status = [&](const QByteArray &fields) {
+        return server.status("GET", "/a", fields + basicLogin("b:2"));
+    };
+    QCOMPARE(status("Sec-Fetch-Site: cross-site\r\n"), 429);
+    QCOMPARE(status({}), 200);
+    server.profile->trustedProxies = QStringList{ QStringLiteral("127.0.0.1") };
+    QCOMPARE(status({}), 429);
 }
 
 void TestLogin::answersToItsNamesAlone_data()

@@ -407,6 +407,10 @@ void TestRequests::showsTheLoginPageUntilThePasswordFits()
     QCOMPARE(get("/a.txt", cookie).body, QByteArray("0123456789"));
     QCOMPARE(get("/xClient.jar", {}).status(), QByteArray("404 Not Found"));
     QCOMPARE(get("/xClient.jar?a=log", {}).body, QByteArray("LOGIN"));
+    // Links of other sites are welcome, but none that log in, however late that is said.
+    const QByteArray link = "X: " + QByteArray(2100, 'x') + "\r\nSec-Fetch-Site: cross-site\r\n";
+    QCOMPARE(get("/xClient.jar", link).status(), QByteArray("404 Not Found"));
+    QCOMPARE(get("/a.txt?a=log&password=x", link).status(), QByteArray("403 Forbidden"));
 }
 
 void TestRequests::asksForBasicCredentials()
