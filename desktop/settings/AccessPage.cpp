@@ -260,10 +260,11 @@ void AccessPage::editRights()
     if (!user)
         return;
     auto rights = workingCopy->accountRights;
-    RightsDialog dialog(rights.value(user->text()), workingCopy->rightsOfEveryone(), this);
+    RightsDialog dialog(RightsDialog::Of::Account, rights.value(user->text()),
+                        workingCopy->rightsOfEveryone(), this);
     if (dialog.exec() != QDialog::Accepted)
         return;
-    const AccountRights chosen = dialog.account();
+    const AccountRights chosen = dialog.chosen();
     if (chosen.rights || !chosen.home.isEmpty())
         rights.insert(user->text(), chosen);
     else

@@ -16,14 +16,14 @@ constexpr std::array shownRights{ Right::See, Right::Read, Right::Add, Right::Ch
 
 } // namespace
 
-RightsDialog::RightsDialog(const AccountRights &account, Rights inherited, QWidget *parent)
+RightsDialog::RightsDialog(Of whom, const AccountRights &present, Rights inherited, QWidget *parent)
     : QDialog(parent)
-    , everyones(inherited)
-    , owns(account.rights.value_or(inherited))
-    , ownBox(new SwitchBox(tr("Rights of its own")))
-    , homeEdit(new QLineEdit(QFile::decodeName(account.home)))
+    , others(inherited)
+    , owns(present.rights.value_or(inherited))
+    , ownBox(new SwitchBox(whom == Of::Account ? tr("Rights of its own") : tr("Rights in detail")))
+    , homeEdit(new QLineEdit(QFile::decodeName(present.home)))
 {
-    setWindowTitle(tr("Rights and home"));
+    setWindowTitle(whom == Of::Account ? tr("Rights and home") : tr("Rights of everyone"));
     homeEdit->setMinimumHeight(fingerSize);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(ownBox);
@@ -32,12 +32,17 @@ RightsDialog::RightsDialog(const AccountRights &account, Rights inherited, QWidg
         boxes.push_back(new SwitchBox(name));
         layout->addWidget(boxes.back());
     }
-    layout->addWidget(newCaption(tr("Home folder in the share"), homeEdit));
-    layout->addWidget(homeEdit);
+    if (whom == Of::Account) {
+        layout->addWidget(newCaption(tr("Home folder in the share"), homeEdit));
+        layout->addWidget(homeEdit);
+    } else {
+        homeEdit->setParent(this);
+        homeEdit->hide();
+    }
     layout->addStretch();
     layout->addWidget(new OkCancelButtons(this));
 
-    ownBox->setChecked(account.rights.has_value());
+    ownBox->setChecked(present.rights.has_value());
     showRights(ownBox->isChecked());
     connect(ownBox, &QCheckBox::toggled, this, [this](bool own) {
         if (!own)
@@ -48,7 +53,7 @@ RightsDialog::RightsDialog(const AccountRights &account, Rights inherited, QWidg
 
 void RightsDialog::showRights(bool own)
 {
-    const Rights shown = own ? owns : everyones;
+    const Rights shown = own ? owns : others;
     for (std::size_t i = 0; i < boxes.size(); ++i) {
         boxes[i]->setChecked(shown.testFlag(shownRights.at(i)));
         boxes[i]->setEnabled(own);
@@ -63,13 +68,13 @@ Rights RightsDialog::checkedRights() const
     return rights;
 }
 
-AccountRights RightsDialog::account() const
+AccountRights RightsDialog::chosen() const
 {
-    AccountRights chosen;
+    AccountRights account;
     if (ownBox->isChecked())
-        chosen.rights = checkedRights();
-    chosen.home = QFile::encodeName(homeEdit->text().trimmed());
-    if (!chosen.home.isEmpty() && !chosen.home.startsWith('/'))
-        chosen.home.prepend('/');
-    return chosen;
+        account.rights = checkedRights();
+    account.home = QFile::encodeName(homeEdit->text().trimmed());
+    if (!account.home.isEmpty() && !account.home.startsWith('/'))
+        account.home.prepend('/');
+    return account;
 }

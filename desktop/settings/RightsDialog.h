@@ -9,24 +9,26 @@
 class QCheckBox;
 class QLineEdit;
 
-/// Edits what one account may do, and the folder that is all it sees. A child of the page of the
-/// accounts.
+/// Edits what an account or everyone may do, and the folder that is all the account sees. A child
+/// of a settings page.
 class RightsDialog : public QDialog
 {
     Q_OBJECT
 
 public:
-    /// `inherited` are the rights of an account that has none of its own.
-    RightsDialog(const AccountRights &account, Rights inherited, QWidget *parent);
+    /// Only an account has a home.
+    enum class Of { Account, Everyone };
 
-    /// As chosen.
-    AccountRights account() const;
+    /// `inherited` are the rights where `present` has none of its own.
+    RightsDialog(Of whom, const AccountRights &present, Rights inherited, QWidget *parent);
+
+    AccountRights chosen() const;
 
 private:
     void showRights(bool own);
     Rights checkedRights() const;
 
-    const Rights everyones;
+    const Rights others; ///< that are inherited
     Rights owns; ///< last chosen
     QCheckBox *ownBox;
     std::vector<QCheckBox *> boxes; ///< of the rights, in their order

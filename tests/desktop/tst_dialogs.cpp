@@ -67,6 +67,23 @@ private Q_SLOTS:
             QCOMPARE(dialog->findChild<QStackedWidget *>()->currentIndex(), row);
             SmallScreens::check(dialog.get(), QStringLiteral("settings-%1").arg(row));
         }
+        turnTo(0); // where rights of everyone overrule two of the boxes
+        const auto detail = [](QDialog *asking) {
+            SmallScreens::check(asking, QStringLiteral("rights-of-everyone"));
+            click(asking, "Rights in detail");
+            click(asking, "Read files");
+            click(asking, "OK");
+        };
+        inModal<QDialog>([this] { click(page(), "Rights of everyone"); }, detail);
+        QCOMPARE(rightsText(*applied()->everyone), QByteArray("see, add, change, delete"));
+        QVERIFY(!named<QWidget>(page(), "Enable upload")->isEnabled());
+        SmallScreens::check(dialog.get(), QStringLiteral("settings-0-rights"));
+        const auto back = [](QDialog *asking) {
+            click(asking, "Rights in detail");
+            click(asking, "OK");
+        };
+        inModal<QDialog>([this] { click(page(), "Rights of everyone"); }, back);
+        QVERIFY(!applied()->everyone && named<QWidget>(page(), "Enable upload")->isEnabled());
         global->expertMode = false;
         open(); // there is no such row now, the first one is shown
         auto *box = named<QWidget>(page(), "Enable deleting");

@@ -236,6 +236,14 @@
         <source>Enable upload</source>
         <translation>Enable upload</translation>
     </message>
+    <message>
+        <source>Instead of deleting and upload the rights of everyone hold. Browsers are then served by the standard answers alone.</source>
+        <translation>Instead of deleting and upload the rights of everyone hold. Browsers are then served by the standard answers alone.</translation>
+    </message>
+    <message>
+        <source>Rights of everyone</source>
+        <translation>Rights of everyone</translation>
+    </message>
 </context>
 <context>
     <name>RightsDialog</name>
@@ -270,6 +278,14 @@
     <message>
         <source>Home folder in the share</source>
         <translation>Home folder in the share</translation>
+    </message>
+    <message>
+        <source>Rights in detail</source>
+        <translation>Rights in detail</translation>
+    </message>
+    <message>
+        <source>Rights of everyone</source>
+        <translation>Rights of everyone</translation>
     </message>
 </context>
 <context>

@@ -236,6 +236,14 @@
         <source>Enable upload</source>
         <translation>Hochladen erlauben</translation>
     </message>
+    <message>
+        <source>Instead of deleting and upload the rights of everyone hold. Browsers are then served by the standard answers alone.</source>
+        <translation>Statt Löschen und Hochladen gelten die Rechte aller. Browser werden dann nur mit den Standard-Antworten bedient.</translation>
+    </message>
+    <message>
+        <source>Rights of everyone</source>
+        <translation>Rechte aller</translation>
+    </message>
 </context>
 <context>
     <name>RightsDialog</name>
@@ -270,6 +278,14 @@
     <message>
         <source>Home folder in the share</source>
         <translation>Eigener Ordner in der Freigabe</translation>
+    </message>
+    <message>
+        <source>Rights in detail</source>
+        <translation>Rechte im Einzelnen</translation>
+    </message>
+    <message>
+        <source>Rights of everyone</source>
+        <translation>Rechte aller</translation>
     </message>
 </context>
 <context>

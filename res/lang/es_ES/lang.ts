@@ -236,6 +236,14 @@
         <source>Enable upload</source>
         <translation>Permitir subir</translation>
     </message>
+    <message>
+        <source>Instead of deleting and upload the rights of everyone hold. Browsers are then served by the standard answers alone.</source>
+        <translation>En lugar de borrar y subir rigen los derechos de todos. Los navegadores solo se atienden entonces con las respuestas estándar.</translation>
+    </message>
+    <message>
+        <source>Rights of everyone</source>
+        <translation>Derechos de todos</translation>
+    </message>
 </context>
 <context>
     <name>RightsDialog</name>
@@ -270,6 +278,14 @@
     <message>
         <source>Home folder in the share</source>
         <translation>Carpeta propia en lo compartido</translation>
+    </message>
+    <message>
+        <source>Rights in detail</source>
+        <translation>Derechos en detalle</translation>
+    </message>
+    <message>
+        <source>Rights of everyone</source>
+        <translation>Derechos de todos</translation>
     </message>
 </context>
 <context>

@@ -236,6 +236,14 @@
         <source>Enable upload</source>
         <translation>Autoriser l’envoi</translation>
     </message>
+    <message>
+        <source>Instead of deleting and upload the rights of everyone hold. Browsers are then served by the standard answers alone.</source>
+        <translation>Les droits de tous remplacent la suppression et l’envoi. Les navigateurs ne sont alors servis que par les réponses standard.</translation>
+    </message>
+    <message>
+        <source>Rights of everyone</source>
+        <translation>Droits de tous</translation>
+    </message>
 </context>
 <context>
     <name>RightsDialog</name>
@@ -270,6 +278,14 @@
     <message>
         <source>Home folder in the share</source>
         <translation>Dossier propre dans le partage</translation>
+    </message>
+    <message>
+        <source>Rights in detail</source>
+        <translation>Droits en détail</translation>
+    </message>
+    <message>
+        <source>Rights of everyone</source>
+        <translation>Droits de tous</translation>
     </message>
 </context>
 <context>
