@@ -6,11 +6,11 @@
 Access Access::of(const ProfileValues &profile, const QByteArray &account)
 {
     Access access;
-    access.account = account;
     access.rights = profile.rightsOfEveryone();
-    // With a mere password any name may be given.
+    // With a mere password any name may be given: nothing may be owned by it.
     if (profile.authMode != AuthBasic)
         return access;
+    access.account = account;
     const auto own = profile.accountRights.constFind(QString::fromUtf8(account));
     if (own == profile.accountRights.constEnd())
         return access;

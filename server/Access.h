@@ -11,7 +11,7 @@ struct ProfileValues;
 struct Access
 {
     /// Of a visitor who has logged in as `account`; empty for nobody in particular. Only where
-    /// there are accounts has one of them rights and a home of its own.
+    /// there are accounts has one of them a name, rights and a home of its own.
     static Access of(const ProfileValues &profile, const QByteArray &account);
 
     /// Whether these are the rights of all whom the profile's switches speak of. The classic face

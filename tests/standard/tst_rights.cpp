@@ -179,6 +179,7 @@ void TestRights::accountsNeedALogin()
     for (const AuthMode mode : { AuthNone, AuthPasswordPage }) {
         profile.authMode = mode; // any name will do
         QVERIFY(!Access::of(profile, "a").may(Right::Read, "h"));
+        QVERIFY(Access::of(profile, "a").account.isEmpty());
     }
     QVERIFY(!Access().may(Right::See, ""));
 }
