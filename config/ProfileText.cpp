@@ -35,6 +35,7 @@ struct TextKey
     const char *name;
     bool (*take)(const QByteArray &text, ProfileValues *values); ///< false when it makes no sense
     QByteArray (*say)(const ProfileValues &values);
+    bool protects = false; ///< the default may allow more
 };
 
 /// One word of a few; the value is its place among them.
@@ -131,19 +132,20 @@ QByteArray sayPassword(const ProfileValues &values)
 
 constexpr std::array textKeys{
     TextKey{ "mode", takeWord<&ProfileValues::faceMode, modes>,
-             sayWord<&ProfileValues::faceMode, modes> },
+             sayWord<&ProfileValues::faceMode, modes>, true },
     TextKey{ "sync", takeWord<&ProfileValues::syncPolicy, syncPolicies>,
              sayWord<&ProfileValues::syncPolicy, syncPolicies> },
     TextKey{ "propfind-infinity", takeWord<&ProfileValues::deepListings, answers>,
              sayWord<&ProfileValues::deepListings, answers> },
     TextKey{ "strict", takeWord<&ProfileValues::strict, switched>,
-             sayWord<&ProfileValues::strict, switched> },
+             sayWord<&ProfileValues::strict, switched>, true },
     TextKey{ "trusted-proxies", takeList<&ProfileValues::trustedProxies, addressOf>,
-             sayList<&ProfileValues::trustedProxies> },
-    TextKey{ "names", takeList<&ProfileValues::names, hostNameOf>, sayList<&ProfileValues::names> },
+             sayList<&ProfileValues::trustedProxies>, true },
+    TextKey{ "names", takeList<&ProfileValues::names, hostNameOf>, sayList<&ProfileValues::names>,
+             true },
     TextKey{ "path-prefix", takePrefix, sayPrefix },
-    TextKey{ "everyone", takeEveryone, sayEveryone },
-    TextKey{ "login-password", takePassword, sayPassword },
+    TextKey{ "everyone", takeEveryone, sayEveryone, true },
+    TextKey{ "login-password", takePassword, sayPassword, true },
 };
 
 /// A key with a line for each account, whose name follows. What it says it also understands.
@@ -297,15 +299,19 @@ bool takeLines(const QByteArray &content, ProfileValues *values)
                        [values](const QByteArray &raw) { return takeLine(raw, values); });
 }
 
-/// Whether the file, which can't be used, was to say who may do what.
-bool speaksOfRights(const QByteArray &content)
+/// Whether the file, which can't be used, was to protect something. A damaged line may have lost
+/// what ends its key.
+bool speaksOfProtection(const QByteArray &content)
 {
-    const QList<QByteArray> lines = content.split('\n');
-    return std::any_of(lines.begin(), lines.end(), [](const QByteArray &raw) {
+    const auto protects = [](const QByteArray &raw) {
         const QByteArray line = raw.trimmed();
-        return findAccountKey(line) || line.startsWith("everyone")
-            || line.startsWith("login-password");
-    });
+        return findAccountKey(line)
+            || std::any_of(textKeys.begin(), textKeys.end(), [&line](const TextKey &key) {
+                   return key.protects && line.startsWith(key.name);
+               });
+    };
+    const QList<QByteArray> lines = content.split('\n');
+    return std::any_of(lines.begin(), lines.end(), protects);
 }
 
 void takeDefaults(ProfileValues *values)
@@ -392,7 +398,7 @@ TextState readText(const QString &textFile, ProfileValues *values)
     if (takeLines(content, values))
         return TextState::Fine;
     takeDefaults(values);
-    return speaksOfRights(content) ? TextState::Unreadable : TextState::Damaged;
+    return speaksOfProtection(content) ? TextState::Unreadable : TextState::Damaged;
 }
 
 bool writeText(const QString &textFile, const ProfileValues &values)

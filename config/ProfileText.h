@@ -12,7 +12,7 @@ struct ProfileValues;
 enum class TextState {
     Fine, ///< or there is none, and the defaults are what is meant
     Damaged, ///< not lines of "key = value", or a value that its key doesn't know
-    Unreadable ///< also when such a file says who may do what: the defaults may allow more
+    Unreadable ///< also when such a file was to protect something: the defaults may allow more
 };
 
 /// The text file beside a profile file: "work.cnf.ini" of "work.cnf". It holds the values that the

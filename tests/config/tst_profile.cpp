@@ -244,9 +244,8 @@ void TestProfile::keepsMoreValuesAsText()
                  "trusted-proxies = 127.0.0.1\nnames = nas.example, ::1\npath-prefix = /a%20b\n"));
 
     for (const QByteArray &bytes :
-         { QByteArray("mode = clasic\n"), QByteArray("sync"),
-           QByteArray("trusted-proxies = ::1, proxy\n"), QByteArray("names = a/b\n"),
-           QByteArray("path-prefix = //evil\n"), QByteArray("mode = auto\n\0", 13),
+         { QByteArray("sync"), QByteArray("propfind-infinity = yes\n"),
+           QByteArray("path-prefix = //evil\n"), QByteArray("sync = file\n\0", 13),
            QByteArray(2 << 20, '#') }) {
         home->writeProfile(file, bytes);
         const Profile damaged(home->directories, name);
@@ -299,8 +298,10 @@ void TestProfile::keepsRightsOfAccounts()
     QVERIFY(work.load() && work.equals(copy.get()));
 
     // The defaults would open what these were to close.
-    for (const char *wrong : { "everyone = red", "mode = x\neveryone = see", "account. = see",
-                               "account.a", "account.a = see; home", "account.a =" }) {
+    for (const char *wrong :
+         { "everyone = red", "sync = x\neveryone = see", "mode = standrad", "strict = yess",
+           "trusted-proxies = ::1, proxy", "names = a/b", "account. = see", "account.a",
+           "account.a = see; home", "account.a =" }) {
         home->writeProfile(file, wrong);
         QVERIFY2(!work.load() && !work.isUsable(), wrong);
         QCOMPARE(home->profileBytes(file), QByteArray(wrong));
