@@ -4,6 +4,7 @@
 #include "desktop/settings/UserDialog.h"
 #include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/Fields.h"
+#include "desktop/widgets/Prompts.h"
 #include "server/PasswordHash.h"
 
 #include <QFormLayout>
@@ -159,7 +160,10 @@ AccessPage::AccessPage(Profile *copy)
 QWidget *AccessPage::passwordPanel()
 {
     auto *password = new PasswordField;
-    bind(password->edit(), &ProfileValues::password);
+    if (isPasswordHash(workingCopy->password))
+        bindHashed(password->edit());
+    else
+        bind(password->edit(), &ProfileValues::password);
 
     auto *panel = new QWidget;
     auto *layout = new QVBoxLayout(panel);
@@ -169,6 +173,27 @@ QWidget *AccessPage::passwordPanel()
     layout->addStretch();
     addRow(form, tr("Password") + QLatin1Char(':'), password);
     return panel;
+}
+
+/// There is nothing to be seen of what is kept as a hash. A new password is kept as the old one
+/// was, once all of it is typed: to make a hash takes a while.
+void AccessPage::bindHashed(QLineEdit *edit)
+{
+    keptHash = workingCopy->password;
+    edit->setPlaceholderText(tr("Kept as a hash"));
+    connect(edit, &QLineEdit::textChanged, this, [this](const QString &typed) {
+        store(&ProfileValues::password, typed.isEmpty() ? keptHash : typed);
+    });
+    connect(edit, &QLineEdit::editingFinished, this, [this, edit] {
+        if (edit->text().isEmpty())
+            return;
+        const QByteArray hash = newPasswordHash(edit->text().toUtf8());
+        if (!hash.isEmpty())
+            keptHash = QString::fromLatin1(hash);
+        edit->clear();
+        if (hash.isEmpty())
+            warn(this, UserDialog::tr("There is not enough memory to keep the password."));
+    });
 }
 
 QWidget *AccessPage::usersPanel()

@@ -24,10 +24,12 @@ private Q_SLOTS:
 
 private:
     QWidget *passwordPanel();
+    void bindHashed(QLineEdit *edit);
     QWidget *usersPanel();
     void appendRow(const QString &user, const QString &password);
     void fillTable();
 
+    QString keptHash; ///< of the login page's password
     QComboBox *modes;
     QStackedWidget *panels;
     QTableWidget *table = nullptr;

@@ -105,6 +105,11 @@ void SettingsDialog::addPage(const QString &label, const QString &icon, Settings
 
 void SettingsDialog::apply()
 {
+    // What is still being edited is taken over when its field is left.
+    if (QWidget *field = focusWidget()) {
+        field->clearFocus();
+        field->setFocus();
+    }
     receiver->profileEdited(workingCopy.get());
     applyButton->setEnabled(false);
 }

@@ -164,6 +164,20 @@ private Q_SLOTS:
         QCOMPARE(applied()->users, words("anna:pass:word carl:p:q"));
     }
 
+    void keepsAPasswordHashed()
+    {
+        global->authMode = AuthPasswordPage;
+        global->password = QString::fromLatin1(newPasswordHash("old"));
+        open(1);
+        auto *password = named<QLineEdit>(page(), "Password:");
+        QVERIFY(password->text().isEmpty());
+        retype(password, "new");
+        QVERIFY(fitsPasswordHash("new", applied()->password.toLatin1()));
+        retype(password, "x");
+        QTest::keyClick(password, Qt::Key_Backspace);
+        QVERIFY(fitsPasswordHash("new", applied()->password.toLatin1()));
+    }
+
     void editsRightsOfUsers()
     {
         global->authMode = AuthBasic;

@@ -194,6 +194,10 @@
         <source>Rights and home</source>
         <translation>Rights and home</translation>
     </message>
+    <message>
+        <source>Kept as a hash</source>
+        <translation>Kept as a hash</translation>
+    </message>
 </context>
 <context>
     <name>DnsPage</name>

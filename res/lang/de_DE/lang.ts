@@ -194,6 +194,10 @@
         <source>Rights and home</source>
         <translation>Rechte und Ordner</translation>
     </message>
+    <message>
+        <source>Kept as a hash</source>
+        <translation>Als Hash gespeichert</translation>
+    </message>
 </context>
 <context>
     <name>DnsPage</name>

@@ -194,6 +194,10 @@
         <source>Rights and home</source>
         <translation>Permisos y carpeta</translation>
     </message>
+    <message>
+        <source>Kept as a hash</source>
+        <translation>Guardada como hash</translation>
+    </message>
 </context>
 <context>
     <name>DnsPage</name>

@@ -194,6 +194,10 @@
         <source>Rights and home</source>
         <translation>Droits et dossier</translation>
     </message>
+    <message>
+        <source>Kept as a hash</source>
+        <translation>Conservé sous forme de hachage</translation>
+    </message>
 </context>
 <context>
     <name>DnsPage</name>
