@@ -9,7 +9,7 @@ namespace {
 constexpr int maxPerPeer = 64;
 
 /// Programs on this machine, a proxy for many peers among them.
-bool isOwn(const QHostAddress &address)
+bool isLoopback(const QHostAddress &address)
 {
     return address.isEqual(QHostAddress(QHostAddress::LocalHost))
         || address.isEqual(QHostAddress(QHostAddress::LocalHostIPv6));
@@ -57,7 +57,7 @@ PeerCount::Ticket PeerCount::admitUncounted()
 
 PeerCount::Ticket PeerCount::admit(const QHostAddress &address, const QHostAddress &reached)
 {
-    if (isOwn(address))
+    if (isLoopback(address))
         return admitUncounted();
     if (isFull())
         return {};
