@@ -32,7 +32,7 @@ public:
 
     const QByteArray password;
     const QByteArray hash;
-    bool fits = false; ///< once it is finished
+    std::optional<bool> fits; ///< once it is finished, unless there was no memory
 };
 
 PasswordChecks::PasswordChecks(DiskWorker &worker)
@@ -100,10 +100,12 @@ void PasswordChecks::next()
 
 void PasswordChecks::finish(const Waiting &checked)
 {
-    const bool fits = checked.job->fits;
-    if (fits)
+    const std::optional<bool> fits = checked.job->fits;
+    if (fits == true)
         remember(fingerprint(checked.job->password, checked.job->hash));
     next();
-    if (checked.context)
-        checked.done(fits ? Verdict::Fits : Verdict::Wrong);
+    if (!checked.context)
+        return;
+    const Verdict known = fits == true ? Verdict::Fits : Verdict::Wrong;
+    checked.done(fits ? known : Verdict::Busy);
 }

@@ -23,7 +23,7 @@ public:
     enum class Verdict {
         Fits,
         Wrong,
-        Busy ///< too many are waiting
+        Busy ///< too many are waiting, or there is no memory
     };
 
     using Clock = std::chrono::steady_clock;

@@ -1,8 +1,31 @@
 #include "server/PasswordHash.h"
 
 #include <array>
+#include <optional>
 
 #include <sodium.h>
+#include <sys/mman.h>
+
+namespace {
+
+/// What it takes to check one, in bytes; the text has KiB.
+std::size_t memoryFor(const QByteArray &hash)
+{
+    const QByteArray key = "$m=";
+    const int begin = int(hash.indexOf(key)) + int(key.size());
+    return hash.mid(begin, hash.indexOf(',', begin) - begin).toUInt() * std::size_t(1024);
+}
+
+bool canBeHad(std::size_t bytes)
+{
+    if (bytes == 0)
+        return true;
+    void *memory =
+        ::mmap(nullptr, bytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    return memory != MAP_FAILED && ::munmap(memory, bytes) == 0;
+}
+
+} // namespace
 
 QByteArray newPasswordHash(const QByteArray &password)
 {
@@ -15,12 +38,16 @@ QByteArray newPasswordHash(const QByteArray &password)
     return made ? QByteArray(text.data()) : QByteArray();
 }
 
-bool fitsPasswordHash(const QByteArray &password, const QByteArray &hash)
+std::optional<bool> fitsPasswordHash(const QByteArray &password, const QByteArray &hash)
 {
-    return ::sodium_init() >= 0
-        && ::crypto_pwhash_str_verify(hash.constData(), password.constData(),
-                                      std::size_t(password.size()))
-        == 0;
+    if (::sodium_init() < 0)
+        return {};
+    if (::crypto_pwhash_str_verify(hash.constData(), password.constData(),
+                                   std::size_t(password.size()))
+        == 0)
+        return true;
+    // The library says the same where it had no memory.
+    return canBeHad(memoryFor(hash)) ? std::optional(false) : std::nullopt;
 }
 
 QByteArray hashOfNobody()

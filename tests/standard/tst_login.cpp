@@ -13,6 +13,8 @@
 
 #include <vector>
 
+#include <sys/resource.h>
+
 namespace standard {
 
 namespace {
@@ -224,6 +226,15 @@ void TestLogin::hashesAreCheckedInTurn()
     QVERIFY(checks.remembers("right", hash, later + PasswordChecks::memory));
     QVERIFY(!checks.remembers("right", hash, later + 3 * PasswordChecks::memory));
     QVERIFY(!checks.remembers("right", newPasswordHash("right")));
+
+    // Without memory it isn't wrong.
+    rlimit before{};
+    ::getrlimit(RLIMIT_AS, &before);
+    const rlimit none{ 1, before.rlim_max };
+    ::setrlimit(RLIMIT_AS, &none);
+    const std::optional<bool> fits = fitsPasswordHash("right", hash);
+    ::setrlimit(RLIMIT_AS, &before);
+    QVERIFY(!fits && fitsPasswordHash("right", hash) == true);
 }
 
 void TestLogin::refusedBeforeTheBody()
