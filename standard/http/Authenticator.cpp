@@ -139,11 +139,17 @@ Authenticator::Result Authenticator::checkDigest(const Request &request, const P
     const auto given = DigestCredentials::parse(request.value("Authorization"));
     if (!given || given->realm != realm || !isForTarget(*given, request))
         return { Outcome::Refused };
+    bool exists = false;
     bool known = false;
     for (const Login &login : knownLogins(profile, given->user)) {
-        if (login.user == given->user)
-            known = given->fits(request.methodName, login.password) || known;
+        if (login.user != given->user)
+            continue;
+        exists = true;
+        known = given->fits(request.methodName, login.password) || known;
     }
+    // The time tells nobody who exists.
+    if (!exists)
+        given->fits(request.methodName, {});
     if (!known)
         return { Outcome::Refused };
     if (!nonces.use(given->nonce, given->count, clock.elapsed()))
