@@ -7,14 +7,11 @@
 #include <QRegularExpression>
 #include <QTcpServer>
 
-#include <array>
 #include <csignal>
 #include <thread>
 
 #include <fcntl.h>
-#include <netinet/in.h>
 #include <sys/ptrace.h>
-#include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -50,19 +47,12 @@ int systemCalls(pid_t process, const std::function<void()> &work)
 /// Asks for the same small file over and over on one connection.
 void askFor(const QByteArray &target, quint16 port, int times)
 {
-    const int fd = ::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_in address = {};
-    address.sin_family = AF_INET;
-    address.sin_port = htons(port);
-    address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
-    std::array<char, 4096> reply;
-    ::connect(fd, reinterpret_cast<sockaddr *>(&address), sizeof address);
-    const QByteArray request = rawRequest("GET", target);
-    for (int i = 0; i < times; ++i) {
-        ::send(fd, request.constData(), std::size_t(request.size()), 0);
-        ::recv(fd, reply.data(), reply.size(), 0);
+    QTcpSocket socket;
+    socket.connectToHost(QHostAddress(QHostAddress::LocalHost), port);
+    for (int i = 0; i < times && socket.waitForConnected(); ++i) {
+        socket.write(rawRequest("GET", target));
+        while (!socket.readAll().endsWith("hello") && socket.waitForReadyRead()) { }
     }
-    ::close(fd);
 }
 
 } // namespace
@@ -102,7 +92,6 @@ private:
                             QStringLiteral("--port"), QStringLiteral("0") }
         + more + QStringList{ share->path() };
     }
-    void storeProfile(const QString &name, const std::function<void(Profile &)> &change) const;
 
     std::unique_ptr<TestHome> home;
     std::unique_ptr<QTemporaryDir> share;
@@ -150,53 +139,35 @@ int TestServe::exitStatus(int msecs)
     return ended && program.exitStatus() == QProcess::NormalExit ? program.exitCode() : -1;
 }
 
-void TestServe::storeProfile(const QString &name,
-                             const std::function<void(Profile &)> &change) const
-{
-    Profile profile(home->directories);
-    profile.setFileName(name);
-    profile.name = name;
-    change(profile);
-    QVERIFY(profile.save());
-}
-
 void TestServe::endsAtOnce_data()
 {
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<int>("status");
-    QTest::addColumn<QString>("says");
-
-    const auto row = [](const char *name, const QString &line, int status, const char *says) {
-        QTest::newRow(name) << line.split(QLatin1Char(' '), Qt::SkipEmptyParts) << status
-                            << QString::fromLatin1(says);
-    };
-    row("help", QStringLiteral("--help"), 0, "PATH");
-    row("version", QStringLiteral("--version"), 0, "quillon-serve 2.4.0");
-    row("no path", {}, 2, "Name one file or folder");
-    row("unknown option", QStringLiteral("--loud /tmp"), 2, "loud");
-    row("port out of range", QStringLiteral("--port 65536 /tmp"), 2, "65536");
-    row("no proxy", QStringLiteral("--trust-proxy proxy /tmp"), 2, "no address: proxy");
-    row("no name", QStringLiteral("--name a/b /tmp"), 2, "no host name: a/b");
-    row("no prefix", QStringLiteral("--path-prefix share /tmp"), 2, "no path for URLs: share");
-    row("no mode", QStringLiteral("--mode modern /tmp"), 2, "classic, auto or standard");
-    row("two profiles", QStringLiteral("--profile a --default-profile /tmp"), 2, "exclude");
-    row("missing path", QStringLiteral("/none"), 1, "/none");
-    row("device", QStringLiteral("/dev/null"), 1, "/dev/null");
-    row("unknown profile", QStringLiteral("--profile none /tmp"), 1, "none");
-    row("address of another machine", QStringLiteral("--address 192.0.2.1 --port 0 /tmp"), 1,
-        "192.0.2.1");
+    columnsOf<QByteArray, int, QByteArray>("arguments", "status", "says");
+    row("help", "--help", 0, "PATH");
+    row("version", "--version", 0, "quillon-serve 2.4.0");
+    row("no path", "", 2, "Name one file or folder");
+    row("unknown option", "--loud /tmp", 2, "loud");
+    row("port out of range", "--port 65536 /tmp", 2, "65536");
+    row("no proxy", "--trust-proxy proxy /tmp", 2, "no address: proxy");
+    row("no name", "--name a/b /tmp", 2, "no host name: a/b");
+    row("no prefix", "--path-prefix share /tmp", 2, "no path for URLs: share");
+    row("no mode", "--mode modern /tmp", 2, "classic, auto or standard");
+    row("two profiles", "--profile a --default-profile /tmp", 2, "exclude");
+    row("missing path", "/none", 1, "/none");
+    row("device", "/dev/null", 1, "/dev/null");
+    row("unknown profile", "--profile none /tmp", 1, "none");
+    row("address of another machine", "--address 192.0.2.1 --port 0 /tmp", 1, "192.0.2.1");
 }
 
 void TestServe::endsAtOnce()
 {
-    QFETCH(QStringList, arguments);
-    QFETCH(int, status);
-    start(arguments);
+    QFETCH(const QByteArray, arguments);
+    QFETCH(const int, status);
+    start(QString::fromLatin1(arguments).split(QLatin1Char(' '), Qt::SkipEmptyParts));
     QCOMPARE(exitStatus(), status);
     const QByteArray errors = program.readAllStandardError();
     const QByteArray said = status == 0 ? program.readAllStandardOutput() : errors;
-    QFETCH(QString, says);
-    QVERIFY2(said.contains(says.toUtf8()), said.constData());
+    QFETCH(const QByteArray, says);
+    QVERIFY2(said.contains(says), said.constData());
     QCOMPARE(errors.count('\n'), status);
 }
 
@@ -224,10 +195,6 @@ void TestServe::servesUntilASignal()
     // A peer that takes nothing does not delay the end.
     client.socket->setReadBufferSize(1);
     client.send(rawRequest("GET", "/big"));
-    const QByteArray known = rawRequest("OPTIONS", "/", "User-Agent: gvfs/1\r\n");
-    QVERIFY(RawClient(port).exchange(known).header("DAV").startsWith("1, 2, 3"));
-    QCOMPARE(RawClient(port).exchange(rawRequest("OPTIONS", "/")).header("DAV"), QByteArray("1,2"));
-
     ::kill(pid_t(program.processId()), SIGINT); // others end by SIGTERM
     QCOMPARE(exitStatus(), 0);
     QVERIFY(program.readAllStandardError().contains("New client: 127.0.0.1"));
@@ -253,7 +220,7 @@ void TestServe::asksTheSystemLittleForASmallFile()
 
 void TestServe::stopsAtTheTrafficLimit()
 {
-    storeProfile(QStringLiteral("small"), [](Profile &profile) { profile.dataLimit = 1; });
+    home->storeProfile(QStringLiteral("small"), [](Profile &profile) { profile.dataLimit = 1; });
     const QByteArray before = home->profileBytes(QStringLiteral("small.cnf"));
     start(serving({ QStringLiteral("--profile"), QStringLiteral("small") }));
     RawClient client(waitForPort());
@@ -266,7 +233,7 @@ void TestServe::stopsAtTheTrafficLimit()
 
 void TestServe::refusesToServeWithoutItsKeys()
 {
-    storeProfile(QStringLiteral("tls"), [](Profile &profile) { profile.sslMode = 2; });
+    home->storeProfile(QStringLiteral("tls"), [](Profile &profile) { profile.sslMode = 2; });
     start(serving({ QStringLiteral("--profile"), QStringLiteral("tls") }));
     QCOMPARE(exitStatus(), 1);
     QVERIFY(program.readAllStandardError().contains("TLS"));
@@ -294,31 +261,28 @@ void TestServe::refusesADamagedProfile()
 
 void TestServe::warnsOfAnOpenHome_data()
 {
-    QTest::addColumn<QString>("path"); ///< from the home folder
-    QTest::addColumn<int>("rights"); ///< a check state
-    QTest::addColumn<bool>("warns");
-    QTest::newRow("the home folder") << "." << 2 << true;
-    QTest::newRow("a folder above") << ".." << 2 << true;
-    QTest::newRow("a link to it") << "res/home" << 2 << true;
-    QTest::newRow("a folder in it") << "res" << 2 << false;
-    QTest::newRow("only to look at") << "." << 0 << false;
+    // `path` is from the home folder, `rights` a check state
+    columnsOf<QByteArray, int, bool>("path", "rights", "warns");
+    row("the home folder", ".", 2, true);
+    row("a folder above", "..", 2, true);
+    row("a link to it", "res/home", 2, true);
+    row("a folder in it", "res", 2, false);
+    row("only to look at", ".", 0, false);
 }
 
 void TestServe::warnsOfAnOpenHome()
 {
-    QFETCH(QString, path);
-    QFETCH(int, rights);
+    QFETCH(const QByteArray, path);
+    QFETCH(const int, rights);
     QVERIFY(QFile::link(home->path(), home->path() + QLatin1String("/res/home")));
-    storeProfile(QStringLiteral("rights"), [rights](Profile &profile) {
+    home->storeProfile(QStringLiteral("rights"), [rights](Profile &profile) {
         profile.enableDelete = profile.enableUpload = rights;
     });
     QStringList arguments = serving({ QStringLiteral("--profile"), QStringLiteral("rights") });
-    arguments.last() = home->path() + QLatin1Char('/') + path;
+    arguments.last() = home->path() + QLatin1Char('/') + QString::fromLatin1(path);
     start(arguments);
-    const quint16 port = waitForPort(arguments.last());
+    QVERIFY(waitForPort(arguments.last()) > 0);
     QTEST(program.readAllStandardError().contains("Everyone who reaches"), "warns");
-    const RawReply own = RawClient(port).exchange(rawRequest("GET", "/.quillon/rights.cnf"));
-    QVERIFY(!own.status().startsWith("200"));
 }
 
 void TestServe::servesWhoeverReadsItsErrors()
@@ -433,7 +397,7 @@ void TestServe::isConfined()
 /// What a strict server does with other files than those of its share.
 void TestServe::worksConfined()
 {
-    storeProfile(QStringLiteral("strict"), [](Profile &profile) { profile.strict = 1; });
+    home->storeProfile(QStringLiteral("strict"), [](Profile &profile) { profile.strict = 1; });
     const QStringList options = serving({ QStringLiteral("--profile"), QStringLiteral("strict") });
     writeFile(share->filePath(QStringLiteral("a.jpg")), encoded(noise(400, 300), "JPEG"));
     start(options);

@@ -1,9 +1,9 @@
 #include "standard/dav/Routes.h"
 #include "standard/web/Routes.h"
 #include "tests/standard/StandardTest.h"
+#include "tests/support/Data.h"
 #include "tests/support/Litmus.h"
 
-#include <QTcpServer>
 #include <QtTest>
 
 namespace {
@@ -11,19 +11,12 @@ namespace {
 constexpr auto haproxyStrip = R"(http-request set-header X-Forwarded-Prefix /share
   http-request replace-path /share(/.*) \1)";
 
-QString freePort()
-{
-    QTcpServer probe;
-    probe.listen(QHostAddress::LocalHost);
-    return QString::number(probe.serverPort());
-}
-
 /// A proxy that ends TLS and calls the server by another name, with all of it below /share/.
 class Proxy
 {
 public:
     Proxy(const QString &program, bool strips, quint16 server)
-        : front(freePort())
+        : front(QString::number(freePort()))
     {
         makeKeys(folder.path());
         writeFile(folder.filePath(QStringLiteral("pair")),
@@ -89,12 +82,11 @@ private:
 
 void ProxiesTest::standInFront_data()
 {
-    QTest::addColumn<QString>("program");
-    QTest::addColumn<bool>("strips");
-    for (const char *program : { "nginx", "haproxy" }) {
-        QTest::addRow("%s takes the prefix off", program) << QString::fromLatin1(program) << true;
-        QTest::addRow("%s leaves the prefix on", program) << QString::fromLatin1(program) << false;
-    }
+    columnsOf<QString, bool>("program", "strips");
+    row("nginx takes the prefix off", QStringLiteral("nginx"), true);
+    row("nginx leaves the prefix on", QStringLiteral("nginx"), false);
+    row("haproxy takes the prefix off", QStringLiteral("haproxy"), true);
+    row("haproxy leaves the prefix on", QStringLiteral("haproxy"), false);
 }
 
 void ProxiesTest::standInFront()
@@ -105,12 +97,11 @@ void ProxiesTest::standInFront()
         if (!hasProgram(needed))
             QSKIP(qPrintable(needed + QLatin1String(" is not installed")));
     }
-    StandardServer server(standard::withUploads(standard::withDav(standard::fileRoutes())));
-    server.profile->authMode = AuthBasic;
-    server.profile->users = QStringList{ QStringLiteral("a:b") };
+    StandardServer server({ { "share/a b", "0123456789" } },
+                          standard::withUploads(standard::withDav(standard::fileRoutes())));
+    server.askForLogin("a:b");
     server.profile->trustedProxies = QStringList{ QStringLiteral("127.0.0.1") };
     server.profile->pathPrefix = strips ? "" : "/share";
-    server.addFile(QStringLiteral("share/a b"), "0123456789");
     const Proxy proxy(program, strips, server.port());
 
     const QString share = proxy.url() + QLatin1String("share");

@@ -18,13 +18,6 @@
 #include <functional>
 #include <memory>
 
-/// A port that nothing listens on right now.
-inline quint16 freePort()
-{
-    QTcpServer probe;
-    return probe.listen(QHostAddress(QHostAddress::LocalHost)) ? probe.serverPort() : quint16(0);
-}
-
 /// A home with application settings of its own and a device with loopback addresses.
 struct Device
 {

@@ -3,7 +3,6 @@
 #include "desktop/window/FirstInstance.h"
 #include "desktop/window/SavedRows.h"
 #include "desktop/window/WebServices.h"
-#include "server/Url.h"
 #include "tests/desktop/Desktop.h"
 #include "tests/support/Data.h"
 
@@ -252,10 +251,8 @@ private Q_SLOTS:
             global.expertMode = expert;
             global.port = 8080;
         });
-        const std::unique_ptr<Profile> work = device.global()->clone();
-        work->name = QStringLiteral("work");
-        work->setFileName(work->name);
-        QVERIFY(work->save() && device.keeper->end());
+        device.home.storeProfile(QStringLiteral("work"));
+        QVERIFY(device.keeper->end());
         device.addFile(".quillon/list.ini", "[0]\n" + saved + '\n');
         device.home.restart();
         device.open();
@@ -273,19 +270,16 @@ private Q_SLOTS:
     void loginIsNotLostUnseen()
     {
         Rows device(inExpertMode());
-        const std::unique_ptr<Profile> work = device.global()->clone();
-        work->name = QStringLiteral("work");
-        work->setFileName(work->name);
-        work->authMode = AuthBasic;
-        QVERIFY(work->save());
+        const QString work = QStringLiteral("work");
+        device.home.storeProfile(work, [](Profile &profile) { profile.authMode = AuthBasic; });
         device.reopen();
-        device.row()->useProfile(device.home.profiles->find(work->name));
+        device.row()->useProfile(device.home.profiles->find(work));
         device.reopen();
         device.reopen(); // not forgotten, however often nobody decides
         QCOMPARE(device.row()->profile(), device.global());
         QCOMPARE(device.row()->doubt(), StartDoubt::LoginIsOff);
         device.row()->useFormerProfile();
-        QCOMPARE(device.row()->profile()->name, work->name);
+        QCOMPARE(device.row()->profile()->name, work);
         QCOMPARE(device.row()->doubt(), StartDoubt::None);
         device.reopen();
         device.row()->settle(StartDoubt::LoginIsOff);
@@ -414,8 +408,6 @@ private Q_SLOTS:
 
     void texts()
     {
-        const QHostAddress v6(QHostAddress::LocalHostIPv6);
-        QCOMPARE(shortServerUrl(false, v6, 80), QStringLiteral("http://[::1]"));
         QCOMPARE(publicAddressLabel(QStringLiteral("me"), QStringLiteral("a"), 80),
                  QStringLiteral("<centcer>Public addresses: me , a</center>"));
         QCOMPARE(publicAddressLabel(QStringLiteral("%1<b>"), QStringLiteral("a"), 81),

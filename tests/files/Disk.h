@@ -43,12 +43,7 @@ public:
         QVERIFY(::symlink(target.constData(), native(name).constData()) == 0);
     }
 
-    /// The names in it, hidden ones as well, with blanks between.
-    QString names() const
-    {
-        const auto all = QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot;
-        return QDir(dir.path()).entryList(all).join(QLatin1Char(' '));
-    }
+    QString names() const { return namesIn(dir.path()); }
     Share share(const QByteArray &name = ".", const QByteArray &hidden = "../none",
                 Share::Links links = Share::Links::Followed) const
     {

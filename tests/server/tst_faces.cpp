@@ -11,8 +11,7 @@ class TestFaces : public QObject
 private Q_SLOTS:
     void init();
     void cleanup() { live.reset(); }
-    void knowsThePrograms();
-    void doesAsTheProfileSays();
+    void knowsTheProgramsInEachMode();
     void choosesOnceByTheFirstHead();
     void choosesByWhatArrives();
     void keepsRightsInBothFaces();
@@ -46,34 +45,29 @@ void TestFaces::init()
     live->start();
 }
 
-void TestFaces::knowsThePrograms()
+void TestFaces::knowsTheProgramsInEachMode()
 {
-    const std::pair<QByteArray, QByteArrayList> known[] = {
-        { "standard",
-          { "Microsoft-WebDAV-MiniRedir/10.0.19045",
+    const std::tuple<QByteArrayList, FaceMode, QByteArray> known[] = {
+        { { "Microsoft-WebDAV-MiniRedir/10.0.19045",
             "Mozilla/5.0 (X11; Linux x86_64) KHTML/5.103.0 (like Gecko) Konqueror/5 KIO/5.103",
-            "Player/1.0 (Linux;Android 11) ExoPlayerLib/2.11.7", "davfs2/1.6.1 neon/0.32.2" } },
-        { "classic",
-          { "", "mc", "curl/7.88.1", "notgvfs/1.0",
+            "Player/1.0 (Linux;Android 11) ExoPlayerLib/2.11.7", "davfs2/1.6.1 neon/0.32.2" },
+          FaceAuto,
+          "standard" },
+        { { "", "mc", "curl/7.88.1", "notgvfs/1.0",
             "Mozilla/5.0 (X11; Linux x86_64; rv:109.0) Gecko/20100101 Firefox/115.0",
-            "Mozilla/5.0 (compatible; gvfs; rclone) Safari/605" } },
+            "Mozilla/5.0 (compatible; gvfs; rclone) Safari/605" },
+          FaceAuto,
+          "classic" },
+        { { "gvfs/1.50" }, FaceClassic, "classic" },
+        { { "curl/7" }, FaceStandard, "standard" },
     };
-    for (const auto &[face, agents] : known) {
+    for (const auto &[agents, mode, face] : known) {
+        live->profile->faceMode = mode;
         for (const QByteArray &agent : agents) {
             const RawReply reply = RawClient(live->port()).exchange(getAs(agent));
             QCOMPARE(reply.body, QByteArray("hello"));
             QVERIFY2(faceOf(reply) == face, agent.constData());
         }
-    }
-}
-
-void TestFaces::doesAsTheProfileSays()
-{
-    for (const auto &[mode, face] :
-         { std::pair(FaceClassic, "classic"), std::pair(FaceStandard, "standard") }) {
-        live->profile->faceMode = mode;
-        for (const char *agent : { "gvfs/1.50", "curl/7" })
-            QCOMPARE(faceOf(RawClient(live->port()).exchange(getAs(agent))), QByteArray(face));
     }
 }
 

@@ -26,13 +26,21 @@ inline QByteArray basicLogin(const QByteArray &account)
 constexpr auto lockBody = "<lockinfo xmlns=\"DAV:\"><lockscope><exclusive/></lockscope>"
                           "<locktype><write/></locktype><owner><href>me</href></owner></lockinfo>";
 
-/// A real server of the standard face that shares a fresh folder.
+/// A real server of the standard face that shares a fresh folder of `files`, names and contents.
 class StandardServer : public LiveServer
 {
 public:
-    explicit StandardServer(standard::Routes routes = standard::fileRoutes())
+    using Files = std::initializer_list<std::pair<const char *, QByteArray>>;
+
+    explicit StandardServer(standard::Routes routes)
+        : StandardServer({}, std::move(routes))
+    {
+    }
+    explicit StandardServer(Files files = {}, standard::Routes routes = standard::fileRoutes())
         : LiveServer(standard::standardFaces(std::move(routes)))
     {
+        for (const auto &[name, content] : files)
+            addFile(QString::fromUtf8(name), content);
         start();
     }
 

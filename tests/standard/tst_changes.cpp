@@ -37,14 +37,6 @@ QByteArray destination(const char *path)
     return QByteArray("Destination: ") + path + "\r\n";
 }
 
-/// Hidden ones as well, with blanks between.
-QString namesIn(const QString &folder)
-{
-    return QDir(folder)
-        .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot)
-        .join(QLatin1Char(' '));
-}
-
 } // namespace
 
 class TestChanges : public QObject

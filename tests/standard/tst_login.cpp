@@ -1,7 +1,6 @@
 #include "files/DiskWorker.h"
 #include "server/PasswordChecks.h"
 #include "server/PasswordHash.h"
-#include "standard/http/Digest.h"
 #include "standard/http/Nonces.h"
 #include "tests/standard/StandardTest.h"
 #include "tests/support/Data.h"
@@ -57,7 +56,6 @@ class TestLogin : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void exampleOfTheRfc();
     void noncesHoldOnce();
     void loginByBasic();
     void loginByDigest();
@@ -70,30 +68,6 @@ private Q_SLOTS:
     void answersToItsNamesAlone_data();
     void answersToItsNamesAlone();
 };
-
-/// RFC 7616, section 3.9.1. A program may name another algorithm than the one it took.
-void TestLogin::exampleOfTheRfc()
-{
-    const QByteArray md5 = "8ca523f5e9506fed4657c9700eebdbec";
-    for (const auto &[algorithm, response] :
-         { std::pair("MD5", md5), std::pair("SHA-256", md5),
-           std::pair(
-               "SHA-256",
-               QByteArray("753927fa0e85d155564e2e272a28d1802ca10daf4496794697cf8db5856cb6c1")) }) {
-        const auto credentials = DigestCredentials::parse(
-            QByteArray("Digest username=\"Mufasa\", realm=\"http-auth@example.org\", "
-                       "uri=\"/dir/index.html\", algorithm=")
-            + algorithm
-            + ", nonce=\"7ypf/xlj9XXwfDPEoM4URrv/xwf94BcCAzFZH4GiTo0v\", nc=00000001, "
-              "cnonce=\"f2/wE4q74E6zIJEtWaHKaf5wv/H5QzzpXusqGemxURZJ\", qop=auth, response=\""
-            + response + "\", opaque=\"FQhe/qaU925kfnzjCev0ciny7QMkPqMAFRtzCUYo5tdS\"");
-        QVERIFY(credentials && credentials->fits("GET", "Circle of Life"));
-        QVERIFY(!credentials->fits("PUT", "Circle of Life"));
-        QVERIFY(!credentials->fits("GET", "circle of life"));
-    }
-    for (const char *broken : { "Digest ", "Digest username=\"a", "Digest x", "Basic eDp5" })
-        QVERIFY(!DigestCredentials::parse(broken));
-}
 
 void TestLogin::noncesHoldOnce()
 {
@@ -116,8 +90,7 @@ void TestLogin::noncesHoldOnce()
 
 void TestLogin::loginByBasic()
 {
-    StandardServer server;
-    server.addFile(QStringLiteral("a"), "A");
+    const StandardServer server({ { "a", "A" } });
     server.askForLogin("j\xc3\xbcrg:pass:word b:2");
     const RawReply refused = replyTo(server, "GET", "/a");
     QCOMPARE(refused.status(), QByteArray("401 Unauthorized"));
@@ -127,14 +100,20 @@ void TestLogin::loginByBasic()
              QByteArray("A"));
     for (const char *wrong : { "b:pass:word", "b:", "b", ":", "x:2", "B:2" })
         QCOMPARE(server.status("GET", "/a", basicLogin(wrong)), 401);
+    // Nobody is asked for a body in vain, and a login counts for its own request.
+    const QByteArray announced = "Expect: 100-continue\r\nContent-Length: 5\r\n";
+    QCOMPARE(server.status("PUT", "/new", announced), 401);
+    RawClient client(server.port());
+    client.send(rawRequest("PUT", "/new", basicLogin("b:2"), "12345") + rawRequest("GET", "/a"));
+    QCOMPARE(client.reply().status(), QByteArray("201 Created"));
+    QCOMPARE(client.reply().status(), QByteArray("401 Unauthorized"));
     server.profile->users.clear();
     QCOMPARE(server.status("GET", "/a", basicLogin(":")), 401);
 }
 
 void TestLogin::loginByDigest()
 {
-    StandardServer server;
-    server.addFile(QStringLiteral("a"), "A");
+    const StandardServer server({ { "a", "A" } });
     server.askForLogin("b:2");
     for (const Algorithm algorithm : { QCryptographicHash::Md5, QCryptographicHash::Sha256 }) {
         const Challenge challenge = challengeOf(replyTo(server, "GET", "/a"), algorithm);
@@ -143,6 +122,9 @@ void TestLogin::loginByDigest()
         QCOMPARE(server.status("GET", "/a", digest(challenge, "b", "2", 1, "/other")), 401);
         QCOMPARE(server.status("GET", "/a", digest(challenge, "b", "2", 1)), 200);
         QCOMPARE(server.status("GET", "/a", digest(challenge, "b", "2", 2)), 200);
+        // A program may name another algorithm than the one it took.
+        const QByteArray other = digest(challenge, "b", "2", 3).replace("=MD5", "=SHA-256");
+        QCOMPARE(server.status("GET", "/a", other), 200);
         // Listened to and sent once more.
         const RawReply again = replyTo(server, "GET", "/a", digest(challenge, "b", "2", 2));
         QCOMPARE(again.status(), QByteArray("401 Unauthorized"));
@@ -155,8 +137,7 @@ void TestLogin::loginByDigest()
 
 void TestLogin::anyNameWithThePassword()
 {
-    StandardServer server;
-    server.addFile(QStringLiteral("a"), "A");
+    const StandardServer server({ { "a", "A" } });
     server.profile->authMode = AuthPasswordPage;
     server.profile->password = QStringLiteral("secret");
     QCOMPARE(replyTo(server, "GET", "/a", basicLogin("anybody:secret")).body, QByteArray("A"));
@@ -170,39 +151,31 @@ void TestLogin::anyNameWithThePassword()
 
 void TestLogin::hashedPasswords()
 {
-    StandardServer server;
-    server.addFile(QStringLiteral("a"), "A");
-    server.profile->authMode = AuthBasic;
-    const QString hash = QString::fromLatin1(newPasswordHash("x:y"));
-    server.profile->users = QStringList{ QStringLiteral("a:") + hash };
-    const auto challenges = [&server] { return replyTo(server, "GET", "/a").head; };
-    QVERIFY(!challenges().contains("Digest") && challenges().contains("Basic realm"));
+    const StandardServer server({ { "a", "A" } });
+    const QByteArray hash = newPasswordHash("x:y");
+    server.askForLogin("a:" + hash);
+    const QByteArray challenges = replyTo(server, "GET", "/a").head;
+    QVERIFY(!challenges.contains("Digest") && challenges.contains("Basic realm"));
     // Longer than a moment: the request and what follows it wait.
     RawClient client(server.port());
     client.send(rawRequest("PUT", "/new", basicLogin("a:x:y"), "12345")
                 + rawRequest("GET", "/new", basicLogin("a:x:y")));
     QCOMPARE(client.reply().status(), QByteArray("201 Created"));
     QCOMPARE(client.reply().body, QByteArray("12345"));
-    const QByteArray refused =
-        client.exchange(rawRequest("GET", "/new", basicLogin("a:x"))).status();
-    QCOMPARE(refused, QByteArray("401 Unauthorized"));
-    QCOMPARE(client.exchange(rawRequest("GET", "/a", basicLogin("a:x:y"))).body, QByteArray("A"));
     client.send(rawRequest("GET", "/a", basicLogin("a:gone")));
-    for (const QByteArray &wrong :
-         { QByteArray("a:x"), "a:" + hash.toLatin1(), QByteArray("b:x:y"), QByteArray("a") })
+    for (const QByteArray &wrong : { QByteArray("a:x"), "a:" + hash, QByteArray("b:x:y") })
         QCOMPARE(server.status("GET", "/a", basicLogin(wrong)), 401);
 
     server.profile->users.append(QStringLiteral("b:2"));
     const Challenge challenge = challengeOf(replyTo(server, "GET", "/a"));
     QCOMPARE(server.status("GET", "/a", digest(challenge, "b", "2", 1)), 200);
-    QCOMPARE(server.status("GET", "/a", digest(challenge, "a", hash.toLatin1(), 2)), 401);
-    QCOMPARE(server.status("GET", "/a", basicLogin("b:2")), 200);
-    server.profile->users[0] = QStringLiteral("a:") + QString::fromLatin1(newPasswordHash("z"));
+    QCOMPARE(server.status("GET", "/a", digest(challenge, "a", hash, 2)), 401);
+    server.askForLogin("a:" + newPasswordHash("z"));
     QCOMPARE(server.status("GET", "/a", basicLogin("a:x:y")), 401);
     server.profile->authMode = AuthPasswordPage;
-    server.profile->password = hash;
+    server.profile->password = QString::fromLatin1(hash);
     QCOMPARE(server.status("GET", "/a", basicLogin("anybody:x:y")), 200);
-    QCOMPARE(server.status("GET", "/a", basicLogin("anybody:" + hash.toLatin1())), 401);
+    QCOMPARE(server.status("GET", "/a", basicLogin("anybody:" + hash)), 401);
 }
 
 void TestLogin::hashesAreCheckedInTurn()
@@ -263,8 +236,7 @@ void TestLogin::guessesWait_data()
 void TestLogin::guessesWait()
 {
     QFETCH(const QByteArray, password);
-    StandardServer server;
-    server.addFile(QStringLiteral("a"), "A");
+    StandardServer server({ { "a", "A" } });
     server.askForLogin("b:" + password);
     const QHostAddress stranger(QStringLiteral("127.0.0.2"));
     const QByteArray right = rawRequest("GET", "/a", basicLogin("b:2"));
@@ -339,8 +311,7 @@ void TestLogin::answersToItsNamesAlone_data()
 
 void TestLogin::answersToItsNamesAlone()
 {
-    StandardServer server;
-    server.addFile(QStringLiteral("a"), "A");
+    const StandardServer server({ { "a", "A" } });
     server.profile->strict = 1;
     server.profile->names = QStringList{ QStringLiteral("nas.example") };
     server.profile->trustedProxies = QStringList{ QStringLiteral("127.0.0.1") };

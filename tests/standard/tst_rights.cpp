@@ -14,20 +14,14 @@ constexpr auto patchHeaders = "Content-Type: application/x-sabredav-partialupdat
 constexpr auto propertyBody = "<propertyupdate xmlns=\"DAV:\"><set><prop><x xmlns=\"urn:x\"/>"
                               "</prop></set></propertyupdate>";
 
-QByteArray to(const char *path)
-{
-    return QByteArray("Destination: ") + path + "\r\n";
-}
-
 /// Shares "a", "b", "d/x" and "e/x".
 class SharedFolders : public StandardServer
 {
 public:
     SharedFolders()
-        : StandardServer(withDav(fileRoutes()))
+        : StandardServer({ { "a", "a" }, { "b", "b" }, { "d/x", "d/x" }, { "e/x", "e/x" } },
+                         withDav(fileRoutes()))
     {
-        for (const char *name : { "a", "b", "d/x", "e/x" })
-            addFile(QString::fromLatin1(name), name);
     }
 };
 
@@ -65,15 +59,17 @@ void TestRights::methodsTakeTheirRights_data()
     row("delete a file", "DELETE", "/a", "", "", "delete", 204);
     row("delete a folder", "DELETE", "/d", "", "", "delete", 204);
     row("delete what is missing", "DELETE", "/c", "", "", "delete", 404);
-    row("copy", "COPY", "/d", to("/c"), "", "read, add", 201);
-    row("copy to no folder", "COPY", "/a", to("/no/c"), "", "read, add", 409);
-    row("copy onto a file", "COPY", "/a", to("/b"), "", "read, change", 204);
-    row("file in the place of a folder", "COPY", "/a", to("/d"), "", "read, change, delete", 204);
-    row("folder in the place of a file", "COPY", "/d", to("/a"), "", "read, add, change", 204);
-    row("folder in the place of a folder", "COPY", "/d", to("/e"), "", "read, add, change, delete",
+    row("copy", "COPY", "/d", destination("/c"), "", "read, add", 201);
+    row("copy to no folder", "COPY", "/a", destination("/no/c"), "", "read, add", 409);
+    row("copy onto a file", "COPY", "/a", destination("/b"), "", "read, change", 204);
+    row("file in the place of a folder", "COPY", "/a", destination("/d"), "",
+        "read, change, delete", 204);
+    row("folder in the place of a file", "COPY", "/d", destination("/a"), "", "read, add, change",
         204);
-    row("move", "MOVE", "/d", to("/c"), "", "add, delete", 201);
-    row("move onto a file", "MOVE", "/a", to("/b"), "", "change, delete", 204);
+    row("folder in the place of a folder", "COPY", "/d", destination("/e"), "",
+        "read, add, change, delete", 204);
+    row("move", "MOVE", "/d", destination("/c"), "", "add, delete", 201);
+    row("move onto a file", "MOVE", "/a", destination("/b"), "", "change, delete", 204);
     row("set properties", "PROPPATCH", "/a", "", propertyBody, "change", 207);
     row("lock", "LOCK", "/a", "", lockBody, "change", 200);
     row("lock a new name", "LOCK", "/c", "", lockBody, "add, change", 201);
@@ -138,12 +134,12 @@ void TestRights::homesAreRoots()
     for (const char *path : { "/a", "/d/x", "/../a", "/%2e%2e/a", "/x/../../a" })
         QCOMPARE(server.status("GET", path, mine), 404);
 
-    QCOMPARE(server.status("COPY", "/x", mine + to("/../y")), 201);
+    QCOMPARE(server.status("COPY", "/x", mine + destination("/../y")), 201);
     QCOMPARE(server.fileContent(QStringLiteral("d/y")), QByteArray("d/x"));
     QCOMPARE(server.status("MKCOL", "/s", mine), 201);
     QCOMPARE(replyTo(server, "GET", "/s", mine).header("Location"), QByteArray("/s/"));
     QCOMPARE(server.status("DELETE", "/", mine), 403);
-    QCOMPARE(server.status("MOVE", "/s", mine + to("/")), 409);
+    QCOMPARE(server.status("MOVE", "/s", mine + destination("/")), 409);
 
     // Locks know one name of a file, whoever asks for it.
     const auto lock = [&](const char *path) {

@@ -12,6 +12,13 @@ inline void writeFile(const QString &path, const QByteArray &content)
     QVERIFY(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
 }
 
+/// The names in a folder, hidden ones as well, with blanks between.
+inline QString namesIn(const QString &folder)
+{
+    const auto all = QDir::AllEntries | QDir::System | QDir::Hidden | QDir::NoDotAndDotDot;
+    return QDir(folder).entryList(all).join(QLatin1Char(' '));
+}
+
 /// What `path` holds; nothing when it can't be read.
 inline QByteArray readFile(const QString &path)
 {

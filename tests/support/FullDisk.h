@@ -6,20 +6,31 @@
 
 #include <sys/resource.h>
 
-/// No file of this process grows beyond `size` while it lives: a disk that fills up.
-class FullDisk
+/// This process gets no more of a resource than `most` while it lives.
+class Limited
 {
 public:
-    explicit FullDisk(rlim_t size)
+    Limited(decltype(RLIMIT_FSIZE) which, rlim_t most)
+        : resource(which)
     {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &before);
-        const rlimit limit{ size, before.rlim_max };
-        setrlimit(RLIMIT_FSIZE, &limit);
+        getrlimit(resource, &before);
+        const rlimit limit{ most, before.rlim_max };
+        setrlimit(resource, &limit);
     }
-    ~FullDisk() { setrlimit(RLIMIT_FSIZE, &before); }
+    ~Limited() { setrlimit(resource, &before); }
 
 private:
-    Q_DISABLE_COPY(FullDisk)
+    Q_DISABLE_COPY(Limited)
+    const decltype(RLIMIT_FSIZE) resource;
     rlimit before = {};
+};
+
+/// No file grows beyond `size`: a disk that fills up.
+struct FullDisk : Limited
+{
+    explicit FullDisk(rlim_t size)
+        : Limited(RLIMIT_FSIZE, size)
+    {
+        std::signal(SIGXFSZ, SIG_IGN);
+    }
 };

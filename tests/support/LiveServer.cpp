@@ -4,6 +4,7 @@
 
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QTcpServer>
 #include <QTimer>
 
 #include <utility>
@@ -42,6 +43,16 @@ QByteArray TestHome::profileBytes(const QString &fileName) const
 void TestHome::writeProfile(const QString &fileName, const QByteArray &bytes) const
 {
     writeFile(directories.profiles + fileName, bytes);
+}
+
+void TestHome::storeProfile(const QString &name, const std::function<void(Profile &)> &change) const
+{
+    Profile profile(directories);
+    profile.setFileName(name);
+    profile.name = name;
+    if (change)
+        change(profile);
+    QVERIFY(profile.save());
 }
 
 LiveServer::LiveServer(Routes routes, const QString &previewProgram)
@@ -187,4 +198,10 @@ QByteArray rawRequest(const QByteArray &method, const QByteArray &target, const 
     if (!body.isEmpty())
         request += "Content-Length: " + QByteArray::number(body.size()) + "\r\n";
     return request + "\r\n" + body;
+}
+
+quint16 freePort()
+{
+    QTcpServer probe;
+    return probe.listen(QHostAddress(QHostAddress::LocalHost)) ? probe.serverPort() : quint16(0);
 }

@@ -33,6 +33,9 @@ public:
     QByteArray profileBytes(const QString &fileName) const;
     void writeProfile(const QString &fileName, const QByteArray &bytes) const;
 
+    /// Saves another profile, of the defaults and what `change` makes of them.
+    void storeProfile(const QString &name, const std::function<void(Profile &)> &change = {}) const;
+
 private:
     QTemporaryDir dir;
     QByteArray realHome;
@@ -134,3 +137,12 @@ private:
 /// A body brings its Content-Length along.
 QByteArray rawRequest(const QByteArray &method, const QByteArray &target,
                       const QByteArray &headers = {}, const QByteArray &body = {});
+
+/// A header line; none for an empty value.
+inline QByteArray destination(const QByteArray &value)
+{
+    return value.isEmpty() ? QByteArray() : "Destination: " + value + "\r\n";
+}
+
+/// A port that nothing listens on right now; 0 when there is none.
+quint16 freePort();

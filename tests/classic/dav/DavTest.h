@@ -54,9 +54,3 @@ protected:
     std::unique_ptr<LiveServer> live;
     std::unique_ptr<RawClient> client;
 };
-
-/// A header line; none for an empty value.
-inline QByteArray destination(const QByteArray &value)
-{
-    return value.isEmpty() ? QByteArray() : "Destination: " + value + "\r\n";
-}

@@ -14,7 +14,6 @@ class TestMethods : public DavTest
 private Q_SLOTS:
     void answers_data();
     void answers();
-    void profilesDoNotExist();
     void copyOfAFolder();
     void moveAcrossFileSystems();
     void oneConnection();
@@ -66,23 +65,6 @@ void TestMethods::answers()
     const QByteArray keep = words.size() > 3 ? "Overwrite: " + words[3] + "\r\n" : "";
     QTEST(ask(words[0], words[1], destination(words.value(2)) + keep).status(), "status");
     QVERIFY((there.isEmpty() || isThere(there)) && !isThere(gone));
-}
-
-/// Whatever is shared: their folder is neither found nor changed, and what holds it stays.
-void TestMethods::profilesDoNotExist()
-{
-    const QString profiles = live->home.directories.profiles;
-    const QByteArray hidden = QFile::encodeName(profiles.mid(live->home.path().size()));
-    live->server->setShared(live->home.path());
-    const std::vector<QByteArrayList> exchanges{
-        { "HEAD", hidden, "404 Not Found" },     { "PROPFIND", hidden, "404 Not Found" },
-        { "DELETE", hidden, "200 Not exists" },  { "DELETE", "/", "423 Locked" },
-        { "PUT", hidden + "new", "423 Locked" }, { "MKCOL", hidden + "new", "500 MKPATH Failed" },
-        { "COPY", hidden, "410 Gone", "/c" },    { "MOVE", hidden, "500 Rename Failed", "/c" },
-    };
-    for (const QByteArrayList &row : exchanges)
-        QCOMPARE(row[0] + ask(row[0], row[1], destination(row.value(3))).status(), row[0] + row[2]);
-    QVERIFY(QFileInfo::exists(profiles));
 }
 
 /// The destination nests the names of the folders and then the whole path of each source; folders

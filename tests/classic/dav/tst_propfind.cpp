@@ -147,7 +147,6 @@ void TestPropFind::largeFolder()
     QCOMPARE(ask("DELETE", "/large").status(), QByteArray("200 Dir deleted"));
 }
 
-/// On a socket for both families an IPv4 address arrives in the clothes of IPv6.
 void TestPropFind::aCrowdLeavesTimeForOthers()
 {
     QVERIFY(QDir().mkdir(path("large")));
@@ -165,6 +164,7 @@ void TestPropFind::aCrowdLeavesTimeForOthers()
     QVERIFY2(clock.elapsed() < 1000, qPrintable(QString::number(clock.elapsed())));
 }
 
+/// On a socket for both families an IPv4 address arrives in the clothes of IPv6.
 void TestPropFind::addressOfHrefs()
 {
     QNetworkAddressEntry entry;

@@ -139,13 +139,10 @@ void TestBrowserPages::previewsAppear()
     QCOMPARE(pending.status(), QByteArray("202 Accepted"));
     QVERIFY(pending.body.startsWith(
         "<html><head><meta http-equiv=\"refresh\" content=\"2\"/><title>Quillon</title>"));
-    QVERIFY(pending.body.contains("<img src=\"/_i/image.png\" vspace=\"8\""));
 
     QTRY_COMPARE(get("/").status(), QByteArray("200 OK"));
     const QByteArray url = "/_t/" + live->sharePath().toUtf8() + "/big%20%231.jpg";
-    QVERIFY(get("/").body.contains("<img src=\"" + url + "\" vspace=\"8\""));
     const RawReply preview = get(url);
-    QCOMPARE(QImage::fromData(preview.body, "JPEG").size(), QSize(124, 62));
     QVERIFY(preview.header("Content-Type").isEmpty()
             && preview.header("Content-Disposition").contains("=\"big #1.jpg."));
 
