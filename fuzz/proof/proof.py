@@ -5,6 +5,7 @@ usage: proof.py PATH/TO/quillon-serve PATH/TO/faults.so Faults|Kills|Swaps [TIME
 Everything happens below one temporary folder, home included.
 """
 
+import base64
 import ctypes
 import http.client
 import mmap
@@ -49,6 +50,7 @@ OPERATIONS = [
      {"moved": None, "onto": BEFORE["moved"]}),
     ("DELETE", "/gone", KNOWN, None, {"gone/a": None, "gone/b": None}),
     ("PROPPATCH", "/patched", KNOWN, PATCH, {}),
+    ("resumed", "/.quillon/tus/", {**KNOWN, "Tus-Resumable": "1.0.0"}, NEW, {"resumed": NEW}),
 ]
 
 
@@ -94,19 +96,47 @@ class Proof(unittest.TestCase):
         said = self.server.communicate(timeout=PATIENCE)[1]
         self.assertEqual(self.server.returncode, 0, said)
 
-    def ask(self, method, target, headers, body, *_):
-        """The status; 0 when there is none."""
+    def request(self, method, target, headers, body=None):
+        """The status, 0 when there is none; the reply's fields and body."""
+        client = http.client.HTTPConnection("127.0.0.1", self.port, timeout=PATIENCE)
         try:
-            client = http.client.HTTPConnection("127.0.0.1", self.port, timeout=PATIENCE)
             client.request(method, target, body, {**headers, "Connection": "close"})
             with client.getresponse() as reply:
-                told = reply.read()
-            # What a form has stored is seen in the page that answers it.
-            return reply.status if method != "POST" or b"/form\"" in told else 0
+                return reply.status, reply.headers, reply.read()
         except (OSError, http.client.HTTPException):
-            return 0
+            return 0, {}, b""
         finally:
             client.close()
+
+    def ask(self, method, target, headers, body, *_):
+        """The status; 0 when there is none."""
+        if method == "resumed":
+            return self.upload(target, headers, body)
+        status, _, told = self.request(method, target, headers, body)
+        # What a form has stored is seen in the page that answers it.
+        return status if method != "POST" or b"/form\"" in told else 0
+
+    def upload(self, target, headers, body):
+        """In two pieces, each as often as it takes, from where the server says it is."""
+        name = base64.b64encode(b"resumed").decode()
+        status, fields, _ = self.request("POST", target, {
+            **headers, "Upload-Length": str(len(body)), "Upload-Metadata": f"filename {name}"})
+        if status != 201:
+            return 0
+        place, offset = fields["Location"], 0
+        for _ in range(6):
+            end = len(body) // 2 if offset < len(body) // 2 else len(body)
+            status = self.request("PATCH", place, {
+                **headers, "Upload-Offset": str(offset),
+                "Content-Type": "application/offset+octet-stream"}, body[offset:end])[0]
+            if status == 204 and end == len(body):
+                return status
+            known, fields, _ = self.request("HEAD", place, headers)
+            if known != 200:
+                break
+            offset = int(fields["Upload-Offset"])
+        self.request("DELETE", place, headers)
+        return 0
 
     def fill_share(self, kept="none"):
         for path in self.share.iterdir():
