@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds Quillon and starts it.
 #   ./run.sh                     with a display: the window; without one: serves ~/Public
-#   ./run.sh PATH                the same; without a display: serves this file or folder
+#   ./run.sh PATH                the same with this file or folder
 #   ./run.sh [PATH] OPTIONS      always the console program, with its options, for example --port 8081
 set -euo pipefail
 # shellcheck source=scripts/common.sh
@@ -38,9 +38,8 @@ wants_window() {
 }
 
 start_window() {
-    [[ -z $path ]] || say "The window chooses what it shares; for $path use its button \"File\"."
     say "Starting the window"
-    exec "$ROOT/build/bin/quillon"
+    exec "$ROOT/build/bin/quillon" ${path:+-- "$(realpath -ms -- "$path")"}
 }
 
 start_console() {

@@ -5,20 +5,47 @@
 #include "config/Utf8Names.h"
 #include "desktop/look/Look.h"
 #include "desktop/look/StartUp.h"
+#include "desktop/widgets/Prompts.h"
 #include "desktop/window/EventHandler.h"
 #include "desktop/window/FirstInstance.h"
 #include "desktop/window/MainWindow.h"
+#include "desktop/window/ServerRow.h"
 #include "files/Previews.h"
 #include "server/Engine.h"
 
 #include <QApplication>
-#include <QFile>
-#include <QFileInfo>
 #include <QSessionManager>
 
-#include <cstdlib>
+#include <iostream>
+
+#include <unistd.h>
 
 namespace {
+
+enum ExitStatus { Done = 0, Failed = 1, WrongUsage = 2 };
+
+/// Prints what is asked for instead of a start; false when nothing is. Needs no display.
+bool printsInformation(int argc, char **argv)
+{
+    const QCoreApplication app(argc, argv);
+    const QString information = readCommandLine(QCoreApplication::arguments()).information;
+    std::cout << information.toStdString();
+    return !information.isEmpty();
+}
+
+void complain(const QString &problem)
+{
+    std::cerr << "quillon: " << problem.toStdString() << '\n';
+}
+
+int fail(const QString &problem)
+{
+    complain(problem);
+    // Started from a menu or a file manager: nobody reads what is printed.
+    if (!::isatty(STDERR_FILENO))
+        warn(nullptr, problem);
+    return Failed;
+}
 
 /// The session ends: nobody may be there to answer a question, and there is little time.
 void endWithTheSession(QApplication *app, MainWindow *window)
@@ -48,41 +75,46 @@ int main(int argc, char **argv)
     QApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
 #endif
-    Q_INIT_RESOURCE(icons);
-    QApplication app(argc, argv);
     QApplication::setOrganizationName(QStringLiteral("Tessaroy"));
     QApplication::setApplicationName(QStringLiteral("Quillon"));
     QApplication::setApplicationVersion(QStringLiteral(QUILLON_VERSION));
+    if (printsInformation(argc, argv))
+        return Done;
+    Q_INIT_RESOURCE(icons);
+    QApplication app(argc, argv);
     QApplication::setDesktopFileName(QStringLiteral("example.quillon.Quillon"));
+    const CommandLine line = readCommandLine(QApplication::arguments());
+    if (!line.mistake.isEmpty()) {
+        complain(line.mistake + QLatin1String("\nTry --help."));
+        return WrongUsage;
+    }
+    endSignals.quitOnFirst(&app);
     Look look;
     look.takeStored();
     const Directories directories = Directories::ofProcess();
     const bool hasFolder = directories.makeProfileFolder();
-    // "root" is no path, but the mode that the window is to start in.
-    const QString argument = QFile::decodeName(argc > 1 ? argv[1] : "");
-    const bool isMode = argument == QLatin1String("root");
-    const QString path =
-        argument.isEmpty() || isMode ? QString() : QFileInfo(argument).absoluteFilePath();
-    FirstInstance first(directories.profiles);
-    if (first.handOver(path))
-        return EXIT_SUCCESS;
-    const WorkingFolder workingFolder;
     installTranslators(&app, directories.language);
+    const QString path = line.request.path;
+    if (const QString refusal = shareRefusal(path); !path.isEmpty() && !refusal.isEmpty())
+        return fail(refusal);
+    FirstInstance first(directories.profiles);
+    if (first.handOver(line.request))
+        return Done;
+    const WorkingFolder workingFolder;
 
     Profiles profiles(directories);
     Previews::sweep(previewFolder());
     Previews previews(previewProgram(), previewFolder());
     EventHandler events;
     Engine engine(allFaces(), directories, &events, &previews);
-    MainWindow window(&profiles, &look, &events, engine.setup(), argc > 1 ? argv[1] : nullptr);
+    MainWindow window(&profiles, &look, &events, engine.setup(), line.rootMode);
     if (!hasFolder)
         events.msg(MainWindow::tr("Can't make the folder"), directories.profiles);
     if (!workingFolder.isEntered())
         events.msg(MainWindow::tr("Can't make the folder"), WorkingFolder::usualPlace());
     QObject::connect(&first, &FirstInstance::called, &window, &MainWindow::call);
-    endSignals.quitOnFirst(&app);
     endWithTheSession(&app, &window);
-    window.call(path);
+    window.call(line.request);
     const int status = QApplication::exec();
     window.endInOrder();
     return status;

@@ -15,8 +15,9 @@ using namespace std::chrono_literals;
 
 namespace {
 
-// Between two programs of one user: the caller sends a path in UTF-8 and a NUL, which no path has,
-// and the window sends the NUL back.
+// Between two programs of one user: the caller sends a plus if rows are to start, an absolute path
+// in UTF-8 or none, and a NUL, which no path has; the window sends the NUL back.
+constexpr char startMark = '+';
 constexpr char endOfPath = '\0';
 constexpr int longestPath = 64 * 1024; ///< bytes
 constexpr auto patience = 2000ms;
@@ -36,7 +37,7 @@ FirstInstance::FirstInstance(const QString &folder)
     });
 }
 
-bool FirstInstance::handOver(const QString &path)
+bool FirstInstance::handOver(const StartRequest &request)
 {
     if (!lock.isOpen())
         return false;
@@ -45,7 +46,8 @@ bool FirstInstance::handOver(const QString &path)
         return false;
     }
     // It may have begun at the same time, and not be listening yet.
-    const QByteArray message = path.toUtf8() + endOfPath;
+    const QByteArray message =
+        QByteArray(request.startsRows ? 1 : 0, startMark) + request.path.toUtf8() + endOfPath;
     for (QDeadlineTimer wait(patience); !wait.hasExpired(); QThread::msleep(pause)) {
         if (tell(message))
             return true;
@@ -90,5 +92,7 @@ void FirstInstance::answer(QLocalSocket *caller)
     disconnect(caller, &QLocalSocket::readyRead, this, nullptr);
     caller->write(QByteArray(1, endOfPath));
     caller->disconnectFromServer();
-    Q_EMIT called(QString::fromUtf8(message.left(end)));
+    const bool startsRows = message.at(0) == startMark;
+    const int begin = startsRows ? 1 : 0;
+    Q_EMIT called({ QString::fromUtf8(message.mid(begin, end - begin)), startsRows });
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desktop/window/StartRequest.h"
 #include "files/FileDescriptor.h"
 
 #include <QLocalServer>
@@ -17,13 +18,12 @@ public:
     /// `folder` is the user's own and ends with a slash.
     explicit FirstInstance(const QString &folder);
 
-    /// Hands `path`, absolute or empty, to the window that runs already. False when none runs, and
-    /// later starts are heard from now on, or when it doesn't answer.
-    bool handOver(const QString &path);
+    /// Hands `request` to the window that runs already. False when none runs, and later starts are
+    /// heard from now on, or when it doesn't answer.
+    bool handOver(const StartRequest &request);
 
 Q_SIGNALS:
-    /// Another start; `path` is what it was to share, empty for nothing.
-    void called(const QString &path);
+    void called(const StartRequest &request); ///< by another start
 
 private:
     void listen();

@@ -22,7 +22,6 @@
 #include <QVBoxLayout>
 
 #include <chrono>
-#include <cstring>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -65,7 +64,7 @@ QString trafficLimitText(const WebServer &server)
 }
 
 MainWindow::MainWindow(Profiles *choice, Look *lookInUse, EventHandler *sink,
-                       const std::shared_ptr<const ServerSetup> &common, const char *mode,
+                       const std::shared_ptr<const ServerSetup> &common, bool rootMode,
                        AddressSource source)
     : profiles(choice)
     , events(sink)
@@ -78,7 +77,6 @@ MainWindow::MainWindow(Profiles *choice, Look *lookInUse, EventHandler *sink,
     m_reachability = std::make_unique<Reachability>(rows(), profiles);
     events->watch(rows());
 
-    const bool rootMode = mode && std::strcmp(mode, "root") == 0;
     addresses = new AddressList(profiles, keeper(), rootMode, this);
     menu = new MainMenu(lookInUse, profiles->directories().language, this);
     panel = new RowPanel(profiles, keeper(), menu, this);
@@ -301,12 +299,15 @@ void MainWindow::saveGeometryNow()
         QSettings().setValue(geometryKey, saveGeometry());
 }
 
-void MainWindow::call(const QString &path)
+void MainWindow::call(const StartRequest &request)
 {
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
     raise();
     activateWindow();
-    if (!path.isEmpty())
-        panel->share(path);
+    if (!request.path.isEmpty() && !panel->share(request.path))
+        return;
+    // Queued: it may ask, and who calls is not to wait for the answer.
+    if (request.startsRows)
+        QMetaObject::invokeMethod(rows(), &ServerRows::startShown, Qt::QueuedConnection);
 }

@@ -2,6 +2,7 @@
 
 #include "desktop/window/Reachability.h"
 #include "desktop/window/RowKeeper.h"
+#include "desktop/window/StartRequest.h"
 
 #include <QMainWindow>
 #include <QSet>
@@ -24,9 +25,9 @@ class MainWindow : public QMainWindow
     Q_OBJECT
 public:
     /// `choice`, `lookInUse` and `sink` are borrowed. `common` is for all servers, which report to
-    /// `sink`. `mode` is the first command-line argument, null when there is none.
+    /// `sink`. In root mode ports up to 1024 can be used.
     MainWindow(Profiles *choice, Look *lookInUse, EventHandler *sink,
-               const std::shared_ptr<const ServerSetup> &common, const char *mode,
+               const std::shared_ptr<const ServerSetup> &common, bool rootMode,
                AddressSource source = deviceAddresses);
     ~MainWindow() override;
 
@@ -39,8 +40,9 @@ public:
     /// Stops and saves everything without a question. False when something can't be saved.
     bool endInOrder();
 
-    /// Comes to the front, as another start wants it, and shares `path` unless it is empty.
-    void call(const QString &path);
+    /// Comes to the front, and does what a start asks for. Rows don't start with other content than
+    /// it names.
+    void call(const StartRequest &request);
 
 public Q_SLOTS:
     void setExpertMode(bool on);

@@ -126,17 +126,18 @@ void RowPanel::showMode(bool expert)
     startButton->setVisible(expert);
 }
 
-void RowPanel::share(const QString &path, ServerRow *row)
+bool RowPanel::share(const QString &path, ServerRow *row)
 {
     if (const QString refusal = shareRefusal(path); !refusal.isEmpty()) {
         showBox(window(), QMessageBox::Warning, refusal);
-        return;
+        return false;
     }
     keeper->share(path, row);
     sharedLink->setLink(shownPath(path), {});
     showCurrent(keeper->rows()->current());
     profiles->global()->amend([&path](Profile &global) { global.addRecentFile(path); });
     fileMenu->showRecent(profiles->global()->recentFiles);
+    return true;
 }
 
 void RowPanel::showCurrent(ServerRow *row)

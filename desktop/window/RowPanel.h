@@ -27,8 +27,8 @@ public:
 
 public Q_SLOTS:
     /// Shares `path` through `row` from now on, or through the current one. What can't be shared is
-    /// refused with a word.
-    void share(const QString &path, ServerRow *row = nullptr);
+    /// refused with a word: false.
+    bool share(const QString &path, ServerRow *row = nullptr);
 
 Q_SIGNALS:
     /// Those of the current row's profile.

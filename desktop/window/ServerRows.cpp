@@ -152,8 +152,8 @@ bool ServerRows::isRunning() const
 
 bool ServerRows::start(const QPointer<ServerRow> &row)
 {
-    // A row may go while the user thinks.
-    while (row && rows.contains(row.data())) {
+    // A row may go, or be started, while the user thinks.
+    while (row && rows.contains(row.data()) && !row->isListening()) {
         const StartDoubt doubt = row->doubt();
         if (doubt == StartDoubt::None) {
             row->start();
@@ -179,7 +179,13 @@ void ServerRows::toggle(ServerRow *row)
 void ServerRows::startOrStop()
 {
     if (isRunning())
-        return stopAll();
+        stopAll();
+    else
+        startShown();
+}
+
+void ServerRows::startShown()
+{
     const QList<ServerRow *> shown = shownRows();
     if (shown.isEmpty())
         setup->sink->msg(tr("There is no address to serve at"), tr("Connect to a network first."));

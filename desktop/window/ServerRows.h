@@ -58,8 +58,10 @@ public:
     bool start(const QPointer<ServerRow> &row);
     void toggle(ServerRow *row);
 
-    /// Stops all servers when one is running, else starts those that are shown. The status sink
-    /// hears when there is none.
+    /// Starts those that are shown. The status sink hears when there is none.
+    void startShown();
+
+    /// Stops all servers when one is running, else starts those that are shown.
     void startOrStop();
     void stopAll();
 

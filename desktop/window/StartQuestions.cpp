@@ -12,6 +12,7 @@
 #include <QPushButton>
 
 #include <algorithm>
+#include <utility>
 
 StartQuestions::StartQuestions(ServerRows *asking, RowPanel *shares, QWidget *window)
     : QObject(window)
@@ -24,6 +25,16 @@ StartQuestions::StartQuestions(ServerRows *asking, RowPanel *shares, QWidget *wi
 }
 
 StartAnswer StartQuestions::ask(ServerRow *row, StartDoubt doubt)
+{
+    // Another start of the program wants the same meanwhile.
+    if (std::exchange(isAsking, true))
+        return StartAnswer::No;
+    const StartAnswer answer = askAbout(row, doubt);
+    isAsking = false;
+    return answer;
+}
+
+StartAnswer StartQuestions::askAbout(ServerRow *row, StartDoubt doubt)
 {
     switch (doubt) {
     case StartDoubt::HomeIsOpen:

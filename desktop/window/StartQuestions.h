@@ -24,6 +24,7 @@ public:
 
 private:
     StartAnswer ask(ServerRow *row, StartDoubt doubt);
+    StartAnswer askAbout(ServerRow *row, StartDoubt doubt);
     StartAnswer askAboutHome(ServerRow *row);
     StartAnswer askAboutLogin(ServerRow *row);
     StartAnswer askAboutLimit(const ServerRow *row);
@@ -34,6 +35,7 @@ private:
     RowPanel *panel;
     QWidget *parent;
     QPointer<QMessageBox> keysBox; ///< one tells of all rows
+    bool isAsking = false; ///< a question is open
 };
 
 /// Whether `stopping` may be cut off: asks over `window` when files are under way and their profile

@@ -113,18 +113,18 @@ struct Desktop : Device
         open();
     }
 
-    void open(const char *mode = nullptr)
+    void open(bool rootMode = false)
     {
-        window = makeWindow(mode);
+        window = makeWindow(rootMode);
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window.get()));
     }
 
     /// Not shown yet.
-    std::unique_ptr<MainWindow> makeWindow(const char *mode = nullptr)
+    std::unique_ptr<MainWindow> makeWindow(bool rootMode = false)
     {
         return std::make_unique<MainWindow>(home.profiles.get(), &look, &events, engine.setup(),
-                                            mode, source());
+                                            rootMode, source());
     }
 
     /// Closes the window in order and lets it go; the next run begins.

@@ -51,6 +51,33 @@ private Q_SLOTS:
                  QStringLiteral("/res/3 /res /res/<b>& /res/4"));
     }
 
+    void anotherStart()
+    {
+        Desktop desktop;
+        desktop.addFile("a");
+        boxText([&] { desktop.window->call({ desktop.path("none"), true }); });
+        QTest::qWait(0);
+        QVERIFY(!desktop.rows()->isRunning()); // with what was shared before
+        for (const char *run : { "starts", "goes on" }) {
+            desktop.window->call({ desktop.path("a"), true });
+            QTest::qWait(0);
+            QVERIFY2(desktop.rows()->isRunning(), run);
+        }
+        QCOMPARE(desktop.window->findChild<LinkLabel *>()->linkText(), desktop.path("a"));
+
+        desktop.rows()->stopAll();
+        desktop.panel()->share(desktop.home.path());
+        QSettings().clear(); // nobody has agreed to that yet
+        const auto start = [&] { desktop.window->call({ {}, true }); };
+        inModal<QMessageBox>(start, [&](QMessageBox *box) {
+            start();
+            QTest::qWait(0);
+            QCOMPARE(QApplication::activeModalWidget(), box); // it asks once
+            box->button(QMessageBox::Cancel)->click();
+        });
+        QVERIFY(!desktop.rows()->isRunning());
+    }
+
     void startButton()
     {
         Desktop desktop;
@@ -127,7 +154,7 @@ private Q_SLOTS:
         desktop.addFile(".quillon/work.cnf", "junk");
         desktop.global()->amend([](Profile &global) { global.warningMode = Qt::Checked; });
         desktop.home.restart();
-        const QString root = boxText([&] { desktop.open("root"); });
+        const QString root = boxText([&] { desktop.open(true); });
         QVERIFY(root.startsWith(QLatin1String("The server run as root!\n")));
         QVERIFY(boxText([] {}).contains(desktop.path(".quillon/work.cnf.bad\n")));
         QVERIFY(boxText([] {}).endsWith(desktop.path(".quillon/list.ini")));

@@ -344,20 +344,38 @@ private Q_SLOTS:
         auto first = std::make_unique<FirstInstance>(folder);
         QVERIFY(!first->handOver({}));
         QStringList called;
-        connect(first.get(), &FirstInstance::called, [&](const QString &path) { called << path; });
+        connect(first.get(), &FirstInstance::called, [&](const StartRequest &request) {
+            called << request.path + QLatin1String(request.startsRows ? " starts" : "");
+        });
         QLocalSocket silent;
         silent.connectToServer(folder + QLatin1String("window.socket"));
         QVERIFY(silent.waitForConnected());
         std::thread other([&folder] {
-            FirstInstance(folder).handOver(QStringLiteral("/a b\n/ü"));
+            FirstInstance(folder).handOver({ QStringLiteral("/a b\n/ü"), true });
             FirstInstance(folder).handOver({});
         });
         QTRY_COMPARE(called.size(), 2);
         other.join();
-        QCOMPARE(called, QStringList({ QStringLiteral("/a b\n/ü"), QString() }));
+        QCOMPARE(called, QStringList({ QStringLiteral("/a b\n/ü starts"), QString() }));
         QTRY_COMPARE(silent.state(), QLocalSocket::UnconnectedState);
         first.reset();
         QVERIFY(!FirstInstance(folder).handOver({}));
+    }
+
+    void commandLine()
+    {
+        const auto read = [](const char *words) {
+            return readCommandLine(
+                QStringLiteral("quillon %1").arg(QLatin1String(words)).split(QLatin1Char(' ')));
+        };
+        const CommandLine all = read("root --start /a");
+        QVERIFY(all.rootMode && all.request.startsRows && all.mistake.isEmpty());
+        QCOMPARE(all.request.path, QStringLiteral("/a"));
+        QCOMPARE(read("./root").request.path, QDir::current().filePath(QStringLiteral("root")));
+        for (const char *words : { "--share a", "-reverse", "--start=no", "a b", "" })
+            QVERIFY2(!read(words).mistake.isEmpty() && read(words).information.isEmpty(), words);
+        QVERIFY(read("-reverse --help").information.contains(QLatin1String("--start")));
+        QVERIFY(read("--version").information.startsWith(QLatin1String("Quillon ")));
     }
 
     void ports()
