@@ -14,11 +14,15 @@
 
 #include <QCloseEvent>
 #include <QDesktopServices>
+#include <QDir>
+#include <QDropEvent>
 #include <QLabel>
+#include <QMimeData>
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
 #include <QSettings>
+#include <QUrl>
 #include <QVBoxLayout>
 
 #include <chrono>
@@ -42,6 +46,16 @@ QScrollArea *scrolled(QWidget *content)
     area->setWidget(content);
     scrollByFinger(area);
     return area;
+}
+
+/// The path of the file or folder; empty when there are several, or one that is elsewhere.
+QString droppedPath(const QMimeData *dropped)
+{
+    const QList<QUrl> urls = dropped->urls();
+    const bool isOne = urls.size() == 1 && urls.constFirst().isLocalFile();
+    // A "file" may name another computer, too.
+    const bool isHere = isOne && urls.constFirst().host().isEmpty();
+    return isHere ? QDir::cleanPath(urls.constFirst().toLocalFile()) : QString();
 }
 
 void setTabOrders(const QList<QWidget *> &order)
@@ -148,6 +162,7 @@ void MainWindow::layOut()
     layout->addWidget(statusLine);
 
     setCentralWidget(scrolled(content));
+    setAcceptDrops(true);
     QList<QWidget *> tabOrder = panel->tabOrder();
     tabOrder += { addresses->table(), addresses->startButton(), addresses->statusLabel() };
     setTabOrders(tabOrder);
@@ -244,6 +259,27 @@ void MainWindow::setExpertMode(bool on)
     rows()->mode()->setExpert(on);
     menu->showMode(on);
     panel->showMode(on);
+}
+
+// --- what is dropped on the window --------------------------------------------------------------
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (!event->mimeData()->hasUrls())
+        return;
+    // Whoever lets it be dragged must not take it for moved.
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    event->setDropAction(Qt::CopyAction);
+    event->accept();
+    if (const QString path = droppedPath(event->mimeData()); !path.isEmpty())
+        panel->share(path);
+    else
+        showBox(this, QMessageBox::Warning, tr("Drop one file or folder of this computer."));
 }
 
 // --- the end ------------------------------------------------------------------------------------

@@ -7,6 +7,7 @@
 #include "tests/desktop/Widgets.h"
 
 #include <QMenu>
+#include <QMimeData>
 #include <QPushButton>
 
 class tst_mainwindow : public QObject
@@ -76,6 +77,33 @@ private Q_SLOTS:
             box->button(QMessageBox::Cancel)->click();
         });
         QVERIFY(!desktop.rows()->isRunning());
+    }
+
+    void drop()
+    {
+        Desktop desktop;
+        desktop.addFile("a b/c");
+        const auto dropped = [&](const QString &uris) {
+            QMimeData data;
+            data.setData(QStringLiteral("text/uri-list"), uris.toUtf8());
+            QDragEnterEvent enter(QPoint(), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
+                                  Qt::NoModifier);
+            QDropEvent drop(QPoint(), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
+                            Qt::NoModifier);
+            QApplication::sendEvent(desktop.window.get(), &enter);
+            QApplication::sendEvent(desktop.window.get(), &drop);
+            return enter.isAccepted() && drop.dropAction() == Qt::CopyAction;
+        };
+        const QString folder = QLatin1String("file://") + desktop.path("a%20b/");
+        QVERIFY(dropped(folder));
+        QCOMPARE(desktop.global()->recentFiles, QStringList(desktop.path("a b")));
+        for (const QString &uris :
+             { folder + QLatin1String("\r\n") + folder, QStringLiteral("http://192.0.2.1/a"),
+               QLatin1String("file://elsewhere") + desktop.path("a%20b/c") })
+            QVERIFY(boxText([&] { dropped(uris); }).startsWith(QLatin1String("Drop one file")));
+        const QString none = QLatin1String("file://") + desktop.path("none");
+        QVERIFY(boxText([&] { dropped(none); }).endsWith(QLatin1String("not exists!")));
+        QCOMPARE(desktop.global()->recentFiles.size(), 1);
     }
 
     void startButton()

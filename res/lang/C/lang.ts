@@ -663,6 +663,10 @@
         <source>Files are being transferred; stopping cuts them off.</source>
         <translation>Files are being transferred; stopping cuts them off.</translation>
     </message>
+    <message>
+        <source>Drop one file or folder of this computer.</source>
+        <translation>Drop one file or folder of this computer.</translation>
+    </message>
 </context>
 <context>
     <name>FileMenu</name>

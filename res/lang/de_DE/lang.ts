@@ -663,6 +663,10 @@
         <source>Files are being transferred; stopping cuts them off.</source>
         <translation>Es werden gerade Dateien übertragen; das Anhalten bricht sie ab.</translation>
     </message>
+    <message>
+        <source>Drop one file or folder of this computer.</source>
+        <translation>Lassen Sie eine Datei oder einen Ordner dieses Computers fallen, nichts sonst.</translation>
+    </message>
 </context>
 <context>
     <name>FileMenu</name>

@@ -663,6 +663,10 @@
         <source>Files are being transferred; stopping cuts them off.</source>
         <translation>Se están transfiriendo archivos; al detener se cortan.</translation>
     </message>
+    <message>
+        <source>Drop one file or folder of this computer.</source>
+        <translation>Suelte un solo archivo o una sola carpeta de este ordenador.</translation>
+    </message>
 </context>
 <context>
     <name>FileMenu</name>

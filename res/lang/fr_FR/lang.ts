@@ -663,6 +663,10 @@
         <source>Files are being transferred; stopping cuts them off.</source>
         <translation>Des fichiers sont en cours de transfert ; l’arrêt les interrompt.</translation>
     </message>
+    <message>
+        <source>Drop one file or folder of this computer.</source>
+        <translation>Déposez un seul fichier ou dossier de cet ordinateur.</translation>
+    </message>
 </context>
 <context>
     <name>FileMenu</name>
