@@ -46,7 +46,9 @@ SettingsDialog::SettingsDialog(Profile *edited, SettingsScope offered, Configura
     , view(new PageView(this))
     , applyButton(new Finger<QPushButton>(tr("&Apply")))
 {
-    setWindowTitle(tr("Configuration Settings"));
+    // A file that could not be read gives no name.
+    setWindowTitle(tr("Configuration Settings")
+                   + (profile->name.isEmpty() ? QString() : QLatin1String(": ") + profile->name));
     addPages();
     view->setCurrentRow(page == lastShownPage ? profile->lastPage : page);
 

@@ -3,26 +3,28 @@
 #include "desktop/widgets/Prompts.h"
 #include "desktop/widgets/Touch.h"
 
-#include <QDir>
-
-namespace {
-
-constexpr int longestRecentPath = 17;
-
-} // namespace
-
 FileMenu::FileMenu(QWidget *parent)
     : QMenu(parent)
 {
     sizeForFingers(this);
-    addAction(tr("Select Folder"), this, &FileMenu::browseFolder);
-    addAction(tr("Select File"), this, &FileMenu::browseFile);
+    setToolTipsVisible(true);
+    addSearch(tr("Select Folder"), "Ctrl+O", &FileMenu::browseFolder);
+    addSearch(tr("Select File"), "Ctrl+Shift+O", &FileMenu::browseFile);
     for (QAction *&action : recent) {
         action = addAction(QString());
         action->setVisible(false);
         connect(action, &QAction::triggered, this,
                 [this, action] { choose(action->data().toString()); });
     }
+    // The window may be held the other way by then.
+    connect(this, &QMenu::aboutToShow, this, &FileMenu::fitRecent);
+}
+
+void FileMenu::addSearch(const QString &text, const char *keys, void (FileMenu::*search)())
+{
+    QAction *action = addAction(text, this, search);
+    action->setShortcut(QKeySequence::fromString(QLatin1String(keys)));
+    parentWidget()->addAction(action);
 }
 
 void FileMenu::browseFolder()
@@ -48,13 +50,34 @@ void FileMenu::showRecent(const QStringList &paths)
         recent[i]->setVisible(used);
         if (!used)
             continue;
-        recent[i]->setText(recentFileLabel(paths.at(int(i))));
-        recent[i]->setData(paths.at(int(i)));
+        const QString &path = paths.at(int(i));
+        recent[i]->setData(path);
+        // The tag says that it is escaped.
+        recent[i]->setToolTip(QLatin1String("<p>") + path.toHtmlEscaped());
     }
+    fitRecent();
 }
 
-QString recentFileLabel(const QString &path)
+void FileMenu::fitRecent()
 {
-    const QString label = path.size() > longestRecentPath ? QDir(path).dirName() : path;
-    return QString(label).replace(QLatin1Char('&'), QLatin1String("&&"));
+    const int width = parentWidget()->width();
+    const QList<QAction *> all = actions();
+    int keys = 0;
+    for (const QAction *action : all) {
+        const QString text = action->shortcut().toString(QKeySequence::NativeText);
+        keys = qMax(keys, fontMetrics().horizontalAdvance(text));
+    }
+    // Large letters on a small screen leave room for the paths alone.
+    const bool showsKeys = keys < width / 3;
+    for (QAction *action : all)
+        action->setShortcutVisibleInContextMenu(showsKeys);
+    const int room = width - (showsKeys ? keys : 0) - 2 * fingerSize;
+    for (QAction *action : recent)
+        action->setText(recentFileLabel(action->data().toString(), fontMetrics(), room));
+}
+
+QString recentFileLabel(const QString &path, const QFontMetrics &metrics, int room)
+{
+    return metrics.elidedText(path, Qt::ElideMiddle, room)
+        .replace(QLatin1Char('&'), QLatin1String("&&"));
 }

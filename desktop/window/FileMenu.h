@@ -17,6 +17,7 @@ public:
     /// Where the search for a file or folder begins.
     void setStart(const QString &folder) { start = folder; }
 
+    /// By their whole paths, as far as the window's width has room.
     void showRecent(const QStringList &paths);
 
 public Q_SLOTS:
@@ -28,11 +29,13 @@ Q_SIGNALS:
     void chosen(const QString &path);
 
 private:
+    void addSearch(const QString &text, const char *keys, void (FileMenu::*search)());
+    void fitRecent();
     void choose(const QString &path);
 
     QString start;
     std::array<QAction *, Profile::maxRecentFiles> recent = {};
 };
 
-/// How a recent file is named in the menu: long paths by their last part.
-QString recentFileLabel(const QString &path);
+/// How a recent file is named in the menu: long paths lack their middle. `room` is in pixels.
+QString recentFileLabel(const QString &path, const QFontMetrics &metrics, int room);

@@ -16,18 +16,22 @@ MainMenu::MainMenu(Look *lookInUse, const QString &language, QWidget *parent)
     : QMenu(parent)
 {
     sizeForFingers(this);
+    const QAction *copy = addNamed("copyAddress", WindowText::tr("Copy address"), "Ctrl+C");
     reloadPublic = addNamed("reloadPublic", WindowText::tr("Reload public addressess"));
-    reloadLocal = addNamed("reloadLocal", WindowText::tr("Reload local addresses"));
+    reloadLocal = addNamed("reloadLocal", WindowText::tr("Reload local addresses"), "F5");
     settings = addNamed("settings", WindowText::tr("Settings"));
     const QAction *look = addNamed("lookAndFeel", WindowText::tr("Look and Feel"));
     expertMode = addNamed("expertMode", WindowText::tr("Expert mode"));
     expertMode->setCheckable(true);
-    QAction *help = addNamed("help", WindowText::tr("Help"));
+    const QAction *help = addNamed("help", WindowText::tr("Help"), "F1");
     const QAction *aboutProgram = addNamed("about", WindowText::tr("About Quillon"));
     const QAction *aboutQt = addNamed("aboutQt", WindowText::tr("About Qt"));
+    const QAction *quit = addNamed("quit", WindowText::tr("Quit"), "Ctrl+Q");
 
+    connect(copy, &QAction::triggered, this, &MainMenu::addressWanted);
     connect(reloadPublic, &QAction::triggered, this, &MainMenu::publicReloadWanted);
-    connect(reloadLocal, &QAction::triggered, this, &MainMenu::localReloadWanted);
+    // By the parent: a menu cuts what connects it to an entry that it loses.
+    connect(reloadLocal, &QAction::triggered, parent, [this] { Q_EMIT localReloadWanted(); });
     connect(settings, &QAction::triggered, this, &MainMenu::settingsWanted);
     connect(look, &QAction::triggered, this,
             [lookInUse, parent] { LookDialog(lookInUse, parent).exec(); });
@@ -36,15 +40,15 @@ MainMenu::MainMenu(Look *lookInUse, const QString &language, QWidget *parent)
             [language, parent] { MessageDialog::help(language, QStringLiteral("index"), parent); });
     connect(aboutProgram, &QAction::triggered, this, &MainMenu::about);
     connect(aboutQt, &QAction::triggered, this, [parent] { QMessageBox::aboutQt(parent); });
-
-    help->setShortcut(QKeySequence::HelpContents);
-    parent->addAction(help);
+    connect(quit, &QAction::triggered, parent, &QWidget::close);
 }
 
-QAction *MainMenu::addNamed(const char *name, const QString &text)
+QAction *MainMenu::addNamed(const char *name, const QString &text, const char *keys)
 {
     QAction *action = addAction(text);
     action->setObjectName(QLatin1String(name));
+    action->setShortcut(QKeySequence::fromString(QLatin1String(keys)));
+    parentWidget()->addAction(action);
     return action;
 }
 
@@ -54,7 +58,10 @@ void MainMenu::showMode(bool expert)
     settings->setText(expert ? WindowText::tr("Global Default Settings")
                              : WindowText::tr("Settings"));
     reloadPublic->setVisible(expert);
-    reloadLocal->setVisible(expert);
+    // Its key acts in both modes.
+    removeAction(reloadLocal);
+    if (expert)
+        insertAction(settings, reloadLocal);
 }
 
 void MainMenu::about()

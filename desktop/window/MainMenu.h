@@ -4,8 +4,8 @@
 
 class Look;
 
-/// The menu of what concerns all rows, and of help. A child of the main window, whose F1 key opens
-/// the help.
+/// The menu of what concerns all rows, and of help. A child of the main window, where the keys of
+/// its entries act.
 class MainMenu : public QMenu
 {
     Q_OBJECT
@@ -20,12 +20,13 @@ Q_SIGNALS:
     void publicReloadWanted();
     void localReloadWanted();
     void settingsWanted();
+    void addressWanted(); ///< in the clipboard
 
     /// The user has switched the mode; `showMode` takes that back.
     void expertModeWanted(bool on);
 
 private:
-    QAction *addNamed(const char *name, const QString &text);
+    QAction *addNamed(const char *name, const QString &text, const char *keys = "");
     void about();
 
     QAction *reloadPublic = nullptr;

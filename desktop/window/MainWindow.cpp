@@ -12,10 +12,12 @@
 #include "desktop/window/StartQuestions.h"
 #include "desktop/window/WindowText.h"
 
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QDir>
 #include <QDropEvent>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QMimeData>
 #include <QPushButton>
@@ -25,6 +27,7 @@
 #include <QUrl>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -56,6 +59,17 @@ QString droppedPath(const QMimeData *dropped)
     // A "file" may name another computer, too.
     const bool isHere = isOne && urls.constFirst().host().isEmpty();
     return isHere ? QDir::cleanPath(urls.constFirst().toLocalFile()) : QString();
+}
+
+/// That of the current row, or else of the first one that runs; empty when none does.
+QString runningAddress(const ServerRows &rows)
+{
+    QList<ServerRow *> all = rows.shownRows();
+    all.prepend(rows.current());
+    const auto running = std::find_if(all.constBegin(), all.constEnd(), [](const ServerRow *row) {
+        return row && row->isListening();
+    });
+    return running == all.constEnd() ? QString() : (*running)->url();
 }
 
 void setTabOrders(const QList<QWidget *> &order)
@@ -212,9 +226,22 @@ void MainWindow::connectMenus()
 {
     connect(menu, &MainMenu::publicReloadWanted, reachability(), &Reachability::loadPublic);
     connect(menu, &MainMenu::localReloadWanted, keeper(), &RowKeeper::loadLocal);
+    connect(menu, &MainMenu::addressWanted, this, &MainWindow::copyAddress);
     connect(menu, &MainMenu::settingsWanted, this, [this] { addresses->edit(profiles->global()); });
     connect(menu, &MainMenu::expertModeWanted, this, &MainWindow::setExpertMode);
     connect(panel, &RowPanel::settingsWanted, addresses, &AddressList::editProfile);
+}
+
+void MainWindow::copyAddress()
+{
+    const QLabel *label = addresses->statusLabel();
+    // Where there are several, the user may have marked the one that he wants.
+    const bool isMarked = label->hasFocus() && label->hasSelectedText();
+    const QString address = isMarked ? label->selectedText() : runningAddress(*rows());
+    if (address.isEmpty())
+        return events->statusmsg(tr("No server is running, so there is no address to copy."));
+    QGuiApplication::clipboard()->setText(address);
+    events->statusmsg(tr("Copied: %1").arg(address.toHtmlEscaped()));
 }
 
 // --- what the servers say -----------------------------------------------------------------------

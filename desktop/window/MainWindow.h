@@ -63,6 +63,7 @@ private:
     void connectRows();
     void connectReachability();
     void connectMenus();
+    void copyAddress();
     void askForPassword(ServerRow *row);
     void saveGeometryNow();
 

@@ -2,10 +2,12 @@
 #include "desktop/widgets/LinkLabel.h"
 #include "desktop/widgets/PageView.h"
 #include "desktop/window/AddressTable.h"
+#include "desktop/window/FileMenu.h"
 #include "desktop/window/WebServices.h"
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/Widgets.h"
 
+#include <QClipboard>
 #include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
@@ -18,7 +20,7 @@ class tst_mainwindow : public QObject
     {
         const QList<QAction *> all = desktop.window->findChildren<QAction *>();
         for (QAction *each : all) {
-            if (each->objectName() == QLatin1String(name) || each->text() == QLatin1String(name))
+            if (each->objectName() == QLatin1String(name) || each->data() == QLatin1String(name))
                 return each;
         }
         qFatal("no action %s", name);
@@ -41,7 +43,7 @@ private Q_SLOTS:
         QCOMPARE(link(), desktop.path("res") + QLatin1Char('/'));
         const QString box = boxText([&] { desktop.panel()->share(desktop.path("<b>")); });
         QVERIFY(box.endsWith(QLatin1String("/<b>\" not exists!")));
-        action(desktop, "3")->trigger();
+        action(desktop, desktop.path("res/3").toUtf8().constData())->trigger();
         action(desktop, "expertMode")->trigger();
         desktop.close();
         desktop.open();
@@ -50,6 +52,12 @@ private Q_SLOTS:
         const QString all = desktop.global()->recentFiles.join(QLatin1Char(' '));
         QCOMPARE(QString(all).remove(desktop.home.path()),
                  QStringLiteral("/res/3 /res /res/<b>& /res/4"));
+        const QFontMetrics metrics(QApplication::font());
+        const int width = metrics.horizontalAdvance(all);
+        QCOMPARE(recentFileLabel(QStringLiteral("/abcd/a&"), metrics, width),
+                 QStringLiteral("/abcd/a&&"));
+        const QString elided = recentFileLabel(all, metrics, width / 2);
+        QVERIFY(elided.startsWith(all.left(4)) && elided.endsWith(all.right(4)));
     }
 
     void anotherStart()
@@ -124,6 +132,36 @@ private Q_SLOTS:
         desktop.addresses.clear();
         desktop.window->keeper()->lookForChanges();
         QCOMPARE(label->text(), QStringLiteral("<center><b>Network not found</b></center>"));
+    }
+
+    void keys()
+    {
+        Desktop desktop({}, 2);
+        const auto press = [&](int key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier) {
+            QTest::keyClick(desktop.window->focusWidget(), Qt::Key(key), modifiers);
+        };
+        const auto copied = [] { return QGuiApplication::clipboard()->text(); };
+        QGuiApplication::clipboard()->setText(QStringLiteral("x"));
+        press(Qt::Key_C);
+        QCOMPARE(copied(), QStringLiteral("x"));
+        desktop.row(1)->start();
+        press(Qt::Key_C);
+        QCOMPARE(copied(), desktop.row(1)->url()); // the selected one does not run
+        desktop.row(0)->start();
+        press(Qt::Key_C);
+        QCOMPARE(copied(), desktop.row(0)->url());
+        QLabel *label = desktop.list()->statusLabel();
+        label->setFocus();
+        label->setSelection(0, 10);
+        press(Qt::Key_C);
+        QCOMPARE(copied(), QStringLiteral("Accessible"));
+        desktop.window->keeper()->remove(desktop.row(1));
+        press(Qt::Key_F5, {});
+        QCOMPARE(desktop.rows()->all().size(), 2);
+        desktop.global()->warningMode = Qt::Checked;
+        const QString box = boxText([&] { press(Qt::Key_Q); }, QMessageBox::Yes);
+        QVERIFY(box.endsWith(QLatin1String("Do you want to exit?")));
+        QVERIFY(!desktop.window->isVisible() && desktop.rows()->all().isEmpty());
     }
 
     void questionsBeforeAStop()

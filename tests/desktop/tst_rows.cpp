@@ -1,5 +1,4 @@
 #include "desktop/settings/KeyMaker.h"
-#include "desktop/window/FileMenu.h"
 #include "desktop/window/FirstInstance.h"
 #include "desktop/window/SavedRows.h"
 #include "desktop/window/WebServices.h"
@@ -430,7 +429,6 @@ private Q_SLOTS:
                  QStringLiteral("<centcer>Public addresses: me , a</center>"));
         QCOMPARE(publicAddressLabel(QStringLiteral("%1<b>"), QStringLiteral("a"), 81),
                  QStringLiteral("<center>Public addresses: %1&lt;b&gt;:81 , a:81</center>"));
-        QCOMPARE(recentFileLabel(QStringLiteral("/home/user/abcd/a&/")), QStringLiteral("a&&"));
     }
 
     void portCheck_data()

@@ -667,6 +667,22 @@
         <source>Drop one file or folder of this computer.</source>
         <translation>Drop one file or folder of this computer.</translation>
     </message>
+    <message>
+        <source>Copy address</source>
+        <translation>Copy address</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Quit</translation>
+    </message>
+    <message>
+        <source>Copied: %1</source>
+        <translation>Copied: %1</translation>
+    </message>
+    <message>
+        <source>No server is running, so there is no address to copy.</source>
+        <translation>No server is running, so there is no address to copy.</translation>
+    </message>
 </context>
 <context>
     <name>FileMenu</name>

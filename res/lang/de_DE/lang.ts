@@ -667,6 +667,22 @@
         <source>Drop one file or folder of this computer.</source>
         <translation>Lassen Sie eine Datei oder einen Ordner dieses Computers fallen, nichts sonst.</translation>
     </message>
+    <message>
+        <source>Copy address</source>
+        <translation>Adresse kopieren</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Beenden</translation>
+    </message>
+    <message>
+        <source>Copied: %1</source>
+        <translation>Kopiert: %1</translation>
+    </message>
+    <message>
+        <source>No server is running, so there is no address to copy.</source>
+        <translation>Kein Server läuft; es gibt keine Adresse zu kopieren.</translation>
+    </message>
 </context>
 <context>
     <name>FileMenu</name>

@@ -667,6 +667,22 @@
         <source>Drop one file or folder of this computer.</source>
         <translation>Suelte un solo archivo o una sola carpeta de este ordenador.</translation>
     </message>
+    <message>
+        <source>Copy address</source>
+        <translation>Copiar dirección</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Salir</translation>
+    </message>
+    <message>
+        <source>Copied: %1</source>
+        <translation>Copiado: %1</translation>
+    </message>
+    <message>
+        <source>No server is running, so there is no address to copy.</source>
+        <translation>Ningún servidor está en marcha: no hay dirección que copiar.</translation>
+    </message>
 </context>
 <context>
     <name>FileMenu</name>

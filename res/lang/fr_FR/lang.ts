@@ -667,6 +667,22 @@
         <source>Drop one file or folder of this computer.</source>
         <translation>Déposez un seul fichier ou dossier de cet ordinateur.</translation>
     </message>
+    <message>
+        <source>Copy address</source>
+        <translation>Copier l’adresse</translation>
+    </message>
+    <message>
+        <source>Quit</source>
+        <translation>Quitter</translation>
+    </message>
+    <message>
+        <source>Copied: %1</source>
+        <translation>Copié : %1</translation>
+    </message>
+    <message>
+        <source>No server is running, so there is no address to copy.</source>
+        <translation>Aucun serveur n’est démarré : il n’y a pas d’adresse à copier.</translation>
+    </message>
 </context>
 <context>
     <name>FileMenu</name>
