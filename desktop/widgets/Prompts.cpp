@@ -9,10 +9,21 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 
 namespace {
 
 constexpr QSize usualChooserSize(640, 440);
+
+/// Boxes are made as narrow as their buttons let them, on small screens at once. Names in the texts
+/// may be long: three buttons fit beside each other.
+void sizeForFingers(QAbstractButton *button)
+{
+    constexpr int gaps = 12; ///< a third of those between and beside three buttons
+    const int widest = button->screen()->availableSize().width() / 3 - gaps;
+    const QSize hint = button->sizeHint().expandedTo({ 2 * fingerSize, fingerSize });
+    button->setMinimumSize(qMin(hint.width(), widest), hint.height());
+}
 
 /// Keeps the letters of paths and of what services say, and makes room for fingers.
 void prepare(QMessageBox *box)
@@ -21,7 +32,7 @@ void prepare(QMessageBox *box)
     box->setModal(true);
     const QList<QAbstractButton *> buttons = box->buttons();
     for (QAbstractButton *button : buttons)
-        button->setMinimumSize(2 * fingerSize, fingerSize);
+        sizeForFingers(button);
 }
 
 /// All but the dialogs that the desktop brings itself.
@@ -67,7 +78,7 @@ QMessageBox *showBox(QWidget *parent, QMessageBox::Icon icon, const QString &tex
 QPushButton *addBoxButton(QMessageBox *box, const QString &text)
 {
     QPushButton *button = box->addButton(text, QMessageBox::ActionRole);
-    button->setMinimumSize(2 * fingerSize, fingerSize);
+    sizeForFingers(button);
     return button;
 }
 
