@@ -44,8 +44,11 @@ std::optional<QPalette> storedScheme(const QString &style)
     QPalette palette = schemeOf(colors);
     palette.setColor(QPalette::All, QPalette::Base, stored(fieldKey, colors.background));
     const QColor onButtons = stored(buttonTextKey, colors.text);
-    if (contrast(onButtons, colors.buttons) >= leastContrast)
-        palette.setColor(QPalette::All, QPalette::ButtonText, onButtons);
+    if (contrast(onButtons, colors.buttons) < leastContrast)
+        return palette;
+    // What is switched off stays fainter.
+    for (const auto group : { QPalette::Active, QPalette::Inactive })
+        palette.setColor(group, QPalette::ButtonText, onButtons);
     return palette;
 }
 

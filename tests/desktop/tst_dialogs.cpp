@@ -304,6 +304,8 @@ private Q_SLOTS:
         look.takeStored();
         QCOMPARE(Look::currentStyle(), QStringLiteral("windows"));
         QCOMPARE(shown(QPalette::ButtonText), QColor(Qt::red));
+        QVERIFY(QApplication::palette().color(QPalette::Disabled, QPalette::ButtonText)
+                != QColor(Qt::red));
         QCOMPARE(QApplication::font().pointSize(), 17);
         QVERIFY(look.apply({}, QApplication::font())); // without colours those of the desktop
         QVERIFY(!settings.contains(QStringLiteral("windows/Cwbase")));
