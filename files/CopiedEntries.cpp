@@ -1,9 +1,6 @@
 #include "files/CopiedEntries.h"
 
-#include <QCryptographicHash>
-
-#include <algorithm>
-#include <cstring>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -11,19 +8,7 @@
 namespace {
 
 constexpr qint64 nanosecondsInSecond = 1000000000;
-constexpr std::size_t maxEntries = std::size_t(8) << 20;
-
-/// No two of a tree are alike but by a chance of one to billions.
-quint64 fingerprint(const QByteArray &path, const EntryStamp &stamp)
-{
-    QCryptographicHash hash(QCryptographicHash::Sha1);
-    for (const qint64 value : { qint64(stamp.kind), stamp.size, stamp.modified })
-        hash.addData(QByteArray::number(value) + '/');
-    hash.addData(path);
-    quint64 first = 0;
-    std::memcpy(&first, hash.result().constData(), sizeof first);
-    return first;
-}
+constexpr mode_t ownerOnly = 0600;
 
 } // namespace
 
@@ -32,26 +17,35 @@ std::optional<EntryStamp> EntryStamp::of(int folder, const char *name)
     struct stat status = {};
     if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0)
         return {};
-    if (S_ISDIR(status.st_mode))
-        return EntryStamp{ S_IFDIR };
     return EntryStamp{ status.st_mode & S_IFMT, status.st_size,
                        status.st_mtim.tv_sec * nanosecondsInSecond + status.st_mtim.tv_nsec };
 }
 
-void CopiedEntries::add(const QByteArray &path, const EntryStamp &before)
+bool CopiedEntries::open(Place beside)
 {
-    if (fingerprints.size() < maxEntries)
-        fingerprints.push_back(fingerprint(path, before));
+    file.meanFor(std::move(beside));
+    if (file.make(ownerOnly) != 0 || !buffered.open(file.descriptor(), QIODevice::ReadWrite))
+        return false;
+    stream.setDevice(&buffered);
+    return true;
 }
 
-void CopiedEntries::close()
+void CopiedEntries::add(const Record &record)
 {
-    std::sort(fingerprints.begin(), fingerprints.end());
+    const EntryStamp &stamp = record.stamp;
+    stream << quint8(record.kind) << record.name << stamp.kind << stamp.size << stamp.modified;
 }
 
-bool CopiedEntries::holds(const QByteArray &path, int folder, const char *name) const
+bool CopiedEntries::rewind()
 {
-    const std::optional<EntryStamp> now = EntryStamp::of(folder, name);
-    return now
-        && std::binary_search(fingerprints.begin(), fingerprints.end(), fingerprint(path, *now));
+    return stream.status() == QDataStream::Ok && buffered.flush() && buffered.seek(0);
+}
+
+bool CopiedEntries::next(Record &record)
+{
+    EntryStamp &stamp = record.stamp;
+    quint8 kind = 0;
+    stream >> kind >> record.name >> stamp.kind >> stamp.size >> stamp.modified;
+    record.kind = Kind(kind);
+    return stream.status() == QDataStream::Ok;
 }

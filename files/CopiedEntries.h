@@ -1,40 +1,62 @@
 #pragma once
 
+#include "files/ReceivedFile.h"
+
 #include <QByteArray>
+#include <QDataStream>
+#include <QFile>
 #include <QtGlobal>
 
 #include <optional>
-#include <vector>
-
-#include <sys/types.h>
 
 /// What an entry was at one look, the entry itself and no link's target.
 struct EntryStamp
 {
-    mode_t kind = 0; ///< an `S_IF` value
-    qint64 size = 0; ///< bytes; like the next of no meaning for a folder
+    quint32 kind = 0; ///< an `S_IF` value
+    qint64 size = 0; ///< bytes
     qint64 modified = 0; ///< nanoseconds since 1970-01-01 UTC
 
     /// None when nothing stands there.
     static std::optional<EntryStamp> of(int folder, const char *name);
+
+    bool operator==(const EntryStamp &other) const
+    {
+        return kind == other.kind && size == other.size && modified == other.modified;
+    }
 };
 
-/// What was copied of a tree, so that nothing else is removed when it is moved by copying. Keeps
-/// eight bytes an entry, and of some millions at most: what is beyond counts as not copied. Made by
-/// one job and used by the next.
+/// What was copied of a tree and in which order, so that nothing else is removed when it is moved
+/// by copying. Stands in a file without a name, so that a tree of any size takes no memory. Written
+/// by one job, then read by the next.
 class CopiedEntries
 {
 public:
-    /// `path` is that below the top; "" for the top itself. `before` was taken before the copy.
-    void add(const QByteArray &path, const EntryStamp &before);
+    enum class Kind : quint8 {
+        Entry, ///< a file or a link
+        Folder, ///< holds what follows up to its end
+        End
+    };
 
-    /// After the last of them.
-    void close();
+    struct Record
+    {
+        Kind kind = Kind::End;
+        QByteArray name = {}; ///< in the folder; of no meaning for its end, like the next
+        EntryStamp stamp = {}; ///< of an entry, from before it was copied
+    };
 
-    /// Whether what stands there now, by its name in an open folder, was copied and is unchanged.
-    /// Once it is closed.
-    bool holds(const QByteArray &path, int folder, const char *name) const;
+    /// Makes the file, in the folder of `beside`. First of all.
+    bool open(Place beside);
+
+    void add(const Record &record);
+
+    /// Goes back to the first record, once all are added. False when the disk has not taken them.
+    bool rewind();
+
+    /// The next one; false after the last.
+    bool next(Record &record);
 
 private:
-    std::vector<quint64> fingerprints; ///< sorted when closed
+    ReceivedFile file;
+    QFile buffered;
+    QDataStream stream;
 };

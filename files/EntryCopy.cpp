@@ -48,8 +48,8 @@ bool EntryCopy::run(const Budget &until)
             return until.isCancelled();
         step(until);
     }
-    if (list)
-        list->close();
+    if (list && failed.empty() && !list->rewind())
+        fail({}, DiskError::NoSpace);
     abandon();
     return true;
 }
@@ -71,16 +71,16 @@ int EntryCopy::sync() const
 
 void EntryCopy::begin()
 {
-    if (list) {
-        const Place place = share->place(top);
-        note({}, place.folder.get(), place.name.constData());
-    }
+    if (list && !list->open(beside(target, target.name)))
+        return fail({}, diskError(errno));
+    const Place source = share->place(top);
+    const bool listed = note(source.folder.get(), source.name);
     if (std::optional<OpenFile> file = share->openFile(top))
         return startFile(std::move(*file), std::move(target), {});
     std::optional<FolderReader> folder = share->openFolder(top);
     if (!folder)
         return fail({}, diskError(errno));
-    enter(std::move(*folder), target, {});
+    enter(std::move(*folder), target, {}, listed);
 }
 
 void EntryCopy::step(const Budget &until)
@@ -114,7 +114,7 @@ void EntryCopy::take(const FolderReader::Item &item)
     const EntryFacts facts = level.source.facts(item);
     if (isHiddenUpload(item.name) || (!facts.file && !facts.folder))
         return leaveOut(item, path);
-    note(path, level.source.descriptor(), item.name);
+    const bool listed = note(level.source.descriptor(), name);
     Place to{ duplicate(level.copy.get()), name };
     if (facts.file) {
         std::optional<OpenFile> file = openIn(level.source, item.name);
@@ -124,7 +124,7 @@ void EntryCopy::take(const FolderReader::Item &item)
     FileDescriptor folder = level.source.openFolder(item.name);
     if (!folder.isOpen() || levels.size() == maxDepth || isInside(facts))
         return fail(path, DiskError::Failed);
-    enter(share->reader(std::move(folder)), to, path);
+    enter(share->reader(std::move(folder)), to, path, listed);
 }
 
 /// Neither file nor folder, hidden, being received, or gone by now.
@@ -149,12 +149,19 @@ void EntryCopy::finishSweep()
         fail(current, DiskError::Locked);
 }
 
-/// Before it is copied: what changes from now on is not in the copy.
-void EntryCopy::note(const QByteArray &path, int folder, const char *name)
+/// Before it is copied: what changes from now on is not in the copy. Whether it is a folder, of
+/// which all that it holds is noted as well.
+bool EntryCopy::note(int folder, const QByteArray &name)
 {
-    const std::optional<EntryStamp> stamp = list ? EntryStamp::of(folder, name) : std::nullopt;
-    if (stamp)
-        list->add(path, *stamp);
+    if (!list || (!levels.empty() && !levels.back().listed))
+        return false;
+    const std::optional<EntryStamp> stamp = EntryStamp::of(folder, name.constData());
+    if (!stamp)
+        return false;
+    const bool isFolder = S_ISDIR(stamp->kind);
+    list->add(
+        { isFolder ? CopiedEntries::Kind::Folder : CopiedEntries::Kind::Entry, name, *stamp });
+    return isFolder;
 }
 
 /// Through a link a folder may hold itself, or the copy.
@@ -182,7 +189,7 @@ void EntryCopy::finishFile()
         fail(current, error);
 }
 
-void EntryCopy::enter(FolderReader source, const Place &to, const QByteArray &path)
+void EntryCopy::enter(FolderReader source, const Place &to, const QByteArray &path, bool listed)
 {
     const int folder = to.folder.get();
     const char *name = to.name.constData();
@@ -197,7 +204,7 @@ void EntryCopy::enter(FolderReader source, const Place &to, const QByteArray &pa
         held = duplicate(opened.get());
         ::flock(held.get(), LOCK_SH | LOCK_NB);
     }
-    levels.push_back({ path, std::move(source), std::move(opened), facts });
+    levels.push_back({ path, std::move(source), std::move(opened), facts, listed });
 }
 
 /// What was made in it has changed the folder's time.
@@ -206,6 +213,8 @@ void EntryCopy::leave()
     const Level &level = levels.back();
     ::fchmod(level.copy.get(), level.facts.mode & permissionBits);
     copyProperties(level.source.descriptor(), level.copy.get());
+    if (level.listed)
+        list->add({});
     levels.pop_back();
 }
 

@@ -38,6 +38,8 @@ public:
     /// Notes what is copied, for who removes it then: whatever is left out is a failure and ends
     /// the copy. A file that is being received is `Locked`; one that was given up is removed.
     void listCopied() { list = std::make_shared<CopiedEntries>(); }
+
+    /// From the first of them, once the copy is made; null when nobody asked for it.
     const std::shared_ptr<CopiedEntries> &copied() const { return list; }
 
     bool run(const Budget &until) override;
@@ -62,6 +64,7 @@ private:
         FolderReader source;
         FileDescriptor copy;
         EntryFacts facts; ///< of the source
+        bool listed; ///< what it holds; not so beyond a link, of which the link alone is moved
     };
 
     void begin();
@@ -70,10 +73,10 @@ private:
     void leaveOut(const FolderReader::Item &item, const QByteArray &path);
     void finishSweep();
     bool isHopeless() const { return full || (list && !failed.empty()); }
-    void note(const QByteArray &path, int folder, const char *name);
+    bool note(int folder, const QByteArray &name);
     void startFile(OpenFile file, Place to, const QByteArray &path);
     void finishFile();
-    void enter(FolderReader source, const Place &to, const QByteArray &path);
+    void enter(FolderReader source, const Place &to, const QByteArray &path, bool listed);
     bool isInside(const EntryFacts &folder) const;
     void leave();
     void fail(const QByteArray &path, DiskError error);

@@ -26,7 +26,7 @@ int errnoAfter(int returned)
 
 int ReceivedFile::make(mode_t mode)
 {
-    file.reset(::openat(target.folder.get(), ".", O_TMPFILE | O_WRONLY | O_CLOEXEC, mode));
+    file.reset(::openat(target.folder.get(), ".", O_TMPFILE | O_RDWR | O_CLOEXEC, mode));
     return file.isOpen() ? 0 : makeHidden(mode);
 }
 
@@ -45,7 +45,7 @@ int ReceivedFile::makeHidden(mode_t mode)
     for (int attempt = 0; attempt < nameAttempts; ++attempt) {
         const QByteArray name = hiddenUploadName();
         file.reset(::openat(target.folder.get(), name.constData(),
-                            O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, mode));
+                            O_CREAT | O_EXCL | O_RDWR | O_CLOEXEC, mode));
         if (file.isOpen()) {
             hiddenName = name;
             return 0;

@@ -23,7 +23,7 @@ public:
 
     const Place &place() const { return target; }
 
-    /// Makes it, empty and open for writing. 0, or the number of the error.
+    /// Makes it, empty and open for writing and reading. 0, or the number of the error.
     int make(mode_t mode);
 
     /// Instead: it stands under the hidden name `hidden` already, open where to go on. It stays

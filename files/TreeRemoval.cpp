@@ -55,8 +55,6 @@ void TreeRemoval::begin()
         return;
     const char *name = place.name.constData();
     const int folder = place.folder.get();
-    if (!mayRemove(folder, name))
-        return;
     whole = removeFile(folder, name) || errno == ENOENT;
     if (!whole)
         enter(place.name);
@@ -139,11 +137,6 @@ void TreeRemoval::readBatch(Level &level)
 /// Removes an entry, or keeps a folder's name for later. False when there is no room for one more.
 bool TreeRemoval::sort(Level &level, const FolderReader &reader, const FolderReader::Item &item)
 {
-    if (!mayRemove(reader.descriptor(), item.name)) {
-        noteFailure(item.name);
-        count(false);
-        return true;
-    }
     const bool mayBeFile = item.type != DT_DIR;
     if (mayBeFile && removeFile(reader.descriptor(), item.name)) {
         count(true);
@@ -208,28 +201,15 @@ bool TreeRemoval::readAgain(Level &level)
     return true;
 }
 
-/// Of an entry of the current folder. The top folder has no path below itself.
+/// Of an entry of the current folder, by its path. The top folder has none below itself.
 void TreeRemoval::noteFailure(const QByteArray &name)
 {
-    if (!levels.empty() && failed.size() < maxToldFailures)
-        failed.push_back(pathOf(name));
-}
-
-/// Below the top folder.
-QByteArray TreeRemoval::pathOf(const QByteArray &name) const
-{
+    if (levels.empty() || failed.size() == maxToldFailures)
+        return;
     QByteArray path;
     for (std::size_t i = 1; i < levels.size(); ++i)
         path += levels[i].name + '/';
-    return path + name;
-}
-
-/// An entry of the current folder, or the top.
-bool TreeRemoval::mayRemove(int folder, const char *name) const
-{
-    if (!removable)
-        return true;
-    return removable->holds(levels.empty() ? QByteArray() : pathOf(name), folder, name);
+    failed.push_back(path + name);
 }
 
 void TreeRemoval::count(bool done)

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "files/CopiedEntries.h"
 #include "files/DiskJob.h"
 #include "files/FileDescriptor.h"
 #include "files/FolderReader.h"
@@ -9,7 +8,6 @@
 #include <QByteArray>
 #include <QtGlobal>
 
-#include <memory>
 #include <vector>
 
 /// Removes what stands at a place: a file, a link, or a folder with all it holds. Links are never
@@ -21,10 +19,6 @@ class TreeRemoval final : public DiskJob
 {
 public:
     explicit TreeRemoval(Place top);
-
-    /// Nothing else is to be removed than what is listed and unchanged; the rest counts as
-    /// failures.
-    void only(std::shared_ptr<const CopiedEntries> listed) { removable = std::move(listed); }
 
     bool run(const Budget &until) override;
 
@@ -66,13 +60,10 @@ private:
     bool readAgain(Level &level);
     void count(bool done);
     void noteFailure(const QByteArray &name);
-    QByteArray pathOf(const QByteArray &name) const;
-    bool mayRemove(int folder, const char *name) const;
     void limitOpen();
 
     Place place;
     FileDescriptor meant; ///< what stood at the place when the job was made (`O_PATH`)
-    std::shared_ptr<const CopiedEntries> removable; ///< null: everything is
     std::vector<Level> levels; ///< from the top folder to the current one
     bool begun = false;
     bool whole = false;

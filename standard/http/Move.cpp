@@ -1,9 +1,9 @@
 #include "standard/http/Move.h"
 
+#include "files/CopiedRemoval.h"
 #include "files/DiskWorker.h"
 #include "files/Path.h"
 #include "files/Rename.h"
-#include "files/TreeRemoval.h"
 #include "standard/http/PlacedCopy.h"
 
 #include <QPointer>
@@ -21,16 +21,15 @@ namespace standard {
 class CopiedSource final : public DiskJob
 {
 public:
-    /// What stands at `from` now is meant, whatever has that name in the end.
     explicit CopiedSource(Place from)
         : removal(std::move(from))
     {
     }
 
     /// Before it is run. `copiedTo` is the folder in which the copy stands.
-    void setCopied(std::shared_ptr<const CopiedEntries> copied, int copiedTo)
+    void setCopied(std::shared_ptr<CopiedEntries> copied, int copiedTo)
     {
-        removal.only(std::move(copied));
+        removal.setCopied(std::move(copied));
         unsynced.reset(::openat(copiedTo, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     }
 
@@ -49,7 +48,7 @@ public:
     bool isWhole() const { return removal.isWhole(); }
 
 private:
-    TreeRemoval removal;
+    CopiedRemoval removal;
     FileDescriptor unsynced; ///< on the other file system
     bool synced = false;
 };

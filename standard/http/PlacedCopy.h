@@ -24,7 +24,7 @@ public:
 
     /// A copy with gaps takes no place, and what is copied is listed.
     void listCopied() { copy.listCopied(); }
-    std::shared_ptr<const CopiedEntries> copied() const { return copy.copied(); }
+    std::shared_ptr<CopiedEntries> copied() const { return copy.copied(); }
 
     bool run(const Budget &until) override;
     bool isSync() const override { return state == State::Syncing; }

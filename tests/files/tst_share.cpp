@@ -1,6 +1,7 @@
 #include "tests/files/Disk.h"
 #include "tests/support/Data.h"
 
+#include "files/CopiedRemoval.h"
 #include "files/EntryCopy.h"
 #include "files/FolderListing.h"
 #include "files/HiddenUploads.h"
@@ -360,8 +361,8 @@ void ShareTest::onlyWhatWasCopiedIsRemoved()
 
     disk.write("from/a", "grown since");
     disk.write("from/sub/new", "since");
-    TreeRemoval removal(disk.place("from"));
-    removal.only(copy.copied());
+    CopiedRemoval removal(disk.place("from"));
+    removal.setCopied(copy.copied());
     runToEnd(removal);
     QVERIFY(!removal.isWhole());
     QCOMPARE(disk.read("from/a") + disk.read("from/sub/new"), QByteArray("grown sincesince"));
