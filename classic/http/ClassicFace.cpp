@@ -9,9 +9,6 @@
 #include "server/Access.h"
 #include "server/Connection.h"
 #include "server/OwnNames.h"
-#include "server/PasswordChecks.h"
-#include "server/Secret.h"
-#include "server/TrustedProxy.h"
 
 #include <algorithm>
 #include <array>
@@ -20,8 +17,6 @@
 namespace {
 
 constexpr int spareHeads = 64;
-constexpr std::chrono::seconds loginPatience{ 60 };
-constexpr auto openArchive = "Client.jar"; ///< the launcher fetches it without a password
 
 constexpr Route statusRoute{ Request::None, nullptr, makeResponder<StatusReply> };
 constexpr Route loginPageRoute{ Request::None, nullptr, makeResponder<LoginPage> };
@@ -66,16 +61,6 @@ bool isMisdirected(const Exchange &exchange)
     return !isMeantForUs(called, false, exchange.channel.connection(), profile);
 }
 
-/// Whether no proxy, and no page of another site, may be behind a login. Where the connection is
-/// not encrypted browsers say of forms alone whose page it was.
-bool standsForItself(const Exchange &exchange)
-{
-    const Request &request = exchange.request;
-    const bool isLink = request.isLogin() && request.methodCode != Request::Post;
-    return !isLink && !request.isCrossSite()
-        && !isTrustedProxy(exchange.channel.connection().peerAddress(), *exchange.service.profile);
-}
-
 } // namespace
 
 Routes fileRoutes()
@@ -102,7 +87,7 @@ ClassicFace::ClassicFace(Connection &owner, std::shared_ptr<Common> shared)
     , common(std::move(shared))
     , channel(owner.socket(), owner.service().traffic, common->heads, *this)
     , exchange{ owner.service(), channel, {}, {}, {} }
-    , gate(*owner.service().setup.guesses, loginPatience, [this] { admit(); })
+    , admission(exchange, [this](Admission::Verdict verdict) { decide(verdict); })
 {
 }
 
@@ -161,7 +146,7 @@ void ClassicFace::examine()
         return refuse(status);
     if (exchange.request.isForm())
         return readForm();
-    admit();
+    admission.look();
 }
 
 /// Why no responder must see the request; null when there is no reason.
@@ -219,93 +204,19 @@ void ClassicFace::formReady(const QByteArray &form)
     if (body.size() < exchange.request.contentLength)
         body.truncate(qMax(0, int(body.lastIndexOf('&'))));
     exchange.request.setForm(body);
-    admit();
+    admission.look();
 }
 
-void ClassicFace::admit()
+void ClassicFace::decide(Admission::Verdict verdict)
 {
-    const std::optional<QByteArray> account = triedAccount();
-    if (!account)
-        return isAdmitted() ? answer() : refuseLogin();
-    switch (gate.enter({ channel.connection().peerAddress(), *account, Guesses::Clock::now(),
-                         standsForItself(exchange) })) {
-    case LoginGate::Turn::Later:
-        return;
-    case LoginGate::Turn::TooLate:
-        return refuseLogin(); // unseen, which looks the same
-    case LoginGate::Turn::Now:
-        break;
-    }
-    if (isAdmitted()) {
-        gate.tell(true);
+    switch (verdict) {
+    case Admission::Verdict::Admitted:
         return answer();
+    case Admission::Verdict::Refused:
+        return refuseLogin();
+    case Admission::Verdict::Busy:
+        return refuse("503 Service Unavailable");
     }
-    const std::optional<Claim> claimed = claim();
-    if (!claimed)
-        return turnAway();
-    if (exchange.service.setup.passwords->remembers(claimed->password, claimed->hash))
-        return letIn(*claimed);
-    checkPassword(*claimed);
-}
-
-/// Whose password the request brings; none when it brings none.
-std::optional<QByteArray> ClassicFace::triedAccount() const
-{
-    const Request &request = exchange.request;
-    const int mode = exchange.service.profile->authMode;
-    if (mode == AuthPasswordPage && request.isLogin())
-        return QByteArray();
-    if (mode == AuthBasic && !request.credentials.isEmpty())
-        return request.credentials.left(request.credentials.indexOf(':'));
-    return {};
-}
-
-/// The password that the request brings, where a hash tells whether it fits.
-std::optional<ClassicFace::Claim> ClassicFace::claim() const
-{
-    const Request &request = exchange.request;
-    const Profile &profile = *exchange.service.profile;
-    const int colon = int(request.credentials.indexOf(':'));
-    const bool byPage = profile.authMode == AuthPasswordPage;
-    if (byPage ? !request.isLogin() : colon < 0)
-        return {};
-    const QByteArray user = byPage ? QByteArray() : request.credentials.left(colon);
-    Claim claimed;
-    claimed.hash = PasswordChecks::hashFor(profile, user);
-    claimed.password =
-        byPage ? request.field("password").toUtf8() : request.credentials.mid(colon + 1);
-    return claimed.hash.isEmpty() ? std::nullopt : std::optional(claimed);
-}
-
-void ClassicFace::checkPassword(const Claim &claimed)
-{
-    using Verdict = PasswordChecks::Verdict;
-    checking = std::make_unique<QObject>();
-    const auto told = [this, claimed](Verdict verdict) {
-        checking.reset();
-        if (!channel.canAnswer())
-            return;
-        if (verdict == Verdict::Busy)
-            return refuse("503 Service Unavailable");
-        verdict == Verdict::Fits ? letIn(claimed) : turnAway();
-    };
-    exchange.service.setup.passwords->check(claimed.password, claimed.hash, checking.get(), told);
-}
-
-/// The password was found to fit its hash, which takes its place in the session.
-void ClassicFace::letIn(const Claim &proved)
-{
-    gate.tell(true);
-    if (exchange.service.profile->authMode == AuthPasswordPage)
-        exchange.session()->logIn(QString::fromLatin1(proved.hash),
-                                  channel.connection().peerAddress());
-    answer();
-}
-
-void ClassicFace::turnAway()
-{
-    gate.tell(false);
-    refuseLogin();
 }
 
 void ClassicFace::answer()
@@ -316,50 +227,6 @@ void ClassicFace::answer()
     if (!Access::of(profile, account).isAsSwitched(profile))
         return refuse(Status::forbidden);
     dispatch();
-}
-
-bool ClassicFace::isAdmitted()
-{
-    const Profile &profile = *exchange.service.profile;
-    switch (profile.authMode) {
-    case AuthNone:
-        return true;
-    case AuthPasswordPage:
-        return passwordFits();
-    case AuthBasic:
-        return isAccount();
-    default:
-        return false;
-    }
-}
-
-bool ClassicFace::passwordFits()
-{
-    const Request &request = exchange.request;
-    const QString &password = exchange.service.profile->password;
-    const QHostAddress peer = channel.connection().peerAddress();
-    const Session session = exchange.session();
-    if (request.isLogin()) {
-        // A wrong one changes nothing: the number may be somebody else's.
-        const QString given = request.field("password");
-        if (isPasswordHash(password) || !isSameSecret(given.toUtf8(), password.toUtf8()))
-            return false;
-        session->logIn(given, peer);
-        return true;
-    }
-    if (request.path.endsWith(QLatin1String(openArchive)) && request.isDownload())
-        return true;
-    const bool loggedInHere = password.isEmpty() || session->isLoggedInFrom(peer);
-    return loggedInHere && isSameSecret(session->password.toUtf8(), password.toUtf8());
-}
-
-bool ClassicFace::isAccount() const
-{
-    bool known = false;
-    const QStringList accounts = exchange.service.profile->accounts();
-    for (const QString &account : accounts)
-        known = isSameSecret(exchange.request.credentials, account.toUtf8()) || known;
-    return known;
 }
 
 void ClassicFace::refuseLogin()
@@ -406,8 +273,7 @@ void ClassicFace::gone()
 /// What was kept for the request goes, however it ended.
 void ClassicFace::endRequest()
 {
-    checking.reset();
-    gate.leave();
+    admission.leave();
     exchange.use.reset();
     formMemory.reset();
 }
@@ -424,13 +290,13 @@ void ClassicFace::uploadEnded(SaveResult result)
 
 void ClassicFace::drained()
 {
-    if (current && !checking)
+    if (current && !admission.isLooking())
         current->drained();
 }
 
 void ClassicFace::replyEnded()
 {
-    if (current && !checking)
+    if (current && !admission.isLooking())
         current->replyEnded();
     endRequest();
 }

@@ -1,12 +1,10 @@
 #pragma once
 
+#include "classic/http/Admission.h"
 #include "classic/http/Exchange.h"
 #include "classic/http/Routes.h"
 #include "server/Face.h"
-#include "server/LoginGate.h"
 #include "server/MemoryBudget.h"
-
-#include <QObject>
 
 #include <memory>
 #include <optional>
@@ -37,13 +35,6 @@ public:
     void expire() override { channel.expire(); }
 
 private:
-    /// What a visitor says to know, and by what that is found to be true.
-    struct Claim
-    {
-        QByteArray password;
-        QByteArray hash;
-    };
-
     void headReady() override;
     void headRestReady(bool whole) override;
     void formReady(const QByteArray &form) override;
@@ -58,15 +49,7 @@ private:
     const char *reasonToRefuse() const;
     void refuse(const char *status);
     void readForm();
-    void admit();
-    std::optional<QByteArray> triedAccount() const;
-    bool isAdmitted();
-    bool passwordFits();
-    bool isAccount() const;
-    std::optional<Claim> claim() const;
-    void checkPassword(const Claim &claimed);
-    void letIn(const Claim &proved);
-    void turnAway();
+    void decide(Admission::Verdict verdict);
     void answer();
     void refuseLogin();
     void dispatch();
@@ -77,9 +60,8 @@ private:
     std::shared_ptr<Common> common;
     Channel channel;
     Exchange exchange;
-    LoginGate gate;
+    Admission admission;
     std::optional<MemoryBudget::Part> formMemory; ///< while a form is read and answered
-    std::unique_ptr<QObject> checking; ///< while nobody knows whether the password fits
     const Route *kept = nullptr; ///< whose responder is kept
     std::unique_ptr<Responder> current;
 };
