@@ -13,6 +13,13 @@ QString withSlash(const QString &folder)
     return folder.endsWith(QLatin1Char('/')) ? folder : folder + QLatin1Char('/');
 }
 
+/// Relative ones are to be ignored.
+QString stateFolder()
+{
+    const QString given = qEnvironmentVariable("XDG_STATE_HOME");
+    return QDir::isAbsolutePath(given) ? given : QDir::homePath() + QLatin1String("/.local/state");
+}
+
 } // namespace
 
 QString languageFolder(const QString &languages, const QString &locale)
@@ -33,6 +40,7 @@ Directories Directories::ofProcess()
     const QString given = qEnvironmentVariable("QUILLON_RESDIR");
     Directories found;
     found.profiles = QDir::homePath() + QLatin1String("/.quillon/");
+    found.state = stateFolder() + QLatin1String("/quillon/");
     found.resources =
         withSlash(QDir(given.isEmpty() ? QStringLiteral("/opt/quillon") : given).absolutePath());
     found.icons = found.resources + QLatin1String("img/");

@@ -7,12 +7,14 @@
 struct Directories
 {
     QString profiles; ///< of the user: "~/.quillon/"
+    QString state; ///< of the user: what the program notes for them
     QString resources; ///< installed; the key and certificate of a new profile lie here
     QString icons;
     QString language; ///< login page and help in the user's language
 
     /// The folders of this process. The resources lie in the folder that the environment variable
-    /// QUILLON_RESDIR names, else in "/opt/quillon/". Nothing is made on disk.
+    /// QUILLON_RESDIR names, else in "/opt/quillon/"; the state is "quillon/" where those of
+    /// programs are (XDG Base Directory Specification). Nothing is made on disk.
     static Directories ofProcess();
 
     /// Makes the folder of the profiles; false when that fails.

@@ -24,6 +24,8 @@ public:
     /// Sends what the peer takes of this turn's helping.
     Outcome send(Socket &socket);
 
+    qint64 bytesLeft() const { return left; }
+
     /// Lets the file go.
     void stop() { file.reset(); }
 

@@ -11,9 +11,10 @@ constexpr qint64 leastOfBody = deadlines::leastRate * deadlines::body.count(); /
 
 } // namespace
 
-Connection::Connection(std::unique_ptr<Socket> accepted, PeerCount::Ticket place, Service &service,
-                       const Ended &whenEnded)
-    : m_service(service)
+Connection::Connection(quint64 index, std::unique_ptr<Socket> accepted, PeerCount::Ticket place,
+                       Service &service, const Ended &whenEnded)
+    : number(index)
+    , m_service(service)
     , ended(whenEnded)
     , ticket(std::move(place))
     , m_socket(std::move(accepted))
@@ -29,15 +30,44 @@ Connection::~Connection()
         face->gone();
 }
 
-void Connection::noteRequest()
+void Connection::noteRequest(const QByteArray &userAgent)
 {
     // The next head is another one.
     awaits = Awaits::Nothing;
+    exchangedBefore = m_socket->exchanged();
     if (noted)
         return;
     noted = true;
+    client = { m_socket->peerAddress(), {}, programName(userAgent) };
     if (m_service.setup.sink)
         m_service.setup.sink->newConnection(m_socket->peerAddress().toString());
+}
+
+void Connection::noteClient(const QHostAddress &address, const QByteArray &account)
+{
+    client.address = address;
+    client.account = account;
+}
+
+bool Connection::isWatched() const
+{
+    return m_service.setup.sink && m_service.setup.sink->listens();
+}
+
+void Connection::noteEnd(const QByteArray &method, const QByteArray &path, int status, bool isWhole)
+{
+    m_service.setup.sink->told(
+        { client, method, path, status, isWhole, m_socket->exchanged() - exchangedBefore });
+}
+
+Visit Connection::visit() const
+{
+    const auto age = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - since);
+    Visit visit{ number, client, QDateTime::currentDateTimeUtc().addMSecs(-age.count()),
+                 over ? std::nullopt : face->transfer() };
+    if (visit.transfer)
+        visit.transfer->done = m_socket->exchanged() - exchangedBefore;
+    return visit;
 }
 
 void Connection::drop()

@@ -22,15 +22,28 @@ public:
     using Clock = std::chrono::steady_clock;
 
     /// Both references are borrowed from the server and outlive the connection.
-    Connection(std::unique_ptr<Socket> accepted, PeerCount::Ticket place, Service &service,
-               const Ended &whenEnded);
+    /// `index` tells it from the others of its server.
+    Connection(quint64 index, std::unique_ptr<Socket> accepted, PeerCount::Ticket place,
+               Service &service, const Ended &whenEnded);
     ~Connection() override;
 
     Socket &socket() { return *m_socket; }
     Service &service() { return m_service; }
 
     /// A request arrived: the first one of the connection is told to the status sink.
-    void noteRequest();
+    void noteRequest(const QByteArray &userAgent);
+
+    /// Who has sent it, once that is known.
+    void noteClient(const QHostAddress &address, const QByteArray &account);
+
+    /// Whether somebody wants to hear of its ends.
+    bool isWatched() const;
+
+    /// It is over: told to the status sink. For `Deed`.
+    void noteEnd(const QByteArray &method, const QByteArray &path, int status, bool isWhole);
+
+    /// What the user is shown of it.
+    Visit visit() const;
 
     /// Cuts the connection; it goes later.
     void drop();
@@ -45,6 +58,7 @@ private:
     void readable() override;
     void writable() override;
     void gone() override;
+
     /// What has gone over the connection at some time.
     struct Look
     {
@@ -56,6 +70,7 @@ private:
     Clock::time_point deadline() const;
     bool goesOn(Clock::time_point now);
 
+    const quint64 number;
     Service &m_service;
     const Ended &ended;
     const PeerCount::Ticket ticket;
@@ -66,6 +81,9 @@ private:
     Clock::time_point awaitsSince = activeAt;
     std::optional<Look> lastLook; ///< while a body goes either way
     qint64 receivedBefore = 0; ///< bytes, before the head that is awaited
+    qint64 exchangedBefore = 0; ///< bytes, before the request under way
+    const Clock::time_point since = activeAt;
+    Client client;
     bool noted = false;
     bool over = false;
 };

@@ -1,7 +1,10 @@
 #pragma once
 
+#include "server/Activity.h"
+
 #include <functional>
 #include <memory>
+#include <optional>
 
 class Connection;
 
@@ -36,6 +39,9 @@ public:
 
     /// The peer kept it waiting for too long.
     virtual void expire() = 0;
+
+    /// The file that is on its way, but for `FileTransfer::done`.
+    virtual std::optional<FileTransfer> transfer() const = 0;
 };
 
 using FaceMaker = std::function<std::unique_ptr<Face>(Connection &)>;

@@ -75,6 +75,11 @@ public:
 
     void expire() override { chosen ? chosen->expire() : connection.drop(); }
 
+    std::optional<FileTransfer> transfer() const override
+    {
+        return chosen ? chosen->transfer() : std::nullopt;
+    }
+
 private:
     void collect()
     {

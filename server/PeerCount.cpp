@@ -59,7 +59,7 @@ PeerCount::Ticket PeerCount::admit(const QHostAddress &address, const QHostAddre
 {
     if (isLoopback(address))
         return admitUncounted();
-    if (isFull())
+    if (isFull() || isBlocked(address))
         return {};
     const QHostAddress peer = peerOf(address, reached);
     int &count = perPeer[peer];
@@ -68,4 +68,15 @@ PeerCount::Ticket PeerCount::admit(const QHostAddress &address, const QHostAddre
     ++count;
     ++all;
     return { this, peer };
+}
+
+void PeerCount::block(const QHostAddress &address)
+{
+    if (!isLoopback(address))
+        blocked.insert(peerOf(address));
+}
+
+bool PeerCount::isBlocked(const QHostAddress &address) const
+{
+    return blocksAny() && blocked.contains(peerOf(address));
 }

@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QHostAddress>
+#include <QSet>
 
 /// Counts connections, so that one peer can't take the place of all others. One serves all
 /// servers of a program and outlives their connections.
@@ -43,10 +44,19 @@ public:
 
     bool isFull() const { return all >= maxAll; }
 
+    /// Nobody from there, this machine itself excepted, gets a place any more.
+    void block(const QHostAddress &address);
+    bool isBlocked(const QHostAddress &address) const;
+
+    /// Takes all of that back.
+    void unblockAll() { blocked.clear(); }
+    bool blocksAny() const { return !blocked.isEmpty(); }
+
 private:
     Q_DISABLE_COPY(PeerCount)
 
     const int maxAll;
     int all = 0;
     QHash<QHostAddress, int> perPeer;
+    QSet<QHostAddress> blocked; ///< as `peerOf` has them
 };

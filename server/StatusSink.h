@@ -2,6 +2,8 @@
 
 #include <QString>
 
+struct Deed;
+
 /// Where the server core reports what happens: new clients and warnings.
 /// The programs implement it; an implementation must return at once and must outlive its servers.
 class StatusSink
@@ -15,6 +17,12 @@ public:
 
     /// Something the user should know. Both texts are translated and end without a line feed.
     virtual void msg(const QString &title, const QString &text) = 0;
+
+    /// Whether it wants to hear of requests that are over, see `told`. Asked at each of them.
+    virtual bool listens() const { return false; }
+
+    /// One of them.
+    virtual void told(const Deed &deed) { Q_UNUSED(deed) }
 
 private:
     Q_DISABLE_COPY(StatusSink)

@@ -137,8 +137,9 @@ void WebServer::setShared(const QString &path)
 void WebServer::openShare()
 {
     const auto links = service.profile->isStrict() ? Share::Links::Beneath : Share::Links::Followed;
+    const Directories &own = setup->directories;
     std::optional<Share> opened =
-        Share::at(service.shared.absoluteFilePath(), { setup->directories.profiles }, links);
+        Share::at(service.shared.absoluteFilePath(), { own.profiles, own.state }, links);
     // Locks outlive a new port.
     if (!opened || !service.share || !opened->isSame(*service.share))
         service.faceState.reset();
@@ -186,7 +187,7 @@ void WebServer::accept(FileDescriptor accepted, const QHostAddress &peer,
         : setup->peers->admit(peer, reached);
     if (!place.isValid())
         return;
-    auto connection = std::make_unique<Connection>(makeSocket(std::move(accepted), peer),
+    auto connection = std::make_unique<Connection>(++accepts, makeSocket(std::move(accepted), peer),
                                                    std::move(place), service, connectionEnded);
     connections.emplace(connection.get(), std::move(connection));
     if (!deadlines.isActive())
@@ -200,6 +201,23 @@ std::unique_ptr<Socket> WebServer::makeSocket(FileDescriptor accepted, const QHo
         return std::make_unique<TlsSocket>(std::move(accepted), identity->configuration,
                                            setup->poller, account);
     return std::make_unique<PlainSocket>(std::move(accepted), peer, setup->poller, account);
+}
+
+std::vector<Visit> WebServer::visits() const
+{
+    std::vector<Visit> all;
+    all.reserve(connections.size());
+    for (const auto &[connection, owned] : connections)
+        all.push_back(connection->visit());
+    return all;
+}
+
+void WebServer::disconnect(const std::function<bool(const Visit &)> &whom)
+{
+    for (const auto &[connection, owned] : connections) {
+        if (whom(connection->visit()))
+            connection->drop();
+    }
 }
 
 /// Makes descriptors free for new clients: those that idle the longest go.

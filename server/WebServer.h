@@ -9,6 +9,7 @@
 #include <QObject>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <unordered_map>
@@ -75,6 +76,12 @@ public:
 
     int connectionCount() const { return int(connections.size()); }
 
+    /// The open connections, in no order.
+    std::vector<Visit> visits() const;
+
+    /// Cuts those of them that are meant.
+    void disconnect(const std::function<bool(const Visit &)> &whom);
+
     quint16 port = 0;
 
 Q_SIGNALS:
@@ -99,6 +106,7 @@ private:
     Listener listener;
     const Connection::Ended connectionEnded;
     std::unordered_map<Connection *, std::unique_ptr<Connection>> connections;
+    quint64 accepts = 0; ///< so far
     std::vector<std::unique_ptr<Connection>> leaving; ///< their peers are gone
     QTimer deadlines; ///< runs while there are connections
     std::vector<FileDescriptor> ignored; ///< accepted while blocked

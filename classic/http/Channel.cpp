@@ -325,6 +325,15 @@ Awaits Channel::awaits() const
     }
 }
 
+std::optional<FileTransfer> Channel::transfer() const
+{
+    if (state == State::Streaming)
+        return FileTransfer{ false, sender.bytesLeft() };
+    if (state == State::Receiving && intake.target() == BodyIntake::Target::File)
+        return FileTransfer{ true, reader.bytesLeft() };
+    return {};
+}
+
 void Channel::expire()
 {
     if (state == State::Lingering)

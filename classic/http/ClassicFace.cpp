@@ -95,11 +95,13 @@ ClassicFace::~ClassicFace() = default;
 
 void ClassicFace::headReady()
 {
-    connection.noteRequest();
     Request &request = exchange.request;
     if (exchange.service.profile->isStrict())
         request = Request();
-    if (!RequestParser(request).parse(channel.request(), exchange.service.singleFile)) {
+    const bool isRequest =
+        RequestParser(request).parse(channel.request(), exchange.service.singleFile);
+    connection.noteRequest(request.userAgent);
+    if (!isRequest) {
         qCDebug(classicLog) << "dropped: no request line from"
                             << channel.connection().peerAddress();
         return channel.abort();
@@ -224,7 +226,9 @@ void ClassicFace::answer()
     // Its methods know the switches alone: who has other rights must not gain by asking it.
     const Profile &profile = *exchange.service.profile;
     const QByteArray account = exchange.request.credentials.split(':').constFirst();
-    if (!Access::of(profile, account).isAsSwitched(profile))
+    const Access access = Access::of(profile, account);
+    connection.noteClient(channel.connection().peerAddress(), access.account);
+    if (!access.isAsSwitched(profile))
         return refuse(Status::forbidden);
     dispatch();
 }
@@ -298,5 +302,17 @@ void ClassicFace::replyEnded()
 {
     if (current && !admission.isLooking())
         current->replyEnded();
+    const int status = std::exchange(exchange.status, 0);
+    if (connection.isWatched())
+        connection.noteEnd(RequestParser::methodName(exchange.request),
+                           exchange.request.path.toUtf8(), status, channel.canAnswer());
     endRequest();
+}
+
+std::optional<FileTransfer> ClassicFace::transfer() const
+{
+    std::optional<FileTransfer> found = channel.transfer();
+    if (found)
+        found->path = exchange.request.path.toUtf8();
+    return found;
 }

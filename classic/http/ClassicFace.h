@@ -33,6 +33,7 @@ public:
     void gone() override;
     Awaits awaits() const override { return channel.awaits(); }
     void expire() override { channel.expire(); }
+    std::optional<FileTransfer> transfer() const override;
 
 private:
     void headReady() override;

@@ -51,6 +51,15 @@ bool RequestParser::parse(RequestReader &reader, bool singleFile)
     return true;
 }
 
+QByteArray RequestParser::methodName(const Request &request)
+{
+    for (const MethodName &row : methods) {
+        if (row.method == request.methodCode)
+            return row.name;
+    }
+    return {};
+}
+
 void RequestParser::parseRest(const RequestReader &reader)
 {
     for (const QByteArray &line : reader.restLines())

@@ -24,6 +24,9 @@ public:
     /// Takes over the header lines of the head's rest, see `RequestReader::restLines`.
     void parseRest(const RequestReader &reader);
 
+    /// Of a parsed request; empty when it is not known.
+    static QByteArray methodName(const Request &request);
+
 private:
     void startFresh();
     bool parseMethod(QByteArray &line, bool singleFile);

@@ -50,6 +50,9 @@ public:
     /// Up to `count` bytes of the body that stand in the buffer; it never waits for more.
     QByteArray readBuffered(qint64 count);
 
+    /// Bytes of the body that are still to come.
+    qint64 bytesLeft() const { return bodyToCome; }
+
     /// Whether the whole body stands in the buffer.
     bool isBodyBuffered() const { return bodyToCome == 0; }
 

@@ -2,6 +2,8 @@
 
 #include "config/Profile.h"
 
+#include <cstdlib>
+
 namespace {
 
 constexpr auto firstLines = "\r\nServer: Quillon_4\r\nCache-Control: no-cache\r\nSet-Cookie: ";
@@ -32,6 +34,7 @@ void Responder::sendHeader(const QByteArray &status, qint64 length, const QByteA
     // A peer that was not asked for its body may send the next request instead of it.
     if (channel.isBodyHeldBack())
         channel.setKeepAlive(false);
+    exchange.status = std::atoi(status.constData());
     QByteArray head;
     head.reserve(usualHeadSize);
     head.append("HTTP/1.1 ").append(status).append(firstLines);

@@ -295,6 +295,15 @@ Awaits Channel::awaits() const
     }
 }
 
+std::optional<FileTransfer> Channel::transfer() const
+{
+    if (state == State::Streaming)
+        return FileTransfer{ false, sender.bytesLeft() };
+    if (state == State::ReadingBody)
+        return FileTransfer{ true, body.bytesLeft() };
+    return {};
+}
+
 void Channel::expire()
 {
     if (state == State::Lingering)

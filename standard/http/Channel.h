@@ -78,6 +78,9 @@ public:
     Awaits awaits() const;
     void expire();
 
+    /// The file that is on its way; its path is not known here.
+    std::optional<FileTransfer> transfer() const;
+
 private:
     enum class State {
         Collecting, ///< a request head

@@ -22,6 +22,7 @@ void Exchange::begin(Request request)
     cleaned = cleanPath(current.target.path);
     served = m_service.share;
     visitor = {};
+    answered = 0;
 }
 
 void Exchange::setAccess(const Access &found)
@@ -139,6 +140,7 @@ bool Exchange::startBody(Status status, Fields fields, std::optional<qint64> len
 
 void Exchange::writeHead(ReplyHead head, bool more)
 {
+    answered = int(head.status);
     ending = head.ending;
     if (ending == Ending::Close)
         m_channel.closeAfterReply();

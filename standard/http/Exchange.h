@@ -98,6 +98,9 @@ public:
     /// The reply can't be ended as it was begun: the connection is cut off.
     void breakOff();
 
+    /// Of the reply that was begun; 0 while there is none.
+    int status() const { return answered; }
+
     /// Whether somebody will get an answer; clean up without one otherwise.
     bool canAnswer() const { return m_channel.canAnswer(); }
 
@@ -127,6 +130,7 @@ private:
     std::shared_ptr<const Share> served;
     QByteArray cleaned;
     Access visitor;
+    int answered = 0; ///< the status, once the reply was begun
     Ending ending = Ending::Length; ///< of the reply under way
     std::optional<QByteArray> collected; ///< while a body is read whole
     std::optional<MemoryBudget::Part> bodyMemory; ///< for the same, until the reply is over

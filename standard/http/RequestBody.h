@@ -54,6 +54,9 @@ public:
 
     bool isAtEnd() const { return reader.isAtEnd(); }
 
+    /// As `BodyReader::bytesLeft`.
+    qint64 bytesLeft() const { return reader.bytesLeft(); }
+
     /// Whether the peer may send it, or the next request instead.
     bool isHeldBack() const;
 

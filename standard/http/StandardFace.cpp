@@ -6,6 +6,7 @@
 #include "server/Connection.h"
 #include "server/CrossSite.h"
 #include "server/PasswordChecks.h"
+#include "server/PeerCount.h"
 #include "server/TrustedProxy.h"
 #include "standard/Log.h"
 #include "standard/http/Copy.h"
@@ -29,6 +30,7 @@ namespace {
 constexpr auto keptNames = "Such names are kept for files that are being received.";
 constexpr auto strangeName =
     "This server is not known by that name. Its owner can add it: see \"names\" in the reference.";
+constexpr auto blockedByOwner = "The owner of this server has blocked this address.";
 constexpr auto otherSite = "A page of another site asked for this.";
 constexpr auto tooManyGuesses = "Too many wrong passwords. Try again later.";
 
@@ -95,7 +97,7 @@ void StandardFace::dropHandler()
 
 void StandardFace::requestReady(Request request)
 {
-    connection.noteRequest();
+    connection.noteRequest(request.value("User-Agent"));
     request.outside =
         takeForwarded(request, channel.connection().peerAddress(), *exchange.service().profile);
     exchange.begin(std::move(request));
@@ -122,6 +124,11 @@ bool StandardFace::isMisdirected()
 /// have its visitor's browser change anything here.
 bool StandardFace::isWelcome()
 {
+    // Whoever comes by a proxy; others got no connection.
+    if (exchange.service().setup.peers->isBlocked(exchange.request().outside.visitor)) {
+        exchange.refuse(Status::Forbidden, blockedByOwner);
+        return false;
+    }
     if (isMisdirected()) {
         exchange.refuse(Status::MisdirectedRequest, strangeName);
         return false;
@@ -193,6 +200,7 @@ void StandardFace::decide(const Authenticator::Result &login)
         return exchange.refuse(Status::Unauthorized, {},
                                common->authenticator.challenges(login.outcome, profile));
     exchange.setAccess(Access::of(profile, login.user));
+    connection.noteClient(exchange.request().outside.visitor, exchange.access().account);
     dispatch();
 }
 
@@ -214,7 +222,7 @@ void StandardFace::requestBad(Status status)
 {
     qCDebug(standardLog) << "refused:" << statusText(status) << "from"
                          << channel.connection().peerAddress();
-    connection.noteRequest();
+    connection.noteRequest({});
     exchange.begin({});
     exchange.refuse(status);
 }
@@ -264,7 +272,19 @@ void StandardFace::replyEnded()
     isAtDoor = false;
     if (std::exchange(isAnswering, false))
         handler->end();
+    const Request &request = exchange.request();
+    if (connection.isWatched())
+        connection.noteEnd(request.methodName, request.target.path, exchange.status(),
+                           channel.canAnswer());
     exchange.finish();
+}
+
+std::optional<FileTransfer> StandardFace::transfer() const
+{
+    std::optional<FileTransfer> found = channel.transfer();
+    if (found)
+        found->path = exchange.request().target.path;
+    return found;
 }
 
 /// Of what is reserved but serves no purpose, nothing is told.

@@ -35,6 +35,7 @@ public:
     void gone() override { channel.gone(); }
     Awaits awaits() const override { return channel.awaits(); }
     void expire() override { channel.expire(); }
+    std::optional<FileTransfer> transfer() const override;
 
 private:
     void requestReady(Request request) override;

@@ -1,4 +1,5 @@
 #include "net/PlainSocket.h"
+#include "server/PeerCount.h"
 #include "server/Places.h"
 #include "server/SessionTable.h"
 #include "standard/http/StandardFace.h"
@@ -85,6 +86,7 @@ private Q_SLOTS:
     void goesOnWhenDescriptorsRunOut();
     void endsWhoKeepsItWaiting();
     void waitsWhileABodyMoves();
+    void tellsWhatVisitorsDo();
     void takesSoManyOfEachPeer();
     void countsIPv6ByNetworks();
     void stopsAtTheTrafficLimit();
@@ -215,6 +217,46 @@ void TestLifecycle::saysWhyTlsCantBeUsed()
         QVERIFY(!live->server->init() && !live->server->isTlsReady());
         const QString said = live->sink.messages.join(QLatin1Char('\n'));
         QVERIFY2(said.contains(QLatin1String(message)), qPrintable(said));
+    }
+}
+
+void TestLifecycle::tellsWhatVisitorsDo()
+{
+    for (const bool isStandard : { false, true }) {
+        if (isStandard)
+            live = std::make_unique<LiveServer>(standard::standardFaces(standard::fileRoutes()));
+        live->addFile(QStringLiteral("big file"), QByteArray(20000000, 'x'));
+        live->start();
+        const auto transfer = [this] {
+            const std::vector<Visit> visits = live->server->visits();
+            return visits.empty() ? std::nullopt : visits.front().transfer;
+        };
+        RawClient client(live->port(), QHostAddress(QStringLiteral("127.0.0.2")));
+        client.socket->setReadBufferSize(1);
+        client.send(rawRequest("GET", "/big%20file", "User-Agent: curl/8\r\n"));
+        QTRY_VERIFY(transfer() && transfer()->done > 0 && !transfer()->isUpload);
+        QVERIFY(transfer()->path.endsWith("big file") && transfer()->left > 0);
+        QCOMPARE(live->server->visits().front().client.program, QByteArray("curl"));
+        live->server->disconnect([](const Visit &visit) {
+            return visit.client.address.toString() == QLatin1String("127.0.0.2");
+        });
+        QTRY_COMPARE(live->sink.deeds.size(), 1);
+        QVERIFY(!live->sink.deeds[0].isWhole && live->sink.deeds[0].status == 200);
+
+        RawClient second(live->port());
+        second.send(isStandard ? rawRequest("PUT", "/new", "Content-Length: 9\r\n") + "12345"
+                               : rawRequest("GET", "/a.txt"));
+        if (isStandard) {
+            QTRY_VERIFY(transfer() && transfer()->isUpload && transfer()->left == 4);
+            second.send("6789");
+        }
+        QVERIFY(second.reply().status().startsWith("20"));
+        QTRY_COMPARE(live->sink.deeds.size(), 2);
+        QVERIFY(live->sink.deeds[1].isWhole && live->sink.deeds[1].status / 100 == 2);
+
+        live->engine.setup()->peers->block(QHostAddress(QStringLiteral("127.0.0.2")));
+        RawClient blocked(live->port(), QHostAddress(QStringLiteral("127.0.0.2")));
+        QVERIFY(blocked.waitForClose());
     }
 }
 

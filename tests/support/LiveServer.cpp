@@ -13,6 +13,7 @@ TestHome::TestHome()
     : realHome(qgetenv("HOME"))
 {
     qputenv("HOME", dir.path().toUtf8());
+    qunsetenv("XDG_STATE_HOME");
     const QString resources = dir.path() + QLatin1String("/res");
     QDir().mkpath(resources + QLatin1String("/img"));
     QDir().mkpath(resources + QLatin1String("/lang/C"));

@@ -3,6 +3,7 @@
 #include "classic/http/Routes.h"
 #include "config/Profiles.h"
 #include "files/Previews.h"
+#include "server/Activity.h"
 #include "server/Engine.h"
 #include "server/StatusSink.h"
 #include "server/WebServer.h"
@@ -55,8 +56,12 @@ public:
         messages.append(title + QLatin1Char('\n') + text);
     }
 
+    bool listens() const override { return true; }
+    void told(const Deed &deed) override { deeds.append(deed); }
+
     QStringList peers;
     QStringList messages;
+    QList<Deed> deeds;
 };
 
 /// A real server on a free loopback port that shares a fresh folder under its own profile.
