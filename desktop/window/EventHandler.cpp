@@ -4,12 +4,14 @@
 #include "desktop/window/TrafficSource.h"
 
 #include <chrono>
+#include <utility>
 
 using namespace std::chrono_literals;
 
 namespace {
 
 constexpr auto refreshInterval = 2000ms;
+constexpr auto gatherDeeds = 1000ms;
 constexpr auto gatherTime = 100ms; ///< ten reports a second, however many clients come
 
 } // namespace
@@ -66,6 +68,14 @@ void EventHandler::msg(const QString &title, const QString &text)
     boxes.append(whole);
     if (boxes.size() == 1)
         queueNext();
+}
+
+void EventHandler::told(const Deed &deed)
+{
+    if (deeds.empty())
+        QTimer::singleShot(gatherDeeds, this,
+                           [this] { Q_EMIT deedsDone(std::exchange(deeds, {})); });
+    deeds.push_back(deed);
 }
 
 void EventHandler::queueNext()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "server/Activity.h"
 #include "server/StatusSink.h"
 
 #include <QObject>
@@ -7,6 +8,8 @@
 #include <QString>
 #include <QStringList>
 #include <QTimer>
+
+#include <vector>
 
 class QWidget;
 class TrafficSource;
@@ -19,6 +22,9 @@ class EventHandler : public QObject, public StatusSink
 public:
     /// Different messages that wait behind an open box; further ones are dropped.
     static constexpr int maxWaitingBoxes = 16;
+
+    /// Ends of requests that are told in a second; of more than these nobody could read.
+    static constexpr int maxDeeds = 50;
 
     EventHandler();
 
@@ -38,6 +44,9 @@ public:
     /// connection; a text whose box is open or waiting is not shown again.
     void msg(const QString &title, const QString &text) override;
 
+    bool listens() const override { return deeds.size() < std::size_t(maxDeeds); }
+    void told(const Deed &deed) override;
+
 public Q_SLOTS:
     /// Shows traffic and last client, once there was one.
     void sendDataInfo();
@@ -46,6 +55,9 @@ public Q_SLOTS:
 Q_SIGNALS:
     /// The status line shows `text`, HTML, from now on.
     void statusChanged(const QString &text);
+
+    /// What was told within the last second.
+    void deedsDone(const std::vector<Deed> &deeds);
 
 private:
     void queueNext();
@@ -57,4 +69,5 @@ private:
     QString lastAddress; ///< peer of the newest client
     QTimer timer;
     QStringList boxes; ///< texts; the first one is being shown
+    std::vector<Deed> deeds; ///< to be told together
 };

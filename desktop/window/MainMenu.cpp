@@ -17,6 +17,8 @@ MainMenu::MainMenu(Look *lookInUse, const QString &language, QWidget *parent)
 {
     sizeForFingers(this);
     const QAction *copy = addNamed("copyAddress", WindowText::tr("Copy address"), "Ctrl+C");
+    const QAction *activity =
+        addNamed("activity", WindowText::tr("Visitors and transfers"), "Ctrl+T");
     reloadPublic = addNamed("reloadPublic", WindowText::tr("Reload public addressess"));
     reloadLocal = addNamed("reloadLocal", WindowText::tr("Reload local addresses"), "F5");
     settings = addNamed("settings", WindowText::tr("Settings"));
@@ -29,6 +31,7 @@ MainMenu::MainMenu(Look *lookInUse, const QString &language, QWidget *parent)
     const QAction *quit = addNamed("quit", WindowText::tr("Quit"), "Ctrl+Q");
 
     connect(copy, &QAction::triggered, this, &MainMenu::addressWanted);
+    connect(activity, &QAction::triggered, this, &MainMenu::activityWanted);
     connect(reloadPublic, &QAction::triggered, this, &MainMenu::publicReloadWanted);
     // By the parent: a menu cuts what connects it to an entry that it loses.
     connect(reloadLocal, &QAction::triggered, parent, [this] { Q_EMIT localReloadWanted(); });

@@ -21,6 +21,7 @@ Q_SIGNALS:
     void localReloadWanted();
     void settingsWanted();
     void addressWanted(); ///< in the clipboard
+    void activityWanted();
 
     /// The user has switched the mode; `showMode` takes that back.
     void expertModeWanted(bool on);

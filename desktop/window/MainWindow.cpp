@@ -3,6 +3,7 @@
 #include "config/Profiles.h"
 #include "desktop/widgets/Prompts.h"
 #include "desktop/widgets/Touch.h"
+#include "desktop/window/Activity.h"
 #include "desktop/window/AddressList.h"
 #include "desktop/window/AddressTable.h"
 #include "desktop/window/EventHandler.h"
@@ -103,6 +104,7 @@ MainWindow::MainWindow(Profiles *choice, Look *lookInUse, EventHandler *sink,
     startProfiles();
     m_keeper = std::make_unique<RowKeeper>(profiles, common, std::move(source));
     m_reachability = std::make_unique<Reachability>(rows(), profiles);
+    activity = std::make_unique<Activity>(rows(), common);
     events->watch(rows());
 
     addresses = new AddressList(profiles, keeper(), rootMode, this);
@@ -124,6 +126,7 @@ MainWindow::~MainWindow()
 {
     events->watch(nullptr);
     // While what they report to is whole.
+    activity.reset();
     m_reachability.reset();
     m_keeper.reset();
 }
@@ -227,6 +230,8 @@ void MainWindow::connectMenus()
     connect(menu, &MainMenu::publicReloadWanted, reachability(), &Reachability::loadPublic);
     connect(menu, &MainMenu::localReloadWanted, keeper(), &RowKeeper::loadLocal);
     connect(menu, &MainMenu::addressWanted, this, &MainWindow::copyAddress);
+    connect(menu, &MainMenu::activityWanted, this, [this] { activity->show(this); });
+    connect(events, &EventHandler::deedsDone, activity.get(), &Activity::note);
     connect(menu, &MainMenu::settingsWanted, this, [this] { addresses->edit(profiles->global()); });
     connect(menu, &MainMenu::expertModeWanted, this, &MainWindow::setExpertMode);
     connect(panel, &RowPanel::settingsWanted, addresses, &AddressList::editProfile);

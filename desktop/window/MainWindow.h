@@ -10,6 +10,7 @@
 
 #include <memory>
 
+class Activity;
 class AddressList;
 class EventHandler;
 class Look;
@@ -70,6 +71,7 @@ private:
     Profiles *profiles;
     EventHandler *events;
     std::unique_ptr<RowKeeper> m_keeper;
+    std::unique_ptr<Activity> activity;
     std::unique_ptr<Reachability> m_reachability;
     QSet<const WebServer *> limitBoxes; ///< servers whose box is open
     bool asksForPassword = false; ///< the question is open

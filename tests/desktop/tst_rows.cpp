@@ -1,10 +1,15 @@
 #include "desktop/settings/KeyMaker.h"
+#include "desktop/window/DeedLog.h"
 #include "desktop/window/FirstInstance.h"
+#include "desktop/window/LogFile.h"
 #include "desktop/window/SavedRows.h"
+#include "desktop/window/VisitTable.h"
 #include "desktop/window/WebServices.h"
 #include "tests/desktop/Desktop.h"
 #include "tests/support/Data.h"
 
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLocalSocket>
 
 #include <thread>
@@ -47,6 +52,61 @@ class tst_rows : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    /// By their texts, as the user reads them.
+    void visitorsAndTransfers()
+    {
+        const QHostAddress phone(QStringLiteral("192.0.2.7"));
+        Deed deed{ { phone, "anna", "Firefox" }, "GET", "a\n\xe2\x80\xaegpj.exe", 200, true, 5 };
+        Deed look{ { phone, "anna", "Firefox" }, "GET", "folder/", 200, true, 5 };
+        Deed refused{ { phone, {}, {} }, "DELETE", "b", 403, true, 5 };
+        DeedLog log;
+        log.add({ deed, look, deed, refused }, QDateTime::currentDateTime());
+        QCOMPARE(log.rowCount(), 2);
+        const auto text = [&](int row, int column) {
+            return log.index(row, column).data().toString();
+        };
+        QCOMPARE(text(0, DeedLog::Event), QStringLiteral("Deletion refused (403)"));
+        QCOMPARE(text(1, DeedLog::Visitor), QStringLiteral("anna (192.0.2.7)"));
+        QCOMPARE(text(1, DeedLog::Event), QStringLiteral("Download, 2 times"));
+        QCOMPARE(text(1, DeedLog::File), QStringLiteral("a\\u000a\\u202egpj.exe"));
+        for (int i = 0; i < DeedLog::maxRows + 9; ++i)
+            log.add({ i % 2 ? deed : refused }, QDateTime::currentDateTime());
+        QCOMPARE(log.rowCount(), int(DeedLog::maxRows));
+
+        const QTemporaryDir folder;
+        const LogFile file(folder.filePath(QStringLiteral("state/log")));
+        QVERIFY(file.append(deedLine(deed, QDateTime::currentDateTime())));
+        QFile written(file.fileName());
+        QVERIFY(written.open(QFile::ReadWrite));
+        QCOMPARE(written.permissions() & (QFile::ReadGroup | QFile::ReadOther),
+                 QFile::Permissions());
+        const QByteArray line = written.readAll();
+        QCOMPARE(line.count('\n'), 1);
+        const QJsonObject record = QJsonDocument::fromJson(line).object();
+        QCOMPARE(record.value(QStringLiteral("path")).toString().toUtf8(), deed.path);
+        QVERIFY(written.resize(LogFile::maxSize + 1) && file.append(line));
+        QCOMPARE(QFileInfo(file.fileName()).size(), qint64(line.size()));
+        QVERIFY(QFile::exists(file.fileName() + QLatin1String(".1")));
+
+        Visit visit{ 1, deed.client, QDateTime::currentDateTimeUtc(),
+                     FileTransfer{ true, 5120, "f", 1024 } };
+        Visit second{ 2, deed.client, visit.since, {} };
+        QCOMPARE(visitorRows({ { nullptr, visit }, { nullptr, second } }).size(), std::size_t(1));
+        TransferRows moving;
+        const TransferRows::Clock::time_point start{};
+        moving.look({ { nullptr, visit } }, start);
+        visit.transfer->done = 3072;
+        visit.transfer->left = 3072;
+        KeyedTable table({ {}, {}, {}, {}, {} });
+        table.show(moving.look({ { nullptr, visit } }, start + std::chrono::seconds(1)));
+        QStringList shown;
+        for (int column = 0; column < table.columnCount(); ++column)
+            shown += table.index(0, column).data().toString();
+        QCOMPARE(shown.join(QLatin1Char('|')), QStringLiteral("f|Upload|50 %|2.0 kB/s|0:01"));
+        table.show({});
+        QCOMPARE(table.rowCount(), 0);
+    }
+
     void startAndStop()
     {
         Rows device({}, 2);

@@ -2,6 +2,85 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en_US" sourcelanguage="en_US">
 <context>
+    <name>ActivityDialog</name>
+    <message>
+        <source>Address</source>
+        <translation>Address</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Program</source>
+        <translation>Program</translation>
+    </message>
+    <message>
+        <source>Since</source>
+        <translation>Since</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>File</translation>
+    </message>
+    <message>
+        <source>Direction</source>
+        <translation>Direction</translation>
+    </message>
+    <message>
+        <source>Done</source>
+        <translation>Done</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>Speed</translation>
+    </message>
+    <message>
+        <source>Time left</source>
+        <translation>Time left</translation>
+    </message>
+    <message>
+        <source>Visitors and transfers</source>
+        <translation>Visitors and transfers</translation>
+    </message>
+    <message>
+        <source>Visitors</source>
+        <translation>Visitors</translation>
+    </message>
+    <message>
+        <source>Transfers</source>
+        <translation>Transfers</translation>
+    </message>
+    <message>
+        <source>Events</source>
+        <translation>Events</translation>
+    </message>
+    <message>
+        <source>Keep a log of events</source>
+        <translation>Keep a log of events</translation>
+    </message>
+    <message>
+        <source>Disconnect</source>
+        <translation>Disconnect</translation>
+    </message>
+    <message>
+        <source>Block</source>
+        <translation>Block</translation>
+    </message>
+    <message>
+        <source>Unblock all</source>
+        <translation>Unblock all</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>Block %1 until Quillon ends? Its connections are cut.</source>
+        <translation>Block %1 until Quillon ends? Its connections are cut.</translation>
+    </message>
+</context>
+<context>
     <name>AddressList</name>
     <message>
         <source>Listen Addresses</source>
@@ -682,6 +761,70 @@
     <message>
         <source>No server is running, so there is no address to copy.</source>
         <translation>No server is running, so there is no address to copy.</translation>
+    </message>
+    <message>
+        <source>Download</source>
+        <translation>Download</translation>
+    </message>
+    <message>
+        <source>Upload</source>
+        <translation>Upload</translation>
+    </message>
+    <message>
+        <source>Change</source>
+        <translation>Change</translation>
+    </message>
+    <message>
+        <source>Deletion</source>
+        <translation>Deletion</translation>
+    </message>
+    <message>
+        <source>New folder</source>
+        <translation>New folder</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Copy</translation>
+    </message>
+    <message>
+        <source>Move</source>
+        <translation>Move</translation>
+    </message>
+    <message>
+        <source>%1 refused (%2)</source>
+        <translation>%1 refused (%2)</translation>
+    </message>
+    <message>
+        <source>%1 broken off</source>
+        <translation>%1 broken off</translation>
+    </message>
+    <message>
+        <source>%1, %2 times</source>
+        <translation>%1, %2 times</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Time</translation>
+    </message>
+    <message>
+        <source>Visitor</source>
+        <translation>Visitor</translation>
+    </message>
+    <message>
+        <source>Event</source>
+        <translation>Event</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>File</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>Visitors and transfers</source>
+        <translation>Visitors and transfers</translation>
     </message>
 </context>
 <context>

@@ -2,6 +2,85 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE" sourcelanguage="en_US">
 <context>
+    <name>ActivityDialog</name>
+    <message>
+        <source>Address</source>
+        <translation>Adresse</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Name</translation>
+    </message>
+    <message>
+        <source>Program</source>
+        <translation>Programm</translation>
+    </message>
+    <message>
+        <source>Since</source>
+        <translation>Seit</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Datei</translation>
+    </message>
+    <message>
+        <source>Direction</source>
+        <translation>Richtung</translation>
+    </message>
+    <message>
+        <source>Done</source>
+        <translation>Fertig</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>Tempo</translation>
+    </message>
+    <message>
+        <source>Time left</source>
+        <translation>Restzeit</translation>
+    </message>
+    <message>
+        <source>Visitors and transfers</source>
+        <translation>Besucher und Übertragungen</translation>
+    </message>
+    <message>
+        <source>Visitors</source>
+        <translation>Besucher</translation>
+    </message>
+    <message>
+        <source>Transfers</source>
+        <translation>Übertragungen</translation>
+    </message>
+    <message>
+        <source>Events</source>
+        <translation>Ereignisse</translation>
+    </message>
+    <message>
+        <source>Keep a log of events</source>
+        <translation>Ereignisse in einer Datei festhalten</translation>
+    </message>
+    <message>
+        <source>Disconnect</source>
+        <translation>Trennen</translation>
+    </message>
+    <message>
+        <source>Block</source>
+        <translation>Sperren</translation>
+    </message>
+    <message>
+        <source>Unblock all</source>
+        <translation>Alle entsperren</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Schließen</translation>
+    </message>
+    <message>
+        <source>Block %1 until Quillon ends? Its connections are cut.</source>
+        <translation>%1 sperren, bis Quillon endet? Die Verbindungen von dort werden getrennt.</translation>
+    </message>
+</context>
+<context>
     <name>AddressList</name>
     <message>
         <source>Listen Addresses</source>
@@ -682,6 +761,70 @@
     <message>
         <source>No server is running, so there is no address to copy.</source>
         <translation>Kein Server läuft; es gibt keine Adresse zu kopieren.</translation>
+    </message>
+    <message>
+        <source>Download</source>
+        <translation>Download</translation>
+    </message>
+    <message>
+        <source>Upload</source>
+        <translation>Upload</translation>
+    </message>
+    <message>
+        <source>Change</source>
+        <translation>Änderung</translation>
+    </message>
+    <message>
+        <source>Deletion</source>
+        <translation>Löschen</translation>
+    </message>
+    <message>
+        <source>New folder</source>
+        <translation>Neuer Ordner</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Kopie</translation>
+    </message>
+    <message>
+        <source>Move</source>
+        <translation>Verschieben</translation>
+    </message>
+    <message>
+        <source>%1 refused (%2)</source>
+        <translation>%1 abgelehnt (%2)</translation>
+    </message>
+    <message>
+        <source>%1 broken off</source>
+        <translation>%1 abgebrochen</translation>
+    </message>
+    <message>
+        <source>%1, %2 times</source>
+        <translation>%1, %2-mal</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Zeit</translation>
+    </message>
+    <message>
+        <source>Visitor</source>
+        <translation>Besucher</translation>
+    </message>
+    <message>
+        <source>Event</source>
+        <translation>Ereignis</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Datei</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>Visitors and transfers</source>
+        <translation>Besucher und Übertragungen</translation>
     </message>
 </context>
 <context>

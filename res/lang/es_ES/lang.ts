@@ -2,6 +2,85 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="es_ES" sourcelanguage="en_US">
 <context>
+    <name>ActivityDialog</name>
+    <message>
+        <source>Address</source>
+        <translation>Dirección</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nombre</translation>
+    </message>
+    <message>
+        <source>Program</source>
+        <translation>Programa</translation>
+    </message>
+    <message>
+        <source>Since</source>
+        <translation>Desde</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Archivo</translation>
+    </message>
+    <message>
+        <source>Direction</source>
+        <translation>Sentido</translation>
+    </message>
+    <message>
+        <source>Done</source>
+        <translation>Hecho</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>Velocidad</translation>
+    </message>
+    <message>
+        <source>Time left</source>
+        <translation>Falta</translation>
+    </message>
+    <message>
+        <source>Visitors and transfers</source>
+        <translation>Visitantes y transferencias</translation>
+    </message>
+    <message>
+        <source>Visitors</source>
+        <translation>Visitantes</translation>
+    </message>
+    <message>
+        <source>Transfers</source>
+        <translation>Transferencias</translation>
+    </message>
+    <message>
+        <source>Events</source>
+        <translation>Sucesos</translation>
+    </message>
+    <message>
+        <source>Keep a log of events</source>
+        <translation>Anotar los sucesos en un archivo</translation>
+    </message>
+    <message>
+        <source>Disconnect</source>
+        <translation>Desconectar</translation>
+    </message>
+    <message>
+        <source>Block</source>
+        <translation>Bloquear</translation>
+    </message>
+    <message>
+        <source>Unblock all</source>
+        <translation>Desbloquear todo</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Cerrar</translation>
+    </message>
+    <message>
+        <source>Block %1 until Quillon ends? Its connections are cut.</source>
+        <translation>¿Bloquear %1 hasta que termine Quillon? Se cortarán sus conexiones.</translation>
+    </message>
+</context>
+<context>
     <name>AddressList</name>
     <message>
         <source>Listen Addresses</source>
@@ -682,6 +761,70 @@
     <message>
         <source>No server is running, so there is no address to copy.</source>
         <translation>Ningún servidor está en marcha: no hay dirección que copiar.</translation>
+    </message>
+    <message>
+        <source>Download</source>
+        <translation>Descarga</translation>
+    </message>
+    <message>
+        <source>Upload</source>
+        <translation>Subida</translation>
+    </message>
+    <message>
+        <source>Change</source>
+        <translation>Cambio</translation>
+    </message>
+    <message>
+        <source>Deletion</source>
+        <translation>Borrado</translation>
+    </message>
+    <message>
+        <source>New folder</source>
+        <translation>Carpeta nueva</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Copia</translation>
+    </message>
+    <message>
+        <source>Move</source>
+        <translation>Traslado</translation>
+    </message>
+    <message>
+        <source>%1 refused (%2)</source>
+        <translation>%1: rechazo (%2)</translation>
+    </message>
+    <message>
+        <source>%1 broken off</source>
+        <translation>%1: interrupción</translation>
+    </message>
+    <message>
+        <source>%1, %2 times</source>
+        <translation>%1, %2 veces</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Hora</translation>
+    </message>
+    <message>
+        <source>Visitor</source>
+        <translation>Visitante</translation>
+    </message>
+    <message>
+        <source>Event</source>
+        <translation>Suceso</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Archivo</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>Visitors and transfers</source>
+        <translation>Visitantes y transferencias</translation>
     </message>
 </context>
 <context>

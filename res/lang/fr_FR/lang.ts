@@ -2,6 +2,85 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="fr_FR" sourcelanguage="en_US">
 <context>
+    <name>ActivityDialog</name>
+    <message>
+        <source>Address</source>
+        <translation>Adresse</translation>
+    </message>
+    <message>
+        <source>Name</source>
+        <translation>Nom</translation>
+    </message>
+    <message>
+        <source>Program</source>
+        <translation>Programme</translation>
+    </message>
+    <message>
+        <source>Since</source>
+        <translation>Depuis</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Fichier</translation>
+    </message>
+    <message>
+        <source>Direction</source>
+        <translation>Sens</translation>
+    </message>
+    <message>
+        <source>Done</source>
+        <translation>Fait</translation>
+    </message>
+    <message>
+        <source>Speed</source>
+        <translation>Débit</translation>
+    </message>
+    <message>
+        <source>Time left</source>
+        <translation>Reste</translation>
+    </message>
+    <message>
+        <source>Visitors and transfers</source>
+        <translation>Visiteurs et transferts</translation>
+    </message>
+    <message>
+        <source>Visitors</source>
+        <translation>Visiteurs</translation>
+    </message>
+    <message>
+        <source>Transfers</source>
+        <translation>Transferts</translation>
+    </message>
+    <message>
+        <source>Events</source>
+        <translation>Événements</translation>
+    </message>
+    <message>
+        <source>Keep a log of events</source>
+        <translation>Noter les événements dans un fichier</translation>
+    </message>
+    <message>
+        <source>Disconnect</source>
+        <translation>Déconnecter</translation>
+    </message>
+    <message>
+        <source>Block</source>
+        <translation>Bloquer</translation>
+    </message>
+    <message>
+        <source>Unblock all</source>
+        <translation>Tout débloquer</translation>
+    </message>
+    <message>
+        <source>Close</source>
+        <translation>Fermer</translation>
+    </message>
+    <message>
+        <source>Block %1 until Quillon ends? Its connections are cut.</source>
+        <translation>Bloquer %1 jusqu&apos;à la fin de Quillon ? Ses connexions seront coupées.</translation>
+    </message>
+</context>
+<context>
     <name>AddressList</name>
     <message>
         <source>Listen Addresses</source>
@@ -682,6 +761,70 @@
     <message>
         <source>No server is running, so there is no address to copy.</source>
         <translation>Aucun serveur n’est démarré : il n’y a pas d’adresse à copier.</translation>
+    </message>
+    <message>
+        <source>Download</source>
+        <translation>Téléchargement</translation>
+    </message>
+    <message>
+        <source>Upload</source>
+        <translation>Envoi</translation>
+    </message>
+    <message>
+        <source>Change</source>
+        <translation>Modification</translation>
+    </message>
+    <message>
+        <source>Deletion</source>
+        <translation>Suppression</translation>
+    </message>
+    <message>
+        <source>New folder</source>
+        <translation>Nouveau dossier</translation>
+    </message>
+    <message>
+        <source>Copy</source>
+        <translation>Copie</translation>
+    </message>
+    <message>
+        <source>Move</source>
+        <translation>Déplacement</translation>
+    </message>
+    <message>
+        <source>%1 refused (%2)</source>
+        <translation>%1 : refus (%2)</translation>
+    </message>
+    <message>
+        <source>%1 broken off</source>
+        <translation>%1 : interruption</translation>
+    </message>
+    <message>
+        <source>%1, %2 times</source>
+        <translation>%1, %2 fois</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>Heure</translation>
+    </message>
+    <message>
+        <source>Visitor</source>
+        <translation>Visiteur</translation>
+    </message>
+    <message>
+        <source>Event</source>
+        <translation>Événement</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>Fichier</translation>
+    </message>
+    <message>
+        <source>%1 %</source>
+        <translation>%1 %</translation>
+    </message>
+    <message>
+        <source>Visitors and transfers</source>
+        <translation>Visiteurs et transferts</translation>
     </message>
 </context>
 <context>

@@ -1,0 +1,194 @@
+#include "desktop/window/ActivityDialog.h"
+
+#include "desktop/widgets/Buttons.h"
+#include "desktop/widgets/Prompts.h"
+#include "desktop/widgets/Touch.h"
+#include "desktop/window/Activity.h"
+#include "desktop/window/DeedLog.h"
+#include "desktop/window/ServerRow.h"
+#include "desktop/window/ServerRows.h"
+#include "server/PeerCount.h"
+
+#include <QCheckBox>
+#include <QHeaderView>
+#include <QStyledItemDelegate>
+#include <QTabWidget>
+#include <QTreeView>
+#include <QVBoxLayout>
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr QSize usualSize(640, 420);
+constexpr int leastColumn = 48; ///< pixels
+
+/// Rows that a finger can choose.
+class FingerRows : public QStyledItemDelegate
+{
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+    QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override
+    {
+        return QStyledItemDelegate::sizeHint(option, index).expandedTo({ 0, fingerSize });
+    }
+};
+
+std::vector<ServerVisit> visitsOf(const ServerRows &rows)
+{
+    std::vector<ServerVisit> all;
+    for (const ServerRow *row : rows.all()) {
+        for (Visit &visit : row->server()->visits())
+            all.push_back({ row->server(), std::move(visit) });
+    }
+    return all;
+}
+
+} // namespace
+
+ActivityDialog::ActivityDialog(ServerRows *servers, PeerCount *peers, DeedLog *deeds,
+                               const QString &logFile, QWidget *parent)
+    : QDialog(parent)
+    , rows(servers)
+    , places(peers)
+    , visitors({ tr("Address"), tr("Name"), tr("Program"), tr("Since") })
+    , transfers(
+          { tr("File"), tr("Direction"), tr("Done"), tr("Speed"), tr("Time left"), tr("Address") })
+    , column(new QVBoxLayout(this))
+    , tabs(new QTabWidget)
+{
+    setWindowTitle(tr("Visitors and transfers"));
+    column->addWidget(tabs);
+    visitorView = addTable(tr("Visitors"), &visitors);
+    transferView = addTable(tr("Transfers"), &transfers);
+    transferView->header()->setStretchLastSection(false);
+    transferView->header()->setMinimumSectionSize(leastColumn);
+    transferView->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    addTable(tr("Events"), deeds);
+    addLogSwitch(logFile);
+    addButtons();
+    connect(&timer, &QTimer::timeout, this, &ActivityDialog::refresh);
+    connect(tabs, &QTabWidget::currentChanged, this, &ActivityDialog::updateButtons);
+    updateButtons();
+    fitToScreen(this, usualSize);
+}
+
+QTreeView *ActivityDialog::addTable(const QString &label, QAbstractItemModel *model)
+{
+    auto *view = new QTreeView;
+    view->setModel(model);
+    view->setItemDelegate(new FingerRows(view));
+    view->setRootIsDecorated(false);
+    view->setUniformRowHeights(true);
+    view->setAllColumnsShowFocus(true);
+    view->setTextElideMode(Qt::ElideMiddle);
+    view->setAccessibleName(label);
+    view->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    view->header()->setStretchLastSection(true);
+    scrollByFinger(view);
+    tabs->addTab(view, label);
+    connect(view->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &ActivityDialog::updateButtons);
+    return view;
+}
+
+void ActivityDialog::addLogSwitch(const QString &logFile)
+{
+    auto *box = new Finger<QCheckBox>(tr("Keep a log of events"));
+    box->setToolTip(logFile);
+    box->setChecked(Activity::keepsLog());
+    connect(box, &QCheckBox::toggled, this, &Activity::keepLog);
+    column->addWidget(box);
+}
+
+void ActivityDialog::addButtons()
+{
+    disconnecting = newButton(tr("Disconnect"));
+    blocking = newButton(tr("Block"));
+    unblocking = newButton(tr("Unblock all"));
+    QPushButton *closing = newButton(tr("Close"));
+    column->addLayout(newButtonRow({ unblocking, blocking, disconnecting, closing }));
+    connect(disconnecting, &QPushButton::clicked, this, &ActivityDialog::disconnectChosen);
+    connect(blocking, &QPushButton::clicked, this, &ActivityDialog::blockChosen);
+    connect(unblocking, &QPushButton::clicked, this, &ActivityDialog::unblock);
+    connect(closing, &QPushButton::clicked, this, &QDialog::close);
+}
+
+void ActivityDialog::showEvent(QShowEvent *event)
+{
+    refresh();
+    timer.start(1s);
+    QDialog::showEvent(event);
+}
+
+void ActivityDialog::hideEvent(QHideEvent *event)
+{
+    timer.stop();
+    QDialog::hideEvent(event);
+}
+
+void ActivityDialog::refresh()
+{
+    const std::vector<ServerVisit> visits = visitsOf(*rows);
+    visitors.show(visitorRows(visits));
+    transfers.show(moving.look(visits, TransferRows::Clock::now()));
+    updateButtons();
+}
+
+/// Null when nothing is, or only an event.
+const KeyedTable::Row *ActivityDialog::chosen() const
+{
+    const QWidget *shown = tabs->currentWidget();
+    if (shown == visitorView)
+        return visitors.row(visitorView->currentIndex());
+    if (shown == transferView)
+        return transfers.row(transferView->currentIndex());
+    return nullptr;
+}
+
+void ActivityDialog::disconnectChosen()
+{
+    const KeyedTable::Row *row = chosen();
+    if (!row)
+        return;
+    const QString key = row->key;
+    const bool isTransfer = tabs->currentWidget() == transferView;
+    for (const ServerRow *each : rows->all()) {
+        WebServer *server = each->server();
+        server->disconnect([&](const Visit &visit) {
+            return key == (isTransfer ? keyOf({ server, visit }) : visitorKey(visit.client));
+        });
+    }
+    refresh();
+}
+
+void ActivityDialog::blockChosen()
+{
+    const KeyedTable::Row *row = chosen();
+    if (!row)
+        return;
+    const QHostAddress address = row->address;
+    const QString question = tr("Block %1 until Quillon ends? Its connections are cut.");
+    if (!askYesNo(this, question.arg(address.toString())))
+        return;
+    places->block(address);
+    for (const ServerRow *each : rows->all())
+        each->server()->disconnect(
+            [&](const Visit &visit) { return places->isBlocked(visit.client.address); });
+    refresh();
+}
+
+void ActivityDialog::unblock()
+{
+    places->unblockAll();
+    updateButtons();
+}
+
+void ActivityDialog::updateButtons()
+{
+    const bool isChosen = chosen() != nullptr;
+    disconnecting->setEnabled(isChosen);
+    blocking->setEnabled(isChosen);
+    unblocking->setEnabled(places->blocksAny());
+}

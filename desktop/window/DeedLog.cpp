@@ -1,0 +1,155 @@
+#include "desktop/window/DeedLog.h"
+
+#include "desktop/window/WindowText.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLocale>
+
+#include <algorithm>
+#include <array>
+
+namespace {
+
+constexpr int firstRefusal = 400; ///< of the status codes
+
+struct Kind
+{
+    const char *method;
+    const char *name;
+};
+
+constexpr std::array kinds{
+    Kind{ "GET", QT_TRANSLATE_NOOP("MainWindow", "Download") },
+    Kind{ "PUT", QT_TRANSLATE_NOOP("MainWindow", "Upload") },
+    Kind{ "POST", QT_TRANSLATE_NOOP("MainWindow", "Upload") },
+    Kind{ "PATCH", QT_TRANSLATE_NOOP("MainWindow", "Change") },
+    Kind{ "DELETE", QT_TRANSLATE_NOOP("MainWindow", "Deletion") },
+    Kind{ "MKCOL", QT_TRANSLATE_NOOP("MainWindow", "New folder") },
+    Kind{ "COPY", QT_TRANSLATE_NOOP("MainWindow", "Copy") },
+    Kind{ "MOVE", QT_TRANSLATE_NOOP("MainWindow", "Move") },
+};
+
+const Kind *kindOf(const Deed &deed)
+{
+    const auto found = std::find_if(kinds.begin(), kinds.end(),
+                                    [&](const Kind &kind) { return deed.method == kind.method; });
+    return found == kinds.end() ? nullptr : found;
+}
+
+QString visitorName(const Client &client)
+{
+    const QString address = client.address.toString();
+    if (client.account.isEmpty())
+        return address;
+    return QString::fromUtf8(client.account) + QLatin1String(" (") + address + QLatin1Char(')');
+}
+
+bool isUnseen(QChar c)
+{
+    return c.category() == QChar::Other_Control || c.category() == QChar::Other_Format
+        || c.category() == QChar::Separator_Line || c.category() == QChar::Separator_Paragraph;
+}
+
+} // namespace
+
+bool isTelling(const Deed &deed)
+{
+    const bool isFolder = deed.path.isEmpty() || deed.path.endsWith('/');
+    return kindOf(deed) && !(deed.method == "GET" && isFolder && deed.status < firstRefusal);
+}
+
+QString deedName(const Deed &deed)
+{
+    const Kind *kind = kindOf(deed);
+    if (!kind)
+        return QString::fromLatin1(deed.method);
+    const QString name = WindowText::tr(kind->name);
+    if (deed.status >= firstRefusal)
+        return WindowText::tr("%1 refused (%2)").arg(name).arg(deed.status);
+    return deed.isWhole && deed.status > 0 ? name : WindowText::tr("%1 broken off").arg(name);
+}
+
+QString shownPath(const QByteArray &path)
+{
+    QString shown;
+    const QString text = QString::fromUtf8(path);
+    for (const QChar c : text)
+        shown += isUnseen(c) ? QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'))
+                             : QString(c);
+    return shown;
+}
+
+QByteArray deedLine(const Deed &deed, const QDateTime &now)
+{
+    const QJsonObject record{
+        { QStringLiteral("time"), now.toUTC().toString(Qt::ISODateWithMs) },
+        { QStringLiteral("address"), deed.client.address.toString() },
+        { QStringLiteral("account"), QString::fromUtf8(deed.client.account) },
+        { QStringLiteral("program"), QString::fromUtf8(deed.client.program) },
+        { QStringLiteral("method"), QString::fromLatin1(deed.method) },
+        { QStringLiteral("path"), QString::fromUtf8(deed.path) },
+        { QStringLiteral("status"), deed.status },
+        { QStringLiteral("whole"), deed.isWhole },
+        { QStringLiteral("bytes"), deed.bytes },
+    };
+    return QJsonDocument(record).toJson(QJsonDocument::Compact) + '\n';
+}
+
+void DeedLog::add(const std::vector<Deed> &deeds, const QDateTime &now)
+{
+    for (const Deed &deed : deeds) {
+        if (isTelling(deed))
+            addOne(deed, now);
+    }
+}
+
+void DeedLog::addOne(const Deed &deed, const QDateTime &now)
+{
+    Entry entry{ now, { visitorName(deed.client), deedName(deed), shownPath(deed.path) } };
+    if (!entries.empty() && entries.front().texts == entry.texts) {
+        entries.front().time = now;
+        ++entries.front().times;
+        Q_EMIT dataChanged(index(0, 0), index(0, ColumnCount - 1));
+        return;
+    }
+    beginInsertRows({}, 0, 0);
+    entries.push_front(std::move(entry));
+    endInsertRows();
+    if (entries.size() <= std::size_t(maxRows))
+        return;
+    beginRemoveRows({}, maxRows, maxRows);
+    entries.pop_back();
+    endRemoveRows();
+}
+
+int DeedLog::rowCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : int(entries.size());
+}
+
+int DeedLog::columnCount(const QModelIndex &parent) const
+{
+    return parent.isValid() ? 0 : ColumnCount;
+}
+
+QVariant DeedLog::data(const QModelIndex &index, int role) const
+{
+    if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::ToolTipRole))
+        return {};
+    const Entry &entry = entries[std::size_t(index.row())];
+    if (index.column() == Time)
+        return QLocale().toString(entry.time.time(), QLocale::ShortFormat);
+    const QString text = entry.texts.at(index.column() - Visitor);
+    const bool isCounted = index.column() == Event && entry.times > 1;
+    return isCounted ? WindowText::tr("%1, %2 times").arg(text).arg(entry.times) : text;
+}
+
+QVariant DeedLog::headerData(int section, Qt::Orientation orientation, int role) const
+{
+    if (orientation != Qt::Horizontal || role != Qt::DisplayRole)
+        return {};
+    const std::array<QString, ColumnCount> names{ WindowText::tr("Time"), WindowText::tr("Visitor"),
+                                                  WindowText::tr("Event"), WindowText::tr("File") };
+    return names.at(std::size_t(section));
+}
