@@ -45,8 +45,19 @@ Listener::~Listener()
 
 bool Listener::listen(const QHostAddress &address, quint16 port)
 {
-    if (!server.listen(address, port))
+    return server.listen(address, port) && watch();
+}
+
+bool Listener::adopt(FileDescriptor opened)
+{
+    if (!server.setSocketDescriptor(opened.get()))
         return false;
+    opened.release(); // closed with the server now
+    return watch();
+}
+
+bool Listener::watch()
+{
     server.pauseAccepting();
     const auto fd = int(server.socketDescriptor());
     // The toolkit asks for 50, which a crowd of new clients fills within a moment.

@@ -30,10 +30,14 @@ public:
     /// Listens on `address`; port 0 takes a free one. False when that fails, see `errorString`.
     bool listen(const QHostAddress &address, quint16 port);
 
+    /// Goes on with `opened`, a TCP socket that listens already. False as for `listen`.
+    bool adopt(FileDescriptor opened);
+
     /// Stops listening; what was accepted goes on.
     void close();
 
     bool isListening() const { return server.isListening(); }
+    QHostAddress address() const { return server.serverAddress(); }
     quint16 port() const { return server.serverPort(); }
     QString errorString() const { return server.errorString(); }
 
@@ -41,6 +45,7 @@ public:
     void resume();
 
 private:
+    bool watch();
     void ready(quint32 events) override;
     bool acceptOne();
 

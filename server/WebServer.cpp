@@ -76,7 +76,7 @@ bool WebServer::init()
     return isTlsReady();
 }
 
-bool WebServer::start()
+bool WebServer::start(FileDescriptor opened)
 {
     service.traffic.setBlocked(false);
     ignored.clear();
@@ -84,10 +84,20 @@ bool WebServer::start()
     if (profile->authMode == AuthPasswordPage && profile->password.isEmpty())
         warn(tr("The password is empty: everyone is admitted."));
     openShare();
-    if (!listener.listen(address.ip(), port))
+    if (!listen(std::move(opened)))
         return false;
     port = listener.port();
     service.sessions.startTimer();
+    return true;
+}
+
+bool WebServer::listen(FileDescriptor opened)
+{
+    if (!opened.isOpen())
+        return listener.listen(address.ip(), port);
+    if (!listener.adopt(std::move(opened)))
+        return false;
+    address.setIp(listener.address());
     return true;
 }
 

@@ -38,8 +38,9 @@ public:
     bool init();
 
     /// Listens on the address and `port`; 0 picks a free one, which `port` then holds.
-    /// False when that fails; `errorString()` says why.
-    bool start();
+    /// False when that fails; `errorString()` says why. With `opened`, a TCP socket that listens
+    /// already, it goes on with that one, whose address and port are the server's then.
+    bool start(FileDescriptor opened = {});
 
     /// Stops listening. Open connections go on.
     void stop();
@@ -90,6 +91,7 @@ Q_SIGNALS:
     void dataLimit(WebServer *server);
 
 private:
+    bool listen(FileDescriptor opened);
     void openShare();
     void loadKeys(const Profile *profile);
     void warn(const QString &text) const;
