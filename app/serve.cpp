@@ -2,6 +2,7 @@
 #include "app/Console.h"
 #include "app/Process.h"
 #include "app/ServerRules.h"
+#include "app/ServiceManager.h"
 #include "app/WorkingFolder.h"
 #include "config/ProfileText.h"
 #include "config/Profiles.h"
@@ -332,7 +333,8 @@ void confineServer(Console *console, const QString &path, const Profile &profile
 }
 
 /// Serves the file or folder `path` until a signal or the traffic limit ends it.
-int serve(Console *console, const Options &options, const QString &path, const Profiles &profiles)
+int serve(Console *console, const Options &options, const QString &path, const Profiles &profiles,
+          ServiceManager *manager)
 {
     Profile defaults(profiles.directories());
     const Profile *stored =
@@ -359,7 +361,7 @@ int serve(Console *console, const Options &options, const QString &path, const P
             text("The profile asks for TLS, but its key and certificate can't be used."));
         return Failed;
     }
-    if (!server.start()) {
+    if (!server.start(manager->takeSocket())) {
         console->error(text("Can't listen on %1:%2: %3")
                            .arg(hostPart(options.address), QString::number(server.port),
                                 server.errorString()));
@@ -377,7 +379,10 @@ int serve(Console *console, const Options &options, const QString &path, const P
     if (options.sandbox)
         confineServer(console, path, *profile);
     announce(console, server, options.path);
-    return QCoreApplication::exec();
+    manager->tellReady();
+    const int status = QCoreApplication::exec();
+    manager->tellStopping();
+    return status;
 }
 
 } // namespace
@@ -406,6 +411,11 @@ int main(int argc, char **argv)
         console.error(problem);
         return Failed;
     }
+    ServiceManager manager;
+    if (!manager.problem().isEmpty()) {
+        console.error(manager.problem());
+        return Failed;
+    }
     const Directories directories = Directories::ofProcess();
     if (!directories.makeProfileFolder()) {
         console.error(text("Can't make the folder %1").arg(directories.profiles));
@@ -422,7 +432,7 @@ int main(int argc, char **argv)
     endSignals.quitOnFirst(&app);
     Profiles profiles(directories);
     Previews::sweep(previewFolder());
-    const int status = serve(&console, options, shared, profiles);
+    const int status = serve(&console, options, shared, profiles, &manager);
     if (!profiles.endInOrder())
         console.error(text("The profile could not be saved in %1").arg(directories.profiles));
     return status;

@@ -12,12 +12,15 @@
 
 #include <fcntl.h>
 #include <sys/ptrace.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 namespace {
 
+constexpr auto handed = "LISTEN_PID=$$ LISTEN_FDS=1"; ///< by a service manager
 constexpr int wakeSignal = SIGWINCH; ///< does nothing but to tell that the work is done
 
 /// How often the process asked the system for something while `work` ran in another thread; -1
@@ -73,6 +76,9 @@ private Q_SLOTS:
     void stopsAtTheTrafficLimit();
     void refusesToServeWithoutItsKeys();
     void refusesADamagedProfile();
+    void takesWhatItsManagerOpened();
+    void judgesWhatIsHandedOver_data();
+    void judgesWhatIsHandedOver();
     void warnsOfAnOpenHome_data();
     void warnsOfAnOpenHome();
     void servesWhoeverReadsItsErrors();
@@ -84,6 +90,7 @@ private Q_SLOTS:
 private:
     void takeOver();
     void start(const QStringList &arguments);
+    void startAsService(const QByteArray &variables, int descriptor);
     quint16 waitForPort(const QString &shared = {});
     int exitStatus(int msecs = 4000);
     QStringList serving(const QStringList &more = {}) const
@@ -257,6 +264,63 @@ void TestServe::refusesADamagedProfile()
     program.terminate();
     QCOMPARE(exitStatus(), 0);
     QCOMPARE(home->profileBytes(QStringLiteral("Global.conf")), QByteArray("junk"));
+}
+
+/// With `descriptor` as its 3, and the variables, in which $$ is its process.
+void TestServe::startAsService(const QByteArray &variables, int descriptor)
+{
+    const FileDescriptor inherited(::dup(descriptor));
+    const QString line = QStringLiteral("exec 3<&%1; %2 exec \"$0\" \"$@\"")
+                             .arg(QString::number(inherited.get()), QString::fromUtf8(variables));
+    const QStringList shell{ QStringLiteral("-c"), line, QStringLiteral(SERVE_PROGRAM) };
+    program.start(QStringLiteral("bash"), shell + serving());
+}
+
+void TestServe::takesWhatItsManagerOpened()
+{
+    QTcpServer opened;
+    QVERIFY(opened.listen(QHostAddress::LocalHost));
+    opened.pauseAccepting();
+    const QByteArray path = QFile::encodeName(home->path()) + "/manager";
+    for (const QByteArray &name : { path, '@' + path }) {
+        sockaddr_un address = { AF_UNIX, {} };
+        std::copy(name.begin(), name.end(), address.sun_path);
+        std::replace(address.sun_path, address.sun_path + 1, '@', '\0');
+        const FileDescriptor reports(::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0));
+        const auto size = socklen_t(offsetof(sockaddr_un, sun_path) + size_t(name.size()));
+        QCOMPARE(::bind(reports.get(), reinterpret_cast<sockaddr *>(&address), size), 0);
+        startAsService("NOTIFY_SOCKET=" + name + ' ' + handed, int(opened.socketDescriptor()));
+        RawClient client(opened.serverPort());
+        QCOMPARE(client.exchange(rawRequest("GET", "/a.txt")).body, QByteArray("hello"));
+        QCOMPARE(waitForPort(), opened.serverPort());
+        program.terminate();
+        QCOMPARE(exitStatus(), 0);
+        char said[20] = {};
+        const auto first = ::recv(reports.get(), said, 9, MSG_DONTWAIT);
+        ::recv(reports.get(), said + std::max<ssize_t>(first, 0), 10, MSG_DONTWAIT);
+        QCOMPARE(QByteArray(said), QByteArray("READY=1STOPPING=1"));
+    }
+}
+
+void TestServe::judgesWhatIsHandedOver_data()
+{
+    columns<QByteArray>({ "variables", "says" });
+    row("meant for another process", "LISTEN_PID=1 LISTEN_FDS=1", "");
+    row("a process of no number", "LISTEN_PID=$$x LISTEN_FDS=1", "no number in LISTEN_PID");
+    row("a count below one", "LISTEN_PID=$$ LISTEN_FDS=-1", "no number in LISTEN_FDS: -1");
+    row("too many", "LISTEN_PID=$$ LISTEN_FDS=2000000000", "2000000000 sockets");
+    row("no socket", handed, "Descriptor 3");
+    row("a manager's name too long", "NOTIFY_SOCKET=/$(printf %0200d 1)", "");
+}
+
+/// It says what is wrong, or serves at an address of its own.
+void TestServe::judgesWhatIsHandedOver()
+{
+    QFETCH(const QByteArray, variables);
+    QFETCH(const QByteArray, says);
+    startAsService(variables, 0);
+    QVERIFY(says.isEmpty() ? waitForPort() > 0 : exitStatus() == 1);
+    QVERIFY(program.readAllStandardError().contains(says));
 }
 
 void TestServe::warnsOfAnOpenHome_data()
