@@ -59,7 +59,9 @@ int usageError(Console *console, const QString &problem)
 struct CommandLine
 {
     QCommandLineParser parser;
-    const QCommandLineOption help = parser.addHelpOption();
+    // Not the toolkit's own: with it comes an option for more help, of which there is none.
+    const QCommandLineOption help{ { QStringLiteral("h"), QStringLiteral("help") },
+                                   text("Say what there is.") };
     const QCommandLineOption version = parser.addVersionOption();
     const QCommandLineOption address{ QStringLiteral("address"),
                                       text("Listen on this address only."),
@@ -113,8 +115,8 @@ struct CommandLine
     {
         parser.setApplicationDescription(
             text("Serves a file or folder to browsers and WebDAV clients."));
-        parser.addOptions({ address, port, mode, trustProxy, name, pathPrefix, profile, defaults,
-                            hash, noSandbox });
+        parser.addOptions({ help, address, port, mode, trustProxy, name, pathPrefix, profile,
+                            defaults, hash, noSandbox });
         parser.addPositionalArgument(QStringLiteral("PATH"), text("The file or folder to serve."));
     }
 };
