@@ -1,11 +1,4 @@
-# The desktop's entries and the Debian package: cpack -G DEB in the build folder.
-if(QUILLON_DESKTOP)
-  install(FILES ${CMAKE_CURRENT_LIST_DIR}/example.quillon.Quillon.desktop
-          DESTINATION share/applications COMPONENT desktop)
-  install(FILES ${CMAKE_CURRENT_LIST_DIR}/example.quillon.Quillon.metainfo.xml
-          DESTINATION share/metainfo COMPONENT desktop)
-endif()
-
+# The Debian package: cpack -G DEB in the build folder.
 set(CPACK_PACKAGE_NAME quillon)
 set(CPACK_PACKAGE_VENDOR Tessaroy)
 set(CPACK_PACKAGE_CONTACT "Quillon maintainers <maintainers@quillon.example>")
@@ -23,15 +16,21 @@ set(CPACK_INSTALL_PREFIX /usr)
 
 set(CPACK_GENERATOR DEB)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
+set(CPACK_DEBIAN_PACKAGE_RELEASE 1)
 set(CPACK_DEBIAN_PACKAGE_SECTION net)
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
+    ${CMAKE_BINARY_DIR}/packaging/debian/postinst ${CMAKE_BINARY_DIR}/packaging/debian/postrm)
+set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
+# For the key that is made at the installation, and by the window.
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "adduser, openssl")
 if(QUILLON_DESKTOP)
-  # Opens addresses in the browser, and makes keys.
-  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils, openssl")
+  # Opens addresses in the browser.
+  set(CPACK_DEBIAN_PACKAGE_RECOMMENDS xdg-utils)
   if(QUILLON_QT EQUAL 5)
     # Four of the styles that the look-and-feel settings offer.
-    set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt5-style-plugins")
+    string(APPEND CPACK_DEBIAN_PACKAGE_DEPENDS ", qt5-style-plugins")
   endif()
 endif()
 

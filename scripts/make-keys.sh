@@ -3,12 +3,16 @@
 #   scripts/make-keys.sh FOLDER      FOLDER/server.key (for the owner alone) and FOLDER/server.crt
 # What is there already is never overwritten. The certificate names this machine: its host name and
 # its addresses; to have a new one after a move to another network, delete server.crt and run again.
+# The package installs it as it is: it needs nothing beside it.
 set -euo pipefail
-# shellcheck source=scripts/common.sh
-source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 # Phones refuse certificates that are valid for longer.
 days=825
+
+die() {
+    echo "make-keys.sh: $*" >&2
+    exit 1
+}
 
 addresses() {
     echo 127.0.0.1
@@ -39,18 +43,18 @@ make_certificate() {
         -addext "basicConstraints=critical,CA:FALSE"
 }
 
-(($# == 1)) || die "usage: scripts/make-keys.sh FOLDER"
+(($# == 1)) || die "usage: make-keys.sh FOLDER"
 key=$1/server.key certificate=$1/server.crt
 [[ -e $key && -e $certificate ]] && exit 0
 [[ ! -e $certificate ]] || die "$certificate has no key beside it ($key); move it away to get a new pair"
-has openssl || die "openssl is missing"
+command -v openssl >/dev/null || die "openssl is missing"
 
 mkdir -p "$1"
 umask 077
 new=$(mktemp -d "$1/.new-keys.XXXXXX")
 trap 'rm -rf "$new"' EXIT
 
-say "Making a key and a self-signed certificate for $(uname -n) in $1"
+echo "==> Making a key and a self-signed certificate for $(uname -n) in $1"
 [[ -e $key ]] || { make_key "$new/server.key" && mv "$new/server.key" "$key"; }
 make_certificate "$key" "$new/server.crt"
 chmod 644 "$new/server.crt"
