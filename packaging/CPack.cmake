@@ -28,6 +28,8 @@ set(CPACK_DEBIAN_PACKAGE_DEPENDS "adduser, openssl")
 if(QUILLON_DESKTOP)
   # Opens addresses in the browser.
   set(CPACK_DEBIAN_PACKAGE_RECOMMENDS xdg-utils)
+  # Reads the entry for the menu of the file manager.
+  set(CPACK_DEBIAN_PACKAGE_SUGGESTS python3-nautilus)
   if(QUILLON_QT EQUAL 5)
     # Four of the styles that the look-and-feel settings offer.
     string(APPEND CPACK_DEBIAN_PACKAGE_DEPENDS ", qt5-style-plugins")
