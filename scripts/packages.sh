@@ -31,7 +31,11 @@ packages_of() {
         ;;
     # libFuzzer is a part of the compiler.
     fuzz) echo clang ;;
-    ci) echo clang-format clang-tidy clang-tools qt6-base-dev shellcheck ;;
+    ci)
+        echo clang-format clang-tidy clang-tools qt6-base-dev shellcheck
+        # What judges the package, and what it is tried in.
+        echo dpkg-dev lintian desktop-file-utils appstream mmdebstrap
+        ;;
     bench)
         # Of Apache only the program, which brings no service along.
         echo curl wrk python3 apache2-bin nginx libnginx-mod-http-dav-ext
