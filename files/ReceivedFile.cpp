@@ -3,8 +3,10 @@
 #include "files/Attributes.h"
 #include "files/Entry.h"
 #include "files/HiddenUploads.h"
+#include "files/Pipe.h"
 #include "files/Rename.h"
 
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <utility>
@@ -16,6 +18,7 @@ namespace {
 
 constexpr qint64 writeBackBytes = qint64(8) << 20;
 constexpr int nameAttempts = 16;
+constexpr qint64 copiedAtOnce = qint64(64) * 1024; ///< bytes
 
 int errnoAfter(int returned)
 {
@@ -75,6 +78,35 @@ DiskError ReceivedFile::write(const char *data, qint64 size)
         done += written;
     }
     unsynced += size;
+    return DiskError::None;
+}
+
+DiskError ReceivedFile::write(Pipe &pipe)
+{
+    while (pipe.size() > 0) {
+        const qint64 moved = pipe.pour(file.get());
+        if (moved < 0 && errno == EINVAL)
+            return copy(pipe);
+        if (moved < 0 && errno == EINTR)
+            continue;
+        if (moved <= 0)
+            return moved == 0 ? DiskError::NoSpace : diskError(errno);
+        unsynced += moved;
+    }
+    return DiskError::None;
+}
+
+/// Some file systems take no bytes out of a pipe.
+DiskError ReceivedFile::copy(Pipe &pipe)
+{
+    std::array<char, copiedAtOnce> piece;
+    while (pipe.size() > 0) {
+        const qint64 size = pipe.read(piece.data(), copiedAtOnce);
+        if (size <= 0)
+            return DiskError::Failed;
+        if (const DiskError error = write(piece.data(), size); error != DiskError::None)
+            return error;
+    }
     return DiskError::None;
 }
 

@@ -9,6 +9,8 @@
 
 #include <sys/types.h>
 
+class Pipe;
+
 /// The content that is received for a place, and that nobody sees before it takes the name there.
 /// Until then it has no name at all where the file system can do that, else a hidden one beside
 /// the place; without its name it goes with its object, unless it was resumed.
@@ -37,6 +39,9 @@ public:
     /// Appends.
     DiskError write(const char *data, qint64 size);
 
+    /// Appends what stands in `pipe`; after an error some of it stays there.
+    DiskError write(Pipe &pipe);
+
     /// Gives it the permissions that `make` would. 0, or the number of the error.
     int takeModeOf(mode_t mode) const;
 
@@ -58,6 +63,7 @@ public:
 private:
     Q_DISABLE_COPY(ReceivedFile)
 
+    DiskError copy(Pipe &pipe);
     int makeHidden(mode_t mode);
     int linkTo(const QByteArray &name) const;
 

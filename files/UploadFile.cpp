@@ -72,9 +72,9 @@ DiskError UploadFile::begin(mode_t mode)
     return DiskError::None;
 }
 
-DiskError UploadFile::write(const char *data, qint64 size)
+DiskError UploadFile::wrote(DiskError how)
 {
-    result = received.write(data, size);
+    result = how;
     if (result != DiskError::None)
         discarded = true;
     else if (sync != Sync::None)

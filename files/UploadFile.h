@@ -50,7 +50,10 @@ public:
     }
 
     /// Appends to the content. An error leaves nothing to be kept.
-    DiskError write(const char *data, qint64 size);
+    DiskError write(const char *data, qint64 size) { return wrote(received.write(data, size)); }
+
+    /// Appends what stands in `pipe`; the same.
+    DiskError write(Pipe &pipe) { return wrote(received.write(pipe)); }
 
     /// Permissions of a new file instead of the usual ones.
     void setMode(mode_t mode) { wantedMode = mode & permissionBits; }
@@ -96,6 +99,7 @@ private:
     };
 
     DiskError begin(mode_t mode);
+    DiskError wrote(DiskError how);
     bool waits() const;
     void makeReady();
     void takeName();

@@ -96,17 +96,30 @@ qint64 PlainSocket::receive(char *data, qint64 max)
 {
     if (!inputWaits || !fd.isOpen())
         return fd.isOpen() ? 0 : -1;
-    const qint64 size = ::recv(fd.get(), data, size_t(max), 0);
-    if (size < 0 && mustWait()) {
-        inputWaits = inputEnded;
-        return inputEnded ? -1 : 0;
-    }
-    if (size <= 0)
-        return -1;
+    const qint64 size = taken(::recv(fd.get(), data, size_t(max), 0));
     // Less than there was room for: that was all, unless the end is behind it.
-    if (size < max && !inputEnded)
+    if (size > 0 && size < max && !inputEnded)
         inputWaits = false;
     return size;
+}
+
+/// How much a pipe takes has reasons of its own: only the system tells that this was all.
+qint64 PlainSocket::receiveInto(Pipe &pipe, qint64 max)
+{
+    if (!inputWaits || !fd.isOpen())
+        return fd.isOpen() ? 0 : -1;
+    return taken(pipe.fill(fd.get(), max));
+}
+
+/// What the system told, as `read` tells it.
+qint64 PlainSocket::taken(qint64 size)
+{
+    if (size > 0)
+        return size;
+    if (size == 0 || !mustWait() || inputEnded)
+        return -1;
+    inputWaits = false;
+    return 0;
 }
 
 bool PlainSocket::send(const QByteArray &bytes, bool more)

@@ -41,6 +41,9 @@ private:
     int descriptor() const override { return fd.get(); }
     bool mayReceive() const override { return inputWaits; }
     qint64 receive(char *data, qint64 max) override;
+    Pipe *ownPipe() override { return poller->pipe(); }
+    qint64 receiveInto(Pipe &pipe, qint64 max) override;
+    qint64 taken(qint64 size);
     bool send(const QByteArray &bytes, bool more) override;
     qint64 send(int file, qint64 offset, qint64 count) override;
     void sendOrQueue(const char *data, qint64 size, bool more);

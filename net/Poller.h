@@ -1,5 +1,7 @@
 #pragma once
 
+#include "files/Pipe.h"
+
 #include <QObject>
 #include <QSocketNotifier>
 
@@ -60,6 +62,10 @@ public:
     /// all peers together have.
     bool isCrowded(qint64 queued) const;
 
+    /// By which all sockets move bytes into files: whoever fills it empties it before it returns.
+    /// Null when the system has none.
+    Pipe *pipe() { return m_pipe.open() ? &m_pipe : nullptr; }
+
 private:
     struct Happening
     {
@@ -81,4 +87,5 @@ private:
     bool reporting = false;
     bool scheduled = false; ///< the next turns are queued in the event loop
     qint64 m_backlog = 0;
+    Pipe m_pipe;
 };

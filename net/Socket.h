@@ -7,6 +7,8 @@
 
 #include <algorithm>
 
+class Pipe;
+
 /// What a connection reads from and writes to, plain or encrypted. Nothing in it waits, and every
 /// byte counts in the server's account. Owned by its connection; its user is told of events and
 /// never from inside a call of its own.
@@ -48,13 +50,15 @@ public:
     {
         if (!unread.isEmpty())
             return readAgain(data, max);
-        const qint64 size = receive(data, max);
-        if (size > 0) {
-            account->addReceived(size);
-            m_received += size;
-        }
-        return size;
+        return count(receive(data, max));
     }
+
+    /// By which what comes next can go into a file unseen, see `read`. Null where it has to be
+    /// read: it is encrypted, or was put back.
+    Pipe *pipe() { return unread.isEmpty() ? ownPipe() : nullptr; }
+
+    /// As above, into that pipe, which is to be emptied in the same turn.
+    qint64 read(Pipe &pipe, qint64 max) { return count(receiveInto(pipe, max)); }
 
     qint64 received() const { return m_received; } ///< bytes so far
 
@@ -137,10 +141,22 @@ private:
         return size;
     }
 
+    /// Of what was received.
+    qint64 count(qint64 size)
+    {
+        if (size > 0) {
+            account->addReceived(size);
+            m_received += size;
+        }
+        return size;
+    }
+
     /// Of the connection, to ask the system about it; negative when there is none.
     virtual int descriptor() const = 0;
     virtual bool mayReceive() const = 0;
     virtual qint64 receive(char *data, qint64 max) = 0;
+    virtual Pipe *ownPipe() { return nullptr; }
+    virtual qint64 receiveInto(Pipe & /*pipe*/, qint64 /*max*/) { return -1; }
     /// False when the connection is over.
     virtual bool send(const QByteArray &bytes, bool more) = 0;
     virtual qint64 send(int file, qint64 offset, qint64 count) = 0;

@@ -21,7 +21,7 @@ FLOORS = [["app"], ["desktop", "platform"], ["classic", "standard"], ["server"],
 MAY_USE = {
     "config": [],
     "files": [],
-    "net": ["files/FileDescriptor.h"],
+    "net": ["files/FileDescriptor.h", "files/Pipe.h"],
     "server": ["config", "net", "files"],
     "classic": ["config", "net", "files", "server"],
     "standard": ["config", "net", "files", "server"],

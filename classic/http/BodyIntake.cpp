@@ -74,13 +74,15 @@ BodyIntake::Progress BodyIntake::save()
     for (int i = 0; !saver.isDone(); ++i) {
         if (i == savesInATurn)
             return Progress::TurnOver;
-        const qint64 size =
-            reader.readBody(socket, piece.data(), std::min<qint64>(savedAtOnce, saver.left()));
+        Pipe *const pipe = saver.takesPipe() ? reader.pipe(socket) : nullptr;
+        const qint64 size = pipe
+            ? reader.readBody(socket, *pipe, saver.left())
+            : reader.readBody(socket, piece.data(), std::min<qint64>(savedAtOnce, saver.left()));
         if (size < 0)
             return end(ReadFailed);
         if (size == 0)
             return Progress::Waiting;
-        if (!saver.feed(piece.data(), size))
+        if (!(pipe ? saver.feed(*pipe) : saver.feed(piece.data(), size)))
             return end(WriteFailed);
     }
     return end(saver.result());

@@ -1,5 +1,6 @@
 #include "classic/http/BodySaver.h"
 
+#include "files/Pipe.h"
 #include "files/UploadFile.h"
 
 void BodySaver::start(UploadFile *upload, qint64 length)
@@ -22,6 +23,12 @@ bool BodySaver::feed(const char *data, qint64 size)
         return file->write(data, size) == DiskError::None;
     const QByteArray content = cutter->feed(QByteArray::fromRawData(data, int(size)));
     return file->write(content.constData(), content.size()) == DiskError::None;
+}
+
+bool BodySaver::feed(Pipe &pipe)
+{
+    toSave -= pipe.size();
+    return file->write(pipe) == DiskError::None;
 }
 
 SaveResult BodySaver::result() const

@@ -6,6 +6,7 @@
 
 #include <memory>
 
+class Pipe;
 class UploadFile;
 
 /// How an upload ended.
@@ -35,6 +36,12 @@ public:
 
     /// Takes the next bytes of the body; false when they could not be written.
     bool feed(const char *data, qint64 size);
+
+    /// Whether nobody has to see them.
+    bool takesPipe() const { return !cutter; }
+
+    /// The same of the bytes that stand in `pipe`.
+    bool feed(Pipe &pipe);
 
     bool isDone() const { return toSave <= 0 || (cutter && cutter->isFound()); }
 

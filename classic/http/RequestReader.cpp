@@ -167,9 +167,22 @@ qint64 RequestReader::readBody(Socket &socket, char *data, qint64 max)
     }
     if (bodyToCome == 0)
         return 0;
-    const qint64 size = socket.read(data, qMin(max, bodyToCome));
-    if (size > 0)
-        bodyToCome -= size;
+    return passed(socket.read(data, qMin(max, bodyToCome)));
+}
+
+Pipe *RequestReader::pipe(Socket &socket) const
+{
+    return !cut && readPos == requestEnd && bodyToCome > 0 ? socket.pipe() : nullptr;
+}
+
+qint64 RequestReader::readBody(Socket &socket, Pipe &pipe, qint64 max)
+{
+    return passed(socket.read(pipe, qMin(max, bodyToCome)));
+}
+
+qint64 RequestReader::passed(qint64 size)
+{
+    bodyToCome -= qMax<qint64>(size, 0);
     return size;
 }
 

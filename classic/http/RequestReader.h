@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QList>
 
+class Pipe;
 class Socket;
 
 /// Takes one request after another out of a socket: collects the head, then gives its lines and its
@@ -69,6 +70,13 @@ public:
     /// The next bytes of the body, as `Socket::read`; 0 at its end too.
     qint64 readBody(Socket &socket, char *data, qint64 max);
 
+    /// By which the next bytes of the body can go into a file unseen; null where they have to be
+    /// read.
+    Pipe *pipe(Socket &socket) const;
+
+    /// As above, into that pipe.
+    qint64 readBody(Socket &socket, Pipe &pipe, qint64 max);
+
     /// Whether all of the request was read.
     bool isAllRead() const { return !cut && bodyToCome == 0 && readPos == requestEnd; }
 
@@ -86,6 +94,7 @@ private:
     QByteArray filled() const { return QByteArray::fromRawData(buffer.data(), fill); }
     qint64 fillBuffer(Socket &socket);
     void handOver();
+    qint64 passed(qint64 size);
     qint64 skipHeadRest(Socket &socket);
     bool takeRestLine();
     void endHead();

@@ -25,9 +25,22 @@ qint64 BodyReader::read(Input &input, char *data, qint64 max)
         return 0;
     if (chunked)
         return readChunks(input, data, max);
-    const qint64 size = input.read(data, std::min(max, left));
-    if (size > 0)
-        left -= size;
+    return passed(input.read(data, std::min(max, left)));
+}
+
+Pipe *BodyReader::pipe(const Input &input) const
+{
+    return chunked || left == 0 ? nullptr : input.pipe();
+}
+
+qint64 BodyReader::read(Input &input, Pipe &pipe)
+{
+    return passed(input.read(pipe, left));
+}
+
+qint64 BodyReader::passed(qint64 size)
+{
+    left -= std::max<qint64>(size, 0);
     return size;
 }
 

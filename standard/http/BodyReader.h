@@ -4,6 +4,8 @@
 
 #include <QtGlobal>
 
+class Pipe;
+
 namespace standard {
 
 class Input;
@@ -21,6 +23,12 @@ public:
     /// when the rest won't come or can't be told from what follows.
     qint64 read(Input &input, char *data, qint64 max);
 
+    /// By which the next bytes can go into a file unseen; null where they have to be read.
+    Pipe *pipe(const Input &input) const;
+
+    /// As above, into that pipe.
+    qint64 read(Input &input, Pipe &pipe);
+
     bool isAtEnd() const { return chunked ? chunks.isAtEnd() : left == 0; }
 
     /// A chunked body is not as it should be.
@@ -30,6 +38,7 @@ public:
     qint64 bytesLeft() const { return chunked ? -1 : left; }
 
 private:
+    qint64 passed(qint64 size);
     qint64 readChunks(Input &input, char *data, qint64 max);
 
     bool chunked = false;

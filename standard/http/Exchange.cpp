@@ -94,7 +94,7 @@ void Exchange::readBody(qint64 max)
         collected->append(data, int(size));
         return true;
     };
-    m_channel.readBody(collect, max);
+    m_channel.readBody({ collect, {} }, max);
 }
 
 std::optional<QByteArray> Exchange::takeBody()

@@ -47,6 +47,16 @@ qint64 Input::read(char *data, qint64 max)
     return size;
 }
 
+Pipe *Input::pipe() const
+{
+    return buffer.isEmpty() ? socket.pipe() : nullptr;
+}
+
+qint64 Input::read(Pipe &pipe, qint64 max)
+{
+    return socket.read(pipe, max);
+}
+
 bool Input::mayRead() const
 {
     return !buffer.isEmpty() || socket.mayRead();

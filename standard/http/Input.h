@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QtGlobal>
 
+class Pipe;
 class Socket;
 
 namespace standard {
@@ -30,6 +31,12 @@ public:
 
     /// The next bytes, out of the buffer first; as `Socket::read`.
     qint64 read(char *data, qint64 max);
+
+    /// See `Socket::pipe`.
+    Pipe *pipe() const;
+
+    /// The same into that pipe.
+    qint64 read(Pipe &pipe, qint64 max);
 
     /// Whether there may be something that nobody has looked at.
     bool mayRead() const;

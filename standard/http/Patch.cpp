@@ -157,7 +157,7 @@ void Patch::receive(const UpdateRange &range)
         return exchange.refuse(Status::Locked);
     before = openFacts(file.get());
     position = range.first;
-    exchange.saveBody([this](const char *data, qint64 size) { return write(data, size); });
+    exchange.saveBody({ [this](const char *data, qint64 size) { return write(data, size); }, {} });
 }
 
 bool Patch::write(const char *data, qint64 size)

@@ -67,9 +67,10 @@ void Put::receive()
         replaces ? upload->replace(std::move(target)) : upload->create(std::move(target));
     if (error != DiskError::None)
         return refuse(error);
-    exchange.saveBody([this](const char *data, qint64 size) {
-        return upload->write(data, size) == DiskError::None;
-    });
+    exchange.saveBody({ [this](const char *data, qint64 size) {
+                           return upload->write(data, size) == DiskError::None;
+                       },
+                        [this](Pipe &pipe) { return upload->write(pipe) == DiskError::None; } });
 }
 
 /// What is said of the length is believed for this alone: some programs tell it in a field of their

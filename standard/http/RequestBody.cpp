@@ -64,7 +64,9 @@ std::optional<BodyEnd> RequestBody::feed()
             socket.again();
             return {};
         }
-        const qint64 size = reader.read(input, piece.data(), fedAtOnce);
+        Pipe *const pipe = sink.piped ? reader.pipe(input) : nullptr;
+        const qint64 size =
+            pipe ? reader.read(input, *pipe) : reader.read(input, piece.data(), fedAtOnce);
         if (size < 0)
             return reader.isBad() ? BodyEnd::Bad : BodyEnd::Lost;
         if (size == 0 && !reader.isAtEnd())
@@ -72,7 +74,7 @@ std::optional<BodyEnd> RequestBody::feed()
         sinkRoom -= size;
         if (sinkRoom < 0)
             return BodyEnd::TooLarge;
-        if (size > 0 && !sink(piece.data(), size))
+        if (size > 0 && !(pipe ? sink.piped(*pipe) : sink.bytes(piece.data(), size)))
             return BodyEnd::SinkFailed;
     }
     return BodyEnd::Whole;

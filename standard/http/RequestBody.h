@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 
+class Pipe;
 class Socket;
 
 namespace standard {
@@ -14,8 +15,12 @@ namespace standard {
 class Input;
 struct Framing;
 
-/// Takes the next bytes of a body; false when it could not.
-using BodySink = std::function<bool(const char *data, qint64 size)>;
+/// Who takes a body, some bytes after others; false when they could not be taken.
+struct BodySink
+{
+    std::function<bool(const char *data, qint64 size)> bytes;
+    std::function<bool(Pipe &pipe)> piped; ///< null for who has to see them all
+};
 
 /// How reading a body ended.
 enum class BodyEnd {

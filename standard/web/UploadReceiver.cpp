@@ -2,6 +2,7 @@
 
 #include "files/DiskWorker.h"
 #include "files/Path.h"
+#include "files/Pipe.h"
 #include "files/Share.h"
 #include "server/Uploads.h"
 #include "standard/http/Visitor.h"
@@ -83,8 +84,12 @@ void UploadReceiver::receiveWhole(const QByteArray &id, const PartialRecord &wan
 
 void UploadReceiver::receive()
 {
-    if (openFile())
-        exchange.saveBody([this](const char *data, qint64 size) { return write(data, size); });
+    if (!openFile())
+        return;
+    BodySink sink{ [this](const char *data, qint64 size) { return write(data, size); }, {} };
+    if (!checksum)
+        sink.piped = [this](Pipe &pipe) { return write(pipe); };
+    exchange.saveBody(std::move(sink));
 }
 
 bool UploadReceiver::openFile()
@@ -109,17 +114,27 @@ bool UploadReceiver::openFile()
 
 bool UploadReceiver::write(const char *data, qint64 size)
 {
-    if (size > whole.length - position)
+    if (size > whole.length - position || upload->write(data, size) != DiskError::None)
         return false;
-    if (upload->write(data, size) != DiskError::None)
-        return false;
+    if (checksum)
+        checksum->add(data, size);
+    return noteArrived(size);
+}
+
+bool UploadReceiver::write(Pipe &pipe)
+{
+    const qint64 size = pipe.size();
+    return size <= whole.length - position && upload->write(pipe) == DiskError::None
+        && noteArrived(size);
+}
+
+bool UploadReceiver::noteArrived(qint64 size)
+{
     position += size;
     if (entry) {
         entry->left -= size;
         entry->lastByte = OpenUploads::Clock::now();
     }
-    if (checksum)
-        checksum->add(data, size);
     return true;
 }
 

@@ -60,6 +60,8 @@ private:
     void receive();
     void tell(qint64 offset);
     bool write(const char *data, qint64 size);
+    bool write(Pipe &pipe);
+    bool noteArrived(qint64 size);
     Status problem(BodyEnd end) const;
     void takeWhole();
     void takeBack(Status status);

@@ -7,6 +7,7 @@
 #include "files/HiddenUploads.h"
 #include "files/LeftoverSweep.h"
 #include "files/ListingCache.h"
+#include "files/Pipe.h"
 #include "files/Rename.h"
 #include "files/TreeCopy.h"
 #include "files/TreeRemoval.h"
@@ -15,6 +16,8 @@
 
 #include <atomic>
 #include <ctime>
+
+#include <sys/socket.h>
 
 namespace {
 
@@ -78,6 +81,7 @@ class FilesTest : public QObject
 private Q_SLOTS:
     void newFile();
     void brokenOffLeavesNothing();
+    void pipedBytes();
     void replacedFileKeepsItsMode();
     void movedFileIsWhole();
     void copyIsHeldUntilItIsPlaced();
@@ -133,6 +137,33 @@ void FilesTest::brokenOffLeavesNothing()
     QCOMPARE(keep(homeless), DiskError::Missing);
     QCOMPARE(disk.read("late"), QByteArray("another's"));
     QCOMPARE(disk.names(), QStringLiteral("late"));
+}
+
+/// As they came, also where the file system takes nothing out of a pipe.
+void FilesTest::pipedBytes()
+{
+    const Disk disk;
+    std::array<int, 2> ends{};
+    QCOMPARE(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_NONBLOCK, 0, ends.data()), 0);
+    const FileDescriptor sender(ends[0]);
+    FileDescriptor socket(ends[1]);
+    const QByteArray sent(100000, 'x');
+    for (const int flags : { 0, O_APPEND }) {
+        disk.write("a", "first");
+        FileDescriptor file(::open(disk.native("a").constData(), O_WRONLY | flags));
+        ::lseek(file.get(), 0, SEEK_END);
+        ReceivedFile received;
+        received.resume(std::move(file), "a");
+        Pipe pipe;
+        QVERIFY(pipe.open());
+        for (const QByteArray &left : { QByteArray("somebody else's"), sent }) {
+            QCOMPARE(::write(sender.get(), left.constData(), size_t(left.size())), left.size());
+            QCOMPARE(pipe.fill(socket.get(), left.size()), left.size());
+        }
+        QCOMPARE(received.write(pipe), DiskError::None);
+        QCOMPARE(pipe.fill(socket.get(), 1), -1);
+        QCOMPARE(disk.read("a"), "first" + sent);
+    }
 }
 
 void FilesTest::replacedFileKeepsItsMode()

@@ -499,6 +499,15 @@ void TestLifecycle::stopsAtTheTrafficLimit()
     QVERIFY(again.waitForClose());
     QTRY_COMPARE(reached, 2);
 
+    // Nothing stays of an upload that reaches it.
+    live->server->init();
+    QVERIFY(live->server->start());
+    RawClient uploader(live->port());
+    uploader.send(rawRequest("PUT", "/new", {}, QByteArray(3000000, 'x')));
+    QVERIFY(uploader.waitForClose());
+    QTRY_COMPARE(namesIn(live->sharePath()), QStringLiteral("a.txt big"));
+    QCOMPARE(reached, 3);
+
     // Nobody is answered while it listens on.
     disconnect(live->server.get(), &WebServer::dataLimit, this, nullptr);
     QVERIFY(live->server->start());

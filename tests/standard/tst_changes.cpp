@@ -46,6 +46,7 @@ private Q_SLOTS:
     void putMakesAndReplaces();
     void putIsRefusedBeforeItsBody_data();
     void putIsRefusedBeforeItsBody();
+    void putsInOneStream();
     void brokenUploadLeavesOldFile();
     void brokenChunksLeaveOldFile();
     void timeOfUploadAndCopy();
@@ -116,6 +117,29 @@ void TestChanges::putIsRefusedBeforeItsBody()
     QTEST(reply.status().left(3).toInt(), "status");
     QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("old"));
     QVERIFY(!QFile::exists(server.sharePath(QStringLiteral("new"))));
+}
+
+/// Each has to end at its own last byte, and none has one of another that the disk did not take.
+void TestChanges::putsInOneStream()
+{
+    const StandardServer server;
+    const QByteArray large = QByteArray(99, 'x').repeated(9999);
+    RawClient client(server.port());
+    {
+        const FullDisk disk(100000);
+        client.send(rawRequest("PUT", "/1", {}, large));
+        QCOMPARE(client.reply().status(), QByteArray("507 Insufficient Storage"));
+    }
+    client.send(rawRequest("PUT", "/2", {}, large) + rawRequest("PUT", "/3", {}, "three"));
+    for (const char byte : rawRequest("PUT", "/4", {}, "four")) {
+        client.send({ 1, byte });
+        QTest::qWait(1);
+    }
+    for (int i = 2; i <= 4; ++i)
+        QCOMPARE(client.reply().status(), QByteArray("201 Created"));
+    QCOMPARE(server.fileContent(QStringLiteral("2")), large);
+    QCOMPARE(server.fileContent(QStringLiteral("3")), QByteArray("three"));
+    QCOMPARE(server.fileContent(QStringLiteral("4")), QByteArray("four"));
 }
 
 void TestChanges::brokenUploadLeavesOldFile()

@@ -151,6 +151,10 @@ void TestPut::fullDisk()
         QCOMPARE(entries(), before);
         QCOMPARE(content("a.txt"), QByteArray("alpha"));
     }
+    // What the disk did not take is in nobody else's file.
+    const QByteArray next = whole.repeated(50);
+    QCOMPARE(status(put("/next", {}, next)), QByteArray("201 Created"));
+    QCOMPARE(content("next"), next);
 }
 
 QTEST_GUILESS_MAIN(TestPut)
