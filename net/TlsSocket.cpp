@@ -13,7 +13,7 @@
 namespace {
 
 constexpr qint64 readBufferSize = qint64(64) * 1024;
-constexpr qint64 pieceSize = qint64(64) * 1024; ///< several records of full size
+constexpr qint64 pieceSize = qint64(128) * 1024; ///< many records for one call and one wake-up
 
 } // namespace
 
