@@ -11,6 +11,11 @@ namespace {
 
 constexpr int maxBlankLines = 4; ///< in front of a head
 
+bool holdsAt(const QByteArray &bytes, int at, char c)
+{
+    return at < bytes.size() && bytes[at] == c;
+}
+
 } // namespace
 
 HeadCollector::Look HeadCollector::collect(Input &input)
@@ -45,7 +50,8 @@ bool HeadCollector::skipBlankLines(Input &input)
         return false;
     const QByteArray &bytes = input.buffered();
     int size = 0;
-    while (blankLines <= maxBlankLines && bytes.mid(size, 2) == "\r\n") {
+    while (blankLines <= maxBlankLines && holdsAt(bytes, size, '\r')
+           && holdsAt(bytes, size + 1, '\n')) {
         size += 2;
         ++blankLines;
     }
@@ -59,8 +65,8 @@ bool HeadCollector::findEnd(const QByteArray &bytes)
 {
     for (int feed = int(bytes.indexOf('\n', qMax(0, seen - 2))); feed >= 0;
          feed = int(bytes.indexOf('\n', feed + 1))) {
-        const int next = bytes.mid(feed + 1, 1) == "\r" ? feed + 2 : feed + 1;
-        if (next < bytes.size() && bytes[next] == '\n') {
+        const int next = holdsAt(bytes, feed + 1, '\r') ? feed + 2 : feed + 1;
+        if (holdsAt(bytes, next, '\n')) {
             end = next + 1;
             return true;
         }

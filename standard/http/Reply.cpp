@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstring>
 #include <ctime>
 #include <iterator>
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -17,17 +19,17 @@ namespace {
 constexpr int usualHead = 512; ///< bytes
 constexpr auto product = "Server: Quillon/" QUILLON_VERSION "\r\n";
 
-/// The time now; made once a second.
-const QByteArray &currentDate()
+/// The end of the first line and what every head has next, with the time now; made once a second.
+const QByteArray &usualLines()
 {
     thread_local std::time_t made = 0;
-    thread_local QByteArray date;
+    thread_local QByteArray lines;
     const std::time_t now = std::time(nullptr);
     if (now != made) {
         made = now;
-        date = httpDate(now);
+        lines = "\r\nDate: " + httpDate(now) + "\r\n" + product;
     }
-    return date;
+    return lines;
 }
 
 /// What some peer may take for the end of a line.
@@ -70,6 +72,15 @@ public:
             add(field.name, field.value);
     }
 
+    void addLength(qint64 bytes)
+    {
+        std::array<char, std::numeric_limits<qint64>::digits10 + 2> digits;
+        const char *end = std::to_chars(digits.begin(), digits.end(), bytes).ptr;
+        text += "Content-Length: ";
+        text.append(digits.data(), std::size_t(end - digits.data()));
+        text += "\r\n";
+    }
+
     /// Lines that are as they should be.
     void addLine(std::string_view line) { text += line; }
     void addLines(const QByteArray &lines) { append(lines); }
@@ -87,9 +98,8 @@ private:
 
 void addEnding(Block &block, const ReplyHead &head)
 {
-    static const QByteArray length = "Content-Length";
     if (head.ending == Ending::Length)
-        block.add(length, QByteArray::number(head.length));
+        block.addLength(head.length);
     else if (head.ending == Ending::Chunks)
         block.addLine("Transfer-Encoding: chunked\r\n");
 }
@@ -105,13 +115,10 @@ QByteArray fieldLines(const Fields &fields)
 
 QByteArray headBlock(const ReplyHead &head)
 {
-    static const QByteArray date = "Date";
     Block block;
     block.addLine("HTTP/1.1 ");
     block.addLines(statusText(head.status));
-    block.addLine("\r\n");
-    block.add(date, currentDate());
-    block.addLine(product);
+    block.addLines(usualLines());
     block.addLines(head.lines);
     block.add(head.fields);
     addEnding(block, head);

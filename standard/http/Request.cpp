@@ -6,12 +6,14 @@
 #include <cctype>
 #include <cstring>
 #include <limits>
+#include <string_view>
 
 namespace standard {
 
 namespace {
 
 constexpr int longestLength = 18; ///< digits of a body's size: sums of such fit a qint64
+constexpr std::size_t usualFields = 16;
 constexpr auto anyTarget = "*";
 constexpr auto versionPrefix = "HTTP/";
 
@@ -24,9 +26,9 @@ bool isTokenChar(char c)
         || (c != '\0' && std::strchr("!#$%&'*+-.^_`|~", c) != nullptr);
 }
 
-bool isToken(const QByteArray &text)
+bool isToken(std::string_view text)
 {
-    return !text.isEmpty() && std::all_of(text.begin(), text.end(), isTokenChar);
+    return !text.empty() && std::all_of(text.begin(), text.end(), isTokenChar);
 }
 
 /// What no value of a field may hold.
@@ -40,22 +42,35 @@ bool isBlank(char c)
     return c == ' ' || c == '\t';
 }
 
-QByteArray withoutBlanks(const QByteArray &text)
+QByteArray bytesOf(std::string_view text)
 {
-    int begin = 0;
-    int end = int(text.size());
-    while (begin < end && isBlank(text[begin]))
-        ++begin;
-    while (end > begin && isBlank(text[end - 1]))
-        --end;
-    return text.mid(begin, end - begin);
+    return { text.data(), int(text.size()) };
 }
 
-Result readVersion(const QByteArray &text, Request &request)
+std::string_view viewOf(const QByteArray &bytes)
+{
+    return { bytes.constData(), std::size_t(bytes.size()) };
+}
+
+std::string_view withoutBlanks(std::string_view text)
+{
+    while (!text.empty() && isBlank(text.front()))
+        text.remove_prefix(1);
+    while (!text.empty() && isBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
+}
+
+QByteArray withoutBlanks(const QByteArray &text)
+{
+    return bytesOf(withoutBlanks(viewOf(text)));
+}
+
+Result readVersion(std::string_view text, Request &request)
 {
     const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    if (text.size() != 8 || !text.startsWith(versionPrefix) || !isDigit(text[5]) || text[6] != '.'
-        || !isDigit(text[7]))
+    if (text.size() != 8 || text.substr(0, 5) != versionPrefix || !isDigit(text[5])
+        || text[6] != '.' || !isDigit(text[7]))
         return Status::BadRequest;
     if (text[5] != '1')
         return Status::VersionNotSupported;
@@ -76,30 +91,36 @@ Result readTarget(const QByteArray &text, Request &request)
     return {};
 }
 
-Result readRequestLine(const QByteArray &line, Request &request)
+/// Three words with one blank between each.
+Result readRequestLine(std::string_view line, Request &request)
 {
-    const QList<QByteArray> words = line.split(' ');
-    if (words.size() != 3 || !isToken(words[0]))
+    const std::size_t first = line.find(' ');
+    const std::size_t last = line.rfind(' ');
+    const std::string_view method = line.substr(0, first);
+    if (first == last || line.find(' ', first + 1) != last || !isToken(method))
         return Status::BadRequest;
-    if (const Result problem = readVersion(words[2], request))
+    if (const Result problem = readVersion(line.substr(last + 1), request))
         return problem;
-    request.methodName = words[0];
-    request.method = methodNamed(words[0]);
+    request.methodName = bytesOf(method);
+    request.method = methodNamed(request.methodName);
     if (request.method == Method::Unknown)
         return Status::NotImplemented;
-    return readTarget(words[1], request);
+    return readTarget(bytesOf(line.substr(first + 1, last - first - 1)), request);
 }
 
 /// A name with a blank behind it, and a line that goes on with the one before, are faults.
-Result readField(const QByteArray &line, Request &request)
+Result readField(std::string_view line, Request &request)
 {
-    const int colon = int(line.indexOf(':'));
-    Field field{ line.left(colon < 0 ? 0 : colon), withoutBlanks(line.mid(colon + 1)) };
-    if (!isToken(field.name) || std::any_of(field.value.begin(), field.value.end(), isControl))
+    const std::size_t colon = std::min(line.find(':'), line.size());
+    const std::string_view name = line.substr(0, colon);
+    if (!isToken(name) || colon == line.size())
+        return Status::BadRequest;
+    const std::string_view value = withoutBlanks(line.substr(colon + 1));
+    if (std::any_of(value.begin(), value.end(), isControl))
         return Status::BadRequest;
     if (request.fields.size() == maxFields)
         return Status::HeadTooLarge;
-    request.fields.push_back(std::move(field));
+    request.fields.push_back({ bytesOf(name), bytesOf(value) });
     return {};
 }
 
@@ -117,9 +138,7 @@ Result checkHost(const Request &request)
     if (count > 1 || (count == 0 && request.minorVersion > 0))
         return Status::BadRequest;
     const QByteArray host = request.value("Host");
-    const bool strange = std::any_of(host.begin(), host.end(), [](char c) {
-        return isBlank(c) || std::strchr(",/?#@\\", c) != nullptr;
-    });
+    const bool strange = viewOf(host).find_first_of(" \t,/?#@\\") != std::string_view::npos;
     return strange ? Result(Status::BadRequest) : Result();
 }
 
@@ -184,16 +203,17 @@ void readPersistence(Request &request)
     request.keepAlive = asked && !listHolds(options, "close");
 }
 
-Result readLines(const QByteArray &head, Request &request)
+Result readLines(std::string_view head, Request &request)
 {
     bool first = true;
-    for (int begin = 0; begin < head.size();) {
-        const int end = int(head.indexOf('\n', begin));
-        if (end <= begin || head[end - 1] != '\r')
+    request.fields.reserve(usualFields);
+    while (!head.empty()) {
+        const std::size_t end = head.find('\n');
+        if (end == std::string_view::npos || end == 0 || head[end - 1] != '\r')
             return Status::BadRequest;
-        const QByteArray line = head.mid(begin, end - 1 - begin);
-        begin = end + 1;
-        if (line.isEmpty() && !first)
+        const std::string_view line = head.substr(0, end - 1);
+        head.remove_prefix(end + 1);
+        if (line.empty() && !first)
             break;
         const Result problem = first ? readRequestLine(line, request) : readField(line, request);
         if (problem)
@@ -219,7 +239,7 @@ std::optional<QByteArray> Request::field(const char *name) const
 std::variant<Request, Status> parseHead(const QByteArray &head)
 {
     Request request;
-    Result problem = readLines(head, request);
+    Result problem = readLines(viewOf(head), request);
     if (!problem)
         problem = checkHost(request);
     if (!problem)

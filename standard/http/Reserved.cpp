@@ -8,7 +8,8 @@ namespace standard {
 
 bool isReserved(const QByteArray &path)
 {
-    return isWithin(path, reservedName);
+    static const QByteArray name = reservedName;
+    return isWithin(path, name);
 }
 
 bool isReserved(const QByteArray &home, const QByteArray &path)

@@ -1,62 +1,63 @@
 #include "standard/http/Status.h"
 
+#include <algorithm>
 #include <array>
+#include <string_view>
 
 namespace standard {
 
 namespace {
 
-struct StatusRow
-{
-    Status status;
-    const char *reason;
+/// As they stand in the status line.
+constexpr std::array<std::string_view, 32> texts{
+    "200 OK",
+    "201 Created",
+    "204 No Content",
+    "206 Partial Content",
+    "207 Multi-Status",
+    "304 Not Modified",
+    "308 Permanent Redirect",
+    "400 Bad Request",
+    "401 Unauthorized",
+    "403 Forbidden",
+    "404 Not Found",
+    "405 Method Not Allowed",
+    "409 Conflict",
+    "411 Length Required",
+    "412 Precondition Failed",
+    "413 Content Too Large",
+    "415 Unsupported Media Type",
+    "416 Range Not Satisfiable",
+    "417 Expectation Failed",
+    "421 Misdirected Request",
+    "422 Unprocessable Content",
+    "423 Locked",
+    "424 Failed Dependency",
+    "429 Too Many Requests",
+    "431 Request Header Fields Too Large",
+    "460 Checksum Mismatch",
+    "500 Internal Server Error",
+    "501 Not Implemented",
+    "502 Bad Gateway",
+    "503 Service Unavailable",
+    "505 HTTP Version Not Supported",
+    "507 Insufficient Storage",
 };
 
-constexpr std::array<StatusRow, 32> statuses{ {
-    { Status::Ok, "OK" },
-    { Status::Created, "Created" },
-    { Status::NoContent, "No Content" },
-    { Status::PartialContent, "Partial Content" },
-    { Status::MultiStatus, "Multi-Status" },
-    { Status::NotModified, "Not Modified" },
-    { Status::PermanentRedirect, "Permanent Redirect" },
-    { Status::BadRequest, "Bad Request" },
-    { Status::Unauthorized, "Unauthorized" },
-    { Status::Forbidden, "Forbidden" },
-    { Status::NotFound, "Not Found" },
-    { Status::MethodNotAllowed, "Method Not Allowed" },
-    { Status::Conflict, "Conflict" },
-    { Status::LengthRequired, "Length Required" },
-    { Status::PreconditionFailed, "Precondition Failed" },
-    { Status::ContentTooLarge, "Content Too Large" },
-    { Status::UnsupportedMediaType, "Unsupported Media Type" },
-    { Status::RangeNotSatisfiable, "Range Not Satisfiable" },
-    { Status::ExpectationFailed, "Expectation Failed" },
-    { Status::MisdirectedRequest, "Misdirected Request" },
-    { Status::UnprocessableContent, "Unprocessable Content" },
-    { Status::Locked, "Locked" },
-    { Status::FailedDependency, "Failed Dependency" },
-    { Status::TooManyRequests, "Too Many Requests" },
-    { Status::HeadTooLarge, "Request Header Fields Too Large" },
-    { Status::ChecksumMismatch, "Checksum Mismatch" },
-    { Status::InternalError, "Internal Server Error" },
-    { Status::NotImplemented, "Not Implemented" },
-    { Status::BadGateway, "Bad Gateway" },
-    { Status::Unavailable, "Service Unavailable" },
-    { Status::VersionNotSupported, "HTTP Version Not Supported" },
-    { Status::InsufficientStorage, "Insufficient Storage" },
-} };
+constexpr int codeOf(std::string_view text)
+{
+    return (text[0] - '0') * 100 + (text[1] - '0') * 10 + (text[2] - '0');
+}
 
 } // namespace
 
 QByteArray statusText(Status status)
 {
-    QByteArray text = QByteArray::number(int(status)) + ' ';
-    for (const StatusRow &row : statuses) {
-        if (row.status == status)
-            text += row.reason;
-    }
-    return text;
+    const auto *const found =
+        std::find_if(texts.begin(), texts.end(),
+                     [status](std::string_view text) { return codeOf(text) == int(status); });
+    return found == texts.end() ? QByteArray::number(int(status)) + ' '
+                                : QByteArray(found->data(), int(found->size()));
 }
 
 bool isBodiless(Status status)

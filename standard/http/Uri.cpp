@@ -53,7 +53,7 @@ std::optional<QByteArray> percentDecoded(const QByteArray &text)
         if (!isHexPair(text, at + 1))
             return {};
     }
-    const QByteArray decoded = QByteArray::fromPercentEncoding(text);
+    const QByteArray decoded = text.contains('%') ? QByteArray::fromPercentEncoding(text) : text;
     if (decoded.contains('\0'))
         return {};
     return decoded;
