@@ -50,6 +50,7 @@ PlainSocket::PlainSocket(FileDescriptor accepted, const QHostAddress &peerAddres
     , fd(std::move(accepted))
     , poller(watcher)
     , peer(peerAddress)
+    , queue(watcher)
 {
     if (!poller->watch(fd.get(), this))
         breakOff();
@@ -75,7 +76,7 @@ void PlainSocket::ready(quint32 events)
     serving = true;
     serve(events);
     serving = false;
-    if (held)
+    if (queue.isHeld())
         flush();
 }
 
@@ -127,9 +128,10 @@ bool PlainSocket::send(const QByteArray &bytes, bool more)
     if (!canSend())
         return false;
     // Within a turn the head of a reply waits for its body: one call and one packet for both.
-    held = held || (more && serving && queued() == 0);
-    if (held && more && queued() + bytes.size() <= maxHeld)
-        enqueue(bytes.constData(), bytes.size());
+    if (more && serving && queued() == 0)
+        queue.hold();
+    if (queue.isHeld() && more && queued() + bytes.size() <= maxHeld)
+        queue.append(bytes.constData(), bytes.size());
     else
         sendOrQueue(bytes.constData(), bytes.size(), more);
     return canSend();
@@ -139,21 +141,10 @@ bool PlainSocket::send(const QByteArray &bytes, bool more)
 void PlainSocket::sendOrQueue(const char *data, qint64 size, bool more)
 {
     // Who waits for the peer already is told when it took something.
-    const bool waits = queued() > 0 && !held;
-    held = false;
+    const bool waits = queued() > 0 && !queue.isHeld();
+    queue.release();
     const qint64 taken = waits ? 0 : sendNow(data, size, more);
-    enqueue(data + taken, size - taken);
-}
-
-void PlainSocket::enqueue(const char *data, qint64 size)
-{
-    queue.append(data, int(size));
-    poller->addBacklog(size);
-}
-
-bool PlainSocket::isCongested() const
-{
-    return poller->isCrowded(queued());
+    queue.append(data + taken, size - taken);
 }
 
 /// Offers the system what is queued and then these bytes, with one call. Gives how many of these
@@ -161,8 +152,7 @@ bool PlainSocket::isCongested() const
 qint64 PlainSocket::sendNow(const char *data, qint64 size, bool more)
 {
     const qint64 first = queued();
-    std::array<iovec, 2> pieces{ { { const_cast<char *>(queue.constData()) + queueStart,
-                                     size_t(first) },
+    std::array<iovec, 2> pieces{ { { const_cast<char *>(queue.data()), size_t(first) },
                                    { const_cast<char *>(data), size_t(size) } } };
     msghdr message = {};
     message.msg_iov = pieces.data();
@@ -171,26 +161,13 @@ qint64 PlainSocket::sendNow(const char *data, qint64 size, bool more)
     const qint64 taken = ::sendmsg(fd.get(), &message, flags);
     if (taken < 0 && !mustWait())
         breakOff();
-    dequeue(std::clamp<qint64>(taken, 0, first));
+    queue.remove(std::clamp<qint64>(taken, 0, first));
     return std::max<qint64>(0, taken - first);
-}
-
-void PlainSocket::dequeue(qint64 size)
-{
-    poller->addBacklog(-size);
-    queueStart += int(size);
-    if (queued() == 0)
-        return dropQueue();
-    // A slow peer may never take all of it: what it took must not stay in front.
-    if (queueStart > queued()) {
-        queue.remove(0, queueStart);
-        queueStart = 0;
-    }
 }
 
 void PlainSocket::flush(bool more)
 {
-    held = false;
+    queue.release();
     if (queued() > 0)
         sendNow(nullptr, 0, more);
     if (queued() > 0)
@@ -201,20 +178,13 @@ void PlainSocket::flush(bool more)
         close();
 }
 
-void PlainSocket::dropQueue()
-{
-    poller->addBacklog(-queued());
-    queue.clear();
-    queueStart = 0;
-}
-
 qint64 PlainSocket::send(int file, qint64 offset, qint64 count)
 {
     if (!canSend())
         return -1;
-    if (held && count <= smallFile)
+    if (queue.isHeld() && count <= smallFile)
         return sendSmall(file, offset, count);
-    if (held)
+    if (queue.isHeld())
         flush(true);
     if (queued() > 0)
         return 0;
@@ -262,8 +232,7 @@ void PlainSocket::abort()
 
 void PlainSocket::closeDescriptor()
 {
-    dropQueue();
-    held = false;
+    queue.clear();
     if (!fd.isOpen())
         return;
     poller->forget(fd.get(), this);

@@ -2,6 +2,7 @@
 
 #include "files/FileDescriptor.h"
 #include "net/Poller.h"
+#include "net/SendQueue.h"
 #include "net/Socket.h"
 
 /// A connection without encryption, straight on its descriptor.
@@ -15,8 +16,8 @@ public:
     ~PlainSocket() override;
 
     bool canSend() const override { return state == State::Open; }
-    qint64 queued() const override { return queue.size() - queueStart; }
-    bool isCongested() const override;
+    qint64 queued() const override { return queue.size(); }
+    bool isCongested() const override { return poller->isCrowded(queued()); }
     void again() override { poller->again(this); }
     void endWriting() override;
     void finish() override;
@@ -50,10 +51,7 @@ private:
     qint64 sendNow(const char *data, qint64 size, bool more);
     qint64 sendSmall(int file, qint64 offset, qint64 count);
     void serve(quint32 events);
-    void enqueue(const char *data, qint64 size);
-    void dequeue(qint64 size);
     void flush(bool more = false);
-    void dropQueue();
     void closeDescriptor();
     void breakOff();
     void close();
@@ -64,8 +62,6 @@ private:
     State state = State::Open;
     bool inputWaits = false;
     bool inputEnded = false; ///< the peer stopped sending, though bytes may still wait
-    QByteArray queue; ///< not yet taken by the system
-    int queueStart = 0; ///< what stands before it was taken
+    SendQueue queue;
     bool serving = false; ///< the user is being told of something
-    bool held = false; ///< what is queued waits for what follows it in this turn
 };
