@@ -9,17 +9,11 @@
 
 #include <QDir>
 
-#include <algorithm>
-#include <chrono>
 #include <utility>
-
-using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto deadlineInterval = 1s;
 constexpr qint64 bytesPerKilobyte = 1024;
-constexpr int closedAtOnce = 32; ///< idle connections, when no descriptor is left
 
 } // namespace
 
@@ -41,13 +35,10 @@ WebServer::WebServer(const QNetworkAddressEntry &entry, Profile *profile,
           { [this](FileDescriptor accepted, const QHostAddress &peer, const QHostAddress &reached) {
                accept(std::move(accepted), peer, reached);
            },
-            [this] { return closeIdle(); } })
-    , connectionEnded([this](Connection *connection) { forget(connection); })
+            [this] { return connections.closeIdle(); } })
+    , connections([this] { listener.resume(); })
 {
     ++profile->useCount;
-    deadlines.setInterval(deadlineInterval);
-    connect(&deadlines, &QTimer::timeout, this,
-            [this] { checkDeadlines(Connection::Clock::now()); });
     init();
 }
 
@@ -64,7 +55,6 @@ WebServer::~WebServer()
     stop();
     // At once and while the service is whole.
     connections.clear();
-    leaving.clear();
     --service.profile->useCount;
 }
 
@@ -112,8 +102,7 @@ void WebServer::stopAll()
 {
     stop();
     service.traffic.setBlocked(true);
-    for (const auto &[connection, owned] : connections)
-        connection->drop();
+    connections.drop();
 }
 
 void WebServer::setProfile(Profile *profile)
@@ -191,17 +180,13 @@ void WebServer::accept(FileDescriptor accepted, const QHostAddress &peer,
         return;
     }
     if (setup->peers->isFull())
-        closeIdle();
+        connections.closeIdle();
     PeerCount::Ticket place = isTrustedProxy(peer, *service.profile)
         ? setup->peers->admitUncounted()
         : setup->peers->admit(peer, reached);
     if (!place.isValid())
         return;
-    auto connection = std::make_unique<Connection>(++accepts, makeSocket(std::move(accepted), peer),
-                                                   std::move(place), service, connectionEnded);
-    connections.emplace(connection.get(), std::move(connection));
-    if (!deadlines.isActive())
-        deadlines.start();
+    connections.add(makeSocket(std::move(accepted), peer), std::move(place), service);
 }
 
 std::unique_ptr<Socket> WebServer::makeSocket(FileDescriptor accepted, const QHostAddress &peer)
@@ -211,63 +196,6 @@ std::unique_ptr<Socket> WebServer::makeSocket(FileDescriptor accepted, const QHo
         return std::make_unique<TlsSocket>(std::move(accepted), identity->configuration,
                                            setup->poller, account);
     return std::make_unique<PlainSocket>(std::move(accepted), peer, setup->poller, account);
-}
-
-std::vector<Visit> WebServer::visits() const
-{
-    std::vector<Visit> all;
-    all.reserve(connections.size());
-    for (const auto &[connection, owned] : connections)
-        all.push_back(connection->visit());
-    return all;
-}
-
-void WebServer::disconnect(const std::function<bool(const Visit &)> &whom)
-{
-    for (const auto &[connection, owned] : connections) {
-        if (whom(connection->visit()))
-            connection->drop();
-    }
-}
-
-/// Makes descriptors free for new clients: those that idle the longest go.
-bool WebServer::closeIdle()
-{
-    std::vector<Connection *> idle;
-    for (const auto &[connection, owned] : connections) {
-        if (connection->isIdle())
-            idle.push_back(connection);
-    }
-    std::sort(idle.begin(), idle.end(), [](const Connection *a, const Connection *b) {
-        return a->lastActivity() < b->lastActivity();
-    });
-    idle.resize(std::min<std::size_t>(idle.size(), closedAtOnce));
-    for (Connection *connection : idle)
-        connections.erase(connection);
-    // The next look goes on accepting.
-    deadlines.start();
-    return !idle.empty();
-}
-
-/// It goes later: it is telling of its end.
-void WebServer::forget(Connection *connection)
-{
-    const auto found = connections.find(connection);
-    if (leaving.empty())
-        QMetaObject::invokeMethod(
-            this, [this] { leaving.clear(); }, Qt::QueuedConnection);
-    leaving.push_back(std::move(found->second));
-    connections.erase(found);
-    listener.resume();
-}
-
-void WebServer::checkDeadlines(Connection::Clock::time_point now)
-{
-    for (const auto &[connection, owned] : connections)
-        connection->checkDeadline(now);
-    if (connections.empty())
-        deadlines.stop();
-    listener.resume();
 }
 
 void WebServer::limitReached()

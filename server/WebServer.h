@@ -1,18 +1,15 @@
 #pragma once
 
 #include "net/Listener.h"
-#include "server/Connection.h"
+#include "server/Connections.h"
 #include "server/Service.h"
 #include "server/TlsIdentity.h"
 
 #include <QNetworkAddressEntry>
 #include <QObject>
-#include <QTimer>
 
-#include <functional>
 #include <memory>
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
 class Profile;
@@ -73,15 +70,15 @@ public:
     void addReceivedBytes(qint64 count) { service.traffic.addReceived(count); }
     bool isBlocked() const { return service.traffic.isBlocked(); }
     /// Ends what peers have kept waiting for too long. Happens once a second by itself.
-    void checkDeadlines(Connection::Clock::time_point now);
+    void checkDeadlines(Connection::Clock::time_point now) { connections.checkDeadlines(now); }
 
-    int connectionCount() const { return int(connections.size()); }
+    int connectionCount() const { return connections.count(); }
 
     /// The open connections, in no order.
-    std::vector<Visit> visits() const;
+    std::vector<Visit> visits() const { return connections.visits(); }
 
     /// Cuts those of them that are meant.
-    void disconnect(const std::function<bool(const Visit &)> &whom);
+    void disconnect(const Connections::Choice &whom) { connections.dropSome(whom); }
 
     quint16 port = 0;
 
@@ -97,8 +94,6 @@ private:
     void warn(const QString &text) const;
     void accept(FileDescriptor accepted, const QHostAddress &peer, const QHostAddress &reached);
     std::unique_ptr<Socket> makeSocket(FileDescriptor accepted, const QHostAddress &peer);
-    bool closeIdle();
-    void forget(Connection *connection);
     void limitReached();
 
     QNetworkAddressEntry address;
@@ -106,10 +101,6 @@ private:
     Service service;
     std::optional<TlsIdentity> identity;
     Listener listener;
-    const Connection::Ended connectionEnded;
-    std::unordered_map<Connection *, std::unique_ptr<Connection>> connections;
-    quint64 accepts = 0; ///< so far
-    std::vector<std::unique_ptr<Connection>> leaving; ///< their peers are gone
-    QTimer deadlines; ///< runs while there are connections
+    Connections connections;
     std::vector<FileDescriptor> ignored; ///< accepted while blocked
 };
