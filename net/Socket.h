@@ -82,18 +82,7 @@ public:
     /// Sends up to `count` bytes of the file `fd` from `offset` on. Gives how many were taken,
     /// 0 when the peer must take some first, -1 when the file ended, the connection broke or the
     /// traffic limit was reached.
-    qint64 sendFile(int fd, qint64 offset, qint64 count)
-    {
-        if (account->isBlocked())
-            return -1;
-        const qint64 step = account->limit() > 0 ? limitedStep : count;
-        const qint64 taken = send(fd, offset, step < count ? step : count);
-        if (taken > 0) {
-            account->addSent(taken);
-            m_sent += taken;
-        }
-        return taken;
-    }
+    qint64 sendFile(int fd, qint64 offset, qint64 count);
 
     /// Whether what is written may still reach the peer; false before the user is told `gone`.
     virtual bool canSend() const = 0;
@@ -131,8 +120,6 @@ protected:
     User *user = nullptr;
 
 private:
-    static constexpr qint64 limitedStep = 2048; ///< a traffic limit is overrun by no more than this
-
     qint64 readAgain(char *data, qint64 max)
     {
         const int size = int(qMin<qint64>(max, unread.size()));

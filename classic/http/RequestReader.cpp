@@ -9,6 +9,7 @@
 
 namespace {
 
+constexpr int maxHeadRest = 64 * 1024; ///< bytes of a head behind its buffer
 constexpr int longestRestLine = 8 * 1024; ///< a Destination of 255 folders fits
 constexpr int droppedAtOnce = 64 * 1024;
 constexpr int dropsInATurn = 64;
@@ -167,7 +168,9 @@ qint64 RequestReader::readBody(Socket &socket, char *data, qint64 max)
     }
     if (bodyToCome == 0)
         return 0;
-    return passed(socket.read(data, qMin(max, bodyToCome)));
+    const qint64 size = socket.read(data, qMin(max, bodyToCome));
+    bodyToCome -= qMax<qint64>(size, 0);
+    return size;
 }
 
 Pipe *RequestReader::pipe(Socket &socket) const
@@ -177,11 +180,7 @@ Pipe *RequestReader::pipe(Socket &socket) const
 
 qint64 RequestReader::readBody(Socket &socket, Pipe &pipe, qint64 max)
 {
-    return passed(socket.read(pipe, qMin(max, bodyToCome)));
-}
-
-qint64 RequestReader::passed(qint64 size)
-{
+    const qint64 size = socket.read(pipe, qMin(max, bodyToCome));
     bodyToCome -= qMax<qint64>(size, 0);
     return size;
 }

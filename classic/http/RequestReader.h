@@ -15,7 +15,6 @@ class RequestReader
 {
 public:
     static constexpr int bufferSize = 2048; ///< of a head no more is seen at first
-    static constexpr int maxHeadRest = 64 * 1024; ///< bytes of a head behind its buffer
 
     enum class Look {
         Incomplete, ///< more has to arrive
@@ -94,7 +93,6 @@ private:
     QByteArray filled() const { return QByteArray::fromRawData(buffer.data(), fill); }
     qint64 fillBuffer(Socket &socket);
     void handOver();
-    qint64 passed(qint64 size);
     qint64 skipHeadRest(Socket &socket);
     bool takeRestLine();
     void endHead();
