@@ -22,15 +22,6 @@ namespace {
 
 constexpr int tlsPiece = 4096; // bytes that the toolkit decrypts at once
 
-std::unique_ptr<QTcpSocket> tlsSocket()
-{
-    auto socket = std::make_unique<QSslSocket>();
-    socket->setPeerVerifyMode(QSslSocket::VerifyNone);
-    QSslSocket *tls = socket.get();
-    QObject::connect(tls, &QAbstractSocket::connected, tls, &QSslSocket::startClientEncryption);
-    return socket;
-}
-
 struct Worker final : PassTaker
 {
     void take(Pass given) override

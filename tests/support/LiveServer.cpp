@@ -4,6 +4,7 @@
 
 #include <QElapsedTimer>
 #include <QEventLoop>
+#include <QSslSocket>
 #include <QTcpServer>
 #include <QTimer>
 
@@ -190,6 +191,15 @@ bool RawClient::waitUntil(const std::function<bool()> &condition, int msecs)
 void RawClient::takeArrived()
 {
     received += socket->readAll();
+}
+
+std::unique_ptr<QTcpSocket> tlsSocket()
+{
+    auto socket = std::make_unique<QSslSocket>();
+    socket->setPeerVerifyMode(QSslSocket::VerifyNone);
+    QSslSocket *tls = socket.get();
+    QObject::connect(tls, &QAbstractSocket::connected, tls, &QSslSocket::startClientEncryption);
+    return socket;
 }
 
 QByteArray rawRequest(const QByteArray &method, const QByteArray &target, const QByteArray &headers,

@@ -138,6 +138,9 @@ private:
     QByteArray received;
 };
 
+/// For a `RawClient` of a server with TLS.
+std::unique_ptr<QTcpSocket> tlsSocket();
+
 /// "METHOD target HTTP/1.1", a Host line, `headers` (each ended by CR LF), the blank line, `body`.
 /// A body brings its Content-Length along.
 QByteArray rawRequest(const QByteArray &method, const QByteArray &target,
