@@ -61,7 +61,6 @@ private Q_SLOTS:
     void anyNameWithThePassword();
     void hashedPasswords();
     void hashesAreCheckedInTurn();
-    void refusedBeforeTheBody();
     void guessesWait_data();
     void guessesWait();
     void answersToItsNamesAlone_data();
@@ -208,22 +207,6 @@ void TestLogin::hashesAreCheckedInTurn()
     }
     QVERIFY(!fits && fitsPasswordHash("right", hash) == true);
 #endif
-}
-
-void TestLogin::refusedBeforeTheBody()
-{
-    StandardServer server;
-    server.askForLogin("b:2");
-    RawClient client(server.port());
-    const RawReply reply =
-        client.exchange(rawRequest("PUT", "/a", "Expect: 100-continue\r\nContent-Length: 5\r\n"));
-    QCOMPARE(reply.status(), QByteArray("401 Unauthorized"));
-    QVERIFY(!QFile::exists(server.sharePath(QStringLiteral("a"))));
-    // Two requests on one connection: the login counts for its own.
-    RawClient next(server.port());
-    next.send(rawRequest("PUT", "/a", basicLogin("b:2"), "12345") + rawRequest("GET", "/a"));
-    QCOMPARE(next.reply().status(), QByteArray("201 Created"));
-    QCOMPARE(next.reply().status(), QByteArray("401 Unauthorized"));
 }
 
 void TestLogin::guessesWait_data()
