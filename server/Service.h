@@ -4,6 +4,7 @@
 #include "files/OpenFiles.h"
 #include "net/TrafficAccount.h"
 #include "server/Face.h"
+#include "server/LoginSessions.h"
 #include "server/SessionTable.h"
 
 #include <QFileInfo>
@@ -56,4 +57,5 @@ struct Service
     TrafficAccount traffic;
     OpenFiles files = {}; ///< of `share`
     std::unique_ptr<FaceState> faceState = {}; ///< about `share`; null until a face needs it
+    LoginSessions logins = {}; ///< by the page of the standard face
 };
