@@ -26,6 +26,6 @@ Routes classicRoutes()
 FaceMaker allFaces()
 {
     const standard::Routes routes =
-        standard::withUploads(standard::withDav(standard::fileRoutes()));
+        standard::withLogins(standard::withUploads(standard::withDav(standard::fileRoutes())));
     return chosenFaces(classicFaces(classicRoutes()), standard::standardFaces(routes));
 }

@@ -28,6 +28,7 @@ struct Access
     QByteArray account = {};
     Rights rights = {};
     QByteArray home = {}; ///< a path; "" when there is none
+    bool inSession = false; ///< logged in by a page, and may log out, see `LoginSessions`
 };
 
 /// What a visitor with that home calls `path`; "" for all that isn't below it.

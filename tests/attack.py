@@ -26,6 +26,7 @@ FACES = {  # what serves: profile, mode, what is shared
     "S": ("strict", "classic", "share"),
     "s": ("plain", "standard", "share"),
     "1": ("plain", "standard", "share/a.txt"),
+    "l": ("locked", "standard", "share"),
 }
 BULK = {
     "LONG": lambda n: f"GET /a.txt; X: {'x' * n}",
@@ -49,6 +50,7 @@ class World:
         self.home.mkdir(parents=True)
         for profile in ("plain", "strict"):
             subprocess.run([MAKE_PROFILE, profile], env=self.environment, check=True)
+        subprocess.run([MAKE_PROFILE, "locked", "anna:secret"], env=self.environment, check=True)
         with open(self.home / ".quillon/strict.cnf.ini", "a", encoding="ascii") as text:
             text.write("strict = yes\n")
         self.fill()
@@ -170,8 +172,9 @@ def faults(world, face, allowed, data, ends):
         found.append("something outside was changed")
         shutil.rmtree(world.outside)
     world.fill()
-    if not exchange(port, *request("GET /" if face == "1" else "GET /a.txt", port)).startswith(
-            b"HTTP/1.1 200"):
+    target = "/" if face == "1" else "/a.txt"
+    if not exchange(port, *request(f"GET {target}; Authorization: Basic YW5uYTpzZWNyZXQ=", port)
+                    ).startswith(b"HTTP/1.1 200"):
         found.append("it serves no more")
     return found
 

@@ -13,12 +13,6 @@ namespace {
 constexpr auto realm = "Quillon"; ///< one for all: some programs ask anew for each
 constexpr auto basicScheme = "basic ";
 
-struct Login
-{
-    QByteArray user;
-    QByteArray password;
-};
-
 /// Of "name:password".
 Login loginOf(const QByteArray &text)
 {
@@ -41,12 +35,6 @@ QList<Login> knownLogins(const Profile &profile, const QByteArray &given)
     return logins;
 }
 
-bool needsLogin(const Profile &profile)
-{
-    return profile.authMode != AuthNone
-        && !(profile.authMode == AuthPasswordPage && profile.password.isEmpty());
-}
-
 /// Of what Digest is made.
 bool keepsPasswords(const Profile &profile)
 {
@@ -63,30 +51,6 @@ bool isBasic(const QByteArray &value)
 QByteArray basicText(const QByteArray &value)
 {
     return QByteArray::fromBase64(value.mid(int(qstrlen(basicScheme))).trimmed());
-}
-
-Authenticator::Result checkBasic(const QByteArray &value, const Profile &profile,
-                                 PasswordChecks &passwords)
-{
-    using Outcome = Authenticator::Outcome;
-    const QByteArray text = basicText(value);
-    const Login given = loginOf(text);
-    bool known = false;
-    for (const Login &login : knownLogins(profile, given.user)) {
-        const bool same = isSameSecret(given.user, login.user);
-        known = (isSameSecret(given.password, login.password) && same) || known;
-    }
-    // Without a colon it is no login, whatever the password is.
-    if (!text.contains(':'))
-        return { Outcome::Refused };
-    if (known)
-        return { Outcome::Admitted, given.user };
-    const QByteArray hash = PasswordChecks::hashFor(profile, given.user);
-    if (hash.isEmpty())
-        return { Outcome::Refused };
-    if (passwords.remembers(given.password, hash))
-        return { Outcome::Admitted, given.user };
-    return { Outcome::Undecided, given.user, given.password, hash };
 }
 
 /// A proof for one path must not open another.
@@ -110,7 +74,7 @@ QByteArray digestChallenge(const char *algorithm, const QByteArray &nonce, bool 
 std::optional<QByteArray> Authenticator::triedAccount(const Request &request,
                                                       const Profile &profile)
 {
-    if (!needsLogin(profile))
+    if (profile.admitsEveryone())
         return {};
     const QByteArray value = request.value("Authorization");
     if (value.isEmpty())
@@ -126,12 +90,33 @@ std::optional<QByteArray> Authenticator::triedAccount(const Request &request,
 Authenticator::Result Authenticator::check(const Request &request, const Profile &profile,
                                            PasswordChecks &passwords)
 {
-    if (!needsLogin(profile))
+    if (profile.admitsEveryone())
         return { Outcome::Admitted };
     const QByteArray value = request.value("Authorization");
-    if (isBasic(value))
-        return checkBasic(value, profile, passwords);
-    return checkDigest(request, profile);
+    if (!isBasic(value))
+        return checkDigest(request, profile);
+    const QByteArray text = basicText(value);
+    const Result found = check(loginOf(text), profile, passwords);
+    // Without a colon it is no login, whatever the password is.
+    return text.contains(':') ? found : Result{ Outcome::Refused };
+}
+
+Authenticator::Result Authenticator::check(const Login &given, const Profile &profile,
+                                           PasswordChecks &passwords)
+{
+    bool known = false;
+    for (const Login &login : knownLogins(profile, given.user)) {
+        const bool same = isSameSecret(given.user, login.user);
+        known = (isSameSecret(given.password, login.password) && same) || known;
+    }
+    if (known)
+        return { Outcome::Admitted, given.user };
+    const QByteArray hash = PasswordChecks::hashFor(profile, given.user);
+    if (hash.isEmpty())
+        return { Outcome::Refused };
+    if (passwords.remembers(given.password, hash))
+        return { Outcome::Admitted, given.user };
+    return { Outcome::Undecided, given.user, given.password, hash };
 }
 
 Authenticator::Result Authenticator::checkDigest(const Request &request, const Profile &profile)

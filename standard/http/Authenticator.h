@@ -6,12 +6,24 @@
 #include <QByteArray>
 #include <QElapsedTimer>
 
+#include <chrono>
 #include <optional>
 
 class PasswordChecks;
 class Profile;
 
 namespace standard {
+
+struct Login
+{
+    QByteArray user;
+    QByteArray password;
+};
+
+/// How long the answer to a login may be held back: what any program waits for. With a longer wait
+/// it would give up without a word, so it is told when to come back.
+constexpr std::chrono::seconds loginPatience{ 10 };
+constexpr auto tooManyGuesses = "Too many wrong passwords. Try again later.";
 
 /// Finds out who sends a request, by Digest or Basic (RFC 7616, RFC 7617). Where a page asks
 /// browsers for a password, any user name goes with it. One serves a whole program.
@@ -40,6 +52,9 @@ public:
 
     /// Whether `profile` lets the request in.
     Result check(const Request &request, const Profile &profile, PasswordChecks &passwords);
+
+    /// Whether the profile, which asks for logins, knows this one.
+    static Result check(const Login &given, const Profile &profile, PasswordChecks &passwords);
 
     /// The fields of a 401. Digest comes first: over a connection that isn't encrypted one of the
     /// desktop systems speaks nothing else. Where every password is hashed there is none.

@@ -145,6 +145,10 @@ void Exchange::writeHead(ReplyHead head, bool more)
     if (ending == Ending::Close)
         m_channel.closeAfterReply();
     head.keepAlive = m_channel.settlePersistence();
+    // Only a login in the request itself keeps replies out of shared caches (RFC 9111, 3.5); and
+    // who has logged out finds nothing in that of the browser.
+    if (visitor.inSession)
+        head.fields.push_back({ "Cache-Control", "private, no-cache" });
     head.tellsKeepAlive = current.minorVersion == 0;
     m_channel.write(headBlock(head), more);
 }

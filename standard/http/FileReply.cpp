@@ -5,6 +5,7 @@
 #include "files/Path.h"
 #include "standard/http/ContentType.h"
 #include "standard/http/FolderPage.h"
+#include "standard/http/LoginPage.h"
 #include "standard/http/Protection.h"
 
 #include <QRandomGenerator>
@@ -188,11 +189,14 @@ void FileReply::sendListing(const FolderListing &listing)
 {
     if (isOver())
         return;
+    const Access &access = exchange.access();
+    // The button that leads back would show it again after the log-out.
     Fields fields{ { "Content-Type", "text/html; charset=utf-8" },
-                   { "Cache-Control", "no-cache" } };
-    addPageProtection(fields);
+                   { "Cache-Control", access.inSession ? "no-store" : "no-cache" } };
+    access.inSession ? addFormProtection(fields) : addPageProtection(fields);
     exchange.reply(Status::Ok, std::move(fields),
-                   folderPage(seenFrom(exchange.access().home, exchange.path()), listing));
+                   folderPage(seenFrom(access.home, exchange.path()), listing,
+                              access.inSession ? logOutForm(exchange) : QByteArray()));
 }
 
 } // namespace standard

@@ -1,6 +1,7 @@
 #include "standard/http/FolderPage.h"
 
 #include "files/FolderListing.h"
+#include "standard/http/Html.h"
 #include "standard/http/HttpDate.h"
 #include "standard/http/Uri.h"
 
@@ -9,14 +10,6 @@
 namespace standard {
 
 namespace {
-
-QByteArray escaped(QByteArray text)
-{
-    return text.replace('&', "&amp;")
-        .replace('<', "&lt;")
-        .replace('>', "&gt;")
-        .replace('"', "&quot;");
-}
 
 QByteArray row(const FolderListing::Entry &entry)
 {
@@ -29,13 +22,11 @@ QByteArray row(const FolderListing::Entry &entry)
 
 } // namespace
 
-QByteArray folderPage(const QByteArray &path, const FolderListing &listing)
+QByteArray folderPage(const QByteArray &path, const FolderListing &listing, const QByteArray &forms)
 {
-    const QByteArray title = '/' + escaped(path);
-    QByteArray page = "<!DOCTYPE html>\n<html><head><meta charset=\"utf-8\">"
-                      "<meta name=\"viewport\" content=\"width=device-width\">"
-                      "<meta name=\"color-scheme\" content=\"light dark\"><title>"
-        + title + "</title></head>\n<body><h1>" + title + "</h1>\n<table>\n";
+    const QByteArray title = '/' + path;
+    QByteArray page =
+        pageBegin(title) + "<body>" + forms + "<h1>" + escaped(title) + "</h1>\n<table>\n";
     if (!path.isEmpty())
         page += "<tr><td><a href=\"../\">../</a></td><td></td><td></td></tr>\n";
     const qint64 shown = std::min(listing.count(), maxPageEntries);

@@ -17,6 +17,12 @@ std::optional<QByteArray> calledName(const Exchange &exchange)
     return request.field("Host");
 }
 
+bool isEncrypted(const Exchange &exchange)
+{
+    return exchange.request().outside.encrypted.value_or(
+        exchange.channel().connection().isEncrypted());
+}
+
 bool isMeantForUs(const QByteArray &called, const Exchange &exchange)
 {
     const bool saidByProxy = !exchange.request().outside.authority.isEmpty();
@@ -28,8 +34,7 @@ bool isOwnName(const QByteArray &authority, const Exchange &exchange)
 {
     const Request &request = exchange.request();
     const Socket &connection = exchange.channel().connection();
-    const int usualPort =
-        request.outside.encrypted.value_or(connection.isEncrypted()) ? httpsPort : httpPort;
+    const int usualPort = isEncrypted(exchange) ? httpsPort : httpPort;
     const Authority meant = Authority::of(authority, usualPort);
     if (meant.host.isEmpty())
         return false;

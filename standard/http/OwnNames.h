@@ -12,6 +12,9 @@ class Exchange;
 /// does. None in requests that don't say it (HTTP/1.0).
 std::optional<QByteArray> calledName(const Exchange &exchange);
 
+/// Whether the request was encrypted when it left its visitor, as far as that is known.
+bool isEncrypted(const Exchange &exchange);
+
 /// Whether `called` is a name or address of ours, see `::isMeantForUs`.
 bool isMeantForUs(const QByteArray &called, const Exchange &exchange);
 

@@ -1,5 +1,7 @@
 #include "standard/http/Protection.h"
 
+#include <QCryptographicHash>
+
 namespace standard {
 
 namespace {
@@ -9,19 +11,34 @@ void append(Fields &fields, const Fields &more)
     fields.insert(fields.end(), more.begin(), more.end());
 }
 
+/// `formTargets` end the policy, and may be followed by more of it.
+void addProtection(Fields &fields, const QByteArray &formTargets, const QByteArray &referrer)
+{
+    append(fields,
+           { { "X-Content-Type-Options", "nosniff" },
+             { "Content-Security-Policy",
+               "default-src 'none'; base-uri 'none'; frame-ancestors 'none'; form-action "
+                   + formTargets },
+             { "Referrer-Policy", referrer },
+             { "Cross-Origin-Opener-Policy", "same-origin" },
+             { "Cross-Origin-Resource-Policy", "same-origin" } });
+}
+
 } // namespace
 
 void addPageProtection(Fields &fields)
 {
-    static const Fields protection{
-        { "X-Content-Type-Options", "nosniff" },
-        { "Content-Security-Policy",
-          "default-src 'none'; base-uri 'none'; form-action 'none'; frame-ancestors 'none'" },
-        { "Referrer-Policy", "no-referrer" },
-        { "Cross-Origin-Opener-Policy", "same-origin" },
-        { "Cross-Origin-Resource-Policy", "same-origin" },
-    };
-    append(fields, protection);
+    addProtection(fields, "'none'", "no-referrer");
+}
+
+void addFormProtection(Fields &fields, const QByteArray &style)
+{
+    QByteArray rest = "'self'";
+    if (!style.isEmpty())
+        rest += "; style-src 'sha256-"
+            + QCryptographicHash::hash(style, QCryptographicHash::Sha256).toBase64() + '\'';
+    // Without a referrer, forms would not say that they come from here.
+    addProtection(fields, rest, "same-origin");
 }
 
 void addFileProtection(Fields &fields)

@@ -8,6 +8,10 @@ namespace standard {
 /// site shows, opens or reads them, and none hears of them.
 void addPageProtection(Fields &fields);
 
+/// The same of pages with forms, which are sent to this server alone, and with `style` in a style
+/// element of their own.
+void addFormProtection(Fields &fields, const QByteArray &style = {});
+
 /// What is served is somebody's file, never a part of this program: its scripts don't run, and no
 /// other site embeds it.
 void addFileProtection(Fields &fields);

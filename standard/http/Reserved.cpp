@@ -22,4 +22,13 @@ bool isFor(const Route &route, const QByteArray &path)
     return route.below ? isWithin(path, route.below) : !isReserved(path);
 }
 
+const Route *findRoute(const Routes &routes, Method method, const QByteArray &path)
+{
+    for (const Route &route : routes.rows) {
+        if (route.method == method && isFor(route, path))
+            return &route;
+    }
+    return nullptr;
+}
+
 } // namespace standard

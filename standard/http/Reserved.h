@@ -5,6 +5,8 @@
 namespace standard {
 
 struct Route;
+struct Routes;
+enum class Method;
 
 /// What lies below this name of the root is the server's own, whatever is shared: never listed,
 /// made or changed.
@@ -18,5 +20,8 @@ bool isReserved(const QByteArray &home, const QByteArray &path);
 
 /// Whether a route answers for what a clean path names.
 bool isFor(const Route &route, const QByteArray &path);
+
+/// The first that answers a method for it; null when there is none.
+const Route *findRoute(const Routes &routes, Method method, const QByteArray &path);
 
 } // namespace standard

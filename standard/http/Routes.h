@@ -18,6 +18,7 @@ struct Route
     Method method;
     std::unique_ptr<Handler> (*make)(Exchange &exchange);
     const char *below = nullptr; ///< the reserved path that it answers for; null: all others
+    bool isOpen = false; ///< to who has not logged in
 };
 
 /// The `make` of a route for a handler that needs nothing but the exchange.

@@ -13,6 +13,7 @@
 #include "standard/http/Delete.h"
 #include "standard/http/FileReply.h"
 #include "standard/http/Handler.h"
+#include "standard/http/LoginPage.h"
 #include "standard/http/MkCol.h"
 #include "standard/http/Move.h"
 #include "standard/http/Options.h"
@@ -20,6 +21,7 @@
 #include "standard/http/Patch.h"
 #include "standard/http/Put.h"
 #include "standard/http/Reserved.h"
+#include "standard/http/SessionCookie.h"
 
 #include <utility>
 
@@ -32,11 +34,6 @@ constexpr auto strangeName =
     "This server is not known by that name. Its owner can add it: see \"names\" in the reference.";
 constexpr auto blockedByOwner = "The owner of this server has blocked this address.";
 constexpr auto otherSite = "A page of another site asked for this.";
-constexpr auto tooManyGuesses = "Too many wrong passwords. Try again later.";
-
-/// What any program waits for. With a longer wait it would give up without a word, so it is told
-/// when to come back.
-constexpr std::chrono::seconds loginPatience{ 10 };
 
 } // namespace
 
@@ -158,6 +155,11 @@ void StandardFace::logIn()
 {
     const Request &request = exchange.request();
     const Service &service = exchange.service();
+    const Route *route = findRoute(common->routes, request.method, exchange.path());
+    if (route && route->isOpen)
+        return dispatch();
+    if (goesOnInSession())
+        return;
     const std::optional<QByteArray> account =
         Authenticator::triedAccount(request, *service.profile);
     const LoginGate::Turn turn = account ? gate.enter({ request.outside.visitor, *account,
@@ -179,6 +181,20 @@ void StandardFace::logIn()
     decide(login);
 }
 
+bool StandardFace::goesOnInSession()
+{
+    Service &service = exchange.service();
+    const QByteArray number = sessionNumber(exchange);
+    session = number.isEmpty() ? nullptr : service.logins.use(number, *service.profile);
+    if (!session)
+        return false;
+    Access access = Access::of(*service.profile, session->account());
+    access.inSession = true;
+    exchange.setAccess(access);
+    dispatch();
+    return true;
+}
+
 void StandardFace::checkPassword(const Authenticator::Result &login)
 {
     checking = std::make_unique<QObject>();
@@ -197,11 +213,22 @@ void StandardFace::decide(const Authenticator::Result &login)
 {
     const Profile &profile = *exchange.service().profile;
     if (login.outcome != Authenticator::Outcome::Admitted)
-        return exchange.refuse(Status::Unauthorized, {},
-                               common->authenticator.challenges(login.outcome, profile));
+        return refuseLogin(login.outcome);
     exchange.setAccess(Access::of(profile, login.user));
     connection.noteClient(exchange.request().outside.visitor, exchange.access().account);
     dispatch();
+}
+
+/// People are led to the page, where there is one. A challenge along with it would have their
+/// browser ask in its own way.
+void StandardFace::refuseLogin(Authenticator::Outcome outcome)
+{
+    if (asksForPage(exchange) && findRoute(common->routes, Method::Get, loginPath))
+        return exchange.refuse(
+            Status::SeeOther, {},
+            { { "Location", loginUrl(exchange) }, { "Cache-Control", "no-store" } });
+    exchange.refuse(Status::Unauthorized, {},
+                    common->authenticator.challenges(outcome, *exchange.service().profile));
 }
 
 void StandardFace::dispatch()
@@ -209,7 +236,7 @@ void StandardFace::dispatch()
     if (namesHiddenUpload(exchange.path()))
         return exchange.refuse(
             isSafe(exchange.request().method) ? Status::NotFound : Status::Forbidden, keptNames);
-    const Route *route = findRoute();
+    const Route *route = findRoute(common->routes, exchange.request().method, exchange.path());
     if (!route)
         return refuseMethod();
     handler = route->make(exchange);
@@ -268,6 +295,7 @@ void StandardFace::fileSent()
 void StandardFace::replyEnded()
 {
     checking.reset();
+    session.reset();
     gate.leave();
     isAtDoor = false;
     if (std::exchange(isAnswering, false))
@@ -294,15 +322,6 @@ void StandardFace::refuseMethod()
     if (allow.value.isEmpty())
         return exchange.refuse(Status::NotFound);
     exchange.refuse(Status::MethodNotAllowed, {}, { allow });
-}
-
-const Route *StandardFace::findRoute() const
-{
-    for (const Route &route : common->routes.rows) {
-        if (route.method == exchange.request().method && isFor(route, exchange.path()))
-            return &route;
-    }
-    return nullptr;
 }
 
 } // namespace standard

@@ -51,10 +51,11 @@ private:
     bool isCrossSite() const;
     bool standsForItself() const;
     void logIn();
+    bool goesOnInSession();
     void checkPassword(const Authenticator::Result &login);
     void decide(const Authenticator::Result &login);
+    void refuseLogin(Authenticator::Outcome outcome);
     void dispatch();
-    const Route *findRoute() const;
     void refuseMethod();
     void dropHandler();
 
@@ -64,6 +65,7 @@ private:
     Exchange exchange;
     LoginGate gate;
     std::optional<QByteArray> ownName; ///< that was found to be ours on this connection
+    std::unique_ptr<const LoginSessions::Use> session; ///< of the request; null without one
     bool isAtDoor = false; ///< the request waits to be let in
     bool isAnswering = false; ///< the handler has not ended
     std::unique_ptr<QObject> checking; ///< while nobody knows whether the password fits

@@ -9,12 +9,13 @@ namespace standard {
 namespace {
 
 /// As they stand in the status line.
-constexpr std::array<std::string_view, 32> texts{
+constexpr std::array<std::string_view, 33> texts{
     "200 OK",
     "201 Created",
     "204 No Content",
     "206 Partial Content",
     "207 Multi-Status",
+    "303 See Other",
     "304 Not Modified",
     "308 Permanent Redirect",
     "400 Bad Request",

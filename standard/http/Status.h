@@ -11,6 +11,7 @@ enum class Status {
     NoContent = 204,
     PartialContent = 206,
     MultiStatus = 207,
+    SeeOther = 303,
     NotModified = 304,
     PermanentRedirect = 308,
     BadRequest = 400,

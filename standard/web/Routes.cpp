@@ -1,5 +1,7 @@
 #include "standard/web/Routes.h"
 
+#include "standard/http/LoginPage.h"
+#include "standard/web/LoginMethods.h"
 #include "standard/web/OpenUploads.h"
 #include "standard/web/Tus.h"
 #include "standard/web/UploadMethods.h"
@@ -14,6 +16,15 @@ Routes withUploads(Routes routes)
     routes.rows.push_back({ Method::Patch, makeHandler<UploadAppend>, tusPath });
     routes.rows.push_back({ Method::Delete, makeHandler<UploadRemoval>, tusPath });
     routes.uploads = std::make_shared<OpenUploads>();
+    return routes;
+}
+
+Routes withLogins(Routes routes)
+{
+    routes.rows.push_back({ Method::Get, makeHandler<LoginForm>, loginPath, true });
+    routes.rows.push_back({ Method::Head, makeHandler<LoginForm>, loginPath, true });
+    routes.rows.push_back({ Method::Post, makeHandler<LogIn>, loginPath, true });
+    routes.rows.push_back({ Method::Post, makeHandler<LogOut>, logOutPath, true });
     return routes;
 }
 

@@ -7,4 +7,7 @@ namespace standard {
 /// `routes` with resumable uploads.
 Routes withUploads(Routes routes);
 
+/// `routes` with a page where browsers log in, and out.
+Routes withLogins(Routes routes);
+
 } // namespace standard
