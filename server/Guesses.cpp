@@ -14,7 +14,6 @@ namespace {
 constexpr int freeGuesses = 5;
 constexpr int mostDoublings = 6;
 constexpr std::chrono::seconds longest = 60s;
-constexpr std::chrono::seconds longestAtAccount = 8s; ///< what every program waits for
 constexpr int longestName = 64; ///< of an account, bytes that count
 
 std::chrono::seconds delayAfter(int wrong)
@@ -59,11 +58,14 @@ Guesses::Clock::time_point Guesses::turnOf(const Login &login, Clock::time_point
     Clock::time_point turn = login.arrived;
     if (here >= freeGuesses)
         turn = std::max(turn, std::max(wrong.last, open.last) + delayAfter(here));
-    const auto atAccount =
-        std::min(delayAfter(wrongAt.of(accountKey(login), now).number), longestAtAccount);
-    if (atAccount > 0s && rightFrom.of(pairKey(login), now).number == 0)
-        turn = std::max(turn, login.arrived + atAccount);
+    turn = std::max(turn, login.arrived + ownWait(login, now));
     return turn > now && isExempt(login) ? login.arrived : turn;
+}
+
+std::chrono::seconds Guesses::ownWait(const Login &login, Clock::time_point now) const
+{
+    const std::chrono::seconds wait = delayAfter(wrongAt.of(accountKey(login), now).number);
+    return wait == 0s || rightFrom.of(pairKey(login), now).number == 0 ? wait : 0s;
 }
 
 void Guesses::begin(const Login &login, Clock::time_point now)

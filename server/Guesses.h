@@ -10,10 +10,10 @@ class StatusSink;
 
 /// Makes those wait who guess passwords. After five wrong ones from an address the next is looked
 /// at a second later, then two, up to a minute, one after another. After five at an account each
-/// further one waits a few seconds of its own, wherever it comes from; but not where the right one
-/// came from lately, so that a crowd of strangers locks nobody out. This machine never waits,
-/// unless it passes on what others want. What was right clears nothing: whoever has an account
-/// could guess at others without end. One serves all servers of a program.
+/// further one waits as long by itself, wherever it comes from; but not where the right one came
+/// from lately, and never for its turn, so that a crowd of strangers locks nobody out. This machine
+/// never waits, unless it passes on what others want. What was right clears nothing: whoever has an
+/// account could guess at others without end. One serves all servers of a program.
 class Guesses
 {
 public:
@@ -37,6 +37,9 @@ public:
     /// When it may be looked at: not after `now` if it may be at once. To be asked again then, as
     /// others may have come first.
     Clock::time_point turnOf(const Login &login, Clock::time_point now) const;
+
+    /// What it waits for since it came because of its account, whatever others do meanwhile.
+    std::chrono::seconds ownWait(const Login &login, Clock::time_point now) const;
 
     /// It is being looked at until `end`, which may take a while: as long as nobody knows, it
     /// counts as wrong at its address.

@@ -30,7 +30,7 @@ LoginGate::Turn LoginGate::enter(const Guesses::Login &attempt)
         isLookedAt = true;
         return Turn::Now;
     }
-    if (turn > login->arrived + patience) {
+    if (turn > login->arrived + std::max(patience, table.ownWait(*login, now))) {
         forget();
         return Turn::TooLate;
     }

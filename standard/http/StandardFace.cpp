@@ -215,7 +215,6 @@ void StandardFace::decide(const Authenticator::Result &login)
     if (login.outcome != Authenticator::Outcome::Admitted)
         return refuseLogin(login.outcome);
     exchange.setAccess(Access::of(profile, login.user));
-    connection.noteClient(exchange.request().outside.visitor, exchange.access().account);
     dispatch();
 }
 
@@ -233,6 +232,7 @@ void StandardFace::refuseLogin(Authenticator::Outcome outcome)
 
 void StandardFace::dispatch()
 {
+    connection.noteClient(exchange.request().outside.visitor, exchange.access().account);
     if (namesHiddenUpload(exchange.path()))
         return exchange.refuse(
             isSafe(exchange.request().method) ? Status::NotFound : Status::Forbidden, keptNames);
