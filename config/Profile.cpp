@@ -284,7 +284,7 @@ void Profile::addRecentFile(const QString &path)
         recentFiles.removeLast();
 }
 
-QStringList Profile::accounts() const
+QStringList ProfileValues::accounts() const
 {
     QStringList usable = users;
     usable.erase(std::remove_if(usable.begin(), usable.end(),
@@ -295,7 +295,7 @@ QStringList Profile::accounts() const
     return usable;
 }
 
-QByteArray Profile::passwordHash(const QString &user) const
+QByteArray ProfileValues::passwordHash(const QString &user) const
 {
     if (authMode == AuthPasswordPage)
         return isPasswordHash(password) ? password.toUtf8() : QByteArray();
@@ -306,7 +306,7 @@ QByteArray Profile::passwordHash(const QString &user) const
                                                          : accountPassword(*found).toUtf8();
 }
 
-bool Profile::hashesPasswords() const
+bool ProfileValues::hashesPasswords() const
 {
     return authMode == AuthBasic && std::any_of(users.begin(), users.end(), hasHash);
 }

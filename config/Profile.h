@@ -59,7 +59,7 @@ struct ProfileValues
     qint32 faceMode = FaceAuto;
     qint32 syncPolicy = SyncFile;
     qint32 deepListings = 1; ///< whether the standard face lists whole trees, 0 or 1
-    qint32 strict = 0; ///< see `Profile::isStrict`, 0 or 1
+    qint32 strict = 0; ///< see `isStrict`, 0 or 1
     QStringList trustedProxies; ///< addresses of those whose word is taken for who asked for what
     QStringList names; ///< hosts that this server is called by elsewhere; see `hostNameOf`
     QByteArray pathPrefix; ///< that they leave on paths; see `pathPrefixOf`
@@ -75,6 +75,27 @@ struct ProfileValues
 
     /// Whether there is anybody who may change anything.
     bool letsSomebodyChange() const;
+
+    /// The HTTP Basic accounts with a readable password that can be used: an entry without a user
+    /// would admit everybody.
+    QStringList accounts() const;
+
+    /// What the password of `user`, or, with the login page, of anybody, is kept as when it is not
+    /// readable; else empty.
+    QByteArray passwordHash(const QString &user) const;
+
+    /// Whether there are accounts of that kind.
+    bool hashesPasswords() const;
+
+    /// Whether whoever reaches the server gets in. Without an account nobody does.
+    bool admitsEveryone() const
+    {
+        return authMode == AuthNone || (authMode == AuthPasswordPage && password.isEmpty());
+    }
+
+    /// Whether nothing is left open that clients of before rely on: the switches hold for every
+    /// method, session numbers can't be guessed, no request keeps anything of the one before it.
+    bool isStrict() const { return strict != 0 || faceMode == FaceStandard; }
 };
 
 /// One named settings profile and the file that it is stored in.
@@ -156,23 +177,6 @@ public:
     /// Moves `path` to the front of the recent files, or puts it there.
     void addRecentFile(const QString &path);
 
-    /// The HTTP Basic accounts with a readable password that can be used: an entry without a user
-    /// would admit everybody.
-    QStringList accounts() const;
-
-    /// What the password of `user`, or, with the login page, of anybody, is kept as when it is not
-    /// readable; else empty.
-    QByteArray passwordHash(const QString &user) const;
-
-    /// Whether there are accounts of that kind.
-    bool hashesPasswords() const;
-
-    /// Whether whoever reaches the server gets in. Without an account nobody does.
-    bool admitsEveryone() const
-    {
-        return authMode == AuthNone || (authMode == AuthPasswordPage && password.isEmpty());
-    }
-
     /// Whether everyone could change what lies in `path`, and that is the home folder or holds the
     /// folder of the profiles.
     bool opensHome(const QString &path) const;
@@ -183,10 +187,6 @@ public:
     bool allowsDelete() const { return enableDelete == Qt::Checked; }
     bool allowsUpload() const { return enableUpload == Qt::Checked; }
     bool usesDns() const { return dnsEnabled == Qt::Checked; }
-
-    /// Whether nothing is left open that clients of before rely on: the switches hold for every
-    /// method, session numbers can't be guessed, no request keeps anything of the one before it.
-    bool isStrict() const { return strict != 0 || faceMode == FaceStandard; }
 
     const Directories &directories() const { return m_directories; }
 
