@@ -168,14 +168,6 @@ bool ServerRows::start(const QPointer<ServerRow> &row)
     return true;
 }
 
-void ServerRows::toggle(ServerRow *row)
-{
-    if (row->isListening())
-        row->stop();
-    else
-        start(row);
-}
-
 void ServerRows::startOrStop()
 {
     if (isRunning())

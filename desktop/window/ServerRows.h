@@ -56,7 +56,6 @@ public:
 
     /// Starts a row once its doubts are settled. False when the user refuses.
     bool start(const QPointer<ServerRow> &row);
-    void toggle(ServerRow *row);
 
     /// Starts those that are shown. The status sink hears when there is none.
     void startShown();

@@ -143,6 +143,10 @@ bool mayCut(const QList<ServerRow *> &stopping, QWidget *window)
 
 void toggleRow(ServerRows *rows, const QPointer<ServerRow> &row, QWidget *window)
 {
-    if (row && mayCut({ row }, window) && row)
-        rows->toggle(row);
+    if (!row || !mayCut({ row }, window) || !row)
+        return;
+    if (row->isListening())
+        row->stop();
+    else
+        rows->start(row);
 }
