@@ -14,11 +14,10 @@ FolderPage::FolderPage(Profile *copy)
     deleting = addCheckBox(tr("Enable deleting"), &ProfileValues::enableDelete);
     addCheckBox(tr("Show folders"), &ProfileValues::showFolders);
     uploading = addCheckBox(tr("Enable upload"), &ProfileValues::enableUpload);
-    overruled = new QLabel(tr("Instead of deleting and upload the rights of everyone hold. "
-                              "Browsers are then served by the standard answers alone."));
+    overruled = new QLabel(tr("Instead of deleting and upload the rights of everyone hold. Where "
+                              "they differ from these two, browsers are refused unless the mode "
+                              "\"Standard\" is chosen: page \"Server\", \"Answers\"."));
     overruled->setWordWrap(true);
-    // The frame is as high as a wide page needs it; a narrow one takes four lines.
-    overruled->setMinimumHeight(4 * overruled->fontMetrics().lineSpacing());
     body()->addWidget(overruled);
     QPushButton *rights = newButton(tr("Rights of everyone"));
     body()->addWidget(rights, 0, Qt::AlignLeft);

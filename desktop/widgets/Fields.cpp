@@ -136,10 +136,9 @@ QLabel *newCaption(const QString &text, QWidget *field)
 QVBoxLayout *addFrame(QWidget *page, const QString &title)
 {
     auto *frame = new QGroupBox(title);
-    frame->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Maximum);
     auto *layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(frame);
-    layout->addStretch();
+    // Aligned it is as high as it needs at the width that it has, with texts that wrap.
+    layout->addWidget(frame, 0, Qt::AlignTop);
     return new QVBoxLayout(frame);
 }

@@ -104,6 +104,14 @@ inline QPoint shownAt(const QWidget *widget, const QWidget *window)
     return middle;
 }
 
+/// Whether the page is seen whole even beside a bar.
+inline bool isSeenWhole(const QScrollArea *area)
+{
+    const int room = area->viewport()->width();
+    return qMax(area->widget()->minimumSizeHint().height(), area->widget()->heightForWidth(room))
+        <= area->viewport()->height();
+}
+
 /// What is too small, nameless, cut off or out of the Tab key's order in `window`, a line each.
 inline QByteArray faults(const QWidget *window)
 {
@@ -113,6 +121,8 @@ inline QByteArray faults(const QWidget *window)
         const auto *area = qobject_cast<const QScrollArea *>(widget);
         if (area && area->isVisible() && area->horizontalScrollBar()->maximum() > 0)
             found += line("sideways: ", area->widget());
+        if (area && area->verticalScrollBar()->isVisible() && isSeenWhole(area))
+            found += line("needless bar: ", area->widget());
         if (!isTarget(widget))
             continue;
         if (widget->width() < finger || widget->height() < finger)

@@ -320,8 +320,8 @@
         <translation>Enable upload</translation>
     </message>
     <message>
-        <source>Instead of deleting and upload the rights of everyone hold. Browsers are then served by the standard answers alone.</source>
-        <translation>Instead of deleting and upload the rights of everyone hold. Browsers are then served by the standard answers alone.</translation>
+        <source>Instead of deleting and upload the rights of everyone hold. Where they differ from these two, browsers are refused unless the mode &quot;Standard&quot; is chosen: page &quot;Server&quot;, &quot;Answers&quot;.</source>
+        <translation>Instead of deleting and upload the rights of everyone hold. Where they differ from these two, browsers are refused unless the mode &quot;Standard&quot; is chosen: page &quot;Server&quot;, &quot;Answers&quot;.</translation>
     </message>
     <message>
         <source>Rights of everyone</source>

@@ -320,8 +320,8 @@
         <translation>Hochladen erlauben</translation>
     </message>
     <message>
-        <source>Instead of deleting and upload the rights of everyone hold. Browsers are then served by the standard answers alone.</source>
-        <translation>Statt Löschen und Hochladen gelten die Rechte aller. Browser werden dann nur mit den Standard-Antworten bedient.</translation>
+        <source>Instead of deleting and upload the rights of everyone hold. Where they differ from these two, browsers are refused unless the mode &quot;Standard&quot; is chosen: page &quot;Server&quot;, &quot;Answers&quot;.</source>
+        <translation>Statt Löschen und Hochladen gelten die Rechte aller. Wo sie von diesen beiden abweichen, werden Browser abgewiesen, außer der Modus „Standard“ ist gewählt: Seite „Server“, „Antworten“.</translation>
     </message>
     <message>
         <source>Rights of everyone</source>

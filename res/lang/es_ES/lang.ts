@@ -320,8 +320,8 @@
         <translation>Permitir subir</translation>
     </message>
     <message>
-        <source>Instead of deleting and upload the rights of everyone hold. Browsers are then served by the standard answers alone.</source>
-        <translation>En lugar de borrar y subir rigen los derechos de todos. Los navegadores solo se atienden entonces con las respuestas estándar.</translation>
+        <source>Instead of deleting and upload the rights of everyone hold. Where they differ from these two, browsers are refused unless the mode &quot;Standard&quot; is chosen: page &quot;Server&quot;, &quot;Answers&quot;.</source>
+        <translation>En lugar de borrar y subir rigen los derechos de todos. Si difieren de estas dos opciones, se rechaza a los navegadores, salvo que se elija el modo «Estándar»: página «Servidor», «Respuestas».</translation>
     </message>
     <message>
         <source>Rights of everyone</source>

@@ -320,8 +320,8 @@
         <translation>Autoriser l’envoi</translation>
     </message>
     <message>
-        <source>Instead of deleting and upload the rights of everyone hold. Browsers are then served by the standard answers alone.</source>
-        <translation>Les droits de tous remplacent la suppression et l’envoi. Les navigateurs ne sont alors servis que par les réponses standard.</translation>
+        <source>Instead of deleting and upload the rights of everyone hold. Where they differ from these two, browsers are refused unless the mode &quot;Standard&quot; is chosen: page &quot;Server&quot;, &quot;Answers&quot;.</source>
+        <translation>Les droits de tous remplacent la suppression et l’envoi. Là où ils diffèrent de ces deux réglages, les navigateurs sont refusés, sauf si le mode « Standard » est choisi : page « Serveur », « Réponses ».</translation>
     </message>
     <message>
         <source>Rights of everyone</source>
