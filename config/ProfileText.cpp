@@ -401,6 +401,15 @@ TextState readText(const QString &textFile, ProfileValues *values)
     return speaksOfProtection(content) ? TextState::Unreadable : TextState::Damaged;
 }
 
+bool copyText(const QString &from, const QString &to)
+{
+    QFile source(textFileOf(from));
+    const QString target = textFileOf(to);
+    if (isMissing(source.fileName()))
+        return isMissing(target) || QFile::remove(target);
+    return source.open(QIODevice::ReadOnly) && writePrivate(target, source.readAll());
+}
+
 bool writeText(const QString &textFile, const ProfileValues &values)
 {
     QFile file(textFile);

@@ -25,6 +25,10 @@ QString textFileOf(const QString &profileFile);
 /// defaults, all of them when it can't be used.
 TextState readText(const QString &textFile, ProfileValues *values);
 
+/// Gives the profile file `to` a text file like that of `from`, or none when that has none. False
+/// when that fails.
+bool copyText(const QString &from, const QString &to);
+
 /// Writes the values into the text file, readable by its owner alone, where they differ from what
 /// it says. False when it can't be written; the file then keeps its content.
 bool writeText(const QString &textFile, const ProfileValues &values);

@@ -1,7 +1,10 @@
 #include "config/Profiles.h"
 
+#include "config/ProfileText.h"
+
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 
 #include <algorithm>
 
@@ -13,6 +16,21 @@ Profile *firstWhere(const std::vector<std::unique_ptr<Profile>> &all, Test test)
     const auto found =
         std::find_if(all.begin(), all.end(), [&test](const auto &each) { return test(*each); });
     return found == all.end() ? nullptr : found->get();
+}
+
+/// A stored copy; null when it can't be written.
+std::unique_ptr<Profile> storedAs(const Profile &origin, const QString &name)
+{
+    std::unique_ptr<Profile> copy = origin.clone();
+    copy->setFileName(name);
+    copy->name = name;
+    // First, as saving keeps the lines that only another program understands.
+    if (!copyText(origin.fileName(), copy->fileName()))
+        return {};
+    if (copy->save())
+        return copy;
+    copy->remove();
+    return {};
 }
 
 } // namespace
@@ -87,6 +105,34 @@ Profile *Profiles::add(std::unique_ptr<Profile> profile)
 {
     all.push_back(std::move(profile));
     return all.back().get();
+}
+
+Profile *Profiles::duplicate(const Profile *origin, const QString &name)
+{
+    std::unique_ptr<Profile> copy = storedAs(*origin, name);
+    return copy ? add(std::move(copy)) : nullptr;
+}
+
+bool Profiles::rename(Profile *profile, const QString &name)
+{
+    if (profile == global()) {
+        const QString former = profile->name;
+        if (profile->amend([&name](Profile &each) { each.name = name; }))
+            return true;
+        profile->name = former;
+        return false;
+    }
+    const std::unique_ptr<Profile> renamed = storedAs(*profile, name);
+    if (!renamed)
+        return false;
+    Profile former(m_directories);
+    former.apply(profile);
+    if (!former.remove() && QFile::exists(former.fileName())) {
+        renamed->remove();
+        return false;
+    }
+    profile->apply(renamed.get());
+    return true;
 }
 
 bool Profiles::remove(Profile *profile)

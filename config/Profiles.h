@@ -37,7 +37,13 @@ public:
     /// is none of these.
     Profile *original(const Profile *profile) const;
 
-    Profile *add(std::unique_ptr<Profile> profile);
+    /// A new profile of the values of `origin`, stored under `name` with all that the text file of
+    /// `origin` says. Null when it can't be written. The name is free, and one for a file.
+    Profile *duplicate(const Profile *origin, const QString &name);
+
+    /// Stores the profile under another such name; who runs with it goes on. The file of the global
+    /// one keeps its own. False when that fails; nothing has changed then.
+    bool rename(Profile *profile, const QString &name);
 
     /// Deletes the profile and its file; false when the file can't be deleted.
     bool remove(Profile *profile);
@@ -45,6 +51,7 @@ public:
 private:
     Q_DISABLE_COPY(Profiles)
 
+    Profile *add(std::unique_ptr<Profile> profile);
     void loadGlobal();
     void loadOthers();
 

@@ -13,7 +13,6 @@
 #include <QLabel>
 
 #include <algorithm>
-#include <memory>
 
 namespace {
 
@@ -38,6 +37,12 @@ QString listedName(const Profile *profile)
     return profile->name.isEmpty() ? QFileInfo(profile->fileName()).fileName() : profile->name;
 }
 
+QString cantWrite(const Profiles &profiles, const QString &name)
+{
+    return ProfileDialog::tr("Can't write file: ") + profiles.directories().profiles + name
+        + QLatin1String(Profile::fileSuffix);
+}
+
 } // namespace
 
 ProfileDialog::ProfileDialog(Profiles *choice, ProfileUser *user, QWidget *parent)
@@ -53,18 +58,24 @@ ProfileDialog::ProfileDialog(Profiles *choice, ProfileUser *user, QWidget *paren
 
     const QString caption = tr("Select profile or edit profile name");
     QPushButton *create = newButton(tr("New profile"));
+    QPushButton *duplicate = newButton(tr("Duplicate profile"));
+    QPushButton *rename = newButton(tr("Rename profile"));
     QPushButton *remove = newButton(tr("Remove profile"));
 
     auto *grid = new QGridLayout(this);
     grid->addWidget(newCaption(caption, list), 0, 0, 1, 2);
     grid->addWidget(list, 1, 0, 1, 2);
     grid->addWidget(create, 2, 0);
-    grid->addWidget(remove, 2, 1);
-    grid->addWidget(new OkCancelButtons(this), 4, 0, 1, 2);
+    grid->addWidget(duplicate, 2, 1);
+    grid->addWidget(rename, 3, 0);
+    grid->addWidget(remove, 3, 1);
+    grid->addWidget(new OkCancelButtons(this), 5, 0, 1, 2);
 
-    grid->setRowStretch(3, 1);
+    grid->setRowStretch(4, 1);
 
-    connect(create, &QPushButton::clicked, this, &ProfileDialog::newProfile);
+    connect(create, &QPushButton::clicked, this, [this] { addCopyOf(profiles->global(), {}); });
+    connect(duplicate, &QPushButton::clicked, this, &ProfileDialog::duplicateProfile);
+    connect(rename, &QPushButton::clicked, this, &ProfileDialog::renameProfile);
     connect(remove, &QPushButton::clicked, this, &ProfileDialog::removeProfile);
     // An address that disappears takes its item along, whether or not this dialog is open.
     if (auto *object = dynamic_cast<QObject *>(user))
@@ -94,31 +105,53 @@ void ProfileDialog::accept()
     QDialog::accept();
 }
 
-void ProfileDialog::newProfile()
+/// Of a new profile; empty when the user gives none that is free.
+QString ProfileDialog::askName(const QString &proposed)
 {
-    const QString name = InputDialog::ask(tr("Profile name"), {}, this).value_or(QString());
+    const QString name = InputDialog::ask(tr("Profile name"), proposed, this).value_or(QString());
     if (name.isEmpty())
-        return;
+        return {};
     const QString reason = refusal(*profiles, name);
-    if (!reason.isEmpty()) {
+    if (!reason.isEmpty())
         warn(this, reason);
-        return;
-    }
-
-    std::unique_ptr<Profile> profile = profiles->global()->clone();
-    profile->setFileName(name);
-    profile->name = name;
-    if (profile->save())
-        addProfile(std::move(profile));
-    else
-        warn(this, tr("Can't write file: ") + profile->fileName());
+    return reason.isEmpty() ? name : QString();
 }
 
-void ProfileDialog::addProfile(std::unique_ptr<Profile> profile)
+void ProfileDialog::addCopyOf(const Profile *origin, const QString &proposed)
 {
-    list->addItem(listedName(profile.get()));
-    profiles->add(std::move(profile));
+    const QString name = askName(proposed);
+    if (name.isEmpty())
+        return;
+    const Profile *made = profiles->duplicate(origin, name);
+    if (!made)
+        return warn(this, cantWrite(*profiles, name));
+    list->addItem(listedName(made));
     list->setCurrentIndex(list->count() - 1);
+}
+
+void ProfileDialog::duplicateProfile()
+{
+    const Profile *origin = readableProfile();
+    if (!origin)
+        return;
+    int number = 2;
+    const auto numbered = [&] { return QStringLiteral("%1 %2").arg(origin->name).arg(number); };
+    while (profiles->find(numbered()))
+        ++number;
+    addCopyOf(origin, numbered());
+}
+
+void ProfileDialog::renameProfile()
+{
+    const Profile *profile = readableProfile();
+    const QString former = profile ? profile->name : QString();
+    const QString name = profile ? askName(former) : QString();
+    if (name.isEmpty())
+        return;
+    if (!profiles->rename(chosenProfile(), name))
+        return warn(this, cantWrite(*profiles, name));
+    list->setItemText(list->currentIndex(), name);
+    Q_EMIT renamed(former, name);
 }
 
 void ProfileDialog::removeProfile()
@@ -141,4 +174,14 @@ Profile *ProfileDialog::chosenProfile() const
 {
     // The list shows them in their order.
     return profiles->at(list->currentIndex());
+}
+
+/// The chosen one. Null, with a word, when its file does not say what it holds.
+const Profile *ProfileDialog::readableProfile()
+{
+    const Profile *profile = chosenProfile();
+    if (!profile || profile->isUsable())
+        return profile;
+    warn(this, tr("This profile can't be used until its settings are saved."));
+    return nullptr;
 }

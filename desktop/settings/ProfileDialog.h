@@ -2,14 +2,12 @@
 
 #include <QDialog>
 
-#include <memory>
-
 class Profile;
 class Profiles;
 class ProfileUser;
 class QComboBox;
 
-/// Chooses the profile that a server item runs with, and makes and removes profiles.
+/// Chooses the profile that a server item runs with, and makes, renames and removes profiles.
 /// Run it with `exec()`; it gives up by itself when the item goes away meanwhile.
 class ProfileDialog : public QDialog
 {
@@ -24,13 +22,17 @@ public:
 
     void accept() override;
 
-private Q_SLOTS:
-    void newProfile();
-    void removeProfile();
+Q_SIGNALS:
+    void renamed(const QString &from, const QString &to);
 
 private:
-    void addProfile(std::unique_ptr<Profile> profile);
+    QString askName(const QString &proposed);
+    void addCopyOf(const Profile *origin, const QString &proposed);
+    void duplicateProfile();
+    void renameProfile();
+    void removeProfile();
     Profile *chosenProfile() const;
+    const Profile *readableProfile();
 
     ProfileUser *item;
     Profiles *profiles;

@@ -160,8 +160,12 @@ void AddressList::editProfile()
 
 void AddressList::changeProfile()
 {
-    if (ServerRow *row = rows->current())
-        ProfileDialog(profiles, row, window()).exec();
+    ServerRow *row = rows->current();
+    if (!row)
+        return;
+    ProfileDialog dialog(profiles, row, window());
+    connect(&dialog, &ProfileDialog::renamed, keeper, &RowKeeper::followRename);
+    dialog.exec();
 }
 
 std::optional<int> AddressList::askPort(const QString &title, const ServerRow *row,

@@ -204,6 +204,17 @@ void RowKeeper::restoreAddedPorts(const ServerRow *first, const QList<SavedRow> 
         m_rows.addPort(first)->takeState(fromFile(group));
 }
 
+void RowKeeper::followRename(const QString &from, const QString &to)
+{
+    saved.renameProfile(from, to);
+    if (single)
+        single->renameProfile(from, to);
+    const QList<ServerRow *> &all = m_rows.all();
+    for (ServerRow *row : all)
+        row->followRename(from, to);
+    saveSoon();
+}
+
 // --- the end ------------------------------------------------------------------------------------
 
 void RowKeeper::saveSoon()

@@ -44,6 +44,9 @@ public:
     /// served too, and one that was served goes on when it is back.
     void lookForChanges() { network.lookForChanges(); }
 
+    /// A profile has another name; rows are saved by it.
+    void followRename(const QString &from, const QString &to);
+
     /// Stops all servers, saves the rows and lets them go. False when they can't be written.
     bool end();
 

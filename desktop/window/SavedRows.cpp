@@ -46,6 +46,18 @@ void SavedRow::write(QSettings *settings, int index) const
     settings->endGroup();
 }
 
+bool SavedRow::renameProfile(const QString &from, const QString &to)
+{
+    bool ranWithIt = false;
+    for (QString *name : { &profile, &formerProfile }) {
+        if (*name != from)
+            continue;
+        *name = to;
+        ranWithIt = true;
+    }
+    return ranWithIt;
+}
+
 SavedRows::SavedRows(const QString &fileName)
     : file(fileName, QSettings::IniFormat)
 {
@@ -92,6 +104,17 @@ QList<SavedRow> SavedRows::take(const QString &address)
     std::move(first, gone.end(), std::back_inserter(taken));
     gone.erase(first, gone.end());
     return taken;
+}
+
+void SavedRows::renameProfile(const QString &from, const QString &to)
+{
+    for (SavedRow &row : gone)
+        row.renameProfile(from, to);
+    // Those of addresses that were not there in this run stand in the file alone.
+    for (int group = 0; group < int(stored.size()); ++group) {
+        if (stored[group].renameProfile(from, to))
+            file.setValue(QString::number(group) + QLatin1Char('/') + profileKey, to);
+    }
 }
 
 void SavedRows::forgetRunning()

@@ -18,6 +18,9 @@ struct SavedRow
 
     static SavedRow read(QSettings *settings, int index);
     void write(QSettings *settings, int index) const;
+
+    /// False when it ran with other profiles.
+    bool renameProfile(const QString &from, const QString &to);
 };
 
 /// The file "list.ini" and, within a run, the rows whose address went away.
@@ -46,6 +49,9 @@ public:
 
     /// The groups of the ports that were added to `address`.
     QList<int> addedPorts(const QString &address) const;
+
+    /// A profile has another name, in the file too.
+    void renameProfile(const QString &from, const QString &to);
 
     /// Remembers a row whose address went away.
     void keep(const SavedRow &row) { gone.append(row); }

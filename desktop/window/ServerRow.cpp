@@ -112,10 +112,10 @@ void ServerRow::start()
     if (refusal.forKeys)
         return Q_EMIT keysRefused(refusal.text);
     if (!refusal.title.isEmpty())
-        return tell(refusal.title, refusal.text);
+        return setup->sink->msg(refusal.title, refusal.text);
     const QString path = m_server->shared().filePath();
     if (!QFileInfo::exists(path))
-        tell(missingText(path), tr("Choose what to share."));
+        setup->sink->msg(missingText(path), tr("Choose what to share."));
 }
 
 /// Empty when the keys can be used, or none are needed.
@@ -180,7 +180,7 @@ void ServerRow::restoreContent(const QString &path)
     if (refusal.isEmpty())
         return;
     missing = path;
-    tell(refusal, tr("Shared now: %1").arg(m_server->shared().absoluteFilePath()));
+    setup->sink->msg(refusal, tr("Shared now: %1").arg(m_server->shared().absoluteFilePath()));
 }
 
 void ServerRow::useProfile(Profile *profile)
@@ -196,6 +196,13 @@ void ServerRow::useFormerProfile()
 {
     if (Profile *known = profiles->find(former))
         useProfile(known);
+}
+
+void ServerRow::followRename(const QString &from, const QString &to)
+{
+    if (former == from)
+        former = to;
+    Q_EMIT changed();
 }
 
 void ServerRow::profileChanged(int oldPort)
@@ -231,9 +238,4 @@ void ServerRow::takeState(const SavedRow &saved)
     restoreContent(saved.file.isEmpty() ? QDir::homePath() : saved.file);
     setPort(saved.port > 0 ? saved.port : profiles->global()->port);
     Q_EMIT changed();
-}
-
-void ServerRow::tell(const QString &title, const QString &text) const
-{
-    setup->sink->msg(title, text);
 }

@@ -79,6 +79,9 @@ public:
     QString formerProfile() const { return former; }
     void useFormerProfile();
 
+    /// A profile, perhaps one of these, has another name.
+    void followRename(const QString &from, const QString &to);
+
     /// Whether a transfer runs, as far as the counts of the last seconds tell.
     bool isTransferring() const;
     void lookAtTraffic() { pace.look(trafficBytes()); }
@@ -108,7 +111,6 @@ private:
     QString keyProblem() const;
     void stopWithoutKeys();
     void restoreContent(const QString &path);
-    void tell(const QString &title, const QString &text) const;
 
     const Profiles *profiles;
     std::shared_ptr<const ServerSetup> setup;

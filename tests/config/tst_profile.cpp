@@ -47,6 +47,7 @@ private Q_SLOTS:
     void comparesAndCopiesWhatAnEditorChanges();
     void admitsNobodyByANamelessAccount();
     void keepsMoreValuesAsText();
+    void takesAllFilesToAnotherName();
     void keepsRightsOfAccounts();
     void keepsHashesOutOfTheRecord();
     void tellsACrashFromANeighbour();
@@ -269,6 +270,39 @@ void TestProfile::keepsMoreValuesAsText()
 
     QVERIFY(work.remove());
     QVERIFY(!QFile::exists(home->directories.profiles + file));
+}
+
+void TestProfile::takesAllFilesToAnotherName()
+{
+    const QByteArray text = "; mine\nmode = standard\n";
+    home->storeProfile(QStringLiteral("work"));
+    home->writeProfile(QStringLiteral("work.cnf.ini"), text);
+    home->restart();
+    Profile *work = home->profiles->find(QStringLiteral("work"));
+    const auto filesOf = [this](const char *name) {
+        const QStringList all = QDir(home->directories.profiles).entryList(QDir::Files, QDir::Name);
+        return all.filter(QLatin1String(name)).join(QLatin1Char(' '));
+    };
+    QVERIFY(QDir().mkpath(home->directories.profiles + QStringLiteral("no.cnf.ini")));
+    QVERIFY(!home->profiles->rename(work, QStringLiteral("no")));
+    QVERIFY(!home->profiles->duplicate(work, QStringLiteral("no")));
+    QCOMPARE(work->name, QStringLiteral("work"));
+    QVERIFY(filesOf("no.cnf").isEmpty());
+
+    QVERIFY(home->profiles->rename(work, QStringLiteral("play")));
+    QVERIFY(home->profiles->duplicate(work, QStringLiteral("rest")));
+    QVERIFY(home->profiles->rename(global(), QStringLiteral("usual")));
+    QVERIFY(filesOf("work").isEmpty());
+    for (const char *name : { "play", "rest" }) {
+        const QString file = QLatin1String(name) + QLatin1String(".cnf");
+        QCOMPARE(filesOf(name), QStringLiteral("%1 %1.ini %1.sum").arg(file));
+        QCOMPARE(home->profileBytes(file + QLatin1String(".ini")), text);
+        const Profile stored(home->directories, file);
+        QVERIFY(stored.isUsable() && stored.name == QLatin1String(name));
+    }
+    home->restart();
+    QCOMPARE(global()->name, QStringLiteral("usual"));
+    QCOMPARE(home->profiles->count(), 3);
 }
 
 void TestProfile::keepsRightsOfAccounts()

@@ -262,15 +262,24 @@ private Q_SLOTS:
         item->used = global;
         show<ProfileDialog>(home->profiles.get(), item.get(), nullptr);
         SmallScreens::check(dialog.get(), QStringLiteral("profile"));
-        const auto create = [this](const char *name) {
-            const auto answer = [name](QDialog *asking) {
-                retype(named<QWidget>(asking, "Profile name"), name);
+        const auto name = [this](const char *button, const char *typed) {
+            const auto answer = [typed](QDialog *asking) {
+                if (*typed != '\0')
+                    retype(named<QWidget>(asking, "Profile name"), typed);
                 QTest::keyClick(asking, Qt::Key_Return);
             };
-            inModal<QDialog>([this] { click(dialog.get(), "New profile"); }, answer);
+            inModal<QDialog>([&] { click(dialog.get(), button); }, answer);
         };
-        QVERIFY(!boxText([&] { create("../evil"); }).isEmpty());
-        create("work 1");
+        for (const char *button : { "New profile", "Rename profile", "Duplicate profile" })
+            QVERIFY(!boxText([&] { name(button, "../evil"); }).isEmpty());
+        name("New profile", "work");
+        name("Duplicate profile", ""); // as proposed
+        QCOMPARE(home->profiles->count(), 3);
+        boxText([this] { click(dialog.get(), "Remove profile"); });
+        dialog->findChild<QComboBox *>()->setCurrentText(QStringLiteral("work"));
+        QVERIFY(!boxText([&] { name("Rename profile", "Default"); }).isEmpty());
+        name("Rename profile", "work 1");
+        QCOMPARE(dialog->findChild<QComboBox *>()->currentText(), QStringLiteral("work 1"));
         QCOMPARE(home->profiles->count(), 2);
         Profile *made = home->profiles->at(1);
         const QString file = made->fileName();

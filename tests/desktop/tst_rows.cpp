@@ -326,6 +326,29 @@ private Q_SLOTS:
         QCOMPARE(QFile::exists(device.path(".quillon/list.ini.bad")), saved.startsWith('\xff'));
     }
 
+    void rowsFollowARenamedProfile()
+    {
+        Rows device({}, 1);
+        device.home.storeProfile(QStringLiteral("work"));
+        device.reopen();
+        Profile *work = device.home.profiles->find(QStringLiteral("work"));
+        device.row()->useProfile(work);
+        device.row()->start();
+        QVERIFY(device.home.profiles->rename(work, QStringLiteral("play")));
+        device.keeper->followRename(QStringLiteral("work"), QStringLiteral("play"));
+        QVERIFY(device.row()->isListening());
+        QCOMPARE(device.row()->profile(), work);
+        device.addresses.clear(); // one that is away is kept by its name too
+        device.keeper->lookForChanges();
+        QVERIFY(device.home.profiles->rename(work, QStringLiteral("rest")));
+        device.keeper->followRename(QStringLiteral("play"), QStringLiteral("rest"));
+        device.addresses.append(QStringLiteral("127.0.0.1"));
+        device.keeper->lookForChanges();
+        QCOMPARE(device.row()->profile(), work);
+        device.reopen();
+        QCOMPARE(device.row()->profile()->name, QStringLiteral("rest"));
+    }
+
     void loginIsNotLostUnseen()
     {
         Rows device(inExpertMode());
@@ -471,8 +494,7 @@ private Q_SLOTS:
     void editedProfileReachesItsRows()
     {
         Rows device(inExpertMode(), 2);
-        Profile *work = device.home.profiles->add(device.global()->clone());
-        work->setFileName(QStringLiteral("work"));
+        Profile *work = device.home.profiles->duplicate(device.global(), QStringLiteral("work"));
         device.row(1)->useProfile(work);
         const std::unique_ptr<Profile> copy = work->clone();
         copy->dataLimit = 77;

@@ -967,6 +967,18 @@
         <source>Remove the profile &quot;%1&quot; and its users?</source>
         <translation>Remove the profile &quot;%1&quot; and its users?</translation>
     </message>
+    <message>
+        <source>Duplicate profile</source>
+        <translation>Duplicate profile</translation>
+    </message>
+    <message>
+        <source>Rename profile</source>
+        <translation>Rename profile</translation>
+    </message>
+    <message>
+        <source>This profile can't be used until its settings are saved.</source>
+        <translation>This profile can't be used until its settings are saved.</translation>
+    </message>
 </context>
 <context>
     <name>Reachability</name>

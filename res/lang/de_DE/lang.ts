@@ -967,6 +967,18 @@
         <source>Remove the profile &quot;%1&quot; and its users?</source>
         <translation>Das Profil „%1“ und seine Benutzer entfernen?</translation>
     </message>
+    <message>
+        <source>Duplicate profile</source>
+        <translation>Profil duplizieren</translation>
+    </message>
+    <message>
+        <source>Rename profile</source>
+        <translation>Profil umbenennen</translation>
+    </message>
+    <message>
+        <source>This profile can't be used until its settings are saved.</source>
+        <translation>Dieses Profil ist erst zu gebrauchen, wenn seine Einstellungen gespeichert sind.</translation>
+    </message>
 </context>
 <context>
     <name>Reachability</name>

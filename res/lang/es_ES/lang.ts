@@ -967,6 +967,18 @@
         <source>Remove the profile &quot;%1&quot; and its users?</source>
         <translation>¿Quitar el perfil «%1» y sus usuarios?</translation>
     </message>
+    <message>
+        <source>Duplicate profile</source>
+        <translation>Duplicar perfil</translation>
+    </message>
+    <message>
+        <source>Rename profile</source>
+        <translation>Renombrar perfil</translation>
+    </message>
+    <message>
+        <source>This profile can't be used until its settings are saved.</source>
+        <translation>Este perfil no se puede usar hasta que se guarden sus ajustes.</translation>
+    </message>
 </context>
 <context>
     <name>Reachability</name>

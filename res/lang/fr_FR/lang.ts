@@ -967,6 +967,18 @@
         <source>Remove the profile &quot;%1&quot; and its users?</source>
         <translation>Supprimer le profil « %1 » et ses utilisateurs ?</translation>
     </message>
+    <message>
+        <source>Duplicate profile</source>
+        <translation>Dupliquer le profil</translation>
+    </message>
+    <message>
+        <source>Rename profile</source>
+        <translation>Renommer le profil</translation>
+    </message>
+    <message>
+        <source>This profile can't be used until its settings are saved.</source>
+        <translation>Ce profil n’est utilisable qu’une fois ses réglages enregistrés.</translation>
+    </message>
 </context>
 <context>
     <name>Reachability</name>
