@@ -14,6 +14,8 @@ packages_of() {
         echo librsvg2-bin graphicsmagick icoutils
         # The hash in which passwords are kept.
         echo libsodium-dev pkg-config
+        # Addresses as pictures that phones read.
+        echo libqrcodegencpp-dev
         echo openssl
         # Keeps the program of the previews from calls that it has no need of.
         echo libseccomp-dev

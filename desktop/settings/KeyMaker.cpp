@@ -67,6 +67,13 @@ QString freeName(const QString &folder)
     return name;
 }
 
+QSslCertificate certificateIn(const QString &file)
+{
+    QFile stored(file);
+    return stored.open(QIODevice::ReadOnly) ? QSslCertificate(&stored, QSsl::Pem)
+                                            : QSslCertificate();
+}
+
 } // namespace
 
 KeyMaker::KeyMaker(QString folder, QObject *parent)
@@ -125,22 +132,27 @@ void KeyMaker::fail(const QString &reason)
     deleteLater();
 }
 
-QString certificateFacts(const QString &file)
+QString certificateFingerprint(const QString &file)
 {
-    QFile stored(file);
-    if (!stored.open(QIODevice::ReadOnly))
-        return {};
-    const QSslCertificate certificate(&stored, QSsl::Pem);
+    const QSslCertificate certificate = certificateIn(file);
     if (certificate.isNull())
         return {};
     const QByteArray digest = certificate.digest(QCryptographicHash::Sha256);
     QStringList rows;
     for (int i = 0; i < digest.size(); i += bytesInARow)
         rows.append(QString::fromLatin1(digest.mid(i, bytesInARow).toHex(':').toUpper()));
+    return KeyMaker::tr("Fingerprint (SHA-256): %1")
+        .arg(QLatin1Char('\n') + rows.join(QLatin1Char('\n')));
+}
+
+QString certificateFacts(const QString &file)
+{
+    const QSslCertificate certificate = certificateIn(file);
+    if (certificate.isNull())
+        return {};
     QStringList names = certificate.subjectInfo(QSslCertificate::CommonName);
     names += certificate.subjectAlternativeNames().values();
     names.removeDuplicates();
-    return KeyMaker::tr("Fingerprint (SHA-256): %1")
-               .arg(QLatin1Char('\n') + rows.join(QLatin1Char('\n')))
-        + QLatin1Char('\n') + KeyMaker::tr("Names: %1").arg(names.join(QLatin1String(", ")));
+    return certificateFingerprint(file) + QLatin1Char('\n')
+        + KeyMaker::tr("Names: %1").arg(names.join(QLatin1String(", ")));
 }

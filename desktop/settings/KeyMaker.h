@@ -36,6 +36,10 @@ private:
     QProcess tool;
 };
 
+/// The SHA-256 fingerprint of the certificate in `file`, translated, in several lines. Empty when
+/// there is none.
+QString certificateFingerprint(const QString &file);
+
 /// What a user compares of the certificate in `file`: its SHA-256 fingerprint and the names that it
 /// is for, translated, a line each. Empty when there is none.
 QString certificateFacts(const QString &file);

@@ -6,6 +6,7 @@
 #include "desktop/widgets/InputDialog.h"
 #include "desktop/widgets/Prompts.h"
 #include "desktop/widgets/Touch.h"
+#include "desktop/window/AddressHero.h"
 #include "desktop/window/AddressTable.h"
 #include "desktop/window/Reachability.h"
 #include "desktop/window/RowKeeper.h"
@@ -42,6 +43,7 @@ void AddressList::buildWidgets()
     caption->setBuddy(m_table);
     m_startButton = new Finger<QPushButton>(this);
     m_startButton->setIconSize(buttonPicture);
+    m_hero = new AddressHero(this);
     m_statusLabel = new QLabel(this);
     m_statusLabel->setWordWrap(true);
     m_statusLabel->setTextInteractionFlags(Qt::TextSelectableByMouse
@@ -52,6 +54,7 @@ void AddressList::buildWidgets()
     layout->addWidget(caption);
     layout->addWidget(m_table, 1);
     layout->addWidget(m_startButton);
+    layout->addWidget(m_hero);
     layout->addWidget(m_statusLabel);
 }
 
@@ -74,6 +77,7 @@ void AddressList::connectRows()
     connect(rows, &ServerRows::runningChanged, this, &AddressList::showRunning);
     connect(keeper, &RowKeeper::loaded, this, &AddressList::showNetwork);
     connect(m_startButton, &QPushButton::clicked, this, &AddressList::startOrStop);
+    connect(m_hero, &AddressHero::othersChanged, this, &AddressList::showStatus);
     connect(m_table, &AddressTable::cellChosen, this, &AddressList::cellChosen);
 }
 
@@ -88,16 +92,16 @@ void AddressList::showRunning(bool running)
 
 void AddressList::showStatus()
 {
+    QList<ServerRow *> running = rows->shownRows();
+    running.erase(std::remove_if(running.begin(), running.end(),
+                                 [](const ServerRow *row) { return !row->isListening(); }),
+                  running.end());
+    m_hero->showRows(running);
     if (!rows->isRunning()) {
         m_statusLabel->setText(reach);
         return;
     }
-    QString text = tr("<center>Accessible on local network");
-    const QList<ServerRow *> shown = rows->shownRows();
-    for (const ServerRow *row : shown) {
-        if (row->isListening())
-            text += QLatin1String("<br>") + row->url();
-    }
+    const QString text = tr("<center>Accessible on local network") + m_hero->othersText();
     // That it is the local network alone stands above already.
     const bool more = reach != Reachability::localText();
     m_statusLabel->setText(text + QLatin1String("</center>") + (more ? reach : QString()));

@@ -4,6 +4,7 @@
 
 #include <optional>
 
+class AddressHero;
 class AddressTable;
 class Profile;
 class Profiles;
@@ -32,6 +33,7 @@ public:
 
     AddressTable *table() const { return m_table; }
     QPushButton *startButton() const { return m_startButton; }
+    AddressHero *hero() const { return m_hero; }
     QLabel *statusLabel() const { return m_statusLabel; }
 
 public Q_SLOTS:
@@ -63,6 +65,7 @@ private:
     AddressTable *m_table = nullptr;
     QMenu *rowMenu = nullptr;
     QPushButton *m_startButton = nullptr;
+    AddressHero *m_hero = nullptr;
     QLabel *m_statusLabel = nullptr;
     QString reach; ///< what is known beside the addresses
 };

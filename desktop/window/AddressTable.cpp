@@ -128,6 +128,11 @@ void AddressTable::popup(QMenu *menu, int row, int column)
     menu->popup(viewport()->mapToGlobal(cell.contains(cursor) ? cursor : cell.center()));
 }
 
+QSize AddressTable::sizeHint() const
+{
+    return { QTableWidget::sizeHint().width(), minimumSizeHint().height() };
+}
+
 QSize AddressTable::minimumSizeHint() const
 {
     const int header = horizontalHeader()->isHidden() ? 0 : horizontalHeader()->sizeHint().height();

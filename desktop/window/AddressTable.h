@@ -25,6 +25,9 @@ public:
 
     QSize minimumSizeHint() const override;
 
+    /// No more: the table takes what room there is, and is not to push the window's foot out of it.
+    QSize sizeHint() const override;
+
 Q_SIGNALS:
     /// The user wants what belongs to the cell. A state, which starts and stops, is only taken by
     /// the left button that is released where it was pressed; or by a key.

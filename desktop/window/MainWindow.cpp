@@ -4,6 +4,7 @@
 #include "desktop/widgets/Prompts.h"
 #include "desktop/widgets/Touch.h"
 #include "desktop/window/Activity.h"
+#include "desktop/window/AddressHero.h"
 #include "desktop/window/AddressList.h"
 #include "desktop/window/AddressTable.h"
 #include "desktop/window/EventHandler.h"
@@ -181,7 +182,9 @@ void MainWindow::layOut()
     setCentralWidget(scrolled(content));
     setAcceptDrops(true);
     QList<QWidget *> tabOrder = panel->tabOrder();
-    tabOrder += { addresses->table(), addresses->startButton(), addresses->statusLabel() };
+    tabOrder += { addresses->table(), addresses->startButton() };
+    tabOrder += addresses->hero()->tabOrder();
+    tabOrder += addresses->statusLabel();
     setTabOrders(tabOrder);
     addresses->startButton()->setFocus();
 
@@ -232,6 +235,7 @@ void MainWindow::connectMenus()
     connect(menu, &MainMenu::addressWanted, this, &MainWindow::copyAddress);
     connect(menu, &MainMenu::activityWanted, this, [this] { activity->show(this); });
     connect(events, &EventHandler::deedsDone, activity.get(), &Activity::note);
+    connect(addresses->hero(), &AddressHero::copyWanted, this, &MainWindow::copy);
     connect(menu, &MainMenu::settingsWanted, this, [this] { addresses->edit(profiles->global()); });
     connect(menu, &MainMenu::expertModeWanted, this, &MainWindow::setExpertMode);
     connect(panel, &RowPanel::settingsWanted, addresses, &AddressList::editProfile);
@@ -245,6 +249,11 @@ void MainWindow::copyAddress()
     const QString address = isMarked ? label->selectedText() : runningAddress(*rows());
     if (address.isEmpty())
         return events->statusmsg(tr("No server is running, so there is no address to copy."));
+    copy(address);
+}
+
+void MainWindow::copy(const QString &address)
+{
     QGuiApplication::clipboard()->setText(address);
     events->statusmsg(tr("Copied: %1").arg(address.toHtmlEscaped()));
 }

@@ -65,6 +65,7 @@ private:
     void connectReachability();
     void connectMenus();
     void copyAddress();
+    void copy(const QString &address);
     void askForPassword(ServerRow *row);
     void saveGeometryNow();
 

@@ -148,7 +148,8 @@ inline QByteArray faultsAt(QWidget *window, const QSize &size, const QString &na
 {
     window->show();
     window->resize(size);
-    // Pages settle in a few rounds of the event loop.
+    // Pages settle in a few rounds of the event loop, and may look whole before.
+    QTest::qWait(0);
     (void)QTest::qWaitFor([window] { return faults(window).isEmpty(); }, 1000);
     const QDir folder(QDir::cleanPath(QStringLiteral(__FILE__ "/../../artefacts/")));
     const QString picture = QStringLiteral("%1-%2.png").arg(name).arg(size.width());

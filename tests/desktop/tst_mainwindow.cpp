@@ -122,16 +122,26 @@ private Q_SLOTS:
         Desktop desktop;
         QPushButton *button = desktop.list()->startButton();
         const QLabel *label = desktop.list()->statusLabel();
+        const auto *address = desktop.list()->findChild<LinkLabel *>();
         QCOMPARE(label->text(), Reachability::localText());
         for (const char *text : { "Stop", "Start" }) {
             QTest::keyClick(button, Qt::Key_Space);
             QCOMPARE(button->text(), QLatin1String(text));
-            QCOMPARE(label->text().contains(desktop.row()->url()), desktop.row()->isListening());
+            QCOMPARE(address->isVisible(), desktop.row()->isListening());
         }
         desktop.row()->start();
         const QString open = publicAddressLabel({}, QStringLiteral("192.0.2.7"), 80);
         desktop.list()->showReach(open);
-        QVERIFY(label->text().contains(desktop.row()->url()) && label->text().endsWith(open));
+        QVERIFY(address->linkText() == desktop.row()->url() && label->text().endsWith(open));
+        click(desktop.list(), "Copy");
+        QCOMPARE(QGuiApplication::clipboard()->text(), desktop.row()->url());
+        inModal<QDialog>(
+            [&] { click(desktop.list(), "QR code"); },
+            [&](QDialog *asking) {
+                SmallScreens::check(asking, QStringLiteral("address"));
+                const auto *facts = named<QLabel>(asking, "What is shared");
+                QVERIFY(facts->text().endsWith(desktop.row()->server()->shared().fileName()));
+            });
         desktop.addresses.clear();
         desktop.window->keeper()->lookForChanges();
         QCOMPARE(label->text(), QStringLiteral("<center><b>Network not found</b></center>"));

@@ -1245,4 +1245,73 @@
         <translation>Names: %1</translation>
     </message>
 </context>
+<context>
+    <name>AddressHero</name>
+    <message>
+        <source>Copy</source>
+        <translation>Copy</translation>
+    </message>
+    <message>
+        <source>QR code</source>
+        <translation>QR code</translation>
+    </message>
+    <message>
+        <source>Copy the address</source>
+        <translation>Copy the address</translation>
+    </message>
+    <message>
+        <source>Show the address to a phone's camera</source>
+        <translation>Show the address to a phone's camera</translation>
+    </message>
+    <message>
+        <source>Further addresses, which others may not reach</source>
+        <translation>Further addresses, which others may not reach</translation>
+    </message>
+    <message>
+        <source>Cable</source>
+        <translation>Cable</translation>
+    </message>
+    <message>
+        <source>Wi-Fi</source>
+        <translation>Wi-Fi</translation>
+    </message>
+    <message>
+        <source>Mobile network</source>
+        <translation>Mobile network</translation>
+    </message>
+    <message>
+        <source>VPN</source>
+        <translation>VPN</translation>
+    </message>
+    <message>
+        <source>Containers</source>
+        <translation>Containers</translation>
+    </message>
+    <message>
+        <source>Shared: %1</source>
+        <translation>Shared: %1</translation>
+    </message>
+</context>
+<context>
+    <name>AddressDialog</name>
+    <message>
+        <source>Address</source>
+        <translation>Address</translation>
+    </message>
+    <message>
+        <source>What is shared</source>
+        <translation>What is shared</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Close</translation>
+    </message>
+</context>
+<context>
+    <name>QrCode</name>
+    <message>
+        <source>QR code: %1</source>
+        <translation>QR code: %1</translation>
+    </message>
+</context>
 </TS>

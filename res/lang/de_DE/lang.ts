@@ -1245,4 +1245,73 @@
         <translation>Namen: %1</translation>
     </message>
 </context>
+<context>
+    <name>AddressHero</name>
+    <message>
+        <source>Copy</source>
+        <translation>Kopieren</translation>
+    </message>
+    <message>
+        <source>QR code</source>
+        <translation>QR-Code</translation>
+    </message>
+    <message>
+        <source>Copy the address</source>
+        <translation>Die Adresse kopieren</translation>
+    </message>
+    <message>
+        <source>Show the address to a phone's camera</source>
+        <translation>Die Adresse der Kamera eines Telefons zeigen</translation>
+    </message>
+    <message>
+        <source>Further addresses, which others may not reach</source>
+        <translation>Weitere Adressen, die andere vielleicht nicht erreichen</translation>
+    </message>
+    <message>
+        <source>Cable</source>
+        <translation>Kabel</translation>
+    </message>
+    <message>
+        <source>Wi-Fi</source>
+        <translation>WLAN</translation>
+    </message>
+    <message>
+        <source>Mobile network</source>
+        <translation>Mobilfunk</translation>
+    </message>
+    <message>
+        <source>VPN</source>
+        <translation>VPN</translation>
+    </message>
+    <message>
+        <source>Containers</source>
+        <translation>Container</translation>
+    </message>
+    <message>
+        <source>Shared: %1</source>
+        <translation>Freigegeben: %1</translation>
+    </message>
+</context>
+<context>
+    <name>AddressDialog</name>
+    <message>
+        <source>Address</source>
+        <translation>Adresse</translation>
+    </message>
+    <message>
+        <source>What is shared</source>
+        <translation>Was freigegeben ist</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Schließen</translation>
+    </message>
+</context>
+<context>
+    <name>QrCode</name>
+    <message>
+        <source>QR code: %1</source>
+        <translation>QR-Code: %1</translation>
+    </message>
+</context>
 </TS>

@@ -1245,4 +1245,73 @@
         <translation>Nombres: %1</translation>
     </message>
 </context>
+<context>
+    <name>AddressHero</name>
+    <message>
+        <source>Copy</source>
+        <translation>Copiar</translation>
+    </message>
+    <message>
+        <source>QR code</source>
+        <translation>Código QR</translation>
+    </message>
+    <message>
+        <source>Copy the address</source>
+        <translation>Copiar la dirección</translation>
+    </message>
+    <message>
+        <source>Show the address to a phone's camera</source>
+        <translation>Mostrar la dirección a la cámara de un teléfono</translation>
+    </message>
+    <message>
+        <source>Further addresses, which others may not reach</source>
+        <translation>Más direcciones, que quizá otros no alcancen</translation>
+    </message>
+    <message>
+        <source>Cable</source>
+        <translation>Cable</translation>
+    </message>
+    <message>
+        <source>Wi-Fi</source>
+        <translation>Wi-Fi</translation>
+    </message>
+    <message>
+        <source>Mobile network</source>
+        <translation>Red móvil</translation>
+    </message>
+    <message>
+        <source>VPN</source>
+        <translation>VPN</translation>
+    </message>
+    <message>
+        <source>Containers</source>
+        <translation>Contenedores</translation>
+    </message>
+    <message>
+        <source>Shared: %1</source>
+        <translation>Compartido: %1</translation>
+    </message>
+</context>
+<context>
+    <name>AddressDialog</name>
+    <message>
+        <source>Address</source>
+        <translation>Dirección</translation>
+    </message>
+    <message>
+        <source>What is shared</source>
+        <translation>Qué se comparte</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Cerrar</translation>
+    </message>
+</context>
+<context>
+    <name>QrCode</name>
+    <message>
+        <source>QR code: %1</source>
+        <translation>Código QR: %1</translation>
+    </message>
+</context>
 </TS>

@@ -1245,4 +1245,73 @@
         <translation>Noms : %1</translation>
     </message>
 </context>
+<context>
+    <name>AddressHero</name>
+    <message>
+        <source>Copy</source>
+        <translation>Copier</translation>
+    </message>
+    <message>
+        <source>QR code</source>
+        <translation>Code QR</translation>
+    </message>
+    <message>
+        <source>Copy the address</source>
+        <translation>Copier l’adresse</translation>
+    </message>
+    <message>
+        <source>Show the address to a phone's camera</source>
+        <translation>Montrer l’adresse à l’appareil photo d’un téléphone</translation>
+    </message>
+    <message>
+        <source>Further addresses, which others may not reach</source>
+        <translation>Autres adresses, que d’autres n’atteignent peut-être pas</translation>
+    </message>
+    <message>
+        <source>Cable</source>
+        <translation>Câble</translation>
+    </message>
+    <message>
+        <source>Wi-Fi</source>
+        <translation>Wi-Fi</translation>
+    </message>
+    <message>
+        <source>Mobile network</source>
+        <translation>Réseau mobile</translation>
+    </message>
+    <message>
+        <source>VPN</source>
+        <translation>VPN</translation>
+    </message>
+    <message>
+        <source>Containers</source>
+        <translation>Conteneurs</translation>
+    </message>
+    <message>
+        <source>Shared: %1</source>
+        <translation>Partagé : %1</translation>
+    </message>
+</context>
+<context>
+    <name>AddressDialog</name>
+    <message>
+        <source>Address</source>
+        <translation>Adresse</translation>
+    </message>
+    <message>
+        <source>What is shared</source>
+        <translation>Ce qui est partagé</translation>
+    </message>
+    <message>
+        <source>&amp;Close</source>
+        <translation>&amp;Fermer</translation>
+    </message>
+</context>
+<context>
+    <name>QrCode</name>
+    <message>
+        <source>QR code: %1</source>
+        <translation>Code QR : %1</translation>
+    </message>
+</context>
 </TS>
