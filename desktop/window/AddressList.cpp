@@ -6,8 +6,10 @@
 #include "desktop/widgets/InputDialog.h"
 #include "desktop/widgets/Prompts.h"
 #include "desktop/widgets/Touch.h"
+#include "desktop/widgets/TurningRow.h"
 #include "desktop/window/AddressHero.h"
 #include "desktop/window/AddressTable.h"
+#include "desktop/window/PermissionButton.h"
 #include "desktop/window/Reachability.h"
 #include "desktop/window/RowKeeper.h"
 #include "desktop/window/ServerRow.h"
@@ -43,17 +45,22 @@ void AddressList::buildWidgets()
     caption->setBuddy(m_table);
     m_startButton = new Finger<QPushButton>(this);
     m_startButton->setIconSize(buttonPicture);
+    m_permission = new PermissionButton(profiles, rows, this);
     m_hero = new AddressHero(this);
     m_statusLabel = new QLabel(this);
     m_statusLabel->setWordWrap(true);
     m_statusLabel->setTextInteractionFlags(Qt::TextSelectableByMouse
                                            | Qt::TextSelectableByKeyboard);
 
+    auto *buttons = new TurningRow;
+    buttons->add(m_startButton, 1);
+    buttons->add(m_permission, 1);
+
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->addWidget(caption);
     layout->addWidget(m_table, 1);
-    layout->addWidget(m_startButton);
+    layout->addWidget(buttons);
     layout->addWidget(m_hero);
     layout->addWidget(m_statusLabel);
 }
@@ -77,6 +84,7 @@ void AddressList::connectRows()
     connect(rows, &ServerRows::runningChanged, this, &AddressList::showRunning);
     connect(keeper, &RowKeeper::loaded, this, &AddressList::showNetwork);
     connect(m_startButton, &QPushButton::clicked, this, &AddressList::startOrStop);
+    connect(m_permission, &PermissionButton::settingsWanted, this, &AddressList::edit);
     connect(m_hero, &AddressHero::othersChanged, this, &AddressList::showStatus);
     connect(m_table, &AddressTable::cellChosen, this, &AddressList::cellChosen);
 }
@@ -154,6 +162,7 @@ void AddressList::edit(Profile *profile, int page)
 {
     SettingsDialog::edit(profile, { profile == profiles->global(), rootMode }, rows, window(),
                          page);
+    m_permission->showProfile();
 }
 
 void AddressList::editProfile()

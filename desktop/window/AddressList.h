@@ -6,6 +6,7 @@
 
 class AddressHero;
 class AddressTable;
+class PermissionButton;
 class Profile;
 class Profiles;
 class QLabel;
@@ -33,6 +34,7 @@ public:
 
     AddressTable *table() const { return m_table; }
     QPushButton *startButton() const { return m_startButton; }
+    PermissionButton *permissionButton() const { return m_permission; }
     AddressHero *hero() const { return m_hero; }
     QLabel *statusLabel() const { return m_statusLabel; }
 
@@ -65,6 +67,7 @@ private:
     AddressTable *m_table = nullptr;
     QMenu *rowMenu = nullptr;
     QPushButton *m_startButton = nullptr;
+    PermissionButton *m_permission = nullptr;
     AddressHero *m_hero = nullptr;
     QLabel *m_statusLabel = nullptr;
     QString reach; ///< what is known beside the addresses

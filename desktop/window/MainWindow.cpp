@@ -9,6 +9,7 @@
 #include "desktop/window/AddressTable.h"
 #include "desktop/window/EventHandler.h"
 #include "desktop/window/MainMenu.h"
+#include "desktop/window/PermissionButton.h"
 #include "desktop/window/RowPanel.h"
 #include "desktop/window/ServerRow.h"
 #include "desktop/window/StartQuestions.h"
@@ -182,7 +183,7 @@ void MainWindow::layOut()
     setCentralWidget(scrolled(content));
     setAcceptDrops(true);
     QList<QWidget *> tabOrder = panel->tabOrder();
-    tabOrder += { addresses->table(), addresses->startButton() };
+    tabOrder += { addresses->table(), addresses->startButton(), addresses->permissionButton() };
     tabOrder += addresses->hero()->tabOrder();
     tabOrder += addresses->statusLabel();
     setTabOrders(tabOrder);

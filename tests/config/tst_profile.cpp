@@ -1,3 +1,4 @@
+#include "config/Permission.h"
 #include "config/Profiles.h"
 #include "tests/support/FullDisk.h"
 #include "tests/support/LiveServer.h"
@@ -49,6 +50,7 @@ private Q_SLOTS:
     void keepsMoreValuesAsText();
     void takesAllFilesToAnotherName();
     void keepsRightsOfAccounts();
+    void saysInWordsWhatIsAllowed();
     void keepsHashesOutOfTheRecord();
     void tellsACrashFromANeighbour();
 
@@ -346,6 +348,30 @@ void TestProfile::keepsRightsOfAccounts()
     QCOMPARE(home->profileBytes(file), QByteArray("account.a ="));
     QVERIFY(QFile::remove(home->directories.profiles + file));
     QVERIFY(work.load() && work.save() && Profile(home->directories, name).isUsable());
+}
+
+void TestProfile::saysInWordsWhatIsAllowed()
+{
+    ProfileValues values;
+    QCOMPARE(permissionOf(values), Permission::ChangeEverything);
+    values.enableDelete = 0; // of the classic answers alone some methods keep to it
+    QCOMPARE(permissionOf(values), Permission::AsSet);
+    for (const int mode : { FaceClassic, FaceAuto, FaceStandard }) {
+        for (const auto wanted : { Permission::Look, Permission::AddOnly, Permission::LookAndAdd,
+                                   Permission::ChangeEverything }) {
+            values.faceMode = mode;
+            permit(wanted, &values);
+            QCOMPARE(permissionOf(values), wanted);
+            // Else classic answers would refuse everybody.
+            QVERIFY(values.faceMode == FaceStandard
+                    || values.rightsOfEveryone() == values.switchedRights());
+        }
+    }
+    values.everyone = Right::See;
+    QCOMPARE(permissionOf(values), Permission::AsSet);
+    permit(Permission::Look, &values);
+    values.accountRights.insert(QStringLiteral("anna"), {});
+    QCOMPARE(permissionOf(values), Permission::AsSet);
 }
 
 void TestProfile::keepsHashesOutOfTheRecord()

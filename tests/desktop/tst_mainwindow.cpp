@@ -3,6 +3,7 @@
 #include "desktop/widgets/PageView.h"
 #include "desktop/window/AddressTable.h"
 #include "desktop/window/FileMenu.h"
+#include "desktop/window/PermissionButton.h"
 #include "desktop/window/WebServices.h"
 #include "tests/desktop/Desktop.h"
 #include "tests/desktop/Widgets.h"
@@ -20,7 +21,8 @@ class tst_mainwindow : public QObject
     {
         const QList<QAction *> all = desktop.window->findChildren<QAction *>();
         for (QAction *each : all) {
-            if (each->objectName() == QLatin1String(name) || each->data() == QLatin1String(name))
+            if (each->objectName() == QLatin1String(name) || each->data() == QLatin1String(name)
+                || each->text() == QLatin1String(name))
                 return each;
         }
         qFatal("no action %s", name);
@@ -145,6 +147,30 @@ private Q_SLOTS:
         desktop.addresses.clear();
         desktop.window->keeper()->lookForChanges();
         QCOMPARE(label->text(), QStringLiteral("<center><b>Network not found</b></center>"));
+    }
+
+    void permissions()
+    {
+        Desktop desktop;
+        auto *button = desktop.list()->permissionButton();
+        QCOMPARE(button->text(),
+                 QStringLiteral("Visitors may change everything\nReached by everyone"));
+        desktop.row()->start();
+        action(desktop, "Look")->trigger();
+        QCOMPARE(button->text().section(QLatin1Char('\n'), 0, 0),
+                 QStringLiteral("Visitors may look"));
+        const Profile stored(desktop.home.directories, QLatin1String(Profile::globalFile));
+        QVERIFY(!stored.allowsUpload() && desktop.row()->isListening());
+        boxText([&] { action(desktop, "Add only")->trigger(); }, QMessageBox::No);
+        QCOMPARE(permissionOf(*desktop.global()), Permission::Look);
+        desktop.global()->authMode = AuthBasic;
+        desktop.global()->everyone = Right::See;
+        button->showProfile();
+        QVERIFY(button->text().endsWith(QLatin1String("as set\nWith a name and password")));
+        inModal<SettingsDialog>([&] { button->click(); },
+                                [](const SettingsDialog *dialog) {
+                                    QCOMPARE(dialog->findChild<PageView *>()->currentRow(), 0);
+                                });
     }
 
     void keys()

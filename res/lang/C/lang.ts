@@ -1314,4 +1314,67 @@
         <translation>QR code: %1</translation>
     </message>
 </context>
+<context>
+    <name>PermissionButton</name>
+    <message>
+        <source>Visitors may look</source>
+        <translation>Visitors may look</translation>
+    </message>
+    <message>
+        <source>Look</source>
+        <translation>Look</translation>
+    </message>
+    <message>
+        <source>Visitors may look and add</source>
+        <translation>Visitors may look and add</translation>
+    </message>
+    <message>
+        <source>Look and add</source>
+        <translation>Look and add</translation>
+    </message>
+    <message>
+        <source>Look and add; file managers may replace, too</source>
+        <translation>Look and add; file managers may replace, too</translation>
+    </message>
+    <message>
+        <source>Visitors may change everything</source>
+        <translation>Visitors may change everything</translation>
+    </message>
+    <message>
+        <source>Change everything</source>
+        <translation>Change everything</translation>
+    </message>
+    <message>
+        <source>Visitors may add only</source>
+        <translation>Visitors may add only</translation>
+    </message>
+    <message>
+        <source>Add only</source>
+        <translation>Add only</translation>
+    </message>
+    <message>
+        <source>Visitors may do as set</source>
+        <translation>Visitors may do as set</translation>
+    </message>
+    <message>
+        <source>Reached by everyone</source>
+        <translation>Reached by everyone</translation>
+    </message>
+    <message>
+        <source>With a password</source>
+        <translation>With a password</translation>
+    </message>
+    <message>
+        <source>With a name and password</source>
+        <translation>With a name and password</translation>
+    </message>
+    <message>
+        <source>Only the standard answers take files and show none, and they have no page by which browsers add any. Answer all programs by the standards?</source>
+        <translation>Only the standard answers take files and show none, and they have no page by which browsers add any. Answer all programs by the standards?</translation>
+    </message>
+    <message>
+        <source>Can't write file: </source>
+        <translation>Can't write file: </translation>
+    </message>
+</context>
 </TS>

@@ -1314,4 +1314,67 @@
         <translation>QR-Code: %1</translation>
     </message>
 </context>
+<context>
+    <name>PermissionButton</name>
+    <message>
+        <source>Visitors may look</source>
+        <translation>Besucher dürfen ansehen</translation>
+    </message>
+    <message>
+        <source>Look</source>
+        <translation>Ansehen</translation>
+    </message>
+    <message>
+        <source>Visitors may look and add</source>
+        <translation>Besucher dürfen ansehen und hinzufügen</translation>
+    </message>
+    <message>
+        <source>Look and add</source>
+        <translation>Ansehen und hinzufügen</translation>
+    </message>
+    <message>
+        <source>Look and add; file managers may replace, too</source>
+        <translation>Ansehen und hinzufügen; Dateiverwaltungen auch ersetzen</translation>
+    </message>
+    <message>
+        <source>Visitors may change everything</source>
+        <translation>Besucher dürfen alles ändern</translation>
+    </message>
+    <message>
+        <source>Change everything</source>
+        <translation>Alles ändern</translation>
+    </message>
+    <message>
+        <source>Visitors may add only</source>
+        <translation>Besucher dürfen nur hinzufügen</translation>
+    </message>
+    <message>
+        <source>Add only</source>
+        <translation>Nur hinzufügen</translation>
+    </message>
+    <message>
+        <source>Visitors may do as set</source>
+        <translation>Besucher dürfen, was eingestellt ist</translation>
+    </message>
+    <message>
+        <source>Reached by everyone</source>
+        <translation>Erreichbar für alle</translation>
+    </message>
+    <message>
+        <source>With a password</source>
+        <translation>Mit Passwort</translation>
+    </message>
+    <message>
+        <source>With a name and password</source>
+        <translation>Mit Name und Passwort</translation>
+    </message>
+    <message>
+        <source>Only the standard answers take files and show none, and they have no page by which browsers add any. Answer all programs by the standards?</source>
+        <translation>Nur die Standard-Antworten nehmen Dateien an und zeigen keine; eine Seite, auf der Browser etwas hinzufügen, haben sie nicht. Allen Programmen nach den Standards antworten?</translation>
+    </message>
+    <message>
+        <source>Can't write file: </source>
+        <translation>Diese Datei kann nicht geschrieben werden: </translation>
+    </message>
+</context>
 </TS>

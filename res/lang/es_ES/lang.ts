@@ -1314,4 +1314,67 @@
         <translation>Código QR: %1</translation>
     </message>
 </context>
+<context>
+    <name>PermissionButton</name>
+    <message>
+        <source>Visitors may look</source>
+        <translation>Los visitantes pueden mirar</translation>
+    </message>
+    <message>
+        <source>Look</source>
+        <translation>Mirar</translation>
+    </message>
+    <message>
+        <source>Visitors may look and add</source>
+        <translation>Los visitantes pueden mirar y añadir</translation>
+    </message>
+    <message>
+        <source>Look and add</source>
+        <translation>Mirar y añadir</translation>
+    </message>
+    <message>
+        <source>Look and add; file managers may replace, too</source>
+        <translation>Mirar y añadir; los gestores de archivos también reemplazan</translation>
+    </message>
+    <message>
+        <source>Visitors may change everything</source>
+        <translation>Los visitantes pueden cambiarlo todo</translation>
+    </message>
+    <message>
+        <source>Change everything</source>
+        <translation>Cambiar todo</translation>
+    </message>
+    <message>
+        <source>Visitors may add only</source>
+        <translation>Los visitantes solo pueden añadir</translation>
+    </message>
+    <message>
+        <source>Add only</source>
+        <translation>Solo añadir</translation>
+    </message>
+    <message>
+        <source>Visitors may do as set</source>
+        <translation>Los visitantes pueden lo que está ajustado</translation>
+    </message>
+    <message>
+        <source>Reached by everyone</source>
+        <translation>Accesible para todos</translation>
+    </message>
+    <message>
+        <source>With a password</source>
+        <translation>Con una contraseña</translation>
+    </message>
+    <message>
+        <source>With a name and password</source>
+        <translation>Con un nombre y una contraseña</translation>
+    </message>
+    <message>
+        <source>Only the standard answers take files and show none, and they have no page by which browsers add any. Answer all programs by the standards?</source>
+        <translation>Solo las respuestas estándar aceptan archivos y no muestran ninguno, y no tienen página con la que un navegador los añada. ¿Responder a todos los programas según los estándares?</translation>
+    </message>
+    <message>
+        <source>Can't write file: </source>
+        <translation>No se puede escribir el archivo: </translation>
+    </message>
+</context>
 </TS>

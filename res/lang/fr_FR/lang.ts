@@ -1314,4 +1314,67 @@
         <translation>Code QR : %1</translation>
     </message>
 </context>
+<context>
+    <name>PermissionButton</name>
+    <message>
+        <source>Visitors may look</source>
+        <translation>Les visiteurs peuvent regarder</translation>
+    </message>
+    <message>
+        <source>Look</source>
+        <translation>Regarder</translation>
+    </message>
+    <message>
+        <source>Visitors may look and add</source>
+        <translation>Les visiteurs peuvent regarder et ajouter</translation>
+    </message>
+    <message>
+        <source>Look and add</source>
+        <translation>Regarder et ajouter</translation>
+    </message>
+    <message>
+        <source>Look and add; file managers may replace, too</source>
+        <translation>Regarder et ajouter (gestionnaires de fichiers : remplacer)</translation>
+    </message>
+    <message>
+        <source>Visitors may change everything</source>
+        <translation>Les visiteurs peuvent tout modifier</translation>
+    </message>
+    <message>
+        <source>Change everything</source>
+        <translation>Tout modifier</translation>
+    </message>
+    <message>
+        <source>Visitors may add only</source>
+        <translation>Les visiteurs peuvent seulement ajouter</translation>
+    </message>
+    <message>
+        <source>Add only</source>
+        <translation>Seulement ajouter</translation>
+    </message>
+    <message>
+        <source>Visitors may do as set</source>
+        <translation>Les visiteurs peuvent ce qui est réglé</translation>
+    </message>
+    <message>
+        <source>Reached by everyone</source>
+        <translation>Accessible à tous</translation>
+    </message>
+    <message>
+        <source>With a password</source>
+        <translation>Avec un mot de passe</translation>
+    </message>
+    <message>
+        <source>With a name and password</source>
+        <translation>Avec un nom et un mot de passe</translation>
+    </message>
+    <message>
+        <source>Only the standard answers take files and show none, and they have no page by which browsers add any. Answer all programs by the standards?</source>
+        <translation>Seules les réponses standard acceptent des fichiers sans en montrer, et elles n’ont pas de page par laquelle un navigateur en ajoute. Répondre à tous les programmes selon les standards ?</translation>
+    </message>
+    <message>
+        <source>Can't write file: </source>
+        <translation>Impossible d’écrire le fichier : </translation>
+    </message>
+</context>
 </TS>
