@@ -28,6 +28,16 @@ bool isListening(const ServerRow *row)
     return row->isListening();
 }
 
+/// Rows may go while the user is asked; a no holds for those that follow too.
+void startInTurn(ServerRows *rows, const QList<ServerRow *> &turn)
+{
+    const QList<QPointer<ServerRow>> still(turn.begin(), turn.end());
+    for (const QPointer<ServerRow> &row : still) {
+        if (!rows->start(row))
+            return;
+    }
+}
+
 } // namespace
 
 ServerRows::ServerRows(Profiles *choice, std::shared_ptr<const ServerSetup> common)
@@ -181,12 +191,7 @@ void ServerRows::startShown()
     const QList<ServerRow *> shown = shownRows();
     if (shown.isEmpty())
         setup->sink->msg(tr("There is no address to serve at"), tr("Connect to a network first."));
-    const QList<QPointer<ServerRow>> still(shown.begin(), shown.end());
-    for (const QPointer<ServerRow> &row : still) {
-        // A no holds for those that follow too.
-        if (!start(row))
-            break;
-    }
+    startInTurn(this, shown);
     if (isRunning())
         Q_EMIT publicAddressWanted();
 }
@@ -238,4 +243,11 @@ void ServerRows::profileEdited(Profile *edited)
     m_mode.look();
     if (live->usesTls() != tls && current())
         tellReach(current());
+    // What was to be asked before the start is asked now.
+    const QList<ServerRow *> doubtful = filtered(users, [](const ServerRow *row) {
+        return row->isListening() && row->doubt() == StartDoubt::HomeIsOpen;
+    });
+    for (ServerRow *row : doubtful)
+        row->stop();
+    startInTurn(this, doubtful);
 }

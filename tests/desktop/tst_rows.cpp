@@ -1,3 +1,4 @@
+#include "config/Permission.h"
 #include "desktop/settings/KeyMaker.h"
 #include "desktop/window/DeedLog.h"
 #include "desktop/window/FirstInstance.h"
@@ -153,6 +154,14 @@ private Q_SLOTS:
         QSettings().clear();
         device.rows->startOrStop();
         QVERIFY(!device.rows->isRunning()); // nobody is there to ask
+        for (const auto permission : { Permission::Look, Permission::ChangeEverything }) {
+            const std::unique_ptr<Profile> edited = device.global()->clone();
+            permit(permission, edited.get());
+            device.rows->profileEdited(edited.get());
+            QCOMPARE(device.rows->isRunning(), false); // nor now
+            device.rows->startOrStop();
+        }
+        QVERIFY(!device.rows->isRunning());
         int asked = 0;
         StartAnswer answer = StartAnswer::No;
         device.rows->setQuestion([&](ServerRow *, StartDoubt doubt) {
