@@ -70,7 +70,7 @@ void Put::receive(const QByteArray &path, bool exists)
     const DiskError error =
         exists ? upload->replace(share()->target(path)) : upload->create(place(path));
     if (error == DiskError::None)
-        return channel.saveBody(upload.get(), request.contentLength);
+        return channel.receive({ BodyIntake::Target::File, request.contentLength, upload.get() });
     upload.reset();
     answer(Status::locked);
 }

@@ -19,35 +19,17 @@ BodyIntake::BodyIntake(RequestReader &requestReader, Socket &peerSocket)
 {
 }
 
-void BodyIntake::startForm(qint64 length)
-{
-    collector.start(length);
-    start(Target::Form);
-}
-
-void BodyIntake::startPartHead(qint64 most)
-{
-    collector.start(most);
-    start(Target::PartHead);
-}
-
-void BodyIntake::startFile(UploadFile *upload, qint64 length)
-{
-    saver.start(upload, length);
-    start(Target::File);
-}
-
-void BodyIntake::startPart(UploadFile *upload, const QByteArray &delimiter, qint64 length)
-{
-    saver.startPart(upload, length, delimiter);
-    start(Target::File);
-}
-
 /// Some peers hold their body back until they are asked for it (RFC 9110, section 10.1.1): only
 /// somebody who wants it asks.
-void BodyIntake::start(Target what)
+void BodyIntake::start(const Wanted &what)
 {
-    m_target = what;
+    m_target = what.target;
+    if (what.target != Target::File)
+        collector.start(what.length);
+    else if (what.delimiter.isEmpty())
+        saver.start(what.upload, what.length);
+    else
+        saver.startPart(what.upload, what.length, what.delimiter);
     if (!isHeldBack())
         return;
     asked = true;

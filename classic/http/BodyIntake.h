@@ -20,6 +20,17 @@ public:
         File
     };
 
+    struct Wanted
+    {
+        Target target;
+        qint64 length; ///< bytes of the body; of what is kept in memory, the most that is
+        UploadFile *upload = nullptr; ///< borrowed: the file
+        QByteArray delimiter = {}; ///< where the file ends, if it is a part; the rest is dropped
+    };
+
+    static constexpr qint64 maxPartHead = 8 * 1024; ///< bytes of part headers in a multipart body
+    static constexpr qint64 maxForm = 1024 * 1024; ///< bytes of a form
+
     enum class Progress {
         Waiting, ///< for more to arrive
         TurnOver, ///< others wait for theirs
@@ -29,10 +40,8 @@ public:
     /// Both are borrowed and outlive it.
     BodyIntake(RequestReader &requestReader, Socket &peerSocket);
 
-    void startForm(qint64 length);
-    void startPartHead(qint64 most);
-    void startFile(UploadFile *upload, qint64 length);
-    void startPart(UploadFile *upload, const QByteArray &delimiter, qint64 length);
+    /// The next body is received for this.
+    void start(const Wanted &what);
 
     /// Takes what has arrived.
     Progress goOn();
@@ -56,7 +65,6 @@ public:
     void next() { asked = false; }
 
 private:
-    void start(Target what);
     Progress save();
     Progress end(SaveResult how);
 

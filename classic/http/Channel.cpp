@@ -3,7 +3,6 @@
 #include "net/Socket.h"
 #include "net/TrafficAccount.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace {
@@ -49,7 +48,7 @@ void Channel::takeInput()
         collectHeadRest();
         break;
     case State::Receiving:
-        receive();
+        continueReceiving();
         break;
     case State::Settling:
         settle();
@@ -92,31 +91,13 @@ void Channel::collectHeadRest()
     user.headRestReady(look == RequestReader::Look::Ready);
 }
 
-void Channel::readForm(qint64 length)
+void Channel::receive(const BodyIntake::Wanted &what)
 {
-    intake.startForm(std::min<qint64>(length, maxForm));
-    receive();
+    intake.start(what);
+    continueReceiving();
 }
 
-void Channel::readPartHead()
-{
-    intake.startPartHead(maxPartHead);
-    receive();
-}
-
-void Channel::saveBody(UploadFile *upload, qint64 length)
-{
-    intake.startFile(upload, length);
-    receive();
-}
-
-void Channel::savePart(UploadFile *upload, const QByteArray &delimiter, qint64 length)
-{
-    intake.startPart(upload, delimiter, length);
-    receive();
-}
-
-void Channel::receive()
+void Channel::continueReceiving()
 {
     state = State::Receiving;
     const auto progress = intake.goOn();

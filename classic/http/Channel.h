@@ -9,7 +9,6 @@
 
 class Socket;
 class TrafficAccount;
-class UploadFile;
 
 /// The channel of one connection: joins what reads requests, writes replies, streams files out and
 /// request bodies into files. Owned by its face, which is its user.
@@ -19,9 +18,6 @@ class UploadFile;
 class Channel
 {
 public:
-    static constexpr int maxPartHead = 8 * 1024; ///< bytes of part headers in a multipart body
-    static constexpr int maxForm = 1024 * 1024; ///< bytes of a form
-
     class User
     {
     public:
@@ -30,9 +26,9 @@ public:
 
         virtual void headReady() = 0; ///< a request head can be parsed
         virtual void headRestReady(bool whole) = 0; ///< see `readHeadRest`
-        virtual void formReady(const QByteArray &form) = 0; ///< see `readForm`
-        virtual void partHeadReady(const QByteArray &lines) = 0; ///< see `readPartHead`
-        virtual void uploadEnded(SaveResult result) = 0; ///< see `saveBody`
+        virtual void formReady(const QByteArray &form) = 0; ///< see `receive`
+        virtual void partHeadReady(const QByteArray &lines) = 0; ///< the same
+        virtual void uploadEnded(SaveResult result) = 0; ///< the same
         virtual void drained() = 0; ///< what waited to be sent fell below the mark
         virtual void replyEnded() = 0; ///< the reply is over, or its peer is gone
 
@@ -61,22 +57,11 @@ public:
     /// perhaps before this call returns: false when it is too long or the peer is gone.
     void readHeadRest();
 
-    /// Reads the body of a form, at most `maxForm` bytes, and reports it through `formReady`,
-    /// perhaps before this call returns. A form that breaks off is cut.
-    void readForm(qint64 length);
-
-    /// Collects the headers of the first part of a multipart body, its opening boundary line
-    /// included, and reports them through `partHeadReady`, perhaps before this call returns:
-    /// empty when they are too long or the connection is lost.
-    void readPartHead();
-
-    /// Writes a request body of `length` bytes into `upload`, which is borrowed, and
-    /// reports the end, once, through `uploadEnded`: `Saved`, `ReadFailed` or `WriteFailed`.
-    void saveBody(UploadFile *upload, qint64 length);
-
-    /// The same for one part of a multipart body: the file ends at the first `delimiter` within
-    /// the `length` bytes (`BoundaryMissing` if there is none), the rest of the body is dropped.
-    void savePart(UploadFile *upload, const QByteArray &delimiter, qint64 length);
+    /// Receives the body, or what is wanted of it, and reports it once through `formReady`,
+    /// `partHeadReady` or `uploadEnded`, perhaps before this call returns. A form that breaks off
+    /// is cut; the part's headers are empty when they are too long or the connection is lost; a
+    /// file ends as `Saved`, `ReadFailed` or `WriteFailed`, a part also as `BoundaryMissing`.
+    void receive(const BodyIntake::Wanted &what);
 
     /// Sends `bytes`; nothing once the traffic limit was reached. `last` ends the reply.
     void write(const QByteArray &bytes, bool last);
@@ -126,7 +111,7 @@ private:
     void takeInput();
     void collectHead();
     void collectHeadRest();
-    void receive();
+    void continueReceiving();
     void tellReceived();
     void tellCutOff();
     void continueStreaming();

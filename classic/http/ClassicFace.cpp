@@ -184,7 +184,7 @@ void ClassicFace::readForm()
 {
     const qint64 length = exchange.request.contentLength;
     RequestReader &reader = channel.request();
-    if (length > Channel::maxForm) {
+    if (length > BodyIntake::maxForm) {
         channel.setKeepAlive(false);
         return responder(formTooLargeRoute).reply();
     }
@@ -195,7 +195,7 @@ void ClassicFace::readForm()
     const bool paused = reader.fitsBuffer() && !reader.isBodyBuffered();
     if (paused && !channel.isBodyHeldBack())
         return formReady(reader.readBuffered(length));
-    channel.readForm(length);
+    channel.receive({ BodyIntake::Target::Form, length });
 }
 
 /// Makes the fields of a posted form the query of the request.

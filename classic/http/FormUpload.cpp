@@ -79,7 +79,7 @@ void FormUpload::start(const QString &target)
     file.reset();
     if (!exchange.request.contentType.contains("boundary="))
         return ended(NoUsableForm);
-    exchange.channel.readPartHead();
+    exchange.channel.receive({ BodyIntake::Target::PartHead, BodyIntake::maxPartHead });
 }
 
 void FormUpload::partHeadReady(const QByteArray &lines)
@@ -93,8 +93,9 @@ void FormUpload::partHeadReady(const QByteArray &lines)
     const QByteArray key("boundary=");
     const QByteArray &type = exchange.request.contentType;
     const QByteArray boundary = type.mid(int(type.indexOf(key) + key.size()));
-    exchange.channel.savePart(file.get(), "\r\n--" + boundary,
-                              exchange.request.contentLength - lines.size());
+    exchange.channel.receive({ BodyIntake::Target::File,
+                               exchange.request.contentLength - lines.size(), file.get(),
+                               "\r\n--" + boundary });
 }
 
 /// `Saved` when the file can be received.

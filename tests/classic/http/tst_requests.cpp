@@ -39,7 +39,10 @@ class AskForBody : public Describe
 public:
     using Describe::Describe;
     void partHeadReady(const QByteArray &lines) override { sendBody("200 OK", lines); }
-    void reply() override { channel.readPartHead(); }
+    void reply() override
+    {
+        channel.receive({ BodyIntake::Target::PartHead, BodyIntake::maxPartHead });
+    }
 };
 
 /// Header lines of which the last stands behind what is seen of a head at first.
