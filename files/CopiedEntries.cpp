@@ -10,6 +10,11 @@ namespace {
 constexpr qint64 nanosecondsInSecond = 1000000000;
 constexpr mode_t ownerOnly = 0600;
 
+qint64 nanoseconds(const timespec &time)
+{
+    return time.tv_sec * nanosecondsInSecond + time.tv_nsec;
+}
+
 } // namespace
 
 std::optional<EntryStamp> EntryStamp::of(int folder, const char *name)
@@ -17,8 +22,8 @@ std::optional<EntryStamp> EntryStamp::of(int folder, const char *name)
     struct stat status = {};
     if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0)
         return {};
-    return EntryStamp{ status.st_mode & S_IFMT, status.st_size,
-                       status.st_mtim.tv_sec * nanosecondsInSecond + status.st_mtim.tv_nsec };
+    return EntryStamp{ status.st_mode & S_IFMT, status.st_size, nanoseconds(status.st_mtim),
+                       nanoseconds(status.st_ctim) };
 }
 
 bool CopiedEntries::open(Place beside)
@@ -33,7 +38,8 @@ bool CopiedEntries::open(Place beside)
 void CopiedEntries::add(const Record &record)
 {
     const EntryStamp &stamp = record.stamp;
-    stream << quint8(record.kind) << record.name << stamp.kind << stamp.size << stamp.modified;
+    stream << quint8(record.kind) << record.name << stamp.kind << stamp.size << stamp.modified
+           << stamp.changed;
 }
 
 bool CopiedEntries::rewind()
@@ -45,7 +51,7 @@ bool CopiedEntries::next(Record &record)
 {
     EntryStamp &stamp = record.stamp;
     quint8 kind = 0;
-    stream >> kind >> record.name >> stamp.kind >> stamp.size >> stamp.modified;
+    stream >> kind >> record.name >> stamp.kind >> stamp.size >> stamp.modified >> stamp.changed;
     record.kind = Kind(kind);
     return stream.status() == QDataStream::Ok;
 }

@@ -15,13 +15,15 @@ struct EntryStamp
     quint32 kind = 0; ///< an `S_IF` value
     qint64 size = 0; ///< bytes
     qint64 modified = 0; ///< nanoseconds since 1970-01-01 UTC
+    qint64 changed = 0; ///< the same, of rights and name too: nobody can set it back
 
     /// None when nothing stands there.
     static std::optional<EntryStamp> of(int folder, const char *name);
 
     bool operator==(const EntryStamp &other) const
     {
-        return kind == other.kind && size == other.size && modified == other.modified;
+        return kind == other.kind && size == other.size && modified == other.modified
+            && changed == other.changed;
     }
 };
 

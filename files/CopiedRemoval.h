@@ -28,7 +28,7 @@ public:
     bool run(const Budget &until) override;
 
     /// Whether nothing stays, once it has run.
-    bool isWhole() const { return whole; }
+    bool isWhole() const { return whole && levels.empty(); }
 
 private:
     struct Level

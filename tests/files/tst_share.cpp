@@ -368,6 +368,17 @@ void ShareTest::onlyWhatWasCopiedIsRemoved()
     QCOMPARE(disk.read("from/a") + disk.read("from/sub/new"), QByteArray("grown sincesince"));
     QVERIFY(!disk.exists("from/sub/b") && !disk.exists("from/whole") && !disk.exists("from/link"));
     QVERIFY(disk.exists("out/e") && disk.exists("from/" + hidden));
+
+    // A list that breaks off, as on a disk that fails.
+    const auto list = std::make_shared<CopiedEntries>();
+    QVERIFY(list->open(disk.place("list")));
+    list->add({ CopiedEntries::Kind::Folder, "out" });
+    list->add({ CopiedEntries::Kind::Entry, "none" });
+    QVERIFY(list->rewind());
+    CopiedRemoval cut(disk.place("out"));
+    cut.setCopied(list);
+    runToEnd(cut);
+    QVERIFY(!cut.isWhole() && disk.exists("out/e"));
 }
 
 /// At once, and in steps, as on older file systems.
