@@ -2,7 +2,8 @@
 # Makes the Debian package of the release build, judges what is in it, and does with it what its
 # users do: installs, starts, upgrades, removes and purges it. This happens in a root of its own,
 # made of the machine's package sources with just what the package depends on, and kept in the build
-# folder for the next time. Where none can be made, it is the machine itself, which is left as it was.
+# folder for the next time. Where none can be made, --or-here takes the machine itself, where dpkg then
+# installs, removes and purges the package.
 set -euo pipefail
 # shellcheck source=scripts/common.sh
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
@@ -98,10 +99,10 @@ use() {
     older=$2 newer=$3 root=$1
     if [[ $root == / ]]; then
         [[ ! -e /opt/quillon ]] || die "Quillon is installed here, and is left alone"
-        trap 'dpkg -P quillon >/dev/null 2>&1 || true; rm -rf "$place"' EXIT
+        trap 'end_server; dpkg -P quillon >/dev/null 2>&1 || true; rm -rf "$place"' EXIT
     else
         root=$(mktemp -d)
-        trap 'umount "$root/proc"; rm -rf --one-file-system "$root"' EXIT
+        trap 'end_server; umount "$root/proc" || true; rm -rf --one-file-system "$root"' EXIT
         tar -C "$root" -xf "$1"
         mount -t proc proc "$root/proc"
     fi
@@ -152,15 +153,18 @@ live_with_it() {
     [[ -e $place/home/.quillon/Global.conf ]] || die "the purge took the user's profile along"
 }
 
+end_server() { [[ -z ${process:-} ]] || kill "$process" || true; }
+
 # What must outlive an upgrade.
 stored() { (cd "$root" && cat opt/quillon/server.* "$place"/home/.quillon/*.conf | md5sum); }
 
 # Both programs, as a user finds them.
 start_it() {
-    local process url='' i
+    local url='' i
     (as_user quillon --version) | grep -q '^Quillon [0-9]' || die "quillon --version"
-    (as_user timeout 2 quillon) 2>"$place/window.log" || [[ $? == 124 ]] ||
-        die "quillon: $(cat "$place/window.log")"
+    i=0
+    (as_user timeout 2 quillon) 2>"$place/window.log" || i=$?
+    [[ $i == 124 ]] || die "quillon ended with $i: $(cat "$place/window.log")"
     as_user quillon-serve --address 127.0.0.1 --port 0 --mode standard \
         "${place#"${root%/}"}/home/share" >"$place/serve.log" 2>&1 &
     process=$!
@@ -170,7 +174,10 @@ start_it() {
     done
     [[ $(curl -sf --max-time 10 "${url}a.txt") == hello ]] || die "quillon-serve: $(cat "$place/serve.log")"
     kill "$process"
-    wait "$process" || die "quillon-serve ended with $?"
+    i=0
+    wait "$process" || i=$?
+    process=''
+    [[ $i == 0 ]] || die "quillon-serve ended with $i"
 }
 
 if [[ ${1:-} == --use ]]; then
@@ -188,6 +195,7 @@ as_root=()
 ((EUID == 0)) || as_root=(sudo)
 alone=(unshare --mount)
 if ! "${as_root[@]}" "${alone[@]}" true || ! make_root; then
+    [[ ${1:-} == --or-here ]] || die "no root of its own can be made: see $work/root.log, or --or-here"
     warn "no root of its own, so the machine's is used: $(tail -n 1 "$work/root.log" 2>/dev/null)"
     root=/ alone=()
 fi
