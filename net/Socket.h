@@ -66,6 +66,9 @@ public:
     /// write only once a third of its buffer is free: a slow peer takes minutes for that.
     qint64 exchanged() const;
 
+    /// Bytes so far that were received, or handed to the system to be sent. Costs nothing.
+    qint64 passed() const { return m_received + m_sent; }
+
     /// What was read comes once more, before anything else.
     void putBack(const QByteArray &bytes) { unread.prepend(bytes); }
 

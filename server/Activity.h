@@ -10,7 +10,8 @@
 /// Who is at the other end of a connection.
 struct Client
 {
-    QHostAddress address; ///< where a trusted proxy stands between: that of whom it serves
+    /// Where a trusted proxy stands between and answers are standard ones: that of whom it serves.
+    QHostAddress address;
     QByteArray account; ///< logged in as; empty for nobody in particular
     QByteArray program; ///< see `programName`
 };
@@ -29,6 +30,7 @@ struct Visit
 {
     quint64 number = 0; ///< of the connection, among all of the server
     Client client;
+    QHostAddress counted; ///< whom a block would keep out, see `PeerCount`; null: nobody
     QDateTime since;
     std::optional<FileTransfer> transfer; ///< what goes on right now
 };
@@ -40,8 +42,8 @@ struct Deed
     QByteArray method;
     QByteArray path; ///< as the client names it, decoded
     int status = 0; ///< of the reply; 0 when it got none
-    bool isWhole = false; ///< the reply was given to the end
-    qint64 bytes = 0; ///< that went for it, both ways
+    bool isWhole = false; ///< body and reply were taken to the end
+    bool isFolder = false; ///< it was looked at, not taken
 };
 
 /// The program that sends this User-Agent (RFC 9110, 10.1.5), in a word: the browser's name, else

@@ -2,6 +2,7 @@
 
 #include "server/Deadlines.h"
 #include "server/Log.h"
+#include "server/PeerAddress.h"
 #include "server/Service.h"
 #include "server/StatusSink.h"
 
@@ -30,23 +31,19 @@ Connection::~Connection()
         face->gone();
 }
 
-void Connection::noteRequest(const QByteArray &userAgent)
+void Connection::noteRequest(const QHostAddress &visitor, const QByteArray &userAgent)
 {
     // The next head is another one.
     awaits = Awaits::Nothing;
-    exchangedBefore = m_socket->exchanged();
+    passedBefore = m_socket->passed();
+    client.account.clear();
+    if (client.address != visitor)
+        client = { visitor, {}, programName(userAgent) };
     if (noted)
         return;
     noted = true;
-    client = { m_socket->peerAddress(), {}, programName(userAgent) };
     if (m_service.setup.sink)
         m_service.setup.sink->newConnection(m_socket->peerAddress().toString());
-}
-
-void Connection::noteClient(const QHostAddress &address, const QByteArray &account)
-{
-    client.address = address;
-    client.account = account;
 }
 
 bool Connection::isWatched() const
@@ -54,19 +51,21 @@ bool Connection::isWatched() const
     return m_service.setup.sink && m_service.setup.sink->listens();
 }
 
-void Connection::noteEnd(const QByteArray &method, const QByteArray &path, int status, bool isWhole)
+void Connection::noteEnd(Deed deed)
 {
-    m_service.setup.sink->told(
-        { client, method, path, status, isWhole, m_socket->exchanged() - exchangedBefore });
+    deed.client = client;
+    m_service.setup.sink->told(deed);
 }
 
 Visit Connection::visit() const
 {
     const auto age = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - since);
-    Visit visit{ number, client, QDateTime::currentDateTimeUtc().addMSecs(-age.count()),
+    const bool isDirect = client.address == m_socket->peerAddress();
+    Visit visit{ number, client, isDirect ? ticket.peer() : peerOf(client.address),
+                 QDateTime::currentDateTimeUtc().addMSecs(-age.count()),
                  over ? std::nullopt : face->transfer() };
     if (visit.transfer)
-        visit.transfer->done = m_socket->exchanged() - exchangedBefore;
+        visit.transfer->done = m_socket->passed() - passedBefore;
     return visit;
 }
 

@@ -30,17 +30,18 @@ public:
     Socket &socket() { return *m_socket; }
     Service &service() { return m_service; }
 
-    /// A request arrived: the first one of the connection is told to the status sink.
-    void noteRequest(const QByteArray &userAgent);
+    /// A request arrived from `visitor`, who has no name yet: the first one of the connection is
+    /// told to the status sink.
+    void noteRequest(const QHostAddress &visitor, const QByteArray &userAgent);
 
-    /// Who has sent it, once that is known.
-    void noteClient(const QHostAddress &address, const QByteArray &account);
+    /// Whose login was right.
+    void noteAccount(const QByteArray &account) { client.account = account; }
 
-    /// Whether somebody wants to hear of its ends.
+    /// Whether somebody wants to hear of the ends of requests.
     bool isWatched() const;
 
-    /// It is over: told to the status sink. For `Deed`.
-    void noteEnd(const QByteArray &method, const QByteArray &path, int status, bool isWhole);
+    /// It is over; all but the client is told.
+    void noteEnd(Deed deed);
 
     /// What the user is shown of it.
     Visit visit() const;
@@ -81,7 +82,7 @@ private:
     Clock::time_point awaitsSince = activeAt;
     std::optional<Look> lastLook; ///< while a body goes either way
     qint64 receivedBefore = 0; ///< bytes, before the head that is awaited
-    qint64 exchangedBefore = 0; ///< bytes, before the request under way
+    qint64 passedBefore = 0; ///< bytes, before the request under way
     const Clock::time_point since = activeAt;
     Client client;
     bool noted = false;

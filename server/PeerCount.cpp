@@ -19,13 +19,13 @@ bool isLoopback(const QHostAddress &address)
 
 PeerCount::Ticket::Ticket(PeerCount *count, const QHostAddress &address)
     : owner(count)
-    , peer(address)
+    , counted(address)
 {
 }
 
 PeerCount::Ticket::Ticket(Ticket &&other) noexcept
     : owner(std::exchange(other.owner, nullptr))
-    , peer(other.peer)
+    , counted(other.counted)
 {
 }
 
@@ -33,7 +33,7 @@ PeerCount::Ticket &PeerCount::Ticket::operator=(Ticket &&other) noexcept
 {
     giveBack();
     owner = std::exchange(other.owner, nullptr);
-    peer = std::move(other.peer);
+    counted = std::move(other.counted);
     return *this;
 }
 
@@ -42,8 +42,8 @@ void PeerCount::Ticket::giveBack()
     if (!owner)
         return;
     --owner->all;
-    if (!peer.isNull() && --owner->perPeer[peer] == 0)
-        owner->perPeer.remove(peer);
+    if (!counted.isNull() && --owner->perPeer[counted] == 0)
+        owner->perPeer.remove(counted);
     owner = nullptr;
 }
 
@@ -59,24 +59,13 @@ PeerCount::Ticket PeerCount::admit(const QHostAddress &address, const QHostAddre
 {
     if (isLoopback(address))
         return admitUncounted();
-    if (isFull() || isBlocked(address))
-        return {};
     const QHostAddress peer = peerOf(address, reached);
+    if (isFull() || isBlocked(peer))
+        return {};
     int &count = perPeer[peer];
     if (count >= maxPerPeer)
         return {};
     ++count;
     ++all;
     return { this, peer };
-}
-
-void PeerCount::block(const QHostAddress &address)
-{
-    if (!isLoopback(address))
-        blocked.insert(peerOf(address));
-}
-
-bool PeerCount::isBlocked(const QHostAddress &address) const
-{
-    return blocksAny() && blocked.contains(peerOf(address));
 }

@@ -20,13 +20,16 @@ public:
 
         bool isValid() const { return owner != nullptr; }
 
+        /// As which it is counted; null for whoever is not.
+        const QHostAddress &peer() const { return counted; }
+
     private:
         friend class PeerCount;
         Ticket(PeerCount *count, const QHostAddress &address);
         void giveBack();
 
         PeerCount *owner = nullptr;
-        QHostAddress peer;
+        QHostAddress counted;
     };
 
     /// At most `most` connections in all.
@@ -44,9 +47,9 @@ public:
 
     bool isFull() const { return all >= maxAll; }
 
-    /// Nobody from there, this machine itself excepted, gets a place any more.
-    void block(const QHostAddress &address);
-    bool isBlocked(const QHostAddress &address) const;
+    /// Who is counted as `peer` gets no place any more.
+    void block(const QHostAddress &peer) { blocked.insert(peer); }
+    bool isBlocked(const QHostAddress &peer) const { return blocked.contains(peer); }
 
     /// Takes all of that back.
     void unblockAll() { blocked.clear(); }
@@ -58,5 +61,5 @@ private:
     const int maxAll;
     int all = 0;
     QHash<QHostAddress, int> perPeer;
-    QSet<QHostAddress> blocked; ///< as `peerOf` has them
+    QSet<QHostAddress> blocked;
 };

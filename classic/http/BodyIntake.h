@@ -62,7 +62,11 @@ public:
     bool isHeldBack() const;
 
     /// Goes on to the next request.
-    void next() { asked = false; }
+    void next()
+    {
+        asked = false;
+        m_result = Saved;
+    }
 
 private:
     Progress save();
@@ -73,6 +77,6 @@ private:
     BodyCollector collector;
     BodySaver saver;
     Target m_target = Target::Form;
-    SaveResult m_result = ReadFailed;
+    SaveResult m_result = Saved;
     bool asked = false; ///< for a body that was held back
 };

@@ -50,6 +50,9 @@ public:
     RequestReader &request() { return reader; }
     const RequestReader &request() const { return reader; }
 
+    /// Whether the file that was received last broke off.
+    bool isBodyLost() const { return intake.result() == ReadFailed; }
+
     /// Whether the peer holds its body back and was not asked for it.
     bool isBodyHeldBack() const { return intake.isHeldBack(); }
 

@@ -61,6 +61,15 @@ bool isMisdirected(const Exchange &exchange)
     return !isMeantForUs(called, false, exchange.channel.connection(), profile);
 }
 
+/// What would do the same; empty when it changes nothing.
+QByteArray methodOfForm(const Request &request)
+{
+    const QString action = request.field(Request::actionField);
+    if (action == QLatin1String("del"))
+        return "DELETE";
+    return action == QLatin1String("cfd") ? "MKCOL" : "";
+}
+
 } // namespace
 
 Routes fileRoutes()
@@ -100,7 +109,7 @@ void ClassicFace::headReady()
         request = Request();
     const bool isRequest =
         RequestParser(request).parse(channel.request(), exchange.service.singleFile);
-    connection.noteRequest(request.userAgent);
+    connection.noteRequest(channel.connection().peerAddress(), request.userAgent);
     if (!isRequest) {
         qCDebug(classicLog) << "dropped: no request line from"
                             << channel.connection().peerAddress();
@@ -227,7 +236,7 @@ void ClassicFace::answer()
     const Profile &profile = *exchange.service.profile;
     const QByteArray account = exchange.request.credentials.split(':').constFirst();
     const Access access = Access::of(profile, account);
-    connection.noteClient(channel.connection().peerAddress(), access.account);
+    connection.noteAccount(access.account);
     if (!access.isAsSwitched(profile))
         return refuse(Status::forbidden);
     dispatch();
@@ -302,11 +311,25 @@ void ClassicFace::replyEnded()
 {
     if (current && !admission.isLooking())
         current->replyEnded();
-    const int status = std::exchange(exchange.status, 0);
     if (connection.isWatched())
-        connection.noteEnd(RequestParser::methodName(exchange.request),
-                           exchange.request.path.toUtf8(), status, channel.canAnswer());
+        connection.noteEnd(deed());
+    exchange.status = 0;
+    exchange.sendsFile = false;
     endRequest();
+}
+
+/// A form says by a field what it is for.
+Deed ClassicFace::deed() const
+{
+    const Request &request = exchange.request;
+    const bool isForm = request.methodCode == Request::Post && !request.isMultipart();
+    const QByteArray method = isForm ? methodOfForm(request) : RequestParser::methodName(request);
+    return { {},
+             method,
+             request.path.toUtf8(),
+             exchange.status,
+             channel.canAnswer() && !channel.isBodyLost(),
+             request.isDownload() && !exchange.sendsFile };
 }
 
 std::optional<FileTransfer> ClassicFace::transfer() const

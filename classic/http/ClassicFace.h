@@ -54,6 +54,7 @@ private:
     void answer();
     void refuseLogin();
     void dispatch();
+    Deed deed() const;
     const Route *findRoute() const;
     Responder &responder(const Route &route);
 

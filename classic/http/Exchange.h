@@ -19,4 +19,5 @@ struct Exchange
     Session client; ///< null until the request needs one
     std::optional<SessionUse> use; ///< of `client`, while a request is being answered
     int status = 0; ///< of the reply that was begun
+    bool sendsFile = false; ///< it is one
 };

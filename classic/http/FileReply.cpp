@@ -185,6 +185,7 @@ void FileReply::sendOpened(ServedFile file, const QString &name, const QByteArra
     if (suffix != QLatin1String("html"))
         extra += disposition(name);
     setContentType(typeOf(suffix));
+    exchange.sendsFile = true;
     sendHeader(part ? "206 Partial Content" : status, size, extra);
     if (size == 0)
         return;

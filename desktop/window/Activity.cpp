@@ -3,8 +3,11 @@
 #include "desktop/window/ActivityDialog.h"
 #include "files/DiskStep.h"
 #include "files/DiskWorker.h"
+#include "server/StatusSink.h"
 
 #include <QSettings>
+
+#include <utility>
 
 namespace {
 
@@ -23,6 +26,8 @@ Activity::Activity(ServerRows *servers, std::shared_ptr<const ServerSetup> commo
 Activity::~Activity()
 {
     delete dialog;
+    if (!unwritten.isEmpty())
+        file.append(unwritten);
 }
 
 bool Activity::keepsLog()
@@ -35,21 +40,35 @@ void Activity::keepLog(bool wanted)
     QSettings().setValue(logKey, wanted);
 }
 
-void Activity::note(const std::vector<Deed> &done)
+void Activity::note(const std::vector<Deed> &done, bool isAll)
 {
     const QDateTime now = QDateTime::currentDateTime();
     deeds.add(done, now);
+    if (!isAll)
+        deeds.addGap(now);
     if (!keepsLog())
         return;
-    QByteArray lines;
-    for (const Deed &deed : done) {
-        if (isTelling(deed))
-            lines += deedLine(deed, now);
-    }
-    // A file that can't be written is the user's to miss; the window has the last of it.
-    const auto write = [log = file, lines] { log.append(lines); };
-    if (!lines.isEmpty())
-        setup->disk->runAside(std::make_shared<DiskStep>(write), nullptr, [] {});
+    for (const Deed &deed : done)
+        unwritten += deedLine(deed, now);
+    if (!isWriting)
+        writeNext();
+}
+
+/// One after another, where the disk keeps nobody waiting.
+void Activity::writeNext()
+{
+    isWriting = !unwritten.isEmpty();
+    if (!isWriting)
+        return;
+    const auto isDone = std::make_shared<bool>(false);
+    const auto write = [log = file, lines = std::exchange(unwritten, {}), isDone] {
+        *isDone = log.append(lines);
+    };
+    setup->disk->runAside(std::make_shared<DiskStep>(write), this, [this, isDone] {
+        if (!*isDone && !std::exchange(isFailing, true))
+            setup->sink->msg(tr("The log of events can't be written"), file.fileName());
+        writeNext();
+    });
 }
 
 void Activity::show(QWidget *parent)

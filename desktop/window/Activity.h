@@ -24,8 +24,8 @@ public:
     Activity(ServerRows *servers, std::shared_ptr<const ServerSetup> common);
     ~Activity() override;
 
-    /// Notes what was done since the last call.
-    void note(const std::vector<Deed> &deeds);
+    /// Notes what was done since the last call, or the part of it that is told.
+    void note(const std::vector<Deed> &done, bool isAll);
 
     /// Shows visitors and transfers over `parent`; once more when they are shown.
     void show(QWidget *parent);
@@ -35,9 +35,14 @@ public:
     static void keepLog(bool wanted);
 
 private:
+    void writeNext();
+
     ServerRows *rows;
     std::shared_ptr<const ServerSetup> setup;
     DeedLog deeds;
     const LogFile file;
+    QByteArray unwritten; ///< lines for it
+    bool isWriting = false;
+    bool isFailing = false; ///< and was told
     QPointer<ActivityDialog> dialog;
 };

@@ -35,6 +35,15 @@ public:
     }
 };
 
+/// All of a network that is counted as one is blocked with it.
+QString peerText(const QHostAddress &peer)
+{
+    const QString whole = peer.toString() + QLatin1String("/64");
+    const bool isNetwork = peer.protocol() == QAbstractSocket::IPv6Protocol
+        && QHostAddress::parseSubnet(whole).first == peer;
+    return isNetwork ? whole : peer.toString();
+}
+
 std::vector<ServerVisit> visitsOf(const ServerRows &rows)
 {
     std::vector<ServerVisit> all;
@@ -166,16 +175,15 @@ void ActivityDialog::disconnectChosen()
 void ActivityDialog::blockChosen()
 {
     const KeyedTable::Row *row = chosen();
-    if (!row)
+    if (!row || row->counted.isNull())
         return;
-    const QHostAddress address = row->address;
+    const QHostAddress peer = row->counted;
     const QString question = tr("Block %1 until Quillon ends? Its connections are cut.");
-    if (!askYesNo(this, question.arg(address.toString())))
+    if (!askYesNo(this, question.arg(peerText(peer))))
         return;
-    places->block(address);
+    places->block(peer);
     for (const ServerRow *each : rows->all())
-        each->server()->disconnect(
-            [&](const Visit &visit) { return places->isBlocked(visit.client.address); });
+        each->server()->disconnect([&](const Visit &visit) { return visit.counted == peer; });
     refresh();
 }
 
@@ -187,8 +195,8 @@ void ActivityDialog::unblock()
 
 void ActivityDialog::updateButtons()
 {
-    const bool isChosen = chosen() != nullptr;
-    disconnecting->setEnabled(isChosen);
-    blocking->setEnabled(isChosen);
+    const KeyedTable::Row *row = chosen();
+    disconnecting->setEnabled(row);
+    blocking->setEnabled(row && !row->counted.isNull());
     unblocking->setEnabled(places->blocksAny());
 }

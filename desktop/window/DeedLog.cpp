@@ -11,7 +11,9 @@
 
 namespace {
 
-constexpr int firstRefusal = 400; ///< of the status codes
+constexpr int firstRedirection = 300; ///< of the status codes
+constexpr int firstRefusal = 400;
+constexpr int longestPath = 512; ///< bytes, of what is noted
 
 struct Kind
 {
@@ -45,6 +47,12 @@ QString visitorName(const Client &client)
     return QString::fromUtf8(client.account) + QLatin1String(" (") + address + QLatin1Char(')');
 }
 
+/// Somebody may ask for a path of any length.
+QByteArray shortened(const QByteArray &path)
+{
+    return path.size() <= longestPath ? path : path.left(longestPath) + "...";
+}
+
 bool isUnseen(QChar c)
 {
     return c.category() == QChar::Other_Control || c.category() == QChar::Other_Format
@@ -55,8 +63,9 @@ bool isUnseen(QChar c)
 
 bool isTelling(const Deed &deed)
 {
-    const bool isFolder = deed.path.isEmpty() || deed.path.endsWith('/');
-    return kindOf(deed) && !(deed.method == "GET" && isFolder && deed.status < firstRefusal);
+    const bool isLook = deed.method == "GET" && (deed.isFolder || deed.path.endsWith('/'));
+    const bool leadsOn = deed.status >= firstRedirection && deed.status < firstRefusal;
+    return kindOf(deed) && !leadsOn && !(isLook && deed.status < firstRefusal);
 }
 
 QString deedName(const Deed &deed)
@@ -65,19 +74,26 @@ QString deedName(const Deed &deed)
     if (!kind)
         return QString::fromLatin1(deed.method);
     const QString name = WindowText::tr(kind->name);
-    if (deed.status >= firstRefusal)
-        return WindowText::tr("%1 refused (%2)").arg(name).arg(deed.status);
-    return deed.isWhole && deed.status > 0 ? name : WindowText::tr("%1 broken off").arg(name);
+    if (!deed.isWhole || deed.status == 0)
+        return WindowText::tr("%1 broken off").arg(name);
+    return deed.status < firstRefusal
+        ? name
+        : WindowText::tr("%1 refused (%2)").arg(name).arg(deed.status);
 }
 
 QString shownPath(const QByteArray &path)
 {
     QString shown;
-    const QString text = QString::fromUtf8(path);
+    const QString text = QString::fromUtf8(shortened(path));
     for (const QChar c : text)
         shown += isUnseen(c) ? QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'))
                              : QString(c);
     return shown;
+}
+
+QString richTip(const QString &text)
+{
+    return QLatin1String("<span>") + text.toHtmlEscaped() + QLatin1String("</span>");
 }
 
 QByteArray deedLine(const Deed &deed, const QDateTime &now)
@@ -88,10 +104,9 @@ QByteArray deedLine(const Deed &deed, const QDateTime &now)
         { QStringLiteral("account"), QString::fromUtf8(deed.client.account) },
         { QStringLiteral("program"), QString::fromUtf8(deed.client.program) },
         { QStringLiteral("method"), QString::fromLatin1(deed.method) },
-        { QStringLiteral("path"), QString::fromUtf8(deed.path) },
+        { QStringLiteral("path"), QString::fromUtf8(shortened(deed.path)) },
         { QStringLiteral("status"), deed.status },
         { QStringLiteral("whole"), deed.isWhole },
-        { QStringLiteral("bytes"), deed.bytes },
     };
     return QJsonDocument(record).toJson(QJsonDocument::Compact) + '\n';
 }
@@ -106,9 +121,18 @@ void DeedLog::add(const std::vector<Deed> &deeds, const QDateTime &now)
 
 void DeedLog::addOne(const Deed &deed, const QDateTime &now)
 {
-    Entry entry{ now, { visitorName(deed.client), deedName(deed), shownPath(deed.path) } };
+    enter({ now, { visitorName(deed.client), deedName(deed), shownPath(deed.path) } });
+}
+
+void DeedLog::addGap(const QDateTime &now)
+{
+    enter({ now, { {}, WindowText::tr("More than could be noted"), {} } });
+}
+
+void DeedLog::enter(Entry entry)
+{
     if (!entries.empty() && entries.front().texts == entry.texts) {
-        entries.front().time = now;
+        entries.front().time = entry.time;
         ++entries.front().times;
         Q_EMIT dataChanged(index(0, 0), index(0, ColumnCount - 1));
         return;
@@ -141,6 +165,8 @@ QVariant DeedLog::data(const QModelIndex &index, int role) const
     if (index.column() == Time)
         return QLocale().toString(entry.time.time(), QLocale::ShortFormat);
     const QString text = entry.texts.at(index.column() - Visitor);
+    if (role == Qt::ToolTipRole)
+        return richTip(text);
     const bool isCounted = index.column() == Event && entry.times > 1;
     return isCounted ? WindowText::tr("%1, %2 times").arg(text).arg(entry.times) : text;
 }

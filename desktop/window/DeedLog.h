@@ -22,6 +22,9 @@ public:
     /// Takes those that tell something: not those that only look at folders or ask what is allowed.
     void add(const std::vector<Deed> &deeds, const QDateTime &now);
 
+    /// Further ones were not noted.
+    void addGap(const QDateTime &now);
+
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
     QVariant data(const QModelIndex &index, int role) const override;
@@ -36,6 +39,7 @@ private:
     };
 
     void addOne(const Deed &deed, const QDateTime &now);
+    void enter(Entry entry);
 
     std::deque<Entry> entries;
 };
@@ -48,6 +52,9 @@ QString deedName(const Deed &deed);
 
 /// As people read it: line breaks and what turns the direction of writing are spelled out.
 QString shownPath(const QByteArray &path);
+
+/// A tool tip that shows the text as it is: one that looks like HTML would be taken for that.
+QString richTip(const QString &text);
 
 /// The record of a deed in the log file: a JSON object and a line feed.
 QByteArray deedLine(const Deed &deed, const QDateTime &now);

@@ -1,8 +1,10 @@
 #include "desktop/window/EventHandler.h"
 
 #include "desktop/widgets/Prompts.h"
+#include "desktop/window/DeedLog.h"
 #include "desktop/window/TrafficSource.h"
 
+#include <algorithm>
 #include <chrono>
 #include <utility>
 
@@ -72,10 +74,24 @@ void EventHandler::msg(const QString &title, const QString &text)
 
 void EventHandler::told(const Deed &deed)
 {
+    if (!isTelling(deed))
+        return;
     if (deeds.empty())
-        QTimer::singleShot(gatherDeeds, this,
-                           [this] { Q_EMIT deedsDone(std::exchange(deeds, {})); });
+        QTimer::singleShot(gatherDeeds, this, &EventHandler::passDeeds);
+    const auto isHis = [&deed](const Deed &other) {
+        return other.client.address == deed.client.address;
+    };
+    if (std::count_if(deeds.begin(), deeds.end(), isHis) >= maxDeedsOfOne) {
+        missedDeeds = true;
+        return;
+    }
     deeds.push_back(deed);
+}
+
+void EventHandler::passDeeds()
+{
+    const bool isAll = !std::exchange(missedDeeds, false) && listens();
+    Q_EMIT deedsDone(std::exchange(deeds, {}), isAll);
 }
 
 void EventHandler::queueNext()

@@ -23,8 +23,9 @@ public:
     /// Different messages that wait behind an open box; further ones are dropped.
     static constexpr int maxWaitingBoxes = 16;
 
-    /// Ends of requests that are told in a second; of more than these nobody could read.
+    /// Of the requests that end within a second so many are noted, in all and of one visitor.
     static constexpr int maxDeeds = 50;
+    static constexpr int maxDeedsOfOne = 10;
 
     EventHandler();
 
@@ -56,13 +57,14 @@ Q_SIGNALS:
     /// The status line shows `text`, HTML, from now on.
     void statusChanged(const QString &text);
 
-    /// What was told within the last second.
-    void deedsDone(const std::vector<Deed> &deeds);
+    /// What was told within the last second; `isAll` unless there was more.
+    void deedsDone(const std::vector<Deed> &deeds, bool isAll);
 
 private:
     void queueNext();
     void showNext();
     void boxClosed();
+    void passDeeds();
 
     QPointer<QWidget> window;
     TrafficSource *traffic = nullptr;
@@ -70,4 +72,5 @@ private:
     QTimer timer;
     QStringList boxes; ///< texts; the first one is being shown
     std::vector<Deed> deeds; ///< to be told together
+    bool missedDeeds = false; ///< there were more
 };

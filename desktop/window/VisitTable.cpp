@@ -70,7 +70,7 @@ std::vector<KeyedTable::Row> visitorRows(const std::vector<ServerVisit> &visits)
         const QString since =
             QLocale().toString(visit->since.toLocalTime().time(), QLocale::ShortFormat);
         rows.push_back({ key,
-                         client.address,
+                         visit->counted,
                          { client.address.toString(), shownPath(client.account),
                            shownPath(client.program), since } });
     }
@@ -107,7 +107,7 @@ std::vector<KeyedTable::Row> TransferRows::look(const std::vector<ServerVisit> &
         const bool ends = isKnown && transfer.left >= 0;
         rows.push_back(
             { key,
-              one.visit.client.address,
+              one.visit.counted,
               { shownPath(transfer.path),
                 transfer.isUpload ? WindowText::tr("Upload") : WindowText::tr("Download"),
                 shownProgress(transfer),
@@ -169,7 +169,10 @@ QVariant KeyedTable::data(const QModelIndex &index, int role) const
     if (role != Qt::DisplayRole && role != Qt::ToolTipRole)
         return {};
     const Row *found = row(index);
-    return found ? found->texts.value(index.column()) : QVariant();
+    if (!found)
+        return {};
+    const QString text = found->texts.value(index.column());
+    return role == Qt::ToolTipRole ? richTip(text) : text;
 }
 
 QVariant KeyedTable::headerData(int section, Qt::Orientation orientation, int role) const

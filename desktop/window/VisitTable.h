@@ -21,7 +21,7 @@ public:
     struct Row
     {
         QString key; ///< another one for each row
-        QHostAddress address; ///< of the visitor
+        QHostAddress counted; ///< see `Visit`
         QStringList texts;
     };
 

@@ -6,6 +6,7 @@
 #include "server/Connection.h"
 #include "server/CrossSite.h"
 #include "server/PasswordChecks.h"
+#include "server/PeerAddress.h"
 #include "server/PeerCount.h"
 #include "server/TrustedProxy.h"
 #include "standard/Log.h"
@@ -94,9 +95,9 @@ void StandardFace::dropHandler()
 
 void StandardFace::requestReady(Request request)
 {
-    connection.noteRequest(request.value("User-Agent"));
     request.outside =
         takeForwarded(request, channel.connection().peerAddress(), *exchange.service().profile);
+    connection.noteRequest(request.outside.visitor, request.value("User-Agent"));
     exchange.begin(std::move(request));
     isAtDoor = true;
     if (isWelcome())
@@ -122,7 +123,7 @@ bool StandardFace::isMisdirected()
 bool StandardFace::isWelcome()
 {
     // Whoever comes by a proxy; others got no connection.
-    if (exchange.service().setup.peers->isBlocked(exchange.request().outside.visitor)) {
+    if (exchange.service().setup.peers->isBlocked(peerOf(exchange.request().outside.visitor))) {
         exchange.refuse(Status::Forbidden, blockedByOwner);
         return false;
     }
@@ -232,7 +233,7 @@ void StandardFace::refuseLogin(Authenticator::Outcome outcome)
 
 void StandardFace::dispatch()
 {
-    connection.noteClient(exchange.request().outside.visitor, exchange.access().account);
+    connection.noteAccount(exchange.access().account);
     if (namesHiddenUpload(exchange.path()))
         return exchange.refuse(
             isSafe(exchange.request().method) ? Status::NotFound : Status::Forbidden, keptNames);
@@ -249,7 +250,7 @@ void StandardFace::requestBad(Status status)
 {
     qCDebug(standardLog) << "refused:" << statusText(status) << "from"
                          << channel.connection().peerAddress();
-    connection.noteRequest({});
+    connection.noteRequest(channel.connection().peerAddress(), {});
     exchange.begin({});
     exchange.refuse(status);
 }
@@ -302,8 +303,12 @@ void StandardFace::replyEnded()
         handler->end();
     const Request &request = exchange.request();
     if (connection.isWatched())
-        connection.noteEnd(request.methodName, request.target.path, exchange.status(),
-                           channel.canAnswer());
+        connection.noteEnd({ {},
+                             request.methodName,
+                             request.target.path,
+                             exchange.status(),
+                             channel.canAnswer(),
+                             exchange.namesFolder() });
     exchange.finish();
 }
 

@@ -57,9 +57,11 @@ private Q_SLOTS:
     void visitorsAndTransfers()
     {
         const QHostAddress phone(QStringLiteral("192.0.2.7"));
-        Deed deed{ { phone, "anna", "Firefox" }, "GET", "a\n\xe2\x80\xaegpj.exe", 200, true, 5 };
-        Deed look{ { phone, "anna", "Firefox" }, "GET", "folder/", 200, true, 5 };
-        Deed refused{ { phone, {}, {} }, "DELETE", "b", 403, true, 5 };
+        Deed deed{
+            { phone, "anna", "Firefox" }, "GET", "a\n\xe2\x80\xaegpj.exe", 200, true, false
+        };
+        Deed look{ { phone, "anna", "Firefox" }, "GET", "folder/", 200, true, false };
+        Deed refused{ { phone, {}, {} }, "DELETE", "<b>b", 403, true, false };
         DeedLog log;
         log.add({ deed, look, deed, refused }, QDateTime::currentDateTime());
         QCOMPARE(log.rowCount(), 2);
@@ -74,6 +76,15 @@ private Q_SLOTS:
             log.add({ i % 2 ? deed : refused }, QDateTime::currentDateTime());
         QCOMPARE(log.rowCount(), int(DeedLog::maxRows));
 
+        QVERIFY(log.index(0, DeedLog::File)
+                    .data(Qt::ToolTipRole)
+                    .toString()
+                    .contains(QLatin1String("&lt;b")));
+    }
+
+    void logFile()
+    {
+        const Deed deed{ {}, "GET", "a\nb", 200, true, false };
         const QTemporaryDir folder;
         const LogFile file(folder.filePath(QStringLiteral("state/log")));
         QVERIFY(file.append(deedLine(deed, QDateTime::currentDateTime())));
@@ -88,10 +99,22 @@ private Q_SLOTS:
         QVERIFY(written.resize(LogFile::maxSize + 1) && file.append(line));
         QCOMPARE(QFileInfo(file.fileName()).size(), qint64(line.size()));
         QVERIFY(QFile::exists(file.fileName() + QLatin1String(".1")));
+        // Half a line, of a full disk.
+        QVERIFY(QFile::resize(file.fileName(), line.size() - 3) && file.append(line));
+        QFile mended(file.fileName());
+        QVERIFY(mended.open(QFile::ReadOnly) && mended.readAll().endsWith('\n' + line));
+        Deed endless = deed;
+        endless.path = QByteArray(100000, '\1');
+        QVERIFY(deedLine(endless, QDateTime::currentDateTime()).size() < 5000);
+    }
 
-        Visit visit{ 1, deed.client, QDateTime::currentDateTimeUtc(),
-                     FileTransfer{ true, 5120, "f", 1024 } };
-        Visit second{ 2, deed.client, visit.since, {} };
+    void visitTables()
+    {
+        const Client anna{ QHostAddress(QStringLiteral("192.0.2.7")), "anna", "Firefox" };
+        Visit visit{
+            1, anna, {}, QDateTime::currentDateTimeUtc(), FileTransfer{ true, 5120, "f", 1024 }
+        };
+        Visit second{ 2, anna, {}, visit.since, {} };
         QCOMPARE(visitorRows({ { nullptr, visit }, { nullptr, second } }).size(), std::size_t(1));
         TransferRows moving;
         const TransferRows::Clock::time_point start{};

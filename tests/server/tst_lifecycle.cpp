@@ -228,6 +228,7 @@ void TestLifecycle::tellsWhatVisitorsDo()
         QTRY_VERIFY(transfer() && transfer()->done > 0 && !transfer()->isUpload);
         QVERIFY(transfer()->path.endsWith("big file") && transfer()->left > 0);
         QCOMPARE(live->server->visits().front().client.program, QByteArray("curl"));
+        QCOMPARE(live->server->visits().front().counted, client.socket->localAddress());
         live->server->disconnect([](const Visit &visit) {
             return visit.client.address.toString() == QLatin1String("127.0.0.2");
         });
@@ -244,6 +245,7 @@ void TestLifecycle::tellsWhatVisitorsDo()
         QVERIFY(second.reply().status().startsWith("20"));
         QTRY_COMPARE(live->sink.deeds.size(), 2);
         QVERIFY(live->sink.deeds[1].isWhole && live->sink.deeds[1].status / 100 == 2);
+        QVERIFY(live->server->visits().front().counted.isNull());
 
         live->engine.setup()->peers->block(QHostAddress(QStringLiteral("127.0.0.2")));
         RawClient blocked(live->port(), QHostAddress(QStringLiteral("127.0.0.2")));

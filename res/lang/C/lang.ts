@@ -2,6 +2,13 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en_US" sourcelanguage="en_US">
 <context>
+    <name>Activity</name>
+    <message>
+        <source>The log of events can&apos;t be written</source>
+        <translation>The log of events can&apos;t be written</translation>
+    </message>
+</context>
+<context>
     <name>ActivityDialog</name>
     <message>
         <source>Address</source>
@@ -825,6 +832,10 @@
     <message>
         <source>Visitors and transfers</source>
         <translation>Visitors and transfers</translation>
+    </message>
+    <message>
+        <source>More than could be noted</source>
+        <translation>More than could be noted</translation>
     </message>
 </context>
 <context>

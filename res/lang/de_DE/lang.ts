@@ -2,6 +2,13 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE" sourcelanguage="en_US">
 <context>
+    <name>Activity</name>
+    <message>
+        <source>The log of events can&apos;t be written</source>
+        <translation>Die Ereignisse können nicht in ihre Datei geschrieben werden</translation>
+    </message>
+</context>
+<context>
     <name>ActivityDialog</name>
     <message>
         <source>Address</source>
@@ -825,6 +832,10 @@
     <message>
         <source>Visitors and transfers</source>
         <translation>Besucher und Übertragungen</translation>
+    </message>
+    <message>
+        <source>More than could be noted</source>
+        <translation>Mehr, als festgehalten werden konnte</translation>
     </message>
 </context>
 <context>

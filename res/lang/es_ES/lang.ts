@@ -2,6 +2,13 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="es_ES" sourcelanguage="en_US">
 <context>
+    <name>Activity</name>
+    <message>
+        <source>The log of events can&apos;t be written</source>
+        <translation>Los sucesos no se pueden escribir en su archivo</translation>
+    </message>
+</context>
+<context>
     <name>ActivityDialog</name>
     <message>
         <source>Address</source>
@@ -825,6 +832,10 @@
     <message>
         <source>Visitors and transfers</source>
         <translation>Visitantes y transferencias</translation>
+    </message>
+    <message>
+        <source>More than could be noted</source>
+        <translation>Más de lo que se pudo anotar</translation>
     </message>
 </context>
 <context>

@@ -2,6 +2,13 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="fr_FR" sourcelanguage="en_US">
 <context>
+    <name>Activity</name>
+    <message>
+        <source>The log of events can&apos;t be written</source>
+        <translation>Les événements ne peuvent être écrits dans leur fichier</translation>
+    </message>
+</context>
+<context>
     <name>ActivityDialog</name>
     <message>
         <source>Address</source>
@@ -825,6 +832,10 @@
     <message>
         <source>Visitors and transfers</source>
         <translation>Visiteurs et transferts</translation>
+    </message>
+    <message>
+        <source>More than could be noted</source>
+        <translation>Plus qu&apos;il n&apos;a pu en être noté</translation>
     </message>
 </context>
 <context>
