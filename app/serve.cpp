@@ -1,4 +1,5 @@
 #include "app/AllFaces.h"
+#include "app/Announcing.h"
 #include "app/Console.h"
 #include "app/Process.h"
 #include "app/ServerRules.h"
@@ -39,6 +40,8 @@ struct Options
     QStringList names; ///< of this server beside the profile's
     std::optional<QByteArray> pathPrefix; ///< absent: the profile's
     bool defaultProfile = false; ///< none of the stored ones
+    bool announced = false; ///< whatever the profile says
+    QString announcedName; ///< empty: the profile's
     bool sandbox = true;
     QString path; ///< as given
 };
@@ -95,6 +98,13 @@ struct CommandLine
         text("What a trusted proxy leaves in front of all paths, like /share."),
         QStringLiteral("PATH")
     };
+    const QCommandLineOption announce{
+        QStringLiteral("announce"),
+        text("Let others in the network find the server by name (DNS-SD, by way of Avahi).")
+    };
+    const QCommandLineOption announceAs{ QStringLiteral("announce-as"),
+                                         text("The same, with this name."),
+                                         QStringLiteral("NAME") };
     const QCommandLineOption hash{
         QStringLiteral("hash"),
         text(
@@ -116,7 +126,7 @@ struct CommandLine
         parser.setApplicationDescription(
             text("Serves a file or folder to browsers and WebDAV clients."));
         parser.addOptions({ help, address, port, mode, trustProxy, name, pathPrefix, profile,
-                            defaults, hash, noSandbox });
+                            defaults, announce, announceAs, hash, noSandbox });
         parser.addPositionalArgument(QStringLiteral("PATH"), text("The file or folder to serve."));
     }
 };
@@ -223,6 +233,8 @@ QString takeOptions(const CommandLine &line, Options *options)
     options->path = paths.constFirst();
     options->profile = line.parser.value(line.profile);
     options->defaultProfile = line.parser.isSet(line.defaults);
+    options->announced = line.parser.isSet(line.announce) || line.parser.isSet(line.announceAs);
+    options->announcedName = line.parser.value(line.announceAs);
     options->sandbox = !line.parser.isSet(line.noSandbox);
     if (options->defaultProfile && line.parser.isSet(line.profile))
         return text("--profile and --default-profile exclude each other.");
@@ -263,7 +275,7 @@ QList<QHostAddress> reachableAt(const QHostAddress &listening)
     return addresses;
 }
 
-void announce(Console *console, const WebServer &server, const QString &path)
+void printAddresses(Console *console, const WebServer &server, const QString &path)
 {
     const QList<QHostAddress> addresses = reachableAt(server.ip());
     for (const QHostAddress &address : addresses) {
@@ -316,6 +328,17 @@ Profile *storedProfile(Console *console, const Options &options, const Profiles 
     return profile;
 }
 
+/// What is announced is withdrawn once the descriptor is closed.
+FileDescriptor announce(Console *console, const WebServer &server, const Profile &profile)
+{
+    if (profile.announced == 0)
+        return {};
+    FileDescriptor announcing = startAnnouncing(server, profile);
+    if (!announcing.isOpen())
+        console->error(text("Not found in the network: quillon-announce can't be started."));
+    return announcing;
+}
+
 /// Takes from this process what serving has no need of, and says whether the kernel could. Keys are
 /// loaded and the socket listens by now, while no job has started a thread yet.
 void confineServer(Console *console, const QString &path, const Profile &profile)
@@ -346,6 +369,10 @@ int serve(Console *console, const Options &options, const QString &path, const P
     // What the command line says is for this run alone.
     const std::unique_ptr<Profile> profile = stored->clone();
     profile->faceMode = options.mode.value_or(FaceMode(profile->faceMode));
+    if (options.announced)
+        profile->announced = 1;
+    if (!options.announcedName.isEmpty())
+        profile->announcedName = options.announcedName;
     profile->trustedProxies += options.proxies;
     profile->names += options.names;
     profile->pathPrefix = options.pathPrefix.value_or(profile->pathPrefix);
@@ -378,9 +405,10 @@ int serve(Console *console, const Options &options, const QString &path, const P
         console->error(text("Warning: Everyone who reaches this computer could read, change and "
                             "delete all of %1")
                            .arg(path));
+    const FileDescriptor announcing = announce(console, server, *profile);
     if (options.sandbox)
         confineServer(console, path, *profile);
-    announce(console, server, options.path);
+    printAddresses(console, server, options.path);
     manager->tellReady();
     const int status = QCoreApplication::exec();
     manager->tellStopping();

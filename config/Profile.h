@@ -62,6 +62,8 @@ struct ProfileValues
     qint32 strict = 0; ///< see `isStrict`, 0 or 1
     QStringList trustedProxies; ///< addresses of those whose word is taken for who asked for what
     QStringList names; ///< hosts that this server is called by elsewhere; see `hostNameOf`
+    qint32 announced = 0; ///< whether others in the network find it by DNS-SD, 0 or 1
+    QString announcedName; ///< as people see it there; empty: by the name of the machine
     QByteArray pathPrefix; ///< that they leave on paths; see `pathPrefixOf`
     std::optional<Rights> everyone; ///< rights; none: those of the switches
     QMap<QString, AccountRights> accountRights; ///< by name

@@ -102,6 +102,18 @@ QByteArray sayPrefix(const ProfileValues &values)
     return values.pathPrefix;
 }
 
+bool takeAnnouncedName(const QByteArray &text, ProfileValues *values)
+{
+    values->announcedName = QString::fromUtf8(text);
+    return true;
+}
+
+/// A line by itself, whatever was typed.
+QByteArray sayAnnouncedName(const ProfileValues &values)
+{
+    return values.announcedName.simplified().toUtf8();
+}
+
 constexpr auto asSwitched = "switches"; ///< the rights that the profile file's switches give
 constexpr auto asEveryone = "everyone";
 
@@ -144,6 +156,9 @@ constexpr std::array textKeys{
     TextKey{ "names", takeList<&ProfileValues::names, hostNameOf>, sayList<&ProfileValues::names>,
              true },
     TextKey{ "path-prefix", takePrefix, sayPrefix },
+    TextKey{ "announce", takeWord<&ProfileValues::announced, switched>,
+             sayWord<&ProfileValues::announced, switched> },
+    TextKey{ "announce-name", takeAnnouncedName, sayAnnouncedName },
     TextKey{ "everyone", takeEveryone, sayEveryone, true },
     TextKey{ "login-password", takePassword, sayPassword, true },
 };

@@ -25,11 +25,13 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_EXTRA
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 # For the key that is made at the installation, and by the window.
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "adduser, openssl")
+# Has servers found in the network.
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS avahi-daemon)
 if(QUILLON_DESKTOP)
   # Opens addresses in the browser.
   set(CPACK_DEBIAN_PACKAGE_RECOMMENDS xdg-utils)
   # Reads the entry for the menu of the file manager.
-  set(CPACK_DEBIAN_PACKAGE_SUGGESTS python3-nautilus)
+  string(APPEND CPACK_DEBIAN_PACKAGE_SUGGESTS ", python3-nautilus")
   if(QUILLON_QT EQUAL 5)
     # Four of the styles that the look-and-feel settings offer.
     string(APPEND CPACK_DEBIAN_PACKAGE_DEPENDS ", qt5-style-plugins")

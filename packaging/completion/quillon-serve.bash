@@ -10,7 +10,7 @@ _quillon_serve() {
             [[ $name == "*" || $name != "$word"* ]] || COMPREPLY+=("$(printf %q "$name")")
         done
         ;;
-    --address | --port | --trust-proxy | --name | --path-prefix) ;;
+    --address | --port | --trust-proxy | --name | --path-prefix | --announce-as) ;;
     *)
         if [[ $word == -* ]]; then
             mapfile -t COMPREPLY < <(compgen -W "$("$1" --help 2>/dev/null |

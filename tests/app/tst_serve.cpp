@@ -1,8 +1,10 @@
 #include "server/PasswordHash.h"
 #include "tests/files/Pictures.h"
+#include "tests/platform/PrivateBus.h"
 #include "tests/support/Data.h"
 #include "tests/support/LiveServer.h"
 
+#include <QDBusConnectionInterface>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QTcpServer>
@@ -83,6 +85,7 @@ private Q_SLOTS:
     void warnsOfAnOpenHome();
     void servesWhoeverReadsItsErrors();
     void worksInAFolderOfItsOwn();
+    void isAnnouncedUntilItIsGone();
     void isConfined_data();
     void isConfined();
     void worksConfined();
@@ -418,6 +421,33 @@ void TestServe::takeOver()
     environment.insert(QStringLiteral("HOSTILE_FOLDER"), home->path());
     program.setProcessEnvironment(environment);
     writeFile(home->path() + QLatin1String("/secret"), "secret");
+}
+
+void TestServe::isAnnouncedUntilItIsGone()
+{
+    const PrivateBus bus;
+    StandInAvahi avahi(bus);
+    auto environment = program.processEnvironment();
+    environment.insert("DBUS_SYSTEM_BUS_ADDRESS"_q, bus.address);
+    program.setProcessEnvironment(environment);
+    home->storeProfile("work"_q, [](Profile &profile) {
+        profile.announcedName = "Work\n= mine"_q;
+        profile.authMode = AuthBasic;
+        profile.users = QStringList{ "anna:secret"_q };
+    });
+    start(serving({ "--profile"_q, "work"_q, "--announce"_q }));
+    const QString told = "AddService 1 0 0 Work = mine _http._tcp   %1 path=/ u=anna;"_q;
+    const quint16 port = waitForPort();
+    QVERIFY(avahi.takenUpTo("Commit"_q).contains(told.arg(port)));
+    avahi.tellState("/group"_q, "EntryGroup"_q, 2);
+    program.setReadChannel(QProcess::StandardError);
+    QTRY_VERIFY(program.peek(9999).contains("announce: Found in the network as \"Work = mine\"."));
+    // Killed, it can't withdraw anything; Avahi forgets those who are gone from the bus.
+    program.setReadChannel(QProcess::StandardOutput);
+    const auto onBus = [&avahi] { return avahi.bus.interface()->registeredServiceNames().value(); };
+    const auto before = onBus().size();
+    program.kill();
+    QTRY_COMPARE(onBus().size(), before - 1);
 }
 
 void TestServe::isConfined_data()

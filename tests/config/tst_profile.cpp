@@ -240,13 +240,13 @@ void TestProfile::keepsMoreValuesAsText()
 
     home->writeProfile(file,
                        "trusted-proxies = 127.0.0.1,::1\nnames = Nas.Example, ::1\n"
-                       "path-prefix = /a%20b/\n");
+                       "path-prefix = /a%20b/\nannounce=yes\nannounce-name = a  = b \n");
     QVERIFY(work.load());
     QCOMPARE(work.trustedProxies.join(QLatin1Char('|')), QStringLiteral("127.0.0.1|::1"));
     QVERIFY(work.amend([](Profile &profile) { profile.trustedProxies.removeLast(); }));
     QCOMPARE(home->profileBytes(file),
-             QByteArray(
-                 "trusted-proxies = 127.0.0.1\nnames = nas.example, ::1\npath-prefix = /a%20b\n"));
+             QByteArray("trusted-proxies = 127.0.0.1\nnames = nas.example, ::1\npath-prefix = "
+                        "/a%20b\nannounce = yes\nannounce-name = a = b\n"));
 
     for (const QByteArray &bytes :
          { QByteArray("sync"), QByteArray("propfind-infinity = yes\n"),

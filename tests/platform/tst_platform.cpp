@@ -1,0 +1,76 @@
+#include "platform/Announcer.h"
+#include "tests/platform/PrivateBus.h"
+
+#include <QSignalSpy>
+
+/// What is asked of the system, whether there is somebody to ask or not.
+class TestPlatform : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void tellsWhereTheServerIs();
+    void takesAnotherNameWhenItsOwnIsTaken();
+    void followsAvahi();
+
+private:
+    const PrivateBus bus;
+    const Announcement files{ "Files"_q, 8080, false, {} };
+    const QString asked = "Reset; AddService -1 -1 0 %1 _http._tcp   8080 path=/; "
+                          "AddService -1 -1 0 %1 _webdav._tcp   8080 path=/; Commit"_q;
+};
+
+void TestPlatform::tellsWhereTheServerIs()
+{
+    StandInAvahi avahi(bus);
+    auto announcer = std::make_unique<Announcer>(bus.connection("user"_q));
+    const QString euros(22, QChar(0x20ac)); // 66 bytes
+    announcer->announce({ " ab\n"_q + euros, 443, true, "jö"_q, Announcement::IpVersion::V4, 7 });
+    const QString told = "AddService 7 0 0 ab %1 %2   443 path=/ u=jö"_q.arg(euros.left(20));
+    QCOMPARE(avahi.takenUpTo("Commit"_q),
+             "EntryGroupNew; Reset; %1; %2; Commit"_q.arg(told.arg("_https._tcp"_q),
+                                                          told.arg("_webdavs._tcp"_q)));
+    announcer->withdraw();
+    avahi.tellState("/"_q, "Server"_q, 2);
+    QCOMPARE(avahi.takenUpTo("Reset"_q), "Reset"_q);
+    announcer.reset();
+    QCOMPARE(avahi.takenUpTo("Free"_q), "Free"_q);
+}
+
+void TestPlatform::takesAnotherNameWhenItsOwnIsTaken()
+{
+    StandInAvahi avahi(bus);
+    avahi.errors.insert("AddService"_q, "org.freedesktop.Avahi.CollisionError"_q);
+    Announcer announcer(bus.connection("user"_q));
+    QSignalSpy announced(&announcer, &Announcer::announced);
+    QSignalSpy refused(&announcer, &Announcer::refused);
+    announcer.announce(files);
+    QVERIFY(avahi.takenUpTo("Commit"_q)
+                .endsWith("Reset; GetAlternativeServiceName Files; "_q + asked.arg("Files #2"_q)));
+    // Another machine may object later.
+    avahi.answers["GetAlternativeServiceName"_q] = { "Files #3"_q };
+    avahi.tellState("/group"_q, "EntryGroup"_q, 3);
+    QVERIFY(avahi.takenUpTo("Commit"_q).endsWith(asked.arg("Files #3"_q)));
+    avahi.tellState("/group"_q, "EntryGroup"_q, 2);
+    QTRY_COMPARE(announced.value(0), QVariantList{ "Files #3"_q });
+    avahi.tellState("/group"_q, "EntryGroup"_q, 4);
+    QTRY_COMPARE(refused, QList<QVariantList>{ { "why"_q } });
+}
+
+void TestPlatform::followsAvahi()
+{
+    Announcer announcer(bus.connection("user"_q));
+    QSignalSpy refused(&announcer, &Announcer::refused);
+    announcer.announce(files);
+    for (int run = 0; run < 2; ++run) {
+        StandInAvahi avahi(bus);
+        QCOMPARE(avahi.takenUpTo("Commit"_q), "EntryGroupNew; "_q + asked.arg("Files"_q));
+        // The machine may get another name, to which everything is to lead then.
+        avahi.tellState("/"_q, "Server"_q, 2);
+        QCOMPARE(avahi.takenUpTo("Commit"_q), asked.arg("Files"_q));
+    }
+    QVERIFY(refused.isEmpty() && !bus.startedAvahi());
+}
+
+QTEST_GUILESS_MAIN(TestPlatform)
+#include "tst_platform.moc"
