@@ -1,7 +1,12 @@
+#include "files/FileDescriptor.h"
 #include "platform/Announcer.h"
+#include "platform/KeepAwake.h"
 #include "tests/platform/PrivateBus.h"
 
 #include <QSignalSpy>
+
+#include <poll.h>
+#include <unistd.h>
 
 /// What is asked of the system, whether there is somebody to ask or not.
 class TestPlatform : public QObject
@@ -12,6 +17,7 @@ private Q_SLOTS:
     void tellsWhereTheServerIs();
     void takesAnotherNameWhenItsOwnIsTaken();
     void followsAvahi();
+    void keepsTheSystemAwake();
 
 private:
     const PrivateBus bus;
@@ -70,6 +76,31 @@ void TestPlatform::followsAvahi()
         QCOMPARE(avahi.takenUpTo("Commit"_q), asked.arg("Files"_q));
     }
     QVERIFY(refused.isEmpty() && !bus.startedAvahi());
+}
+
+void TestPlatform::keepsTheSystemAwake()
+{
+    KeepAwake awake("Files are sent"_q, bus.connection("user"_q));
+    awake.setNeeded(true); // there is nobody to ask
+    awake.setNeeded(false);
+    QTest::qWait(2500);
+    int ends[2] = {};
+    QVERIFY(::pipe(ends) == 0);
+    const FileDescriptor reading(ends[0]);
+    StandIn login(bus, "org.freedesktop.login1"_q,
+                  { { "Inhibit"_q, { QVariant::fromValue(QDBusUnixFileDescriptor(ends[1])) } } });
+    ::close(ends[1]);
+    for (int transfer = 0; transfer < 5; ++transfer) {
+        awake.setNeeded(true);
+        QTRY_COMPARE(login.calls,
+                     QStringList{ "Inhibit sleep:idle Quillon Files are sent block"_q });
+        login.answers.clear();
+        awake.setNeeded(false);
+        QTest::qWait(600);
+    }
+    pollfd end = { reading.get(), POLLIN, 0 };
+    QVERIFY(::poll(&end, 1, 0) == 0);
+    QTRY_VERIFY(::poll(&end, 1, 0) == 1);
 }
 
 QTEST_GUILESS_MAIN(TestPlatform)
