@@ -1,6 +1,7 @@
 #include "files/FileDescriptor.h"
 #include "platform/Announcer.h"
 #include "platform/KeepAwake.h"
+#include "platform/Notifier.h"
 #include "tests/platform/PrivateBus.h"
 
 #include <QSignalSpy>
@@ -18,6 +19,7 @@ private Q_SLOTS:
     void takesAnotherNameWhenItsOwnIsTaken();
     void followsAvahi();
     void keepsTheSystemAwake();
+    void showsNotifications();
 
 private:
     const PrivateBus bus;
@@ -83,14 +85,14 @@ void TestPlatform::keepsTheSystemAwake()
     KeepAwake awake("Files are sent"_q, bus.connection("user"_q));
     awake.setNeeded(true); // there is nobody to ask
     awake.setNeeded(false);
-    QTest::qWait(2500);
+    QTest::qWait(2200);
     int ends[2] = {};
     QVERIFY(::pipe(ends) == 0);
     const FileDescriptor reading(ends[0]);
     StandIn login(bus, "org.freedesktop.login1"_q,
                   { { "Inhibit"_q, { QVariant::fromValue(QDBusUnixFileDescriptor(ends[1])) } } });
     ::close(ends[1]);
-    for (int transfer = 0; transfer < 5; ++transfer) {
+    for (int transfer = 0; transfer < 4; ++transfer) {
         awake.setNeeded(true);
         QTRY_COMPARE(login.calls,
                      QStringList{ "Inhibit sleep:idle Quillon Files are sent block"_q });
@@ -101,6 +103,30 @@ void TestPlatform::keepsTheSystemAwake()
     pollfd end = { reading.get(), POLLIN, 0 };
     QVERIFY(::poll(&end, 1, 0) == 0);
     QTRY_VERIFY(::poll(&end, 1, 0) == 1);
+}
+
+void TestPlatform::showsNotifications()
+{
+    Notifier notifier(bus.connection("user"_q));
+    QSignalSpy notShown(&notifier, &Notifier::notShown);
+    notifier.show("R & D"_q, "<b>"_q);
+    QTRY_COMPARE(notShown, QList<QVariantList>({ { "R & D"_q, "<b>"_q } }));
+    // A desktop comes up later, and then another one.
+    for (const auto &[ability, text] :
+         { std::pair{ "body"_q, "<b>"_q }, { "body-markup"_q, "&lt;b&gt;"_q } }) {
+        StandIn service(
+            bus, "org.freedesktop.Notifications"_q,
+            { { "Notify"_q, { 7U } }, { "GetCapabilities"_q, { QStringList{ ability } } } });
+        notifier.show("R & D"_q, "<b>"_q);
+        QCOMPARE(service.takenUpTo("Notify"_q),
+                 "GetCapabilities; Notify Quillon 0 quillon R & D %1   -1"_q.arg(text));
+        for (int times = 0; times < 100; ++times)
+            notifier.show("R & D"_q, QString::number(times));
+        notShown.clear();
+        service.errors.insert("Notify"_q, "org.example.Full"_q);
+        QCOMPARE(service.takenUpTo("Notify"_q), "Notify Quillon 7 quillon R & D 99   -1"_q);
+        QTRY_COMPARE(notShown.value(0).value(1), QVariant("99"_q));
+    }
 }
 
 QTEST_GUILESS_MAIN(TestPlatform)
