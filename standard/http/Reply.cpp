@@ -132,7 +132,14 @@ QByteArray headBlock(const ReplyHead &head)
 
 QByteArray chunk(const QByteArray &bytes)
 {
-    return QByteArray::number(qlonglong(bytes.size()), 16) + "\r\n" + bytes + "\r\n";
+    constexpr int mostAround = 32; ///< bytes: the size and two ends of lines
+    QByteArray framed;
+    framed.reserve(bytes.size() + mostAround);
+    framed += QByteArray::number(qlonglong(bytes.size()), 16);
+    framed += "\r\n";
+    framed += bytes;
+    framed += "\r\n";
+    return framed;
 }
 
 } // namespace standard
