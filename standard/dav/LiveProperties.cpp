@@ -4,6 +4,7 @@
 #include "standard/http/Conditions.h"
 #include "standard/http/ContentType.h"
 #include "standard/http/HttpDate.h"
+#include "standard/http/MultiStatus.h"
 
 #include <QDateTime>
 
@@ -27,23 +28,23 @@ qint64 created(const DavResource &resource)
     return isKnown ? qint64(status.stx_btime.tv_sec) : resource.facts.seconds;
 }
 
-bool appendCreationDate(QByteArray &to, const DavResource &resource, const ReplyFacts &)
+bool appendCreationDate(std::string &to, const DavResource &resource, const ReplyFacts &)
 {
-    to +=
-        QDateTime::fromSecsSinceEpoch(created(resource), Qt::UTC).toString(Qt::ISODate).toLatin1();
+    const QDateTime time = QDateTime::fromSecsSinceEpoch(created(resource), Qt::UTC);
+    addBytes(to, time.toString(Qt::ISODate).toLatin1());
     return true;
 }
 
-bool appendDisplayName(QByteArray &to, const DavResource &resource, const ReplyFacts &)
+bool appendDisplayName(std::string &to, const DavResource &resource, const ReplyFacts &)
 {
-    to += xmlText(QString::fromUtf8(resource.name));
+    addBytes(to, xmlText(QString::fromStdString(resource.name)));
     return true;
 }
 
-bool appendContentLength(QByteArray &to, const DavResource &resource, const ReplyFacts &)
+bool appendContentLength(std::string &to, const DavResource &resource, const ReplyFacts &)
 {
     if (resource.facts.file)
-        to += QByteArray::number(resource.facts.size);
+        to += std::to_string(resource.facts.size);
     return resource.facts.file;
 }
 
@@ -51,46 +52,48 @@ QByteArray typeInside(const DavResource &resource)
 {
     const int flags = O_RDONLY | O_CLOEXEC | O_NONBLOCK;
     const FileDescriptor file(::open(resource.subject.systemPath.constData(), flags));
-    return contentType(resource.name, file.get());
+    return contentType(QByteArray::fromStdString(resource.name), file.get());
 }
 
 /// What GET says (RFC 4918, section 15.5). A listing would read the begin of each text for its
 /// charset, and tells the type alone.
-bool appendContentType(QByteArray &to, const DavResource &resource, const ReplyFacts &)
+bool appendContentType(std::string &to, const DavResource &resource, const ReplyFacts &)
 {
     if (resource.facts.file)
-        to += resource.isAlone ? typeInside(resource) : contentType(resource.name);
+        addBytes(to,
+                 resource.isAlone ? typeInside(resource)
+                                  : contentType(QByteArray::fromStdString(resource.name)));
     return resource.facts.file;
 }
 
-bool appendTag(QByteArray &to, const DavResource &resource, const ReplyFacts &)
+bool appendTag(std::string &to, const DavResource &resource, const ReplyFacts &)
 {
     if (resource.facts.file)
-        to += entityTag(resource.facts);
+        addBytes(to, entityTag(resource.facts));
     return resource.facts.file;
 }
 
-bool appendLastModified(QByteArray &to, const DavResource &resource, const ReplyFacts &)
+bool appendLastModified(std::string &to, const DavResource &resource, const ReplyFacts &)
 {
-    to += httpDate(resource.facts.seconds);
+    addBytes(to, httpDate(resource.facts.seconds));
     return true;
 }
 
 /// Present for files as well: some clients take what has none for nothing.
-bool appendResourceType(QByteArray &to, const DavResource &resource, const ReplyFacts &)
+bool appendResourceType(std::string &to, const DavResource &resource, const ReplyFacts &)
 {
     if (resource.facts.folder)
         to += "<D:collection/>";
     return true;
 }
 
-bool appendLocks(QByteArray &to, const DavResource &resource, const ReplyFacts &common)
+bool appendLocks(std::string &to, const DavResource &resource, const ReplyFacts &common)
 {
-    to += common.locks.at(resource.path);
+    addBytes(to, common.locks.at(resource.path));
     return true;
 }
 
-bool appendSupportedLocks(QByteArray &to, const DavResource &, const ReplyFacts &)
+bool appendSupportedLocks(std::string &to, const DavResource &, const ReplyFacts &)
 {
     for (const char *scope : { "<D:exclusive/>", "<D:shared/>" }) {
         to += "<D:lockentry><D:lockscope>";
@@ -100,25 +103,25 @@ bool appendSupportedLocks(QByteArray &to, const DavResource &, const ReplyFacts 
     return true;
 }
 
-bool appendBytes(QByteArray &to, const DavResource &resource, qint64 bytes)
+bool appendBytes(std::string &to, const DavResource &resource, qint64 bytes)
 {
     const bool isKnown = resource.facts.folder && bytes >= 0;
     if (isKnown)
-        to += QByteArray::number(bytes);
+        to += std::to_string(bytes);
     return isKnown;
 }
 
-bool appendFreeBytes(QByteArray &to, const DavResource &resource, const ReplyFacts &common)
+bool appendFreeBytes(std::string &to, const DavResource &resource, const ReplyFacts &common)
 {
     return appendBytes(to, resource, common.freeBytes);
 }
 
-bool appendUsedBytes(QByteArray &to, const DavResource &resource, const ReplyFacts &common)
+bool appendUsedBytes(std::string &to, const DavResource &resource, const ReplyFacts &common)
 {
     return appendBytes(to, resource, common.usedBytes);
 }
 
-bool appendExecutable(QByteArray &to, const DavResource &resource, const ReplyFacts &)
+bool appendExecutable(std::string &to, const DavResource &resource, const ReplyFacts &)
 {
     if (resource.facts.file)
         to += (resource.facts.mode & S_IXUSR) != 0 ? 'T' : 'F';

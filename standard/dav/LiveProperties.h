@@ -7,6 +7,7 @@
 
 #include <QByteArray>
 
+#include <string>
 #include <vector>
 
 namespace standard {
@@ -15,8 +16,8 @@ namespace standard {
 struct DavResource
 {
     QByteArray path; ///< relative to the share's root
-    QByteArray href; ///< see `urlPath`
-    QByteArray name; ///< that people know it by, in UTF-8
+    std::string href; ///< see `urlPath`
+    std::string name; ///< that people know it by, in UTF-8
     EntryFacts facts;
     PropertySubject subject;
     bool isAlone = false; ///< nothing but it is told, so there is time to look into it
@@ -38,7 +39,7 @@ struct LiveProperty
     bool inAll; ///< told to who asks for all; the others cost a look of their own
     bool needsPath; ///< or the subject, not the facts alone
     /// Appends the value; false when the resource has no such property.
-    bool (*append)(QByteArray &to, const DavResource &resource, const ReplyFacts &common);
+    bool (*append)(std::string &to, const DavResource &resource, const ReplyFacts &common);
 };
 
 /// All there are.

@@ -64,8 +64,8 @@ void PropFind::bodyReady(const QByteArray &body)
 
     DavResource top;
     top.path = exchange.path();
-    top.href = exchange.urlPath(top.path, found.folder);
-    top.name = nameOf(top.path, exchange.service());
+    top.href = exchange.urlPath(top.path, found.folder).toStdString();
+    top.name = nameOf(top.path, exchange.service()).toStdString();
     top.facts = found;
     PropertyReport report(asked, commonFacts(asked, *depth),
                           DavState::of(exchange.service()).properties());

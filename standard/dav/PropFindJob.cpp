@@ -76,7 +76,7 @@ void PropFindJob::begin()
     const FileDescriptor place = subject.share->open(top.path, O_PATH | O_CLOEXEC);
     top.subject = { systemPathOf(place.get()), top.path };
     top.isAlone = subject.depth == Depth::Zero;
-    report.append(text, top);
+    append(top);
 }
 
 void PropFindJob::openNext()
@@ -101,7 +101,7 @@ bool PropFindJob::enter(const Pending &next)
     if (!folder)
         return false;
     path = next.path;
-    url = urlPath(subject.urls, path, false);
+    url = urlPath(subject.urls, path, false).toStdString();
     systemPath = systemPathOf(folder->descriptor()) + '/';
     const EntryFacts facts = openFacts(folder->descriptor());
     for (const Ancestor *each = next.above.get(); each; each = each->above.get()) {
@@ -134,7 +134,6 @@ void PropFindJob::append(const FolderReader::Item &item)
 {
     if (isHiddenUpload(item.name) || !isTellable(item.name) || isReservedHere(item.name))
         return;
-    DavResource entry;
     entry.facts = folder->facts(item);
     if (!entry.facts.file && !(entry.facts.folder && subject.withFolders))
         return;
@@ -142,16 +141,24 @@ void PropFindJob::append(const FolderReader::Item &item)
         return cutOff();
     ++count;
     entry.name = item.name;
-    entry.href = url + encodedPath(entry.name);
+    entry.href = url;
+    addEncoded(entry.href, entry.name);
     if (entry.facts.folder)
         entry.href += '/';
     if (report.needsPaths()) {
-        entry.path = path + entry.name;
-        entry.subject = { systemPath + entry.name, entry.path };
+        entry.path = path + item.name;
+        entry.subject = { systemPath + item.name, entry.path };
     }
-    report.append(text, entry);
+    append(entry);
     if (entry.facts.folder && subject.depth == Depth::Infinity)
-        folders.push_back({ path + entry.name + '/', entered });
+        folders.push_back({ path + item.name + '/', entered });
+}
+
+void PropFindJob::append(const DavResource &resource)
+{
+    line.clear();
+    report.append(line, resource);
+    text.append(line.data(), int(line.size()));
 }
 
 /// The rest of the folder is missing, and all of those that were to follow.

@@ -10,6 +10,7 @@
 #include <deque>
 #include <memory>
 #include <optional>
+#include <string>
 #include <utility>
 
 #include <sys/types.h>
@@ -77,6 +78,7 @@ private:
     bool enter(const Pending &next);
     bool isReservedHere(const char *name) const;
     void append(const FolderReader::Item &item);
+    void append(const DavResource &resource);
     void tell(const QByteArray &unread, Status status);
     void cutOff();
     void fail(int number);
@@ -85,13 +87,15 @@ private:
     const PropertyReport report;
     State state = State::Begin;
     QByteArray text;
+    std::string line; ///< of one resource, put together first: a string of chars grows faster
     std::deque<Pending> folders;
     std::shared_ptr<const Ancestor> entered; ///< the last one; links may lead back to it
     std::optional<FolderReader> folder; ///< being read
     // What the paths of its entries begin with.
     QByteArray path;
-    QByteArray url;
+    std::string url;
     QByteArray systemPath;
+    DavResource entry; ///< is told; kept for its memory
     qint64 count = 0;
     int failure = 0;
 };

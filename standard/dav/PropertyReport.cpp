@@ -32,37 +32,37 @@ PropertyReport::PropertyReport(const PropFindBody &asked, ReplyFacts common,
 
 void PropertyReport::askOther(const XmlName &name)
 {
-    const QByteArray element = emptyElement(name);
+    const std::string element = emptyElement(name).toStdString();
     others.emplace(name, element);
     allOthers += element;
 }
 
 void PropertyReport::ask(const LiveProperty &property)
 {
-    const QByteArray empty = emptyElement(nameOf(property));
-    const QByteArray start = empty.chopped(2) + '>';
-    const bool isPrefixed = empty.startsWith("<D:");
-    const QByteArray end = QByteArray(isPrefixed ? "</D:" : "</") + property.name + '>';
+    const std::string empty = emptyElement(nameOf(property)).toStdString();
+    const std::string start = empty.substr(0, empty.size() - 2) + '>';
+    const bool isPrefixed = empty.find("<D:") == 0;
+    const std::string end = std::string(isPrefixed ? "</D:" : "</") + property.name + '>';
     live.push_back({ &property, start, end, empty });
 }
 
-void PropertyReport::append(QByteArray &to, const DavResource &resource) const
+void PropertyReport::append(std::string &to, const DavResource &resource) const
 {
     to += "<D:response><D:href>";
     to += resource.href;
     to += "</D:href><D:propstat><D:prop>";
-    QByteArray missing;
+    std::string missing;
     appendLive(to, missing, resource);
     if (allDead || !others.empty())
         appendDead(to, missing, resource);
     to += "</D:prop><D:status>HTTP/1.1 200 OK</D:status></D:propstat>";
-    if (!missing.isEmpty())
-        to += propStat(missing, Status::NotFound);
+    if (!missing.empty())
+        addBytes(to, propStat(QByteArray::fromStdString(missing), Status::NotFound));
     to += "</D:response>";
 }
 
 /// The elements of those that the resource doesn't have are appended to `missing`.
-void PropertyReport::appendLive(QByteArray &to, QByteArray &missing,
+void PropertyReport::appendLive(std::string &to, std::string &missing,
                                 const DavResource &resource) const
 {
     for (const Asked &each : live) {
@@ -70,7 +70,7 @@ void PropertyReport::appendLive(QByteArray &to, QByteArray &missing,
         to += each.start;
         const bool has = each.property->append(to, resource, facts);
         if (!has || namesOnly)
-            to.truncate(before);
+            to.resize(before);
         else
             to += each.end;
         if (!has && !allDead)
@@ -80,7 +80,7 @@ void PropertyReport::appendLive(QByteArray &to, QByteArray &missing,
     }
 }
 
-void PropertyReport::appendDead(QByteArray &to, QByteArray &missing,
+void PropertyReport::appendDead(std::string &to, std::string &missing,
                                 const DavResource &resource) const
 {
     std::set<XmlName> found;
@@ -89,9 +89,9 @@ void PropertyReport::appendDead(QByteArray &to, QByteArray &missing,
     for (const DeadProperty &each : kept) {
         const bool isAsked = others.count(each.name) > 0;
         if (namesOnly)
-            to += emptyElement(each.name);
+            addBytes(to, emptyElement(each.name));
         else if (allDead || isAsked)
-            to += each.xml;
+            addBytes(to, each.xml);
         if (isAsked)
             found.insert(each.name);
     }

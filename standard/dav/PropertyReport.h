@@ -5,6 +5,7 @@
 
 #include <map>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace standard {
@@ -20,22 +21,22 @@ public:
     bool needsPaths() const { return pathsNeeded; }
 
     /// Appends the "response" element of a resource.
-    void append(QByteArray &to, const DavResource &resource) const;
+    void append(std::string &to, const DavResource &resource) const;
 
 private:
     struct Asked
     {
         const LiveProperty *property;
         // Made beforehand, as they are written for each resource.
-        QByteArray start;
-        QByteArray end;
-        QByteArray empty;
+        std::string start;
+        std::string end;
+        std::string empty;
     };
 
     void ask(const LiveProperty &property);
     void askOther(const XmlName &name);
-    void appendLive(QByteArray &to, QByteArray &missing, const DavResource &resource) const;
-    void appendDead(QByteArray &to, QByteArray &missing, const DavResource &resource) const;
+    void appendLive(std::string &to, std::string &missing, const DavResource &resource) const;
+    void appendDead(std::string &to, std::string &missing, const DavResource &resource) const;
 
     const bool namesOnly;
     bool allDead;
@@ -43,8 +44,8 @@ private:
     ReplyFacts facts;
     std::shared_ptr<const PropertyStore> dead;
     std::vector<Asked> live;
-    std::map<XmlName, QByteArray> others; ///< asked for by name, with their empty elements
-    QByteArray allOthers; ///< these elements: nearly every file has no such property
+    std::map<XmlName, std::string> others; ///< asked for by name, with their empty elements
+    std::string allOthers; ///< these elements: nearly every file has no such property
 };
 
 } // namespace standard

@@ -90,9 +90,17 @@ std::optional<Target> parseTarget(const QByteArray &text)
 
 QByteArray encodedPath(const QByteArray &path)
 {
+    std::string encoded;
+    addEncoded(encoded, { path.constData(), std::size_t(path.size()) });
+    return QByteArray::fromStdString(encoded);
+}
+
+void addEncoded(std::string &to, std::string_view path)
+{
     constexpr auto digits = "0123456789ABCDEF";
-    QByteArray encoded(path.size() * 3, Qt::Uninitialized);
-    char *end = encoded.data();
+    const std::size_t before = to.size();
+    to.resize(before + path.size() * 3);
+    char *end = to.data() + before;
     for (const char c : path) {
         if (isLiteral(c)) {
             *end++ = c;
@@ -103,8 +111,7 @@ QByteArray encodedPath(const QByteArray &path)
         *end++ = digits[code >> 4];
         *end++ = digits[code & 0xf];
     }
-    encoded.truncate(int(end - encoded.constData()));
-    return encoded;
+    to.resize(std::size_t(end - to.data()));
 }
 
 QByteArray urlPath(const UrlSpace &space, const QByteArray &path, bool isFolder)

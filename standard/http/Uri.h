@@ -3,6 +3,8 @@
 #include <QByteArray>
 
 #include <optional>
+#include <string>
+#include <string_view>
 
 namespace standard {
 
@@ -23,6 +25,9 @@ std::optional<QByteArray> percentDecoded(const QByteArray &text);
 
 /// A path of bytes as it stands in a URL; harmless in XML and in header lines.
 QByteArray encodedPath(const QByteArray &path);
+
+/// Appends the same, for who makes many.
+void addEncoded(std::string &to, std::string_view path);
 
 /// How a visitor calls what is shared.
 struct UrlSpace
