@@ -30,7 +30,7 @@ FolderReader::FolderReader(FileDescriptor openFolder,
 
 bool FolderReader::next(Item &item)
 {
-    while (offset < end || fill()) {
+    while (offset < end || (!ended && fill())) {
         const void *record = buffer.data() + offset;
         const auto *entry = static_cast<const dirent64 *>(record);
         offset += entry->d_reclen;
@@ -49,12 +49,14 @@ bool FolderReader::fill()
     errorNumber = size < 0 ? errno : 0;
     offset = 0;
     end = size > 0 ? std::size_t(size) : 0;
-    return end > 0;
+    ended = end == 0;
+    return !ended;
 }
 
 void FolderReader::seek(qint64 position)
 {
     offset = end = 0;
+    ended = false;
     if (::lseek(folder.get(), position, SEEK_SET) < 0)
         errorNumber = errno;
 }

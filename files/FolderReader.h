@@ -23,7 +23,8 @@ public:
     explicit FolderReader(FileDescriptor folder,
                           std::shared_ptr<const HiddenFolders> hiddenFolders = {});
 
-    /// The next entry but "." and "..". False at the end, or when it can't be read, see `error`.
+    /// The next entry but "." and "..". False at the end, or when it can't be read, see `error`,
+    /// and from then on.
     bool next(Item &item);
 
     /// 0, or the number of the error that reading ended with.
@@ -55,5 +56,6 @@ private:
     std::vector<char> buffer; ///< records of the system
     std::size_t offset = 0; ///< of the next record
     std::size_t end = 0; ///< of the records
+    bool ended = false; ///< there are no more to be read
     int errorNumber = 0;
 };

@@ -17,6 +17,7 @@ namespace standard {
 
 namespace {
 
+constexpr std::size_t maxSeen = 256; ///< entries
 constexpr int pieceBytes = 128 * 1024;
 constexpr int spareBytes = 4 * 1024; ///< for the entry that makes a piece whole
 
@@ -43,20 +44,21 @@ bool PropFindJob::run(const Budget &until)
 {
     text.reserve(pieceBytes + spareBytes);
     do
-        step();
+        step(until);
     while (!isAtEnd() && text.size() < pieceBytes && !until.isUsedUp());
     return isAtEnd() || text.size() >= pieceBytes;
 }
 
-void PropFindJob::step()
+void PropFindJob::step(const Budget &until)
 {
     if (state == State::Begin)
         return begin();
+    if (told < seen.size())
+        return tellSeen();
     if (!folder)
         return openNext();
-    FolderReader::Item item;
-    if (folder->next(item))
-        return append(item);
+    if (look(until))
+        return;
     const int number = folder->error();
     folder.reset();
     if (number == ENOENT) // removed since
@@ -130,28 +132,53 @@ bool PropFindJob::isReservedHere(const char *name) const
     return std::strcmp(name, reservedName) == 0 && isReserved(subject.urls.home, path + name);
 }
 
-void PropFindJob::append(const FolderReader::Item &item)
+/// Looks at the next entries, if any are to be told. False at the end of the folder.
+bool PropFindJob::look(const Budget &until)
 {
-    if (isHiddenUpload(item.name) || !isTellable(item.name) || isReservedHere(item.name))
-        return;
-    entry.facts = folder->facts(item);
-    if (!entry.facts.file && !(entry.facts.folder && subject.withFolders))
+    seen.clear();
+    names.clear();
+    told = 0;
+    FolderReader::Item item;
+    do {
+        if (!folder->next(item))
+            return !seen.empty();
+        if (isHiddenUpload(item.name) || !isTellable(item.name) || isReservedHere(item.name))
+            continue;
+        seen.push_back({ names.size(), folder->facts(item) });
+        names.append(item.name).push_back('\0');
+    } while (seen.size() < maxSeen && !until.isUsedUp());
+    return true;
+}
+
+/// In a row, unless what is asked needs the disk again.
+void PropFindJob::tellSeen()
+{
+    do
+        append(seen[told++]);
+    while (told < seen.size() && text.size() < pieceBytes && !report.needsPaths());
+}
+
+void PropFindJob::append(const Seen &found)
+{
+    if (!found.facts.file && !(found.facts.folder && subject.withFolders))
         return;
     if (subject.depth == Depth::Infinity && count == subject.mostBelow)
         return cutOff();
     ++count;
-    entry.name = item.name;
+    const char *name = names.data() + found.name;
+    entry.name = name;
+    entry.facts = found.facts;
     entry.href = url;
     addEncoded(entry.href, entry.name);
     if (entry.facts.folder)
         entry.href += '/';
     if (report.needsPaths()) {
-        entry.path = path + item.name;
-        entry.subject = { systemPath + item.name, entry.path };
+        entry.path = path + name;
+        entry.subject = { systemPath + name, entry.path };
     }
     append(entry);
     if (entry.facts.folder && subject.depth == Depth::Infinity)
-        folders.push_back({ path + item.name + '/', entered });
+        folders.push_back({ path + name + '/', entered });
 }
 
 void PropFindJob::append(const DavResource &resource)
@@ -166,6 +193,7 @@ void PropFindJob::cutOff()
 {
     tell(path, Status::InsufficientStorage);
     folder.reset();
+    seen.clear();
     state = State::CutOff;
 }
 

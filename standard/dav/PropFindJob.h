@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include <sys/types.h>
 
@@ -72,12 +73,21 @@ private:
         std::shared_ptr<const Ancestor> above;
     };
 
-    void step();
+    /// An entry that was looked at.
+    struct Seen
+    {
+        std::size_t name; ///< where it begins in `names`
+        EntryFacts facts;
+    };
+
+    void step(const Budget &until);
     void begin();
     void openNext();
     bool enter(const Pending &next);
     bool isReservedHere(const char *name) const;
-    void append(const FolderReader::Item &item);
+    bool look(const Budget &until);
+    void tellSeen();
+    void append(const Seen &found);
     void append(const DavResource &resource);
     void tell(const QByteArray &unread, Status status);
     void cutOff();
@@ -95,6 +105,11 @@ private:
     QByteArray path;
     std::string url;
     QByteArray systemPath;
+    // Looks at the disk follow each other, and so do lines: by turns they would push each other's
+    // code out of the processor's cache.
+    std::vector<Seen> seen; ///< are told next
+    std::size_t told = 0; ///< of them
+    std::string names; ///< one after another, each with a NUL
     DavResource entry; ///< is told; kept for its memory
     qint64 count = 0;
     int failure = 0;
