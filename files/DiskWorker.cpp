@@ -35,7 +35,8 @@ DiskWorker::~DiskWorker()
         const std::lock_guard<std::mutex> lock(mutex);
         stopping = true;
     }
-    wake.notify_all();
+    for (std::condition_variable &each : wake)
+        each.notify_all();
     for (std::thread &thread : threads)
         thread.join();
 }
@@ -67,11 +68,12 @@ void DiskWorker::enqueue(Task task)
     tasks.emplace(job, std::move(task));
     while (threads.size() < lanes * std::min(maxThreads, tasks.size()))
         threads.emplace_back(&DiskWorker::work, this, threads.size() % lanes);
+    const std::size_t lane = laneOf(*job);
     {
         const std::lock_guard<std::mutex> lock(mutex);
-        waiting[laneOf(*job)].push_back(job);
+        waiting[lane].push_back(job);
     }
-    wake.notify_all();
+    wake[lane].notify_one();
 }
 
 void DiskWorker::work(std::size_t lane)
@@ -90,7 +92,7 @@ DiskJob *DiskWorker::takeWaiting(std::size_t lane)
 {
     std::unique_lock<std::mutex> lock(mutex);
     auto &mine = waiting[lane];
-    wake.wait(lock, [this, &mine] { return stopping || !mine.empty(); });
+    wake[lane].wait(lock, [this, &mine] { return stopping || !mine.empty(); });
     if (stopping)
         return nullptr;
     DiskJob *job = mine.front();
@@ -103,8 +105,9 @@ void DiskWorker::putBack(DiskJob *job, bool finishedNow)
 {
     const std::lock_guard<std::mutex> lock(mutex);
     if (!finishedNow) {
-        waiting[laneOf(*job)].push_back(job);
-        wake.notify_all();
+        const std::size_t lane = laneOf(*job);
+        waiting[lane].push_back(job);
+        wake[lane].notify_one();
         return;
     }
     finished.push_back(job);

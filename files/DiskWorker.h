@@ -64,8 +64,9 @@ private:
     std::vector<std::thread> threads;
 
     std::mutex mutex; ///< guards what follows
-    std::condition_variable wake;
-    std::array<std::deque<DiskJob *>, 2> waiting; ///< by lane: for work, and for the disk
+    // By lane: for work, and for the disk.
+    std::array<std::deque<DiskJob *>, 2> waiting;
+    std::array<std::condition_variable, 2> wake;
     std::vector<DiskJob *> finished;
     bool stopping = false;
 };
