@@ -18,7 +18,7 @@ namespace standard {
 namespace {
 
 constexpr std::size_t maxSeen = 256; ///< entries
-constexpr int pieceBytes = 128 * 1024;
+constexpr int pieceBytes = 256 * 1024;
 constexpr int spareBytes = 4 * 1024; ///< for the entry that makes a piece whole
 
 /// Whether clients can be told of that name: XML holds neither most controls nor what is no text.
