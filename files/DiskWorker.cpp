@@ -3,6 +3,7 @@
 #include "files/DiskJob.h"
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 #include <sys/eventfd.h>
@@ -66,14 +67,25 @@ void DiskWorker::enqueue(Task task)
 {
     DiskJob *job = task.job.get();
     tasks.emplace(job, std::move(task));
-    while (threads.size() < lanes * std::min(maxThreads, tasks.size()))
-        threads.emplace_back(&DiskWorker::work, this, threads.size() % lanes);
+    while (threads.size() < lanes * std::min(maxThreads, tasks.size()) && startThread()) { }
     const std::size_t lane = laneOf(*job);
     {
         const std::lock_guard<std::mutex> lock(mutex);
         waiting[lane].push_back(job);
     }
     wake[lane].notify_one();
+}
+
+/// Without memory for one, those that there are do the work; none is tried for again with the next
+/// job.
+bool DiskWorker::startThread()
+{
+    try {
+        threads.emplace_back(&DiskWorker::work, this, threads.size() % lanes);
+    } catch (const std::system_error &) {
+        return false;
+    }
+    return true;
 }
 
 void DiskWorker::work(std::size_t lane)

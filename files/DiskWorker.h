@@ -53,6 +53,7 @@ private:
 
     void finish(const Task &task);
     void enqueue(Task task);
+    bool startThread();
     void work(std::size_t lane);
     DiskJob *takeWaiting(std::size_t lane);
     void putBack(DiskJob *job, bool finishedNow);
