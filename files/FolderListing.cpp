@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 #include <utility>
 
 #include <sys/stat.h>
@@ -96,6 +97,19 @@ FolderListing::FolderListing(std::shared_ptr<const FolderListing> finished)
 }
 
 bool FolderListing::run(const Budget &until)
+{
+    try {
+        return goOn(until);
+    } catch (const std::bad_alloc &) {
+        unread.reset();
+        rows = {};
+        names.reset();
+        complete = false;
+    }
+    return true;
+}
+
+bool FolderListing::goOn(const Budget &until)
 {
     if (known) {
         if (!until.mayBlock() && known->count() > smallFolder)

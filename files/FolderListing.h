@@ -84,6 +84,9 @@ public:
 
     bool run(const Budget &until) override;
 
+    /// False when there was too little memory for it; then it has no entries.
+    bool isWhole() const { return complete; }
+
     qint64 count() const { return qint64(rows.size()); }
 
     /// Whether the entries of a window are in order, so that `at` may be asked for them.
@@ -112,6 +115,7 @@ private:
 
     bool isListed(const char *name) const;
     bool isListed(const EntryFacts &facts) const;
+    bool goOn(const Budget &until);
     bool read(const Budget &until);
     void add(const FolderReader::Item &item);
     std::string_view nameOf(const Row &row) const;
@@ -128,4 +132,5 @@ private:
     Window arranged;
     std::shared_ptr<std::string> names; ///< one after another
     std::vector<Row> rows;
+    bool complete = true;
 };

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <new>
 #include <utility>
 
 namespace {
@@ -69,13 +70,22 @@ void ListingCache::list(FolderReader folder, const ListingShape &shape, Waiter w
         same->later.push_back({ std::move(folder), std::move(waiter) });
 }
 
+void ListingCache::give(const Listing &listing, const Waiter &waiter)
+{
+    try {
+        return waiter.done(listing->isWhole() ? listing : nullptr);
+    } catch (const std::bad_alloc &) {
+        waiter.done(nullptr);
+    }
+}
+
 /// Who wants another part than the one in order has all of it put in order.
 void ListingCache::serve(const Listing &listing, Waiter waiter)
 {
     if (!waiter.context)
         return;
-    if (listing->covers(waiter.window))
-        return waiter.done(listing);
+    if (!listing->isWhole() || listing->covers(waiter.window))
+        return give(listing, waiter);
     const auto same = find(listing->stamp(), listing->shape());
     if (same != underWay.end() && same->job->stamp() == listing->stamp())
         same->waiters.push_back(std::move(waiter));
@@ -130,6 +140,8 @@ ListingCache::Listing ListingCache::known(const FolderStamp &folder, const Listi
 /// One with more in order takes the place, and the age, of the one that it was made from.
 void ListingCache::keep(const Listing &listing)
 {
+    if (!listing->isWhole())
+        return;
     const qint64 bytes = listing->bytes();
     if (listing->count() < leastEntries || bytes > maxBytes || !isSettled(listing->stamp()))
         return;

@@ -27,9 +27,13 @@ public:
 
     /// Calls `done` with a listing that covers `window`: before `list` returns if it is at hand or
     /// the folder is small, so let it be the caller's last step. Not called once `context` is gone.
-    /// `folder` is at its start.
+    /// `folder` is at its start. The listing is null when there is too little memory for it, or was
+    /// for what `done` made of it: that call is then the second one.
     void list(FolderReader folder, const ListingShape &shape, FolderListing::Window window,
               QObject *context, Done done);
+
+    /// Keeps none any longer.
+    void dropAll() { entries.clear(); }
 
 protected:
     void timerEvent(QTimerEvent *event) override;
@@ -60,6 +64,7 @@ private:
     };
 
     void list(FolderReader folder, const ListingShape &shape, Waiter waiter);
+    static void give(const Listing &listing, const Waiter &waiter);
     void serve(const Listing &listing, Waiter waiter);
     std::vector<UnderWay>::iterator find(const FolderStamp &folder, const ListingShape &shape);
     void start(const std::shared_ptr<FolderListing> &job, Waiter waiter);

@@ -126,6 +126,8 @@ void PropFind::sendResource(const Resource &resource)
 /// One element for each entry; `href` is the folder's with its last "/".
 void PropFind::sendEntries(const Listing &listing, const QByteArray &href)
 {
+    if (!listing)
+        return exchange.channel.abort();
     sendResources(listing->count(), [this, listing, href](QByteArray &text, qint64 index) {
         const FolderListing::Entry entry = listing->at(index);
         const QByteArray name = QFile::decodeName(entry.name).toUtf8();

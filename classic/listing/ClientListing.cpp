@@ -174,6 +174,8 @@ void ClientListing::enter(const QByteArray &path, const QByteArray &name)
     reading = std::make_unique<QObject>();
     exchange.service.setup.listings->list(std::move(*reader), shape(), {}, reading.get(),
                                           [this](const ListingCache::Listing &listing) {
+                                              if (!listing)
+                                                  return exchange.channel.abort();
                                               levels.back().listing = listing;
                                               slices.resume();
                                           });

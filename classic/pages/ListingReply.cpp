@@ -84,6 +84,8 @@ FolderListing::Window ListingReply::window() const
 
 void ListingReply::show(const std::shared_ptr<const FolderListing> &listing)
 {
+    if (!listing)
+        return exchange.channel.abort();
     // The message of the session is for a page that somebody gets.
     if (!exchange.channel.canAnswer())
         return exchange.channel.end();

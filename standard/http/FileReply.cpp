@@ -182,20 +182,22 @@ void FileReply::listFolder()
         return exchange.refuse(statusOf(errno));
     exchange.service().setup.listings->list(
         std::move(*folder), ListingShape(), { 0, maxPageEntries }, this,
-        [this](const ListingCache::Listing &listing) { sendListing(*listing); });
+        [this](const ListingCache::Listing &listing) { sendListing(listing.get()); });
 }
 
-void FileReply::sendListing(const FolderListing &listing)
+void FileReply::sendListing(const FolderListing *listing)
 {
     if (isOver())
         return;
+    if (!listing)
+        return exchange.breakOff();
     const Access &access = exchange.access();
     // The button that leads back would show it again after the log-out.
     Fields fields{ { "Content-Type", "text/html; charset=utf-8" },
                    { "Cache-Control", access.inSession ? "no-store" : "no-cache" } };
     access.inSession ? addFormProtection(fields) : addPageProtection(fields);
     exchange.reply(Status::Ok, std::move(fields),
-                   folderPage(seenFrom(access.home, exchange.path()), listing,
+                   folderPage(seenFrom(access.home, exchange.path()), *listing,
                               access.inSession ? logOutForm(exchange) : QByteArray()));
 }
 

@@ -35,7 +35,7 @@ private:
     QByteArray fileName() const;
     void redirectToFolder();
     void listFolder();
-    void sendListing(const FolderListing &listing);
+    void sendListing(const FolderListing *listing);
 
     ServedFile file;
     QByteArray boundary; ///< of several parts, like the next two
