@@ -76,8 +76,7 @@ void DiskWorker::enqueue(Task task)
     wake[lane].notify_one();
 }
 
-/// Without memory for one, those that there are do the work; none is tried for again with the next
-/// job.
+/// Without memory for one, those that there are do the work; it is tried again with the next job.
 bool DiskWorker::startThread()
 {
     try {

@@ -89,7 +89,7 @@ void Listener::resume()
 void Listener::ready(quint32 /*events*/)
 {
     for (int i = 0; i < batch; ++i) {
-        if (!server.isListening() || !acceptOne())
+        if (paused || !server.isListening() || !acceptOne())
             return;
     }
     poller->again(this);

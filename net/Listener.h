@@ -41,6 +41,9 @@ public:
     quint16 port() const { return server.serverPort(); }
     QString errorString() const { return server.errorString(); }
 
+    /// Accepts nobody until `resume`.
+    void pause() { paused = true; }
+
     /// Goes on accepting after a crowd, once descriptors may be free again.
     void resume();
 

@@ -6,6 +6,8 @@
 #include "server/Service.h"
 #include "server/StatusSink.h"
 
+#include <new>
+
 namespace {
 
 constexpr qint64 leastOfBody = deadlines::leastRate * deadlines::body.count(); ///< bytes
@@ -134,16 +136,24 @@ void Connection::checkDeadline(Clock::time_point now)
 
 void Connection::readable()
 {
-    activeAt = Clock::now();
-    face->readable();
-    noteWait(activeAt);
+    tell(&Face::readable);
 }
 
 void Connection::writable()
 {
+    tell(&Face::writable);
+}
+
+/// Who asks for more memory than there is loses the connection; the others keep theirs.
+void Connection::tell(void (Face::*event)())
+{
     activeAt = Clock::now();
-    face->writable();
-    noteWait(activeAt);
+    try {
+        (face.get()->*event)();
+        noteWait(activeAt);
+    } catch (const std::bad_alloc &) {
+        drop();
+    }
 }
 
 void Connection::gone()

@@ -67,6 +67,7 @@ private:
         Clock::time_point at;
     };
 
+    void tell(void (Face::*event)());
     void noteWait(Clock::time_point now);
     Clock::time_point deadline() const;
     bool goesOn(Clock::time_point now);

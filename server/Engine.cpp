@@ -31,4 +31,9 @@ Engine::Engine(FaceMaker makeFace, const Directories &directories, StatusSink *s
           ServerSetup{ std::move(makeFace), sink, &poller, &forms, &disk, &listings, &memory,
                        &turns, &copies, &peers, &passwords, &guesses, previews, directories }))
 {
+    QObject::connect(&memory, &MemoryTrim::roomNeeded, &listings, [this] {
+        forms.close();
+        listings.dropAll();
+    });
+    QObject::connect(&memory, &MemoryTrim::shortageOver, &listings, [this] { forms.open(); });
 }

@@ -18,8 +18,8 @@ public:
         /// `bytes` are taken when there are as many, else none.
         Part(MemoryBudget &from, qint64 bytes)
             : budget(from)
-            , taken(bytes <= from.left ? bytes : 0)
-            , granted(bytes <= from.left)
+            , taken(from.mayTake(bytes) ? bytes : 0)
+            , granted(from.mayTake(bytes))
         {
             budget.left -= taken;
         }
@@ -30,7 +30,7 @@ public:
         /// Makes it `bytes`, if there are as many; false, and nothing changes, if not.
         bool grow(qint64 bytes)
         {
-            if (bytes - taken > budget.left)
+            if (!budget.mayTake(bytes - taken))
                 return false;
             budget.left -= bytes - taken;
             taken = bytes;
@@ -45,6 +45,13 @@ public:
         const bool granted;
     };
 
+    /// Nobody gets any more until `open`.
+    void close() { closed = true; }
+    void open() { closed = false; }
+
 private:
+    bool mayTake(qint64 bytes) const { return !closed && bytes <= left; }
+
     qint64 left;
+    bool closed = false;
 };

@@ -6,6 +6,7 @@
 #include <QTimerEvent>
 
 #include <memory>
+#include <utility>
 
 #include <malloc.h>
 
@@ -39,6 +40,19 @@ void MemoryTrim::trimSoon()
     timesLeft = times;
     if (!timer.isActive())
         timer.start(interval, this);
+}
+
+void MemoryTrim::makeRoom()
+{
+    inShortage = true;
+    Q_EMIT roomNeeded();
+    trimSoon();
+}
+
+void MemoryTrim::endShortage()
+{
+    if (std::exchange(inShortage, false))
+        Q_EMIT shortageOver();
 }
 
 void MemoryTrim::timerEvent(QTimerEvent *event)

@@ -10,12 +10,24 @@ class DiskWorker;
 /// program.
 class MemoryTrim : public QObject
 {
+    Q_OBJECT
 public:
     /// `worker` is borrowed and outlives it.
     explicit MemoryTrim(DiskWorker &worker, QObject *parent = nullptr);
 
     /// Something large is being freed, or will be within seconds.
     void trimSoon();
+
+    /// There is hardly any left: nothing large is begun until `endShortage`, and whoever can do
+    /// without some of theirs is asked for it, each time anew.
+    void makeRoom();
+    void endShortage();
+
+    bool isShort() const { return inShortage; }
+
+Q_SIGNALS:
+    void roomNeeded();
+    void shortageOver();
 
 protected:
     void timerEvent(QTimerEvent *event) override;
@@ -24,4 +36,5 @@ private:
     DiskWorker &disk;
     QBasicTimer timer;
     int timesLeft = 0;
+    bool inShortage = false;
 };

@@ -3,6 +3,7 @@
 #include "server/MemoryTrim.h"
 
 #include <algorithm>
+#include <new>
 
 using namespace std::chrono_literals;
 
@@ -64,7 +65,7 @@ void Turns::leave(TurnTaker *taker)
 
 bool Turns::mayAdmit() const
 {
-    return placed.size() < maxPlaced;
+    return placed.size() < (memory.isShort() ? 1 : maxPlaced);
 }
 
 /// One that begins and one that goes on, by turns. Null when nobody can have a turn.
@@ -86,13 +87,23 @@ void Turns::give(TurnTaker *taker)
 {
     current = taker;
     const auto start = Turn::Clock::now();
-    const bool more = taker->takeTurn(Turn(start + timeForOne));
+    const bool more = takeTurn(taker, Turn(start + timeForOne));
     used += Turn::Clock::now() - start;
     if (more && current == taker)
         ring.push_back(taker);
     current = nullptr;
     if (more)
         memory.trimSoon();
+}
+
+bool Turns::takeTurn(TurnTaker *taker, const Turn &turn)
+{
+    try {
+        return taker->takeTurn(turn);
+    } catch (const std::bad_alloc &) {
+        taker->breakOff();
+    }
+    return false;
 }
 
 void Turns::giveAll()

@@ -36,6 +36,9 @@ public:
     /// meanwhile, but not be destroyed.
     virtual bool takeTurn(const Turn &turn) = 0;
 
+    /// There was too little memory for its turn: it ends its connection, and leaves.
+    virtual void breakOff() = 0;
+
 private:
     Q_DISABLE_COPY(TurnTaker)
 };
@@ -67,6 +70,7 @@ private:
     bool mayAdmit() const;
     TurnTaker *next();
     void give(TurnTaker *taker);
+    static bool takeTurn(TurnTaker *taker, const Turn &turn);
     void giveAll();
     void schedule();
 

@@ -4,6 +4,7 @@
 #include "files/Share.h"
 #include "net/PlainSocket.h"
 #include "net/TlsSocket.h"
+#include "server/MemoryTrim.h"
 #include "server/StatusSink.h"
 #include "server/TrustedProxy.h"
 
@@ -39,6 +40,10 @@ WebServer::WebServer(const QNetworkAddressEntry &entry, Profile *profile,
     , connections([this] { listener.resume(); })
 {
     ++profile->useCount;
+    connect(setup->memory, &MemoryTrim::roomNeeded, this, [this] {
+        connections.closeIdle();
+        listener.pause();
+    });
     init();
 }
 

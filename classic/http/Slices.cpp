@@ -34,6 +34,12 @@ bool Slices::takeTurn(const Turn &turn)
     return state == State::Working;
 }
 
+void Slices::breakOff()
+{
+    stop();
+    channel.abort();
+}
+
 void Slices::drained()
 {
     if (state == State::Resting)

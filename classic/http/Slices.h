@@ -48,6 +48,7 @@ private:
     };
 
     bool takeTurn(const Turn &turn) override;
+    void breakOff() override;
     void goOn();
 
     Channel &channel;

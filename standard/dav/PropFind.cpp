@@ -9,6 +9,7 @@
 #include "standard/http/MultiStatus.h"
 
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include <fcntl.h>
@@ -114,9 +115,19 @@ void PropFind::pieceMade()
     if (state != State::Waiting)
         return;
     if (!begun || !exchange.isCongested())
-        return sendPiece();
+        return trySend();
     state = State::Resting;
     exchange.service().setup.turns->rest(this);
+}
+
+/// Outside of a turn nobody else ends who gets no memory.
+void PropFind::trySend()
+{
+    try {
+        sendPiece();
+    } catch (const std::bad_alloc &) {
+        breakOff();
+    }
 }
 
 void PropFind::sendPiece()

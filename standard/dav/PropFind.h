@@ -33,7 +33,9 @@ private:
     std::optional<Depth> askedDepth() const;
     ReplyFacts commonFacts(const PropFindBody &asked, Depth depth) const;
     bool takeTurn(const Turn &turn) override;
+    void breakOff() override { exchange.breakOff(); }
     void pieceMade();
+    void trySend();
     void sendPiece();
     void makeAhead();
     void stop();
