@@ -1,4 +1,5 @@
 #include "app/AllFaces.h"
+#include "app/MemoryReserve.h"
 #include "app/Process.h"
 #include "app/WorkingFolder.h"
 #include "config/Profiles.h"
@@ -107,6 +108,7 @@ int main(int argc, char **argv)
     Previews previews(previewProgram(), previewFolder());
     EventHandler events;
     Engine engine(allFaces(), directories, &events, &previews);
+    const MemoryReserve reserve(*engine.setup()->memory);
     MainWindow window(&profiles, &look, &events, engine.setup(), line.rootMode);
     if (!hasFolder)
         events.msg(MainWindow::tr("Can't make the folder"), directories.profiles);

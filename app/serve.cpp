@@ -1,6 +1,7 @@
 #include "app/AllFaces.h"
 #include "app/Announcing.h"
 #include "app/Console.h"
+#include "app/MemoryReserve.h"
 #include "app/Process.h"
 #include "app/ServerRules.h"
 #include "app/ServiceManager.h"
@@ -382,6 +383,7 @@ int serve(Console *console, const Options &options, const QString &path, const P
     entry.setIp(options.address);
     Previews previews(previewProgram(), previewFolder());
     Engine engine(allFaces(), profiles.directories(), &sink, &previews);
+    const MemoryReserve reserve(*engine.setup()->memory);
     WebServer server(entry, profile.get(), engine.setup());
     server.setShared(path);
     server.port = options.port.value_or(quint16(profile->port));

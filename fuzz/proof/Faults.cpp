@@ -1,6 +1,6 @@
-// Loaded before a program, lets one call of a kind fail: the record of three numbers in the file
-// FAULTS, which program and test share, says of which kind, how many of them from now, and whether
-// it has come to that. The clock is FAULTS_LATER seconds ahead.
+// Loaded before a program, lets calls of a kind fail: the record of four numbers in the file
+// FAULTS, which program and test share, says of which kind, the how manieth of them from now, how
+// many in a row, and how many have failed. The clock is FAULTS_LATER seconds ahead.
 
 #include <atomic>
 #include <cerrno>
@@ -19,12 +19,13 @@
 
 namespace {
 
-enum Kind : std::int32_t { Nothing, Write, Sync, Rename, Link, Open, Accept };
+enum Kind : std::int32_t { Nothing, Write, Sync, Rename, Link, Open, Accept, Memory };
 
 struct Plan
 {
     std::atomic<std::int32_t> kind{ Nothing };
     std::atomic<std::int32_t> left{ 0 };
+    std::atomic<std::int32_t> times{ 0 };
     std::atomic<std::int32_t> failed{ 0 };
 };
 
@@ -41,9 +42,12 @@ __attribute__((constructor)) void begin()
 
 bool fails(Kind kind, int error)
 {
-    if (plan->kind != kind || --plan->left != 0)
+    if (plan->kind != kind)
         return false;
-    plan->failed = 1;
+    const std::int32_t left = --plan->left;
+    if (left > 0 || left <= -plan->times)
+        return false;
+    ++plan->failed;
     errno = error;
     return true;
 }
@@ -73,6 +77,20 @@ MAY_FAIL(linkat, Link, EIO, int, (int a, const char *from, int b, const char *to
          from, b, to, flags)
 MAY_FAIL(accept4, Accept, EMFILE, int, (int fd, sockaddr *peer, socklen_t *size, int flags), fd,
          peer, size, flags)
+
+/// The same of a call that gives memory. By these names the program knows the C library's own,
+/// which what it keeps for a shortage stands in front of.
+#define MAY_GIVE_NONE(name, parameters, ...)                                                       \
+    extern "C" void *name parameters                                                               \
+    {                                                                                              \
+        static const auto next = reinterpret_cast<void *(*)parameters>(::dlsym(RTLD_NEXT, #name)); \
+        return fails(Memory, ENOMEM) ? nullptr : next(__VA_ARGS__);                                \
+    }
+
+MAY_GIVE_NONE(__libc_malloc, (std::size_t size), size)
+MAY_GIVE_NONE(__libc_calloc, (std::size_t count, std::size_t size), count, size)
+MAY_GIVE_NONE(__libc_realloc, (void *block, std::size_t size), block, size)
+MAY_GIVE_NONE(__libc_memalign, (std::size_t alignment, std::size_t size), alignment, size)
 
 extern "C" long syscall(long number, ...)
 {

@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
 """Shows that the console program keeps its files whole and to itself, whatever fails around it.
 
-usage: proof.py PATH/TO/quillon-serve PATH/TO/faults.so Faults|Kills|Swaps [TIMES]
+usage: proof.py PATH/TO/quillon-serve PATH/TO/faults.so Faults|Memory|Shortage|Kills|Swaps [TIMES]
+Memory fails at TIMES calls of each operation, in even steps; all of them when it is -1.
 Everything happens below one temporary folder, home included.
 """
 
@@ -13,6 +14,7 @@ import multiprocessing
 import os
 import random
 import re
+import resource
 import shutil
 import struct
 import subprocess
@@ -25,7 +27,9 @@ from pathlib import Path
 
 SERVE = FAULTS = ""
 TIMES = 0  # rounds; 0: as many as take seconds
+MANY = 2_000_000_000  # more calls than there are
 KINDS = ["write", "sync", "rename", "link", "openat2", "accept4"]  # as the library has it
+MEMORY = len(KINDS) + 1  # the kind behind them, with a proof of its own
 PATIENCE = 10  # seconds for an answer
 DAYS = 2 * 24 * 3600  # seconds: what is left behind then has grown old
 KNOWN = {"User-Agent": "gvfs/1"}  # the standard face's
@@ -63,9 +67,9 @@ class Proof(unittest.TestCase):
         for name in ("share", "home", "resources"):
             (self.top / name).mkdir()
         self.share = self.top / "share"
-        (self.top / "plan").write_bytes(bytes(12))
+        (self.top / "plan").write_bytes(bytes(16))
         with open(self.top / "plan", "r+b") as file:
-            self.plan = mmap.mmap(file.fileno(), 12)
+            self.plan = mmap.mmap(file.fileno(), 16)
         self.environment = dict(
             os.environ, HOME=str(self.top / "home"), LC_ALL="C.UTF-8", LD_PRELOAD=FAULTS,
             XDG_CACHE_HOME=str(self.top / "home/cache"), FAULTS=str(self.top / "plan"),
@@ -179,14 +183,14 @@ class Proof(unittest.TestCase):
 class Faults(Proof):
     """Each call of each kind fails once during each operation."""
 
-    def plan_failure(self, kind, number):
-        self.plan[:] = struct.pack("3i", kind, number, 0)
+    def plan_failure(self, kind, number, times=1):
+        self.plan[:] = struct.pack("4i", kind, number, times, 0)
 
     def end_of_plan(self):
-        """Whether it came to that."""
-        failed = struct.unpack("3i", self.plan[:])[2]
+        """How many calls there were less than planned, and how many of them failed."""
+        _, left, _, failed = struct.unpack("4i", self.plan[:])
         self.plan_failure(0, 0)
-        return failed != 0
+        return left, failed
 
     def descriptors(self):
         return len(os.listdir(f"/proc/{self.server.pid}/fd"))
@@ -197,7 +201,7 @@ class Faults(Proof):
             self.fill_share()
             self.plan_failure(kind, number)
             status = self.ask(*OPERATIONS[operation])
-            failed = self.end_of_plan()
+            _, failed = self.end_of_plan()
             with self.subTest(kind=KINDS[kind - 1], number=number, status=status,
                               operation=OPERATIONS[operation][:2]):
                 self.wait_for(lambda: self.descriptors() <= self.idle and not self.hidden())
@@ -224,11 +228,115 @@ class Faults(Proof):
                 self.plan_failure(kind, number)
                 self.server.terminate()
                 said = self.server.communicate(timeout=PATIENCE)[1]
-                failed = self.end_of_plan()
+                _, failed = self.end_of_plan()
                 with self.subTest(kind=name, number=number):
                     self.assertEqual(self.server.returncode, 0, said)
                 if not failed:
                     break
+
+
+class Memory(Faults):
+    """Calls for memory fail during each operation, alone or several in a row: what is kept for
+    that takes their place, so that nobody notices."""
+
+    RUNS = (1, 3, 16)  # calls in a row
+
+    def calls_of(self, work):
+        self.plan_failure(MEMORY, MANY)
+        work()
+        return MANY - self.end_of_plan()[0]
+
+    def each_failure(self, calls):
+        steps = calls if TIMES < 0 else TIMES or 12
+        for number in range(1, calls + 1, max(1, calls // steps)):
+            yield from ((number, run) for run in self.RUNS)
+
+    def kilobytes(self):
+        status = Path(f"/proc/{self.server.pid}/status").read_text()
+        return int(re.search(r"VmData:\s+(\d+)", status).group(1))
+
+    def fail_at(self, operation, number, run):
+        self.fill_share()
+        self.plan_failure(MEMORY, number, run)
+        status = self.ask(*OPERATIONS[operation])
+        _, failed = self.end_of_plan()
+        self.assertIsNone(self.server.poll(), "it ended")
+        self.assertGreater(status, 0)
+        self.wait_for(lambda: self.descriptors() <= self.idle and not self.hidden())
+        self.check({operation: status})
+        return failed
+
+    def test_operations(self):
+        self.start()
+        self.wait_until_it_serves()
+        calls = []
+        for operation in OPERATIONS * 2:  # what comes but once has come
+            self.fill_share()
+            calls.append(self.calls_of(lambda: self.ask(*operation)))
+        self.idle = self.descriptors()
+        calls = calls[len(OPERATIONS):]
+        before = self.kilobytes()
+        failed = [0] * len(OPERATIONS)
+        for operation, count in enumerate(calls):
+            for number, run in self.each_failure(count):
+                with self.subTest(number=number, run=run, operation=OPERATIONS[operation][:2]):
+                    failed[operation] += self.fail_at(operation, number, run)
+        print("calls for memory of each operation:", *calls, "of which failed:", *failed)
+        self.assertTrue(all(failed))
+        self.assertLess(self.kilobytes(), before + 4096)
+        self.end_in_order()
+
+    def test_saving_the_profile(self):
+        self.start()
+        self.wait_until_it_serves()
+        for number, run in self.each_failure(self.calls_of(self.end_in_order)):
+            self.start()
+            self.wait_until_it_serves()
+            self.plan_failure(MEMORY, number, run)
+            with self.subTest(number=number, run=run):
+                self.end_in_order()
+            self.end_of_plan()
+
+
+class Shortage(Memory):
+    """There is less memory than many clients together ask for: some may be turned away, but the
+    program goes on, and serves all once they are gone."""
+
+    MEBIBYTES = 4  # beyond what the program has at rest
+    CLIENTS = 60
+    FORM = b"x=" + b"y" * 500_000
+    TASKS = [
+        ("PROPFIND", "/many/", {**KNOWN, "Depth": "1"}, None),
+        ("GET", "/many/", {}, None),
+        ("POST", "/", {"Content-Type": "application/x-www-form-urlencoded"}, FORM),
+    ]
+
+    def limit(self, size):
+        resource.prlimit(self.server.pid, resource.RLIMIT_DATA, (size, resource.RLIM_INFINITY))
+
+    def test_operations(self):
+        (self.share / "many").mkdir()
+        for number in range(5000):
+            (self.share / "many" / f"one of many files {number}").touch()
+        self.start()
+        self.wait_until_it_serves()
+        wanted = [self.request(*task)[0] for task in self.TASKS]  # threads, caches
+        self.limit((self.kilobytes() + self.MEBIBYTES * 1024) * 1024)
+        told = []
+        clients = [threading.Thread(target=lambda task: told.append(self.request(*task)[0]),
+                                    args=(self.TASKS[number % len(self.TASKS)],))
+                   for number in range(self.CLIENTS)]
+        for client in clients:
+            client.start()
+        for client in clients:
+            client.join()
+        self.assertIsNone(self.server.poll(), "it ended")
+        print("told under a shortage:", {status: told.count(status) for status in sorted(told)})
+        self.assertLessEqual(set(told), {0, 503, *wanted})
+        self.wait_for(lambda: [self.request(*task)[0] for task in self.TASKS] == wanted)
+        self.end_in_order()
+
+    test_saving_the_profile = None
 
 
 class Kills(Proof):
