@@ -1,4 +1,5 @@
 #include "app/AllFaces.h"
+#include "app/Announcing.h"
 #include "app/MemoryReserve.h"
 #include "app/Process.h"
 #include "app/WorkingFolder.h"
@@ -109,7 +110,8 @@ int main(int argc, char **argv)
     EventHandler events;
     Engine engine(allFaces(), directories, &events, &previews);
     const MemoryReserve reserve(*engine.setup()->memory);
-    MainWindow window(&profiles, &look, &events, engine.setup(), line.rootMode);
+    MainWindow window(&profiles, &look, &events, engine.setup(), line.rootMode, deviceAddresses,
+                      startAnnouncing);
     if (!hasFolder)
         events.msg(MainWindow::tr("Can't make the folder"), directories.profiles);
     if (!workingFolder.isEntered())

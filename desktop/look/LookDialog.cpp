@@ -1,6 +1,7 @@
 #include "desktop/look/LookDialog.h"
 
 #include "desktop/look/ColorPage.h"
+#include "desktop/look/DesktopPage.h"
 #include "desktop/look/FontPage.h"
 #include "desktop/look/Look.h"
 #include "desktop/look/StylePage.h"
@@ -29,6 +30,7 @@ LookDialog::LookDialog(Look *edited, QWidget *parent)
     , styles(new StylePage(look))
     , colors(new ColorPage)
     , fonts(new FontPage)
+    , desktop(new DesktopPage)
     , applyButton(new Finger<QPushButton>(tr("&Apply")))
 {
     look->hold();
@@ -52,6 +54,7 @@ void LookDialog::addPages()
     view->addPage(tr("Style"), QStringLiteral(":/icons/theme.png"), styles);
     view->addPage(tr("Color"), QStringLiteral(":/icons/colors.png"), colors);
     view->addPage(tr("Font"), QStringLiteral(":/icons/font.png"), fonts);
+    view->addPage(tr("Desktop"), QStringLiteral(":/icons/preferences-system.png"), desktop);
     view->setCurrentRow(QSettings().value(lastPageKey).toInt());
 
     connect(styles, &StylePage::styleChanged, this, [this] {
@@ -60,6 +63,7 @@ void LookDialog::addPages()
     });
     connect(colors, &ColorPage::controlChanged, this, &LookDialog::enableApply);
     connect(fonts, &FontPage::controlChanged, this, &LookDialog::enableApply);
+    connect(desktop, &DesktopPage::controlChanged, this, &LookDialog::enableApply);
 }
 
 QLayout *LookDialog::newButtons()
@@ -96,6 +100,8 @@ void LookDialog::apply()
     applyButton->setEnabled(false);
     if (!stored)
         warn(this, tr("Can't write file: ") + Look::fileName());
+    if (!desktop->choices().store())
+        warn(this, tr("What starts after the login can't be changed."));
 }
 
 void LookDialog::done(int result)

@@ -3,6 +3,7 @@
 #include <QDialog>
 
 class ColorPage;
+class DesktopPage;
 class FontPage;
 class Look;
 class PageView;
@@ -36,5 +37,6 @@ private:
     StylePage *styles;
     ColorPage *colors;
     FontPage *fonts;
+    DesktopPage *desktop;
     QPushButton *applyButton;
 };

@@ -45,6 +45,7 @@ void EventHandler::newConnection(const QString &peer)
     if (peer == lastAddress)
         return;
     lastAddress = peer;
+    Q_EMIT visitorCame(peer);
     if (!timer.isActive() || timer.remainingTimeAsDuration() > gatherTime)
         timer.start(gatherTime);
 }

@@ -57,6 +57,8 @@ Q_SIGNALS:
     /// The status line shows `text`, HTML, from now on.
     void statusChanged(const QString &text);
 
+    void visitorCame(const QString &address);
+
     /// What was told within the last second; `isAll` unless there was more.
     void deedsDone(const std::vector<Deed> &deeds, bool isAll);
 

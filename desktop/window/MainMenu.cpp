@@ -43,7 +43,7 @@ MainMenu::MainMenu(Look *lookInUse, const QString &language, QWidget *parent)
             [language, parent] { MessageDialog::help(language, QStringLiteral("index"), parent); });
     connect(aboutProgram, &QAction::triggered, this, &MainMenu::about);
     connect(aboutQt, &QAction::triggered, this, [parent] { QMessageBox::aboutQt(parent); });
-    connect(quit, &QAction::triggered, parent, &QWidget::close);
+    connect(quit, &QAction::triggered, this, &MainMenu::quitWanted);
 }
 
 QAction *MainMenu::addNamed(const char *name, const QString &text, const char *keys)

@@ -22,6 +22,7 @@ Q_SIGNALS:
     void settingsWanted();
     void addressWanted(); ///< in the clipboard
     void activityWanted();
+    void quitWanted();
 
     /// The user has switched the mode; `showMode` takes that back.
     void expertModeWanted(bool on);

@@ -7,6 +7,7 @@
 #include "desktop/window/AddressHero.h"
 #include "desktop/window/AddressList.h"
 #include "desktop/window/AddressTable.h"
+#include "desktop/window/DesktopIntegration.h"
 #include "desktop/window/EventHandler.h"
 #include "desktop/window/MainMenu.h"
 #include "desktop/window/PermissionButton.h"
@@ -15,12 +16,12 @@
 #include "desktop/window/StartQuestions.h"
 #include "desktop/window/WindowText.h"
 
+#include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
 #include <QDesktopServices>
 #include <QDir>
 #include <QDropEvent>
-#include <QGuiApplication>
 #include <QLabel>
 #include <QMimeData>
 #include <QPushButton>
@@ -96,7 +97,7 @@ QString trafficLimitText(const WebServer &server)
 
 MainWindow::MainWindow(Profiles *choice, Look *lookInUse, EventHandler *sink,
                        const std::shared_ptr<const ServerSetup> &common, bool rootMode,
-                       AddressSource source)
+                       AddressSource source, Announce announce)
     : profiles(choice)
     , events(sink)
 {
@@ -107,6 +108,7 @@ MainWindow::MainWindow(Profiles *choice, Look *lookInUse, EventHandler *sink,
     m_keeper = std::make_unique<RowKeeper>(profiles, common, std::move(source));
     m_reachability = std::make_unique<Reachability>(rows(), profiles);
     activity = std::make_unique<Activity>(rows(), common);
+    integration = std::make_unique<DesktopIntegration>(rows(), events, std::move(announce), this);
     events->watch(rows());
 
     addresses = new AddressList(profiles, keeper(), rootMode, this);
@@ -119,6 +121,7 @@ MainWindow::MainWindow(Profiles *choice, Look *lookInUse, EventHandler *sink,
     connectRows();
     connectReachability();
     connectMenus();
+    connectTray();
     setExpertMode(rows()->mode()->isExpert());
     if (rootMode)
         warnOfRoot();
@@ -128,6 +131,7 @@ MainWindow::~MainWindow()
 {
     events->watch(nullptr);
     // While what they report to is whole.
+    integration.reset();
     activity.reset();
     m_reachability.reset();
     m_keeper.reset();
@@ -242,6 +246,24 @@ void MainWindow::connectMenus()
     connect(panel, &RowPanel::settingsWanted, addresses, &AddressList::editProfile);
 }
 
+void MainWindow::connectTray()
+{
+    const TrayIcon *tray = integration->tray();
+    connect(tray, &TrayIcon::windowWanted, this, [this] { call({}); });
+    connect(tray, &TrayIcon::addressWanted, this, &MainWindow::copyAddress);
+    connect(tray, &TrayIcon::quitWanted, this, &MainWindow::quit);
+    connect(menu, &MainMenu::quitWanted, this, &MainWindow::quit);
+}
+
+/// The window may be hidden by then.
+void MainWindow::quit()
+{
+    quits = true;
+    if (close())
+        QApplication::quit();
+    quits = false;
+}
+
 void MainWindow::copyAddress()
 {
     const QLabel *label = addresses->statusLabel();
@@ -255,7 +277,7 @@ void MainWindow::copyAddress()
 
 void MainWindow::copy(const QString &address)
 {
-    QGuiApplication::clipboard()->setText(address);
+    QApplication::clipboard()->setText(address);
     events->statusmsg(tr("Copied: %1").arg(address.toHtmlEscaped()));
 }
 
@@ -268,6 +290,8 @@ void MainWindow::dataLimit(WebServer *server)
         return;
     row->stop();
     if (limitBoxes.contains(server))
+        return;
+    if (integration->notices()->tell(Notices::limitTitle(), trafficLimitText(*server)))
         return;
     limitBoxes.insert(server);
     const QMessageBox *box = showBox(this, QMessageBox::Critical, trafficLimitText(*server));
@@ -330,6 +354,12 @@ void MainWindow::closeEvent(QCloseEvent *event)
 {
     if (ended)
         return;
+    if (!quits && event->spontaneous() && integration->goesOnInTray()) {
+        // Its boxes would be the last windows, and end the program with them.
+        QApplication::setQuitOnLastWindowClosed(false);
+        event->ignore();
+        return hide();
+    }
     if (!addresses->askForStop(tr("Do you want to exit?"))) {
         event->ignore();
         return;
@@ -338,6 +368,8 @@ void MainWindow::closeEvent(QCloseEvent *event)
         warn(this,
              tr("Can't save the settings") + QLatin1Char('\n') + profiles->directories().profiles);
     event->accept();
+    if (!QApplication::quitOnLastWindowClosed())
+        QApplication::quit();
 }
 
 bool MainWindow::endInOrder()

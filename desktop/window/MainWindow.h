@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desktop/window/Announcements.h"
 #include "desktop/window/Reachability.h"
 #include "desktop/window/RowKeeper.h"
 #include "desktop/window/StartRequest.h"
@@ -12,6 +13,7 @@
 
 class Activity;
 class AddressList;
+class DesktopIntegration;
 class EventHandler;
 class Look;
 class MainMenu;
@@ -29,7 +31,7 @@ public:
     /// `sink`. In root mode ports up to 1024 can be used.
     MainWindow(Profiles *choice, Look *lookInUse, EventHandler *sink,
                const std::shared_ptr<const ServerSetup> &common, bool rootMode,
-               AddressSource source = deviceAddresses);
+               AddressSource source = deviceAddresses, Announce announce = {});
     ~MainWindow() override;
 
     RowKeeper *keeper() const { return m_keeper.get(); }
@@ -64,7 +66,9 @@ private:
     void connectRows();
     void connectReachability();
     void connectMenus();
+    void connectTray();
     void copyAddress();
+    void quit();
     void copy(const QString &address);
     void askForPassword(ServerRow *row);
     void saveGeometryNow();
@@ -73,10 +77,12 @@ private:
     EventHandler *events;
     std::unique_ptr<RowKeeper> m_keeper;
     std::unique_ptr<Activity> activity;
+    std::unique_ptr<DesktopIntegration> integration;
     std::unique_ptr<Reachability> m_reachability;
     QSet<const WebServer *> limitBoxes; ///< servers whose box is open
     bool asksForPassword = false; ///< the question is open
     bool ended = false; ///< closed in order
+    bool quits = false; ///< closing is to end the program
     bool wasShown = false;
 
     AddressList *addresses;

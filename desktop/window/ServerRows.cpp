@@ -46,13 +46,18 @@ ServerRows::ServerRows(Profiles *choice, std::shared_ptr<const ServerSetup> comm
     , m_mode(choice)
 {
     connect(&traffic, &QTimer::timeout, this, [this] {
-        for (ServerRow *row : std::as_const(rows))
+        bool moves = false;
+        for (ServerRow *row : std::as_const(rows)) {
             row->lookAtTraffic();
+            moves = moves || row->isTransferring();
+        }
+        Q_EMIT transferring(moves);
     });
     connect(this, &ServerRows::runningChanged, &traffic, [this](bool running) {
-        if (!running)
+        if (!running) {
             traffic.stop();
-        else if (!traffic.isActive())
+            Q_EMIT transferring(false);
+        } else if (!traffic.isActive())
             traffic.start(lookInterval);
     });
 }

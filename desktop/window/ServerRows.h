@@ -93,6 +93,9 @@ Q_SIGNALS:
 
     void runningChanged(bool running); ///< or goes on
 
+    /// Whether files are being transferred, every second while servers run, and at their end.
+    void transferring(bool goesOn);
+
     /// The servers might be reachable from the internet now.
     void publicAddressWanted();
 

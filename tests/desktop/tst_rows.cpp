@@ -1,5 +1,7 @@
 #include "config/Permission.h"
+#include "desktop/look/DesktopChoices.h"
 #include "desktop/settings/KeyMaker.h"
+#include "desktop/window/Announcements.h"
 #include "desktop/window/DeedLog.h"
 #include "desktop/window/FirstInstance.h"
 #include "desktop/window/LogFile.h"
@@ -13,7 +15,11 @@
 #include <QJsonObject>
 #include <QLocalSocket>
 
+#include <array>
 #include <thread>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 
@@ -129,6 +135,48 @@ private Q_SLOTS:
         QCOMPARE(shown.join(QLatin1Char('|')), QStringLiteral("f|Upload|50 %|2.0 kB/s|0:01"));
         table.show({});
         QCOMPARE(table.rowCount(), 0);
+    }
+
+    void rowsAreAnnouncedWhileTheyRun()
+    {
+        Rows device({}, 2);
+        device.global()->announced = 1;
+        std::array<int, 2> ends{};
+        QCOMPARE(::pipe2(ends.data(), O_NONBLOCK), 0);
+        const FileDescriptor told(ends[0]);
+        int times = 0;
+        {
+            const FileDescriptor telling(ends[1]);
+            Announcements announcements(device.rows, [&](const WebServer &server, const Profile &) {
+                times += server.isListening() ? 1 : 100;
+                return duplicate(telling.get());
+            });
+            device.row()->start();
+            QCOMPARE(times, 1);
+            device.row()->stop();
+            device.row()->start();
+            QCOMPARE(times, 2);
+            device.row(1)->start();
+            device.rows->stopAll();
+            QCOMPARE(times, 3);
+        }
+        char none = 0;
+        QCOMPARE(::read(told.get(), &none, 1), ssize_t(0)); // all of them withdrawn
+    }
+
+    void desktopChoices()
+    {
+        const TestHome home;
+        QVERIFY(!DesktopChoices::stored().startsAtLogin && DesktopChoices::stored().notifies);
+        QVERIFY((DesktopChoices{ true, true, false }).store());
+        QFile entry(home.path()
+                    + QLatin1String("/.config/autostart/example.quillon.Quillon.desktop"));
+        QVERIFY(entry.open(QFile::ReadOnly));
+        QVERIFY(entry.readAll().contains(
+            "Exec=\"" + QCoreApplication::applicationFilePath().toUtf8() + "\" --start\n"));
+        const DesktopChoices stored = DesktopChoices::stored();
+        QVERIFY(stored.staysInTray && stored.startsAtLogin && !stored.notifies);
+        QVERIFY(DesktopChoices().store() && !entry.exists());
     }
 
     void startAndStop()

@@ -2,6 +2,47 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="en_US" sourcelanguage="en_US">
 <context>
+    <name>DesktopIntegration</name>
+    <message>
+        <source>Files are being transferred.</source>
+        <translation>Files are being transferred.</translation>
+    </message>
+</context>
+<context>
+    <name>Notices</name>
+    <message>
+        <source>New visitor</source>
+        <translation>New visitor</translation>
+    </message>
+    <message>
+        <source>Received</source>
+        <translation>Received</translation>
+    </message>
+    <message>
+        <source>Traffic limit</source>
+        <translation>Traffic limit</translation>
+    </message>
+</context>
+<context>
+    <name>DesktopPage</name>
+    <message>
+        <source>Go on in the tray when the window is closed</source>
+        <translation>Go on in the tray when the window is closed</translation>
+    </message>
+    <message>
+        <source>Start when I log in</source>
+        <translation>Start when I log in</translation>
+    </message>
+    <message>
+        <source>Show notifications</source>
+        <translation>Show notifications</translation>
+    </message>
+    <message>
+        <source>Desktop Settings</source>
+        <translation>Desktop Settings</translation>
+    </message>
+</context>
+<context>
     <name>Activity</name>
     <message>
         <source>The log of events can&apos;t be written</source>
@@ -559,6 +600,14 @@
         <source>Can&apos;t write file: </source>
         <translation>Can&apos;t write file: </translation>
     </message>
+    <message>
+        <source>Desktop</source>
+        <translation>Desktop</translation>
+    </message>
+    <message>
+        <source>What starts after the login can&apos;t be changed.</source>
+        <translation>What starts after the login can&apos;t be changed.</translation>
+    </message>
 </context>
 <context>
     <name>MessageDialog</name>
@@ -836,6 +885,10 @@
     <message>
         <source>More than could be noted</source>
         <translation>More than could be noted</translation>
+    </message>
+    <message>
+        <source>Open the window</source>
+        <translation>Open the window</translation>
     </message>
 </context>
 <context>

@@ -2,6 +2,47 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="de_DE" sourcelanguage="en_US">
 <context>
+    <name>DesktopIntegration</name>
+    <message>
+        <source>Files are being transferred.</source>
+        <translation>Dateien werden übertragen.</translation>
+    </message>
+</context>
+<context>
+    <name>Notices</name>
+    <message>
+        <source>New visitor</source>
+        <translation>Neuer Besucher</translation>
+    </message>
+    <message>
+        <source>Received</source>
+        <translation>Empfangen</translation>
+    </message>
+    <message>
+        <source>Traffic limit</source>
+        <translation>Datenlimit</translation>
+    </message>
+</context>
+<context>
+    <name>DesktopPage</name>
+    <message>
+        <source>Go on in the tray when the window is closed</source>
+        <translation>Im Infobereich weiterlaufen, wenn das Fenster geschlossen wird</translation>
+    </message>
+    <message>
+        <source>Start when I log in</source>
+        <translation>Bei der Anmeldung starten</translation>
+    </message>
+    <message>
+        <source>Show notifications</source>
+        <translation>Benachrichtigungen zeigen</translation>
+    </message>
+    <message>
+        <source>Desktop Settings</source>
+        <translation>Arbeitsplatz</translation>
+    </message>
+</context>
+<context>
     <name>Activity</name>
     <message>
         <source>The log of events can&apos;t be written</source>
@@ -559,6 +600,14 @@
         <source>Can&apos;t write file: </source>
         <translation>Diese Datei kann nicht geschrieben werden: </translation>
     </message>
+    <message>
+        <source>Desktop</source>
+        <translation>Arbeitsplatz</translation>
+    </message>
+    <message>
+        <source>What starts after the login can&apos;t be changed.</source>
+        <translation>Was nach der Anmeldung startet, kann nicht geändert werden.</translation>
+    </message>
 </context>
 <context>
     <name>MessageDialog</name>
@@ -836,6 +885,10 @@
     <message>
         <source>More than could be noted</source>
         <translation>Mehr, als festgehalten werden konnte</translation>
+    </message>
+    <message>
+        <source>Open the window</source>
+        <translation>Fenster öffnen</translation>
     </message>
 </context>
 <context>

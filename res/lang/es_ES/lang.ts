@@ -2,6 +2,47 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="es_ES" sourcelanguage="en_US">
 <context>
+    <name>DesktopIntegration</name>
+    <message>
+        <source>Files are being transferred.</source>
+        <translation>Se están transfiriendo archivos.</translation>
+    </message>
+</context>
+<context>
+    <name>Notices</name>
+    <message>
+        <source>New visitor</source>
+        <translation>Visitante nuevo</translation>
+    </message>
+    <message>
+        <source>Received</source>
+        <translation>Recibido</translation>
+    </message>
+    <message>
+        <source>Traffic limit</source>
+        <translation>Límite de tráfico</translation>
+    </message>
+</context>
+<context>
+    <name>DesktopPage</name>
+    <message>
+        <source>Go on in the tray when the window is closed</source>
+        <translation>Seguir en la bandeja al cerrar la ventana</translation>
+    </message>
+    <message>
+        <source>Start when I log in</source>
+        <translation>Iniciar al entrar en la sesión</translation>
+    </message>
+    <message>
+        <source>Show notifications</source>
+        <translation>Mostrar notificaciones</translation>
+    </message>
+    <message>
+        <source>Desktop Settings</source>
+        <translation>Escritorio</translation>
+    </message>
+</context>
+<context>
     <name>Activity</name>
     <message>
         <source>The log of events can&apos;t be written</source>
@@ -559,6 +600,14 @@
         <source>Can&apos;t write file: </source>
         <translation>No se puede escribir el archivo: </translation>
     </message>
+    <message>
+        <source>Desktop</source>
+        <translation>Escritorio</translation>
+    </message>
+    <message>
+        <source>What starts after the login can&apos;t be changed.</source>
+        <translation>No se puede cambiar lo que se inicia al entrar en la sesión.</translation>
+    </message>
 </context>
 <context>
     <name>MessageDialog</name>
@@ -836,6 +885,10 @@
     <message>
         <source>More than could be noted</source>
         <translation>Más de lo que se pudo anotar</translation>
+    </message>
+    <message>
+        <source>Open the window</source>
+        <translation>Abrir la ventana</translation>
     </message>
 </context>
 <context>

@@ -2,6 +2,47 @@
 <!DOCTYPE TS>
 <TS version="2.1" language="fr_FR" sourcelanguage="en_US">
 <context>
+    <name>DesktopIntegration</name>
+    <message>
+        <source>Files are being transferred.</source>
+        <translation>Des fichiers sont en cours de transfert.</translation>
+    </message>
+</context>
+<context>
+    <name>Notices</name>
+    <message>
+        <source>New visitor</source>
+        <translation>Nouveau visiteur</translation>
+    </message>
+    <message>
+        <source>Received</source>
+        <translation>Reçu</translation>
+    </message>
+    <message>
+        <source>Traffic limit</source>
+        <translation>Limite de trafic</translation>
+    </message>
+</context>
+<context>
+    <name>DesktopPage</name>
+    <message>
+        <source>Go on in the tray when the window is closed</source>
+        <translation>Continuer dans la barre système quand la fenêtre est fermée</translation>
+    </message>
+    <message>
+        <source>Start when I log in</source>
+        <translation>Démarrer à l&apos;ouverture de session</translation>
+    </message>
+    <message>
+        <source>Show notifications</source>
+        <translation>Afficher des notifications</translation>
+    </message>
+    <message>
+        <source>Desktop Settings</source>
+        <translation>Bureau</translation>
+    </message>
+</context>
+<context>
     <name>Activity</name>
     <message>
         <source>The log of events can&apos;t be written</source>
@@ -559,6 +600,14 @@
         <source>Can&apos;t write file: </source>
         <translation>Impossible d’écrire le fichier&#xa0;: </translation>
     </message>
+    <message>
+        <source>Desktop</source>
+        <translation>Bureau</translation>
+    </message>
+    <message>
+        <source>What starts after the login can&apos;t be changed.</source>
+        <translation>Ce qui démarre à l&apos;ouverture de session ne peut être modifié.</translation>
+    </message>
 </context>
 <context>
     <name>MessageDialog</name>
@@ -836,6 +885,10 @@
     <message>
         <source>More than could be noted</source>
         <translation>Plus qu&apos;il n&apos;a pu en être noté</translation>
+    </message>
+    <message>
+        <source>Open the window</source>
+        <translation>Ouvrir la fenêtre</translation>
     </message>
 </context>
 <context>
