@@ -3,6 +3,7 @@
 #include "config/Profile.h"
 #include "files/DiskWorker.h"
 #include "files/Share.h"
+#include "server/MemoryTrim.h"
 #include "standard/dav/DavState.h"
 #include "standard/dav/Limits.h"
 #include "standard/dav/RequestBodies.h"
@@ -169,6 +170,9 @@ void PropFind::stop()
         return;
     job->cancel();
     exchange.service().setup.turns->leave(this);
+    // Whoever took a few of many pieces leaves the most behind.
+    if (begun)
+        exchange.service().setup.memory->trimSoon();
 }
 
 } // namespace standard
