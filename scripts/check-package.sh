@@ -156,7 +156,7 @@ live_with_it() {
 end_server() { [[ -z ${process:-} ]] || kill "$process" || true; }
 
 # What must outlive an upgrade.
-stored() { (cd "$root" && cat opt/quillon/server.* "$place"/home/.quillon/*.conf | md5sum); }
+stored() { (cd "$root" && cat opt/quillon/{server,authority}.* "$place"/home/.quillon/*.conf | md5sum); }
 
 # Both programs, as a user finds them.
 start_it() {
