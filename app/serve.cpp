@@ -10,7 +10,9 @@
 #include "config/Profiles.h"
 #include "config/Utf8Names.h"
 #include "files/Previews.h"
+#include "server/Authority.h"
 #include "server/Engine.h"
+#include "server/KeyTool.h"
 #include "server/PasswordHash.h"
 #include "server/Url.h"
 #include "server/WebServer.h"
@@ -358,6 +360,30 @@ void confineServer(Console *console, const QString &path, const Profile &profile
     }
 }
 
+/// Before anything of it is read, while programs may be started.
+void renewCertificate(Console *console, const Profile &profile)
+{
+    if (!profile.usesTls() || !KeyTool::canRenew(profile.publicKeyFile))
+        return;
+    KeyTool tool(profile.publicKeyFile);
+    QObject::connect(&tool, &KeyTool::ended, &tool, [console](const QString &problem) {
+        if (!problem.isEmpty())
+            console->error(text("The certificate was not renewed: %1").arg(problem));
+    });
+    tool.start();
+    tool.wait();
+}
+
+/// What visitors compare before they trust it.
+void tellAuthority(Console *console, const Profile &profile)
+{
+    const QSslCertificate authority = authorityOf(profile.publicKeyFile);
+    if (profile.usesTls() && !authority.isNull())
+        console->error(text("Fingerprint (SHA-256) of the authority at /%1: %2")
+                           .arg(QLatin1String(authorityPagePath),
+                                fingerprintRows(authority).join(QLatin1Char(':'))));
+}
+
 /// Serves the file or folder `path` until a signal or the traffic limit ends it.
 int serve(Console *console, const Options &options, const QString &path, const Profiles &profiles,
           ServiceManager *manager)
@@ -378,6 +404,7 @@ int serve(Console *console, const Options &options, const QString &path, const P
     profile->names += options.names;
     profile->pathPrefix = options.pathPrefix.value_or(profile->pathPrefix);
 
+    renewCertificate(console, *profile);
     ConsoleSink sink(console);
     QNetworkAddressEntry entry;
     entry.setIp(options.address);
@@ -411,6 +438,7 @@ int serve(Console *console, const Options &options, const QString &path, const P
     if (options.sandbox)
         confineServer(console, path, *profile);
     printAddresses(console, server, options.path);
+    tellAuthority(console, *profile);
     manager->tellReady();
     const int status = QCoreApplication::exec();
     manager->tellStopping();

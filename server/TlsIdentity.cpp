@@ -90,7 +90,8 @@ std::optional<TlsIdentity> TlsIdentity::load(const Profile &profile, QString *pr
                        .arg(profile.privateKeyFile);
         return {};
     }
-    const QSslCertificate certificate(&certificateFile, QSsl::Pem);
+    const QList<QSslCertificate> chain = QSslCertificate::fromDevice(&certificateFile, QSsl::Pem);
+    const QSslCertificate certificate = chain.value(0);
     const QSslKey key(&keyFile, QSsl::Rsa, QSsl::Pem, QSsl::PrivateKey,
                       profile.keyPassword.toLatin1());
     *problem = problemWithPair(key, certificate, profile);
@@ -99,6 +100,6 @@ std::optional<TlsIdentity> TlsIdentity::load(const Profile &profile, QString *pr
 
     TlsIdentity identity{ modernConfiguration() };
     identity.configuration.setPrivateKey(key);
-    identity.configuration.setLocalCertificate(certificate);
+    identity.configuration.setLocalCertificateChain(chain);
     return identity;
 }

@@ -168,6 +168,16 @@ void WebServer::loadKeys(const Profile *profile)
         warn(problem);
 }
 
+void WebServer::reloadKeys()
+{
+    QString problem;
+    std::optional<TlsIdentity> fresh;
+    if (service.profile->usesTls())
+        fresh = TlsIdentity::load(*service.profile, &problem);
+    if (fresh)
+        identity = std::move(fresh);
+}
+
 void WebServer::warn(const QString &text) const
 {
     if (setup->sink)

@@ -54,6 +54,10 @@ public:
     /// Takes over the values of `profile`, the server's own or an edited copy of it.
     void profileEdited(const Profile *profile);
 
+    /// Reads the key and certificate once more, for new connections. When they can't be used, those
+    /// that were read stay.
+    void reloadKeys();
+
     /// Shares a file or folder; a path that can't be read makes it the home folder. Requests
     /// that are under way are not affected.
     void setShared(const QString &path);

@@ -19,6 +19,7 @@ namespace {
 constexpr int spareHeads = 64;
 
 constexpr Route statusRoute{ Request::None, nullptr, makeResponder<StatusReply> };
+constexpr Route authorityRoute{ Request::None, nullptr, makeResponder<AuthorityFile> };
 constexpr Route loginPageRoute{ Request::None, nullptr, makeResponder<LoginPage> };
 constexpr Route challengeRoute{ Request::None, nullptr, makeResponder<Challenge> };
 constexpr Route formTooLargeRoute{ Request::None, nullptr, makeResponder<FormTooLarge> };
@@ -155,6 +156,8 @@ void ClassicFace::examine()
         channel.setKeepAlive(false);
     if (const char *status = reasonToRefuse())
         return refuse(status);
+    if (AuthorityFile::isAskedFor(exchange))
+        return responder(authorityRoute).reply();
     if (exchange.request.isForm())
         return readForm();
     admission.look();

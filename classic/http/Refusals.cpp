@@ -1,6 +1,7 @@
 #include "classic/http/Refusals.h"
 
 #include "files/Share.h"
+#include "server/Authority.h"
 
 #include <QCoreApplication>
 
@@ -9,11 +10,39 @@ namespace {
 constexpr auto loginPage = "login.html";
 constexpr auto challenge = "WWW-Authenticate: Basic realm=\"Private Area\"\r\n";
 
+QByteArray pathOf(const Request &request)
+{
+    return request.path.mid(1).toUtf8();
+}
+
+std::optional<AuthorityReply> authorityOf(const Exchange &exchange)
+{
+    return authorityReply(pathOf(exchange.request), *exchange.service.profile);
+}
+
 } // namespace
 
 StatusReply::StatusReply(Exchange &current)
     : Responder(current)
 {
+}
+
+bool AuthorityFile::isAskedFor(const Exchange &exchange)
+{
+    if (!exchange.request.isDownload() || !authorityOf(exchange))
+        return false;
+    const Service &service = exchange.service;
+    return service.singleFile || !service.share
+        || !service.share->facts(pathOf(exchange.request)).exists;
+}
+
+void AuthorityFile::reply()
+{
+    const std::optional<AuthorityReply> found = authorityOf(exchange);
+    if (!found)
+        return sendHeader(Status::notFound, 0);
+    setContentType(found->contentType);
+    sendBody(Status::ok, found->body, "Content-Disposition: " + found->disposition + "\r\n");
 }
 
 LoginPage::LoginPage(Exchange &current)

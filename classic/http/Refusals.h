@@ -15,6 +15,19 @@ public:
     void send(const QByteArray &status) { sendHeader(status, 0); }
 };
 
+/// What visitors may have to come to trust the server, see `authorityReply`.
+class AuthorityFile final : public Responder
+{
+    Q_OBJECT
+public:
+    using Responder::Responder;
+
+    /// Whether the request asks for it, and for nothing that is shared.
+    static bool isAskedFor(const Exchange &exchange);
+
+    void reply() override;
+};
+
 /// The page that asks for the password.
 class LoginPage final : public FileReply
 {

@@ -1,6 +1,8 @@
 #include "standard/web/Routes.h"
 
+#include "server/Authority.h"
 #include "standard/http/LoginPage.h"
+#include "standard/web/AuthorityFile.h"
 #include "standard/web/LoginMethods.h"
 #include "standard/web/OpenUploads.h"
 #include "standard/web/Tus.h"
@@ -25,6 +27,15 @@ Routes withLogins(Routes routes)
     routes.rows.push_back({ Method::Head, makeHandler<LoginForm>, loginPath, true });
     routes.rows.push_back({ Method::Post, makeHandler<LogIn>, loginPath, true });
     routes.rows.push_back({ Method::Post, makeHandler<LogOut>, logOutPath, true });
+    return routes;
+}
+
+Routes withAuthority(Routes routes)
+{
+    for (const char *path : { authorityPath, authorityPagePath }) {
+        for (const Method method : { Method::Get, Method::Head })
+            routes.rows.push_back({ method, makeHandler<AuthorityFile>, path, true });
+    }
     return routes;
 }
 

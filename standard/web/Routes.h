@@ -10,4 +10,7 @@ Routes withUploads(Routes routes);
 /// `routes` with a page where browsers log in, and out.
 Routes withLogins(Routes routes);
 
+/// `routes` with what visitors need to come to trust the server.
+Routes withAuthority(Routes routes);
+
 } // namespace standard

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QByteArray>
+#include <QSslCertificate>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+class Profile;
+
+/// The authority of this machine that has signed the certificate in `file`, which holds both; who
+/// trusts it trusts what it signs later, too. Null when another has, or nobody.
+QSslCertificate authorityOf(const QString &file);
+
+/// The SHA-256 fingerprint that people compare, in hexadecimal digits, a few bytes a row.
+QStringList fingerprintRows(const QSslCertificate &certificate);
+
+/// Where everyone finds the authority of a server, login or not: its certificate, and a page with
+/// the fingerprint. Paths of the server, without the first "/".
+constexpr auto authorityPath = ".quillon/ca";
+constexpr auto authorityPagePath = ".quillon/authority";
+
+struct AuthorityReply
+{
+    QByteArray contentType;
+    QByteArray disposition; ///< the value of Content-Disposition (RFC 6266)
+    QByteArray body;
+};
+
+/// What is found at `path` on a server with `profile`, encrypted or not. None when that is another
+/// path, or there is no such authority.
+std::optional<AuthorityReply> authorityReply(const QByteArray &path, const Profile &profile);
