@@ -1,59 +1,16 @@
 #include "desktop/settings/KeyMaker.h"
 
-#include <QFile>
-#include <QHostAddress>
-#include <QHostInfo>
-#include <QNetworkInterface>
-#include <QSslCertificate>
+#include "server/Authority.h"
 
-#include <utility>
+#include <QFile>
+#include <QFileInfo>
+#include <QStandardPaths>
 
 namespace {
 
-constexpr int validDays = 825; ///< phones refuse certificates that are valid for longer
-constexpr int longestCommonName = 64; ///< RFC 5280, ub-common-name
-constexpr int bytesInARow = 8;
-
-QString machineName()
+QString shownFingerprint(const QString &label, const QSslCertificate &certificate)
 {
-    const QString name = QHostInfo::localHostName();
-    return name.isEmpty() ? QStringLiteral("localhost") : name;
-}
-
-/// All that visitors may type for this machine, as the tool wants it.
-QString alternativeNames()
-{
-    const QString machine = machineName();
-    QStringList names = { QStringLiteral("DNS:localhost"), QLatin1String("DNS:") + machine };
-    if (!machine.contains(QLatin1Char('.')))
-        names.append(QStringLiteral("DNS:%1.local").arg(machine));
-    const QList<QHostAddress> addresses = QNetworkInterface::allAddresses();
-    for (QHostAddress address : addresses) {
-        address.setScopeId({});
-        names.append(QLatin1String("IP:") + address.toString());
-    }
-    names.removeDuplicates();
-    return names.join(QLatin1Char(','));
-}
-
-QStringList toolArguments(const QString &key, const QString &certificate)
-{
-    const auto extension = [](const char *text) {
-        return QStringList{ QStringLiteral("-addext"), QLatin1String(text) };
-    };
-    return QStringList{
-        QStringLiteral("req"),      QStringLiteral("-x509"),
-        QStringLiteral("-sha256"),  QStringLiteral("-newkey"),
-        QStringLiteral("rsa:2048"), QStringLiteral("-nodes"),
-        QStringLiteral("-keyout"),  key,
-        QStringLiteral("-out"),     certificate,
-        QStringLiteral("-days"),    QString::number(validDays),
-        QStringLiteral("-subj"),    QLatin1String("/CN=") + machineName().left(longestCommonName),
-        QStringLiteral("-addext"),  QLatin1String("subjectAltName=") + alternativeNames()
-    }
-    + extension("keyUsage=digitalSignature,keyEncipherment")
-        + extension("extendedKeyUsage=serverAuth")
-        + extension("basicConstraints=critical,CA:FALSE");
+    return label.arg(QLatin1Char('\n') + fingerprintRows(certificate).join(QLatin1Char('\n')));
 }
 
 /// "server", or with a number where that is taken.
@@ -76,54 +33,30 @@ QSslCertificate certificateIn(const QString &file)
 
 } // namespace
 
-KeyMaker::KeyMaker(QString folder, QObject *parent)
+KeyMaker::KeyMaker(const QString &folder, QObject *parent)
     : QObject(parent)
-    , target(std::move(folder))
-    , work(target + QLatin1String(".new-keys-XXXXXX"))
+    , target(folder)
+    , name(freeName(folder))
+    , tool(folder, name)
 {
-    connect(&tool, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
-            &KeyMaker::finish);
-    connect(&tool, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
-        if (error == QProcess::FailedToStart)
-            fail(tr("The program \"openssl\" is needed to make a key."));
-    });
-}
-
-KeyMaker::~KeyMaker()
-{
-    // The tool's end would be told to a page that is just going, too.
-    tool.disconnect(this);
-    tool.kill();
-    tool.waitForFinished();
+    connect(&tool, &KeyTool::ended, this, &KeyMaker::finish);
 }
 
 void KeyMaker::start()
 {
-    if (!work.isValid())
+    if (!QFileInfo(target).isWritable())
         return fail(tr("Can't write to the folder: ") + target);
-    tool.start(
-        QStringLiteral("openssl"),
-        toolArguments(work.filePath(QStringLiteral("key")), work.filePath(QStringLiteral("crt"))));
+    if (QStandardPaths::findExecutable(QStringLiteral("openssl")).isEmpty())
+        return fail(tr("The program \"openssl\" is needed to make a key."));
+    tool.start();
 }
 
-void KeyMaker::finish()
+void KeyMaker::finish(const QString &problem)
 {
-    const QString name = freeName(target);
-    if (tool.exitStatus() != QProcess::NormalExit || tool.exitCode() != 0)
-        return fail(QString::fromUtf8(tool.readAllStandardError()).trimmed());
-    if (!moveFiles(name))
-        return fail(tr("Can't write to the folder: ") + target);
+    if (!problem.isEmpty())
+        return fail(problem);
     Q_EMIT made(target + name + QLatin1String(".key"), target + name + QLatin1String(".crt"));
     deleteLater();
-}
-
-bool KeyMaker::moveFiles(const QString &name)
-{
-    const QString key = work.filePath(QStringLiteral("key"));
-    return QFile::setPermissions(key, QFileDevice::ReadOwner | QFileDevice::WriteOwner)
-        && QFile::rename(key, target + name + QLatin1String(".key"))
-        && QFile::rename(work.filePath(QStringLiteral("crt")),
-                         target + name + QLatin1String(".crt"));
 }
 
 void KeyMaker::fail(const QString &reason)
@@ -137,12 +70,7 @@ QString certificateFingerprint(const QString &file)
     const QSslCertificate certificate = certificateIn(file);
     if (certificate.isNull())
         return {};
-    const QByteArray digest = certificate.digest(QCryptographicHash::Sha256);
-    QStringList rows;
-    for (int i = 0; i < digest.size(); i += bytesInARow)
-        rows.append(QString::fromLatin1(digest.mid(i, bytesInARow).toHex(':').toUpper()));
-    return KeyMaker::tr("Fingerprint (SHA-256): %1")
-        .arg(QLatin1Char('\n') + rows.join(QLatin1Char('\n')));
+    return shownFingerprint(KeyMaker::tr("Fingerprint (SHA-256): %1"), certificate);
 }
 
 QString certificateFacts(const QString &file)
@@ -153,6 +81,11 @@ QString certificateFacts(const QString &file)
     QStringList names = certificate.subjectInfo(QSslCertificate::CommonName);
     names += certificate.subjectAlternativeNames().values();
     names.removeDuplicates();
-    return certificateFingerprint(file) + QLatin1Char('\n')
-        + KeyMaker::tr("Names: %1").arg(names.join(QLatin1String(", ")));
+    QStringList facts{ shownFingerprint(KeyMaker::tr("Fingerprint (SHA-256): %1"), certificate),
+                       KeyMaker::tr("Names: %1").arg(names.join(QLatin1String(", "))) };
+    const QSslCertificate authority = authorityOf(file);
+    if (!authority.isNull())
+        facts += shownFingerprint(
+            KeyMaker::tr("Fingerprint of this computer's authority (SHA-256): %1"), authority);
+    return facts.join(QLatin1Char('\n'));
 }

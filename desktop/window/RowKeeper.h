@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desktop/window/CertificateRenewal.h"
 #include "desktop/window/DeviceNetwork.h"
 #include "desktop/window/SavedRows.h"
 #include "desktop/window/ServerRows.h"
@@ -82,4 +83,5 @@ private:
     bool saveFailed = false; ///< and was told
     QList<ServerRow *> resumed; ///< rows that are to run as they did
     ServerRows m_rows;
+    CertificateRenewal renewal{ &m_rows };
 };

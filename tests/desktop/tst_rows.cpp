@@ -14,6 +14,9 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocalSocket>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QSslSocket>
 
 #include <array>
 #include <thread>
@@ -493,6 +496,29 @@ private Q_SLOTS:
         device.rows->profileEdited(copy.get());
         device.row()->start();
         QVERIFY(device.row()->isListening() && device.row()->server()->isTlsReady());
+
+        // As after a move: for nothing of today. New connections get the renewed one.
+        const QString moved = QStringLiteral(
+            "cd \"$0\" && openssl req -new -key \"$1\" -subj /CN=old | openssl x509 -req "
+            "-set_serial 7 "
+            "-CA authority.crt -CAkey authority.key -out old && cat old authority.crt > \"$2\"");
+        QCOMPARE(QProcess::execute(
+                     QStringLiteral("sh"),
+                     QStringList{ QStringLiteral("-c"), moved, device.path(".quillon") } + files),
+                 0);
+        device.row()->stop();
+        device.row()->server()->reloadKeys();
+        device.row()->start();
+        const auto namesShown = [&device] {
+            QSslSocket client;
+            client.setPeerVerifyMode(QSslSocket::VerifyNone);
+            QSignalSpy encrypted(&client, &QSslSocket::encrypted);
+            client.connectToHostEncrypted(loopback, device.row()->server()->port);
+            encrypted.wait();
+            return client.peerCertificate().subjectAlternativeNames().size();
+        };
+        QCOMPARE(namesShown(), 0);
+        QTRY_VERIFY_WITH_TIMEOUT(namesShown() > 0, 20000);
         copy->publicKeyFile = files[0];
         device.rows->profileEdited(copy.get());
         QVERIFY(!device.row()->isListening()); // it would go on without encryption

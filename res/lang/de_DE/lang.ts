@@ -1308,6 +1308,10 @@
         <source>Names: %1</source>
         <translation>Namen: %1</translation>
     </message>
+    <message>
+        <source>Fingerprint of this computer&apos;s authority (SHA-256): %1</source>
+        <translation>Fingerabdruck der Zertifizierungsstelle dieses Computers (SHA-256): %1</translation>
+    </message>
 </context>
 <context>
     <name>AddressHero</name>

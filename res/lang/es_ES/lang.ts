@@ -1308,6 +1308,10 @@
         <source>Names: %1</source>
         <translation>Nombres: %1</translation>
     </message>
+    <message>
+        <source>Fingerprint of this computer&apos;s authority (SHA-256): %1</source>
+        <translation>Huella de la autoridad de este equipo (SHA-256): %1</translation>
+    </message>
 </context>
 <context>
     <name>AddressHero</name>

@@ -1308,6 +1308,10 @@
         <source>Names: %1</source>
         <translation>Noms : %1</translation>
     </message>
+    <message>
+        <source>Fingerprint of this computer&apos;s authority (SHA-256): %1</source>
+        <translation>Empreinte de l’autorité de cet ordinateur (SHA-256) : %1</translation>
+    </message>
 </context>
 <context>
     <name>AddressHero</name>

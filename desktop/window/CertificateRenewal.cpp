@@ -1,0 +1,60 @@
+#include "desktop/window/CertificateRenewal.h"
+
+#include "config/Profile.h"
+#include "desktop/Log.h"
+#include "desktop/window/ServerRow.h"
+#include "desktop/window/ServerRows.h"
+#include "server/KeyTool.h"
+
+#include <QSet>
+
+#include <chrono>
+#include <utility>
+
+using namespace std::chrono_literals;
+
+CertificateRenewal::CertificateRenewal(ServerRows *choice)
+    : rows(choice)
+{
+    soon.setSingleShot(true);
+    soon.setInterval(1s);
+    daily.start(24h);
+    const auto lookSoon = QOverload<>::of(&QTimer::start);
+    connect(rows, &ServerRows::rowAdded, &soon, lookSoon);
+    connect(rows, &ServerRows::rowRemoved, &soon, lookSoon);
+    connect(rows, &ServerRows::runningChanged, &soon, lookSoon);
+    connect(&soon, &QTimer::timeout, this, &CertificateRenewal::look);
+    connect(&daily, &QTimer::timeout, this, &CertificateRenewal::look);
+}
+
+void CertificateRenewal::look()
+{
+    QSet<QString> certificates;
+    for (const ServerRow *row : rows->all()) {
+        const Profile &profile = *row->profile();
+        if (profile.usesTls() && KeyTool::canRenew(profile.publicKeyFile))
+            certificates.insert(profile.publicKeyFile);
+    }
+    for (const QString &certificate : std::as_const(certificates))
+        renew(certificate);
+}
+
+void CertificateRenewal::renew(const QString &certificate)
+{
+    auto *tool = new KeyTool(certificate, this);
+    connect(tool, &KeyTool::ended, this, [this, tool, certificate](const QString &problem) {
+        tool->deleteLater();
+        if (problem.isEmpty())
+            return reload(certificate);
+        qCWarning(desktopLog) << "not renewed:" << certificate << problem;
+    });
+    tool->start();
+}
+
+void CertificateRenewal::reload(const QString &certificate) const
+{
+    for (const ServerRow *row : rows->all()) {
+        if (row->profile()->publicKeyFile == certificate)
+            row->server()->reloadKeys();
+    }
+}

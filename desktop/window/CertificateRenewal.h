@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+
+class ServerRows;
+
+/// Has this machine's authority sign the certificates of the rows anew when they don't name its
+/// addresses any more, or end soon. Looks when rows come, go, start or stop, and from time to time;
+/// servers go on meanwhile. A part of the keeper of the rows.
+class CertificateRenewal : public QObject
+{
+    Q_OBJECT
+public:
+    explicit CertificateRenewal(ServerRows *choice);
+
+private:
+    void look();
+    void renew(const QString &certificate);
+    void reload(const QString &certificate) const;
+
+    ServerRows *rows;
+    QTimer soon; ///< when all rows have followed
+    QTimer daily;
+};
