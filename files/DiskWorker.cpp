@@ -2,8 +2,10 @@
 
 #include "files/DiskJob.h"
 
+#include <QTimer>
+
 #include <algorithm>
-#include <system_error>
+#include <exception>
 #include <utility>
 
 #include <sys/eventfd.h>
@@ -12,6 +14,7 @@ namespace {
 
 constexpr std::size_t maxThreads = 2; ///< of each lane
 constexpr std::size_t lanes = 2;
+constexpr std::chrono::milliseconds retryInterval{ 100 }; ///< when there was no memory for a thread
 
 std::size_t laneOf(const DiskJob &job)
 {
@@ -67,8 +70,8 @@ void DiskWorker::enqueue(Task task)
 {
     DiskJob *job = task.job.get();
     tasks.emplace(job, std::move(task));
-    while (threads.size() < lanes * std::min(maxThreads, tasks.size()) && startThread()) { }
-    const std::size_t lane = laneOf(*job);
+    startThreads();
+    const std::size_t lane = laneFor(*job);
     {
         const std::lock_guard<std::mutex> lock(mutex);
         waiting[lane].push_back(job);
@@ -76,15 +79,30 @@ void DiskWorker::enqueue(Task task)
     wake[lane].notify_one();
 }
 
-/// Without memory for one, those that there are do the work; it is tried again with the next job.
+/// Without memory for more, those that there are do the work.
+void DiskWorker::startThreads()
+{
+    while (threads.size() < lanes * std::min(maxThreads, tasks.size()) && startThread()) { }
+    if (threads.empty() && !tasks.empty())
+        QTimer::singleShot(retryInterval, this, &DiskWorker::startThreads);
+}
+
 bool DiskWorker::startThread()
 {
     try {
         threads.emplace_back(&DiskWorker::work, this, threads.size() % lanes);
-    } catch (const std::system_error &) {
+    } catch (const std::exception &) {
         return false;
     }
+    threadCount = threads.size();
     return true;
+}
+
+/// The first thread is that of the first lane, the second that of the second.
+std::size_t DiskWorker::laneFor(const DiskJob &job) const
+{
+    const std::size_t lane = laneOf(job);
+    return lane < threadCount ? lane : 0;
 }
 
 void DiskWorker::work(std::size_t lane)
@@ -116,7 +134,7 @@ void DiskWorker::putBack(DiskJob *job, bool finishedNow)
 {
     const std::lock_guard<std::mutex> lock(mutex);
     if (!finishedNow) {
-        const std::size_t lane = laneOf(*job);
+        const std::size_t lane = laneFor(*job);
         waiting[lane].push_back(job);
         wake[lane].notify_one();
         return;

@@ -7,6 +7,7 @@
 #include <QSocketNotifier>
 
 #include <array>
+#include <atomic>
 #include <condition_variable>
 #include <cstddef>
 #include <deque>
@@ -53,7 +54,9 @@ private:
 
     void finish(const Task &task);
     void enqueue(Task task);
+    void startThreads();
     bool startThread();
+    std::size_t laneFor(const DiskJob &job) const;
     void work(std::size_t lane);
     DiskJob *takeWaiting(std::size_t lane);
     void putBack(DiskJob *job, bool finishedNow);
@@ -63,6 +66,7 @@ private:
     FileDescriptor bell; ///< rung by the threads when jobs are finished
     std::unique_ptr<QSocketNotifier> listener;
     std::vector<std::thread> threads;
+    std::atomic<std::size_t> threadCount{ 0 }; ///< of them
 
     std::mutex mutex; ///< guards what follows
     // By lane: for work, and for the disk.

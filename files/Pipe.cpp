@@ -14,8 +14,11 @@ constexpr int room = 256 * 1024; ///< bytes; more of them stay in no cache of a 
 
 bool Pipe::open()
 {
-    if (in.isOpen())
+    if (in.isOpen() && filled == 0)
         return true;
+    // What a file did not take goes with the pipe.
+    in.reset();
+    out.reset();
     std::array<int, 2> ends{};
     if (::pipe2(ends.data(), O_CLOEXEC | O_NONBLOCK) != 0)
         return false;
@@ -29,12 +32,6 @@ bool Pipe::open()
 
 qint64 Pipe::fill(int socket, qint64 most)
 {
-    if (filled > 0) {
-        in.reset();
-        out.reset();
-        if (!open())
-            return -1;
-    }
     const auto count = std::size_t(std::min<qint64>(most, room));
     const ssize_t taken =
         ::splice(socket, nullptr, in.get(), nullptr, count, SPLICE_F_MOVE | SPLICE_F_NONBLOCK);

@@ -10,11 +10,11 @@
 class Pipe
 {
 public:
-    /// Makes it unless that was done. False when the system has none.
+    /// Makes it unless that was done, and drops what stands in it. False when the system has none.
     bool open();
 
-    /// Takes up to `most` bytes out of `socket`, but no more than fit; what stood in it is dropped.
-    /// Gives their number, 0 at the end of what the peer sends, -1 with `errno`.
+    /// Takes up to `most` bytes out of `socket`, but no more than fit, when it is empty. Gives
+    /// their number, 0 at the end of what the peer sends, -1 with `errno`.
     qint64 fill(int socket, qint64 most);
 
     /// How many bytes stand in it.
