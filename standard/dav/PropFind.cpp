@@ -104,7 +104,7 @@ ReplyFacts PropFind::commonFacts(const PropFindBody &asked, Depth depth) const
 bool PropFind::takeTurn(const Turn &)
 {
     state = State::Waiting;
-    if (begun)
+    if (job->hasPiece())
         sendPiece(); // it was made before the rest
     else // what the loop has no time for goes on elsewhere
         exchange.service().setup.disk->run(job, this, [this] { pieceMade(); });
@@ -115,10 +115,7 @@ void PropFind::pieceMade()
 {
     if (state != State::Waiting)
         return;
-    if (!begun || !exchange.isCongested())
-        return trySend();
-    state = State::Resting;
-    exchange.service().setup.turns->rest(this);
+    begun &&exchange.isCongested() ? rest() : trySend();
 }
 
 /// Outside of a turn nobody else ends who gets no memory.
@@ -143,11 +140,21 @@ void PropFind::sendPiece()
     if (!begun && !exchange.startBody(Status::MultiStatus, std::move(fields), std::nullopt))
         return;
     begun = true;
-    if (!isLast)
-        makeAhead();
     exchange.write(piece);
-    if (isLast && state == State::Waiting)
-        exchange.end();
+    if (state != State::Waiting) // it ended meanwhile
+        return;
+    if (isLast)
+        return exchange.end();
+    if (!exchange.isCongested())
+        return makeAhead();
+    // For a client that takes nothing nothing is made.
+    rest();
+}
+
+void PropFind::rest()
+{
+    state = State::Resting;
+    exchange.service().setup.turns->rest(this);
 }
 
 /// The next piece, while this one goes out.

@@ -27,13 +27,14 @@ private:
         Idle,
         Making, ///< the next piece, when it has its turn
         Waiting, ///< for the disk, while the piece before is on its way
-        Resting ///< until the client took what was sent; the next piece is there
+        Resting ///< until the client took what was sent
     };
 
     std::optional<Depth> askedDepth() const;
     ReplyFacts commonFacts(const PropFindBody &asked, Depth depth) const;
     bool takeTurn(const Turn &turn) override;
     void breakOff() override { exchange.breakOff(); }
+    void rest();
     void pieceMade();
     void trySend();
     void sendPiece();

@@ -10,7 +10,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <new>
 
+#include <dirent.h>
 #include <fcntl.h>
 
 namespace standard {
@@ -18,6 +20,7 @@ namespace standard {
 namespace {
 
 constexpr std::size_t maxSeen = 256; ///< entries
+constexpr std::chrono::seconds longestSince{ 1 }; ///< an entry was looked at, to tell it
 constexpr int pieceBytes = 256 * 1024;
 constexpr int spareBytes = 4 * 1024; ///< for the entry that makes a piece whole
 
@@ -40,9 +43,23 @@ PropFindJob::PropFindJob(Subject asked, PropertyReport answer)
 {
 }
 
+/// On a thread nobody else ends what gets no memory.
 bool PropFindJob::run(const Budget &until)
 {
-    text.reserve(pieceBytes + spareBytes);
+    try {
+        return makePiece(until);
+    } catch (const std::bad_alloc &) {
+        fail(ENOMEM);
+    }
+    return true;
+}
+
+bool PropFindJob::makePiece(const Budget &until)
+{
+    if (subject.depth != Depth::Zero)
+        text.reserve(pieceBytes + spareBytes);
+    if (told < seen.size() && Budget::Clock::now() > lookedAt + longestSince)
+        lookAgain();
     do
         step(until);
     while (!isAtEnd() && text.size() < pieceBytes && !until.isUsedUp());
@@ -138,6 +155,7 @@ bool PropFindJob::look(const Budget &until)
     seen.clear();
     names.clear();
     told = 0;
+    lookedAt = Budget::Clock::now();
     FolderReader::Item item;
     do {
         if (!folder->next(item))
@@ -148,6 +166,14 @@ bool PropFindJob::look(const Budget &until)
         names.append(item.name).push_back('\0');
     } while (seen.size() < maxSeen && !until.isUsedUp());
     return true;
+}
+
+/// The client has waited: what is told next may have changed, or gone.
+void PropFindJob::lookAgain()
+{
+    for (std::size_t i = told; i < seen.size(); ++i)
+        seen[i].facts = folder->facts({ names.data() + seen[i].name, DT_UNKNOWN, 0 });
+    lookedAt = Budget::Clock::now();
 }
 
 /// In a row, unless what is asked needs the disk again.

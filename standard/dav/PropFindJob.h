@@ -47,6 +47,9 @@ public:
     /// a folder not be read to its end. A folder below that can't be opened is told with a status.
     int error() const { return failure; }
 
+    /// Whether there is one to be taken.
+    bool hasPiece() const { return !text.isEmpty() || isAtEnd(); }
+
     /// What was written since the last call.
     QByteArray takePiece() { return std::exchange(text, {}); }
 
@@ -80,12 +83,14 @@ private:
         EntryFacts facts;
     };
 
+    bool makePiece(const Budget &until);
     void step(const Budget &until);
     void begin();
     void openNext();
     bool enter(const Pending &next);
     bool isReservedHere(const char *name) const;
     bool look(const Budget &until);
+    void lookAgain();
     void tellSeen();
     void append(const Seen &found);
     void append(const DavResource &resource);
@@ -110,6 +115,7 @@ private:
     std::vector<Seen> seen; ///< are told next
     std::size_t told = 0; ///< of them
     std::string names; ///< one after another, each with a NUL
+    Budget::Clock::time_point lookedAt;
     DavResource entry; ///< is told; kept for its memory
     qint64 count = 0;
     int failure = 0;
