@@ -67,8 +67,9 @@ bool Connections::closeIdle()
     idle.resize(std::min<std::size_t>(idle.size(), closedAtOnce));
     for (Connection *connection : idle)
         all.erase(connection);
-    // The next look goes on accepting.
-    deadlines.start();
+    // The next look goes on accepting; whoever asks again and again must not put it off.
+    if (!deadlines.isActive())
+        deadlines.start();
     return !idle.empty();
 }
 

@@ -14,6 +14,8 @@ namespace {
 constexpr int freeGuesses = 5;
 constexpr int mostDoublings = 6;
 constexpr std::chrono::seconds longest = 60s;
+constexpr std::chrono::minutes longestPause{ 5 }; ///< between two attempts of who waits
+constexpr int maxWaiting = 10000;
 constexpr int longestName = 64; ///< of an account, bytes that count
 
 std::chrono::seconds delayAfter(int wrong)
@@ -58,18 +60,29 @@ Guesses::Clock::time_point Guesses::turnOf(const Login &login, Clock::time_point
     Clock::time_point turn = login.arrived;
     if (here >= freeGuesses)
         turn = std::max(turn, std::max(wrong.last, open.last) + delayAfter(here));
-    turn = std::max(turn, login.arrived + ownWait(login, now));
+    const auto atAccount = delayAfter(wrongAt.of(accountKey(login), now).number);
+    if (atAccount > 0s && rightFrom.of(pairKey(login), now).number == 0)
+        turn = std::max(turn, arrivalOf(login) + atAccount);
     return turn > now && isExempt(login) ? login.arrived : turn;
 }
 
-std::chrono::seconds Guesses::ownWait(const Login &login, Clock::time_point now) const
+/// Of the attempt, or of an earlier one that nobody looked at.
+Guesses::Clock::time_point Guesses::arrivalOf(const Login &login) const
 {
-    const std::chrono::seconds wait = delayAfter(wrongAt.of(accountKey(login), now).number);
-    return wait == 0s || rightFrom.of(pairKey(login), now).number == 0 ? wait : 0s;
+    const Clock::time_point since = waitingSince.value(pairKey(login), login.arrived);
+    return login.arrived - since < longestPause ? std::min(since, login.arrived) : login.arrived;
+}
+
+void Guesses::noteWaiting(const Login &login)
+{
+    if (waitingSince.size() >= maxWaiting)
+        waitingSince.clear();
+    waitingSince.insert(pairKey(login), arrivalOf(login));
 }
 
 void Guesses::begin(const Login &login, Clock::time_point now)
 {
+    waitingSince.remove(pairKey(login));
     RecentCounts::Count &open = underWay[addressKey(login)];
     open = { open.number + 1, now };
 }

@@ -11,7 +11,8 @@ class StatusSink;
 /// Makes those wait who guess passwords. After five wrong ones from an address the next is looked
 /// at a second later, then two, up to a minute, one after another. After five at an account each
 /// further one waits as long by itself, wherever it comes from; but not where the right one came
-/// from lately, and never for its turn, so that a crowd of strangers locks nobody out. This machine
+/// from lately, and never for its turn. Who gave up waiting and asks again has waited meanwhile, so
+/// that a crowd of strangers locks nobody out. This machine
 /// never waits, unless it passes on what others want. What was right clears nothing: whoever has an
 /// account could guess at others without end. One serves all servers of a program.
 class Guesses
@@ -38,8 +39,8 @@ public:
     /// others may have come first.
     Clock::time_point turnOf(const Login &login, Clock::time_point now) const;
 
-    /// What it waits for since it came because of its account, whatever others do meanwhile.
-    std::chrono::seconds ownWait(const Login &login, Clock::time_point now) const;
+    /// It has to wait, whether somebody stays for it or not.
+    void noteWaiting(const Login &login);
 
     /// It is being looked at until `end`, which may take a while: as long as nobody knows, it
     /// counts as wrong at its address.
@@ -50,6 +51,7 @@ public:
     void noteRight(const Login &login, Clock::time_point now);
 
 private:
+    Clock::time_point arrivalOf(const Login &login) const;
     void warn(const QString &text) const;
 
     StatusSink *sink;
@@ -57,4 +59,5 @@ private:
     RecentCounts wrongFrom; ///< by address
     RecentCounts wrongAt; ///< by account
     RecentCounts rightFrom; ///< by both
+    QHash<QByteArray, Clock::time_point> waitingSince; ///< by both
 };

@@ -30,7 +30,8 @@ LoginGate::Turn LoginGate::enter(const Guesses::Login &attempt)
         isLookedAt = true;
         return Turn::Now;
     }
-    if (turn > login->arrived + std::max(patience, table.ownWait(*login, now))) {
+    table.noteWaiting(*login);
+    if (turn > login->arrived + patience) {
         forget();
         return Turn::TooLate;
     }

@@ -19,9 +19,8 @@ public:
         TooLate ///< not within the time that a login may wait
     };
 
-    /// `guesses` is borrowed and outlives it. A login waits for its turn for at most `longest`, and
-    /// for what its account costs in any case; when the time may have come, `tryAgain` is called
-    /// from the event loop.
+    /// `guesses` is borrowed and outlives it. A login waits for at most `longest`; when its turn
+    /// may have come, `tryAgain` is called from the event loop.
     LoginGate(Guesses &guesses, std::chrono::seconds longest, std::function<void()> tryAgain);
     ~LoginGate();
 

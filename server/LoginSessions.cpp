@@ -6,6 +6,7 @@
 #include <QMessageAuthenticationCode>
 #include <QRandomGenerator>
 
+#include <algorithm>
 #include <array>
 #include <iterator>
 #include <utility>
@@ -70,12 +71,24 @@ QByteArray LoginSessions::markOf(const ProfileValues &profile, const QByteArray 
 QByteArray LoginSessions::begin(const QByteArray &account, const QByteArray &mark,
                                 Clock::time_point now)
 {
-    if (places.size() >= maxSessions)
-        remove(idle.empty() ? busy.begin() : idle.begin());
+    makeRoom(account);
     QByteArray number = newNumber();
     idle.push_back({ keyOf(number), account, mark, now });
     places.insert(idle.back().key, std::prev(idle.end()));
     return number;
+}
+
+/// One account may not log out all others. Without names nobody can tell whose they are.
+void LoginSessions::makeRoom(const QByteArray &account)
+{
+    const auto isHis = [&account](const Session &session) { return session.account == account; };
+    const auto his = std::find_if(idle.begin(), idle.end(), isHis);
+    const bool hasMany = !account.isEmpty() && his != idle.end()
+        && std::count_if(idle.begin(), idle.end(), isHis) >= maxOfAccount;
+    if (hasMany)
+        remove(his);
+    else if (places.size() >= maxSessions)
+        remove(idle.empty() ? busy.begin() : idle.begin());
 }
 
 std::unique_ptr<const LoginSessions::Use>

@@ -17,6 +17,7 @@ public:
     using Clock = std::chrono::steady_clock;
 
     static constexpr int maxSessions = 10000; ///< further ones take the place of the longest idle
+    static constexpr int maxOfAccount = 100; ///< the same among those of an account
 
     /// A request of a session: while it lives, the session does not idle.
     class Use
@@ -67,6 +68,7 @@ private:
     using Sessions = std::list<Session>;
 
     QByteArray keyOf(const QByteArray &number) const;
+    void makeRoom(const QByteArray &account);
     void release(const QByteArray &key);
     void remove(Sessions::iterator session);
 

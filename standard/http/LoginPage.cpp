@@ -27,13 +27,17 @@ bool asksForPage(const Exchange &exchange)
 {
     const Request &request = exchange.request();
     const bool isRead = request.method == Method::Get || request.isHead();
-    // Some programs for files share a library with a browser, and its words with it.
-    if (!isRead || request.field("Authorization") || needsStandardFace(request.value("User-Agent"))
+    // Some programs for files share a library with a browser, and its words with it; others ask for
+    // pages by default.
+    const QByteArray agent = request.value("User-Agent");
+    if (!isRead || request.field("Authorization") || !agent.startsWith("Mozilla/")
+        || needsStandardFace(agent)
         || request.field("Sec-Fetch-Mode").value_or("navigate") != "navigate")
         return false;
     const std::vector<QByteArray> types = listItems(request.value("Accept"));
     return std::any_of(types.begin(), types.end(), [](const QByteArray &type) {
-        return type.split(';').front().trimmed().toLower() == pageType;
+        return type.simplified().replace(' ', "").toLower() == pageType
+            || type.trimmed().toLower().startsWith(QByteArray(pageType) + ";charset");
     });
 }
 

@@ -108,6 +108,13 @@ void TestAdmission::aCrowdLocksNobodyOut()
     QCOMPARE(owner.waits(guesses, start), 0);
     QCOMPARE(Guesser("203.0.113.2").waits(guesses, start), 60);
     QCOMPARE(Guesser("203.0.113.2").waits(guesses, start + 30min), 60);
+    // Who was told to come back, or gave up, has waited meanwhile, once.
+    const Guesses::Login late{ QHostAddress(QStringLiteral("203.0.113.3")), "admin", start };
+    guesses.noteWaiting(late);
+    QCOMPARE(Guesser("203.0.113.3").waits(guesses, start + 40s), 20);
+    QCOMPARE(Guesser("203.0.113.3").waits(guesses, start + 1h), 60);
+    guesses.begin(late, start + 60s);
+    QCOMPARE(Guesser("203.0.113.3").waits(guesses, start + 61s), 60);
     QCOMPARE(Guesser("203.0.113.2", "other").waits(guesses, start), 0);
 }
 

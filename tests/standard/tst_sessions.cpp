@@ -11,7 +11,7 @@ namespace standard {
 
 namespace {
 
-constexpr auto asBrowser = "Accept: text/html,*/*;q=0.8\r\n";
+constexpr auto asBrowser = "User-Agent: Mozilla/5.0\r\nAccept: text/html,*/*;q=0.8\r\n";
 constexpr auto rightForm = "name=j%C3%BCrg&password=a%26%2B";
 
 /// What the browser brings along after a reply.
@@ -65,7 +65,9 @@ void TestSessions::asksBrowsersAlone_data()
     row("a script of a page", "GET", html + "Sec-Fetch-Mode: cors\r\n", 401);
     row("a login", "GET", html + basicLogin("b:1"), 401);
     row("a change", "PUT", html, 401);
-    row("a file manager", "GET", html + "User-Agent: Konqueror/5 KIO/5.103\r\n", 401);
+    row("a file manager", "GET",
+        "User-Agent: Mozilla/5.0 (X11) Konqueror/5 KIO/5.103\r\nAccept: text/html\r\n", 401);
+    row("a program that takes pages too", "GET", "Accept: text/html, */*; q=.2\r\n", 401);
 }
 
 void TestSessions::asksBrowsersAlone()
@@ -204,8 +206,13 @@ void TestSessions::tableIsBounded()
     const QByteArray second = table.begin("b", mark, now);
     QVERIFY(table.use(first, profile, now));
     for (int i = 3; i <= LoginSessions::maxSessions; ++i)
-        QVERIFY(table.begin("b", mark, now) != first);
+        QVERIFY(table.begin(QByteArray::number(i / 50), mark, now) != first);
     QVERIFY(!table.use(second, profile, now) && table.use(first, profile, now));
+    // An account that logs in again and again ends none but its own.
+    QVERIFY(table.use(first, profile, now));
+    for (int i = 0; i <= LoginSessions::maxOfAccount; ++i)
+        table.begin("guest", mark, now);
+    QVERIFY(table.use(first, profile, now));
     // Whatever a request takes, its session does not idle meanwhile.
     const auto later = now + seconds(2 * profile.sessionLifetime);
     QVERIFY(table.use(used, profile, later) && !table.use(first, profile, later));
