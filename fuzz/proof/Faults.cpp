@@ -65,6 +65,15 @@ bool fails(Kind kind, int error)
 
 MAY_FAIL(write, Write, ENOSPC, ssize_t, (int fd, const void *data, std::size_t size), fd, data,
          size)
+/// Into a file; into a pipe it is a way to read.
+extern "C" ssize_t splice(int from, off64_t *fromAt, int to, off64_t *toAt, std::size_t size,
+                          unsigned flags)
+{
+    static const auto next = reinterpret_cast<decltype(&splice)>(::dlsym(RTLD_NEXT, "splice"));
+    const bool isWritten = ::fcntl(to, F_GETPIPE_SZ) < 0;
+    return isWritten && fails(Write, ENOSPC) ? -1 : next(from, fromAt, to, toAt, size, flags);
+}
+
 MAY_FAIL(fsync, Sync, EIO, int, (int fd), fd)
 MAY_FAIL(fdatasync, Sync, EIO, int, (int fd), fd)
 MAY_FAIL(rename, Rename, EIO, int, (const char *from, const char *to), from, to)

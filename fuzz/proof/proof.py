@@ -213,7 +213,7 @@ class Faults(Proof):
         for kind, name in enumerate(KINDS, 1):
             self.start()
             self.wait_until_it_serves()
-            self.ask("PUT", "/any", KNOWN, b"")  # what comes but once has come
+            self.ask("PUT", "/any", KNOWN, NEW)  # what comes but once has come
             self.idle = self.descriptors()
             calls = [self.fail_each(kind, number) for number in range(len(OPERATIONS))]
             print(name, "failed so many times during each operation:", *calls)
