@@ -3,6 +3,7 @@
 #include "desktop/widgets/Prompts.h"
 #include "desktop/window/DeedLog.h"
 #include "desktop/window/TrafficSource.h"
+#include "server/PeerAddress.h"
 
 #include <algorithm>
 #include <chrono>
@@ -79,8 +80,8 @@ void EventHandler::told(const Deed &deed)
         return;
     if (deeds.empty())
         QTimer::singleShot(gatherDeeds, this, &EventHandler::passDeeds);
-    const auto isHis = [&deed](const Deed &other) {
-        return other.client.address == deed.client.address;
+    const auto isHis = [who = peerOf(deed.client.address)](const Deed &other) {
+        return peerOf(other.client.address) == who;
     };
     if (std::count_if(deeds.begin(), deeds.end(), isHis) >= maxDeedsOfOne) {
         missedDeeds = true;

@@ -255,13 +255,13 @@ void MainWindow::connectTray()
     connect(menu, &MainMenu::quitWanted, this, &MainWindow::quit);
 }
 
-/// The window may be hidden by then.
 void MainWindow::quit()
 {
-    quits = true;
-    if (close())
+    const Life before = std::exchange(life, Life::Quitting);
+    const bool isClosed = close();
+    life = before;
+    if (isClosed && before == Life::InTray)
         QApplication::quit();
-    quits = false;
 }
 
 void MainWindow::copyAddress()
@@ -354,9 +354,10 @@ void MainWindow::closeEvent(QCloseEvent *event)
 {
     if (ended)
         return;
-    if (!quits && event->spontaneous() && integration->goesOnInTray()) {
+    if (life != Life::Quitting && event->spontaneous() && integration->goesOnInTray()) {
         // Its boxes would be the last windows, and end the program with them.
         QApplication::setQuitOnLastWindowClosed(false);
+        life = Life::InTray;
         event->ignore();
         return hide();
     }
@@ -368,7 +369,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
         warn(this,
              tr("Can't save the settings") + QLatin1Char('\n') + profiles->directories().profiles);
     event->accept();
-    if (!QApplication::quitOnLastWindowClosed())
+    if (life == Life::InTray)
         QApplication::quit();
 }
 

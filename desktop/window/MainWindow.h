@@ -60,6 +60,13 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
+    /// What closing the window does.
+    enum class Life {
+        Windowed, ///< it ends the program
+        InTray, ///< the same, but nothing else would, as it went on in the tray before
+        Quitting ///< the program ends whatever the tray
+    };
+
     void startProfiles();
     void warnOfRoot();
     void layOut();
@@ -82,7 +89,7 @@ private:
     QSet<const WebServer *> limitBoxes; ///< servers whose box is open
     bool asksForPassword = false; ///< the question is open
     bool ended = false; ///< closed in order
-    bool quits = false; ///< closing is to end the program
+    Life life = Life::Windowed;
     bool wasShown = false;
 
     AddressList *addresses;
