@@ -374,11 +374,13 @@ void renewCertificate(Console *console, const Profile &profile)
     tool.wait();
 }
 
-/// What visitors compare before they trust it.
+/// What visitors compare before they trust it. Without TLS nothing loads the libraries for it.
 void tellAuthority(Console *console, const Profile &profile)
 {
+    if (!profile.usesTls())
+        return;
     const QSslCertificate authority = authorityOf(profile.publicKeyFile);
-    if (profile.usesTls() && !authority.isNull())
+    if (!authority.isNull())
         console->error(text("Fingerprint (SHA-256) of the authority at /%1: %2")
                            .arg(QLatin1String(authorityPagePath),
                                 fingerprintRows(authority).join(QLatin1Char(':'))));

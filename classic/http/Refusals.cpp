@@ -29,7 +29,9 @@ StatusReply::StatusReply(Exchange &current)
 
 bool AuthorityFile::isAskedFor(const Exchange &exchange)
 {
-    if (!exchange.request.isDownload() || !authorityOf(exchange))
+    const Request &request = exchange.request;
+    const bool mayBe = request.isDownload() && request.path.startsWith(QLatin1String("/.quillon/"));
+    if (!mayBe || !authorityOf(exchange))
         return false;
     const Service &service = exchange.service;
     return service.singleFile || !service.share
