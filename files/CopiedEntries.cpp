@@ -10,7 +10,7 @@ namespace {
 constexpr qint64 nanosecondsInSecond = 1000000000;
 constexpr mode_t ownerOnly = 0600;
 
-qint64 nanoseconds(const timespec &time)
+qint64 sinceEpoch(const timespec &time)
 {
     return time.tv_sec * nanosecondsInSecond + time.tv_nsec;
 }
@@ -22,8 +22,8 @@ std::optional<EntryStamp> EntryStamp::of(int folder, const char *name)
     struct stat status = {};
     if (::fstatat(folder, name, &status, AT_SYMLINK_NOFOLLOW) != 0)
         return {};
-    return EntryStamp{ status.st_mode & S_IFMT, status.st_size, nanoseconds(status.st_mtim),
-                       nanoseconds(status.st_ctim) };
+    return EntryStamp{ status.st_mode & S_IFMT, status.st_size, sinceEpoch(status.st_mtim),
+                       sinceEpoch(status.st_ctim) };
 }
 
 bool CopiedEntries::open(Place beside)

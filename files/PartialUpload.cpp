@@ -21,8 +21,8 @@
 
 namespace {
 
-constexpr mode_t newMode = 0666;
-constexpr mode_t privateMode = 0600; ///< of what is to replace a file, which may be private
+constexpr mode_t newPartialMode = 0666;
+constexpr mode_t privatePartialMode = 0600; ///< of what is to replace a file, which may be private
 constexpr std::size_t maxRecord = 32768; ///< bytes
 constexpr auto recordEnding = "about";
 constexpr auto firstLine = "1"; ///< tells the form of the record
@@ -106,10 +106,11 @@ std::optional<PartialUpload> PartialUpload::begin(const Place &anyBeside, const 
     const bool gives = factsOf(beside(anyBeside, record.name)).exists;
     const FileDescriptor content =
         openIn(begun.hidden, begun.hidden.name, O_CREAT | O_EXCL | O_WRONLY,
-               gives ? privateMode : newMode);
+               gives ? privatePartialMode : newPartialMode);
     if (!content.isOpen())
         return {};
-    begun.about = openIn(begun.hidden, recordName(id), O_CREAT | O_EXCL | O_RDWR, privateMode);
+    begun.about =
+        openIn(begun.hidden, recordName(id), O_CREAT | O_EXCL | O_RDWR, privatePartialMode);
     const QByteArray text = recordText(record);
     if (!begun.about.isOpen()
         || ::write(begun.about.get(), text.constData(), std::size_t(text.size())) != text.size()) {

@@ -179,7 +179,7 @@ void talk(const FaceMaker &faces, const QByteArray &bytes)
     ScriptedSocket &socket = *owned;
     const Connection::Ended ended = [](Connection *) {};
     {
-        Connection connection(std::move(owned), {}, service, ended);
+        Connection connection(1, std::move(owned), {}, service, ended);
         converse(socket, connection);
     }
     QCoreApplication::processEvents();

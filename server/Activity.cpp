@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int longestName = 32;
+constexpr int longestProgram = 32;
 
 struct Browser
 {
@@ -33,7 +33,7 @@ bool endsName(char c)
 
 } // namespace
 
-QByteArray programName(const QByteArray &userAgent)
+QByteArray programOf(const QByteArray &userAgent)
 {
     if (userAgent.startsWith("Mozilla/")) {
         for (const Browser &browser : browsers) {
@@ -42,5 +42,5 @@ QByteArray programName(const QByteArray &userAgent)
         }
     }
     const auto end = std::find_if(userAgent.begin(), userAgent.end(), endsName);
-    return userAgent.left(std::min(longestName, int(end - userAgent.begin())));
+    return userAgent.left(std::min(longestProgram, int(end - userAgent.begin())));
 }

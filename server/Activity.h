@@ -13,7 +13,7 @@ struct Client
     /// Where a trusted proxy stands between and answers are standard ones: that of whom it serves.
     QHostAddress address;
     QByteArray account; ///< logged in as; empty for nobody in particular
-    QByteArray program; ///< see `programName`
+    QByteArray program; ///< see `programOf`
 };
 
 /// A file on its way over a connection.
@@ -48,4 +48,4 @@ struct Deed
 
 /// The program that sends this User-Agent (RFC 9110, 10.1.5), in a word: the browser's name, else
 /// that of its first product.
-QByteArray programName(const QByteArray &userAgent);
+QByteArray programOf(const QByteArray &userAgent);

@@ -40,7 +40,7 @@ void Connection::noteRequest(const QHostAddress &visitor, const QByteArray &user
     passedBefore = m_socket->passed();
     client.account.clear();
     if (client.address != visitor)
-        client = { visitor, {}, programName(userAgent) };
+        client = { visitor, {}, programOf(userAgent) };
     if (noted)
         return;
     noted = true;

@@ -20,7 +20,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr QSize usualSize(640, 420);
+constexpr QSize activitySize(640, 420);
 constexpr int leastColumn = 48; ///< pixels
 
 /// Rows that a finger can choose.
@@ -80,7 +80,7 @@ ActivityDialog::ActivityDialog(ServerRows *servers, PeerCount *peers, DeedLog *d
     connect(&timer, &QTimer::timeout, this, &ActivityDialog::refresh);
     connect(tabs, &QTabWidget::currentChanged, this, &ActivityDialog::updateButtons);
     updateButtons();
-    fitToScreen(this, usualSize);
+    fitToScreen(this, activitySize);
 }
 
 QTreeView *ActivityDialog::addTable(const QString &label, QAbstractItemModel *model)

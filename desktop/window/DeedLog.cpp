@@ -13,7 +13,7 @@ namespace {
 
 constexpr int firstRedirection = 300; ///< of the status codes
 constexpr int firstRefusal = 400;
-constexpr int longestPath = 512; ///< bytes, of what is noted
+constexpr int longestNotedPath = 512; ///< bytes, of what is noted
 
 struct Kind
 {
@@ -50,7 +50,7 @@ QString visitorName(const Client &client)
 /// Somebody may ask for a path of any length.
 QByteArray shortened(const QByteArray &path)
 {
-    return path.size() <= longestPath ? path : path.left(longestPath) + "...";
+    return path.size() <= longestNotedPath ? path : path.left(longestNotedPath) + "...";
 }
 
 bool isUnseen(QChar c)
@@ -86,8 +86,9 @@ QString shownPath(const QByteArray &path)
     QString shown;
     const QString text = QString::fromUtf8(shortened(path));
     for (const QChar c : text)
-        shown += isUnseen(c) ? QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'))
-                             : QString(c);
+        shown += isUnseen(c)
+            ? QStringLiteral("\\u%1").arg(uint(c.unicode()), 4, 16, QLatin1Char('0'))
+            : QString(c);
     return shown;
 }
 

@@ -11,8 +11,8 @@ namespace standard {
 
 namespace {
 
-constexpr int readsInATurn = 16;
-constexpr qint64 droppedAtOnce = qint64(16) * 1024;
+constexpr int lingersInATurn = 16;
+constexpr qint64 lingeredAtOnce = qint64(16) * 1024;
 constexpr int requestsInATurn = 16; ///< of one peer that sends many at once
 
 } // namespace
@@ -232,9 +232,9 @@ void Channel::close()
 /// until it stops.
 void Channel::linger()
 {
-    std::array<char, droppedAtOnce> piece;
-    for (int i = 0; i < readsInATurn; ++i) {
-        const qint64 size = input.read(piece.data(), droppedAtOnce);
+    std::array<char, lingeredAtOnce> piece;
+    for (int i = 0; i < lingersInATurn; ++i) {
+        const qint64 size = input.read(piece.data(), lingeredAtOnce);
         if (size < 0)
             return closeSocket();
         if (size == 0)
