@@ -5,9 +5,10 @@
 #include <algorithm>
 #include <utility>
 
-LoginGate::LoginGate(Guesses &guesses, std::chrono::seconds longest, std::function<void()> tryAgain)
+LoginGate::LoginGate(Guesses &guesses, std::chrono::seconds longestWait,
+                     std::function<void()> tryAgain)
     : table(guesses)
-    , patience(longest)
+    , patience(longestWait)
     , again(std::move(tryAgain))
 {
 }

@@ -19,9 +19,9 @@ public:
         TooLate ///< not within the time that a login may wait
     };
 
-    /// `guesses` is borrowed and outlives it. A login waits for at most `longest`; when its turn
-    /// may have come, `tryAgain` is called from the event loop.
-    LoginGate(Guesses &guesses, std::chrono::seconds longest, std::function<void()> tryAgain);
+    /// `guesses` is borrowed and outlives it. A login waits for at most `longestWait`; when its
+    /// turn may have come, `tryAgain` is called from the event loop.
+    LoginGate(Guesses &guesses, std::chrono::seconds longestWait, std::function<void()> tryAgain);
     ~LoginGate();
 
     /// Whether the password of `attempt` may be looked at; when asked again, of the first one. The

@@ -28,8 +28,9 @@ public:
         QByteArray delimiter = {}; ///< where the file ends, if it is a part; the rest is dropped
     };
 
-    static constexpr qint64 maxPartHead = 8 * 1024; ///< bytes of part headers in a multipart body
-    static constexpr qint64 maxForm = 1024 * 1024; ///< bytes of a form
+    static constexpr qint64 maxPartHead =
+        qint64(8) * 1024; ///< bytes of part headers in a multipart body
+    static constexpr qint64 maxForm = qint64(1024) * 1024; ///< bytes of a form
 
     enum class Progress {
         Waiting, ///< for more to arrive

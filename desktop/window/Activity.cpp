@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr QLatin1String logKey("log/kept");
+const QLatin1String logKey("log/kept");
 
 } // namespace
 

@@ -41,7 +41,7 @@ const Kind *kindOf(const Deed &deed)
 
 QString visitorName(const Client &client)
 {
-    const QString address = client.address.toString();
+    QString address = client.address.toString();
     if (client.account.isEmpty())
         return address;
     return QString::fromUtf8(client.account) + QLatin1String(" (") + address + QLatin1Char(')');

@@ -8,7 +8,7 @@
 class LogFile
 {
 public:
-    static constexpr qint64 maxSize = 4 * 1024 * 1024; ///< bytes
+    static constexpr qint64 maxSize = qint64(4) * 1024 * 1024; ///< bytes
 
     explicit LogFile(QString fileName)
         : path(std::move(fileName))

@@ -58,26 +58,42 @@ std::optional<BodyEnd> RequestBody::feed()
 {
     if (reader.bytesLeft() > sinkRoom)
         return BodyEnd::TooLarge;
-    std::array<char, fedAtOnce> piece;
     for (int i = 0; !reader.isAtEnd(); ++i) {
         if (i == readsInATurn) {
             socket.again();
             return {};
         }
-        Pipe *const pipe = sink.piped ? reader.pipe(input) : nullptr;
-        const qint64 size =
-            pipe ? reader.read(input, *pipe) : reader.read(input, piece.data(), fedAtOnce);
-        if (size < 0)
+        const Fed fed = feedPiece();
+        if (fed.size < 0)
             return reader.isBad() ? BodyEnd::Bad : BodyEnd::Lost;
-        if (size == 0 && !reader.isAtEnd())
+        if (fed.size == 0 && !reader.isAtEnd())
             return {};
-        sinkRoom -= size;
         if (sinkRoom < 0)
             return BodyEnd::TooLarge;
-        if (size > 0 && !(pipe ? sink.piped(*pipe) : sink.bytes(piece.data(), size)))
+        if (!fed.isTaken)
             return BodyEnd::SinkFailed;
     }
     return BodyEnd::Whole;
+}
+
+/// What is more than the sink has room for is not handed over.
+RequestBody::Fed RequestBody::feedPiece()
+{
+    if (Pipe *const pipe = sink.piped ? reader.pipe(input) : nullptr) {
+        const qint64 size = reader.read(input, *pipe);
+        return { size, !hasRoomFor(size) || sink.piped(*pipe) };
+    }
+    std::array<char, fedAtOnce> piece;
+    const qint64 size = reader.read(input, piece.data(), fedAtOnce);
+    return { size, !hasRoomFor(size) || sink.bytes(piece.data(), size) };
+}
+
+bool RequestBody::hasRoomFor(qint64 size)
+{
+    if (size <= 0)
+        return false;
+    sinkRoom -= size;
+    return sinkRoom >= 0;
 }
 
 bool RequestBody::drop()

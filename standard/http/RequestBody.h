@@ -72,6 +72,15 @@ public:
     bool mayCome() const { return expectsContinue || !isAtEnd(); }
 
 private:
+    struct Fed
+    {
+        qint64 size; ///< bytes, or as `Socket::read`
+        bool isTaken; ///< by the sink, if there are any and it has room
+    };
+
+    Fed feedPiece();
+    bool hasRoomFor(qint64 size);
+
     Socket &socket;
     Input &input;
     BodyReader reader;
