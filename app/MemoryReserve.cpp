@@ -49,9 +49,10 @@ constexpr std::size_t pieceSize = std::size_t(64) * 1024; ///< requests up to th
 constexpr std::size_t reserveSize = std::size_t(4) * 1024 * 1024;
 
 // Of the C library's heap rather than pages of their own: what is given free stays the process's,
-// and neighbours join for a larger request. Before their
-// first use they are not touched, and take none of the machine's memory.
+// and neighbours join for a larger request. Until they are used, only their first pages are touched
+// and take memory of the machine.
 std::array<std::atomic<void *>, reserveSize / pieceSize> pieces;
+
 bool fill()
 {
     for (std::atomic<void *> &piece : pieces) {

@@ -14,7 +14,7 @@ struct Directories
 
     /// The folders of this process. The resources lie in the folder that the environment variable
     /// QUILLON_RESDIR names, else in "/opt/quillon/"; the state is "quillon/" where those of
-    /// programs are (XDG Base Directory Specification). Nothing is made on disk.
+    /// programs are, by the XDG base directories. Nothing is made on disk.
     static Directories ofProcess();
 
     /// Makes the folder of the profiles; false when that fails.

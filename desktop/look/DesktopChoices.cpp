@@ -13,7 +13,7 @@ namespace {
 const QLatin1String trayKey("desktop/staysInTray");
 const QLatin1String noticesKey("desktop/notifies");
 
-/// What it holds, the desktop starts after the login (Desktop Application Autostart Specification).
+/// What it holds, the desktop starts after the login (XDG autostart).
 QString startEntry()
 {
     return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)

@@ -46,7 +46,8 @@ void Activity::note(const std::vector<Deed> &done, bool isAll)
     deeds.add(done, now);
     if (!isAll)
         deeds.addGap(now);
-    if (!keepsLog())
+    // A disk that hangs keeps no more waiting than the file would hold.
+    if (!keepsLog() || unwritten.size() > LogFile::maxSize)
         return;
     for (const Deed &deed : done)
         unwritten += deedLine(deed, now);

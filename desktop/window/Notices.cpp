@@ -8,9 +8,6 @@
 
 namespace {
 
-constexpr qint64 memory = 600000; ///< milliseconds
-constexpr int maxSeen = 1000; ///< addresses; with a crowd, the next ones are told once more
-
 bool isWholeUpload(const Deed &deed)
 {
     return (deed.method == "PUT" || deed.method == "POST") && deed.isWhole
@@ -22,7 +19,6 @@ bool isWholeUpload(const Deed &deed)
 Notices::Notices(QWidget *mainWindow)
     : window(mainWindow)
 {
-    clock.start();
     // What is not seen at all is told where it was told before.
     connect(&notifier, &Notifier::notShown, this,
             [this](const QString &title, const QString &text) {
@@ -38,11 +34,7 @@ bool Notices::isWanted() const
 
 void Notices::tellVisitor(const QString &address)
 {
-    const qint64 now = clock.elapsed();
-    if (seen.size() >= maxSeen)
-        seen.clear();
-    const bool isNew = !seen.contains(address) || now - seen.value(address) > memory;
-    seen.insert(address, now);
+    const bool isNew = seen.add(address.toLatin1(), RecentCounts::Clock::now()) == 1;
     if (isNew && isWanted())
         notifier.show(tr("New visitor"), address);
 }

@@ -2,9 +2,8 @@
 
 #include "platform/Notifier.h"
 #include "server/Activity.h"
+#include "server/RecentCounts.h"
 
-#include <QElapsedTimer>
-#include <QHash>
 #include <QObject>
 
 #include <vector>
@@ -20,7 +19,7 @@ public:
     /// `mainWindow` is borrowed and outlives it.
     explicit Notices(QWidget *mainWindow);
 
-    /// Of those that come again within ten minutes nothing is told.
+    /// Of those that come again within the hour nothing is told.
     void tellVisitor(const QString &address);
 
     /// Of what was done, the uploads that are whole.
@@ -37,6 +36,5 @@ private:
 
     QWidget *window;
     Notifier notifier;
-    QElapsedTimer clock;
-    QHash<QString, qint64> seen; ///< addresses, and when
+    RecentCounts seen; ///< visitors, by address
 };
