@@ -11,6 +11,7 @@
 namespace {
 
 constexpr auto localName = "localhost";
+constexpr std::chrono::seconds nameLasts(1);
 constexpr auto multicastDomain = ".local"; ///< RFC 6762
 
 } // namespace
@@ -44,4 +45,10 @@ bool isMeantForUs(const QByteArray &called, bool saidByProxy, const Socket &conn
     if (profile.names.contains(meant.host))
         return true;
     return (saidByProxy || meant.port == port) && isOwnHost(meant.host, connection);
+}
+
+void LastName::keep(const QByteArray &called)
+{
+    name = called;
+    end = Clock::now() + nameLasts;
 }

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <chrono>
+
 class Socket;
 struct ProfileValues;
 
@@ -25,3 +27,18 @@ bool isOwnHost(const QString &host, const Socket &connection);
 /// proxy said the name, or the profile has it.
 bool isMeantForUs(const QByteArray &called, bool saidByProxy, const Socket &connection,
                   const ProfileValues &profile);
+
+/// What visitors called a server last and was meant for it. To find that out takes longer than to
+/// answer, and nearly all of them say the same; a second later names and addresses may be others.
+class LastName
+{
+public:
+    bool is(const QByteArray &called) const { return called == name && Clock::now() < end; }
+    void keep(const QByteArray &called);
+
+private:
+    using Clock = std::chrono::steady_clock;
+
+    QByteArray name;
+    Clock::time_point end;
+};

@@ -5,6 +5,7 @@
 #include "net/TrafficAccount.h"
 #include "server/Face.h"
 #include "server/LoginSessions.h"
+#include "server/OwnNames.h"
 #include "server/SessionTable.h"
 
 #include <QFileInfo>
@@ -57,5 +58,6 @@ struct Service
     TrafficAccount traffic;
     OpenFiles files = {}; ///< of `share`
     std::unique_ptr<FaceState> faceState = {}; ///< about `share`; null until a face needs it
+    LastName calledLast = {}; ///< by visitors themselves, not by a proxy
     LoginSessions logins = {}; ///< by the page of the standard face
 };

@@ -26,8 +26,14 @@ bool isEncrypted(const Exchange &exchange)
 bool isMeantForUs(const QByteArray &called, const Exchange &exchange)
 {
     const bool saidByProxy = !exchange.request().outside.authority.isEmpty();
-    return ::isMeantForUs(called, saidByProxy, exchange.channel().connection(),
-                          *exchange.service().profile);
+    LastName &last = exchange.service().calledLast;
+    if (!saidByProxy && last.is(called))
+        return true;
+    const bool isMeant = ::isMeantForUs(called, saidByProxy, exchange.channel().connection(),
+                                        *exchange.service().profile);
+    if (isMeant && !saidByProxy)
+        last.keep(called);
+    return isMeant;
 }
 
 bool isOwnName(const QByteArray &authority, const Exchange &exchange)

@@ -105,17 +105,12 @@ void StandardFace::requestReady(Request request)
 }
 
 /// Whether it calls this server by a name of somebody else's. One without a name is no browser's.
-bool StandardFace::isMisdirected()
+bool StandardFace::isMisdirected() const
 {
     if (!exchange.service().profile->isStrict())
         return false;
     const std::optional<QByteArray> called = calledName(exchange);
-    if (!called || called == ownName)
-        return false;
-    if (!isMeantForUs(*called, exchange))
-        return true;
-    ownName = called;
-    return false;
+    return called && !isMeantForUs(*called, exchange);
 }
 
 /// Whether a visitor means this server by it, and not a page of somebody else's, which must not

@@ -46,7 +46,7 @@ private:
     void replyEnded() override;
 
     void bodySaved(BodyEnd end);
-    bool isMisdirected();
+    bool isMisdirected() const;
     bool isWelcome();
     bool isCrossSite() const;
     bool standsForItself() const;
@@ -64,7 +64,6 @@ private:
     Channel channel;
     Exchange exchange;
     LoginGate gate;
-    std::optional<QByteArray> ownName; ///< that was found to be ours on this connection
     std::unique_ptr<const LoginSessions::Use> session; ///< of the request; null without one
     bool isAtDoor = false; ///< the request waits to be let in
     bool isAnswering = false; ///< the handler has not ended
