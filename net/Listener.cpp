@@ -21,7 +21,7 @@ bool isOutOfDescriptors(int error)
     return error == EMFILE || error == ENFILE || error == ENOBUFS || error == ENOMEM;
 }
 
-/// The address of this machine that the peer of `fd` called.
+/// The address of this machine that `fd` listens on, or that its peer called.
 QHostAddress reachedAddress(int fd)
 {
     sockaddr_storage storage = {};
@@ -67,6 +67,9 @@ bool Listener::watch()
     ::setsockopt(fd, IPPROTO_TCP, TCP_NODELAY, &on, sizeof on);
     ::setsockopt(fd, IPPROTO_TCP, TCP_USER_TIMEOUT, &stalledFor, sizeof stalledFor);
     paused = false;
+    bound = reachedAddress(fd);
+    if (bound == QHostAddress::AnyIPv4 || bound == QHostAddress::AnyIPv6)
+        bound.clear();
     return poller->watch(fd, this);
 }
 
@@ -104,7 +107,7 @@ bool Listener::acceptOne()
     FileDescriptor accepted(
         ::accept4(int(server.socketDescriptor()), address, &size, SOCK_NONBLOCK | SOCK_CLOEXEC));
     if (accepted.isOpen()) {
-        const QHostAddress reached = reachedAddress(accepted.get());
+        const QHostAddress reached = bound.isNull() ? reachedAddress(accepted.get()) : bound;
         events.accepted(std::move(accepted), QHostAddress(address), reached);
         return true;
     }

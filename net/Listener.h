@@ -55,5 +55,6 @@ private:
     QTcpServer server; ///< binds and names errors; it never accepts by itself
     Poller *poller;
     Events events;
+    QHostAddress bound; ///< null where it listens on all of ours
     bool paused = false;
 };
