@@ -22,8 +22,9 @@ namespace {
 qint64 created(const DavResource &resource)
 {
     struct statx status = {};
+    const int flags = resource.subject.isLinkFree ? AT_SYMLINK_NOFOLLOW : 0;
     const bool isKnown =
-        ::statx(AT_FDCWD, resource.subject.systemPath.constData(), 0, STATX_BTIME, &status) == 0
+        ::statx(AT_FDCWD, resource.subject.systemPath.constData(), flags, STATX_BTIME, &status) == 0
         && (status.stx_mask & STATX_BTIME) != 0;
     return isKnown ? qint64(status.stx_btime.tv_sec) : resource.facts.seconds;
 }

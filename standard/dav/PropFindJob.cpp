@@ -198,13 +198,20 @@ void PropFindJob::append(const Seen &found)
     addEncoded(entry.href, entry.name);
     if (entry.facts.folder)
         entry.href += '/';
-    if (report.needsPaths()) {
-        entry.path = path + name;
-        entry.subject = { systemPath + name, entry.path };
-    }
+    if (report.needsPaths())
+        locate(name, found.facts.link);
     append(entry);
     if (entry.facts.folder && subject.depth == Depth::Infinity)
         folders.push_back({ path + name + '/', entered });
+}
+
+/// Says where the properties of the entry are that its facts don't tell.
+void PropFindJob::locate(const char *name, bool isLink)
+{
+    entry.path = path + name;
+    linked = isLink ? subject.share->open(entry.path, O_PATH | O_CLOEXEC) : FileDescriptor();
+    entry.subject = { isLink ? systemPathOf(linked.get()) : systemPath + name, entry.path,
+                      !isLink };
 }
 
 void PropFindJob::append(const DavResource &resource)

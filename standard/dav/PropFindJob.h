@@ -93,6 +93,7 @@ private:
     void lookAgain();
     void tellSeen();
     void append(const Seen &found);
+    void locate(const char *name, bool isLink);
     void append(const DavResource &resource);
     void tell(const QByteArray &unread, Status status);
     void cutOff();
@@ -117,6 +118,7 @@ private:
     std::string names; ///< one after another, each with a NUL
     Budget::Clock::time_point lookedAt;
     DavResource entry; ///< is told; kept for its memory
+    FileDescriptor linked; ///< what it leads to, if it is a link
     qint64 count = 0;
     int failure = 0;
 };

@@ -98,8 +98,9 @@ std::optional<DeadProperties> PropertyStore::read(const PropertySubject &subject
     // Nearly every file has none, which one short call tells.
     QByteArray bytes(usualPacked, Qt::Uninitialized);
     const auto get = [&subject, &bytes] {
-        return ::getxattr(subject.systemPath.constData(), attributeName, bytes.data(),
-                          std::size_t(bytes.size()));
+        const auto read = subject.isLinkFree ? ::lgetxattr : ::getxattr;
+        return read(subject.systemPath.constData(), attributeName, bytes.data(),
+                    std::size_t(bytes.size()));
     };
     ssize_t size = get();
     if (size < 0 && errno == ERANGE) {

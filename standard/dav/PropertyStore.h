@@ -34,6 +34,7 @@ struct PropertySubject
 {
     QByteArray systemPath; ///< see `systemPathOf`
     QByteArray path; ///< relative to the share's root
+    bool isLinkFree = false; ///< it was no link: what has become one since is not followed
 };
 
 /// Keeps dead properties in an extended attribute of their file, which they follow wherever it
