@@ -71,10 +71,11 @@ void PropFind::bodyReady(const QByteArray &body)
     top.facts = found;
     PropertyReport report(asked, commonFacts(asked, *depth),
                           DavState::of(exchange.service()).properties());
-    job =
-        std::make_shared<PropFindJob>(PropFindJob::Subject{ exchange.share(), std::move(top),
-                                                            *depth, withFolders, exchange.urls() },
-                                      std::move(report));
+    const QByteArray part = formValue(exchange.request().target.query, "contains");
+    job = std::make_shared<PropFindJob>(PropFindJob::Subject{ exchange.share(), std::move(top),
+                                                              *depth, withFolders, exchange.urls(),
+                                                              QString::fromUtf8(part) },
+                                        std::move(report));
     state = State::Making;
     exchange.service().setup.turns->begin(this);
 }

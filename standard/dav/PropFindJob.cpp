@@ -188,21 +188,37 @@ void PropFindJob::append(const Seen &found)
 {
     if (!found.facts.file && !(found.facts.folder && subject.withFolders))
         return;
+    const char *name = names.data() + found.name;
+    const bool isBelow = found.facts.folder && subject.depth == Depth::Infinity;
+    const bool isWanted = hasPart(name);
+    if (!isWanted && !isBelow)
+        return;
     if (subject.depth == Depth::Infinity && count == subject.mostBelow)
         return cutOff();
     ++count;
-    const char *name = names.data() + found.name;
+    if (isWanted)
+        append(name, found.facts);
+    if (isBelow)
+        folders.push_back({ path + name + '/', entered });
+}
+
+bool PropFindJob::hasPart(const char *name) const
+{
+    return subject.part.isEmpty()
+        || QString::fromUtf8(name).contains(subject.part, Qt::CaseInsensitive);
+}
+
+void PropFindJob::append(const char *name, const EntryFacts &facts)
+{
     entry.name = name;
-    entry.facts = found.facts;
+    entry.facts = facts;
     entry.href = url;
     addEncoded(entry.href, entry.name);
     if (entry.facts.folder)
         entry.href += '/';
     if (report.needsPaths())
-        locate(name, found.facts.link);
+        locate(name, facts.link);
     append(entry);
-    if (entry.facts.folder && subject.depth == Depth::Infinity)
-        folders.push_back({ path + name + '/', entered });
 }
 
 /// Says where the properties of the entry are that its facts don't tell.

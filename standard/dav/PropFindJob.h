@@ -34,6 +34,7 @@ public:
         Depth depth;
         bool withFolders; ///< or files alone
         UrlSpace urls;
+        QString part = {}; ///< only entries whose names have it are told, in any case
         qint64 mostBelow = maxEntries; ///< of entries, with Depth infinity
     };
 
@@ -93,6 +94,8 @@ private:
     void lookAgain();
     void tellSeen();
     void append(const Seen &found);
+    bool hasPart(const char *name) const;
+    void append(const char *name, const EntryFacts &facts);
     void locate(const char *name, bool isLink);
     void append(const DavResource &resource);
     void tell(const QByteArray &unread, Status status);

@@ -54,17 +54,6 @@ QByteArray urlAfterLogin(const Exchange &exchange)
     return exchange.urlPath(isReserved(path) ? QByteArray() : path, wanted.endsWith('/'));
 }
 
-QByteArray formValue(const QByteArray &form, const QByteArray &name)
-{
-    for (const QByteArray &field : form.split('&')) {
-        if (!field.startsWith(name + '='))
-            continue;
-        QByteArray value = field.mid(name.size() + 1);
-        return percentDecoded(value.replace('+', ' ')).value_or(QByteArray());
-    }
-    return {};
-}
-
 QByteArray LoginPage::html() const
 {
     // Who typed a wrong password goes on with that.

@@ -20,10 +20,6 @@ QByteArray loginUrl(const Exchange &exchange);
 /// Where it leads back to, of a request for the page: always a path of ours.
 QByteArray urlAfterLogin(const Exchange &exchange);
 
-/// The value of a field in a query or a form (application/x-www-form-urlencoded). Empty when there
-/// is none, or it is badly encoded.
-QByteArray formValue(const QByteArray &form, const QByteArray &name);
-
 /// What the page says.
 struct LoginPage
 {

@@ -2,6 +2,8 @@
 
 #include "server/Access.h"
 
+#include <QList>
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -86,6 +88,17 @@ std::optional<Target> parseTarget(const QByteArray &text)
         return {};
     target.path = *path;
     return target;
+}
+
+QByteArray formValue(const QByteArray &form, const QByteArray &name)
+{
+    for (const QByteArray &field : form.split('&')) {
+        if (!field.startsWith(name + '='))
+            continue;
+        QByteArray value = field.mid(name.size() + 1);
+        return percentDecoded(value.replace('+', ' ')).value_or(QByteArray());
+    }
+    return {};
 }
 
 QByteArray encodedPath(const QByteArray &path)

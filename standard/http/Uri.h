@@ -23,6 +23,10 @@ std::optional<Target> parseTarget(const QByteArray &text);
 /// Decodes "%41". None when a "%" is followed by something else than two hex digits, and for "%00".
 std::optional<QByteArray> percentDecoded(const QByteArray &text);
 
+/// The value of a field in a query or a form (application/x-www-form-urlencoded). Empty when there
+/// is none, or it is badly encoded.
+QByteArray formValue(const QByteArray &form, const QByteArray &name);
+
 /// A path of bytes as it stands in a URL; harmless in XML and in header lines.
 QByteArray encodedPath(const QByteArray &path);
 

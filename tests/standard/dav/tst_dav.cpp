@@ -112,6 +112,9 @@ void DavTest::tellsWhatThereIs()
         QCOMPARE(hrefs(server.propFind(target, "1").body), QByteArray("/d/ /d/a.txt "));
     QCOMPARE(hrefs(server.propFind("/", "1").body), QByteArray("/ /d/ "));
     QCOMPARE(hrefs(server.propFind("/", "infinity").body), QByteArray("/ /d/ /d/a.txt "));
+    for (const auto &[part, found] : { std::pair("A.T", "/ /d/a.txt "), { "d", "/ /d/ " } })
+        QCOMPARE(hrefs(server.propFind(QByteArray("/?contains=") + part, "infinity").body),
+                 QByteArray(found));
     server.profile->deepListings = 0;
     const RawReply refused = server.propFind("/", "infinity");
     QCOMPARE(refused.status(), QByteArray("403 Forbidden"));

@@ -406,7 +406,7 @@ void DavPartsTest::tellsWhatIsMissing()
         top.href = "/";
         top.facts.folder = true;
         return std::make_unique<PropFindJob>(
-            PropFindJob::Subject{ share, top, Depth::Infinity, true, {}, most },
+            PropFindJob::Subject{ share, top, Depth::Infinity, true, {}, {}, most },
             PropertyReport({ PropFindBody::Kind::Named, {} }, {},
                            std::make_shared<PropertyStore>()));
     };
