@@ -25,7 +25,7 @@ Routes classicRoutes()
 
 FaceMaker allFaces()
 {
-    const standard::Routes routes = standard::withAuthority(
-        standard::withLogins(standard::withUploads(standard::withDav(standard::fileRoutes()))));
+    const standard::Routes routes = standard::withUndo(standard::withAuthority(
+        standard::withLogins(standard::withUploads(standard::withDav(standard::fileRoutes())))));
     return chosenFaces(classicFaces(classicRoutes()), standard::standardFaces(routes));
 }

@@ -18,6 +18,11 @@ void Delete::start()
     Place target = place();
     if (!target.isValid() || target.holdsHidden)
         return exchange.refuse(Status::Forbidden);
+    remove(std::move(target));
+}
+
+void Delete::remove(Place target)
+{
     const auto removal = std::make_shared<TreeRemoval>(std::move(target));
     DiskWorker *worker = &disk();
     worker->run(removal, worker,

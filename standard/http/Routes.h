@@ -11,6 +11,7 @@ class Exchange;
 class Guard;
 class Handler;
 class OpenUploads;
+class RemovedEntries;
 
 /// Says who answers a method.
 struct Route
@@ -33,6 +34,7 @@ struct Routes
     std::vector<Route> rows;
     std::shared_ptr<Guard> guard = {}; ///< null: everything may be changed
     std::shared_ptr<OpenUploads> uploads = {}; ///< for the routes that resume them
+    std::shared_ptr<RemovedEntries> removed = {}; ///< for those that bring back
 };
 
 /// The methods of plain HTTP. Those of other folders are added to them.

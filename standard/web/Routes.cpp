@@ -5,7 +5,9 @@
 #include "standard/web/AuthorityFile.h"
 #include "standard/web/LoginMethods.h"
 #include "standard/web/OpenUploads.h"
+#include "standard/web/RemovedEntries.h"
 #include "standard/web/Tus.h"
+#include "standard/web/UndoMethods.h"
 #include "standard/web/UploadMethods.h"
 
 namespace standard {
@@ -18,6 +20,15 @@ Routes withUploads(Routes routes)
     routes.rows.push_back({ Method::Patch, makeHandler<UploadAppend>, tusPath });
     routes.rows.push_back({ Method::Delete, makeHandler<UploadRemoval>, tusPath });
     routes.uploads = std::make_shared<OpenUploads>();
+    return routes;
+}
+
+Routes withUndo(Routes routes)
+{
+    // In front of the one that can't.
+    routes.rows.insert(routes.rows.begin(), { Method::Delete, makeHandler<UndoableDelete> });
+    routes.rows.push_back({ Method::Post, makeHandler<Undo>, undoPath });
+    routes.removed = std::make_shared<RemovedEntries>();
     return routes;
 }
 

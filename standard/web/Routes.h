@@ -7,6 +7,9 @@ namespace standard {
 /// `routes` with resumable uploads.
 Routes withUploads(Routes routes);
 
+/// `routes` with a DELETE that can be taken back.
+Routes withUndo(Routes routes);
+
 /// `routes` with a page where browsers log in, and out.
 Routes withLogins(Routes routes);
 

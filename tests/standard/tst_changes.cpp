@@ -1,5 +1,8 @@
 #include "files/HiddenUploads.h"
+#include "files/Share.h"
 #include "standard/http/Patch.h"
+#include "standard/web/RemovedEntries.h"
+#include "standard/web/Routes.h"
 #include "tests/standard/StandardTest.h"
 #include "tests/support/Data.h"
 #include "tests/support/FullDisk.h"
@@ -53,6 +56,7 @@ private Q_SLOTS:
     void updateRanges();
     void patchWritesInPlace();
     void deleteFolders();
+    void deletedComesBack();
     void copyAndMove_data();
     void copyAndMove();
     void failedCopyKeepsOldTree();
@@ -241,6 +245,31 @@ void TestChanges::patchWritesInPlace()
     QVERIFY(QFile::remove(server.sharePath(QStringLiteral("a"))));
     client.send("x");
     QCOMPARE(client.reply().status(), QByteArray("409 Conflict"));
+}
+
+void TestChanges::deletedComesBack()
+{
+    StandardServer server({ { "f", "x" } }, withUndo(fileRoutes()));
+    server.askForLogin("me:a you:b");
+    const auto undo = [&server](const QByteArray &place, const char *account) {
+        return server.status("POST", place, basicLogin(account));
+    };
+    const QByteArray place =
+        replyTo(server, "DELETE", "/f", basicLogin("me:a") + "Quillon-Undo: ?1\r\n")
+            .header("Location");
+    QCOMPARE(server.status("GET", "/f", basicLogin("me:a")), 404);
+    QCOMPARE(undo(place, "you:b"), 404);
+    server.addFile(QStringLiteral("f"), "new");
+    QCOMPARE(undo(place, "me:a"), 409);
+    QFile::remove(server.sharePath(QStringLiteral("f")));
+    QCOMPARE(undo(place, "me:a"), 204);
+    QCOMPARE(server.fileContent(QStringLiteral("f")), QByteArray("x"));
+    QCOMPARE(undo(place, "me:a"), 404);
+
+    auto share = Share::at(server.sharePath(), {}, Share::Links::Followed);
+    QVERIFY(share);
+    RemovedEntries().keep({ {}, std::make_shared<const Share>(std::move(*share)), {}, "a", "f" });
+    QCOMPARE(namesIn(server.sharePath()), QString()); // an end leaves nothing
 }
 
 void TestChanges::deleteFolders()
