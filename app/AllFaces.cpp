@@ -25,7 +25,9 @@ Routes classicRoutes()
 
 FaceMaker allFaces()
 {
-    const standard::Routes routes = standard::withUndo(standard::withAuthority(
-        standard::withLogins(standard::withUploads(standard::withDav(standard::fileRoutes())))));
+    standard::Routes routes = standard::withDav(standard::fileRoutes());
+    for (const auto with : { standard::withUploads, standard::withLogins, standard::withAuthority,
+                             standard::withUndo, standard::withPad })
+        routes = with(std::move(routes));
     return chosenFaces(classicFaces(classicRoutes()), standard::standardFaces(routes));
 }

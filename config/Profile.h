@@ -59,6 +59,7 @@ struct ProfileValues
     qint32 faceMode = FaceAuto;
     qint32 syncPolicy = SyncFile;
     qint32 deepListings = 1; ///< whether the standard face lists whole trees, 0 or 1
+    qint32 scratchPad = 0; ///< whether visitors share a text, 0 or 1
     qint32 strict = 0; ///< see `isStrict`, 0 or 1
     QStringList trustedProxies; ///< addresses of those whose word is taken for who asked for what
     QStringList names; ///< hosts that this server is called by elsewhere; see `hostNameOf`

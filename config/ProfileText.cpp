@@ -149,6 +149,8 @@ constexpr std::array textKeys{
              sayWord<&ProfileValues::syncPolicy, syncPolicies> },
     TextKey{ "propfind-infinity", takeWord<&ProfileValues::deepListings, answers>,
              sayWord<&ProfileValues::deepListings, answers> },
+    TextKey{ "scratch-pad", takeWord<&ProfileValues::scratchPad, switched>,
+             sayWord<&ProfileValues::scratchPad, switched> },
     TextKey{ "strict", takeWord<&ProfileValues::strict, switched>,
              sayWord<&ProfileValues::strict, switched>, true },
     TextKey{ "trusted-proxies", takeList<&ProfileValues::trustedProxies, addressOf>,

@@ -59,5 +59,6 @@ struct Service
     OpenFiles files = {}; ///< of `share`
     std::unique_ptr<FaceState> faceState = {}; ///< about `share`; null until a face needs it
     LastName calledLast = {}; ///< by visitors themselves, not by a proxy
+    QByteArray scratchPad = {}; ///< what visitors hand each other as text
     LoginSessions logins = {}; ///< by the page of the standard face
 };

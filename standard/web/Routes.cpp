@@ -5,6 +5,7 @@
 #include "standard/web/AuthorityFile.h"
 #include "standard/web/LoginMethods.h"
 #include "standard/web/OpenUploads.h"
+#include "standard/web/PadMethods.h"
 #include "standard/web/RemovedEntries.h"
 #include "standard/web/Tus.h"
 #include "standard/web/UndoMethods.h"
@@ -29,6 +30,14 @@ Routes withUndo(Routes routes)
     routes.rows.insert(routes.rows.begin(), { Method::Delete, makeHandler<UndoableDelete> });
     routes.rows.push_back({ Method::Post, makeHandler<Undo>, undoPath });
     routes.removed = std::make_shared<RemovedEntries>();
+    return routes;
+}
+
+Routes withPad(Routes routes)
+{
+    routes.rows.push_back({ Method::Get, makeHandler<PadReading>, padPath });
+    routes.rows.push_back({ Method::Head, makeHandler<PadReading>, padPath });
+    routes.rows.push_back({ Method::Put, makeHandler<PadWriting>, padPath });
     return routes;
 }
 

@@ -10,6 +10,9 @@ Routes withUploads(Routes routes);
 /// `routes` with a DELETE that can be taken back.
 Routes withUndo(Routes routes);
 
+/// `routes` with a text that visitors share.
+Routes withPad(Routes routes);
+
 /// `routes` with a page where browsers log in, and out.
 Routes withLogins(Routes routes);
 

@@ -57,6 +57,7 @@ private Q_SLOTS:
     void patchWritesInPlace();
     void deleteFolders();
     void deletedComesBack();
+    void padIsShared();
     void copyAndMove_data();
     void copyAndMove();
     void failedCopyKeepsOldTree();
@@ -270,6 +271,27 @@ void TestChanges::deletedComesBack()
     QVERIFY(share);
     RemovedEntries().keep({ {}, std::make_shared<const Share>(std::move(*share)), {}, "a", "f" });
     QCOMPARE(namesIn(server.sharePath()), QString()); // an end leaves nothing
+}
+
+void TestChanges::padIsShared()
+{
+    StandardServer server({}, withPad(fileRoutes()));
+    const auto write = [&server](const QByteArray &text, const QByteArray &headers = {}) {
+        return server.status("PUT", "/.quillon/pad", headers, text);
+    };
+    QCOMPARE(write("a"), 404);
+    server.profile->scratchPad = 1;
+    QCOMPARE(write("a"), 204);
+    const RawReply first = replyTo(server, "GET", "/.quillon/pad");
+    QCOMPARE(first.body, QByteArray("a"));
+    const QByteArray seen = "If-Match: " + first.header("ETag") + "\r\n";
+    QCOMPARE(write("b", seen), 204);
+    QCOMPARE(write("c", seen), 412);
+    QCOMPARE(write("\xff"), 415);
+    QCOMPARE(write(QByteArray(64 * 1024 + 1, 'x')), 413);
+    QCOMPARE(replyTo(server, "GET", "/.quillon/pad").body, QByteArray("b"));
+    server.profile->enableUpload = Qt::Unchecked;
+    QCOMPARE(write("d"), 403);
 }
 
 void TestChanges::deleteFolders()

@@ -1,0 +1,79 @@
+#include "standard/web/PadMethods.h"
+
+#include "config/Profile.h"
+#include "standard/http/Protection.h"
+
+#include <QCryptographicHash>
+#include <QString>
+
+#include <utility>
+
+namespace standard {
+
+namespace {
+
+QByteArray padTag(const QByteArray &text)
+{
+    return '"' + QCryptographicHash::hash(text, QCryptographicHash::Sha1).toHex() + '"';
+}
+
+} // namespace
+
+bool PadMethod::isOpenTo(Rights needed)
+{
+    const bool isThere =
+        exchange.service().profile->scratchPad != 0 && exchange.access().home.isEmpty();
+    if (isThere && exchange.path() == padPath)
+        return isPermitted(needed, {});
+    exchange.refuse(Status::NotFound);
+    return false;
+}
+
+bool PadMethod::meetsPadConditions()
+{
+    switch (judge(exchange.request(), { true, padTag(exchange.service().scratchPad), 0 })) {
+    case Verdict::Proceed:
+        return true;
+    case Verdict::NotModified:
+        exchange.reply(Status::NotModified, padFields());
+        return false;
+    case Verdict::Failed:
+        break;
+    }
+    exchange.refuse(Status::PreconditionFailed, "Somebody has changed it.");
+    return false;
+}
+
+Fields PadMethod::padFields() const
+{
+    return { { "ETag", padTag(exchange.service().scratchPad) }, { "Cache-Control", "no-cache" } };
+}
+
+void PadReading::start()
+{
+    if (!isOpenTo(Right::Read) || !meetsPadConditions())
+        return;
+    Fields fields = padFields();
+    fields.push_back({ "Content-Type", "text/plain; charset=utf-8" });
+    addFileProtection(fields);
+    exchange.reply(Status::Ok, std::move(fields), exchange.service().scratchPad);
+}
+
+void PadWriting::start()
+{
+    if (isOpenTo(Right::Add) && meetsPadConditions())
+        exchange.readBody(maxPad);
+}
+
+void PadWriting::bodyReady(const QByteArray &body)
+{
+    if (QString::fromUtf8(body).toUtf8() != body)
+        return exchange.refuse(Status::UnsupportedMediaType, "It is no text in UTF-8.");
+    // Others may have been faster.
+    if (!meetsPadConditions())
+        return;
+    exchange.service().scratchPad = body;
+    exchange.reply(Status::NoContent, padFields());
+}
+
+} // namespace standard
