@@ -45,6 +45,14 @@ QByteArray joinedPath(const QByteArray &folder, const QByteArray &rest)
     return isJoined ? folder + rest : folder + '/' + rest;
 }
 
+QByteArray numberedPath(const QByteArray &path, int number)
+{
+    const auto name = path.lastIndexOf('/') + 1;
+    const auto dot = path.lastIndexOf('.');
+    const auto end = dot > name ? dot : path.size();
+    return path.left(end) + " (" + QByteArray::number(number) + ')' + path.mid(end);
+}
+
 bool isSpellable(const QByteArray &name)
 {
     const bool plain = std::none_of(name.cbegin(), name.cend(), [](char c) { return c < 0; });

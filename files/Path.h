@@ -16,6 +16,9 @@ QByteArray parentPath(const QByteArray &path);
 /// A path, none or more segments below another.
 QByteArray joinedPath(const QByteArray &folder, const QByteArray &rest);
 
+/// The path of an entry beside another, which has its name and a number: "a/b (2).txt".
+QByteArray numberedPath(const QByteArray &path, int number);
+
 /// Whether a request can name it: it decodes to text that encodes to the same bytes.
 bool isSpellable(const QByteArray &name);
 

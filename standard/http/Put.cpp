@@ -21,7 +21,8 @@ constexpr auto timeField = "X-OC-Mtime";
 
 void Put::start()
 {
-    if (isAllowed(factsAt(exchange.path())))
+    path = pathToAdd(exchange.path());
+    if (isAllowed(factsAt(path)))
         receive();
 }
 
@@ -49,14 +50,14 @@ bool Put::isAllowed(const EntryFacts &found)
 
 std::vector<Change> Put::changes() const
 {
-    return { { exchange.path(), Change::Extent::Resource, !replaces } };
+    return { { path, Change::Extent::Resource, !replaces } };
 }
 
 void Put::receive()
 {
     if (!share())
         return exchange.refuse(Status::Conflict);
-    Place target = replaces ? share()->target(exchange.path()) : place();
+    Place target = replaces ? share()->target(path) : share()->place(path);
     if (!target.isValid())
         return exchange.refuse(Status::Conflict, "The folder does not exist.");
     if (!hasRoom(target))

@@ -23,6 +23,7 @@ private:
     void keepWithTime();
     void taken(const UploadFile &received) override;
 
+    QByteArray path; ///< where the file is to stand
     bool tookTime = false; ///< that the request brought
 };
 

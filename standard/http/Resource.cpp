@@ -1,16 +1,22 @@
 #include "standard/http/Resource.h"
 
+#include "files/Path.h"
+#include "files/Reservation.h"
 #include "files/Share.h"
 #include "standard/http/HttpDate.h"
 #include "standard/http/MethodUse.h"
 #include "standard/http/MultiStatus.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 
 namespace standard {
 
 namespace {
 
+constexpr std::array otherRights{ Right::See, Right::Read, Right::Change, Right::Delete };
+constexpr int mostOfName = 1000; ///< files that differ in a number alone
 constexpr auto notPermitted = "You have no right to do this here.";
 
 } // namespace
@@ -113,6 +119,23 @@ void ResourceHandler::refuseMembers(const QByteArray &base,
             + statusElement(failure.status) + "</D:response>";
     exchange.reply(Status::MultiStatus, { { "Content-Type", xmlType } },
                    body + rootEnd("multistatus"));
+}
+
+QByteArray ResourceHandler::pathToAdd(const QByteArray &path) const
+{
+    const Access &access = exchange.access();
+    const auto isTaken = [this](const QByteArray &at) {
+        const EntryFacts found = factsAt(at);
+        return found.exists || found.link || Reservation::isTaken(share()->place(at));
+    };
+    const bool seesNothing = std::none_of(std::begin(otherRights), std::end(otherRights),
+                                          [&](Right right) { return access.may(right, path); });
+    if (!share() || !seesNothing || !access.may(Right::Add, path) || !isTaken(path))
+        return path;
+    int number = 2;
+    while (number < mostOfName && isTaken(numberedPath(path, number)))
+        ++number;
+    return numberedPath(path, number);
 }
 
 bool ResourceHandler::meetsConditions(const EntryFacts &found)

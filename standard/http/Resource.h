@@ -65,6 +65,10 @@ protected:
     /// request is refused.
     bool mayPutAt(const QByteArray &path);
 
+    /// Where a file that is sent to `path` is to stand. Who may add and nothing else is not to
+    /// learn what is there, nor to be kept from leaving a file: it stands beside what has its name.
+    QByteArray pathToAdd(const QByteArray &path) const;
+
     /// Whether the conditions of the request let it be done; else it is refused.
     bool meetsConditions(const EntryFacts &found);
 

@@ -39,10 +39,10 @@ bool UploadReceiver::fits(qint64 room)
 /// Through a link it would stand in another folder than what was received.
 bool UploadReceiver::mayStand(const QByteArray &path, bool mayReplace)
 {
-    const EntryFacts found = factsAt(path);
-    m_target = path;
+    m_target = pathToAdd(path);
+    const EntryFacts found = factsAt(m_target);
     replaces = found.exists;
-    if (!isPermitted(replaces && mayReplace ? Right::Change : Right::Add, path))
+    if (!isPermitted(replaces && mayReplace ? Right::Change : Right::Add, m_target))
         return false;
     if (!found.link && (!found.exists || (found.file && mayReplace)))
         return exchange.mayChange(changes());

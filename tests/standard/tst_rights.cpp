@@ -113,8 +113,11 @@ void TestRights::whoOnlyAddsLearnsNothing()
     };
     QCOMPARE(allowed("/a"), QByteArray("OPTIONS, PUT, MKCOL"));
     QCOMPARE(allowed("/c"), allowed("/a"));
-    QCOMPARE(server.status("PUT", "/a", "If-None-Match: *\r\n", "new"), 403);
-    QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("a"));
+    // And leaves files beside those of others.
+    for (const char *second : { "2", "3" })
+        QCOMPARE(server.status("PUT", "/a", "If-None-Match: *\r\n", second), 201);
+    for (const auto &[name, content] : { std::pair("a", "a"), { "a (2)", "2" }, { "a (3)", "3" } })
+        QCOMPARE(server.fileContent(QString::fromLatin1(name)), QByteArray(content));
 }
 
 void TestRights::homesAreRoots()
