@@ -14,6 +14,8 @@ packages_of() {
         echo librsvg2-bin graphicsmagick icoutils
         # The hash in which passwords are kept.
         echo libsodium-dev pkg-config
+        # Sums in archives.
+        echo libdeflate-dev
         # Addresses as pictures that phones read.
         echo libqrcodegencpp-dev
         echo openssl

@@ -1,0 +1,133 @@
+#include "files/ZipPlan.h"
+
+#include "files/HiddenUploads.h"
+#include "files/Path.h"
+
+#include <cerrno>
+#include <new>
+
+namespace {
+
+QByteArray bytesOf(const std::string &text)
+{
+    return { text.data(), int(text.size()) };
+}
+
+} // namespace
+
+ZipPlan::ZipPlan(Subject asked)
+    : subject(std::move(asked))
+{
+}
+
+/// On a thread nobody else ends what gets no memory.
+bool ZipPlan::run(const Budget &until)
+{
+    if (!until.mayBlock())
+        return false;
+    try {
+        do
+            step();
+        while (!ended && !until.isUsedUp());
+    } catch (const std::bad_alloc &) {
+        fail(ENOMEM);
+    }
+    return ended;
+}
+
+void ZipPlan::abandon()
+{
+    folder.reset();
+    entries = {};
+    parents = {};
+    layout.reset();
+}
+
+void ZipPlan::step()
+{
+    if (!begun)
+        return begin();
+    if (folder)
+        return readNext();
+    if (subject.names && nextName < subject.names->size())
+        return takeName((*subject.names)[nextName++]);
+    if (next < entries.size())
+        return enterNext();
+    layout = std::make_shared<ZipLayout>(std::move(entries), topFacts.seconds);
+    ended = true;
+}
+
+void ZipPlan::begin()
+{
+    begun = true;
+    folder = subject.share->openFolder(subject.folder);
+    if (!folder)
+        return fail(errno);
+    topFacts = openFacts(folder->descriptor());
+    if (subject.names)
+        folder.reset();
+}
+
+void ZipPlan::takeName(const QByteArray &name)
+{
+    const EntryFacts found = subject.share->facts(joinedPath(subject.folder, name));
+    if (name == subject.leftOut || (!found.file && !found.folder))
+        return fail(ENOENT);
+    if (!found.readable)
+        return fail(EACCES);
+    keep(name.toStdString(), found);
+}
+
+void ZipPlan::readNext()
+{
+    FolderReader::Item item;
+    if (!folder->next(item)) {
+        const int number = folder->error();
+        folder.reset();
+        // What was removed since holds nothing.
+        return number != 0 && number != ENOENT ? fail(number) : void();
+    }
+    if (isHiddenUpload(item.name) || (within == top && item.name == subject.leftOut))
+        return;
+    const EntryFacts found = folder->facts(item);
+    if (!(found.file || found.folder) || !found.readable || leadsBack(found, within))
+        return;
+    keep((within == top ? std::string() : entries[within].path) + item.name, found);
+}
+
+bool ZipPlan::leadsBack(const EntryFacts &facts, std::size_t from) const
+{
+    if (!facts.folder)
+        return false;
+    for (std::size_t each = from; each != top; each = parents[each]) {
+        if (isSameEntry(entries[each].facts, facts))
+            return true;
+    }
+    return isSameEntry(topFacts, facts);
+}
+
+void ZipPlan::keep(std::string path, const EntryFacts &facts)
+{
+    if (entries.size() == maxEntries)
+        return fail(E2BIG);
+    if (facts.folder)
+        path += '/';
+    entries.push_back({ std::move(path), facts });
+    parents.push_back(within);
+}
+
+/// One that can't be opened any more stays empty.
+void ZipPlan::enterNext()
+{
+    within = next++;
+    if (entries[within].facts.folder)
+        folder =
+            subject.share->openFolder(joinedPath(subject.folder, bytesOf(entries[within].path)));
+}
+
+void ZipPlan::fail(int number)
+{
+    abandon();
+    failure = number;
+    ended = true;
+}
