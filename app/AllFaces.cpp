@@ -26,8 +26,8 @@ Routes classicRoutes()
 FaceMaker allFaces()
 {
     standard::Routes routes = standard::withDav(standard::fileRoutes());
-    for (const auto with : { standard::withUploads, standard::withLogins, standard::withAuthority,
-                             standard::withUndo, standard::withPad })
+    for (const auto with : { standard::withUploads, standard::withArchives, standard::withUndo,
+                             standard::withPad, standard::withLogins, standard::withAuthority })
         routes = with(std::move(routes));
     return chosenFaces(classicFaces(classicRoutes()), standard::standardFaces(routes));
 }

@@ -8,8 +8,8 @@
 /// The standard face: heads, chunks, conditions, ranges, WebDAV, resumable uploads.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    static const FaceMaker faces = standard::standardFaces(
-        standard::withLogins(standard::withUploads(standard::withDav(standard::fileRoutes()))));
+    static const FaceMaker faces = standard::standardFaces(standard::withLogins(
+        standard::withArchives(standard::withUploads(standard::withDav(standard::fileRoutes())))));
     talk(faces, QByteArray(reinterpret_cast<const char *>(data), int(size)));
     return 0;
 }

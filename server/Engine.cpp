@@ -27,9 +27,9 @@ Engine::Engine(FaceMaker makeFace, const Directories &directories, StatusSink *s
     : forms(maxForms)
     , peers(maxConnections())
     , guesses(sink)
-    , common(std::make_shared<ServerSetup>(
-          ServerSetup{ std::move(makeFace), sink, &poller, &forms, &disk, &listings, &memory,
-                       &turns, &copies, &peers, &passwords, &guesses, previews, directories }))
+    , common(std::make_shared<ServerSetup>(ServerSetup{
+          std::move(makeFace), sink, &poller, &forms, &disk, &listings, &memory, &turns, &copies,
+          &archives, &peers, &passwords, &guesses, previews, directories }))
 {
     QObject::connect(&memory, &MemoryTrim::roomNeeded, &listings, [this] {
         forms.close();

@@ -31,6 +31,7 @@ private:
     PeerCount peers;
     Guesses guesses;
     Places copies{ 4, qint64(32) << 20 }; // outlives the jobs that have its passes
+    Places archives{ 4, qint64(64) << 20 };
     DiskWorker disk;
     ListingCache listings{ disk };
     MemoryTrim memory{ disk };

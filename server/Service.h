@@ -39,6 +39,7 @@ struct ServerSetup
     MemoryTrim *memory = nullptr;
     Turns *turns = nullptr; ///< of long replies
     Places *copies = nullptr; ///< for what COPY does
+    Places *archives = nullptr; ///< for what they are to hold
     PeerCount *peers = nullptr;
     PasswordChecks *passwords = nullptr;
     Guesses *guesses = nullptr; ///< at passwords

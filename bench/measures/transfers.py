@@ -1,7 +1,7 @@
 """Large files, down and up."""
 
-from loads import download, download_together, upload
-from servers import CLASSIC
+from loads import curl, download, download_together, upload
+from servers import CLASSIC, Failure
 from table import BEST, high, low
 
 CLIENTS = 4
@@ -13,6 +13,7 @@ def metrics(sizes):
         high("download", f"download of {size}, 1 client [GB/s]", 1.0, BEST),
         low("download_cpu", "server's CPU time for it [s/GiB]", 1.2, BEST),
         high("downloads", f"download, {CLIENTS} clients together [GB/s]", 1.0, BEST),
+        high("archive", f"speed of a zip of {size}, by that of a download", 0.7),
         high("tls", "download over TLS, 1 client [GB/s]", 1.0, BEST),
         low("tls_cpu", "server's CPU time for it [s/GiB]"),
         high("put", f"upload of {size} by PUT [GB/s]", 1.0, BEST),
@@ -28,6 +29,8 @@ def measure(bench, name):
         # Twice: the first upload also pays for memory that the machine has not touched for long.
         for _ in range(2):
             measure_uploads(bench, server)
+        if name == "standard":
+            measure_archive(bench, server)
     with bench.serve(name, tls=True) as server:
         measure_download(bench, server, "tls")
 
@@ -48,3 +51,13 @@ def measure_uploads(bench, server):
         seconds = upload(server.url + "?a=up", bench.share / "form.bin", size,
                          "-F", f"f=@{big};filename=form.bin")
         bench.note("form", server.name, size / seconds / 1e9)
+
+
+def measure_archive(bench, server):
+    """Of a file whose sum is not known, right after its plain download."""
+    plain = download(server.url + "big.bin", bench.sizes.big)
+    (bench.share / "big.bin").touch()
+    seconds, received, _ = curl(server.url + "?archive=zip", "-d", "name=big.bin")
+    if received <= bench.sizes.big:
+        raise Failure(f"an archive of {received} bytes")
+    bench.note("archive", server.name, plain / seconds)

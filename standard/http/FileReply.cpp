@@ -7,6 +7,7 @@
 #include "standard/http/FolderPage.h"
 #include "standard/http/LoginPage.h"
 #include "standard/http/Protection.h"
+#include "standard/http/Reserved.h"
 
 #include <QRandomGenerator>
 
@@ -196,9 +197,18 @@ void FileReply::sendListing(const FolderListing *listing)
     Fields fields{ { "Content-Type", "text/html; charset=utf-8" },
                    { "Cache-Control", access.inSession ? "no-store" : "no-cache" } };
     access.inSession ? addFormProtection(fields) : addPageProtection(fields);
+    QByteArray top = access.inSession ? logOutForm(exchange) : QByteArray();
+    if (isArchived())
+        top += archiveLink();
     exchange.reply(Status::Ok, std::move(fields),
-                   folderPage(seenFrom(access.home, exchange.path()), *listing,
-                              access.inSession ? logOutForm(exchange) : QByteArray()));
+                   folderPage(seenFrom(access.home, exchange.path()), *listing, top));
+}
+
+/// Whether the visitor can have the folder as a file.
+bool FileReply::isArchived() const
+{
+    const Route *route = findRoute(exchange.routes(), Method::Get, exchange.path(), archiveQuery);
+    return route && route->query && exchange.access().may(Right::Read, exchange.path());
 }
 
 } // namespace standard

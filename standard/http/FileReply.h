@@ -36,6 +36,7 @@ private:
     void redirectToFolder();
     void listFolder();
     void sendListing(const FolderListing *listing);
+    bool isArchived() const;
 
     ServedFile file;
     QByteArray boundary; ///< of several parts, like the next two

@@ -22,11 +22,11 @@ QByteArray row(const FolderListing::Entry &entry)
 
 } // namespace
 
-QByteArray folderPage(const QByteArray &path, const FolderListing &listing, const QByteArray &forms)
+QByteArray folderPage(const QByteArray &path, const FolderListing &listing, const QByteArray &top)
 {
     const QByteArray title = '/' + path;
     QByteArray page =
-        pageBegin(title) + "<body>" + forms + "<h1>" + escaped(title) + "</h1>\n<table>\n";
+        pageBegin(title) + "<body>" + top + "<h1>" + escaped(title) + "</h1>\n<table>\n";
     if (!path.isEmpty())
         page += "<tr><td><a href=\"../\">../</a></td><td></td><td></td></tr>\n";
     const qint64 shown = std::min(listing.count(), maxPageEntries);
@@ -36,6 +36,11 @@ QByteArray folderPage(const QByteArray &path, const FolderListing &listing, cons
     if (shown < listing.count())
         page += "<p>" + QByteArray::number(listing.count() - shown) + " more</p>\n";
     return page + "</body></html>\n";
+}
+
+QByteArray archiveLink()
+{
+    return QByteArray("<p><a href=\"?") + archiveQuery + "\">Download as zip</a></p>\n";
 }
 
 } // namespace standard

@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+#include <optional>
+
 namespace standard {
 
 /// Answers one request. Made for it by its route and owned by the face. Once it is told its `end`
@@ -33,6 +35,10 @@ public:
 
     /// What `Exchange::sendFile` was given is on its way.
     virtual void fileSent() { exchange.end(); }
+
+    /// Of a file that is made while it is sent: how many bytes are still to be written, or given to
+    /// `Exchange::sendFile`. None when the reply is no such file.
+    virtual std::optional<qint64> bytesLeft() const { return {}; }
 
     /// For the face: the reply is over, or nobody waits for it any more.
     void end()

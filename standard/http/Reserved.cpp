@@ -4,6 +4,8 @@
 #include "server/Access.h"
 #include "standard/http/Routes.h"
 
+#include <QList>
+
 namespace standard {
 
 bool isReserved(const QByteArray &path)
@@ -22,10 +24,14 @@ bool isFor(const Route &route, const QByteArray &path)
     return route.below ? isWithin(path, route.below) : !isReserved(path);
 }
 
-const Route *findRoute(const Routes &routes, Method method, const QByteArray &path)
+const Route *findRoute(const Routes &routes, Method method, const QByteArray &path,
+                       const QByteArray &query)
 {
+    const auto isAsked = [&query](const char *field) {
+        return !field || (!query.isEmpty() && query.split('&').contains(field));
+    };
     for (const Route &route : routes.rows) {
-        if (route.method == method && isFor(route, path))
+        if (route.method == method && isAsked(route.query) && isFor(route, path))
             return &route;
     }
     return nullptr;

@@ -18,10 +18,11 @@ bool isReserved(const QByteArray &path);
 /// The same of a path of the share and a visitor who has that home, see `Access`.
 bool isReserved(const QByteArray &home, const QByteArray &path);
 
-/// Whether a route answers for what a clean path names.
+/// Whether a route answers for what a clean path names, when the query is right as well.
 bool isFor(const Route &route, const QByteArray &path);
 
 /// The first that answers a method for it; null when there is none.
-const Route *findRoute(const Routes &routes, Method method, const QByteArray &path);
+const Route *findRoute(const Routes &routes, Method method, const QByteArray &path,
+                       const QByteArray &query = {});
 
 } // namespace standard

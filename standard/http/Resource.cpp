@@ -141,13 +141,17 @@ QByteArray ResourceHandler::pathToAdd(const QByteArray &path) const
 bool ResourceHandler::meetsConditions(const EntryFacts &found)
 {
     // What they compare costs more than to look for them.
-    if (!hasConditions(exchange.request()))
-        return true;
-    switch (judge(exchange.request(), Validators::of(found))) {
+    return !hasConditions(exchange.request())
+        || meetsConditions(Validators::of(found), validatorFields(found));
+}
+
+bool ResourceHandler::meetsConditions(const Validators &current, const Fields &fields)
+{
+    switch (judge(exchange.request(), current)) {
     case Verdict::Proceed:
         return true;
     case Verdict::NotModified:
-        exchange.reply(Status::NotModified, validatorFields(found));
+        exchange.reply(Status::NotModified, fields);
         return false;
     case Verdict::Failed:
         break;

@@ -72,6 +72,9 @@ protected:
     /// Whether the conditions of the request let it be done; else it is refused.
     bool meetsConditions(const EntryFacts &found);
 
+    /// The same of what has these validators, which `fields` tell.
+    bool meetsConditions(const Validators &current, const Fields &fields);
+
     /// To be told what becomes of what the request changes; null when nobody is to.
     std::shared_ptr<GuardedTree> guarded() const;
 

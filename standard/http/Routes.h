@@ -5,6 +5,8 @@
 #include <memory>
 #include <vector>
 
+class FileSums;
+
 namespace standard {
 
 class Exchange;
@@ -20,6 +22,7 @@ struct Route
     std::unique_ptr<Handler> (*make)(Exchange &exchange);
     const char *below = nullptr; ///< the reserved path that it answers for; null: all others
     bool isOpen = false; ///< to who has not logged in
+    const char *query = nullptr; ///< the field that a request asks for it by; null: any or none
 };
 
 /// The `make` of a route for a handler that needs nothing but the exchange.
@@ -35,6 +38,7 @@ struct Routes
     std::shared_ptr<Guard> guard = {}; ///< null: everything may be changed
     std::shared_ptr<OpenUploads> uploads = {}; ///< for the routes that resume them
     std::shared_ptr<RemovedEntries> removed = {}; ///< for those that bring back
+    std::shared_ptr<FileSums> sums = {}; ///< for the routes of archives
 };
 
 /// The methods of plain HTTP. Those of other folders are added to them.

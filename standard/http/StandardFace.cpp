@@ -13,6 +13,7 @@
 #include "standard/http/Copy.h"
 #include "standard/http/Delete.h"
 #include "standard/http/FileReply.h"
+#include "standard/http/FolderPage.h"
 #include "standard/http/Handler.h"
 #include "standard/http/LoginPage.h"
 #include "standard/http/MkCol.h"
@@ -151,7 +152,8 @@ void StandardFace::logIn()
 {
     const Request &request = exchange.request();
     const Service &service = exchange.service();
-    const Route *route = findRoute(common->routes, request.method, exchange.path());
+    const Route *route =
+        findRoute(common->routes, request.method, exchange.path(), request.target.query);
     if (route && route->isOpen)
         return dispatch();
     if (goesOnInSession())
@@ -232,7 +234,9 @@ void StandardFace::dispatch()
     if (namesHiddenUpload(exchange.path()))
         return exchange.refuse(
             isSafe(exchange.request().method) ? Status::NotFound : Status::Forbidden, keptNames);
-    const Route *route = findRoute(common->routes, exchange.request().method, exchange.path());
+    const Request &request = exchange.request();
+    const Route *route =
+        findRoute(common->routes, request.method, exchange.path(), request.target.query);
     if (!route)
         return refuseMethod();
     handler = route->make(exchange);
@@ -294,22 +298,39 @@ void StandardFace::replyEnded()
     session.reset();
     gate.leave();
     isAtDoor = false;
-    if (std::exchange(isAnswering, false))
+    const bool wasAnswering = std::exchange(isAnswering, false);
+    if (wasAnswering)
         handler->end();
-    const Request &request = exchange.request();
     if (connection.isWatched())
-        connection.noteEnd({ {},
-                             request.methodName,
-                             request.target.path,
-                             exchange.status(),
-                             channel.canAnswer(),
-                             exchange.namesFolder() });
+        noteEnd(wasAnswering ? handler->bytesLeft() : std::nullopt);
     exchange.finish();
+}
+
+/// `unsent` bytes are missing of a file that was made: that is a download, however it was asked
+/// for.
+void StandardFace::noteEnd(std::optional<qint64> unsent)
+{
+    const Request &request = exchange.request();
+    connection.noteEnd({ {},
+                         unsent ? nameOf(Method::Get) : request.methodName,
+                         unsent ? madeFile() : request.target.path,
+                         exchange.status(),
+                         channel.canAnswer() && unsent.value_or(0) == 0,
+                         !unsent && exchange.namesFolder() });
+}
+
+/// How the owner is told of what is made out of a folder. Not by the whole query: nobody is to hide
+/// it among the folders that were looked at.
+QByteArray StandardFace::madeFile() const
+{
+    return exchange.request().target.path + '?' + archiveQuery;
 }
 
 std::optional<FileTransfer> StandardFace::transfer() const
 {
     std::optional<FileTransfer> found = channel.transfer();
+    if (const auto unsent = isAnswering ? handler->bytesLeft() : std::nullopt)
+        return FileTransfer{ false, *unsent + (found ? found->left : 0), madeFile() };
     if (found)
         found->path = exchange.request().target.path;
     return found;

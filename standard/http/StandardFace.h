@@ -58,6 +58,8 @@ private:
     void dispatch();
     void refuseMethod();
     void dropHandler();
+    void noteEnd(std::optional<qint64> unsent);
+    QByteArray madeFile() const;
 
     Connection &connection;
     std::shared_ptr<FaceCommon> common;

@@ -92,13 +92,20 @@ std::optional<Target> parseTarget(const QByteArray &text)
 
 QByteArray formValue(const QByteArray &form, const QByteArray &name)
 {
+    const std::vector<QByteArray> values = formValues(form, name);
+    return values.empty() ? QByteArray() : values.front();
+}
+
+std::vector<QByteArray> formValues(const QByteArray &form, const QByteArray &name)
+{
+    std::vector<QByteArray> values;
     for (const QByteArray &field : form.split('&')) {
         if (!field.startsWith(name + '='))
             continue;
         QByteArray value = field.mid(name.size() + 1);
-        return percentDecoded(value.replace('+', ' ')).value_or(QByteArray());
+        values.push_back(percentDecoded(value.replace('+', ' ')).value_or(QByteArray()));
     }
-    return {};
+    return values;
 }
 
 QByteArray encodedPath(const QByteArray &path)

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace standard {
 
@@ -26,6 +27,9 @@ std::optional<QByteArray> percentDecoded(const QByteArray &text);
 /// The value of a field in a query or a form (application/x-www-form-urlencoded). Empty when there
 /// is none, or it is badly encoded.
 QByteArray formValue(const QByteArray &form, const QByteArray &name);
+
+/// The same of all fields of that name.
+std::vector<QByteArray> formValues(const QByteArray &form, const QByteArray &name);
 
 /// A path of bytes as it stands in a URL; harmless in XML and in header lines.
 QByteArray encodedPath(const QByteArray &path);

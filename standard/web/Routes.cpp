@@ -1,7 +1,10 @@
 #include "standard/web/Routes.h"
 
+#include "files/FileSums.h"
 #include "server/Authority.h"
+#include "standard/http/FolderPage.h"
 #include "standard/http/LoginPage.h"
+#include "standard/web/Archive.h"
 #include "standard/web/AuthorityFile.h"
 #include "standard/web/LoginMethods.h"
 #include "standard/web/OpenUploads.h"
@@ -38,6 +41,15 @@ Routes withPad(Routes routes)
     routes.rows.push_back({ Method::Get, makeHandler<PadReading>, padPath });
     routes.rows.push_back({ Method::Head, makeHandler<PadReading>, padPath });
     routes.rows.push_back({ Method::Put, makeHandler<PadWriting>, padPath });
+    return routes;
+}
+
+Routes withArchives(Routes routes)
+{
+    for (const Method method : { Method::Get, Method::Head, Method::Post })
+        routes.rows.insert(routes.rows.begin(),
+                           { method, makeHandler<Archive>, nullptr, false, archiveQuery });
+    routes.sums = std::make_shared<FileSums>();
     return routes;
 }
 

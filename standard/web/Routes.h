@@ -13,6 +13,9 @@ Routes withUndo(Routes routes);
 /// `routes` with a text that visitors share.
 Routes withPad(Routes routes);
 
+/// `routes` with archives of folders.
+Routes withArchives(Routes routes);
+
 /// `routes` with a page where browsers log in, and out.
 Routes withLogins(Routes routes);
 

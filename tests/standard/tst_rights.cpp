@@ -1,5 +1,6 @@
 #include "server/Access.h"
 #include "standard/dav/Routes.h"
+#include "standard/web/Routes.h"
 #include "tests/standard/StandardTest.h"
 #include "tests/support/Data.h"
 
@@ -11,6 +12,7 @@ namespace {
 
 constexpr auto patchHeaders = "Content-Type: application/x-sabredav-partialupdate\r\n"
                               "X-Update-Range: append\r\n";
+constexpr auto formHeader = "Content-Type: application/x-www-form-urlencoded\r\n";
 constexpr auto propertyBody = "<propertyupdate xmlns=\"DAV:\"><set><prop><x xmlns=\"urn:x\"/>"
                               "</prop></set></propertyupdate>";
 
@@ -20,7 +22,7 @@ class SharedFolders : public StandardServer
 public:
     SharedFolders()
         : StandardServer({ { "a", "a" }, { "b", "b" }, { "d/x", "d/x" }, { "e/x", "e/x" } },
-                         withDav(fileRoutes()))
+                         withArchives(withDav(fileRoutes())))
     {
     }
 };
@@ -48,6 +50,8 @@ void TestRights::methodsTakeTheirRights_data()
     row("look at a file", "HEAD", "/a", "", "", "read", 200);
     row("folder page", "GET", "/d/", "", "", "see", 200);
     row("way to a folder page", "GET", "/d", "", "", "see", 308);
+    row("archive", "GET", "/d/?archive=zip", "", "", "see, read", 200);
+    row("archive of some", "POST", "/d/?archive=zip", formHeader, "name=x", "see, read", 200);
     row("missing file", "GET", "/c", "", "", "read", 404);
     row("list", "PROPFIND", "/", "Depth: 1\r\n", "", "see", 207);
     row("properties of what is missing", "PROPFIND", "/c", "", "", "see", 404);
@@ -134,6 +138,9 @@ void TestRights::homesAreRoots()
     QCOMPARE(listing.body.count("<D:href>"), 2);
     const RawReply page = replyTo(server, "GET", "/", mine);
     QVERIFY(page.body.contains("<h1>/</h1>") && !page.body.contains("../"));
+    const RawReply archive = replyTo(server, "GET", "/?archive=zip", mine);
+    QVERIFY(archive.header("Content-Disposition").contains("\"d.zip\""));
+    QCOMPARE(archive.body.count("d/x"), 1); // the content of "x"
     for (const char *path : { "/a", "/d/x", "/../a", "/%2e%2e/a", "/x/../../a" })
         QCOMPARE(server.status("GET", path, mine), 404);
 
