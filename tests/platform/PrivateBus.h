@@ -59,8 +59,8 @@ using Answers = QHash<QString, QVariantList>; ///< by method
 /// Stands for another program: writes down what it is asked, as text, and answers as it was told.
 struct StandIn : QDBusVirtualObject
 {
-    StandIn(const PrivateBus &where, const QString &service, Answers told)
-        : bus(where.connection(service))
+    StandIn(QDBusConnection where, const QString &service, Answers told)
+        : bus(std::move(where))
         , answers(std::move(told))
     {
         bus.registerVirtualObject("/"_q, this, QDBusConnection::SubPath);
@@ -104,7 +104,7 @@ struct StandIn : QDBusVirtualObject
 struct StandInAvahi : StandIn
 {
     explicit StandInAvahi(const PrivateBus &where)
-        : StandIn(where, "org.freedesktop.Avahi"_q,
+        : StandIn(where.connection("Avahi"_q), "org.freedesktop.Avahi"_q,
                   { { "EntryGroupNew"_q, { QVariant::fromValue(QDBusObjectPath("/group"_q)) } },
                     { "GetAlternativeServiceName"_q, { "Files #2"_q } } })
     {

@@ -89,7 +89,7 @@ void TestPlatform::keepsTheSystemAwake()
     int ends[2] = {};
     QVERIFY(::pipe(ends) == 0);
     const FileDescriptor reading(ends[0]);
-    StandIn login(bus, "org.freedesktop.login1"_q,
+    StandIn login(bus.connection("login"_q), "org.freedesktop.login1"_q,
                   { { "Inhibit"_q, { QVariant::fromValue(QDBusUnixFileDescriptor(ends[1])) } } });
     ::close(ends[1]);
     for (int transfer = 0; transfer < 4; ++transfer) {
@@ -115,7 +115,7 @@ void TestPlatform::showsNotifications()
     for (const auto &[ability, text] :
          { std::pair{ "body"_q, "<b>"_q }, { "body-markup"_q, "&lt;b&gt;"_q } }) {
         StandIn service(
-            bus, "org.freedesktop.Notifications"_q,
+            bus.connection("desktop"_q), "org.freedesktop.Notifications"_q,
             { { "Notify"_q, { 7U } }, { "GetCapabilities"_q, { QStringList{ ability } } } });
         notifier.show("R & D"_q, "<b>"_q);
         QCOMPARE(service.takenUpTo("Notify"_q),

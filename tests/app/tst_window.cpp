@@ -1,0 +1,141 @@
+#include "files/FileDescriptor.h"
+#include "tests/platform/PrivateBus.h"
+#include "tests/support/LiveServer.h"
+
+#include <QDBusUnixFileDescriptor>
+#include <QProcess>
+#include <QRegularExpression>
+
+#include <array>
+
+#include <fcntl.h>
+#include <poll.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr auto here = "192.0.2.5"; ///< of the only interface
+constexpr qint64 longFile = qint64(512) << 20;
+
+QStringList words(const QString &text)
+{
+    return text.split(QLatin1Char(' '));
+}
+
+/// What the tool says that moves hand and focus.
+QString xdotool(const QString &arguments)
+{
+    QProcess process;
+    process.start("xdotool"_q, words(arguments));
+    process.waitForFinished(5000);
+    return QString::fromUtf8(process.readAllStandardOutput()).trimmed();
+}
+
+bool isClosed(const FileDescriptor &lock)
+{
+    pollfd end = { lock.get(), POLLIN, 0 };
+    return ::poll(&end, 1, 0) == 1;
+}
+
+} // namespace
+
+/// The program with a window from its start to its end, on a small screen, with stand-ins for the
+/// rest of the desktop.
+class TestWindow : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void cleanupTestCase();
+    void sharesFromAKeyPressToTheEnd();
+
+private:
+    TestHome home;
+    QTemporaryDir share;
+    const PrivateBus systemBus;
+    QProcess display, program;
+};
+
+void TestWindow::initTestCase()
+{
+    home.profiles->global()->amend([](Profile &global) {
+        global.announced = 1;
+        global.port = 9100;
+    });
+    qputenv("XDG_CACHE_HOME", QFile::encodeName(home.path() + "/cache"_q));
+    home.profiles.reset(); // a program that runs beside would be its neighbour
+    writeFile(share.filePath("a.txt"_q), "hello");
+    QFile large(share.filePath("large"_q));
+    QVERIFY(large.open(QFile::WriteOnly) && large.resize(longFile));
+    display.start("Xvfb"_q, words("-displayfd 1 -screen 0 800x480x24 -nolisten tcp"_q));
+    QVERIFY(display.waitForReadyRead(5000));
+    qputenv("DISPLAY", ':' + display.readLine().trimmed());
+    qputenv("QT_QPA_PLATFORM", "xcb");
+    qputenv("ASAN_OPTIONS", "detect_leaks=0"); // of the display's own libraries
+    qputenv("DBUS_SYSTEM_BUS_ADDRESS", systemBus.address.toLatin1());
+}
+
+void TestWindow::cleanupTestCase()
+{
+    for (QProcess *process : { &program, &display }) {
+        process->kill();
+        process->waitForFinished();
+    }
+}
+
+void TestWindow::sharesFromAKeyPressToTheEnd()
+{
+    StandInAvahi avahi(systemBus);
+    std::array<int, 2> ends{};
+    QVERIFY(::pipe2(ends.data(), O_CLOEXEC) == 0);
+    const FileDescriptor told(ends[0]);
+    StandIn login(systemBus.connection("login"_q), "org.freedesktop.login1"_q,
+                  { { "Inhibit"_q, { QVariant::fromValue(QDBusUnixFileDescriptor(ends[1])) } } });
+    ::close(ends[1]);
+    StandIn desktop(QDBusConnection::sessionBus(), "org.freedesktop.Notifications"_q,
+                    { { "Notify"_q, { 7U } }, { "GetCapabilities"_q, { QStringList() } } });
+
+    program.start(QStringLiteral(WINDOW_PROGRAM), { share.path() });
+    const QString press = "windowfocus --sync %1 key space"_q.arg(
+        xdotool("search --sync --onlyvisible --name ^Quillon$"_q));
+    xdotool(press); // the first key, on the button that has the focus
+    const QRegularExpression added("AddService \\d+ 0 0 Share on \\S+ (\\S+)   9100 path=/;"_q);
+    const QString asked = avahi.takenUpTo("Commit"_q);
+    auto services = added.globalMatch(asked);
+    QVERIFY2(services.hasNext(), qPrintable(asked));
+    QCOMPARE(services.next().captured(1), "_http._tcp"_q);
+    QCOMPARE(services.next().captured(1), "_webdav._tcp"_q);
+
+    // Nothing is told of visitors while the window is in use.
+    xdotool("search --maxdepth 0 .* windowfocus"_q);
+    QTest::qWait(600); // so long the toolkit waits for another of its windows to get the focus
+    QTcpSocket visitor;
+    visitor.connectToHost(QString::fromLatin1(here), 9100);
+    visitor.write(rawRequest("GET", "/a.txt"));
+    QTRY_VERIFY(visitor.peek(9999).endsWith("hello"));
+    QVERIFY(desktop.takenUpTo("Notify"_q).contains("New visitor 192.0.2.5"_q));
+    QVERIFY(login.calls.isEmpty());
+
+    visitor.readAll();
+    visitor.setReadBufferSize(1 << 20);
+    visitor.write(rawRequest("GET", "/large"));
+    qint64 taken = 0;
+    QTRY_VERIFY((taken += visitor.readAll().size(), !login.calls.isEmpty()));
+    QVERIFY(login.calls.constFirst().startsWith("Inhibit sleep:idle Quillon"_q));
+    login.answers.clear(); // which hold what it gave
+    QVERIFY(taken < longFile && !isClosed(told));
+    visitor.abort();
+    QTRY_VERIFY_WITH_TIMEOUT(isClosed(told), 8000);
+
+    xdotool(press);
+    QCOMPARE(avahi.takenUpTo("Free"_q), "Free"_q);
+    program.terminate();
+    QVERIFY(program.waitForFinished(4000));
+    QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+    QCOMPARE(program.exitCode(), 0);
+    QCOMPARE(login.calls.size(), 1);
+}
+
+QTEST_GUILESS_MAIN(TestWindow)
+#include "tst_window.moc"
