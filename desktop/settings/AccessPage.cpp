@@ -78,7 +78,9 @@ public:
     {
         Q_UNUSED(option)
         Q_UNUSED(index)
-        return newAccountNameEdit(parent);
+        QLineEdit *edit = newAccountNameEdit(parent);
+        edit->setAccessibleName(AccessPage::tr("User"));
+        return edit;
     }
 
     /// A nameless account would let in whoever gives no name: the name stays as it was.
@@ -106,6 +108,7 @@ public:
         Q_UNUSED(option)
         Q_UNUSED(index)
         auto *edit = new QLineEdit(parent);
+        edit->setAccessibleName(AccessPage::tr("Password"));
         edit->setEchoMode(visible ? QLineEdit::Normal : QLineEdit::Password);
         return edit;
     }

@@ -32,12 +32,10 @@ RightsDialog::RightsDialog(Of whom, const AccountRights &present, Rights inherit
         boxes.push_back(new SwitchBox(name));
         layout->addWidget(boxes.back());
     }
-    if (whom == Of::Account) {
-        layout->addWidget(newCaption(tr("Home folder in the share"), homeEdit));
-        layout->addWidget(homeEdit);
-    } else {
-        homeEdit->setParent(this);
-        homeEdit->hide();
+    QLabel *caption = newCaption(tr("Home folder in the share"), homeEdit);
+    for (QWidget *each : std::initializer_list<QWidget *>{ caption, homeEdit }) {
+        layout->addWidget(each);
+        each->setVisible(whom == Of::Account);
     }
     layout->addStretch();
     layout->addWidget(new OkCancelButtons(this));

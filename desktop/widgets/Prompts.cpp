@@ -11,6 +11,8 @@
 #include <QPushButton>
 #include <QScreen>
 
+#include <utility>
+
 namespace {
 
 constexpr QSize usualChooserSize(640, 440);
@@ -36,7 +38,7 @@ void prepare(QMessageBox *box)
 }
 
 /// All but the dialogs that the desktop brings itself.
-void sizeForFingers(QFileDialog *dialog)
+void prepare(QFileDialog *dialog)
 {
     const auto parts = dialog->findChildren<QWidget *>();
     for (QWidget *part : parts) {
@@ -46,6 +48,12 @@ void sizeForFingers(QFileDialog *dialog)
             part->setMinimumHeight(fingerSize);
         else if (auto *view = qobject_cast<QAbstractItemView *>(part))
             scrollByFinger(view);
+    }
+    // The toolkit's captions belong to no control.
+    for (const auto &[name, caption] : { std::pair("lookInCombo", QFileDialog::LookIn),
+                                         std::pair("fileTypeCombo", QFileDialog::FileType) }) {
+        if (auto *box = dialog->findChild<QWidget *>(QLatin1String(name)))
+            box->setAccessibleName(dialog->labelText(caption));
     }
     // A small screen has no room for the buttons that change the kind of list.
     for (const char *name : { "listModeButton", "detailModeButton" }) {
@@ -123,7 +131,7 @@ QString choosePath(QWidget *parent, PathKind kind, const QString &title, const Q
         if (filter.isEmpty())
             offerAllFiles(&dialog);
     }
-    sizeForFingers(&dialog);
+    prepare(&dialog);
     fitToScreen(&dialog, usualChooserSize);
     return dialog.exec() == QDialog::Accepted ? dialog.selectedFiles().value(0) : QString();
 }

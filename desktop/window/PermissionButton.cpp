@@ -93,8 +93,9 @@ void PermissionButton::buildMenu()
 void PermissionButton::showProfile()
 {
     const Profile &shown = *profile();
-    const QString text =
-        tr(wordsOf(permissionOf(shown)).state) + QLatin1Char('\n') + loginWord(shown);
+    const QString word = loginWord(shown);
+    login->setText(word + QLatin1String("..."));
+    const QString text = tr(wordsOf(permissionOf(shown)).state) + QLatin1Char('\n') + word;
     if (text != this->text())
         setText(text);
 }
@@ -113,7 +114,6 @@ void PermissionButton::open()
     choices.at(int(Permission::LookAndAdd))
         ->setText(mayReplace ? tr("Look and add; file managers may replace, too")
                              : tr(wordsOf(Permission::LookAndAdd).choice));
-    login->setText(loginWord(shown) + QLatin1String("..."));
     words->popup(mapToGlobal(rect().bottomLeft()));
 }
 

@@ -25,11 +25,11 @@ struct Device
 
     Device(const Prepare &prepare, int count)
     {
-        QCoreApplication::setOrganizationName(QStringLiteral("Tessaroy"));
-        QCoreApplication::setApplicationName(QStringLiteral("Quillon"));
+        QCoreApplication::setOrganizationName("Tessaroy"_q);
+        QCoreApplication::setApplicationName("Quillon"_q);
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, path("settings"));
         for (int i = 1; i <= count; ++i)
-            addresses.append(QStringLiteral("127.0.0.%1").arg(i));
+            addresses.append("127.0.0.%1"_q.arg(i));
         global()->port = freePort();
         global()->warningMode = Qt::Unchecked;
         acceptFolder(home.path());
@@ -163,7 +163,7 @@ struct StandIn : QTcpServer
         listen(QHostAddress(QHostAddress::LocalHost));
     }
 
-    QString base() const { return QStringLiteral("http://127.0.0.1:%1").arg(serverPort()); }
+    QString base() const { return "http://127.0.0.1:%1"_q.arg(serverPort()); }
 
     /// What to send from now on; without it requests find a closed connection.
     void answer(const QByteArray &body, const QByteArray &status = "200 OK",

@@ -1,11 +1,15 @@
 #pragma once
 
+#include "tests/support/Files.h"
+
 #include <QAbstractButton>
+#include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
 #include <QDir>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QMessageBox>
 #include <QPointer>
 #include <QScrollArea>
@@ -13,16 +17,58 @@
 #include <QTest>
 #include <QTimer>
 
+/// The controls without a name for a screen reader in `object` and below it, their paths a line
+/// each.
+inline QByteArray nameless(const QAccessibleInterface *object, QByteArray path = {})
+{
+    static const QSet<int> controls{ QAccessible::Button,   QAccessible::ButtonMenu,
+                                     QAccessible::CheckBox, QAccessible::ComboBox,
+                                     QAccessible::SpinBox,  QAccessible::EditableText,
+                                     QAccessible::List,     QAccessible::Table,
+                                     QAccessible::Tree,     QAccessible::PageTab };
+    const auto *widget = qobject_cast<const QWidget *>(object->object());
+    if (!widget)
+        return {};
+    path += QByteArray("/") + widget->metaObject()->className();
+    // Of a box of choices the toolkit gives what is chosen.
+    const bool isNamed = object->role() == QAccessible::ComboBox
+        ? !widget->accessibleName().isEmpty()
+        : !object->text(QAccessible::Name).isEmpty();
+    if (controls.contains(object->role()))
+        return isNamed ? QByteArray() : path + '\n';
+    QByteArray found;
+    for (int i = 0; i < object->childCount(); ++i)
+        found += nameless(object->child(i), path);
+    return found;
+}
+
+/// The same for a whole window with its menus.
+inline QByteArray namelessIn(QWidget *window)
+{
+    QByteArray found = nameless(QAccessible::queryAccessibleInterface(window));
+    const auto menus = window->findChildren<QMenu *>();
+    for (const QMenu *menu : menus) {
+        const auto entries = menu->actions();
+        for (const QAction *entry : entries) {
+            if (entry->isVisible() && !entry->isSeparator() && entry->text().isEmpty())
+                found += menu->metaObject()->className() + QByteArray("/QAction\n");
+        }
+    }
+    return found;
+}
+
 /// Runs `action`, which opens a modal window of type `Window` now or soon, and gives that window to
 /// `visit`, after which it is closed.
 template <typename Window, typename Action, typename Visit> void inModal(Action action, Visit visit)
 {
+    QByteArray unnamed;
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, &poll, [&] {
         const QPointer<Window> window = qobject_cast<Window *>(QApplication::activeModalWidget());
         if (!window)
             return;
         poll.stop();
+        unnamed = namelessIn(window);
         visit(window.data());
         if (window && window->isVisible())
             window->close(); // a failed check left it open
@@ -30,6 +76,7 @@ template <typename Window, typename Action, typename Visit> void inModal(Action 
     poll.start(1);
     action();
     QVERIFY2(QTest::qWaitFor([&poll] { return !poll.isActive(); }), "the window did not come up");
+    QCOMPARE(unnamed, QByteArray());
 }
 
 /// Title and text of the message box that `action` brings up; it is answered with `button`, or with
@@ -82,7 +129,7 @@ inline bool isTarget(const QWidget *widget)
 {
     const auto is = [widget](const char *type) { return widget->inherits(type); };
     return widget->isVisible() && !is("QTableCornerButton")
-        && !widget->objectName().startsWith(QLatin1String("qt_")) // part of another
+        && !widget->objectName().startsWith("qt_"_q) // part of another
         && (is("QAbstractButton") || is("QComboBox") || is("QAbstractSpinBox") || is("QLineEdit"));
 }
 
@@ -113,9 +160,9 @@ inline bool isSeenWhole(const QScrollArea *area)
 }
 
 /// What is too small, nameless, cut off or out of the Tab key's order in `window`, a line each.
-inline QByteArray faults(const QWidget *window)
+inline QByteArray faults(QWidget *window)
 {
-    QByteArray found;
+    QByteArray found = namelessIn(window);
     const auto widgets = window->findChildren<QWidget *>();
     for (const QWidget *widget : widgets) {
         const auto *area = qobject_cast<const QScrollArea *>(widget);
@@ -127,8 +174,6 @@ inline QByteArray faults(const QWidget *window)
             continue;
         if (widget->width() < finger || widget->height() < finger)
             found += line("small: ", widget);
-        if (widget->accessibleName().isEmpty() && widget->property("text").toString().isEmpty())
-            found += line("nameless: ", widget);
     }
     QPoint last;
     for (QWidget *next = window->nextInFocusChain(); next != window;
@@ -152,8 +197,8 @@ inline QByteArray faultsAt(QWidget *window, const QSize &size, const QString &na
     QTest::qWait(0);
     (void)QTest::qWaitFor([window] { return faults(window).isEmpty(); }, 1000);
     const QDir folder(QDir::cleanPath(QStringLiteral(__FILE__ "/../../artefacts/")));
-    const QString picture = QStringLiteral("%1-%2.png").arg(name).arg(size.width());
-    if (!folder.mkpath(QStringLiteral(".")) || !window->grab().save(folder.filePath(picture))
+    const QString picture = "%1-%2.png"_q.arg(name).arg(size.width());
+    if (!folder.mkpath("."_q) || !window->grab().save(folder.filePath(picture))
         || window->size() != size)
         return "does not fit or is not kept: " + name.toUtf8();
     return faults(window);

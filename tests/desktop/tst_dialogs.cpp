@@ -42,7 +42,7 @@ private Q_SLOTS:
     {
         Q_INIT_RESOURCE(icons);
         home = std::make_unique<TestHome>();
-        QCoreApplication::setOrganizationName(QStringLiteral("Quillon-Test"));
+        QCoreApplication::setOrganizationName("Quillon-Test"_q);
         QSettings::setPath(QSettings::NativeFormat, QSettings::UserScope, home->path());
         global = home->profiles->global();
         global->expertMode = true;
@@ -65,11 +65,11 @@ private Q_SLOTS:
             global->lastPage = row;
             open();
             QCOMPARE(dialog->findChild<QStackedWidget *>()->currentIndex(), row);
-            SmallScreens::check(dialog.get(), QStringLiteral("settings-%1").arg(row));
+            SmallScreens::check(dialog.get(), "settings-%1"_q.arg(row));
         }
         turnTo(0); // where rights of everyone overrule two of the boxes
         const auto detail = [](QDialog *asking) {
-            SmallScreens::check(asking, QStringLiteral("rights-of-everyone"));
+            SmallScreens::check(asking, "rights-of-everyone"_q);
             click(asking, "Rights in detail");
             click(asking, "Read files");
             click(asking, "OK");
@@ -77,7 +77,7 @@ private Q_SLOTS:
         inModal<QDialog>([this] { click(page(), "Rights of everyone"); }, detail);
         QCOMPARE(rightsText(*applied()->everyone), QByteArray("see, add, change, delete"));
         QVERIFY(!named<QWidget>(page(), "Enable upload")->isEnabled());
-        SmallScreens::check(dialog.get(), QStringLiteral("settings-0-rights"));
+        SmallScreens::check(dialog.get(), "settings-0-rights"_q);
         const auto back = [](QDialog *asking) {
             click(asking, "Rights in detail");
             click(asking, "OK");
@@ -111,7 +111,7 @@ private Q_SLOTS:
             }
         }
         retype(named<QWidget>(page(), "Password:"), "secret");
-        const QString file = home->path() + QLatin1String("/new.key");
+        const QString file = home->path() + "/new.key"_q;
         writeFile(file, {});
         for (const char *button : { "Browse for the private key", "Browse for the public key" })
             inModal<QFileDialog>([&] { click(page(), button); },
@@ -121,7 +121,7 @@ private Q_SLOTS:
                                  });
         QCOMPARE(applied()->privateKeyFile, file);
         QCOMPARE(applied()->publicKeyFile, file);
-        QCOMPARE(applied()->keyPassword, QStringLiteral("secret"));
+        QCOMPARE(applied()->keyPassword, "secret"_q);
     }
 
     void editsUsers()
@@ -135,19 +135,18 @@ private Q_SLOTS:
             QCOMPARE(applied()->authMode, mode);
             QCOMPARE(password->isVisible(), mode == AuthPasswordPage);
             QCOMPARE(table->isVisible(), mode == AuthBasic);
-            SmallScreens::check(dialog.get(), QStringLiteral("settings-1-%1").arg(mode));
+            SmallScreens::check(dialog.get(), "settings-1-%1"_q.arg(mode));
         }
         QCOMPARE(password->echoMode(), QLineEdit::Password);
-        QVERIFY(!table->item(0, 1)->text().contains(QLatin1String("pass")));
+        QVERIFY(!table->item(0, 1)->text().contains("pass"_q));
         click(page(), "Show passwords");
-        QCOMPARE(table->item(0, 1)->text(), QStringLiteral("pass:word"));
-        table->item(1, 1)->setData(Qt::EditRole, QStringLiteral("x"));
+        QCOMPARE(table->item(0, 1)->text(), "pass:word"_q);
+        table->item(1, 1)->setData(Qt::EditRole, "x"_q);
         const auto addUser = [](QDialog *asking) {
-            SmallScreens::check(asking, QStringLiteral("user"));
+            SmallScreens::check(asking, "user"_q);
             QVERIFY(!named<QWidget>(asking, "OK")->isEnabled());
             retype(named<QWidget>(asking, "User"), "c:arl");
-            QCOMPARE(boxText([&] { click(asking, "OK"); }),
-                     QStringLiteral("A user needs a password."));
+            QCOMPARE(boxText([&] { click(asking, "OK"); }), "A user needs a password."_q);
             retype(named<QWidget>(asking, "Password"), "p:q");
             click(asking, "Keep readable for Digest");
             click(asking, "OK");
@@ -155,10 +154,10 @@ private Q_SLOTS:
         inModal<QDialog>([this] { click(page(), "Add user"); }, addUser);
         QCOMPARE(applied()->users, words("anna:pass:word bert:x carl:p:q"));
         table->editItem(table->item(2, 0)); // a name can't be taken away
-        auto *editor = table->viewport()->findChild<QLineEdit *>();
+        auto *editor = named<QLineEdit>(table->viewport(), "User");
         editor->clear();
         QTest::keyClick(editor, Qt::Key_Return);
-        QCOMPARE(table->item(2, 0)->text(), QStringLiteral("carl"));
+        QCOMPARE(table->item(2, 0)->text(), "carl"_q);
         table->setCurrentCell(1, 0);
         click(page(), "Remove user");
         QCOMPARE(applied()->users, words("anna:pass:word carl:p:q"));
@@ -192,18 +191,18 @@ private Q_SLOTS:
         inModal<QDialog>([this] { click(page(), "Add user"); }, addUser);
         const auto stored = [this] { return accountPassword(applied()->users.at(1)).toLatin1(); };
         QVERIFY(fitsPasswordHash("s", stored()) == true);
-        QCOMPARE(table->item(0, 2)->text(), QStringLiteral("Digest, Basic"));
-        QCOMPARE(table->item(1, 2)->text(), QStringLiteral("Basic"));
+        QCOMPARE(table->item(0, 2)->text(), "Digest, Basic"_q);
+        QCOMPARE(table->item(1, 2)->text(), "Basic"_q);
         table->editItem(table->item(1, 1)); // a new one is hashed too
-        auto *editor = table->viewport()->findChild<QLineEdit *>();
+        auto *editor = named<QLineEdit>(table->viewport(), "Password");
         QVERIFY(editor->text().isEmpty());
-        editor->setText(QStringLiteral("t"));
+        editor->setText("t"_q);
         QTest::keyClick(editor, Qt::Key_Return);
         QTRY_VERIFY(fitsPasswordHash("t", stored()) == true);
 
         table->setCurrentCell(1, 0);
         const auto choose = [](QDialog *asking) {
-            SmallScreens::check(asking, QStringLiteral("rights"));
+            SmallScreens::check(asking, "rights"_q);
             QVERIFY(!named<QWidget>(asking, "Delete files")->isEnabled());
             click(asking, "Rights of its own");
             click(asking, "Delete files");
@@ -211,9 +210,9 @@ private Q_SLOTS:
             click(asking, "OK");
         };
         inModal<QDialog>([this] { click(page(), "Rights and home"); }, choose);
-        table->item(1, 0)->setText(QStringLiteral("dolly"));
+        table->item(1, 0)->setText("dolly"_q);
         const auto rights = applied()->accountRights;
-        QCOMPARE(rights.keys(), QStringList(QStringLiteral("dolly")));
+        QCOMPARE(rights.keys(), QStringList("dolly"_q));
         QCOMPARE(rights.first().home, QByteArray("/d d"));
         QCOMPARE(rightsText(rights.first().rights.value_or(Rights())),
                  QByteArray("see, read, add, change"));
@@ -239,7 +238,7 @@ private Q_SLOTS:
             QCOMPARE(dialog->isVisible(), answer == 2);
         }
         QVERIFY(QFile::exists(global->fileName()));
-        QCOMPARE(Profile(home->directories, QStringLiteral("Global.conf")).showImages, 2);
+        QCOMPARE(Profile(home->directories, "Global.conf"_q).showImages, 2);
         QCOMPARE(global->lastPage, 2);
         open(0);
         click(page(), "Show images");
@@ -249,19 +248,19 @@ private Q_SLOTS:
         open();
         QVERIFY(QDir(home->directories.profiles).removeRecursively());
         const QString told = boxText([this] { click(dialog.get(), "&Close"); });
-        QVERIFY(told.startsWith(QLatin1String("Can't write file: ") + global->fileName()));
+        QVERIFY(told.startsWith("Can't write file: "_q + global->fileName()));
     }
 
     void makesTakesAndRemovesProfiles()
     {
-        home->writeProfile(QStringLiteral("broken.cnf"), {});
+        home->writeProfile("broken.cnf"_q, {});
         for (const char *name : { "", "a/b", "..", ".work", "  ", "a\nb", "Default", "broken" })
             QVERIFY(!ProfileDialog::refusal(*home->profiles, QLatin1String(name)).isEmpty());
         QVERIFY(!ProfileDialog::refusal(*home->profiles, QString(101, QChar(0xe4))).isEmpty());
         auto item = std::make_unique<Item>();
         item->used = global;
         show<ProfileDialog>(home->profiles.get(), item.get(), nullptr);
-        SmallScreens::check(dialog.get(), QStringLiteral("profile"));
+        SmallScreens::check(dialog.get(), "profile"_q);
         const auto name = [this](const char *button, const char *typed) {
             const auto answer = [typed](QDialog *asking) {
                 if (*typed != '\0')
@@ -276,10 +275,10 @@ private Q_SLOTS:
         name("Duplicate profile", ""); // as proposed
         QCOMPARE(home->profiles->count(), 3);
         boxText([this] { click(dialog.get(), "Remove profile"); });
-        dialog->findChild<QComboBox *>()->setCurrentText(QStringLiteral("work"));
+        dialog->findChild<QComboBox *>()->setCurrentText("work"_q);
         QVERIFY(!boxText([&] { name("Rename profile", "Default"); }).isEmpty());
         name("Rename profile", "work 1");
-        QCOMPARE(dialog->findChild<QComboBox *>()->currentText(), QStringLiteral("work 1"));
+        QCOMPARE(dialog->findChild<QComboBox *>()->currentText(), "work 1"_q);
         QCOMPARE(home->profiles->count(), 2);
         Profile *made = home->profiles->at(1);
         const QString file = made->fileName();
@@ -289,9 +288,9 @@ private Q_SLOTS:
         show<ProfileDialog>(home->profiles.get(), item.get(), nullptr);
         const auto remove = [this] { click(dialog.get(), "Remove profile"); };
         made->useCount = 1;
-        QCOMPARE(boxText(remove), QStringLiteral("Used config profile is not removable."));
+        QCOMPARE(boxText(remove), "Used config profile is not removable."_q);
         made->useCount = 0;
-        QVERIFY(boxText(remove, QMessageBox::No).contains(QLatin1String("work 1")));
+        QVERIFY(boxText(remove, QMessageBox::No).contains("work 1"_q));
         QVERIFY(QFile::exists(file));
         boxText(remove);
         QVERIFY(!QFile::exists(file));
@@ -304,23 +303,23 @@ private Q_SLOTS:
     void takesTheStoredLook()
     {
         QSettings settings;
-        settings.setValue(QStringLiteral("windows/Cbtext"), QColor(Qt::red));
-        settings.setValue(QStringLiteral("Fsize"), 17);
+        settings.setValue("windows/Cbtext"_q, QColor(Qt::red));
+        settings.setValue("Fsize"_q, 17);
         Look().takeStored();
         QCOMPARE(QApplication::font(), font); // without a style nothing counts
-        settings.setValue(QStringLiteral("style"), QStringLiteral("windows"));
+        settings.setValue("style"_q, "windows"_q);
         Look look;
         look.takeStored();
-        QCOMPARE(Look::currentStyle(), QStringLiteral("windows"));
+        QCOMPARE(Look::currentStyle(), "windows"_q);
         QCOMPARE(shown(QPalette::ButtonText), QColor(Qt::red));
         QVERIFY(QApplication::palette().color(QPalette::Disabled, QPalette::ButtonText)
                 != QColor(Qt::red));
         QCOMPARE(QApplication::font().pointSize(), 17);
         QVERIFY(look.apply({}, QApplication::font())); // without colours those of the desktop
-        QVERIFY(!settings.contains(QStringLiteral("windows/Cwbase")));
+        QVERIFY(!settings.contains("windows/Cwbase"_q));
         QVERIFY(shown(QPalette::ButtonText) != QColor(Qt::red));
-        settings.setValue(QStringLiteral("Fsize"), 4000); // past all use
-        settings.setValue(QStringLiteral("style"), QStringLiteral("no such style"));
+        settings.setValue("Fsize"_q, 4000); // past all use
+        settings.setValue("style"_q, "no such style"_q);
         Look().takeStored();
         QCOMPARE(QApplication::font().pointSize(), 17);
     }
@@ -351,11 +350,11 @@ private Q_SLOTS:
         const auto chooseStyle = [this](const char *name) {
             turnTo(0);
             auto *styles = page()->findChild<QComboBox *>();
-            styles->addItem(QStringLiteral("nosuch"));
+            styles->addItem("nosuch"_q);
             styles->setCurrentText(QLatin1String(name));
         };
         const auto chooseColor = [](QDialog *chooser) {
-            SmallScreens::check(chooser, QStringLiteral("color"));
+            SmallScreens::check(chooser, "color"_q);
             retype(named<QWidget>(chooser, "Color:"), "#12");
             QVERIFY(!named<QWidget>(chooser, "OK")->isEnabled());
             retype(named<QWidget>(chooser, "Color:"), "#0000ff");
@@ -364,7 +363,7 @@ private Q_SLOTS:
         for (bool applied : { false, true }) {
             show<LookDialog>(&look, nullptr);
             chooseStyle("windows");
-            QCOMPARE(Look::currentStyle(), QStringLiteral("windows"));
+            QCOMPARE(Look::currentStyle(), "windows"_q);
             turnTo(2);
             retype(named<QWidget>(page(), "Size:"), "25"); // the 5 is refused, the 2 too small
             turnTo(1);
@@ -378,11 +377,13 @@ private Q_SLOTS:
         }
         look = Look(); // of a program that came up with this style
         show<LookDialog>(&look, nullptr);
-        SmallScreens::check(dialog.get(), QStringLiteral("look-2")); // the last page again
-        QVERIFY(boxText([&] { turnTo(1); }).endsWith(QLatin1String("with windows style.")));
-        SmallScreens::check(dialog.get(), QStringLiteral("look-1"));
-        QVERIFY(boxText([&] { chooseStyle("nosuch"); }).startsWith(QLatin1String("nosuch style")));
-        SmallScreens::check(dialog.get(), QStringLiteral("look-0"));
+        SmallScreens::check(dialog.get(), "look-2"_q); // the last page again
+        QVERIFY(boxText([&] { turnTo(1); }).endsWith("with windows style."_q));
+        SmallScreens::check(dialog.get(), "look-1"_q);
+        QVERIFY(boxText([&] { chooseStyle("nosuch"); }).startsWith("nosuch style"_q));
+        SmallScreens::check(dialog.get(), "look-0"_q);
+        turnTo(3);
+        SmallScreens::check(dialog.get(), "look-3"_q);
     }
 
 private:

@@ -1,6 +1,7 @@
 #include "desktop/settings/SettingsDialog.h"
 #include "desktop/widgets/LinkLabel.h"
 #include "desktop/widgets/PageView.h"
+#include "desktop/window/ActivityDialog.h"
 #include "desktop/window/AddressTable.h"
 #include "desktop/window/FileMenu.h"
 #include "desktop/window/PermissionButton.h"
@@ -39,12 +40,11 @@ private Q_SLOTS:
             desktop.addFile(name);
             desktop.panel()->share(desktop.path(name));
         }
-        QVERIFY(desktop.window->findChild<LinkLabel *>()->text().contains(
-            QLatin1String("/res/&lt;b&gt;&amp;")));
+        QVERIFY(desktop.window->findChild<LinkLabel *>()->text().contains("/res/&lt;b&gt;&amp;"_q));
         desktop.panel()->share(desktop.path("res"));
         QCOMPARE(link(), desktop.path("res") + QLatin1Char('/'));
         const QString box = boxText([&] { desktop.panel()->share(desktop.path("<b>")); });
-        QVERIFY(box.endsWith(QLatin1String("/<b>\" not exists!")));
+        QVERIFY(box.endsWith("/<b>\" not exists!"_q));
         action(desktop, desktop.path("res/3").toUtf8().constData())->trigger();
         action(desktop, "expertMode")->trigger();
         desktop.close();
@@ -52,12 +52,10 @@ private Q_SLOTS:
         QVERIFY(action(desktop, "expertMode")->isChecked());
         QCOMPARE(link(), desktop.path("res/3"));
         const QString all = desktop.global()->recentFiles.join(QLatin1Char(' '));
-        QCOMPARE(QString(all).remove(desktop.home.path()),
-                 QStringLiteral("/res/3 /res /res/<b>& /res/4"));
+        QCOMPARE(QString(all).remove(desktop.home.path()), "/res/3 /res /res/<b>& /res/4"_q);
         const QFontMetrics metrics(QApplication::font());
         const int width = metrics.horizontalAdvance(all);
-        QCOMPARE(recentFileLabel(QStringLiteral("/abcd/a&"), metrics, width),
-                 QStringLiteral("/abcd/a&&"));
+        QCOMPARE(recentFileLabel("/abcd/a&"_q, metrics, width), "/abcd/a&&"_q);
         const QString elided = recentFileLabel(all, metrics, width / 2);
         QVERIFY(elided.startsWith(all.left(4)) && elided.endsWith(all.right(4)));
     }
@@ -98,7 +96,7 @@ private Q_SLOTS:
         desktop.addFile("a b/c");
         const auto dropped = [&](const QString &uris) {
             QMimeData data;
-            data.setData(QStringLiteral("text/uri-list"), uris.toUtf8());
+            data.setData("text/uri-list"_q, uris.toUtf8());
             QDragEnterEvent enter(QPoint(), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
                                   Qt::NoModifier);
             QDropEvent drop(QPoint(), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
@@ -107,15 +105,14 @@ private Q_SLOTS:
             QApplication::sendEvent(desktop.window.get(), &drop);
             return enter.isAccepted() && drop.dropAction() == Qt::CopyAction;
         };
-        const QString folder = QLatin1String("file://") + desktop.path("a%20b/");
+        const QString folder = "file://"_q + desktop.path("a%20b/");
         QVERIFY(dropped(folder));
         QCOMPARE(desktop.global()->recentFiles, QStringList(desktop.path("a b")));
-        for (const QString &uris :
-             { folder + QLatin1String("\r\n") + folder, QStringLiteral("http://192.0.2.1/a"),
-               QLatin1String("file://elsewhere") + desktop.path("a%20b/c") })
-            QVERIFY(boxText([&] { dropped(uris); }).startsWith(QLatin1String("Drop one file")));
-        const QString none = QLatin1String("file://") + desktop.path("none");
-        QVERIFY(boxText([&] { dropped(none); }).endsWith(QLatin1String("not exists!")));
+        for (const QString &uris : { folder + "\r\n"_q + folder, "http://192.0.2.1/a"_q,
+                                     "file://elsewhere"_q + desktop.path("a%20b/c") })
+            QVERIFY(boxText([&] { dropped(uris); }).startsWith("Drop one file"_q));
+        const QString none = "file://"_q + desktop.path("none");
+        QVERIFY(boxText([&] { dropped(none); }).endsWith("not exists!"_q));
         QCOMPARE(desktop.global()->recentFiles.size(), 1);
     }
 
@@ -132,7 +129,7 @@ private Q_SLOTS:
             QCOMPARE(address->isVisible(), desktop.row()->isListening());
         }
         desktop.row()->start();
-        const QString open = publicAddressLabel({}, QStringLiteral("192.0.2.7"), 80);
+        const QString open = publicAddressLabel({}, "192.0.2.7"_q, 80);
         desktop.list()->showReach(open);
         QVERIFY(address->linkText() == desktop.row()->url() && label->text().endsWith(open));
         click(desktop.list(), "Copy");
@@ -140,25 +137,23 @@ private Q_SLOTS:
         inModal<QDialog>(
             [&] { click(desktop.list(), "QR code"); },
             [&](QDialog *asking) {
-                SmallScreens::check(asking, QStringLiteral("address"));
+                SmallScreens::check(asking, "address"_q);
                 const auto *facts = named<QLabel>(asking, "What is shared");
                 QVERIFY(facts->text().endsWith(desktop.row()->server()->shared().fileName()));
             });
         desktop.addresses.clear();
         desktop.window->keeper()->lookForChanges();
-        QCOMPARE(label->text(), QStringLiteral("<center><b>Network not found</b></center>"));
+        QCOMPARE(label->text(), "<center><b>Network not found</b></center>"_q);
     }
 
     void permissions()
     {
         Desktop desktop;
         auto *button = desktop.list()->permissionButton();
-        QCOMPARE(button->text(),
-                 QStringLiteral("Visitors may change everything\nReached by everyone"));
+        QCOMPARE(button->text(), "Visitors may change everything\nReached by everyone"_q);
         desktop.row()->start();
         action(desktop, "Look")->trigger();
-        QCOMPARE(button->text().section(QLatin1Char('\n'), 0, 0),
-                 QStringLiteral("Visitors may look"));
+        QCOMPARE(button->text().section(QLatin1Char('\n'), 0, 0), "Visitors may look"_q);
         const Profile stored(desktop.home.directories, QLatin1String(Profile::globalFile));
         QVERIFY(!stored.allowsUpload() && desktop.row()->isListening());
         boxText([&] { action(desktop, "Add only")->trigger(); }, QMessageBox::No);
@@ -166,7 +161,7 @@ private Q_SLOTS:
         desktop.global()->authMode = AuthBasic;
         desktop.global()->everyone = Right::See;
         button->showProfile();
-        QVERIFY(button->text().endsWith(QLatin1String("as set\nWith a name and password")));
+        QVERIFY(button->text().endsWith("as set\nWith a name and password"_q));
         inModal<SettingsDialog>([&] { button->click(); },
                                 [](const SettingsDialog *dialog) {
                                     QCOMPARE(dialog->findChild<PageView *>()->currentRow(), 0);
@@ -180,9 +175,9 @@ private Q_SLOTS:
             QTest::keyClick(desktop.window->focusWidget(), Qt::Key(key), modifiers);
         };
         const auto copied = [] { return QGuiApplication::clipboard()->text(); };
-        QGuiApplication::clipboard()->setText(QStringLiteral("x"));
+        QGuiApplication::clipboard()->setText("x"_q);
         press(Qt::Key_C);
-        QCOMPARE(copied(), QStringLiteral("x"));
+        QCOMPARE(copied(), "x"_q);
         desktop.row(1)->start();
         press(Qt::Key_C);
         QCOMPARE(copied(), desktop.row(1)->url()); // the selected one does not run
@@ -193,13 +188,13 @@ private Q_SLOTS:
         label->setFocus();
         label->setSelection(0, 10);
         press(Qt::Key_C);
-        QCOMPARE(copied(), QStringLiteral("Accessible"));
+        QCOMPARE(copied(), "Accessible"_q);
         desktop.window->keeper()->remove(desktop.row(1));
         press(Qt::Key_F5, {});
         QCOMPARE(desktop.rows()->all().size(), 2);
         desktop.global()->warningMode = Qt::Checked;
         const QString box = boxText([&] { press(Qt::Key_Q); }, QMessageBox::Yes);
-        QVERIFY(box.endsWith(QLatin1String("Do you want to exit?")));
+        QVERIFY(box.endsWith("Do you want to exit?"_q));
         QVERIFY(!desktop.window->isVisible() && desktop.rows()->all().isEmpty());
     }
 
@@ -209,11 +204,11 @@ private Q_SLOTS:
         const auto *table = desktop.list()->table();
         desktop.row()->start();
         QCOMPARE(boxText([&] { QVERIFY(!desktop.window->close()); }, QMessageBox::No),
-                 QStringLiteral("The server is running.\nDo you want to exit?"));
+                 "The server is running.\nDo you want to exit?"_q);
         const auto change = [&] { action(desktop, "expertMode")->trigger(); };
         for (const auto answer : { QMessageBox::No, QMessageBox::Yes }) {
             const bool yes = answer == QMessageBox::Yes;
-            QVERIFY(boxText(change, answer).endsWith(QLatin1String("Do you want to stop?")));
+            QVERIFY(boxText(change, answer).endsWith("Do you want to stop?"_q));
             QCOMPARE(desktop.row()->isListening(), !yes);
             QCOMPARE(action(desktop, "expertMode")->isChecked(), yes);
             QCOMPARE(action(desktop, "reloadPublic")->isVisible(), yes);
@@ -260,17 +255,17 @@ private Q_SLOTS:
         desktop.global()->amend([](Profile &global) { global.warningMode = Qt::Checked; });
         desktop.home.restart();
         const QString root = boxText([&] { desktop.open(true); });
-        QVERIFY(root.startsWith(QLatin1String("The server run as root!\n")));
+        QVERIFY(root.startsWith("The server run as root!\n"_q));
         QVERIFY(boxText([] {}).contains(desktop.path(".quillon/work.cnf.bad\n")));
         QVERIFY(boxText([] {}).endsWith(desktop.path(".quillon/list.ini")));
         const QString end = boxText([&] { desktop.close(); });
-        QVERIFY(end.startsWith(QLatin1String("Can't save the settings\n")));
+        QVERIFY(end.startsWith("Can't save the settings\n"_q));
     }
 
     void messagesQueue()
     {
         EventHandler events;
-        const auto tell = [&](int i) { events.msg(QStringLiteral("title"), QString::number(i)); };
+        const auto tell = [&](int i) { events.msg("title"_q, QString::number(i)); };
         for (int i = 0; i < 3 * EventHandler::maxWaitingBoxes; ++i)
             tell(i / 2);
         QTest::qWait(0); // they wait for the window
@@ -279,9 +274,9 @@ private Q_SLOTS:
         events.showBoxesOver(&window);
         QVERIFY(!QApplication::activeModalWidget()); // never inside the call
         for (int i = 0; i <= EventHandler::maxWaitingBoxes; ++i)
-            QCOMPARE(boxText([] {}), QStringLiteral("title\n%1").arg(i));
+            QCOMPARE(boxText([] {}), "title\n%1"_q.arg(i));
         // The others are dropped, and a text whose box is closed can be shown again.
-        QCOMPARE(boxText([&] { tell(0); }), QStringLiteral("title\n0"));
+        QCOMPARE(boxText([&] { tell(0); }), "title\n0"_q);
     }
 
     void warnsOfOpenAccess()
@@ -289,15 +284,14 @@ private Q_SLOTS:
         Desktop desktop([](Profile &global) { global.warningMode = Qt::Checked; });
         StandIn service;
         service.answer(R"({"status":"success","message":"Port 80 is open on 192.0.2.7."})");
-        QSettings().setValue(QStringLiteral("services/portCheck"), service.base());
+        QSettings().setValue("services/portCheck"_q, service.base());
         desktop.window.reset();
         desktop.window = desktop.makeWindow();
         QTest::qWait(0);
         QVERIFY(service.requests.isEmpty()); // it waits for the window
         const auto ask = [&desktop] {
             const QString text = boxText([&desktop] { desktop.window->show(); }, QMessageBox::Yes);
-            QVERIFY(
-                text.startsWith(QLatin1String("The shared files are accessible for everyone.")));
+            QVERIFY(text.startsWith("The shared files are accessible for everyone."_q));
         };
         inModal<SettingsDialog>(ask, [](const SettingsDialog *dialog) {
             QCOMPARE(dialog->findChild<PageView *>()->currentRow(), 1);
@@ -314,7 +308,7 @@ private Q_SLOTS:
         table->setCurrentCell(1, AddressTable::StatusColumn);
         QTest::keyClick(table, Qt::Key_Return);
         QVERIFY(desktop.row(1)->isListening() && !desktop.row(0)->isListening());
-        QCOMPARE(table->currentItem()->text(), QStringLiteral("Stop 0KB"));
+        QCOMPARE(table->currentItem()->text(), "Stop 0KB"_q);
         desktop.rows()->remove(desktop.row(0));
         QCOMPARE(table->rowCount(), 1);
         QCOMPARE(table->item(0, 0)->text(), desktop.row()->url().mid(7));
@@ -341,7 +335,7 @@ private Q_SLOTS:
         press(Qt::LeftButton, AddressTable::StatusColumn);
         QVERIFY(desktop.rows()->isRunning());
         const auto remove = [&] { desktop.list()->removeRow(); };
-        QVERIFY(boxText(remove, QMessageBox::No).endsWith(QLatin1String("remove it?")));
+        QVERIFY(boxText(remove, QMessageBox::No).endsWith("remove it?"_q));
         desktop.rows()->stopAll();
     }
 
@@ -353,10 +347,16 @@ private Q_SLOTS:
             desktop.addFile(file);
             desktop.panel()->share(desktop.path(file));
             desktop.list()->startButton()->click();
-            desktop.events.newConnection(QStringLiteral("192.0.2.9"));
+            desktop.events.newConnection("192.0.2.9"_q);
             const QString picture = QLatin1String(expert ? "window-expert" : "window-simple");
             SmallScreens::check(desktop.window.get(), picture);
             QCOMPARE(desktop.window->findChild<QScrollArea *>()->verticalScrollBar()->maximum(), 0);
+            if (expert)
+                continue;
+            action(desktop, "activity")->trigger();
+            SmallScreens::check(desktop.window->findChild<ActivityDialog *>(), "activity"_q);
+            inModal<QDialog>([&] { action(desktop, "help")->trigger(); },
+                             [](QDialog *help) { SmallScreens::check(help, "help"_q); });
         }
     }
 };

@@ -26,7 +26,7 @@
 
 namespace {
 
-const QString loopback = QStringLiteral("127.0.0.1");
+const QString loopback = "127.0.0.1"_q;
 constexpr auto openAnswer = R"({"status":"success","message":"Port 80 is open on 192.0.2.7."})";
 
 /// What a `Reachability` says of the rows.
@@ -45,7 +45,7 @@ struct Checked : Rows
 
     static void setService(const char *key, const QString &value)
     {
-        QSettings().setValue(QLatin1String("services/") + QLatin1String(key), value);
+        QSettings().setValue("services/"_q + QLatin1String(key), value);
     }
 
     StandIn service;
@@ -65,7 +65,7 @@ private Q_SLOTS:
     /// By their texts, as the user reads them.
     void visitorsAndTransfers()
     {
-        const QHostAddress phone(QStringLiteral("192.0.2.7"));
+        const QHostAddress phone("192.0.2.7"_q);
         Deed deed{
             { phone, "anna", "Firefox" }, "GET", "a\n\xe2\x80\xaegpj.exe", 200, true, false
         };
@@ -77,25 +77,22 @@ private Q_SLOTS:
         const auto text = [&](int row, int column) {
             return log.index(row, column).data().toString();
         };
-        QCOMPARE(text(0, DeedLog::Event), QStringLiteral("Deletion refused (403)"));
-        QCOMPARE(text(1, DeedLog::Visitor), QStringLiteral("anna (192.0.2.7)"));
-        QCOMPARE(text(1, DeedLog::Event), QStringLiteral("Download, 2 times"));
-        QCOMPARE(text(1, DeedLog::File), QStringLiteral("a\\u000a\\u202egpj.exe"));
+        QCOMPARE(text(0, DeedLog::Event), "Deletion refused (403)"_q);
+        QCOMPARE(text(1, DeedLog::Visitor), "anna (192.0.2.7)"_q);
+        QCOMPARE(text(1, DeedLog::Event), "Download, 2 times"_q);
+        QCOMPARE(text(1, DeedLog::File), "a\\u000a\\u202egpj.exe"_q);
         for (int i = 0; i < DeedLog::maxRows + 9; ++i)
             log.add({ i % 2 ? deed : refused }, QDateTime::currentDateTime());
         QCOMPARE(log.rowCount(), int(DeedLog::maxRows));
 
-        QVERIFY(log.index(0, DeedLog::File)
-                    .data(Qt::ToolTipRole)
-                    .toString()
-                    .contains(QLatin1String("&lt;b")));
+        QVERIFY(log.index(0, DeedLog::File).data(Qt::ToolTipRole).toString().contains("&lt;b"_q));
     }
 
     void logFile()
     {
         const Deed deed{ {}, "GET", "a\nb", 200, true, false };
         const QTemporaryDir folder;
-        const LogFile file(folder.filePath(QStringLiteral("state/log")));
+        const LogFile file(folder.filePath("state/log"_q));
         QVERIFY(file.append(deedLine(deed, QDateTime::currentDateTime())));
         QFile written(file.fileName());
         QVERIFY(written.open(QFile::ReadWrite));
@@ -104,10 +101,10 @@ private Q_SLOTS:
         const QByteArray line = written.readAll();
         QCOMPARE(line.count('\n'), 1);
         const QJsonObject record = QJsonDocument::fromJson(line).object();
-        QCOMPARE(record.value(QStringLiteral("path")).toString().toUtf8(), deed.path);
+        QCOMPARE(record.value("path"_q).toString().toUtf8(), deed.path);
         QVERIFY(written.resize(LogFile::maxSize + 1) && file.append(line));
         QCOMPARE(QFileInfo(file.fileName()).size(), qint64(line.size()));
-        QVERIFY(QFile::exists(file.fileName() + QLatin1String(".1")));
+        QVERIFY(QFile::exists(file.fileName() + ".1"_q));
         // Half a line, of a full disk.
         QVERIFY(QFile::resize(file.fileName(), line.size() - 3) && file.append(line));
         QFile mended(file.fileName());
@@ -119,7 +116,7 @@ private Q_SLOTS:
 
     void visitTables()
     {
-        const Client anna{ QHostAddress(QStringLiteral("192.0.2.7")), "anna", "Firefox" };
+        const Client anna{ QHostAddress("192.0.2.7"_q), "anna", "Firefox" };
         Visit visit{
             1, anna, {}, QDateTime::currentDateTimeUtc(), FileTransfer{ true, 5120, "f", 1024 }
         };
@@ -135,7 +132,7 @@ private Q_SLOTS:
         QStringList shown;
         for (int column = 0; column < table.columnCount(); ++column)
             shown += table.index(0, column).data().toString();
-        QCOMPARE(shown.join(QLatin1Char('|')), QStringLiteral("f|Upload|50 %|2.0 kB/s|0:01"));
+        QCOMPARE(shown.join(QLatin1Char('|')), "f|Upload|50 %|2.0 kB/s|0:01"_q);
         table.show({});
         QCOMPARE(table.rowCount(), 0);
     }
@@ -172,8 +169,7 @@ private Q_SLOTS:
         const TestHome home;
         QVERIFY(!DesktopChoices::stored().startsAtLogin && DesktopChoices::stored().notifies);
         QVERIFY((DesktopChoices{ true, true, false }).store());
-        QFile entry(home.path()
-                    + QLatin1String("/.config/autostart/example.quillon.Quillon.desktop"));
+        QFile entry(home.path() + "/.config/autostart/example.quillon.Quillon.desktop"_q);
         QVERIFY(entry.open(QFile::ReadOnly));
         QVERIFY(entry.readAll().contains(
             "Exec=\"" + QCoreApplication::applicationFilePath().toUtf8() + "\" --start\n"));
@@ -205,18 +201,18 @@ private Q_SLOTS:
         device.row()->setPort(other.serverPort());
         device.row()->start();
         const QString said = device.sink.messages.takeFirst();
-        QVERIFY(said.startsWith(QLatin1String("Unable to start the server\n")));
-        QVERIFY(said.endsWith(QStringLiteral("\n127.0.0.1:%1").arg(other.serverPort())));
+        QVERIFY(said.startsWith("Unable to start the server\n"_q));
+        QVERIFY(said.endsWith("\n127.0.0.1:%1"_q.arg(other.serverPort())));
 
         // A profile that can't be read gives no protection, until somebody has chosen its values.
         device.addFile(".quillon/work.cnf", "junk");
         device.reopen();
-        Profile *work = device.home.profiles->find(QStringLiteral("work"));
+        Profile *work = device.home.profiles->find("work"_q);
         device.row()->useProfile(work);
         device.row()->setPort(freePort());
         device.row()->start();
         QVERIFY(!device.row()->isListening());
-        QVERIFY(device.sink.messages.takeFirst().endsWith(QLatin1String(".quillon/work.cnf")));
+        QVERIFY(device.sink.messages.takeFirst().endsWith(".quillon/work.cnf"_q));
         QVERIFY(work->save());
         device.row()->start();
         QVERIFY(device.row()->isListening());
@@ -283,7 +279,7 @@ private Q_SLOTS:
     void languages()
     {
         const TestHome home;
-        const QString all = home.directories.resources + QLatin1String("lang/");
+        const QString all = home.directories.resources + "lang/"_q;
         for (const char *each : { "de_DE", "fr_CA", "fr_FR" })
             QVERIFY(QDir(all).mkpath(QLatin1String(each)));
         for (const auto &[locale, folder] :
@@ -305,12 +301,12 @@ private Q_SLOTS:
             QVERIFY(!device.rows->current() && !device.keeper->hasNetwork());
             device.rows->startOrStop();
             QCOMPARE(device.sink.messages.size(), 1); // that there is nothing to start
-            device.addresses = QStringList{ loopback, QStringLiteral("127.0.0.2") };
+            device.addresses = QStringList{ loopback, "127.0.0.2"_q };
             device.keeper->lookForChanges();
             QCOMPARE(device.rows->current()->url() + device.shared(), url + device.path("res"));
             QVERIFY(device.row(0)->isListening());
             QCOMPARE(device.row(1)->isListening(), !expert); // it rested when the first one ran
-            device.addresses.append(QStringLiteral("127.0.0.3"));
+            device.addresses.append("127.0.0.3"_q);
             device.keeper->lookForChanges();
             QVERIFY(device.row(2)->isListening());
             device.keeper->remove(device.row(2));
@@ -323,7 +319,7 @@ private Q_SLOTS:
             device.addresses.append(loopback);
             device.keeper->lookForChanges();
             QVERIFY(!device.rows->isRunning());
-            device.addresses.append(QStringLiteral("127.0.0.2"));
+            device.addresses.append("127.0.0.2"_q);
             device.keeper->loadLocal();
             QCOMPARE(device.rows->all().size(), 2);
             device.keeper->remove(device.row(1));
@@ -369,8 +365,7 @@ private Q_SLOTS:
         for (const char *key :
              { "len", "0/port", "1/port", "1/cnf", "1/address", "2/port", "2/address" })
             values.append(file.value(QLatin1String(key)).toString());
-        QCOMPARE(values.join(QLatin1Char(' ')),
-                 QStringLiteral("3 7002 7001 Default  7003 127.0.0.1"));
+        QCOMPARE(values.join(QLatin1Char(' ')), "3 7002 7001 Default  7003 127.0.0.1"_q);
     }
 
     void savedRow_data()
@@ -393,15 +388,14 @@ private Q_SLOTS:
             global.expertMode = expert;
             global.port = 8080;
         });
-        device.home.storeProfile(QStringLiteral("work"));
+        device.home.storeProfile("work"_q);
         QVERIFY(device.keeper->end());
         device.addFile(".quillon/list.ini", "[0]\n" + saved + '\n');
         device.home.restart();
         device.open();
         const ServerRow *row = device.row();
         QCOMPARE(device.rows->all().size(), 1);
-        QTEST(QStringLiteral("%1 %2 %3")
-                  .arg(row->profile()->name)
+        QTEST("%1 %2 %3"_q.arg(row->profile()->name)
                   .arg(row->server()->port)
                   .arg(device.sink.messages.size())
                   .toUtf8(),
@@ -412,30 +406,30 @@ private Q_SLOTS:
     void rowsFollowARenamedProfile()
     {
         Rows device({}, 1);
-        device.home.storeProfile(QStringLiteral("work"));
+        device.home.storeProfile("work"_q);
         device.reopen();
-        Profile *work = device.home.profiles->find(QStringLiteral("work"));
+        Profile *work = device.home.profiles->find("work"_q);
         device.row()->useProfile(work);
         device.row()->start();
-        QVERIFY(device.home.profiles->rename(work, QStringLiteral("play")));
-        device.keeper->followRename(QStringLiteral("work"), QStringLiteral("play"));
+        QVERIFY(device.home.profiles->rename(work, "play"_q));
+        device.keeper->followRename("work"_q, "play"_q);
         QVERIFY(device.row()->isListening());
         QCOMPARE(device.row()->profile(), work);
         device.addresses.clear(); // one that is away is kept by its name too
         device.keeper->lookForChanges();
-        QVERIFY(device.home.profiles->rename(work, QStringLiteral("rest")));
-        device.keeper->followRename(QStringLiteral("play"), QStringLiteral("rest"));
-        device.addresses.append(QStringLiteral("127.0.0.1"));
+        QVERIFY(device.home.profiles->rename(work, "rest"_q));
+        device.keeper->followRename("play"_q, "rest"_q);
+        device.addresses.append("127.0.0.1"_q);
         device.keeper->lookForChanges();
         QCOMPARE(device.row()->profile(), work);
         device.reopen();
-        QCOMPARE(device.row()->profile()->name, QStringLiteral("rest"));
+        QCOMPARE(device.row()->profile()->name, "rest"_q);
     }
 
     void loginIsNotLostUnseen()
     {
         Rows device(inExpertMode());
-        const QString work = QStringLiteral("work");
+        const QString work = "work"_q;
         device.home.storeProfile(work, [](Profile &profile) { profile.authMode = AuthBasic; });
         device.reopen();
         device.row()->useProfile(device.home.profiles->find(work));
@@ -498,13 +492,12 @@ private Q_SLOTS:
         QVERIFY(device.row()->isListening() && device.row()->server()->isTlsReady());
 
         // As after a move: for nothing of today. New connections get the renewed one.
-        const QString moved = QStringLiteral(
+        const QString moved =
             "cd \"$0\" && openssl req -new -key \"$1\" -subj /CN=old | openssl x509 -req "
             "-set_serial 7 "
-            "-CA authority.crt -CAkey authority.key -out old && cat old authority.crt > \"$2\"");
-        QCOMPARE(QProcess::execute(
-                     QStringLiteral("sh"),
-                     QStringList{ QStringLiteral("-c"), moved, device.path(".quillon") } + files),
+            "-CA authority.crt -CAkey authority.key -out old && cat old authority.crt > \"$2\""_q;
+        QCOMPARE(QProcess::execute("sh"_q,
+                                   QStringList{ "-c"_q, moved, device.path(".quillon") } + files),
                  0);
         device.row()->stop();
         device.row()->server()->reloadKeys();
@@ -528,7 +521,7 @@ private Q_SLOTS:
     {
         const TestHome home;
         const QString folder = home.directories.profiles;
-        writeFile(folder + QLatin1String("window.socket"), "left by a crash");
+        writeFile(folder + "window.socket"_q, "left by a crash");
         auto first = std::make_unique<FirstInstance>(folder);
         QVERIFY(!first->handOver({}));
         QStringList called;
@@ -536,15 +529,15 @@ private Q_SLOTS:
             called << request.path + QLatin1String(request.startsRows ? " starts" : "");
         });
         QLocalSocket silent;
-        silent.connectToServer(folder + QLatin1String("window.socket"));
+        silent.connectToServer(folder + "window.socket"_q);
         QVERIFY(silent.waitForConnected());
         std::thread other([&folder] {
-            FirstInstance(folder).handOver({ QStringLiteral("/a b\n/ü"), true });
+            FirstInstance(folder).handOver({ "/a b\n/ü"_q, true });
             FirstInstance(folder).handOver({});
         });
         QTRY_COMPARE(called.size(), 2);
         other.join();
-        QCOMPARE(called, QStringList({ QStringLiteral("/a b\n/ü starts"), QString() }));
+        QCOMPARE(called, QStringList({ "/a b\n/ü starts"_q, QString() }));
         QTRY_COMPARE(silent.state(), QLocalSocket::UnconnectedState);
         first.reset();
         QVERIFY(!FirstInstance(folder).handOver({}));
@@ -554,16 +547,16 @@ private Q_SLOTS:
     {
         const auto read = [](const char *words) {
             return readCommandLine(
-                QStringLiteral("quillon %1").arg(QLatin1String(words)).split(QLatin1Char(' ')));
+                "quillon %1"_q.arg(QLatin1String(words)).split(QLatin1Char(' ')));
         };
         const CommandLine all = read("root --start /a");
         QVERIFY(all.rootMode && all.request.startsRows && all.mistake.isEmpty());
-        QCOMPARE(all.request.path, QStringLiteral("/a"));
-        QCOMPARE(read("./root").request.path, QDir::current().filePath(QStringLiteral("root")));
+        QCOMPARE(all.request.path, "/a"_q);
+        QCOMPARE(read("./root").request.path, QDir::current().filePath("root"_q));
         for (const char *words : { "--share a", "-reverse", "--start=no", "a b", "" })
             QVERIFY2(!read(words).mistake.isEmpty() && read(words).information.isEmpty(), words);
-        QVERIFY(read("-reverse --help").information.contains(QLatin1String("--start")));
-        QVERIFY(read("--version").information.startsWith(QLatin1String("Quillon ")));
+        QVERIFY(read("-reverse --help").information.contains("--start"_q));
+        QVERIFY(read("--version").information.startsWith("Quillon "_q));
     }
 
     void ports()
@@ -574,8 +567,8 @@ private Q_SLOTS:
         };
         device.row(0)->setPort(7001);
         device.row(1)->setPort(7002);
-        QVERIFY(refusal(65536, nullptr).contains(QLatin1String("65535")));
-        QVERIFY(refusal(7001, nullptr).contains(QLatin1String("7001")));
+        QVERIFY(refusal(65536, nullptr).contains("65535"_q));
+        QVERIFY(refusal(7001, nullptr).contains("7001"_q));
         QVERIFY(refusal(7001, device.row(0)).isEmpty() && refusal(7002, nullptr).isEmpty());
     }
 
@@ -600,7 +593,7 @@ private Q_SLOTS:
     void editedProfileReachesItsRows()
     {
         Rows device(inExpertMode(), 2);
-        Profile *work = device.home.profiles->duplicate(device.global(), QStringLiteral("work"));
+        Profile *work = device.home.profiles->duplicate(device.global(), "work"_q);
         device.row(1)->useProfile(work);
         const std::unique_ptr<Profile> copy = work->clone();
         copy->dataLimit = 77;
@@ -608,21 +601,21 @@ private Q_SLOTS:
         device.rows->profileEdited(copy.get());
         QCOMPARE(device.row(1)->server()->dataLimitBytes(), qint64(77 * 1024));
         QVERIFY(device.global()->dataLimit == 0 && work->dataLimit == 77);
-        QVERIFY(device.row(1)->url().startsWith(QLatin1String("https://127.0.0.2:")));
+        QVERIFY(device.row(1)->url().startsWith("https://127.0.0.2:"_q));
     }
 
     void texts()
     {
-        QCOMPARE(publicAddressLabel(QStringLiteral("me"), QStringLiteral("a"), 80),
-                 QStringLiteral("<centcer>Public addresses: me , a</center>"));
-        QCOMPARE(publicAddressLabel(QStringLiteral("%1<b>"), QStringLiteral("a"), 81),
-                 QStringLiteral("<center>Public addresses: %1&lt;b&gt;:81 , a:81</center>"));
+        QCOMPARE(publicAddressLabel("me"_q, "a"_q, 80),
+                 "<centcer>Public addresses: me , a</center>"_q);
+        QCOMPARE(publicAddressLabel("%1<b>"_q, "a"_q, 81),
+                 "<center>Public addresses: %1&lt;b&gt;:81 , a:81</center>"_q);
     }
 
     void portCheck_data()
     {
         columnsOf<QByteArray, QString, int>("body", "label", "counted");
-        const QString open = QStringLiteral("<center>Public addresses: 192.0.2.7:%1</center>");
+        const QString open = "<center>Public addresses: 192.0.2.7:%1</center>"_q;
         const auto row = [](const char *name, const QByteArray &body, const QString &label) {
             const int counted = qMin(int(body.size()), WebServices::maxAnswerBytes);
             QTest::newRow(name) << body << label << (label.isEmpty() ? 0 : counted);
@@ -643,7 +636,7 @@ private Q_SLOTS:
         const int port = device.row()->server()->port;
         device.reach.loadPublic();
         QTRY_COMPARE(device.finished, 1);
-        QCOMPARE(device.label, QString(label).replace(QLatin1String("%1"), QString::number(port)));
+        QCOMPARE(device.label, QString(label).replace("%1"_q, QString::number(port)));
         QTEST(int(device.row()->server()->receivedBytes()), "counted");
         const QByteArray request = device.service.requests.constFirst();
         QVERIFY(request.startsWith(
@@ -651,7 +644,7 @@ private Q_SLOTS:
         // A port known to be open is not checked again while its server listens.
         device.row()->start();
         device.reach.loadPublic();
-        QTRY_COMPARE(device.finished, label.contains(QLatin1String("Public")) ? 1 : 2);
+        QTRY_COMPARE(device.finished, label.contains("Public"_q) ? 1 : 2);
     }
 
     void noAnswer()
@@ -663,7 +656,7 @@ private Q_SLOTS:
                 device.service.close();
             device.reach.webServices()->setTimeout(std::chrono::milliseconds(100));
             device.reach.loadPublic();
-            QTRY_COMPARE(device.told, QStringLiteral("No internet connection"));
+            QTRY_COMPARE(device.told, "No internet connection"_q);
         }
     }
 
@@ -672,7 +665,7 @@ private Q_SLOTS:
         for (const QByteArray status : { "200 OK", "403 Forbidden", "302 Found" }) {
             const bool updated = status.startsWith("200");
             Checked device;
-            device.global()->dnsUser = device.global()->dnsPassword = QStringLiteral("a#b +c");
+            device.global()->dnsUser = device.global()->dnsPassword = "a#b +c"_q;
             device.global()->dnsEnabled = Qt::Checked;
             StandIn elsewhere;
             // What stands in the head of the page does not count.
@@ -686,7 +679,7 @@ private Q_SLOTS:
                 "GET /cgi-bin/dynip.cgi?username=a%23b%20+c&password=a%23b%20+c HTTP/1.1\r\n"));
             QVERIFY(elsewhere.requests.isEmpty());
             QCOMPARE(device.pages, updated ? 0 : 1);
-            QVERIFY(!device.told.contains(QLatin1String("a#b")));
+            QVERIFY(!device.told.contains("a#b"_q));
         }
     }
 };

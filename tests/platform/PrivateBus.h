@@ -12,11 +12,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-inline QString operator""_q(const char *text, std::size_t size)
-{
-    return QString::fromUtf8(text, int(size));
-}
-
 /// A bus with nobody on it but who is brought along. It could start Avahi, which then shows.
 struct PrivateBus
 {

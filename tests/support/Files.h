@@ -4,6 +4,11 @@
 #include <QFile>
 #include <QTest>
 
+inline QString operator""_q(const char *text, std::size_t size)
+{
+    return QString::fromUtf8(text, int(size));
+}
+
 /// Makes `path` hold `content`, in folders that are made; fails the test when that can't be.
 inline void writeFile(const QString &path, const QByteArray &content)
 {
