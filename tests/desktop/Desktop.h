@@ -61,9 +61,27 @@ struct Device
     }
 
     Profile *global() const { return home.profiles->global(); }
+    ServerRow *row(int index = 0) const { return rows->at(index); }
+
+    /// Gives the device these addresses.
+    void move(const QStringList &now)
+    {
+        addresses = now;
+        keeper->lookForChanges();
+    }
+
+    /// Changes the global profile, or another one, as the settings do.
+    void edit(const Prepare &change, const Profile *profile = nullptr) const
+    {
+        const std::unique_ptr<Profile> copy = (profile ? profile : global())->clone();
+        change(*copy);
+        rows->profileEdited(copy.get());
+    }
 
     TestHome home;
     QStringList addresses; ///< of the device; `lookForChanges` takes changes in
+    RowKeeper *keeper = nullptr;
+    ServerRows *rows = nullptr;
 };
 
 /// `Device::Prepare` for expert mode, on or off.
@@ -83,7 +101,8 @@ struct Rows : Device
 
     void open()
     {
-        keeper = std::make_unique<RowKeeper>(home.profiles.get(), engine.setup(), source());
+        owned = std::make_unique<RowKeeper>(home.profiles.get(), engine.setup(), source());
+        keeper = owned.get();
         rows = keeper->rows();
     }
 
@@ -95,13 +114,19 @@ struct Rows : Device
         open();
     }
 
-    ServerRow *row(int index = 0) const { return rows->at(index); }
+    /// Starts the first row, and gives what is said when that can't be.
+    QString refusal()
+    {
+        sink.messages.clear();
+        row()->start();
+        return row()->isListening() ? QString() : sink.messages.value(0);
+    }
+
     QString shared() const { return row()->server()->shared().filePath(); }
 
     RecordingSink sink;
     Engine engine{ classicFaces(fileRoutes()), home.directories, &sink, nullptr };
-    std::unique_ptr<RowKeeper> keeper;
-    ServerRows *rows = nullptr;
+    std::unique_ptr<RowKeeper> owned;
 };
 
 /// The whole program but its `main`.
@@ -115,16 +140,18 @@ struct Desktop : Device
 
     void open(bool rootMode = false)
     {
-        window = makeWindow(rootMode);
+        makeWindow(rootMode);
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window.get()));
     }
 
     /// Not shown yet.
-    std::unique_ptr<MainWindow> makeWindow(bool rootMode = false)
+    void makeWindow(bool rootMode = false)
     {
-        return std::make_unique<MainWindow>(home.profiles.get(), &look, &events, engine.setup(),
-                                            rootMode, source());
+        window = std::make_unique<MainWindow>(home.profiles.get(), &look, &events, engine.setup(),
+                                              rootMode, source());
+        keeper = window->keeper();
+        rows = window->rows();
     }
 
     /// Closes the window in order and lets it go; the next run begins.
@@ -135,8 +162,6 @@ struct Desktop : Device
         home.restart();
     }
 
-    ServerRows *rows() const { return window->rows(); }
-    ServerRow *row(int index = 0) const { return window->rows()->at(index); }
     AddressList *list() const { return window->addressList(); }
     RowPanel *panel() const { return window->rowPanel(); }
 

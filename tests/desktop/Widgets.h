@@ -212,3 +212,23 @@ inline void check(QWidget *window, const QString &name)
 }
 
 } // namespace SmallScreens
+
+/// Does what is listed in the dialog that `action` brings up: buttons are clicked, and "field=text"
+/// is typed. With the name of a picture the dialog is tried on small screens before.
+template <typename Action>
+void fillIn(Action action, std::initializer_list<QByteArray> steps, const QString &picture = {})
+{
+    inModal<QDialog>(action, [&](QDialog *dialog) {
+        if (!picture.isEmpty())
+            SmallScreens::check(dialog, picture);
+        for (const QByteArray &step : steps) {
+            QVERIFY(dialog->isVisible());
+            const auto end = step.indexOf('=');
+            if (end < 0)
+                click(dialog, step.constData());
+            else
+                retype(named<QWidget>(dialog, step.left(end).constData()),
+                       step.constData() + end + 1);
+        }
+    });
+}

@@ -68,21 +68,12 @@ private Q_SLOTS:
             SmallScreens::check(dialog.get(), "settings-%1"_q.arg(row));
         }
         turnTo(0); // where rights of everyone overrule two of the boxes
-        const auto detail = [](QDialog *asking) {
-            SmallScreens::check(asking, "rights-of-everyone"_q);
-            click(asking, "Rights in detail");
-            click(asking, "Read files");
-            click(asking, "OK");
-        };
-        inModal<QDialog>([this] { click(page(), "Rights of everyone"); }, detail);
+        const auto ask = [this] { click(page(), "Rights of everyone"); };
+        fillIn(ask, { "Rights in detail", "Read files", "OK" }, "rights-of-everyone"_q);
         QCOMPARE(rightsText(*applied()->everyone), QByteArray("see, add, change, delete"));
         QVERIFY(!named<QWidget>(page(), "Enable upload")->isEnabled());
         SmallScreens::check(dialog.get(), "settings-0-rights"_q);
-        const auto back = [](QDialog *asking) {
-            click(asking, "Rights in detail");
-            click(asking, "OK");
-        };
-        inModal<QDialog>([this] { click(page(), "Rights of everyone"); }, back);
+        fillIn(ask, { "Rights in detail", "OK" });
         QVERIFY(!applied()->everyone && named<QWidget>(page(), "Enable upload")->isEnabled());
         global->expertMode = false;
         open(); // there is no such row now, the first one is shown
@@ -142,25 +133,37 @@ private Q_SLOTS:
         click(page(), "Show passwords");
         QCOMPARE(table->item(0, 1)->text(), "pass:word"_q);
         table->item(1, 1)->setData(Qt::EditRole, "x"_q);
-        const auto addUser = [](QDialog *asking) {
-            SmallScreens::check(asking, "user"_q);
-            QVERIFY(!named<QWidget>(asking, "OK")->isEnabled());
-            retype(named<QWidget>(asking, "User"), "c:arl");
-            QCOMPARE(boxText([&] { click(asking, "OK"); }), "A user needs a password."_q);
-            retype(named<QWidget>(asking, "Password"), "p:q");
-            click(asking, "Keep readable for Digest");
-            click(asking, "OK");
-        };
-        inModal<QDialog>([this] { click(page(), "Add user"); }, addUser);
+        const auto add = [this] { click(page(), "Add user"); };
+        const auto refusal = [&] { fillIn(add, { "User=dora", "OK" }, "user"_q); };
+        QCOMPARE(boxText(refusal), "A user needs a password."_q);
+        fillIn(add, { "Password=p:q", "OK", "User=c:arl", "Keep readable for Digest", "OK" });
         QCOMPARE(applied()->users, words("anna:pass:word bert:x carl:p:q"));
-        table->editItem(table->item(2, 0)); // a name can't be taken away
-        auto *editor = named<QLineEdit>(table->viewport(), "User");
-        editor->clear();
-        QTest::keyClick(editor, Qt::Key_Return);
+        retypeCell(2, 0, {}); // a name can't be taken away
         QCOMPARE(table->item(2, 0)->text(), "carl"_q);
         table->setCurrentCell(1, 0);
         click(page(), "Remove user");
         QCOMPARE(applied()->users, words("anna:pass:word carl:p:q"));
+
+        fillIn(add, { "User=dora", "Password=s", "OK" });
+        const auto stored = [this] { return accountPassword(applied()->users.at(2)).toLatin1(); };
+        QVERIFY(fitsPasswordHash("s", stored()) == true);
+        QCOMPARE(table->item(1, 2)->text(), "Digest, Basic"_q);
+        QCOMPARE(table->item(2, 2)->text(), "Basic"_q);
+        retypeCell(2, 1, "t"_q); // a new one is hashed too
+        QTRY_VERIFY(fitsPasswordHash("t", stored()) == true);
+        table->setCurrentCell(2, 0);
+        fillIn([this] { click(page(), "Rights and home"); },
+               { "Delete files", "Rights of its own", "Delete files",
+                 "Home folder in the share=d d", "OK" },
+               "rights"_q);
+        table->item(2, 0)->setText("dolly"_q);
+        const auto rights = applied()->accountRights;
+        QCOMPARE(rights.keys(), QStringList("dolly"_q));
+        QCOMPARE(rights.first().home, QByteArray("/d d"));
+        QCOMPARE(rightsText(rights.first().rights.value_or(Rights())),
+                 QByteArray("see, read, add, change"));
+        click(page(), "Remove user");
+        QVERIFY(applied()->accountRights.isEmpty());
     }
 
     void keepsAPasswordHashed()
@@ -171,53 +174,11 @@ private Q_SLOTS:
         auto *password = named<QLineEdit>(page(), "Password:");
         QVERIFY(password->text().isEmpty());
         retype(password, "new");
-        QVERIFY(fitsPasswordHash("new", applied()->password.toLatin1()) == true);
-        retype(password, "x");
-        QTest::keyClick(password, Qt::Key_Backspace);
-        QVERIFY(fitsPasswordHash("new", applied()->password.toLatin1()) == true);
-    }
-
-    void editsRightsOfUsers()
-    {
-        global->authMode = AuthBasic;
-        global->users = words("anna:pass");
-        open(1);
-        auto *table = page()->findChild<QTableWidget *>();
-        const auto addUser = [](QDialog *asking) {
-            retype(named<QWidget>(asking, "User"), "dora");
-            retype(named<QWidget>(asking, "Password"), "s");
-            click(asking, "OK");
-        };
-        inModal<QDialog>([this] { click(page(), "Add user"); }, addUser);
-        const auto stored = [this] { return accountPassword(applied()->users.at(1)).toLatin1(); };
-        QVERIFY(fitsPasswordHash("s", stored()) == true);
-        QCOMPARE(table->item(0, 2)->text(), "Digest, Basic"_q);
-        QCOMPARE(table->item(1, 2)->text(), "Basic"_q);
-        table->editItem(table->item(1, 1)); // a new one is hashed too
-        auto *editor = named<QLineEdit>(table->viewport(), "Password");
-        QVERIFY(editor->text().isEmpty());
-        editor->setText("t"_q);
-        QTest::keyClick(editor, Qt::Key_Return);
-        QTRY_VERIFY(fitsPasswordHash("t", stored()) == true);
-
-        table->setCurrentCell(1, 0);
-        const auto choose = [](QDialog *asking) {
-            SmallScreens::check(asking, "rights"_q);
-            QVERIFY(!named<QWidget>(asking, "Delete files")->isEnabled());
-            click(asking, "Rights of its own");
-            click(asking, "Delete files");
-            retype(named<QWidget>(asking, "Home folder in the share"), "d d");
-            click(asking, "OK");
-        };
-        inModal<QDialog>([this] { click(page(), "Rights and home"); }, choose);
-        table->item(1, 0)->setText("dolly"_q);
-        const auto rights = applied()->accountRights;
-        QCOMPARE(rights.keys(), QStringList("dolly"_q));
-        QCOMPARE(rights.first().home, QByteArray("/d d"));
-        QCOMPARE(rightsText(rights.first().rights.value_or(Rights())),
-                 QByteArray("see, read, add, change"));
-        click(page(), "Remove user");
-        QVERIFY(applied()->accountRights.isEmpty());
+        for (const char *then : { "typed", "and emptied again" }) {
+            QVERIFY2(fitsPasswordHash("new", applied()->password.toLatin1()) == true, then);
+            retype(password, "x");
+            QTest::keyClick(password, Qt::Key_Backspace);
+        }
     }
 
     void savesHoweverItIsClosed()
@@ -226,24 +187,19 @@ private Q_SLOTS:
         open(0);
         click(page(), "Show images"); // but not applied
         turnTo(2);
-        // Buttons in their order: Apply, Discard, and Cancel, which Escape presses.
-        for (const int answer : { 2, 1 }) {
-            const auto choose = [answer](QMessageBox *box) {
-                if (answer == 2)
-                    QTest::keyClick(box, Qt::Key_Escape);
-                else
-                    click(box, "&Discard");
-            };
-            inModal<QMessageBox>([this] { QTest::keyClick(dialog.get(), Qt::Key_Escape); }, choose);
-            QCOMPARE(dialog->isVisible(), answer == 2);
+        const auto escape = [this] { QTest::keyClick(dialog.get(), Qt::Key_Escape); };
+        for (const bool discards : { false, true }) {
+            inModal<QMessageBox>(escape, [discards](QMessageBox *box) {
+                discards ? click(box, "&Discard") : QTest::keyClick(box, Qt::Key_Escape);
+            });
+            QCOMPARE(dialog->isVisible(), !discards);
         }
         QVERIFY(QFile::exists(global->fileName()));
         QCOMPARE(Profile(home->directories, "Global.conf"_q).showImages, 2);
         QCOMPARE(global->lastPage, 2);
         open(0);
         click(page(), "Show images");
-        const auto apply = [](QMessageBox *box) { click(box, "&Apply"); };
-        inModal<QMessageBox>([this] { dialog->close(); }, apply);
+        fillIn([this] { dialog->close(); }, { "&Apply" });
         QCOMPARE(global->showImages, 0);
         open();
         QVERIFY(QDir(home->directories.profiles).removeRecursively());
@@ -261,18 +217,13 @@ private Q_SLOTS:
         item->used = global;
         show<ProfileDialog>(home->profiles.get(), item.get(), nullptr);
         SmallScreens::check(dialog.get(), "profile"_q);
-        const auto name = [this](const char *button, const char *typed) {
-            const auto answer = [typed](QDialog *asking) {
-                if (*typed != '\0')
-                    retype(named<QWidget>(asking, "Profile name"), typed);
-                QTest::keyClick(asking, Qt::Key_Return);
-            };
-            inModal<QDialog>([&] { click(dialog.get(), button); }, answer);
+        const auto name = [this](const char *button, const QByteArray &typed) {
+            fillIn([&] { click(dialog.get(), button); }, { "Profile name=" + typed, "OK" });
         };
         for (const char *button : { "New profile", "Rename profile", "Duplicate profile" })
             QVERIFY(!boxText([&] { name(button, "../evil"); }).isEmpty());
         name("New profile", "work");
-        name("Duplicate profile", ""); // as proposed
+        fillIn([this] { click(dialog.get(), "Duplicate profile"); }, { "OK" }); // as proposed
         QCOMPARE(home->profiles->count(), 3);
         boxText([this] { click(dialog.get(), "Remove profile"); });
         dialog->findChild<QComboBox *>()->setCurrentText("work"_q);
@@ -353,13 +304,6 @@ private Q_SLOTS:
             styles->addItem("nosuch"_q);
             styles->setCurrentText(QLatin1String(name));
         };
-        const auto chooseColor = [](QDialog *chooser) {
-            SmallScreens::check(chooser, "color"_q);
-            retype(named<QWidget>(chooser, "Color:"), "#12");
-            QVERIFY(!named<QWidget>(chooser, "OK")->isEnabled());
-            retype(named<QWidget>(chooser, "Color:"), "#0000ff");
-            QTest::keyClick(chooser, Qt::Key_Return);
-        };
         for (bool applied : { false, true }) {
             show<LookDialog>(&look, nullptr);
             chooseStyle("windows");
@@ -367,7 +311,8 @@ private Q_SLOTS:
             turnTo(2);
             retype(named<QWidget>(page(), "Size:"), "25"); // the 5 is refused, the 2 too small
             turnTo(1);
-            inModal<QDialog>([&] { click(page(), "Text"); }, chooseColor);
+            fillIn([&] { click(page(), "Text"); }, { "Color:=#12", "OK", "Color:=#0000ff", "OK" },
+                   "color"_q);
             turnTo(2);
             click(dialog.get(), applied ? "&Apply" : "&Cancel");
             QTest::keyClick(dialog.get(), Qt::Key_Escape);
@@ -392,6 +337,16 @@ private:
     QWidget *page() const { return dialog->findChild<QStackedWidget *>()->currentWidget(); }
     void turnTo(int row) const { dialog->findChild<QListWidget *>()->setCurrentRow(row); }
     static QColor shown(QPalette::ColorRole role) { return QApplication::palette().color(role); }
+
+    void retypeCell(int row, int column, const QString &text) const
+    {
+        auto *table = page()->findChild<QTableWidget *>();
+        table->editItem(table->item(row, column));
+        auto *editor = named<QLineEdit>(table->viewport(), column == 0 ? "User" : "Password");
+        QVERIFY(column == 0 || editor->text().isEmpty());
+        editor->setText(text);
+        QTest::keyClick(editor, Qt::Key_Return);
+    }
 
     template <typename Dialog, typename... Arguments> void show(Arguments... arguments)
     {

@@ -66,15 +66,15 @@ private Q_SLOTS:
         desktop.addFile("a");
         boxText([&] { desktop.window->call({ desktop.path("none"), true }); });
         QTest::qWait(0);
-        QVERIFY(!desktop.rows()->isRunning()); // with what was shared before
+        QVERIFY(!desktop.rows->isRunning()); // with what was shared before
         for (const char *run : { "starts", "goes on" }) {
             desktop.window->call({ desktop.path("a"), true });
             QTest::qWait(0);
-            QVERIFY2(desktop.rows()->isRunning(), run);
+            QVERIFY2(desktop.rows->isRunning(), run);
         }
         QCOMPARE(desktop.window->findChild<LinkLabel *>()->linkText(), desktop.path("a"));
 
-        desktop.rows()->stopAll();
+        desktop.rows->stopAll();
         desktop.panel()->share(desktop.home.path());
         QSettings().clear(); // nobody has agreed to that yet
         const auto start = [&] { desktop.window->call({ {}, true }); };
@@ -87,7 +87,7 @@ private Q_SLOTS:
             QVERIFY(button->width() >= button->sizeHint().width());
             box->button(QMessageBox::Cancel)->click();
         });
-        QVERIFY(!desktop.rows()->isRunning());
+        QVERIFY(!desktop.rows->isRunning());
     }
 
     void drop()
@@ -97,10 +97,9 @@ private Q_SLOTS:
         const auto dropped = [&](const QString &uris) {
             QMimeData data;
             data.setData("text/uri-list"_q, uris.toUtf8());
-            QDragEnterEvent enter(QPoint(), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
-                                  Qt::NoModifier);
-            QDropEvent drop(QPoint(), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
-                            Qt::NoModifier);
+            const auto offered = Qt::CopyAction | Qt::MoveAction;
+            QDragEnterEvent enter({}, offered, &data, Qt::LeftButton, Qt::NoModifier);
+            QDropEvent drop({}, offered, &data, Qt::LeftButton, Qt::NoModifier);
             QApplication::sendEvent(desktop.window.get(), &enter);
             QApplication::sendEvent(desktop.window.get(), &drop);
             return enter.isAccepted() && drop.dropAction() == Qt::CopyAction;
@@ -141,8 +140,7 @@ private Q_SLOTS:
                 const auto *facts = named<QLabel>(asking, "What is shared");
                 QVERIFY(facts->text().endsWith(desktop.row()->server()->shared().fileName()));
             });
-        desktop.addresses.clear();
-        desktop.window->keeper()->lookForChanges();
+        desktop.move({});
         QCOMPARE(label->text(), "<center><b>Network not found</b></center>"_q);
     }
 
@@ -189,13 +187,13 @@ private Q_SLOTS:
         label->setSelection(0, 10);
         press(Qt::Key_C);
         QCOMPARE(copied(), "Accessible"_q);
-        desktop.window->keeper()->remove(desktop.row(1));
+        desktop.keeper->remove(desktop.row(1));
         press(Qt::Key_F5, {});
-        QCOMPARE(desktop.rows()->all().size(), 2);
+        QCOMPARE(desktop.rows->all().size(), 2);
         desktop.global()->warningMode = Qt::Checked;
         const QString box = boxText([&] { press(Qt::Key_Q); }, QMessageBox::Yes);
         QVERIFY(box.endsWith("Do you want to exit?"_q));
-        QVERIFY(!desktop.window->isVisible() && desktop.rows()->all().isEmpty());
+        QVERIFY(!desktop.window->isVisible() && desktop.rows->all().isEmpty());
     }
 
     void questionsBeforeAStop()
@@ -228,19 +226,16 @@ private Q_SLOTS:
             QTRY_COMPARE(desktop.row()->server()->connectionCount(), 1);
             desktop.row()->server()->addReceivedBytes(1000000);
             const auto stop = [&] {
-                if (byTable)
-                    Q_EMIT desktop.list()->table()->cellChosen(0, AddressTable::StatusColumn);
-                else
-                    click(desktop.panel(), "Stop");
+                byTable ? desktop.list()->table()->cellChosen(0, AddressTable::StatusColumn)
+                        : click(desktop.panel(), "Stop");
             };
             const QPointer<ServerRow> row = desktop.row();
             inModal<QMessageBox>(stop, [&](QMessageBox *box) {
-                desktop.addresses.clear();
-                desktop.window->keeper()->lookForChanges();
+                desktop.move({});
                 QTRY_VERIFY(!row);
                 box->button(QMessageBox::Yes)->click();
             });
-            QVERIFY(desktop.rows()->all().isEmpty());
+            QVERIFY(desktop.rows->all().isEmpty());
         }
     }
 
@@ -286,7 +281,7 @@ private Q_SLOTS:
         service.answer(R"({"status":"success","message":"Port 80 is open on 192.0.2.7."})");
         QSettings().setValue("services/portCheck"_q, service.base());
         desktop.window.reset();
-        desktop.window = desktop.makeWindow();
+        desktop.makeWindow();
         QTest::qWait(0);
         QVERIFY(service.requests.isEmpty()); // it waits for the window
         const auto ask = [&desktop] {
@@ -304,16 +299,16 @@ private Q_SLOTS:
         AddressTable *table = desktop.list()->table();
         table->setFocus();
         QTest::keyClick(table, Qt::Key_Down);
-        QCOMPARE(desktop.rows()->current(), desktop.row(1));
+        QCOMPARE(desktop.rows->current(), desktop.row(1));
         table->setCurrentCell(1, AddressTable::StatusColumn);
         QTest::keyClick(table, Qt::Key_Return);
         QVERIFY(desktop.row(1)->isListening() && !desktop.row(0)->isListening());
         QCOMPARE(table->currentItem()->text(), "Stop 0KB"_q);
-        desktop.rows()->remove(desktop.row(0));
+        desktop.rows->remove(desktop.row(0));
         QCOMPARE(table->rowCount(), 1);
         QCOMPARE(table->item(0, 0)->text(), desktop.row()->url().mid(7));
         QTest::keyClick(table, Qt::Key_Space);
-        QVERIFY(!desktop.rows()->isRunning());
+        QVERIFY(!desktop.rows->isRunning());
 
         table->setCurrentCell(0, AddressTable::AddressColumn);
         QTest::keyClick(table, Qt::Key_Return);
@@ -322,21 +317,21 @@ private Q_SLOTS:
 
         // A finger or the left button, and released where it was pressed.
         const auto press = [table](Qt::MouseButton button, int column) {
-            const QPoint end =
-                table->visualRect(table->model()->index(0, AddressTable::StatusColumn)).center();
-            const QPoint begin = table->visualRect(table->model()->index(0, column)).center();
-            QTest::mousePress(table->viewport(), button, {}, begin);
-            QTest::mouseRelease(table->viewport(), button, {}, end);
+            const auto middle = [table](int of) {
+                return table->visualRect(table->model()->index(0, of)).center();
+            };
+            QTest::mousePress(table->viewport(), button, {}, middle(column));
+            QTest::mouseRelease(table->viewport(), button, {}, middle(AddressTable::StatusColumn));
         };
         press(Qt::RightButton, AddressTable::StatusColumn);
         press(Qt::LeftButton, AddressTable::ConfigColumn);
-        QVERIFY(!desktop.rows()->isRunning());
+        QVERIFY(!desktop.rows->isRunning());
         desktop.list()->findChild<QMenu *>()->close();
         press(Qt::LeftButton, AddressTable::StatusColumn);
-        QVERIFY(desktop.rows()->isRunning());
+        QVERIFY(desktop.rows->isRunning());
         const auto remove = [&] { desktop.list()->removeRow(); };
         QVERIFY(boxText(remove, QMessageBox::No).endsWith("remove it?"_q));
-        desktop.rows()->stopAll();
+        desktop.rows->stopAll();
     }
 
     void fitsSmallScreens()
