@@ -60,9 +60,31 @@ private Q_SLOTS:
         QVERIFY(elided.startsWith(all.left(4)) && elided.endsWith(all.right(4)));
     }
 
-    void anotherStart()
+    void takesWhatItIsGiven()
     {
         Desktop desktop;
+        desktop.addFile("a b/c");
+        const auto dropped = [&](const QString &uris) {
+            QMimeData data;
+            data.setData("text/uri-list"_q, uris.toUtf8());
+            const auto offered = Qt::CopyAction | Qt::MoveAction;
+            QDragEnterEvent enter({}, offered, &data, Qt::LeftButton, Qt::NoModifier);
+            QDropEvent drop({}, offered, &data, Qt::LeftButton, Qt::NoModifier);
+            QApplication::sendEvent(desktop.window.get(), &enter);
+            QApplication::sendEvent(desktop.window.get(), &drop);
+            return enter.isAccepted() && drop.dropAction() == Qt::CopyAction;
+        };
+        const QString folder = "file://"_q + desktop.path("a%20b/");
+        QVERIFY(dropped(folder));
+        QCOMPARE(desktop.global()->recentFiles, QStringList(desktop.path("a b")));
+        for (const QString &uris : { folder + "\r\n"_q + folder, "http://192.0.2.1/a"_q,
+                                     "file://elsewhere"_q + desktop.path("a%20b/c") })
+            QVERIFY(boxText([&] { dropped(uris); }).startsWith("Drop one file"_q));
+        const QString none = "file://"_q + desktop.path("none");
+        QVERIFY(boxText([&] { dropped(none); }).endsWith("not exists!"_q));
+        QCOMPARE(desktop.global()->recentFiles.size(), 1);
+
+        // By another start.
         desktop.addFile("a");
         boxText([&] { desktop.window->call({ desktop.path("none"), true }); });
         QTest::qWait(0);
@@ -90,47 +112,18 @@ private Q_SLOTS:
         QVERIFY(!desktop.rows->isRunning());
     }
 
-    void drop()
+    void address()
     {
         Desktop desktop;
-        desktop.addFile("a b/c");
-        const auto dropped = [&](const QString &uris) {
-            QMimeData data;
-            data.setData("text/uri-list"_q, uris.toUtf8());
-            const auto offered = Qt::CopyAction | Qt::MoveAction;
-            QDragEnterEvent enter({}, offered, &data, Qt::LeftButton, Qt::NoModifier);
-            QDropEvent drop({}, offered, &data, Qt::LeftButton, Qt::NoModifier);
-            QApplication::sendEvent(desktop.window.get(), &enter);
-            QApplication::sendEvent(desktop.window.get(), &drop);
-            return enter.isAccepted() && drop.dropAction() == Qt::CopyAction;
-        };
-        const QString folder = "file://"_q + desktop.path("a%20b/");
-        QVERIFY(dropped(folder));
-        QCOMPARE(desktop.global()->recentFiles, QStringList(desktop.path("a b")));
-        for (const QString &uris : { folder + "\r\n"_q + folder, "http://192.0.2.1/a"_q,
-                                     "file://elsewhere"_q + desktop.path("a%20b/c") })
-            QVERIFY(boxText([&] { dropped(uris); }).startsWith("Drop one file"_q));
-        const QString none = "file://"_q + desktop.path("none");
-        QVERIFY(boxText([&] { dropped(none); }).endsWith("not exists!"_q));
-        QCOMPARE(desktop.global()->recentFiles.size(), 1);
-    }
-
-    void startButton()
-    {
-        Desktop desktop;
-        QPushButton *button = desktop.list()->startButton();
         const QLabel *label = desktop.list()->statusLabel();
-        const auto *address = desktop.list()->findChild<LinkLabel *>();
+        const auto *link = desktop.list()->findChild<LinkLabel *>();
         QCOMPARE(label->text(), Reachability::localText());
-        for (const char *text : { "Stop", "Start" }) {
-            QTest::keyClick(button, Qt::Key_Space);
-            QCOMPARE(button->text(), QLatin1String(text));
-            QCOMPARE(address->isVisible(), desktop.row()->isListening());
-        }
+        QVERIFY(!link->isVisible());
         desktop.row()->start();
+        QVERIFY(link->isVisible());
         const QString open = publicAddressLabel({}, "192.0.2.7"_q, 80);
         desktop.list()->showReach(open);
-        QVERIFY(address->linkText() == desktop.row()->url() && label->text().endsWith(open));
+        QVERIFY(link->linkText() == desktop.row()->url() && label->text().endsWith(open));
         click(desktop.list(), "Copy");
         QCOMPARE(QGuiApplication::clipboard()->text(), desktop.row()->url());
         inModal<QDialog>(
@@ -217,10 +210,8 @@ private Q_SLOTS:
     void rowVanishesUnderItsQuestion()
     {
         for (const bool byTable : { false, true }) {
-            Desktop desktop([](Profile &global) {
-                global.expertMode = true;
-                global.warningMode = Qt::Checked;
-            });
+            Desktop desktop(inExpertMode());
+            desktop.global()->warningMode = Qt::Checked;
             desktop.row()->start();
             const RawClient client(desktop.row()->server()->port);
             QTRY_COMPARE(desktop.row()->server()->connectionCount(), 1);

@@ -179,6 +179,23 @@ private Q_SLOTS:
         QCOMPARE(device.refusal(), QString());
     }
 
+    void lostContentStopsItsRow()
+    {
+        Rows device;
+        device.addFile("disk/a.txt");
+        device.keeper->share(device.path("disk"));
+        device.keeper->share(device.path("none"));
+        QCOMPARE(device.shared(), device.path("disk")); // nothing has changed
+        device.reopen();
+        QVERIFY(QFile::rename(device.path("disk"), device.path("away")));
+        device.reopen();
+        QCOMPARE(device.shared(), device.home.path());
+        QVERIFY(device.refusal().startsWith(QLatin1Char('"') + device.path("disk")));
+        device.reopen(); // what was chosen is not forgotten
+        QVERIFY(QFile::rename(device.path("away"), device.path("disk")));
+        QVERIFY(device.refusal().isEmpty() && device.shared() == device.path("disk"));
+    }
+
     void openHomeIsAskedFor()
     {
         Rows device({}, 2);
@@ -211,34 +228,6 @@ private Q_SLOTS:
             QVERIFY2(asked == 3 && device.row(1)->isListening(), run);
             device.rows->stopAll();
         }
-    }
-
-    void lostContentStopsItsRow()
-    {
-        Rows device;
-        device.addFile("disk/a.txt");
-        device.keeper->share(device.path("disk"));
-        device.keeper->share(device.path("none"));
-        QCOMPARE(device.shared(), device.path("disk")); // nothing has changed
-        device.reopen();
-        QVERIFY(QFile::rename(device.path("disk"), device.path("away")));
-        device.reopen();
-        QCOMPARE(device.shared(), device.home.path());
-        QVERIFY(device.refusal().startsWith(QLatin1Char('"') + device.path("disk")));
-        device.reopen(); // what was chosen is not forgotten
-        QVERIFY(QFile::rename(device.path("away"), device.path("disk")));
-        QVERIFY(device.refusal().isEmpty() && device.shared() == device.path("disk"));
-    }
-
-    void languages()
-    {
-        const TestHome home;
-        const QString all = home.directories.resources + "lang/"_q;
-        for (const QString &each : { "de_DE"_q, "fr_CA"_q, "fr_FR"_q })
-            QVERIFY(QDir(all).mkpath(each));
-        for (const auto &[locale, folder] :
-             { std::pair("fr_CA"_q, "fr_CA"_q), { "de_AT"_q, "de_DE"_q }, { "den_CA"_q, "C"_q } })
-            QCOMPARE(QDir(languageFolder(all, locale)).dirName(), folder);
     }
 
     void addressComesAndGoes()
@@ -479,15 +468,23 @@ private Q_SLOTS:
         QVERIFY(!FirstInstance(folder).handOver({}));
     }
 
-    void commandLine()
+    void startUp()
     {
+        const TestHome home;
+        const QString all = home.directories.resources + "lang/"_q;
+        for (const QString &each : { "de_DE"_q, "fr_CA"_q, "fr_FR"_q })
+            QVERIFY(QDir(all).mkpath(each));
+        for (const auto &[locale, folder] :
+             { std::pair("fr_CA"_q, "fr_CA"_q), { "de_AT"_q, "de_DE"_q }, { "den_CA"_q, "C"_q } })
+            QCOMPARE(QDir(languageFolder(all, locale)).dirName(), folder);
+
         const auto read = [](const char *words) {
             return readCommandLine(
                 "quillon %1"_q.arg(QLatin1String(words)).split(QLatin1Char(' ')));
         };
-        const CommandLine all = read("root --start /a");
-        QVERIFY(all.rootMode && all.request.startsRows && all.mistake.isEmpty());
-        QCOMPARE(all.request.path, "/a"_q);
+        const CommandLine whole = read("root --start /a");
+        QVERIFY(whole.rootMode && whole.request.startsRows && whole.mistake.isEmpty());
+        QCOMPARE(whole.request.path, "/a"_q);
         QCOMPARE(read("./root").request.path, QDir::current().filePath("root"_q));
         for (const char *words : { "--share a", "-reverse", "--start=no", "a b", "" })
             QVERIFY2(!read(words).mistake.isEmpty() && read(words).information.isEmpty(), words);
