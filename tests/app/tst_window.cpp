@@ -126,7 +126,7 @@ void TestWindow::sharesFromAKeyPressToTheEnd()
     login.answers.clear(); // which hold what it gave
     QVERIFY(taken < longFile && !isClosed(told));
     visitor.abort();
-    QTRY_VERIFY_WITH_TIMEOUT(isClosed(told), 8000);
+    QVERIFY(QTest::qWaitFor([&told] { return isClosed(told); }, 8000));
 
     xdotool(press);
     QCOMPARE(avahi.takenUpTo("Free"_q), "Free"_q);
