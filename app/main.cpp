@@ -24,6 +24,8 @@
 
 namespace {
 
+constexpr auto glChoice = "QT_XCB_GL_INTEGRATION"; ///< read by the toolkit before its first window
+
 enum ExitStatus { Done = 0, Failed = 1, WrongUsage = 2 };
 
 /// Prints what is asked for instead of a start; false when nothing is. Needs no display.
@@ -83,6 +85,8 @@ int main(int argc, char **argv)
     if (printsInformation(argc, argv))
         return Done;
     Q_INIT_RESOURCE(icons);
+    // No window here needs OpenGL, whose drivers take more memory than the rest of the program.
+    const bool leavesOutGl = !qEnvironmentVariableIsSet(glChoice) && qputenv(glChoice, "none");
     QApplication app(argc, argv);
     QApplication::setDesktopFileName(QStringLiteral("example.quillon.Quillon"));
     const CommandLine line = readCommandLine(QApplication::arguments());
@@ -119,6 +123,8 @@ int main(int argc, char **argv)
     QObject::connect(&first, &FirstInstance::called, &window, &MainWindow::call);
     endWithTheSession(&app, &window);
     window.call(line.request);
+    if (leavesOutGl)
+        qunsetenv(glChoice); // browsers that are opened do need it
     const int status = QApplication::exec();
     window.endInOrder();
     return status;
