@@ -46,6 +46,8 @@ KeyTool::KeyTool(const QString &certificate, QObject *parent)
 KeyTool::~KeyTool()
 {
     tool.disconnect(this);
+    // Until it has become the tool it would take the signal as this program does: for its own end.
+    tool.waitForStarted();
     tool.terminate();
     tool.waitForFinished(int(lastWords.count()));
 }
