@@ -215,7 +215,9 @@ private Q_SLOTS:
         QVERIFY(asked == 1 && !device.rows->isRunning());
         answer = StartAnswer::LookAgain;
         device.rows->startOrStop();
-        QVERIFY(asked == 2 && device.row(1)->isListening());
+        QCOMPARE(asked, 2);
+        QVERIFY2(device.row(1)->isListening(),
+                 qPrintable(device.sink.messages.join(QLatin1Char(' '))));
         device.rows->stopAll();
         device.keeper->share(device.home.path());
         answer = StartAnswer::Yes;
