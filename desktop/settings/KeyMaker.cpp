@@ -73,6 +73,15 @@ QString certificateFingerprint(const QString &file)
     return shownFingerprint(KeyMaker::tr("Fingerprint (SHA-256): %1"), certificate);
 }
 
+QString authorityFingerprint(const QString &file)
+{
+    const QSslCertificate authority = authorityOf(file);
+    if (authority.isNull())
+        return {};
+    return shownFingerprint(KeyMaker::tr("Fingerprint of this computer's authority (SHA-256): %1"),
+                            authority);
+}
+
 QString certificateFacts(const QString &file)
 {
     const QSslCertificate certificate = certificateIn(file);
@@ -83,9 +92,7 @@ QString certificateFacts(const QString &file)
     names.removeDuplicates();
     QStringList facts{ shownFingerprint(KeyMaker::tr("Fingerprint (SHA-256): %1"), certificate),
                        KeyMaker::tr("Names: %1").arg(names.join(QLatin1String(", "))) };
-    const QSslCertificate authority = authorityOf(file);
-    if (!authority.isNull())
-        facts += shownFingerprint(
-            KeyMaker::tr("Fingerprint of this computer's authority (SHA-256): %1"), authority);
+    if (const QString authority = authorityFingerprint(file); !authority.isEmpty())
+        facts += authority;
     return facts.join(QLatin1Char('\n'));
 }

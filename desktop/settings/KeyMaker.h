@@ -36,6 +36,9 @@ private:
 /// there is none.
 QString certificateFingerprint(const QString &file);
 
+/// That of this machine's authority, if it has signed the certificate in `file`, in the same way.
+QString authorityFingerprint(const QString &file);
+
 /// What a user compares of the certificate in `file`: its SHA-256 fingerprint, the names that it is
 /// for, and the fingerprint of this machine's authority if that has signed it; translated, a line
 /// each. Empty when there is none.

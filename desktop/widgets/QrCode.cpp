@@ -26,12 +26,18 @@ QImage drawn(const qrcodegen::QrCode &code)
 
 } // namespace
 
-QrCode::QrCode(const QString &text)
-    : picture(drawn(
-        qrcodegen::QrCode::encodeText(text.toUtf8().constData(), qrcodegen::QrCode::Ecc::MEDIUM)))
+QrCode::QrCode()
 {
-    setAccessibleName(tr("QR code: %1").arg(text));
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+}
+
+void QrCode::encode(const QString &text)
+{
+    picture = drawn(
+        qrcodegen::QrCode::encodeText(text.toUtf8().constData(), qrcodegen::QrCode::Ecc::MEDIUM));
+    setAccessibleName(tr("QR code: %1").arg(text));
+    updateGeometry();
+    update();
 }
 
 QSize QrCode::sizeHint() const

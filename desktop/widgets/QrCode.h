@@ -10,8 +10,10 @@ class QrCode : public QWidget
     Q_OBJECT
 
 public:
+    QrCode();
+
     /// `text` has room in a code, as every address has. Screen readers say it.
-    explicit QrCode(const QString &text);
+    void encode(const QString &text);
 
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;

@@ -15,28 +15,30 @@ namespace {
 constexpr QSize usualSize(640, 480);
 constexpr int smallScreen = 600; // pixels of the shorter edge
 
-QLabel *newText(const QString &text, const QString &name)
+/// Read out as it stands, so it has no other name.
+QLabel *newText()
 {
-    auto *label = new QLabel(text);
+    auto *label = new QLabel;
     label->setTextFormat(Qt::PlainText);
     label->setWordWrap(true);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    label->setAccessibleName(name);
     return label;
 }
 
 } // namespace
 
-AddressDialog::AddressDialog(const QString &url, const QString &facts, QWidget *parent)
+AddressDialog::AddressDialog(const AddressCard &share, const std::optional<AddressCard> &authority,
+                             QWidget *parent)
     : QDialog(parent)
     , halves(new QBoxLayout(QBoxLayout::TopToBottom, this))
+    , picture(new QrCode)
+    , address(newText())
+    , facts(newText())
 {
     setWindowTitle(tr("Address"));
-    QLabel *address = newText(url, tr("Address"));
     QFont large = address->font();
     large.setBold(true);
     address->setFont(large);
-    address->setWordWrap(false);
     QPushButton *close = newButton(tr("&Close"));
     close->setDefault(true);
     connect(close, &QPushButton::clicked, this, &QDialog::accept);
@@ -44,16 +46,31 @@ AddressDialog::AddressDialog(const QString &url, const QString &facts, QWidget *
     auto *words = new QVBoxLayout;
     words->addStretch();
     words->addWidget(address);
-    words->addWidget(newText(facts, tr("What is shared")));
+    words->addWidget(facts);
     words->addStretch();
+    if (authority) {
+        QPushButton *trust = newButton(tr("Trust this computer"));
+        trust->setCheckable(true);
+        words->addWidget(trust);
+        connect(trust, &QPushButton::toggled, this,
+                [this, share, authority](bool on) { turnTo(on ? *authority : share); });
+    }
     words->addWidget(close);
-    halves->addWidget(new QrCode(url), 1);
+    halves->addWidget(picture, 1);
     halves->addLayout(words);
+    turnTo(share);
 
     fitToScreen(this, usualSize);
     const QSize room = screen()->size();
     if (qMin(room.width(), room.height()) < smallScreen)
         setWindowState(Qt::WindowFullScreen);
+}
+
+void AddressDialog::turnTo(const AddressCard &card)
+{
+    picture->encode(card.url);
+    address->setText(card.url);
+    facts->setText(card.facts);
 }
 
 void AddressDialog::resizeEvent(QResizeEvent *event)

@@ -6,6 +6,7 @@
 #include "desktop/widgets/LinkLabel.h"
 #include "desktop/window/AddressDialog.h"
 #include "desktop/window/ServerRow.h"
+#include "server/Authority.h"
 
 #include <QDesktopServices>
 #include <QEvent>
@@ -38,6 +39,20 @@ QString wordFor(LinkKind kind)
         break;
     }
     return {};
+}
+
+/// Where other devices come to trust the certificate; none when our authority has not signed it.
+std::optional<AddressCard> authorityCard(const ServerRow &row)
+{
+    const QString fingerprint =
+        row.profile()->usesTls() ? authorityFingerprint(row.profile()->publicKeyFile) : QString();
+    if (fingerprint.isEmpty())
+        return {};
+    return AddressCard{ row.url() + QLatin1Char('/') + QLatin1String(authorityPagePath),
+                        AddressHero::tr("Once on each device: open this page, and install the "
+                                        "certificate that it offers if the device shows the same "
+                                        "fingerprint of it. Browsers don't warn from then on.")
+                            + QLatin1Char('\n') + fingerprint };
 }
 
 } // namespace
@@ -150,5 +165,5 @@ void AddressHero::showPicture()
         tr("Shared: %1").arg(fontMetrics().elidedText(name, Qt::ElideMiddle, longestShareName));
     if (row->profile()->usesTls())
         facts += QLatin1Char('\n') + certificateFingerprint(row->profile()->publicKeyFile);
-    AddressDialog(row->url(), facts, window()).exec();
+    AddressDialog({ row->url(), facts }, authorityCard(*row), window()).exec();
 }

@@ -1,6 +1,8 @@
+#include "desktop/settings/KeyMaker.h"
 #include "desktop/settings/SettingsDialog.h"
 #include "desktop/widgets/LinkLabel.h"
 #include "desktop/widgets/PageView.h"
+#include "desktop/widgets/QrCode.h"
 #include "desktop/window/ActivityDialog.h"
 #include "desktop/window/AddressTable.h"
 #include "desktop/window/FileMenu.h"
@@ -12,6 +14,7 @@
 #include <QClipboard>
 #include <QMenu>
 #include <QMimeData>
+#include <QProcess>
 #include <QPushButton>
 
 class tst_mainwindow : public QObject
@@ -126,15 +129,37 @@ private Q_SLOTS:
         QVERIFY(link->linkText() == desktop.row()->url() && label->text().endsWith(open));
         click(desktop.list(), "Copy");
         QCOMPARE(QGuiApplication::clipboard()->text(), desktop.row()->url());
+        desktop.move({});
+        QCOMPARE(label->text(), "<center><b>Network not found</b></center>"_q);
+    }
+
+    void qrCodes()
+    {
+        Desktop desktop;
+        const QString file = desktop.home.path() + QLatin1String("/server.");
+        QCOMPARE(QProcess::execute(QCoreApplication::applicationDirPath()
+                                       + QLatin1String("/make-keys.sh"),
+                                   { desktop.home.path(), QStringLiteral("server") }),
+                 0);
+        const std::unique_ptr<Profile> encrypted = desktop.global()->clone();
+        encrypted->sslMode = Qt::Checked;
+        encrypted->privateKeyFile = file + QLatin1String("key");
+        encrypted->publicKeyFile = file + QLatin1String("crt");
+        desktop.rows->profileEdited(encrypted.get());
+        desktop.row()->start();
         inModal<QDialog>(
             [&] { click(desktop.list(), "QR code"); },
             [&](QDialog *asking) {
-                SmallScreens::check(asking, "address"_q);
-                const auto *facts = named<QLabel>(asking, "What is shared");
-                QVERIFY(facts->text().endsWith(desktop.row()->server()->shared().fileName()));
+                const auto *facts = asking->findChildren<QLabel *>().constLast();
+                const auto *code = asking->findChild<QrCode *>();
+                QVERIFY(facts->text().endsWith(certificateFingerprint(encrypted->publicKeyFile)));
+                SmallScreens::check(asking, QStringLiteral("address"));
+                click(asking, "Trust this computer");
+                SmallScreens::check(asking, QStringLiteral("authority"));
+                QVERIFY(facts->text().endsWith(authorityFingerprint(encrypted->publicKeyFile)));
+                QVERIFY(code->accessibleName().endsWith(desktop.row()->url()
+                                                        + QLatin1String("/.quillon/authority")));
             });
-        desktop.move({});
-        QCOMPARE(label->text(), "<center><b>Network not found</b></center>"_q);
     }
 
     void permissions()

@@ -1359,6 +1359,10 @@
         <source>Shared: %1</source>
         <translation>Shared: %1</translation>
     </message>
+    <message>
+        <source>Once on each device: open this page, and install the certificate that it offers if the device shows the same fingerprint of it. Browsers don&apos;t warn from then on.</source>
+        <translation>Once on each device: open this page, and install the certificate that it offers if the device shows the same fingerprint of it. Browsers don&apos;t warn from then on.</translation>
+    </message>
 </context>
 <context>
     <name>AddressDialog</name>
@@ -1367,12 +1371,12 @@
         <translation>Address</translation>
     </message>
     <message>
-        <source>What is shared</source>
-        <translation>What is shared</translation>
-    </message>
-    <message>
         <source>&amp;Close</source>
         <translation>&amp;Close</translation>
+    </message>
+    <message>
+        <source>Trust this computer</source>
+        <translation>Trust this computer</translation>
     </message>
 </context>
 <context>

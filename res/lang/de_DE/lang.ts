@@ -1359,6 +1359,10 @@
         <source>Shared: %1</source>
         <translation>Freigegeben: %1</translation>
     </message>
+    <message>
+        <source>Once on each device: open this page, and install the certificate that it offers if the device shows the same fingerprint of it. Browsers don&apos;t warn from then on.</source>
+        <translation>Einmal auf jedem Gerät: Öffnen Sie diese Seite, und installieren Sie das angebotene Zertifikat, wenn das Gerät denselben Fingerabdruck davon zeigt. Von da an warnen Browser nicht mehr.</translation>
+    </message>
 </context>
 <context>
     <name>AddressDialog</name>
@@ -1367,12 +1371,12 @@
         <translation>Adresse</translation>
     </message>
     <message>
-        <source>What is shared</source>
-        <translation>Was freigegeben ist</translation>
-    </message>
-    <message>
         <source>&amp;Close</source>
         <translation>&amp;Schließen</translation>
+    </message>
+    <message>
+        <source>Trust this computer</source>
+        <translation>Diesem Computer vertrauen</translation>
     </message>
 </context>
 <context>

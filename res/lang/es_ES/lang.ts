@@ -1359,6 +1359,10 @@
         <source>Shared: %1</source>
         <translation>Compartido: %1</translation>
     </message>
+    <message>
+        <source>Once on each device: open this page, and install the certificate that it offers if the device shows the same fingerprint of it. Browsers don&apos;t warn from then on.</source>
+        <translation>Una vez en cada dispositivo: abra esta página e instale el certificado que ofrece, si el dispositivo muestra la misma huella. Desde entonces los navegadores no avisan.</translation>
+    </message>
 </context>
 <context>
     <name>AddressDialog</name>
@@ -1367,12 +1371,12 @@
         <translation>Dirección</translation>
     </message>
     <message>
-        <source>What is shared</source>
-        <translation>Qué se comparte</translation>
-    </message>
-    <message>
         <source>&amp;Close</source>
         <translation>&amp;Cerrar</translation>
+    </message>
+    <message>
+        <source>Trust this computer</source>
+        <translation>Confiar en este equipo</translation>
     </message>
 </context>
 <context>

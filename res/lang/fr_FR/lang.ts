@@ -1359,6 +1359,10 @@
         <source>Shared: %1</source>
         <translation>Partagé : %1</translation>
     </message>
+    <message>
+        <source>Once on each device: open this page, and install the certificate that it offers if the device shows the same fingerprint of it. Browsers don&apos;t warn from then on.</source>
+        <translation>Une fois sur chaque appareil : ouvrez cette page et installez le certificat proposé, si l’appareil en montre la même empreinte. Dès lors, les navigateurs n’avertissent plus.</translation>
+    </message>
 </context>
 <context>
     <name>AddressDialog</name>
@@ -1367,12 +1371,12 @@
         <translation>Adresse</translation>
     </message>
     <message>
-        <source>What is shared</source>
-        <translation>Ce qui est partagé</translation>
-    </message>
-    <message>
         <source>&amp;Close</source>
         <translation>&amp;Fermer</translation>
+    </message>
+    <message>
+        <source>Trust this computer</source>
+        <translation>Faire confiance à cet ordinateur</translation>
     </message>
 </context>
 <context>
