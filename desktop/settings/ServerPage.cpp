@@ -59,7 +59,6 @@ ServerPage::ServerPage(Profile *copy, bool rootMode)
     certificate->setTextFormat(Qt::PlainText);
     certificate->setWordWrap(true);
     certificate->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
-    certificate->setAccessibleName(tr("Certificate"));
     body()->addWidget(certificate);
     QPushButton *restore = newButton(tr("Restore default keys"));
     body()->addWidget(restore, 0, Qt::AlignLeft);
@@ -171,7 +170,8 @@ void ServerPage::makeKey()
     if (!askYesNo(
             window(),
             tr("A new key and certificate are made for this computer; those in use stay where "
-               "they are. Browsers will warn once more. Make them?")))
+               "they are. Browsers will warn once more, but not on devices that trust the "
+               "authority of the new one. Make them?")))
         return;
     newKey->setEnabled(false);
     auto *maker = new KeyMaker(workingCopy->directories().profiles, this);

@@ -506,20 +506,16 @@
         <translation>All programs are answered by the standards.</translation>
     </message>
     <message>
-        <source>Certificate</source>
-        <translation>Certificate</translation>
-    </message>
-    <message>
         <source>Make new key...</source>
         <translation>Make new key...</translation>
     </message>
     <message>
-        <source>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more. Make them?</source>
-        <translation>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more. Make them?</translation>
-    </message>
-    <message>
         <source>There is no certificate yet.</source>
         <translation>There is no certificate yet.</translation>
+    </message>
+    <message>
+        <source>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more, but not on devices that trust the authority of the new one. Make them?</source>
+        <translation>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more, but not on devices that trust the authority of the new one. Make them?</translation>
     </message>
 </context>
 <context>

@@ -506,20 +506,16 @@
         <translation>Alle Programme bekommen Antworten nach den Standards.</translation>
     </message>
     <message>
-        <source>Certificate</source>
-        <translation>Zertifikat</translation>
-    </message>
-    <message>
         <source>Make new key...</source>
         <translation>Neuen Schlüssel erzeugen...</translation>
     </message>
     <message>
-        <source>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more. Make them?</source>
-        <translation>Für diesen Computer werden ein neuer Schlüssel und ein neues Zertifikat erzeugt; die bisherigen bleiben, wo sie sind. Browser warnen dann noch einmal. Erzeugen?</translation>
-    </message>
-    <message>
         <source>There is no certificate yet.</source>
         <translation>Es gibt noch kein Zertifikat.</translation>
+    </message>
+    <message>
+        <source>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more, but not on devices that trust the authority of the new one. Make them?</source>
+        <translation>Für diesen Computer werden ein neuer Schlüssel und ein neues Zertifikat erzeugt; die bisherigen bleiben, wo sie sind. Browser warnen dann noch einmal, nicht aber auf Geräten, die der Zertifizierungsstelle des neuen vertrauen. Erzeugen?</translation>
     </message>
 </context>
 <context>

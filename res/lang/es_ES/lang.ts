@@ -506,20 +506,16 @@
         <translation>Todos los programas reciben respuestas según los estándares.</translation>
     </message>
     <message>
-        <source>Certificate</source>
-        <translation>Certificado</translation>
-    </message>
-    <message>
         <source>Make new key...</source>
         <translation>Crear una clave nueva...</translation>
     </message>
     <message>
-        <source>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more. Make them?</source>
-        <translation>Se crean una clave y un certificado nuevos para este ordenador; los actuales se quedan donde están. Los navegadores avisarán otra vez. ¿Crearlos?</translation>
-    </message>
-    <message>
         <source>There is no certificate yet.</source>
         <translation>Todavía no hay ningún certificado.</translation>
+    </message>
+    <message>
+        <source>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more, but not on devices that trust the authority of the new one. Make them?</source>
+        <translation>Se crean una clave y un certificado nuevos para este ordenador; los actuales se quedan donde están. Los navegadores avisarán otra vez, salvo en los dispositivos que confían en la autoridad del nuevo. ¿Crearlos?</translation>
     </message>
 </context>
 <context>

@@ -506,20 +506,16 @@
         <translation>Tous les programmes reçoivent des réponses conformes aux standards.</translation>
     </message>
     <message>
-        <source>Certificate</source>
-        <translation>Certificat</translation>
-    </message>
-    <message>
         <source>Make new key...</source>
         <translation>Créer une nouvelle clé...</translation>
     </message>
     <message>
-        <source>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more. Make them?</source>
-        <translation>Une nouvelle clé et un nouveau certificat sont créés pour cet ordinateur ; les anciens restent où ils sont. Les navigateurs avertiront encore une fois. Les créer ?</translation>
-    </message>
-    <message>
         <source>There is no certificate yet.</source>
         <translation>Il n’y a pas encore de certificat.</translation>
+    </message>
+    <message>
+        <source>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more, but not on devices that trust the authority of the new one. Make them?</source>
+        <translation>Une nouvelle clé et un nouveau certificat sont créés pour cet ordinateur ; les anciens restent où ils sont. Les navigateurs avertiront encore une fois, sauf sur les appareils qui font confiance à l’autorité du nouveau. Les créer ?</translation>
     </message>
 </context>
 <context>
