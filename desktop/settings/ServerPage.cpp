@@ -4,6 +4,7 @@
 #include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/Fields.h"
 #include "desktop/widgets/Prompts.h"
+#include "platform/Announcement.h"
 
 #include <QFileInfo>
 #include <QFormLayout>
@@ -65,6 +66,7 @@ ServerPage::ServerPage(Profile *copy, bool rootMode)
     newKey = newButton(tr("Make new key..."));
     body()->addWidget(newKey, 0, Qt::AlignLeft);
     addFaceControls();
+    addFindingControls();
 
     connect(ssl, &QCheckBox::stateChanged, this, &ServerPage::followSslMode);
     connect(restore, &QPushButton::clicked, this, &ServerPage::restoreKeys);
@@ -124,6 +126,22 @@ void ServerPage::addFaceControls()
     body()->addWidget(faceText);
     connect(faces, QOverload<int>::of(&QComboBox::currentIndexChanged), this, &ServerPage::setFace);
     setFace(workingCopy->faceMode);
+}
+
+void ServerPage::addFindingControls()
+{
+    auto *found = new SwitchBox(tr("Let others in the network find it"));
+    found->setChecked(workingCopy->announced != 0);
+    auto *name = new Finger<QLineEdit>;
+    bind(name, &ProfileValues::announcedName);
+    name->setPlaceholderText(Announcement().nameOrDefault());
+    name->setEnabled(found->isChecked());
+    body()->addWidget(found);
+    addRow(addForm(), tr("Found as:"), name);
+    connect(found, &QCheckBox::toggled, this, [this, name](bool on) {
+        name->setEnabled(on);
+        store(&ProfileValues::announced, qint32(on));
+    });
 }
 
 void ServerPage::setFace(int mode)

@@ -8,7 +8,8 @@ class QLineEdit;
 class QPushButton;
 class QSpinBox;
 
-/// The settings of port, SSL mode, keys and the way of answering. A child of the settings dialog.
+/// The settings of port, SSL mode, keys, the way of answering, and being found. A child of the
+/// settings dialog.
 class ServerPage : public SettingsPage
 {
     Q_OBJECT
@@ -23,6 +24,7 @@ private:
     void addKeyControls(QFormLayout *form);
     QLineEdit *addKeyFile(QFormLayout *form, const KeyFile &file);
     void addFaceControls();
+    void addFindingControls();
     void setFace(int mode);
     void enableKeyControls();
     void followSslMode(int state);

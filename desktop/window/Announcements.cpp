@@ -6,6 +6,21 @@
 
 #include <utility>
 
+namespace {
+
+/// What others see of the row, or would see; none when it is not to be found.
+QStringList factsOf(const ServerRow &row)
+{
+    const Profile &profile = *row.profile();
+    if (!row.isListening() || profile.announced == 0)
+        return {};
+    const bool hasUser = profile.authMode == AuthBasic && profile.users.size() == 1;
+    return { row.url(), profile.announcedName,
+             hasUser ? accountName(profile.users.constFirst()) : QString() };
+}
+
+} // namespace
+
 Announcements::Announcements(ServerRows *servers, Announce announce)
     : start(std::move(announce))
 {
@@ -18,15 +33,20 @@ Announcements::Announcements(ServerRows *servers, Announce announce)
 
 void Announcements::follow(ServerRow *row)
 {
-    connect(row, &ServerRow::reachChanged, this, [this, row] { update(row); });
+    for (const auto change : { &ServerRow::reachChanged, &ServerRow::changed })
+        connect(row, change, this, [this, row] { update(row); });
     connect(row, &QObject::destroyed, this, [this, row] { announced.erase(row); });
     update(row);
 }
 
-/// Begins anew with each change: port, encryption or name may be others.
+/// Begins anew when others are to see something else.
 void Announcements::update(ServerRow *row)
 {
+    const QStringList facts = factsOf(*row);
+    const auto before = announced.find(row);
+    if (before != announced.end() && before->second.facts == facts)
+        return;
     announced.erase(row);
-    if (row->isListening() && row->profile()->announced != 0)
-        announced[row] = start(*row->server(), *row->profile());
+    if (!facts.isEmpty())
+        announced[row] = { facts, start(*row->server(), *row->profile()) };
 }

@@ -3,6 +3,7 @@
 #include "files/FileDescriptor.h"
 
 #include <QObject>
+#include <QStringList>
 
 #include <functional>
 #include <map>
@@ -28,6 +29,12 @@ private:
     void follow(ServerRow *row);
     void update(ServerRow *row);
 
+    struct Announced
+    {
+        QStringList facts;
+        FileDescriptor end; ///< of the announcement, once it is closed
+    };
+
     const Announce start;
-    std::map<const ServerRow *, FileDescriptor> announced;
+    std::map<const ServerRow *, Announced> announced;
 };

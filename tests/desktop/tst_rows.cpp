@@ -117,6 +117,39 @@ private Q_SLOTS:
         QVERIFY(line().size() < 5000);
     }
 
+    void rowsAreAnnouncedWhileTheyRun()
+    {
+        Rows device({}, 2);
+        device.global()->announced = 1;
+        std::array<int, 2> ends{};
+        QCOMPARE(::pipe2(ends.data(), O_NONBLOCK), 0);
+        const FileDescriptor told(ends[0]);
+        int times = 0;
+        {
+            const FileDescriptor telling(ends[1]);
+            Announcements announcements(device.rows, [&](const WebServer &server, const Profile &) {
+                times += server.isListening() ? 1 : 100;
+                return duplicate(telling.get());
+            });
+            device.row()->start();
+            QCOMPARE(times, 1);
+            device.row()->stop();
+            device.row()->start();
+            QCOMPARE(times, 2);
+            device.row(1)->start();
+            device.row()->changed();
+            QCOMPARE(times, 3);
+            const std::unique_ptr<Profile> renamed = device.global()->clone();
+            renamed->announcedName = QStringLiteral("films");
+            device.rows->profileEdited(renamed.get());
+            QCOMPARE(times, 5);
+            device.rows->stopAll();
+            QCOMPARE(times, 5);
+        }
+        char none = 0;
+        QCOMPARE(::read(told.get(), &none, 1), ssize_t(0)); // all of them withdrawn
+    }
+
     void desktopChoices()
     {
         const TestHome home;

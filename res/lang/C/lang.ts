@@ -517,6 +517,14 @@
         <source>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more, but not on devices that trust the authority of the new one. Make them?</source>
         <translation>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more, but not on devices that trust the authority of the new one. Make them?</translation>
     </message>
+    <message>
+        <source>Let others in the network find it</source>
+        <translation>Let others in the network find it</translation>
+    </message>
+    <message>
+        <source>Found as:</source>
+        <translation>Found as:</translation>
+    </message>
 </context>
 <context>
     <name>LimitsPage</name>

@@ -517,6 +517,14 @@
         <source>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more, but not on devices that trust the authority of the new one. Make them?</source>
         <translation>Für diesen Computer werden ein neuer Schlüssel und ein neues Zertifikat erzeugt; die bisherigen bleiben, wo sie sind. Browser warnen dann noch einmal, nicht aber auf Geräten, die der Zertifizierungsstelle des neuen vertrauen. Erzeugen?</translation>
     </message>
+    <message>
+        <source>Let others in the network find it</source>
+        <translation>Von anderen im Netz finden lassen</translation>
+    </message>
+    <message>
+        <source>Found as:</source>
+        <translation>Gefunden als:</translation>
+    </message>
 </context>
 <context>
     <name>LimitsPage</name>

@@ -517,6 +517,14 @@
         <source>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more, but not on devices that trust the authority of the new one. Make them?</source>
         <translation>Se crean una clave y un certificado nuevos para este ordenador; los actuales se quedan donde están. Los navegadores avisarán otra vez, salvo en los dispositivos que confían en la autoridad del nuevo. ¿Crearlos?</translation>
     </message>
+    <message>
+        <source>Let others in the network find it</source>
+        <translation>Dejar que otros en la red lo encuentren</translation>
+    </message>
+    <message>
+        <source>Found as:</source>
+        <translation>Encontrado como:</translation>
+    </message>
 </context>
 <context>
     <name>LimitsPage</name>

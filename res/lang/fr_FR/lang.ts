@@ -515,7 +515,15 @@
     </message>
     <message>
         <source>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more, but not on devices that trust the authority of the new one. Make them?</source>
-        <translation>Une nouvelle clé et un nouveau certificat sont créés pour cet ordinateur ; les anciens restent où ils sont. Les navigateurs avertiront encore une fois, sauf sur les appareils qui font confiance à l’autorité du nouveau. Les créer ?</translation>
+        <translation>Une nouvelle clé et un nouveau certificat sont créés pour cet ordinateur&#xa0;; les anciens restent où ils sont. Les navigateurs avertiront encore une fois, sauf sur les appareils qui font confiance à l’autorité du nouveau. Les créer&#xa0;?</translation>
+    </message>
+    <message>
+        <source>Let others in the network find it</source>
+        <translation>Laisser les autres le trouver sur le réseau</translation>
+    </message>
+    <message>
+        <source>Found as:</source>
+        <translation>Trouvé comme&#xa0;:</translation>
     </message>
 </context>
 <context>
@@ -1357,7 +1365,7 @@
     </message>
     <message>
         <source>Once on each device: open this page, and install the certificate that it offers if the device shows the same fingerprint of it. Browsers don&apos;t warn from then on.</source>
-        <translation>Une fois sur chaque appareil : ouvrez cette page et installez le certificat proposé, si l’appareil en montre la même empreinte. Dès lors, les navigateurs n’avertissent plus.</translation>
+        <translation>Une fois sur chaque appareil&#xa0;: ouvrez cette page et installez le certificat proposé, si l’appareil en montre la même empreinte. Dès lors, les navigateurs n’avertissent plus.</translation>
     </message>
 </context>
 <context>
