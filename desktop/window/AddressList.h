@@ -39,6 +39,8 @@ public:
     QLabel *statusLabel() const { return m_statusLabel; }
 
 public Q_SLOTS:
+    /// Asks first when transfers are to be cut.
+    void startOrStop();
     void showRunning(bool running);
     void showNetwork();
 
@@ -54,7 +56,6 @@ private:
     void buildWidgets();
     void buildRowMenu();
     void connectRows();
-    void startOrStop();
     void showStatus();
     void cellChosen(int index, int column);
     std::optional<int> askPort(const QString &title, const ServerRow *row, const ServerRow *except);

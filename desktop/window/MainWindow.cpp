@@ -250,6 +250,7 @@ void MainWindow::connectTray()
 {
     const TrayIcon *tray = integration->tray();
     connect(tray, &TrayIcon::windowWanted, this, [this] { call({}); });
+    connect(tray, &TrayIcon::startStopWanted, addresses, &AddressList::startOrStop);
     connect(tray, &TrayIcon::addressWanted, this, &MainWindow::copyAddress);
     connect(tray, &TrayIcon::quitWanted, this, &MainWindow::quit);
     connect(menu, &MainMenu::quitWanted, this, &MainWindow::quit);

@@ -12,10 +12,11 @@ class TrayIcon : public QSystemTrayIcon
     Q_OBJECT
 public:
     /// `servers` are borrowed and outlive it.
-    explicit TrayIcon(ServerRows *servers);
+    explicit TrayIcon(const ServerRows *servers);
 
 Q_SIGNALS:
     void windowWanted();
+    void startStopWanted();
     void addressWanted(); ///< in the clipboard
     void quitWanted();
 
