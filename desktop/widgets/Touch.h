@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QSize>
+#include <QWheelEvent>
 
 class QAbstractScrollArea;
 class QMenu;
@@ -12,7 +13,7 @@ constexpr int fingerSize = 44;
 /// That of the picture on a button of its own.
 constexpr QSize buttonPicture(32, 32);
 
-/// A control that no layout makes smaller than a finger needs.
+/// A control that no layout makes smaller than a finger needs, and no wheel changes.
 template <typename Base> class Finger : public Base
 {
 public:
@@ -20,6 +21,10 @@ public:
 
     QSize sizeHint() const override { return large(Base::sizeHint()); }
     QSize minimumSizeHint() const override { return large(Base::minimumSizeHint()); }
+
+protected:
+    /// Who turns the wheel scrolls the page, and changes no value that happens to pass below it.
+    void wheelEvent(QWheelEvent *event) override { event->ignore(); }
 
 private:
     static QSize large(const QSize &hint) { return hint.expandedTo({ fingerSize, fingerSize }); }

@@ -113,6 +113,16 @@ private Q_SLOTS:
         QCOMPARE(applied()->privateKeyFile, file);
         QCOMPARE(applied()->publicKeyFile, file);
         QCOMPARE(applied()->keyPassword, "secret"_q);
+        click(page(), "Let others in the network find it");
+        retype(named<QWidget>(page(), "Found as:"), "films");
+        QVERIFY(applied()->announced == 1 && applied()->announcedName == QLatin1String("films"));
+        for (const char *passed : { "Port [1 - 65535]:", "Answers:" }) {
+            auto *field = named<QWidget>(page(), passed);
+            QWheelEvent scrolling({}, field->mapToGlobal(QPoint()), {}, { 0, -120 }, Qt::NoButton,
+                                  Qt::NoModifier, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(field, &scrolling);
+        }
+        QVERIFY(applied()->port == 443 && applied()->faceMode == FaceAuto);
     }
 
     void editsUsers()

@@ -141,22 +141,23 @@ private Q_SLOTS:
                                        + QLatin1String("/make-keys.sh"),
                                    { desktop.home.path(), QStringLiteral("server") }),
                  0);
-        const std::unique_ptr<Profile> encrypted = desktop.global()->clone();
-        encrypted->sslMode = Qt::Checked;
-        encrypted->privateKeyFile = file + QLatin1String("key");
-        encrypted->publicKeyFile = file + QLatin1String("crt");
-        desktop.rows->profileEdited(encrypted.get());
+        const QString certificate = file + QLatin1String("crt");
+        desktop.edit([&](Profile &profile) {
+            profile.sslMode = Qt::Checked;
+            profile.privateKeyFile = file + QLatin1String("key");
+            profile.publicKeyFile = certificate;
+        });
         desktop.row()->start();
         inModal<QDialog>(
             [&] { click(desktop.list(), "QR code"); },
             [&](QDialog *asking) {
                 const auto *facts = asking->findChildren<QLabel *>().constLast();
                 const auto *code = asking->findChild<QrCode *>();
-                QVERIFY(facts->text().endsWith(certificateFingerprint(encrypted->publicKeyFile)));
+                QVERIFY(facts->text().endsWith(certificateFingerprint(certificate)));
                 SmallScreens::check(asking, QStringLiteral("address"));
                 click(asking, "Trust this computer");
                 SmallScreens::check(asking, QStringLiteral("authority"));
-                QVERIFY(facts->text().endsWith(authorityFingerprint(encrypted->publicKeyFile)));
+                QVERIFY(facts->text().endsWith(authorityFingerprint(certificate)));
                 QVERIFY(code->accessibleName().endsWith(desktop.row()->url()
                                                         + QLatin1String("/.quillon/authority")));
             });

@@ -139,9 +139,7 @@ private Q_SLOTS:
             device.row(1)->start();
             device.row()->changed();
             QCOMPARE(times, 3);
-            const std::unique_ptr<Profile> renamed = device.global()->clone();
-            renamed->announcedName = QStringLiteral("films");
-            device.rows->profileEdited(renamed.get());
+            device.edit([](Profile &profile) { profile.announcedName = "films"_q; });
             QCOMPARE(times, 5);
             device.rows->stopAll();
             QCOMPARE(times, 5);
