@@ -26,5 +26,7 @@ void fitToScreen(QWidget *window, const QSize &wanted)
 {
     const int titleBar = window->style()->pixelMetric(QStyle::PM_TitleBarHeight);
     const QSize room = window->screen()->availableSize() - QSize(0, titleBar);
-    window->resize(wanted.boundedTo(room));
+    // What is missing in width is made up in height.
+    const int height = wanted.width() > room.width() ? wanted.width() : wanted.height();
+    window->resize(QSize(wanted.width(), height).boundedTo(room));
 }

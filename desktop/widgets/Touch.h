@@ -36,5 +36,5 @@ void sizeForFingers(QMenu *menu);
 /// Lets fingers drag the content of `area`.
 void scrollByFinger(QAbstractScrollArea *area);
 
-/// Gives `window` the size `wanted`, or as much of it as its screen has.
+/// Gives `window` the size `wanted`, or what its screen has of it: higher where that is too narrow.
 void fitToScreen(QWidget *window, const QSize &wanted);

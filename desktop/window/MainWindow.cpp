@@ -25,7 +25,6 @@
 #include <QLabel>
 #include <QMimeData>
 #include <QPushButton>
-#include <QScreen>
 #include <QScrollArea>
 #include <QSettings>
 #include <QUrl>
@@ -193,8 +192,7 @@ void MainWindow::layOut()
     setTabOrders(tabOrder);
     addresses->startButton()->setFocus();
 
-    const QSize room = screen()->availableSize();
-    fitToScreen(this, room.height() > room.width() ? windowSize.transposed() : windowSize);
+    fitToScreen(this, windowSize);
     restoreGeometry(QSettings().value(geometryKey).toByteArray());
     geometryTimer.setSingleShot(true);
     connect(&geometryTimer, &QTimer::timeout, this, &MainWindow::saveGeometryNow);
