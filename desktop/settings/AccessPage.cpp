@@ -5,6 +5,7 @@
 #include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/Fields.h"
 #include "desktop/widgets/Prompts.h"
+#include "desktop/widgets/TurningRow.h"
 #include "server/PasswordHash.h"
 
 #include <QFormLayout>
@@ -148,10 +149,11 @@ AccessPage::AccessPage(Profile *copy)
     modes->addItems({ tr("None"), tr("Password only"), tr("Basic HTTP") });
     modes->setCurrentIndex(workingCopy->authMode);
     modes->setAccessibleName(tr("Authentication mode"));
-    panels->addWidget(new QWidget);
-    panels->addWidget(passwordPanel());
-    panels->addWidget(usersPanel());
-    panels->setCurrentIndex(workingCopy->authMode);
+    for (QWidget *panel : { new QWidget, passwordPanel(), usersPanel() }) {
+        panel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+        panels->addWidget(panel);
+    }
+    showPanel(workingCopy->authMode);
 
     body()->addWidget(modes);
     body()->addWidget(panels);
@@ -218,15 +220,16 @@ QWidget *AccessPage::usersPanel()
     QPushButton *rights = newButton(tr("Rights and home"));
     QPushButton *remove = newButton(tr("Remove user"));
 
+    auto *buttons = new TurningRow;
+    for (QPushButton *button : { add, rights, remove })
+        buttons->add(button, 1);
+
     auto *panel = new QWidget;
-    auto *grid = new QGridLayout(panel);
-    grid->setContentsMargins(0, 0, 0, 0);
-    grid->addWidget(table, 0, 0, 1, 2);
-    grid->addWidget(show, 1, 0, 1, 2);
-    // One below the other: side by side some languages are too wide for a narrow screen.
-    grid->addWidget(add, 2, 0, 1, 2);
-    grid->addWidget(rights, 3, 0, 1, 2);
-    grid->addWidget(remove, 4, 0, 1, 2);
+    auto *column = new QVBoxLayout(panel);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->addWidget(table);
+    column->addWidget(show);
+    column->addWidget(buttons);
 
     connect(table, &QTableWidget::itemChanged, this, &AccessPage::storeUsers);
     connect(show, &QCheckBox::toggled, this, &AccessPage::setPasswordsVisible);
@@ -255,8 +258,16 @@ void AccessPage::appendRow(const QString &user, const QString &password)
 
 void AccessPage::setMode(int mode)
 {
-    panels->setCurrentIndex(mode);
+    showPanel(mode);
     store(&ProfileValues::authMode, mode);
+}
+
+/// The page is no higher than what it shows needs.
+void AccessPage::showPanel(int mode)
+{
+    panels->currentWidget()->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+    panels->setCurrentIndex(mode);
+    panels->currentWidget()->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
 }
 
 void AccessPage::addUser()

@@ -16,6 +16,7 @@ public:
 
 private Q_SLOTS:
     void setMode(int mode);
+    void showPanel(int mode);
     void addUser();
     void removeUser();
     void editRights();

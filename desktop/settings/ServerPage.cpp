@@ -4,6 +4,7 @@
 #include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/Fields.h"
 #include "desktop/widgets/Prompts.h"
+#include "desktop/widgets/TurningRow.h"
 #include "platform/Announcement.h"
 
 #include <QFileInfo>
@@ -62,9 +63,11 @@ ServerPage::ServerPage(Profile *copy, bool rootMode)
     certificate->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     body()->addWidget(certificate);
     QPushButton *restore = newButton(tr("Restore default keys"));
-    body()->addWidget(restore, 0, Qt::AlignLeft);
     newKey = newButton(tr("Make new key..."));
-    body()->addWidget(newKey, 0, Qt::AlignLeft);
+    auto *buttons = new TurningRow;
+    buttons->add(restore, 1);
+    buttons->add(newKey, 1);
+    body()->addWidget(buttons);
     addFaceControls();
     addFindingControls();
 

@@ -15,6 +15,14 @@ void TurningRow::add(QWidget *widget, int stretch)
     m_row->addWidget(widget, stretch);
 }
 
+QSize TurningRow::minimumSizeHint() const
+{
+    int widest = 0;
+    for (int i = 0; i < m_row->count(); ++i)
+        widest = qMax(widest, m_row->itemAt(i)->minimumSize().width());
+    return { widest, QWidget::minimumSizeHint().height() };
+}
+
 bool TurningRow::event(QEvent *event)
 {
     if (event->type() == QEvent::Resize || event->type() == QEvent::LayoutRequest)

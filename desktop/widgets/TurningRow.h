@@ -14,6 +14,9 @@ public:
 
     void add(QWidget *widget, int stretch);
 
+    /// As narrow as one below the other.
+    QSize minimumSizeHint() const override;
+
 protected:
     bool event(QEvent *event) override;
 
