@@ -27,7 +27,7 @@
     <name>DesktopPage</name>
     <message>
         <source>Go on in the tray when the window is closed</source>
-        <translation>Im Infobereich weiterlaufen, wenn das Fenster geschlossen wird</translation>
+        <translation>Beim Schließen im Infobereich weiterlaufen</translation>
     </message>
     <message>
         <source>Start when I log in</source>

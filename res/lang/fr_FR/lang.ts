@@ -27,7 +27,7 @@
     <name>DesktopPage</name>
     <message>
         <source>Go on in the tray when the window is closed</source>
-        <translation>Continuer dans la barre système quand la fenêtre est fermée</translation>
+        <translation>Rester dans la barre système à la fermeture</translation>
     </message>
     <message>
         <source>Start when I log in</source>
