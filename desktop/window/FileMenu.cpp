@@ -67,11 +67,14 @@ void FileMenu::fitRecent()
         const QString text = action->shortcut().toString(QKeySequence::NativeText);
         keys = qMax(keys, fontMetrics().horizontalAdvance(text));
     }
-    // Large letters on a small screen leave room for the paths alone.
-    const bool showsKeys = keys < width / 3;
+    int longest = 0;
+    for (const QAction *action : recent)
+        longest = qMax(longest, fontMetrics().horizontalAdvance(action->data().toString()));
+    // Whole paths go before the keys, which other places tell, and phones don't have.
+    const int room = width - 2 * fingerSize;
+    const bool showsKeys = longest + keys <= room;
     for (QAction *action : all)
         action->setShortcutVisibleInContextMenu(showsKeys);
-    const int room = width - (showsKeys ? keys : 0) - 2 * fingerSize;
     for (QAction *action : recent)
         action->setText(recentFileLabel(action->data().toString(), fontMetrics(), room));
 }
