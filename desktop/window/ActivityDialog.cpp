@@ -137,6 +137,13 @@ void ActivityDialog::hideEvent(QHideEvent *event)
     QDialog::hideEvent(event);
 }
 
+void ActivityDialog::resizeEvent(QResizeEvent *event)
+{
+    QDialog::resizeEvent(event);
+    // The visitors' page has the addresses, too; the names of files need the room.
+    transferView->setColumnHidden(TransferRows::Address, width() < activitySize.width());
+}
+
 void ActivityDialog::refresh()
 {
     const std::vector<ServerVisit> visits = visitsOf(*rows);

@@ -30,6 +30,7 @@ public:
 protected:
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
 
 private:
     QTreeView *addTable(const QString &label, QAbstractItemModel *model);

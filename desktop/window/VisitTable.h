@@ -66,6 +66,7 @@ class TransferRows
 {
 public:
     using Clock = std::chrono::steady_clock;
+    static constexpr int Address = 5; ///< the column
 
     std::vector<KeyedTable::Row> look(const std::vector<ServerVisit> &visits,
                                       Clock::time_point now);
