@@ -10,7 +10,9 @@ void sizeForFingers(QMenu *menu)
 {
     constexpr int padding = 6;
     menu->setStyleSheet(
-        QStringLiteral("QMenu::item { min-height: %1px; padding: %2px 24px %2px 32px; }"
+        // Dark styles draw no border that is seen.
+        QStringLiteral("QMenu { background: palette(base); border: 1px solid palette(highlight); }"
+                       "QMenu::item { min-height: %1px; padding: %2px 24px %2px 32px; }"
                        "QMenu::item:selected { background: palette(highlight);"
                        " color: palette(highlighted-text); }")
             .arg(fingerSize - 2 * padding)
