@@ -26,6 +26,7 @@ RowKeeper::RowKeeper(Profiles *choice, const std::shared_ptr<const ServerSetup> 
     });
     followChanges();
     followNetwork();
+    hasBegun = true;
 }
 
 void RowKeeper::followChanges()
@@ -176,9 +177,21 @@ SavedRow RowKeeper::fromFile(int group)
 
 void RowKeeper::restore(ServerRow *row, const SavedRow &state)
 {
-    row->takeState(state);
+    takeOver(row, state);
     if (state.running)
         resumed.append(row);
+}
+
+/// Content that is gone gets a box at the start alone: a network comes at any time.
+void RowKeeper::takeOver(ServerRow *row, const SavedRow &state)
+{
+    const QString refusal = row->takeState(state);
+    if (refusal.isEmpty())
+        return;
+    if (hasBegun)
+        return Q_EMIT told(refusal);
+    const QString shared = row->server()->shared().absoluteFilePath();
+    sink->msg(refusal, ServerRow::tr("Shared now: %1").arg(shared));
 }
 
 /// Nobody may be there to answer: a row with doubts or failures stays stopped.
@@ -201,7 +214,7 @@ void RowKeeper::restoreAddedPorts(const ServerRow *first, const QList<SavedRow> 
         return;
     const QList<int> groups = saved.addedPorts(first->address().toString());
     for (const int group : groups)
-        m_rows.addPort(first)->takeState(fromFile(group));
+        takeOver(m_rows.addPort(first), fromFile(group));
 }
 
 void RowKeeper::followRename(const QString &from, const QString &to)

@@ -66,6 +66,7 @@ private:
     SavedRow fromFile(int group);
     void restoreAddedPorts(const ServerRow *first, const QList<SavedRow> &kept);
     void restore(ServerRow *row, const SavedRow &state);
+    void takeOver(ServerRow *row, const SavedRow &state);
     void startUnasked(ServerRow *row);
     void followChanges();
     void saveSoon();
@@ -80,6 +81,7 @@ private:
     QSet<QString> removed; ///< addresses whose rows the user has removed
     QTimer saveTimer;
     bool isFollowing = true; ///< what changes now is not the user's choice
+    bool hasBegun = false; ///< with what was saved; from now on the network decides
     bool saveFailed = false; ///< and was told
     QList<ServerRow *> resumed; ///< rows that are to run as they did
     ServerRows m_rows;

@@ -173,14 +173,14 @@ void ServerRow::share(const QString &path)
     Q_EMIT stateChanged();
 }
 
-void ServerRow::restoreContent(const QString &path)
+/// Gives why it can't be shared.
+QString ServerRow::restoreContent(const QString &path)
 {
     const QString refusal = shareRefusal(path);
     share(refusal.isEmpty() ? path : QDir::homePath());
-    if (refusal.isEmpty())
-        return;
-    missing = path;
-    setup->sink->msg(refusal, tr("Shared now: %1").arg(m_server->shared().absoluteFilePath()));
+    if (!refusal.isEmpty())
+        missing = path;
+    return refusal;
 }
 
 void ServerRow::useProfile(Profile *profile)
@@ -229,13 +229,14 @@ SavedRow ServerRow::state() const
     return row;
 }
 
-void ServerRow::takeState(const SavedRow &saved)
+QString ServerRow::takeState(const SavedRow &saved)
 {
     Profile *named = saved.profile.isEmpty() ? nullptr : profiles->find(saved.profile);
     if (named)
         m_server->setProfile(named);
     former = saved.formerProfile;
-    restoreContent(saved.file.isEmpty() ? QDir::homePath() : saved.file);
+    QString refusal = restoreContent(saved.file.isEmpty() ? QDir::homePath() : saved.file);
     setPort(saved.port > 0 ? saved.port : profiles->global()->port);
     Q_EMIT changed();
+    return refusal;
 }

@@ -90,8 +90,8 @@ public:
 
     /// Goes on as `saved` says; what it does not say is the global profile's or the home folder.
     /// While the saved content can't be shared, the home folder stands in its place and the row
-    /// does not start.
-    void takeState(const SavedRow &saved);
+    /// does not start. Gives why, translated; empty when all is as saved.
+    QString takeState(const SavedRow &saved);
 
 Q_SIGNALS:
     /// What is shown of the row is another now.
@@ -110,7 +110,7 @@ private:
     qint64 trafficBytes() const { return m_server->sentBytes() + m_server->receivedBytes(); }
     QString keyProblem() const;
     void stopWithoutKeys();
-    void restoreContent(const QString &path);
+    QString restoreContent(const QString &path);
 
     const Profiles *profiles;
     std::shared_ptr<const ServerSetup> setup;

@@ -221,6 +221,12 @@ private Q_SLOTS:
         device.reopen(); // what was chosen is not forgotten
         QVERIFY(QFile::rename(device.path("away"), device.path("disk")));
         QVERIFY(device.refusal().isEmpty() && device.shared() == device.path("disk"));
+        QVERIFY(QFile::rename(device.path("disk"), device.path("away")));
+        const QStringList before = device.addresses;
+        device.move({});
+        device.sink.messages.clear();
+        device.move(before); // nobody asked for it: without a box
+        QVERIFY(!device.row()->isListening() && device.sink.messages.isEmpty());
     }
 
     void openHomeIsAskedFor()
