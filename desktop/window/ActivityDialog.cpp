@@ -3,6 +3,7 @@
 #include "desktop/widgets/Buttons.h"
 #include "desktop/widgets/Prompts.h"
 #include "desktop/widgets/Touch.h"
+#include "desktop/widgets/TurningRow.h"
 #include "desktop/window/Activity.h"
 #include "desktop/window/DeedLog.h"
 #include "desktop/window/ServerRow.h"
@@ -117,7 +118,10 @@ void ActivityDialog::addButtons()
     blocking = newButton(tr("Block"));
     unblocking = newButton(tr("Unblock all"));
     QPushButton *closing = newButton(tr("Close"));
-    column->addLayout(newButtonRow({ unblocking, blocking, disconnecting, closing }));
+    auto *row = new TurningRow;
+    for (QPushButton *button : { unblocking, blocking, disconnecting, closing })
+        row->add(button, 1);
+    column->addWidget(row);
     connect(disconnecting, &QPushButton::clicked, this, &ActivityDialog::disconnectChosen);
     connect(blocking, &QPushButton::clicked, this, &ActivityDialog::blockChosen);
     connect(unblocking, &QPushButton::clicked, this, &ActivityDialog::unblock);

@@ -105,7 +105,7 @@
     </message>
     <message>
         <source>Keep a log of events</source>
-        <translation>Ereignisse in einer Datei festhalten</translation>
+        <translation>Ereignisse aufzeichnen</translation>
     </message>
     <message>
         <source>Disconnect</source>

@@ -105,7 +105,7 @@
     </message>
     <message>
         <source>Keep a log of events</source>
-        <translation>Anotar los sucesos en un archivo</translation>
+        <translation>Llevar un registro</translation>
     </message>
     <message>
         <source>Disconnect</source>

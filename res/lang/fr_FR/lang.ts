@@ -105,7 +105,7 @@
     </message>
     <message>
         <source>Keep a log of events</source>
-        <translation>Noter les événements dans un fichier</translation>
+        <translation>Tenir un journal</translation>
     </message>
     <message>
         <source>Disconnect</source>
