@@ -133,7 +133,7 @@ void ServerPage::addFaceControls()
 
 void ServerPage::addFindingControls()
 {
-    auto *found = new SwitchBox(tr("Let others in the network find it"));
+    auto *found = new SwitchBox(tr("Announce in the network"));
     found->setChecked(workingCopy->announced != 0);
     auto *name = new Finger<QLineEdit>;
     bind(name, &ProfileValues::announcedName);

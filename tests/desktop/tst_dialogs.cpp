@@ -113,7 +113,7 @@ private Q_SLOTS:
         QCOMPARE(applied()->privateKeyFile, file);
         QCOMPARE(applied()->publicKeyFile, file);
         QCOMPARE(applied()->keyPassword, "secret"_q);
-        click(page(), "Let others in the network find it");
+        click(page(), "Announce in the network");
         retype(named<QWidget>(page(), "Found as:"), "films");
         QVERIFY(applied()->announced == 1 && applied()->announcedName == QLatin1String("films"));
         for (const char *passed : { "Port [1 - 65535]:", "Answers:" }) {

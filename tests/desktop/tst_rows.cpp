@@ -17,7 +17,11 @@
 #include <QSignalSpy>
 #include <QSslSocket>
 
+#include <array>
 #include <thread>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 namespace {
 

@@ -518,8 +518,8 @@
         <translation>A new key and certificate are made for this computer; those in use stay where they are. Browsers will warn once more, but not on devices that trust the authority of the new one. Make them?</translation>
     </message>
     <message>
-        <source>Let others in the network find it</source>
-        <translation>Let others in the network find it</translation>
+        <source>Announce in the network</source>
+        <translation>Announce in the network</translation>
     </message>
     <message>
         <source>Found as:</source>

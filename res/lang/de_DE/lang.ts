@@ -518,8 +518,8 @@
         <translation>Für diesen Computer werden ein neuer Schlüssel und ein neues Zertifikat erzeugt; die bisherigen bleiben, wo sie sind. Browser warnen dann noch einmal, nicht aber auf Geräten, die der Zertifizierungsstelle des neuen vertrauen. Erzeugen?</translation>
     </message>
     <message>
-        <source>Let others in the network find it</source>
-        <translation>Von anderen im Netz finden lassen</translation>
+        <source>Announce in the network</source>
+        <translation>Im Netz ankündigen</translation>
     </message>
     <message>
         <source>Found as:</source>

@@ -518,8 +518,8 @@
         <translation>Se crean una clave y un certificado nuevos para este ordenador; los actuales se quedan donde están. Los navegadores avisarán otra vez, salvo en los dispositivos que confían en la autoridad del nuevo. ¿Crearlos?</translation>
     </message>
     <message>
-        <source>Let others in the network find it</source>
-        <translation>Dejar que otros en la red lo encuentren</translation>
+        <source>Announce in the network</source>
+        <translation>Anunciar en la red</translation>
     </message>
     <message>
         <source>Found as:</source>

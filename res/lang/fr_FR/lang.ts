@@ -518,8 +518,8 @@
         <translation>Une nouvelle clé et un nouveau certificat sont créés pour cet ordinateur&#xa0;; les anciens restent où ils sont. Les navigateurs avertiront encore une fois, sauf sur les appareils qui font confiance à l’autorité du nouveau. Les créer&#xa0;?</translation>
     </message>
     <message>
-        <source>Let others in the network find it</source>
-        <translation>Laisser les autres le trouver sur le réseau</translation>
+        <source>Announce in the network</source>
+        <translation>Annoncer sur le réseau</translation>
     </message>
     <message>
         <source>Found as:</source>
