@@ -14,11 +14,12 @@ TrayIcon::TrayIcon(const ServerRows *servers)
     QAction *startStop = menu.addAction(QString());
     QAction *copy = menu.addAction(WindowText::tr("Copy address"));
     const QAction *quit = menu.addAction(WindowText::tr("Quit"));
-    const auto showRunning = [servers, startStop, copy] {
-        startStop->setText(startStopText(servers->isRunning()));
-        copy->setEnabled(servers->isRunning());
+    const auto showRunning = [startStop, copy](bool running) {
+        startStop->setText(startStopText(running));
+        copy->setEnabled(running);
     };
-    connect(&menu, &QMenu::aboutToShow, this, showRunning);
+    // At once: desktops that draw the menu themselves don't all say when.
+    connect(servers, &ServerRows::runningChanged, this, showRunning);
     connect(open, &QAction::triggered, this, &TrayIcon::windowWanted);
     connect(startStop, &QAction::triggered, this, &TrayIcon::startStopWanted);
     connect(copy, &QAction::triggered, this, &TrayIcon::addressWanted);
@@ -27,7 +28,7 @@ TrayIcon::TrayIcon(const ServerRows *servers)
         if (reason == Trigger)
             Q_EMIT windowWanted();
     });
-    showRunning();
+    showRunning(servers->isRunning());
     setContextMenu(&menu);
     show();
 }
