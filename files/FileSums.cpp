@@ -12,7 +12,7 @@ FileSums::Version FileSums::versionOf(const EntryFacts &file)
              file.changeSeconds,  file.changeNanoseconds };
 }
 
-std::optional<quint32> FileSums::find(const EntryFacts &file) const
+FileSum FileSums::find(const EntryFacts &file) const
 {
     const Version version = versionOf(file);
     const std::lock_guard<std::mutex> lock(mutex);
@@ -24,7 +24,7 @@ std::optional<quint32> FileSums::find(const EntryFacts &file) const
     return {};
 }
 
-void FileSums::keep(const EntryFacts &file, quint32 sum)
+void FileSums::keep(const EntryFacts &file, const FileSum &sum)
 {
     Sums forgotten; // goes outside of the lock
     const std::lock_guard<std::mutex> lock(mutex);

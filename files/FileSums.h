@@ -6,9 +6,15 @@
 #include <cstddef>
 #include <map>
 #include <mutex>
-#include <optional>
 
 struct EntryFacts;
+
+/// Of the first bytes of a file, or all of them.
+struct FileSum
+{
+    quint32 sum = 0;
+    qint64 bytes = 0; ///< how many they are
+};
 
 /// Remembers the sums (CRC-32) of files that were read, so that who goes on with an archive, or
 /// looks at its end, doesn't have all of it read anew. A file that changes is another one. One
@@ -18,10 +24,11 @@ class FileSums
 public:
     FileSums() = default;
 
-    std::optional<quint32> find(const EntryFacts &file) const;
+    /// Of no bytes when nothing is known.
+    FileSum find(const EntryFacts &file) const;
 
     /// When there are too many, those that came first are forgotten.
-    void keep(const EntryFacts &file, quint32 sum);
+    void keep(const EntryFacts &file, const FileSum &sum);
 
 private:
     Q_DISABLE_COPY_MOVE(FileSums)
@@ -29,7 +36,7 @@ private:
     static constexpr std::size_t mostOfAge = 50000;
 
     using Version = std::array<qint64, 7>;
-    using Sums = std::map<Version, quint32>;
+    using Sums = std::map<Version, FileSum>;
 
     static Version versionOf(const EntryFacts &file);
 

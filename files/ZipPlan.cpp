@@ -3,6 +3,8 @@
 #include "files/HiddenUploads.h"
 #include "files/Path.h"
 
+#include <algorithm>
+#include <array>
 #include <cerrno>
 #include <new>
 
@@ -11,6 +13,14 @@ namespace {
 QByteArray bytesOf(const std::string &text)
 {
     return { text.data(), int(text.size()) };
+}
+
+/// Whether there is an entry of which nothing can be told for now: an archive without it would lack
+/// what there is.
+bool isLacking(int error)
+{
+    constexpr std::array errors{ EIO, ENOMEM, EMFILE, ENFILE, ESTALE, ENAMETOOLONG };
+    return std::find(errors.begin(), errors.end(), error) != errors.end();
 }
 
 } // namespace
@@ -53,7 +63,7 @@ void ZipPlan::step()
         return takeName((*subject.names)[nextName++]);
     if (next < entries.size())
         return enterNext();
-    layout = std::make_shared<ZipLayout>(std::move(entries), topFacts.seconds);
+    layout = std::make_shared<ZipLayout>(std::move(entries), above.front().seconds);
     ended = true;
 }
 
@@ -63,7 +73,11 @@ void ZipPlan::begin()
     folder = subject.share->openFolder(subject.folder);
     if (!folder)
         return fail(errno);
-    topFacts = openFacts(folder->descriptor());
+    above.push_back(openFacts(folder->descriptor()));
+    for (QByteArray path = subject.folder; !path.isEmpty();) {
+        path = parentPath(path);
+        above.push_back(subject.share->facts(path));
+    }
     if (subject.names)
         folder.reset();
 }
@@ -89,7 +103,10 @@ void ZipPlan::readNext()
     }
     if (isHiddenUpload(item.name) || (within == top && item.name == subject.leftOut))
         return;
+    errno = 0;
     const EntryFacts found = folder->facts(item);
+    if (!found.exists && isLacking(errno))
+        return fail(errno);
     if (!(found.file || found.folder) || !found.readable || leadsBack(found, within))
         return;
     keep((within == top ? std::string() : entries[within].path) + item.name, found);
@@ -103,7 +120,8 @@ bool ZipPlan::leadsBack(const EntryFacts &facts, std::size_t from) const
         if (isSameEntry(entries[each].facts, facts))
             return true;
     }
-    return isSameEntry(topFacts, facts);
+    return std::any_of(above.begin(), above.end(),
+                       [&facts](const EntryFacts &each) { return isSameEntry(each, facts); });
 }
 
 void ZipPlan::keep(std::string path, const EntryFacts &facts)
@@ -116,13 +134,15 @@ void ZipPlan::keep(std::string path, const EntryFacts &facts)
     parents.push_back(within);
 }
 
-/// One that can't be opened any more stays empty.
+/// One that is gone, or closed to us, stays empty.
 void ZipPlan::enterNext()
 {
     within = next++;
-    if (entries[within].facts.folder)
-        folder =
-            subject.share->openFolder(joinedPath(subject.folder, bytesOf(entries[within].path)));
+    if (!entries[within].facts.folder)
+        return;
+    folder = subject.share->openFolder(joinedPath(subject.folder, bytesOf(entries[within].path)));
+    if (!folder && isLacking(errno))
+        fail(errno);
 }
 
 void ZipPlan::fail(int number)

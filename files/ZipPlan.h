@@ -54,7 +54,7 @@ private:
     void fail(int number);
 
     const Subject subject;
-    EntryFacts topFacts;
+    std::vector<EntryFacts> above; ///< of the top folder, and those that it stands in
     std::optional<FolderReader> folder; ///< being read
     std::size_t within = top; ///< the entry that it is
     std::vector<ZipEntry> entries; ///< folders wait here for their turn

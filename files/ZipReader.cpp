@@ -5,12 +5,18 @@
 
 #include <algorithm>
 #include <array>
+#include <chrono>
+#include <ctime>
 #include <new>
 
 #include <unistd.h>
 
 namespace {
 
+// Many may read before they have anything to send; who has little to do need not wait for them.
+constexpr std::chrono::milliseconds longestTurn(5);
+constexpr qint64 settlingTime = 60; ///< seconds, until the system has written what was mapped
+constexpr qint64 keptStep = qint64(64) << 20; ///< bytes, after which a sum is remembered
 constexpr qint64 partBytes = qint64(8) << 20;
 
 // What the system sends by itself is the file's own memory until the peer has read it: changed in
@@ -23,6 +29,13 @@ struct alignas(4096) Block
 {
     std::array<char, qint64(128) * 1024> bytes;
 };
+
+/// What is written through a mapping, or twice within the file system's idea of a moment, changes a
+/// file without another time.
+bool isSettled(const EntryFacts &facts)
+{
+    return std::max(facts.seconds, facts.changeSeconds) + settlingTime < ::time(nullptr);
+}
 
 } // namespace
 
@@ -43,13 +56,14 @@ bool ZipReader::run(const Budget &until)
 {
     if (!until.mayBlock())
         return false;
+    const Budget turn(cancelFlag(), longestTurn, true);
     try {
         piece.reserve(pieceBytes);
         do {
-            step(until);
+            step(turn);
             if (position >= end)
                 part = Part::Ended;
-        } while (!hasPiece() && !until.isUsedUp());
+        } while (!hasPiece() && !turn.isUsedUp());
     } catch (const std::bad_alloc &) {
         fail();
     }
@@ -100,12 +114,13 @@ void ZipReader::enter(Part next, std::size_t number)
         part = Part::End;
         return;
     }
-    if (!sums[index] && entry().size() > 0)
-        sums[index] = source.sums->find(entry().facts);
-    if (!sums[index])
-        return;
-    sum = *sums[index];
-    summed = entry().size();
+    const FileSum known = sums[index] ? FileSum{ *sums[index], entry().size() }
+        : entry().size() > 0          ? source.sums->find(entry().facts)
+                                      : FileSum();
+    sum = known.sum;
+    summed = known.bytes;
+    if (summed == entry().size())
+        sums[index] = sum;
 }
 
 /// As far as it lies in the range.
@@ -186,11 +201,13 @@ bool ZipReader::sumUp(qint64 goal, const Budget &until)
 void ZipReader::addToSum(const char *data, qint64 count)
 {
     sum = summedUp(sum, data, std::size_t(count));
-    summed += count;
-    if (summed < entry().size())
-        return;
-    sums[index] = sum;
-    source.sums->keep(entry().facts, sum);
+    const qint64 before = std::exchange(summed, summed + count);
+    const bool isWhole = summed == entry().size();
+    if (isWhole)
+        sums[index] = sum;
+    // Who was cut off, perhaps while only this went on, goes on from here.
+    if ((isWhole || before / keptStep != summed / keptStep) && isSettled(entry().facts))
+        source.sums->keep(entry().facts, { sum, summed });
 }
 
 /// The file, opened if it was not yet, unchanged.

@@ -23,6 +23,7 @@ constexpr quint64 nameIsUtf8 = 1 << 11;
 constexpr quint64 wideExtra = 0x0001;
 constexpr quint64 timeExtra = 0x5455;
 constexpr quint64 hasModified = 1;
+constexpr auto wideBackslash = "\xef\xbc\xbc"; ///< the letter U+FF3C
 constexpr quint64 dosFolder = 0x10;
 constexpr quint64 wideEndRest = 44; ///< bytes behind its own length
 
@@ -62,7 +63,7 @@ quint64 narrow(qint64 number, qint64 most)
 /// A "\" is a "/" to some who unpack: what is one name here must not lead elsewhere there.
 QByteArray nameOf(const ZipEntry &entry)
 {
-    return QByteArray(entry.path.data(), int(entry.path.size())).replace('\\', "%5C");
+    return QByteArray(entry.path.data(), int(entry.path.size())).replace('\\', wideBackslash);
 }
 
 quint64 flagsOf(const ZipEntry &entry, const QByteArray &name)

@@ -153,10 +153,10 @@ void Exchange::writeHead(ReplyHead head, bool more)
     m_channel.write(headBlock(head), more);
 }
 
-void Exchange::write(const QByteArray &bytes)
+void Exchange::write(const QByteArray &bytes, bool more)
 {
     if (!bytes.isEmpty())
-        m_channel.write(ending == Ending::Chunks ? chunk(bytes) : bytes, true);
+        m_channel.write(ending == Ending::Chunks ? chunk(bytes) : bytes, more);
 }
 
 void Exchange::sendFile(OpenDescriptor file, qint64 offset, qint64 count)

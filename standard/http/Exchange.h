@@ -82,8 +82,9 @@ public:
     bool startBody(Status status, Fields fields, std::optional<qint64> length,
                    const QByteArray &lines = {});
 
-    /// A piece of the body. Nothing is kept back: watch `isCongested`.
-    void write(const QByteArray &bytes);
+    /// A piece of the body; the system may wait for `more` to go with it. Nothing is kept back:
+    /// watch `isCongested`.
+    void write(const QByteArray &bytes, bool more = true);
 
     /// Whether to pause until `Handler::drained`.
     bool isCongested() const { return m_channel.isCongested(); }

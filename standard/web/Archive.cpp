@@ -24,9 +24,7 @@ namespace standard {
 namespace {
 
 constexpr qint64 maxNames = qint64(1) << 20; ///< bytes
-constexpr std::chrono::seconds longestWaiting{
-    60
-}; ///< before a visitor is told that it is too long
+constexpr std::chrono::minutes longestWaiting(1); ///< before a visitor is told so
 constexpr auto formType = "application/x-www-form-urlencoded";
 constexpr auto zipType = "application/zip";
 constexpr auto tooMuch = "There are too many files for one archive. Take the folders one by one.";
@@ -94,8 +92,10 @@ void Archive::plan(Names names)
 void Archive::stopWaiting()
 {
     if (state == State::Waiting)
-        exchange.refuse(Status::Unavailable, "Too many archives are being made.",
-                        { { "Retry-After", QByteArray::number(qint64(longestWaiting.count())) } });
+        exchange.refuse(
+            Status::Unavailable, "Too many archives are being made.",
+            { { "Retry-After",
+                QByteArray::number(qint64(std::chrono::seconds(longestWaiting).count())) } });
 }
 
 void Archive::take(Pass given)
@@ -207,8 +207,8 @@ void Archive::sendPiece()
     *unsent -= piece.size() + part.count;
     if (!isLast)
         readOn(); // the next one, while this one goes out
-    exchange.write(piece);
     sendsFile = part.file != nullptr;
+    exchange.write(piece, sendsFile || !isLast);
     if (sendsFile)
         exchange.sendFile(std::move(part.file), part.offset, part.count);
     else if (isLast)
