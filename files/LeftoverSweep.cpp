@@ -111,18 +111,24 @@ void LeftoverSweep::step(const Budget &until)
     }
 }
 
-/// Being renamed changes what is told as the last change of anything.
+/// Being renamed changes what is told as the last change of anything; a file tells when it got its
+/// last byte.
 void LeftoverSweep::take(const FolderReader::Item &item)
 {
-    const EntryFacts facts = reader->facts(item);
-    const qint64 changed =
-        facts.folder ? std::max(facts.seconds, facts.changeSeconds) : facts.seconds;
-    if (facts.link || (!facts.file && !facts.folder) || changed > ::time(nullptr) - age.count())
+    struct stat own = {};
+    if (::fstatat(reader->descriptor(), item.name, &own, AT_SYMLINK_NOFOLLOW) != 0)
         return;
-    const FileDescriptor unused = openUnused(reader->descriptor(), item.name);
-    if (!unused.isOpen())
+    const bool isFile = S_ISREG(own.st_mode);
+    const bool isFolder = S_ISDIR(own.st_mode);
+    const qint64 changed = isFile ? own.st_mtime : std::max(own.st_mtime, own.st_ctime);
+    if (changed > ::time(nullptr) - age.count())
         return;
-    if (facts.folder)
+    // Nobody has links and the like in use under such a name.
+    const FileDescriptor unused =
+        isFile || isFolder ? openUnused(reader->descriptor(), item.name) : FileDescriptor();
+    if ((isFile || isFolder) && !unused.isOpen())
+        return;
+    if (isFolder)
         removal = std::make_unique<TreeRemoval>(beside(place, item.name));
     else
         ::unlinkat(reader->descriptor(), item.name, 0);

@@ -3,6 +3,7 @@
 #include "files/HiddenUploads.h"
 #include "files/LeftoverSweep.h"
 #include "files/Log.h"
+#include "files/Path.h"
 
 #include <cerrno>
 #include <climits>
@@ -186,6 +187,9 @@ int UploadFile::inherit() const
 
 int UploadFile::placeFile()
 {
+    // Removed with what stands in it, though it may come back.
+    if (careful && namesHiddenUpload(pathOf(place().folder.get())))
+        return ENOENT;
     if (replaced.isOpen() && isOldThere())
         return received.takeOverName();
     const int error = received.takeFreeName();

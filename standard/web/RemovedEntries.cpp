@@ -1,11 +1,14 @@
 #include "standard/web/RemovedEntries.h"
 
+#include "files/Path.h"
+#include "files/Rename.h"
 #include "files/Share.h"
 #include "files/TreeRemoval.h"
 #include "server/Secret.h"
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
 #include <iterator>
 #include <utility>
 
@@ -17,26 +20,30 @@ namespace standard {
 namespace {
 
 constexpr std::chrono::seconds expiryInterval{ 1 };
-constexpr std::chrono::milliseconds timeAtEnd{ 500 }; ///< for all that is to be removed then
-// Each takes a descriptor.
-constexpr std::size_t mostRemoved = 500;
-constexpr int mostRemovedOfVisitor = 250;
+constexpr std::chrono::seconds timeAtEnd{ 5 }; ///< for all that is to be removed then
+// Each takes two descriptors.
+constexpr std::size_t mostRemoved = 300;
+constexpr int mostRemovedOfVisitor = 150;
+constexpr int mostNames = 100; ///< that are tried for one that can't be removed
 
-Place hiddenPlace(const RemovedEntries::Removed &removed)
+/// Of what stands at `hidden` and was called `path`; another name when that is taken by now.
+void giveNameBack(const Place &hidden, const QByteArray &path)
 {
-    return beside(removed.share->place(removed.path), removed.hiddenName);
+    const QByteArray name = path.mid(path.lastIndexOf('/') + 1);
+    int error = renameNew(hidden, beside(hidden, name));
+    for (int number = 2; error == EEXIST && number < mostNames; ++number)
+        error = renameNew(hidden, beside(hidden, numberedPath(name, number)));
 }
 
-/// Open and locked; not open where it can't be, and sweeps may be too early then.
-FileDescriptor lockedAt(const Place &place)
+} // namespace
+
+FileDescriptor RemovedEntries::lockedAt(const Place &place)
 {
     constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC;
     FileDescriptor open(::openat(place.folder.get(), place.name.constData(), flags));
     ::flock(open.get(), LOCK_SH | LOCK_NB);
     return open;
 }
-
-} // namespace
 
 RemovedEntries::RemovedEntries()
 {
@@ -49,8 +56,10 @@ RemovedEntries::~RemovedEntries()
     const std::atomic<bool> goesOn{ false };
     const Budget budget(goesOn, timeAtEnd, true);
     for (const auto &[id, each] : kept) {
-        if (!budget.isUsedUp())
-            TreeRemoval(hiddenPlace(each.removed)).run(budget);
+        const Place &hidden = each.removed.hidden;
+        TreeRemoval removal(beside(hidden, hidden.name));
+        if (!removal.run(budget) || !removal.isWhole())
+            giveNameBack(hidden, each.removed.path);
     }
 }
 
@@ -64,9 +73,8 @@ bool RemovedEntries::hasRoomFor(const QByteArray &visitor) const
 
 QByteArray RemovedEntries::keep(Removed removed)
 {
-    FileDescriptor unswept = lockedAt(hiddenPlace(removed));
     const QByteArray id = newSecret();
-    kept.emplace(id, Kept{ std::move(removed), std::move(unswept), Clock::now() + lasting });
+    kept.emplace(id, Kept{ std::move(removed), Clock::now() + lasting });
     if (!timer.isActive())
         timer.start();
     return id;
@@ -85,18 +93,28 @@ void RemovedEntries::expire()
 {
     const auto now = Clock::now();
     for (auto each = kept.begin(); each != kept.end();) {
-        const auto &[id, entry] = *each;
-        if (entry.end > now) {
+        if (each->second.end > now) {
             ++each;
             continue;
         }
-        if (entry.removed.disk)
-            entry.removed.disk->run(std::make_shared<TreeRemoval>(hiddenPlace(entry.removed)),
-                                    nullptr, {});
+        remove(std::move(each->second.removed));
         each = kept.erase(each);
     }
     if (kept.empty())
         timer.stop();
+}
+
+void RemovedEntries::remove(Removed removed)
+{
+    if (!removed.disk)
+        return giveNameBack(removed.hidden, removed.path);
+    DiskWorker *worker = removed.disk;
+    const auto removal = std::make_shared<TreeRemoval>(beside(removed.hidden, removed.hidden.name));
+    const auto about = std::make_shared<const Removed>(std::move(removed));
+    worker->run(removal, worker, [removal, about] {
+        if (!removal->isWhole())
+            giveNameBack(about->hidden, about->path);
+    });
 }
 
 } // namespace standard

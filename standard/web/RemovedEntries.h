@@ -2,6 +2,7 @@
 
 #include "files/DiskWorker.h"
 #include "files/FileDescriptor.h"
+#include "files/Place.h"
 
 #include <QByteArray>
 #include <QObject>
@@ -14,13 +15,12 @@
 #include <optional>
 
 class Share;
-struct Place;
 
 namespace standard {
 
 /// What visitors removed and may have back: for a moment it stands hidden beside where it was. One
-/// serves a whole program, in its event loop; its end removes what it has the time for, and what is
-/// left then is swept away as other leftovers are.
+/// serves a whole program, in its event loop; its end removes what is left. What can't be removed
+/// has its name again, as with any other DELETE.
 class RemovedEntries final : public QObject
 {
 public:
@@ -32,8 +32,12 @@ public:
         std::shared_ptr<const Share> share;
         QPointer<DiskWorker> disk; ///< that of the program
         QByteArray path; ///< of the share, where it was
-        QByteArray hiddenName; ///< beside that
+        Place hidden; ///< where it is: beside that, wherever the folder goes
+        FileDescriptor unswept; ///< it, locked, so that nobody takes it for left behind
     };
+
+    /// Open and locked, for `Removed`; not open where it can't be.
+    static FileDescriptor lockedAt(const Place &place);
 
     RemovedEntries();
     ~RemovedEntries() override;
@@ -58,11 +62,11 @@ private:
     struct Kept
     {
         Removed removed;
-        FileDescriptor unswept; ///< locked, so that nobody takes it for left behind
         Clock::time_point end;
     };
 
     void expire();
+    static void remove(Removed removed);
 
     std::map<QByteArray, Kept> kept; ///< by id
     QTimer timer; ///< runs while there is anything

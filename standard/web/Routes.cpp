@@ -29,8 +29,10 @@ Routes withUploads(Routes routes)
 
 Routes withUndo(Routes routes)
 {
-    // In front of the one that can't.
-    routes.rows.insert(routes.rows.begin(), { Method::Delete, makeHandler<UndoableDelete> });
+    for (Route &route : routes.rows) {
+        if (route.method == Method::Delete && !route.below)
+            route.make = makeHandler<UndoableDelete>;
+    }
     routes.rows.push_back({ Method::Post, makeHandler<Undo>, undoPath });
     routes.removed = std::make_shared<RemovedEntries>();
     return routes;

@@ -14,13 +14,15 @@ namespace standard {
 
 void UndoableDelete::remove(Place target)
 {
-    const QByteArray hidden = hiddenUploadName();
-    if (!isPromised() || renameNew(target, beside(target, hidden)) != 0)
+    Place hidden = beside(target, hiddenUploadName());
+    FileDescriptor unswept = RemovedEntries::lockedAt(target);
+    if (!isPromised() || renameNew(target, hidden) != 0)
         return Delete::remove(std::move(target));
     if (const auto tree = guarded())
         tree->removed(exchange.path());
-    const QByteArray id = exchange.routes().removed->keep(
-        { visitorOf(exchange), exchange.share(), &disk(), exchange.path(), hidden });
+    const QByteArray id =
+        exchange.routes().removed->keep({ visitorOf(exchange), exchange.share(), &disk(),
+                                          exchange.path(), std::move(hidden), std::move(unswept) });
     const UrlSpace urls{ exchange.urls().prefix, {} };
     exchange.reply(Status::NoContent,
                    { { "Location", urlPath(urls, joinedPath(undoPath, id), false) } });
@@ -43,8 +45,8 @@ void Undo::start()
     if (!isPermitted(Right::Delete, path)
         || !exchange.mayChange({ { path, Change::Extent::Tree, true } }))
         return;
-    const Place was = share()->place(path);
-    const int error = was.isValid() ? renameNew(beside(was, found->hiddenName), was) : ENOENT;
+    const Place was = beside(found->hidden, path.mid(path.lastIndexOf('/') + 1));
+    const int error = renameNew(found->hidden, was);
     if (error == EEXIST)
         return exchange.refuse(Status::Conflict, "Something else has its name by now.");
     if (error != 0)

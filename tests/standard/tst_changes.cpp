@@ -269,7 +269,7 @@ void TestChanges::deletedComesBack()
 
     auto share = Share::at(server.sharePath(), {}, Share::Links::Followed);
     QVERIFY(share);
-    RemovedEntries().keep({ {}, std::make_shared<const Share>(std::move(*share)), {}, "a", "f" });
+    RemovedEntries().keep({ {}, {}, {}, "a", share->place("f"), {} });
     QCOMPARE(namesIn(server.sharePath()), QString()); // an end leaves nothing
 }
 
