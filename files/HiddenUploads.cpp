@@ -1,5 +1,7 @@
 #include "files/HiddenUploads.h"
 
+#include "files/Path.h"
+
 #include <QCryptographicHash>
 #include <QList>
 #include <QRandomGenerator>
@@ -28,17 +30,6 @@ QByteArray checkOf(const QByteArray &id)
     return QCryptographicHash::hash(hiddenPrefix + id, QCryptographicHash::Sha1)
         .toHex()
         .left(checkDigits);
-}
-
-/// Not within a character of UTF-8.
-QByteArray shortened(QByteArray name, int most)
-{
-    const auto isContinued = [&name](int at) { return (name.at(at) & 0xc0) == 0x80; };
-    int size = std::min(most, int(name.size()));
-    while (size > 0 && size < name.size() && isContinued(size))
-        --size;
-    name.truncate(size);
-    return name;
 }
 
 } // namespace
@@ -75,5 +66,5 @@ bool namesHiddenUpload(const QByteArray &path)
 QByteArray asideName(const QByteArray &name)
 {
     const QByteArray end = ".replaced-" + randomText();
-    return shortened(name, NAME_MAX - int(end.size())) + end;
+    return shortenedName(name, NAME_MAX - int(end.size())) + end;
 }

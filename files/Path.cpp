@@ -45,12 +45,24 @@ QByteArray joinedPath(const QByteArray &folder, const QByteArray &rest)
     return isJoined ? folder + rest : folder + '/' + rest;
 }
 
+QByteArray shortenedName(QByteArray name, int most)
+{
+    const auto isContinued = [&name](int at) { return (name.at(at) & 0xc0) == 0x80; };
+    int size = std::min(most, int(name.size()));
+    while (size > 0 && size < name.size() && isContinued(size))
+        --size;
+    name.truncate(size);
+    return name;
+}
+
 QByteArray numberedPath(const QByteArray &path, int number)
 {
-    const auto name = path.lastIndexOf('/') + 1;
-    const auto dot = path.lastIndexOf('.');
-    const auto end = dot > name ? dot : path.size();
-    return path.left(end) + " (" + QByteArray::number(number) + ')' + path.mid(end);
+    const int name = int(path.lastIndexOf('/')) + 1;
+    const int dot = int(path.lastIndexOf('.'));
+    const int end = dot > name ? dot : int(path.size());
+    const QByteArray rest = " (" + QByteArray::number(number) + ')' + path.mid(end);
+    const int room = std::max(0, NAME_MAX - int(rest.size()));
+    return path.left(name) + shortenedName(path.mid(name, end - name), room) + rest;
 }
 
 bool isSpellable(const QByteArray &name)

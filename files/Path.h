@@ -16,6 +16,9 @@ QByteArray parentPath(const QByteArray &path);
 /// A path, none or more segments below another.
 QByteArray joinedPath(const QByteArray &folder, const QByteArray &rest);
 
+/// The begin of a name, of at most so many bytes, not cut within a character of UTF-8.
+QByteArray shortenedName(QByteArray name, int most);
+
 /// The path of an entry beside another, which has its name and a number: "a/b (2).txt".
 QByteArray numberedPath(const QByteArray &path, int number);
 

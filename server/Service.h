@@ -47,6 +47,13 @@ struct ServerSetup
     Directories directories;
 };
 
+/// A text that visitors hand each other, kept in memory alone.
+struct ScratchPad
+{
+    QByteArray text;
+    qint64 changed = 0; ///< seconds since 1970-01-01 UTC
+};
+
 /// One served item as its connections see it. Owned by its server.
 struct Service
 {
@@ -60,6 +67,6 @@ struct Service
     OpenFiles files = {}; ///< of `share`
     std::unique_ptr<FaceState> faceState = {}; ///< about `share`; null until a face needs it
     LastName calledLast = {}; ///< by visitors themselves, not by a proxy
-    QByteArray scratchPad = {}; ///< what visitors hand each other as text
+    ScratchPad scratchPad = {};
     LoginSessions logins = {}; ///< by the page of the standard face
 };

@@ -134,7 +134,7 @@ void WebServer::setShared(const QString &path)
     if (!service.shared.isReadable())
         service.shared = QFileInfo(QDir::homePath());
     service.singleFile = !service.shared.isDir();
-    service.scratchPad.clear();
+    service.scratchPad = {};
     openShare();
 }
 

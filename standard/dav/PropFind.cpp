@@ -32,7 +32,7 @@ QByteArray nameOf(const QByteArray &path, const Service &service)
 void PropFind::start()
 {
     const std::optional<Depth> depth = askedDepth();
-    if (!depth)
+    if (!depth || !percentDecoded(exchange.request().target.query))
         return exchange.refuse(Status::BadRequest);
     if (*depth == Depth::Infinity && exchange.service().profile->deepListings == 0)
         return exchange.reply(Status::Forbidden, { { "Content-Type", xmlType } },

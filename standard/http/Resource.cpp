@@ -7,16 +7,19 @@
 #include "standard/http/MethodUse.h"
 #include "standard/http/MultiStatus.h"
 
+#include <QRandomGenerator>
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <climits>
 
 namespace standard {
 
 namespace {
 
 constexpr std::array otherRights{ Right::See, Right::Read, Right::Change, Right::Delete };
-constexpr int mostOfName = 1000; ///< files that differ in a number alone
+constexpr int mostInOrder = 10; ///< files of one name; the numbers of others are random
 constexpr auto notPermitted = "You have no right to do this here.";
 
 } // namespace
@@ -132,10 +135,11 @@ QByteArray ResourceHandler::pathToAdd(const QByteArray &path) const
                                           [&](Right right) { return access.may(right, path); });
     if (!share() || !seesNothing || !access.may(Right::Add, path) || !isTaken(path))
         return path;
-    int number = 2;
-    while (number < mostOfName && isTaken(numberedPath(path, number)))
-        ++number;
-    return numberedPath(path, number);
+    for (int number = 2; number < mostInOrder; ++number) {
+        if (const QByteArray numbered = numberedPath(path, number); !isTaken(numbered))
+            return numbered;
+    }
+    return numberedPath(path, QRandomGenerator::global()->bounded(mostInOrder, INT_MAX));
 }
 
 bool ResourceHandler::meetsConditions(const EntryFacts &found)

@@ -1,11 +1,13 @@
 #include "standard/web/PadMethods.h"
 
 #include "config/Profile.h"
+#include "standard/http/HttpDate.h"
 #include "standard/http/Protection.h"
 
 #include <QCryptographicHash>
 #include <QString>
 
+#include <ctime>
 #include <utility>
 
 namespace standard {
@@ -31,7 +33,8 @@ bool PadMethod::isOpenTo(Rights needed)
 
 bool PadMethod::meetsPadConditions()
 {
-    switch (judge(exchange.request(), { true, padTag(exchange.service().scratchPad), 0 })) {
+    const ScratchPad &pad = exchange.service().scratchPad;
+    switch (judge(exchange.request(), { true, padTag(pad.text), pad.changed })) {
     case Verdict::Proceed:
         return true;
     case Verdict::NotModified:
@@ -46,7 +49,10 @@ bool PadMethod::meetsPadConditions()
 
 Fields PadMethod::padFields() const
 {
-    return { { "ETag", padTag(exchange.service().scratchPad) }, { "Cache-Control", "no-cache" } };
+    const ScratchPad &pad = exchange.service().scratchPad;
+    return { { "ETag", padTag(pad.text) },
+             { "Last-Modified", httpDate(pad.changed) },
+             { "Cache-Control", "no-cache" } };
 }
 
 void PadReading::start()
@@ -56,23 +62,28 @@ void PadReading::start()
     Fields fields = padFields();
     fields.push_back({ "Content-Type", "text/plain; charset=utf-8" });
     addFileProtection(fields);
-    exchange.reply(Status::Ok, std::move(fields), exchange.service().scratchPad);
+    exchange.reply(Status::Ok, std::move(fields), exchange.service().scratchPad.text);
 }
 
 void PadWriting::start()
 {
-    if (isOpenTo(Right::Add) && meetsPadConditions())
-        exchange.readBody(maxPad);
+    if (!isOpenTo(Right::Add) || !meetsPadConditions())
+        return;
+    if (exchange.request().field("Content-Range"))
+        return exchange.refuse(Status::BadRequest, "It is written as a whole.");
+    exchange.readBody(maxPad);
 }
 
 void PadWriting::bodyReady(const QByteArray &body)
 {
     if (QString::fromUtf8(body).toUtf8() != body)
         return exchange.refuse(Status::UnsupportedMediaType, "It is no text in UTF-8.");
+    if (exchange.share() != exchange.service().share)
+        return exchange.refuse(Status::Conflict, "Something else is shared by now.");
     // Others may have been faster.
     if (!meetsPadConditions())
         return;
-    exchange.service().scratchPad = body;
+    exchange.service().scratchPad = { body, qint64(::time(nullptr)) };
     exchange.reply(Status::NoContent, padFields());
 }
 
