@@ -45,31 +45,16 @@ private:
 
 Previews::Previews(const QString &program, QString folder, const PreviewLimits &limits)
     : m_folder(std::move(folder))
-    , m_limits(limits)
     , finished(limits.kept)
     , waiting(limits.waiting)
+    , maker(program, limits.time)
 {
-    process.setProgram(program);
-    process.setStandardErrorFile(QProcess::nullDevice()); // what broken pictures make decoders say
-    connect(&process, QOverload<int, QProcess::ExitStatus>::of(&QProcess::finished), this,
-            &Previews::processEnded);
-    connect(&process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
-        if (error == QProcess::FailedToStart)
-            pauseFor(process.errorString());
-    });
+    connect(&maker, &PreviewMaker::ended, this, &Previews::makingEnded);
     turn.setSingleShot(true);
     connect(&turn, &QTimer::timeout, this, &Previews::makeNext);
-    patience.setSingleShot(true);
-    connect(&patience, &QTimer::timeout, &process, &QProcess::kill);
 }
 
-Previews::~Previews()
-{
-    process.disconnect(this);
-    process.kill();
-    process.waitForFinished();
-    finished.clear();
-}
+Previews::~Previews() = default;
 
 void Previews::sweep(const QString &folder)
 {
@@ -107,7 +92,7 @@ void Previews::makeNext()
     if (!hasFolder())
         return pauseFor(QString::fromLocal8Bit(std::strerror(errno)));
     if (openPicture(*job))
-        start(*job);
+        maker.make(picture.get(), ownFolder->pathOf(unfinishedName), job->extension);
     else
         turn.start();
 }
@@ -136,25 +121,16 @@ bool Previews::openPicture(const PreviewJob &job)
     return true;
 }
 
-void Previews::start(const PreviewJob &job)
+void Previews::makingEnded(PreviewMaker::End end)
 {
-    process.setStandardInputFile(QStringLiteral("/proc/self/fd/%1").arg(picture.get()));
-    process.setStandardOutputFile(ownFolder->pathOf(unfinishedName));
-    process.setArguments({ QString::fromLatin1(job.extension) });
-    patience.start(m_limits.time);
-    process.start();
-}
-
-void Previews::processEnded(int exitCode, QProcess::ExitStatus status)
-{
-    patience.stop();
+    if (end == PreviewMaker::End::NotStarted)
+        return pauseFor(maker.problem());
     const bool unchanged = PictureId::of(picture.get()) == current;
     picture.reset();
     turn.start();
     if (!unchanged)
         return;
-    const bool whole = status == QProcess::NormalExit && exitCode == 0;
-    keep(current, whole ? QByteArray::number(++made) : QByteArray());
+    keep(current, end == PreviewMaker::End::Made ? QByteArray::number(++made) : QByteArray());
 }
 
 /// Keeps what was written under `name`; empty: that the picture has no preview.
@@ -167,7 +143,6 @@ void Previews::keep(const PictureId &id, const QByteArray &name)
 
 void Previews::pauseFor(const QString &reason)
 {
-    patience.stop();
     picture.reset();
     waiting.clear();
     pause.setRemainingTime(retryDelay);

@@ -2,12 +2,12 @@
 
 #include "files/FileDescriptor.h"
 #include "files/PictureId.h"
+#include "files/PreviewMaker.h"
 #include "files/PreviewQueue.h"
 
 #include <QCache>
 #include <QDeadlineTimer>
 #include <QObject>
-#include <QProcess>
 #include <QString>
 #include <QTimer>
 
@@ -24,9 +24,9 @@ struct PreviewLimits
     std::chrono::milliseconds time = std::chrono::seconds(20); ///< for one picture
 };
 
-/// The previews of pictures: what is made, what waits, and the program that makes one after
-/// another, each in a process that a hostile picture can take down alone. One serves the whole
-/// program and lives in its event loop; the previews go with it.
+/// The previews of pictures in lists: what is made, what waits, and the program that makes one
+/// after another. One serves the whole program and lives in its event loop; the previews go with
+/// it.
 class Previews : public QObject
 {
     Q_OBJECT
@@ -59,23 +59,20 @@ private:
 
     void makeNext();
     bool openPicture(const PreviewJob &job);
-    void start(const PreviewJob &job);
     bool hasFolder();
-    void processEnded(int exitCode, QProcess::ExitStatus status);
+    void makingEnded(PreviewMaker::End end);
     void keep(const PictureId &id, const QByteArray &name);
     void pauseFor(const QString &reason);
 
     const QString m_folder;
-    const PreviewLimits m_limits;
     std::unique_ptr<PreviewFolder> ownFolder; ///< null until there is a picture to make
     QCache<PictureId, Preview> finished; ///< the failed ones too
     PreviewQueue waiting;
-    QProcess process;
     PictureId current; ///< the picture in work, while `picture` is open
     FileDescriptor picture;
     quint64 made = 0; ///< names the previews
     bool problemTold = false;
     QDeadlineTimer pause; ///< nothing is tried before
     QTimer turn; ///< queues `makeNext`
-    QTimer patience; ///< with the picture in work
+    PreviewMaker maker;
 };
