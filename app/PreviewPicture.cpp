@@ -7,9 +7,12 @@
 #include <QImageWriter>
 #include <QPixelFormat>
 
+#include <algorithm>
+
 namespace {
 
-constexpr int jpegQuality = 25; ///< of the decoder: fast rather than smooth
+constexpr int fastDecoding = 25; ///< quality of the decoder
+constexpr int smoothDecoding = 75; ///< the same
 constexpr int largestWithoutScaling = 128; ///< pixels
 constexpr int maxJpegSegments = 1000;
 /// Of pixels and coefficients, in bytes; the rest is for what decoders need besides.
@@ -30,15 +33,20 @@ qint64 imageBytes(const QSize &size, QImage::Format format)
     return pixels(size) * qMax(usual, depth);
 }
 
-/// Bytes that decoding a JPEG at reduced size takes: it is reduced to an eighth at most, and to
-/// no less than twice the preview.
-qint64 jpegBytes(const QSize &size, bool whole)
+/// Bytes that decoding a JPEG takes for a picture of the size `scaled`: it is reduced in eighths,
+/// to no less than that.
+qint64 jpegBytes(const QSize &size, const QSize &scaled, bool whole)
 {
     constexpr int reduction = 8;
     constexpr qint64 coefficientBytes = 4 * sizeof(qint16); // of up to four components
-    const QSize decoded = (size / reduction).expandedTo(QSize(2 * previewSize, 2 * previewSize));
+    const QSize decoded = size / reduction + scaled;
     const qint64 coefficients = whole ? pixels(size) * coefficientBytes : 0;
     return imageBytes(decoded, QImage::Format_RGB32) + coefficients;
+}
+
+QSize scaledInto(const QSize &size, int edge)
+{
+    return size.scaled(edge, edge, Qt::KeepAspectRatio).expandedTo(QSize(1, 1));
 }
 
 /// Pictures wider than the preview's limit of pixels must come with a decoder that scales.
@@ -74,15 +82,46 @@ QImage previewOfPng(QImageReader &reader)
 QImage previewOfJpg(QImageReader &reader, bool whole)
 {
     const QSize size = reader.size();
-    const qint64 memory =
-        reader.format() == "jpeg" ? jpegBytes(size, whole) : imageBytes(size, reader.imageFormat());
+    // What is scaled is not turned yet.
+    const QSize scaled = scaledInto(size, previewSize);
+    const qint64 memory = reader.format() == "jpeg" ? jpegBytes(size, scaled, whole)
+                                                    : imageBytes(size, reader.imageFormat());
     if (memory > maxDecoded || !canScale(reader))
         return {};
-    // What is scaled is not turned yet.
-    const QSize scaled = size.scaled(previewSize, previewSize, Qt::KeepAspectRatio);
-    reader.setQuality(jpegQuality);
-    reader.setScaledSize(scaled.expandedTo(QSize(1, 1)));
+    reader.setQuality(fastDecoding);
+    reader.setScaledSize(scaled);
     return reader.read();
+}
+
+/// To scale without a decoder's help takes a copy, and so does turning.
+QImage previewWithin(QImageReader &reader, int edge, bool whole)
+{
+    const QSize size = reader.size();
+    const bool large = size.width() > edge || size.height() > edge;
+    const QSize scaled = large ? scaledInto(size, edge) : size;
+    const QImage::Format format = reader.imageFormat();
+    const qint64 decoded =
+        reader.format() == "jpeg" ? jpegBytes(size, scaled, whole) : 2 * imageBytes(size, format);
+    if (decoded + 2 * imageBytes(scaled, format) > maxDecoded)
+        return {};
+    reader.setQuality(smoothDecoding);
+    if (large)
+        reader.setScaledSize(scaled);
+    return reader.read();
+}
+
+bool isTransparent(const QImage &picture)
+{
+    if (!picture.hasAlphaChannel())
+        return false;
+    constexpr uchar opaque = 255;
+    const QImage alpha = picture.convertToFormat(QImage::Format_Alpha8);
+    for (int y = 0; y < alpha.height(); ++y) {
+        const uchar *line = alpha.constScanLine(y);
+        if (!std::all_of(line, line + alpha.width(), [](uchar each) { return each == opaque; }))
+            return true;
+    }
+    return false;
 }
 
 struct Format
@@ -178,7 +217,9 @@ QByteArray encoded(const QImage &picture, const char *format)
 {
     QBuffer buffer;
     QImageWriter writer(&buffer, format);
-    return writer.write(picture) && buffer.size() <= maxPreviewBytes ? buffer.data() : QByteArray();
+    return !picture.isNull() && writer.write(picture) && buffer.size() <= maxPreviewBytes
+        ? buffer.data()
+        : QByteArray();
 }
 
 } // namespace
@@ -193,7 +234,7 @@ void loadDecoders()
     }
 }
 
-QByteArray makePreview(QIODevice &file, const QByteArray &extension)
+QByteArray makePreview(QIODevice &file, const QByteArray &kind)
 {
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
     // Its own limit is lower than ours; ours is checked below.
@@ -209,7 +250,10 @@ QByteArray makePreview(QIODevice &file, const QByteArray &extension)
     reader.setAutoTransform(true);
     if (!reader.canRead() || reader.size().isEmpty())
         return {};
-    const bool png = extension == "png";
-    const QImage picture = png ? previewOfPng(reader) : previewOfJpg(reader, whole);
-    return picture.isNull() ? QByteArray() : encoded(picture, png ? "PNG" : "JPEG");
+    if (kind == "png")
+        return encoded(previewOfPng(reader), "PNG");
+    if (kind == "jpg")
+        return encoded(previewOfJpg(reader, whole), "JPEG");
+    const QImage picture = previewWithin(reader, kind.toInt(), whole);
+    return encoded(picture, isTransparent(picture) ? "PNG" : "JPEG");
 }

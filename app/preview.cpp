@@ -76,14 +76,14 @@ void giveWay()
     static_cast<void>(::syscall(SYS_ioprio_set, ioprioProcess, 0, ioprioIdle));
 }
 
-ExitStatus convert(const QByteArray &extension)
+ExitStatus convert(const QByteArray &kind)
 {
     QFile picture;
     QFile preview;
     if (!picture.open(STDIN_FILENO, QIODevice::ReadOnly) || picture.isSequential()
         || !preview.open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered))
         return Refused;
-    const QByteArray bytes = makePreview(picture, extension);
+    const QByteArray bytes = makePreview(picture, kind);
     return !bytes.isEmpty() && preview.write(bytes) == bytes.size() ? Made : Refused;
 }
 
@@ -91,7 +91,7 @@ ExitStatus convert(const QByteArray &extension)
 
 /// Makes the preview of one picture for a server, in a process of its own that hostile pictures
 /// can take down alone: reads standard input, which is a file, and writes standard output. The
-/// only argument says what the picture's name ends in: "png" or "jpg".
+/// only argument is the kind of the preview, see `makePreview`.
 int main(int argc, char **argv)
 {
     if (argc != 2 || !setLimits())

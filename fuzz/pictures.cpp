@@ -4,9 +4,12 @@
 #include <QByteArray>
 
 #include <cstdint>
+#include <iterator>
 #include <new>
 
-/// Pictures as the preview program gets them; the first byte says by which ending.
+constexpr const char *kinds[] = { "png", "jpg", "320" };
+
+/// Pictures as the preview program gets them; the first byte says for which kind of preview.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
     if (size == 0)
@@ -14,6 +17,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     QByteArray bytes(reinterpret_cast<const char *>(data) + 1, int(size) - 1);
     QBuffer file(&bytes);
     file.open(QIODevice::ReadOnly);
-    makePreview(file, data[0] % 2 == 0 ? "png" : "jpg");
+    makePreview(file, kinds[data[0] % std::size(kinds)]);
     return 0;
 }
