@@ -1,7 +1,6 @@
 #include "app/ServerRules.h"
 
 #include "app/Process.h"
-#include "app/WorkingFolder.h"
 #include "config/Profile.h"
 
 #include <QCoreApplication>
@@ -66,7 +65,7 @@ SandboxRules serverRules(const QString &shared, const Profile &profile)
     QDir().mkpath(previewFolder());
     rules.readable = readableFor(profile.directories());
     rules.writable = QStringList{ profile.directories().profiles, previewFolder(),
-                                  WorkingFolder::usualPlace(), QStringLiteral("/dev/null") };
+                                  profile.directories().cache, QStringLiteral("/dev/null") };
     QStringList &shares = profile.letsSomebodyChange() ? rules.writable : rules.readable;
     shares.append(folderOf(shared));
     return rules;

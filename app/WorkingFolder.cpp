@@ -2,7 +2,6 @@
 
 #include <QDir>
 #include <QFile>
-#include <QStandardPaths>
 
 #include <cstdlib>
 
@@ -41,15 +40,8 @@ void sweep(const QString &place)
 
 } // namespace
 
-QString WorkingFolder::usualPlace()
-{
-    return QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation)
-        + QLatin1String("/quillon");
-}
-
 WorkingFolder::WorkingFolder(const QString &place)
-    : path(QFile::encodeName(place + QLatin1Char('/') + QLatin1String(folderPrefix)
-                             + QLatin1String("XXXXXX")))
+    : path(QFile::encodeName(place + QLatin1String(folderPrefix) + QLatin1String("XXXXXX")))
 {
     if (!QDir().mkpath(place))
         return;

@@ -10,11 +10,8 @@
 class WorkingFolder
 {
 public:
-    /// Where the folders of this user's processes lie.
-    static QString usualPlace();
-
-    /// Makes the folder in `place` and enters it.
-    explicit WorkingFolder(const QString &place = usualPlace());
+    /// Makes the folder in `place`, which ends with a slash, and enters it.
+    explicit WorkingFolder(const QString &place);
 
     /// Leaves the folder; an empty one is removed.
     ~WorkingFolder();

@@ -106,7 +106,7 @@ int main(int argc, char **argv)
     FirstInstance first(directories.profiles);
     if (first.handOver(line.request))
         return Done;
-    const WorkingFolder workingFolder;
+    const WorkingFolder workingFolder(directories.cache);
 
     Profiles profiles(directories);
     Previews::sweep(previewFolder());
@@ -119,7 +119,7 @@ int main(int argc, char **argv)
     if (!hasFolder)
         events.msg(MainWindow::tr("Can't make the folder"), directories.profiles);
     if (!workingFolder.isEntered())
-        events.msg(MainWindow::tr("Can't make the folder"), WorkingFolder::usualPlace());
+        events.msg(MainWindow::tr("Can't make the folder"), directories.cache);
     QObject::connect(&first, &FirstInstance::called, &window, &MainWindow::call);
     endWithTheSession(&app, &window);
     window.call(line.request);

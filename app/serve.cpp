@@ -487,9 +487,9 @@ int main(int argc, char **argv)
     }
 
     const QString shared = QFileInfo(options.path).absoluteFilePath();
-    const WorkingFolder workingFolder;
+    const WorkingFolder workingFolder(directories.cache);
     if (!workingFolder.isEntered()) {
-        console.error(text("Can't make the folder %1").arg(WorkingFolder::usualPlace()));
+        console.error(text("Can't make the folder %1").arg(directories.cache));
         return Failed;
     }
 

@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QLocale>
+#include <QStandardPaths>
 #include <QStringList>
 
 #include <algorithm>
@@ -41,6 +42,8 @@ Directories Directories::ofProcess()
     Directories found;
     found.profiles = QDir::homePath() + QLatin1String("/.quillon/");
     found.state = stateFolder() + QLatin1String("/quillon/");
+    found.cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation)
+        + QLatin1String("/quillon/");
     found.resources =
         withSlash(QDir(given.isEmpty() ? QStringLiteral("/opt/quillon") : given).absolutePath());
     found.icons = found.resources + QLatin1String("img/");
