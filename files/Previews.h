@@ -41,6 +41,8 @@ public:
     /// Removes from `folder` what runs left behind that ended abnormally, and nothing else.
     static void sweep(const QString &folder);
 
+    QString program() const { return maker.program(); }
+
     /// How far the preview of a picture is; one that is new is queued, one that waits is moved
     /// ahead. `extension` is what its name ends in, "png" or "jpg". `open` is called when its
     /// turn comes, perhaps long after, so it owns what it needs, or not at all.

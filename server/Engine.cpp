@@ -1,5 +1,7 @@
 #include "server/Engine.h"
 
+#include "files/Previews.h"
+
 #include <algorithm>
 #include <utility>
 
@@ -27,9 +29,12 @@ Engine::Engine(FaceMaker makeFace, const Directories &directories, StatusSink *s
     : forms(maxForms)
     , peers(maxConnections())
     , guesses(sink)
+    , keptPreviews(previews ? std::make_unique<KeptPreviews>(
+                       previews->program(), directories.cache + QLatin1String("previews"), disk)
+                            : nullptr)
     , common(std::make_shared<ServerSetup>(ServerSetup{
           std::move(makeFace), sink, &poller, &forms, &disk, &listings, &memory, &turns, &copies,
-          &archives, &peers, &passwords, &guesses, previews, directories }))
+          &archives, &peers, &passwords, &guesses, previews, keptPreviews.get(), directories }))
 {
     QObject::connect(&memory, &MemoryTrim::roomNeeded, &listings, [this] {
         forms.close();

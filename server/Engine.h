@@ -1,6 +1,7 @@
 #pragma once
 
 #include "files/DiskWorker.h"
+#include "files/KeptPreviews.h"
 #include "files/ListingCache.h"
 #include "net/Poller.h"
 #include "server/Guesses.h"
@@ -37,5 +38,6 @@ private:
     MemoryTrim memory{ disk };
     Turns turns{ memory };
     PasswordChecks passwords{ disk };
+    std::unique_ptr<KeptPreviews> keptPreviews; ///< null without previews
     std::shared_ptr<const ServerSetup> common;
 };

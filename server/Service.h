@@ -14,6 +14,7 @@
 
 class DiskWorker;
 class Guesses;
+class KeptPreviews;
 class ListingCache;
 class MemoryBudget;
 class MemoryTrim;
@@ -43,7 +44,8 @@ struct ServerSetup
     PeerCount *peers = nullptr;
     PasswordChecks *passwords = nullptr;
     Guesses *guesses = nullptr; ///< at passwords
-    Previews *previews = nullptr;
+    Previews *previews = nullptr; ///< in the lists of the classic face
+    KeptPreviews *keptPreviews = nullptr; ///< in the standard face
     Directories directories;
 };
 

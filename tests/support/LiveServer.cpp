@@ -15,6 +15,7 @@ TestHome::TestHome()
 {
     qputenv("HOME", dir.path().toUtf8());
     qunsetenv("XDG_STATE_HOME");
+    qunsetenv("XDG_CACHE_HOME");
     const QString resources = dir.path() + QLatin1String("/res");
     QDir().mkpath(resources + QLatin1String("/img"));
     QDir().mkpath(resources + QLatin1String("/lang/C"));
