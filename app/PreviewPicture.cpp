@@ -127,22 +127,41 @@ bool isTransparent(const QImage &picture)
 struct Format
 {
     const char *name; ///< of its decoder
-    const char *signature; ///< that its files begin with
+    const char *signature; ///< that its files have
+    int offset = 0; ///< bytes in front of that
 };
 
-constexpr Format formats[] = { { "png", "\x89PNG\r\n\x1a\n" }, { "jpeg", "\xff\xd8" } };
+/// Those of telephones and of the web need plugins that not every system has.
+constexpr Format formats[] = {
+    { "png", "\x89PNG\r\n\x1a\n" },
+    { "jpeg", "\xff\xd8" },
+    { "gif", "GIF8" },
+    { "webp", "RIFF" },
+    { "heic", "ftypheic", 4 },
+    { "heic", "ftypheix", 4 },
+    { "heic", "ftypmif1", 4 },
+    { "avif", "ftypavif", 4 },
+};
 
-/// Only what the extensions stand for is decoded, though one may stand for the other. No other
-/// decoder gets to see the file.
+/// No other decoder gets to see the file.
 QByteArray formatOf(QIODevice &file)
 {
-    constexpr int longestSignature = 8;
-    const QByteArray start = file.peek(longestSignature);
+    constexpr int enough = 12;
+    const QByteArray start = file.peek(enough);
     for (const Format &format : formats) {
-        if (start.startsWith(format.signature))
+        if (start.mid(format.offset).startsWith(format.signature))
             return format.name;
     }
     return {};
+}
+
+/// What is asked for by the ending of its name is of one of the two formats that endings stand for,
+/// though one may stand for the other.
+bool isDecoded(const QByteArray &format, const QByteArray &kind)
+{
+    if (kind == "png" || kind == "jpg")
+        return format == "png" || format == "jpeg";
+    return !format.isEmpty();
 }
 
 // Of ITU-T T.81, annex B.
@@ -224,11 +243,11 @@ QByteArray encoded(const QImage &picture, const char *format)
 
 } // namespace
 
-void loadDecoders()
+void loadCodecs(QIODevice &file)
 {
-    for (const Format &format : formats) {
+    for (const QByteArray &format : { formatOf(file), QByteArray("jpeg") }) {
         QBuffer nothing;
-        QImageReader reader(&nothing, format.name);
+        QImageReader reader(&nothing, format);
         reader.setAutoDetectImageFormat(false);
         static_cast<void>(reader.canRead());
     }
@@ -241,7 +260,7 @@ QByteArray makePreview(QIODevice &file, const QByteArray &kind)
     QImageReader::setAllocationLimit(int(maxPreviewMemory / (1024 * 1024)));
 #endif
     const QByteArray format = formatOf(file);
-    if (format.isEmpty())
+    if (!isDecoded(format, kind))
         return {};
     const bool whole = holdsWholeJpeg(file);
     file.seek(0);

@@ -12,8 +12,8 @@ constexpr int previewSize = 124; ///< pixels, of those in lists
 constexpr qint64 maxPreviewMemory = qint64(256) * 1024 * 1024; ///< bytes while one is made
 constexpr qint64 maxPreviewBytes = qint64(8) * 1024 * 1024; ///< of a finished one
 
-/// Loads what `makePreview` decodes with, so that it needs no file any more.
-void loadDecoders();
+/// Loads what `makePreview` needs for the picture in `file`, so that it opens no other any more.
+void loadCodecs(QIODevice &file);
 
 /// The preview of the picture in `file`, which is read from its start, turned as its camera was
 /// held. `kind` is "png" (as wide as the preview's size, in that format), "jpg" (fits into a square

@@ -56,9 +56,9 @@ bool setLimits()
 
 /// A picture that takes a decoder over gets nothing by it but its own bytes and the place of its
 /// preview. Where the kernel can't do that, the limits have to do.
-void shutOut()
+void shutOut(QIODevice &picture)
 {
-    loadDecoders();
+    loadCodecs(picture);
     static_cast<void>(confine({}));
     static_cast<void>(forbidOtherCalls());
 }
@@ -83,6 +83,7 @@ ExitStatus convert(const QByteArray &kind)
     if (!picture.open(STDIN_FILENO, QIODevice::ReadOnly) || picture.isSequential()
         || !preview.open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered))
         return Refused;
+    shutOut(picture);
     const QByteArray bytes = makePreview(picture, kind);
     return !bytes.isEmpty() && preview.write(bytes) == bytes.size() ? Made : Refused;
 }
@@ -98,7 +99,6 @@ int main(int argc, char **argv)
         return Refused;
     giveWay();
     try {
-        shutOut();
         return convert(argv[1]);
     } catch (const std::bad_alloc &) {
         return Refused;
