@@ -15,6 +15,7 @@ public:
                 TrafficAccount *counter);
     ~PlainSocket() override;
 
+    bool hasStopped() const override { return inputEnded; }
     bool canSend() const override { return state == State::Open; }
     qint64 queued() const override { return queue.size(); }
     bool isCongested() const override { return poller->isCrowded(queued()); }

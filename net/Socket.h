@@ -87,6 +87,10 @@ public:
     /// traffic limit was reached.
     qint64 sendFile(int fd, qint64 offset, qint64 count);
 
+    /// Whether the peer stopped sending while it may still receive: who just leaves is seen no
+    /// other way. What it sent before may still wait to be read.
+    virtual bool hasStopped() const { return false; }
+
     /// Whether what is written may still reach the peer; false before the user is told `gone`.
     virtual bool canSend() const = 0;
 

@@ -56,6 +56,9 @@ void Channel::takeInput()
     case State::Lingering:
         return linger();
     case State::Replying:
+        if (socket.hasStopped())
+            user.peerStopped();
+        return;
     case State::Streaming:
     case State::Closing:
     case State::Gone:
@@ -85,6 +88,8 @@ void Channel::collectHead()
     keepAlive = request.keepAlive;
     body.begin(request.framing);
     user.requestReady(std::move(request));
+    if (state == State::Replying && socket.hasStopped())
+        user.peerStopped();
 }
 
 /// Nobody can say where the next request would begin, or how much of this one is on its way.

@@ -32,6 +32,7 @@ public:
         virtual void bodyEnded(BodyEnd end) = 0; ///< see `readBody`
         virtual void drained() = 0; ///< more can be written
         virtual void fileSent() = 0; ///< see `sendFile`
+        virtual void peerStopped() = 0; ///< sending, and most likely left, before its reply began
         virtual void replyEnded() = 0; ///< the reply is over, or its peer is gone
 
     private:

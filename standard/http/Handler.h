@@ -40,6 +40,9 @@ public:
     /// `Exchange::sendFile`. None when the reply is no such file.
     virtual std::optional<qint64> bytesLeft() const { return {}; }
 
+    /// The peer sends nothing more. Some still wait for their reply; most have left.
+    virtual void peerStopped() { }
+
     /// For the face: the reply is over, or nobody waits for it any more.
     void end()
     {

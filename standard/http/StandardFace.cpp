@@ -292,6 +292,12 @@ void StandardFace::fileSent()
         handler->fileSent();
 }
 
+void StandardFace::peerStopped()
+{
+    if (isAnswering)
+        handler->peerStopped();
+}
+
 void StandardFace::replyEnded()
 {
     checking.reset();

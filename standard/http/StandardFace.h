@@ -43,6 +43,7 @@ private:
     void bodyEnded(BodyEnd end) override;
     void drained() override;
     void fileSent() override;
+    void peerStopped() override;
     void replyEnded() override;
 
     void bodySaved(BodyEnd end);
