@@ -9,6 +9,8 @@
 #include "standard/http/StandardFace.h"
 #include "standard/web/Routes.h"
 
+#include <utility>
+
 namespace {
 
 /// The order matters: the first route that fits is taken, and the desktop client's listing is a
@@ -26,8 +28,9 @@ Routes classicRoutes()
 FaceMaker allFaces()
 {
     standard::Routes routes = standard::withDav(standard::fileRoutes());
-    for (const auto with : { standard::withUploads, standard::withArchives, standard::withUndo,
-                             standard::withPad, standard::withLogins, standard::withAuthority })
+    for (const auto with :
+         { standard::withUploads, standard::withArchives, standard::withPreviews,
+           standard::withUndo, standard::withPad, standard::withLogins, standard::withAuthority })
         routes = with(std::move(routes));
     return chosenFaces(classicFaces(classicRoutes()), standard::standardFaces(routes));
 }

@@ -71,7 +71,8 @@ void PropFind::bodyReady(const QByteArray &body)
     top.facts = found;
     PropertyReport report(asked, commonFacts(asked, *depth),
                           DavState::of(exchange.service()).properties());
-    const QByteArray part = formValue(exchange.request().target.query, "contains");
+    const QByteArray part =
+        formValue(exchange.request().target.query, "contains").value_or(QByteArray());
     job = std::make_shared<PropFindJob>(PropFindJob::Subject{ exchange.share(), std::move(top),
                                                               *depth, withFolders, exchange.urls(),
                                                               QString::fromUtf8(part) },

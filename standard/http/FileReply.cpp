@@ -208,7 +208,7 @@ void FileReply::sendListing(const FolderListing *listing)
 bool FileReply::isArchived() const
 {
     const Route *route = findRoute(exchange.routes(), Method::Get, exchange.path(), archiveQuery);
-    return route && route->query && exchange.access().may(Right::Read, exchange.path());
+    return route && route->parameter && exchange.access().may(Right::Read, exchange.path());
 }
 
 } // namespace standard

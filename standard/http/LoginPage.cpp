@@ -49,7 +49,8 @@ QByteArray loginUrl(const Exchange &exchange)
 
 QByteArray urlAfterLogin(const Exchange &exchange)
 {
-    const QByteArray wanted = formValue(exchange.request().target.query, wantedField);
+    const QByteArray wanted =
+        formValue(exchange.request().target.query, wantedField).value_or(QByteArray());
     const QByteArray path = cleanPath(wanted);
     return exchange.urlPath(isReserved(path) ? QByteArray() : path, wanted.endsWith('/'));
 }

@@ -43,7 +43,7 @@ Field allowField(const Exchange &exchange)
     const EntryFacts found = knownFacts(exchange);
     QByteArray methods;
     for (const Route &route : exchange.routes().rows) {
-        if (!route.query && isFor(route, exchange.path())
+        if (!route.parameter && isFor(route, exchange.path())
             && (route.below || isAnswered(route.method, exchange, found)))
             methods += (methods.isEmpty() ? "" : ", ") + nameOf(route.method);
     }

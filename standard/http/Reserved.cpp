@@ -3,8 +3,7 @@
 #include "files/Path.h"
 #include "server/Access.h"
 #include "standard/http/Routes.h"
-
-#include <QList>
+#include "standard/http/Uri.h"
 
 namespace standard {
 
@@ -27,11 +26,9 @@ bool isFor(const Route &route, const QByteArray &path)
 const Route *findRoute(const Routes &routes, Method method, const QByteArray &path,
                        const QByteArray &query)
 {
-    const auto isAsked = [&query](const char *field) {
-        return !field || (!query.isEmpty() && query.split('&').contains(field));
-    };
     for (const Route &route : routes.rows) {
-        if (route.method == method && isAsked(route.query) && isFor(route, path))
+        if (route.method == method && isFor(route, path)
+            && (!route.parameter || (!query.isEmpty() && formValue(query, route.parameter))))
             return &route;
     }
     return nullptr;

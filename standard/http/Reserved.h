@@ -21,7 +21,7 @@ bool isReserved(const QByteArray &home, const QByteArray &path);
 /// Whether a route answers for what a clean path names, when the query is right as well.
 bool isFor(const Route &route, const QByteArray &path);
 
-/// The first that answers a method for it; null when there is none.
+/// The first that answers a method for it and a query; null when there is none.
 const Route *findRoute(const Routes &routes, Method method, const QByteArray &path,
                        const QByteArray &query = {});
 

@@ -13,6 +13,7 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <utility>
 
 namespace standard {
 
@@ -65,9 +66,14 @@ Status statusOf(DiskError error)
     return Status::Forbidden;
 }
 
+Fields validatorFields(const Validators &current)
+{
+    return { { "ETag", current.tag }, { "Last-Modified", httpDate(current.modified) } };
+}
+
 Fields validatorFields(const EntryFacts &facts)
 {
-    return { { "ETag", entityTag(facts) }, { "Last-Modified", httpDate(facts.seconds) } };
+    return validatorFields(Validators{ true, entityTag(facts), facts.seconds });
 }
 
 EntryFacts ResourceHandler::factsAt(const QByteArray &path) const
@@ -149,13 +155,13 @@ bool ResourceHandler::meetsConditions(const EntryFacts &found)
         || meetsConditions(Validators::of(found), validatorFields(found));
 }
 
-bool ResourceHandler::meetsConditions(const Validators &current, const Fields &fields)
+bool ResourceHandler::meetsConditions(const Validators &current, Fields unmodified)
 {
     switch (judge(exchange.request(), current)) {
     case Verdict::Proceed:
         return true;
     case Verdict::NotModified:
-        exchange.reply(Status::NotModified, fields);
+        exchange.reply(Status::NotModified, std::move(unmodified));
         return false;
     case Verdict::Failed:
         break;

@@ -22,7 +22,10 @@ Status statusOf(int error);
 /// What it means when something can't be put on the disk.
 Status statusOf(DiskError error);
 
-/// "ETag" and "Last-Modified" of a file.
+/// "ETag" and "Last-Modified".
+Fields validatorFields(const Validators &current);
+
+/// Those of a file.
 Fields validatorFields(const EntryFacts &facts);
 
 /// Why something below a folder stays as it is.
@@ -72,8 +75,8 @@ protected:
     /// Whether the conditions of the request let it be done; else it is refused.
     bool meetsConditions(const EntryFacts &found);
 
-    /// The same of what has these validators, which `fields` tell.
-    bool meetsConditions(const Validators &current, const Fields &fields);
+    /// The same of something else, with the fields that say so when it wasn't modified.
+    bool meetsConditions(const Validators &current, Fields unmodified);
 
     /// To be told what becomes of what the request changes; null when nobody is to.
     std::shared_ptr<GuardedTree> guarded() const;

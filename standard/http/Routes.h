@@ -22,7 +22,7 @@ struct Route
     std::unique_ptr<Handler> (*make)(Exchange &exchange);
     const char *below = nullptr; ///< the reserved path that it answers for; null: all others
     bool isOpen = false; ///< to who has not logged in
-    const char *query = nullptr; ///< the field that a request asks for it by; null: any or none
+    const char *parameter = nullptr; ///< of the query that it answers for; null: any query
 };
 
 /// The `make` of a route for a handler that needs nothing but the exchange.

@@ -231,10 +231,10 @@ void StandardFace::refuseLogin(Authenticator::Outcome outcome)
 void StandardFace::dispatch()
 {
     connection.noteAccount(exchange.access().account);
-    if (namesHiddenUpload(exchange.path()))
-        return exchange.refuse(
-            isSafe(exchange.request().method) ? Status::NotFound : Status::Forbidden, keptNames);
     const Request &request = exchange.request();
+    if (namesHiddenUpload(exchange.path()))
+        return exchange.refuse(isSafe(request.method) ? Status::NotFound : Status::Forbidden,
+                               keptNames);
     const Route *route =
         findRoute(common->routes, request.method, exchange.path(), request.target.query);
     if (!route)

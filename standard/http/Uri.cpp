@@ -90,10 +90,10 @@ std::optional<Target> parseTarget(const QByteArray &text)
     return target;
 }
 
-QByteArray formValue(const QByteArray &form, const QByteArray &name)
+std::optional<QByteArray> formValue(const QByteArray &form, const QByteArray &name)
 {
     const std::vector<QByteArray> values = formValues(form, name);
-    return values.empty() ? QByteArray() : values.front();
+    return values.empty() ? std::nullopt : std::optional(values.front());
 }
 
 std::vector<QByteArray> formValues(const QByteArray &form, const QByteArray &name)

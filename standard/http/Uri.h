@@ -24,9 +24,9 @@ std::optional<Target> parseTarget(const QByteArray &text);
 /// Decodes "%41". None when a "%" is followed by something else than two hex digits, and for "%00".
 std::optional<QByteArray> percentDecoded(const QByteArray &text);
 
-/// The value of a field in a query or a form (application/x-www-form-urlencoded). Empty when there
-/// is none, or it is badly encoded.
-QByteArray formValue(const QByteArray &form, const QByteArray &name);
+/// The value of a field in a query or a form (application/x-www-form-urlencoded). None when it
+/// isn't there, empty when it is badly encoded.
+std::optional<QByteArray> formValue(const QByteArray &form, const QByteArray &name);
 
 /// The same of all fields of that name.
 std::vector<QByteArray> formValues(const QByteArray &form, const QByteArray &name);

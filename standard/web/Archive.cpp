@@ -51,8 +51,8 @@ void Archive::start()
         return;
     if (!found.exists)
         return exchange.refuse(Status::NotFound);
-    if (!found.folder)
-        return exchange.refuse(Status::BadRequest, "Only of folders there are archives.");
+    if (!found.folder || formValue(exchange.request().target.query, parameter) != "zip")
+        return exchange.refuse(Status::BadRequest, "There are zip archives of folders alone.");
     if (!exchange.service().profile->showsFolders())
         return exchange.refuse(Status::Forbidden, "Folders are not listed here.");
     if (exchange.request().method != Method::Post)

@@ -23,6 +23,8 @@ namespace standard {
 class Archive final : public ResourceHandler, private PassTaker
 {
 public:
+    static constexpr auto parameter = "archive";
+
     using ResourceHandler::ResourceHandler;
     ~Archive() override { stop(); }
 

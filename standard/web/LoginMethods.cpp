@@ -67,8 +67,8 @@ void LogIn::bodyReady(const QByteArray &form)
     if (profile.admitsEveryone())
         return leadTo(exchange, urlAfterLogin(exchange));
     if (profile.authMode == AuthBasic)
-        given.user = formValue(form, "name");
-    given.password = formValue(form, "password");
+        given.user = formValue(form, "name").value_or(QByteArray());
+    given.password = formValue(form, "password").value_or(QByteArray());
     look();
 }
 

@@ -9,6 +9,7 @@
 #include "standard/web/LoginMethods.h"
 #include "standard/web/OpenUploads.h"
 #include "standard/web/PadMethods.h"
+#include "standard/web/PreviewReply.h"
 #include "standard/web/RemovedEntries.h"
 #include "standard/web/Tus.h"
 #include "standard/web/UndoMethods.h"
@@ -46,12 +47,23 @@ Routes withPad(Routes routes)
     return routes;
 }
 
+/// In front of the folders that they are of.
 Routes withArchives(Routes routes)
 {
     for (const Method method : { Method::Get, Method::Head, Method::Post })
         routes.rows.insert(routes.rows.begin(),
-                           { method, makeHandler<Archive>, nullptr, false, archiveQuery });
+                           { method, makeHandler<Archive>, nullptr, false, Archive::parameter });
     routes.sums = std::make_shared<FileSums>();
+    return routes;
+}
+
+/// In front of the files that they are of.
+Routes withPreviews(Routes routes)
+{
+    for (const Method method : { Method::Get, Method::Head })
+        routes.rows.insert(
+            routes.rows.begin(),
+            { method, makeHandler<PreviewReply>, nullptr, false, PreviewReply::parameter });
     return routes;
 }
 

@@ -16,6 +16,9 @@ Routes withPad(Routes routes);
 /// `routes` with archives of folders.
 Routes withArchives(Routes routes);
 
+/// `routes` with previews of pictures.
+Routes withPreviews(Routes routes);
+
 /// `routes` with a page where browsers log in, and out.
 Routes withLogins(Routes routes);
 

@@ -504,6 +504,10 @@ void TestServe::worksConfined()
     QTRY_VERIFY(RawClient(port)
                     .exchange(rawRequest("GET", "/", "User-Agent: Mozilla/5.0\r\n"))
                     .body.contains("<img src=\"/_t/"));
+    const QByteArray preview =
+        rawRequest("GET", "/a.jpg?preview=160", "User-Agent: davfs2/1.6\r\n");
+    QTRY_VERIFY(RawClient(port).exchange(preview).status().startsWith("200"));
+    QTRY_VERIFY(namesIn(home->path() + "/cache/quillon/previews"_q).endsWith("-160"_q));
     program.terminate();
     QCOMPARE(exitStatus(), 0);
     QVERIFY(!program.readAllStandardError().contains("saved"));

@@ -11,6 +11,7 @@ inline RawReply replyTo(const LiveServer &server, const QByteArray &method,
 {
     RawClient client(server.port());
     client.send(rawRequest(method, target, headers + "Connection: close\r\n", body));
+    client.waitForClose(60000); // what gives way to other programs may take long
     const QByteArray all = client.readToEnd();
     const int end = int(all.indexOf("\r\n\r\n"));
     return { all.left(end), all.mid(end + 4) };

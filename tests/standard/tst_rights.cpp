@@ -22,7 +22,7 @@ class SharedFolders : public StandardServer
 public:
     SharedFolders()
         : StandardServer({ { "a", "a" }, { "b", "b" }, { "d/x", "d/x" }, { "e/x", "e/x" } },
-                         withArchives(withDav(fileRoutes())))
+                         withPreviews(withArchives(withDav(fileRoutes()))))
     {
     }
 };
@@ -52,6 +52,7 @@ void TestRights::methodsTakeTheirRights_data()
     row("way to a folder page", "GET", "/d", "", "", "see", 308);
     row("archive", "GET", "/d/?archive=zip", "", "", "see, read", 200);
     row("archive of some", "POST", "/d/?archive=zip", formHeader, "name=x", "see, read", 200);
+    row("preview", "GET", "/a?preview=160", "", "", "read", 404);
     row("missing file", "GET", "/c", "", "", "read", 404);
     row("list", "PROPFIND", "/", "Depth: 1\r\n", "", "see", 207);
     row("properties of what is missing", "PROPFIND", "/c", "", "", "see", 404);
