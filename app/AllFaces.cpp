@@ -28,9 +28,9 @@ Routes classicRoutes()
 FaceMaker allFaces()
 {
     standard::Routes routes = standard::withDav(standard::fileRoutes());
-    for (const auto with :
-         { standard::withUploads, standard::withArchives, standard::withPreviews,
-           standard::withUndo, standard::withPad, standard::withLogins, standard::withAuthority })
+    for (const auto with : { standard::withUploads, standard::withArchives, standard::withPreviews,
+                             standard::withUndo, standard::withPad, standard::withVisitors,
+                             standard::withLogins, standard::withAuthority })
         routes = with(std::move(routes));
     return chosenFaces(classicFaces(classicRoutes()), standard::standardFaces(routes));
 }

@@ -14,6 +14,7 @@
 #include "standard/web/Tus.h"
 #include "standard/web/UndoMethods.h"
 #include "standard/web/UploadMethods.h"
+#include "standard/web/VisitorReply.h"
 
 namespace standard {
 
@@ -64,6 +65,13 @@ Routes withPreviews(Routes routes)
         routes.rows.insert(
             routes.rows.begin(),
             { method, makeHandler<PreviewReply>, nullptr, false, PreviewReply::parameter });
+    return routes;
+}
+
+Routes withVisitors(Routes routes)
+{
+    for (const Method method : { Method::Get, Method::Head })
+        routes.rows.push_back({ method, makeHandler<VisitorReply>, visitorPath });
     return routes;
 }
 

@@ -19,6 +19,9 @@ Routes withArchives(Routes routes);
 /// `routes` with previews of pictures.
 Routes withPreviews(Routes routes);
 
+/// `routes` with what pages need to know of their visitors.
+Routes withVisitors(Routes routes);
+
 /// `routes` with a page where browsers log in, and out.
 Routes withLogins(Routes routes);
 

@@ -21,8 +21,9 @@ class SharedFolders : public StandardServer
 {
 public:
     SharedFolders()
-        : StandardServer({ { "a", "a" }, { "b", "b" }, { "d/x", "d/x" }, { "e/x", "e/x" } },
-                         withPreviews(withArchives(withDav(fileRoutes()))))
+        : StandardServer(
+            { { "a", "a" }, { "b", "b" }, { "d/x", "d/x" }, { "e/x", "e/x" } },
+            withUploads(withVisitors(withPreviews(withArchives(withDav(fileRoutes()))))))
     {
     }
 };
@@ -37,6 +38,7 @@ private Q_SLOTS:
     void methodsTakeTheirRights();
     void whoOnlyAddsLearnsNothing();
     void homesAreRoots();
+    void pagesLearnThem();
     void accountsNeedALogin();
 };
 
@@ -170,6 +172,24 @@ void TestRights::homesAreRoots()
     server.profile->accountRights.insert(QStringLiteral("d"), { {}, "/missing" });
     QCOMPARE(server.status("GET", "/", mine), 404);
     QCOMPARE(server.status("PUT", "/x", mine, "new"), 409);
+}
+
+void TestRights::pagesLearnThem()
+{
+    SharedFolders server;
+    server.askForLogin("d:1");
+    server.profile->accountRights.insert(QStringLiteral("d"),
+                                         { Rights(Right::See) | Right::Add, "/d" });
+    const auto told = [&server](const char *query) {
+        return replyTo(server, "GET", QByteArray("/.quillon/visitor") + query, basicLogin("d:1"))
+            .body;
+    };
+    const QByteArray mine = R"({"add":true,"change":false,"delete":false,"logout":null,)"
+                            R"("name":"d","read":false,"see":true,"share":"d","uploads":)";
+    QCOMPARE(told("?path=/s%20t/"), mine + R"("/.quillon/tus/s%20t"})");
+    QCOMPARE(told(""), mine + R"("/.quillon/tus"})");
+    QVERIFY(told("?path=/.quillon/tus").contains(R"("add":false)"));
+    QCOMPARE(server.status("GET", "/.quillon/visitor"), 401);
 }
 
 void TestRights::accountsNeedALogin()
