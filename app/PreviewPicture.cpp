@@ -159,7 +159,7 @@ QByteArray formatOf(QIODevice &file)
 /// though one may stand for the other.
 bool isDecoded(const QByteArray &format, const QByteArray &kind)
 {
-    if (kind == "png" || kind == "jpg")
+    if (isForLists(kind))
         return format == "png" || format == "jpeg";
     return !format.isEmpty();
 }
@@ -242,6 +242,11 @@ QByteArray encoded(const QImage &picture, const char *format)
 }
 
 } // namespace
+
+bool isForLists(const QByteArray &kind)
+{
+    return kind == "png" || kind == "jpg";
+}
 
 void loadCodecs(QIODevice &file)
 {

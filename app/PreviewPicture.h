@@ -12,6 +12,9 @@ constexpr int previewSize = 124; ///< pixels, of those in lists
 constexpr qint64 maxPreviewMemory = qint64(256) * 1024 * 1024; ///< bytes while one is made
 constexpr qint64 maxPreviewBytes = qint64(8) * 1024 * 1024; ///< of a finished one
 
+/// Whether a preview of this kind, see `makePreview`, is one for lists: nobody waits for it.
+bool isForLists(const QByteArray &kind);
+
 /// Loads what `makePreview` needs for the picture in `file`, so that it opens no other any more.
 void loadCodecs(QIODevice &file);
 

@@ -63,15 +63,20 @@ void shutOut(QIODevice &picture)
     static_cast<void>(forbidOtherCalls());
 }
 
-/// Takes what nobody else wants of processor and disk. Not every system has all three, and a
-/// preview is worth making without.
-void giveWay()
+/// Takes what nobody else wants of processor and disk; a little more when somebody waits, who would
+/// wait for ever on a machine that has always something to do. Not every system has all three, and
+/// a preview is worth making without.
+void giveWay(const QByteArray &kind)
 {
     constexpr int lowestNice = 19;
+    constexpr int niceOfAwaited = 10;
     constexpr int ioprioProcess = 1;
     constexpr int ioprioIdle = 3 << 13;
     const sched_param none = {};
-    static_cast<void>(::setpriority(PRIO_PROCESS, 0, lowestNice));
+    const bool isAwaited = !isForLists(kind);
+    static_cast<void>(::setpriority(PRIO_PROCESS, 0, isAwaited ? niceOfAwaited : lowestNice));
+    if (isAwaited)
+        return;
     static_cast<void>(::sched_setscheduler(0, SCHED_IDLE, &none));
     static_cast<void>(::syscall(SYS_ioprio_set, ioprioProcess, 0, ioprioIdle));
 }
@@ -97,7 +102,7 @@ int main(int argc, char **argv)
 {
     if (argc != 2 || !setLimits())
         return Refused;
-    giveWay();
+    giveWay(argv[1]);
     try {
         return convert(argv[1]);
     } catch (const std::bad_alloc &) {
