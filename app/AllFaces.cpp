@@ -27,10 +27,6 @@ Routes classicRoutes()
 
 FaceMaker allFaces()
 {
-    standard::Routes routes = standard::withDav(standard::fileRoutes());
-    for (const auto with : { standard::withUploads, standard::withArchives, standard::withPreviews,
-                             standard::withUndo, standard::withPad, standard::withVisitors,
-                             standard::withLogins, standard::withAuthority })
-        routes = with(std::move(routes));
+    const standard::Routes routes = standard::withWeb(standard::withDav(standard::fileRoutes()));
     return chosenFaces(classicFaces(classicRoutes()), standard::standardFaces(routes));
 }

@@ -5,11 +5,11 @@
 
 #include <cstdint>
 
-/// The standard face: heads, chunks, conditions, ranges, WebDAV, resumable uploads.
+/// The standard face: heads, chunks, conditions, ranges, WebDAV, and all that pages use.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size)
 {
-    static const FaceMaker faces = standard::standardFaces(standard::withLogins(
-        standard::withArchives(standard::withUploads(standard::withDav(standard::fileRoutes())))));
+    static const FaceMaker faces =
+        standard::standardFaces(standard::withWeb(standard::withDav(standard::fileRoutes())));
     talk(faces, QByteArray(reinterpret_cast<const char *>(data), int(size)));
     return 0;
 }

@@ -2,7 +2,6 @@
 
 #include "files/FileSums.h"
 #include "server/Authority.h"
-#include "standard/http/FolderPage.h"
 #include "standard/http/LoginPage.h"
 #include "standard/web/Archive.h"
 #include "standard/web/AuthorityFile.h"
@@ -15,6 +14,8 @@
 #include "standard/web/UndoMethods.h"
 #include "standard/web/UploadMethods.h"
 #include "standard/web/VisitorReply.h"
+
+#include <utility>
 
 namespace standard {
 
@@ -90,6 +91,14 @@ Routes withAuthority(Routes routes)
         for (const Method method : { Method::Get, Method::Head })
             routes.rows.push_back({ method, makeHandler<AuthorityFile>, path, true });
     }
+    return routes;
+}
+
+Routes withWeb(Routes routes)
+{
+    for (const auto with : { withUploads, withArchives, withPreviews, withUndo, withPad,
+                             withVisitors, withLogins, withAuthority })
+        routes = with(std::move(routes));
     return routes;
 }
 

@@ -28,4 +28,7 @@ Routes withLogins(Routes routes);
 /// `routes` with what visitors need to come to trust the server.
 Routes withAuthority(Routes routes);
 
+/// `routes` with all of these.
+Routes withWeb(Routes routes);
+
 } // namespace standard
