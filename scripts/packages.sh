@@ -23,6 +23,9 @@ packages_of() {
         echo libseccomp-dev
         # The build asks for it on behalf of the tests.
         echo python3
+        # Bundle the web application.
+        has node || echo nodejs
+        has npm || echo npm
         ;;
     test)
         # Clients that are not ours, and a display that nobody looks at.
@@ -32,8 +35,6 @@ packages_of() {
         echo xdotool iproute2
         # Proxies to stand behind, and other file systems, in programs of their own.
         echo nginx haproxy bindfs dosfstools exfat-fuse exfatprogs
-        has node || echo nodejs
-        has npm || echo npm
         ;;
     # libFuzzer is a part of the compiler.
     fuzz) echo clang ;;

@@ -13,7 +13,7 @@ lines() {
     git ls-files -z -- "$@" | xargs -0 -r cat -- | grep -c '[^[:space:]]' || true
 }
 
-code=$(lines '*.cpp' '*.h' webapp ':!tests' ':!bench' ':!fuzz')
+code=$(lines '*.cpp' '*.h' webapp ':!webapp/package*.json' ':!webapp/*.md' ':!tests' ':!bench' ':!fuzz')
 tests=$(lines 'tests/*'.{cpp,h,py,sh,mjs,js,txt})
 share=$((100 * tests / code))
 echo "Tests: $tests lines beside $code of code, $share %"

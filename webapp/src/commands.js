@@ -1,0 +1,137 @@
+// Everything that a visitor can do with entries, whatever key, button or gesture asked for it.
+
+import { downloadArchive, hasArchives } from './archive.js';
+import * as changes from './changes.js';
+import { h } from './dom.js';
+import { nameField } from './entry-view.js';
+import { showHelp } from './help.js';
+import { isViewable } from './kinds.js';
+import { showMenu } from './menu.js';
+import { noRights } from './rights.js';
+import { t } from './texts.js';
+
+function download(entry) {
+  const link = h('a', { href: entry.path, download: entry.name, hidden: true });
+  document.body.append(link);
+  link.click();
+  link.remove();
+}
+
+export class Commands {
+  rights = noRights;
+  #page;
+
+  // `page` is { folder, selection, grid, viewer, filterField, go(path) }.
+  constructor(page) {
+    this.#page = page;
+  }
+
+  // What a command for `entry` is about: all that is chosen, when it is among that.
+  subjects(entry) {
+    const { selection, folder } = this.#page;
+    return selection.has(entry.path) ? selection.of(folder.shown) : [entry];
+  }
+
+  get chosen() {
+    return this.#page.selection.of(this.#page.folder.shown);
+  }
+
+  open(entry) {
+    if (entry.isFolder)
+      this.#page.go(entry.path);
+    else if (isViewable(entry))
+      this.#page.viewer.open(entry);
+    else
+      download(entry);
+  }
+
+  // In place, where the entry stands.
+  rename(entry) {
+    const { grid, selection } = this.#page;
+    if (!this.rights.remove)
+      return;
+    selection.clear();
+    grid.focus(entry.path);
+    const field = nameField(grid.elementOf(entry.path), entry.name);
+    let isOver = false;
+    const end = async isWanted => {
+      if (isOver)
+        return;
+      isOver = true;
+      const name = field.value.trim();
+      field.remove();
+      grid.renew();
+      grid.focus(entry.path);
+      if (isWanted && name && name !== entry.name)
+        await this.#changed(changes.rename(entry, name));
+    };
+    field.addEventListener('keydown', event => {
+      event.stopPropagation();
+      if (event.key === 'Enter' || event.key === 'Escape')
+        end(event.key === 'Enter');
+    });
+    field.addEventListener('blur', () => end(true));
+  }
+
+  async #changed(change) {
+    const { folder, selection, grid } = this.#page;
+    const result = await change;
+    if (!result)
+      return;
+    selection.clear();
+    await folder.refresh();
+    if (typeof result === 'string')
+      grid.focus(result);
+    else
+      grid.focus();
+  }
+
+  newFolder = () => this.#changed(changes.newFolder(this.#page.folder.path));
+  newText = () => this.#changed(changes.newText(this.#page.folder.path));
+  remove = entries => this.rights.remove && entries.length > 0 && this.#changed(changes.remove(entries));
+
+  #options = isCopy => ({ isCopy, mayReplace: this.rights.change });
+  move = entries => this.#changed(changes.chooseAndPlace(this.#page.folder.path, entries, this.#options(false)));
+  copy = entries => this.#changed(changes.chooseAndPlace(this.#page.folder.path, entries, this.#options(true)));
+  placeInto = (folder, entries, isCopy) => this.#changed(changes.placeInto(folder, entries, this.#options(isCopy)));
+
+  canDownload = entries => hasArchives() || entries.every(({ isFolder }) => !isFolder);
+
+  download(entries) {
+    if (entries.length > 1 && hasArchives())
+      downloadArchive(this.#page.folder.path, entries);
+    else if (entries.length === 1 && entries[0].isFolder)
+      downloadArchive(this.#page.folder.path, entries);
+    else
+      entries.forEach(download);
+  }
+
+  menu(entry, anchor = this.#page.grid.elementOf(entry.path), point = null) {
+    const { selection } = this.#page;
+    if (!selection.has(entry.path))
+      selection.clear();
+    const entries = this.subjects(entry);
+    const { add, remove } = this.rights;
+    const items = [
+      { text: t('Open'), picture: entry.isFolder ? 'folder' : 'file', run: () => this.open(entry), is: entries.length === 1 },
+      { text: t('Download'), picture: 'download', run: () => this.download(entries), is: this.canDownload(entries) },
+      { text: t('Rename'), picture: 'rename', run: () => this.rename(entry), is: remove && entries.length === 1 },
+      { text: t('Move'), picture: 'move', run: () => this.move(entries), is: remove },
+      { text: t('Copy'), picture: 'copy', run: () => this.copy(entries), is: add },
+      { text: t('Select'), picture: 'selectAll', run: () => selection.toggle(entry.path), is: !selection.has(entry.path) },
+      { text: t('Delete'), picture: 'remove', run: () => this.remove(entries), is: remove },
+    ];
+    showMenu(entry, items.filter(({ is }) => is), anchor ?? this.#page.grid.elementOf(entry.path), point);
+  }
+
+  selectAll() {
+    const { folder, selection } = this.#page;
+    selection.all(folder.shown.map(({ path }) => path));
+  }
+
+  focusFilter() {
+    this.#page.filterField.focus();
+  }
+
+  help = showHelp;
+}

@@ -1,0 +1,90 @@
+// What the page asks of its server, by WebDAV. Every failure is a DavError.
+
+import { failedStatus, ListingReader } from './multistatus.js';
+
+export class DavError extends Error {
+  constructor(status, subject = '') {
+    super(`${status} ${subject}`);
+    this.status = status; // 0: nobody answered
+    this.subject = subject; // the path that it is about
+  }
+}
+
+const wanted = '<propfind xmlns="DAV:"><prop><resourcetype/><getcontentlength/><getlastmodified/></prop></propfind>';
+
+async function ask(method, path, headers = {}, body = undefined, signal = undefined) {
+  let reply;
+  try {
+    reply = await fetch(path, { method, headers, body, signal, redirect: 'manual', cache: 'no-store' });
+  } catch (error) {
+    if (error.name === 'AbortError')
+      throw error;
+    throw new DavError(0, path);
+  }
+  // Who has to log in anew is led to a page.
+  if (reply.type === 'opaqueredirect')
+    throw new DavError(401, path);
+  if (!reply.ok)
+    throw new DavError(reply.status, path);
+  return reply;
+}
+
+// The entries of a folder, without itself.
+export async function list(folder, signal) {
+  const reply = await ask('PROPFIND', folder, { Depth: '1', 'Content-Type': 'application/xml' }, wanted, signal);
+  const reader = new ListingReader(folder);
+  const bytes = reply.body.pipeThrough(new TextDecoderStream()).getReader();
+  for (let piece = await bytes.read(); !piece.done; piece = await bytes.read())
+    reader.add(piece.value);
+  return reader.entries;
+}
+
+// The methods that may be used on what stands, or could stand, at a path.
+export async function allowed(path) {
+  const reply = await ask('OPTIONS', path);
+  return new Set((reply.headers.get('Allow') ?? '').split(/,\s*/));
+}
+
+export const makeFolder = path => ask('MKCOL', path);
+
+export async function put(path, content, { replace = false } = {}) {
+  await ask('PUT', path, replace ? {} : { 'If-None-Match': '*' }, content);
+}
+
+// Some of what is below may have to stay: the first reason counts.
+async function askForAll(method, path, headers) {
+  const reply = await ask(method, path, headers);
+  if (reply.status === 207)
+    throw new DavError(failedStatus(await reply.text()), path);
+}
+
+export const remove = path => askForAll('DELETE', path);
+
+const placed = (method, from, to, replace) => askForAll(method, from, {
+  Destination: new URL(to, location.origin).href,
+  Overwrite: replace ? 'T' : 'F',
+});
+
+export const move = (from, to, { replace = false } = {}) => placed('MOVE', from, to, replace);
+export const copy = (from, to, { replace = false } = {}) => placed('COPY', from, to, replace);
+
+// Bytes of a file; null when there is none, or the visitor may not know.
+export async function sizeOf(path) {
+  try {
+    const length = (await ask('HEAD', path)).headers.get('Content-Length');
+    return length === null ? null : Number(length);
+  } catch {
+    return null;
+  }
+}
+
+// The begin of a file, at most `most` bytes, as a text.
+export async function readText(path, most) {
+  const reply = await ask('GET', path, { Range: `bytes=0-${most - 1}` });
+  return reply.text();
+}
+
+export async function readBlob(path, type) {
+  const reply = await ask('GET', path);
+  return new Blob([await reply.arrayBuffer()], { type });
+}

@@ -1,0 +1,80 @@
+// The few words by which elements are made.
+
+import { icons } from './icons.js';
+
+const svg = 'http://www.w3.org/2000/svg';
+
+function set(element, name, value) {
+  if (name.startsWith('on'))
+    element.addEventListener(name.slice(2), value);
+  else if (name === 'value' || name === 'checked' || name === 'text')
+    element[name === 'text' ? 'textContent' : name] = value;
+  else if (value === true)
+    element.setAttribute(name, '');
+  else if (value !== false && value !== undefined && value !== null)
+    element.setAttribute(name, value);
+}
+
+// h('button', { class: 'x', onclick: f }, 'text', child); false and null are no children.
+export function h(tag, properties = {}, ...children) {
+  const element = document.createElement(tag);
+  for (const [name, value] of Object.entries(properties))
+    set(element, name, value);
+  element.append(...children.filter(child => child !== null && child !== undefined && child !== false));
+  return element;
+}
+
+export function icon(name) {
+  const picture = document.createElementNS(svg, 'svg');
+  picture.setAttribute('viewBox', '0 0 24 24');
+  picture.setAttribute('aria-hidden', 'true');
+  picture.setAttribute('class', `icon icon-${name}`);
+  const path = document.createElementNS(svg, 'path');
+  path.setAttribute('d', icons[name]);
+  picture.append(path);
+  return picture;
+}
+
+// A button with a picture; its text is shown, or only told.
+export function button(text, picture, onclick, { quiet = false, ...more } = {}) {
+  return h('button', {
+    type: 'button', class: quiet ? 'button quiet' : 'button', onclick,
+    ...(quiet ? { 'aria-label': text, title: text } : {}), ...more,
+  }, picture && icon(picture), !quiet && h('span', {}, text));
+}
+
+// A name that is cut in its middle where there is no room: the end tells files apart.
+const tailLength = 8;
+const rightToLeft = /[\u0590-\u08ff\ufb1d-\ufeff]/;
+
+export function cutName(label) {
+  const characters = [...label];
+  const cut = characters.length - tailLength;
+  if (cut < tailLength || rightToLeft.test(label))
+    return h('bdi', { class: 'name', title: label }, h('span', { class: 'name-head' }, label));
+  return h('bdi', { class: 'name', title: label },
+    h('span', { class: 'name-head' }, characters.slice(0, cut).join('')),
+    h('span', { class: 'name-tail' }, characters.slice(cut).join('')));
+}
+
+export function debounced(ms, action) {
+  let timer;
+  return () => {
+    clearTimeout(timer);
+    timer = setTimeout(action, ms);
+  };
+}
+
+// At most once a frame.
+export function perFrame(action) {
+  let isDue = false;
+  return () => {
+    if (isDue)
+      return;
+    isDue = true;
+    requestAnimationFrame(() => {
+      isDue = false;
+      action();
+    });
+  };
+}

@@ -1,0 +1,150 @@
+// Takes over the page that the server wrote.
+
+import { findArchives } from './archive.js';
+import { Commands } from './commands.js';
+import { debounced, button, h, icon } from './dom.js';
+import { Drag } from './drag.js';
+import { dropBox } from './drop-box.js';
+import { Folder } from './folder.js';
+import { Grid } from './grid.js';
+import { account, Crumbs, filterField, folderName, ViewSwitches } from './header.js';
+import { Keys } from './keys.js';
+import { Viewer } from './look/viewer.js';
+import { readPage } from './multistatus.js';
+import { notices, reason } from './notices.js';
+import { isBelow, reserved, root } from './paths.js';
+import { Pointer } from './pointer.js';
+import { noRights, rightsIn } from './rights.js';
+import { Selection } from './selection.js';
+import { setting, showScheme } from './settings.js';
+import { language, t } from './texts.js';
+import { Toolbar } from './toolbar.js';
+import { Uploads } from './uploads/uploads.js';
+
+const refreshDelay = 700; // ms after the last of several files has come
+
+class Page {
+  folder = new Folder();
+  selection = new Selection();
+  crumbs = new Crumbs();
+  isBlind = false; // the visitor may not see what is here
+
+  constructor() {
+    this.switches = new ViewSwitches(() => this.#arrange());
+    this.grid = new Grid(this.folder, this.selection, order => this.switches.sortBy(order));
+    this.filterField = filterField(this.folder);
+    this.commands = new Commands(this);
+    const refresh = debounced(refreshDelay, () => !this.isBlind && this.folder.refresh());
+    this.uploads = new Uploads(() => this.#place(), path => isBelow(path, this.folder.path) && refresh());
+    this.toolbar = new Toolbar(this.commands, this.selection, this.uploads);
+    this.viewer = new Viewer(this.folder, path => this.grid.focus(path));
+    new Keys(this.folder, this.grid, this.selection, this.commands);
+    new Pointer(this.grid, this.folder, this.selection, this.commands);
+    new Drag(this.grid, this.crumbs.element, this.folder, this.commands);
+    this.folder.addEventListener('change', () => this.#changed());
+    this.folder.addEventListener('failed', ({ detail }) => this.#failed(detail));
+    addEventListener('popstate', () => this.#follow());
+    this.crumbs.element.addEventListener('click', event => this.#crumbClicked(event));
+  }
+
+  start() {
+    const known = readPage(document);
+    const header = h('header', { class: 'top' }, this.crumbs.title, this.crumbs.element, account(),
+      h('div', { class: 'filter' }, icon('search'), this.filterField), this.switches.element);
+    this.main = h('main', { class: 'app' }, this.grid.element);
+    document.body.replaceChildren(header, this.toolbar.element, this.main, this.uploads.panel, notices,
+      ...document.querySelectorAll('body > :is(dialog, input, .drop-veil)'));
+    this.#arrange();
+    this.#open(location.pathname, known);
+  }
+
+  #place() {
+    const { folder, commands, isBlind } = this;
+    return { folder: folder.path, rights: isBlind ? { add: true, change: false } : commands.rights, taken: name => folder.holds(name), isBlind };
+  }
+
+  #arrange() {
+    this.grid.layout = setting('layout');
+    this.grid.showOrder(setting('order'), setting('isDescending'));
+    this.folder.arrange();
+  }
+
+  go(path) {
+    if (path === this.folder.path)
+      return;
+    history.replaceState({ ...history.state, scroll: this.grid.element.scrollTop }, '');
+    history.pushState({}, '', path);
+    this.#open(path);
+    this.grid.element.focus();
+  }
+
+  #follow() {
+    if (location.pathname !== this.folder.path)
+      this.#open(location.pathname);
+  }
+
+  async #open(path, known = null) {
+    this.selection.clear();
+    this.filterField.value = '';
+    this.crumbs.show(path);
+    document.title = folderName(path);
+    this.grid.element.scrollTop = 0;
+    await this.folder.open(path, known);
+    if (this.folder.path !== path)
+      return;
+    this.grid.element.scrollTop = history.state?.scroll ?? 0;
+    this.viewer.follow();
+    await this.#findRights(path);
+  }
+
+  async #findRights(path) {
+    const found = await rightsIn(path, this.folder.entries[0]).catch(() => noRights);
+    await findArchives(path);
+    if (this.folder.path !== path)
+      return;
+    this.commands.rights = found;
+    this.toolbar.show();
+    this.#changed();
+  }
+
+  #crumbClicked(event) {
+    const path = event.target.closest('a')?.dataset.path;
+    if (!path || event.ctrlKey || event.metaKey || event.shiftKey)
+      return;
+    event.preventDefault();
+    this.go(path);
+  }
+
+  #changed() {
+    const { folder, grid } = this;
+    this.selection.keep(folder.shown.map(({ path }) => path));
+    grid.note.hidden = folder.shown.length > 0;
+    if (folder.isLoading)
+      grid.note.replaceChildren(h('p', { class: 'loading' }, t('Loading …')));
+    else if (folder.words)
+      grid.note.replaceChildren(icon('search'), h('p', {}, t('Nothing here has such a name.')));
+    else
+      grid.note.replaceChildren(icon('folder'), h('p', {}, this.commands.rights.add ? t('Nothing here yet. Drop files to add them.') : t('Nothing here yet.')));
+  }
+
+  async #failed(error) {
+    if (error.status === 403 && (await rightsIn(this.folder.path).catch(() => noRights)).add)
+      return this.#showDropBox();
+    this.grid.note.hidden = false;
+    this.grid.grid.hidden = true;
+    this.grid.note.replaceChildren(icon('help'), h('p', { role: 'alert' }, reason(error)),
+      error.status === 401 ? h('a', { class: 'button main', href: `${reserved}login?next=${this.folder.path.slice(root.length - 1)}` }, t('Log in'))
+        : button(t('Try again'), 'retry', () => this.folder.refresh()));
+  }
+
+  #showDropBox() {
+    this.isBlind = true;
+    document.body.classList.add('is-blind');
+    this.main.replaceChildren(dropBox(this.uploads));
+  }
+}
+
+document.documentElement.lang = language;
+showScheme();
+document.body.className = 'taken';
+new Page().start();

@@ -1,0 +1,57 @@
+// What has become of something, for a while at the bottom of the page, and told by screen readers.
+
+import { button, h } from './dom.js';
+import { shownName } from './entry.js';
+import { decoded, lastSegment } from './paths.js';
+import { t } from './texts.js';
+
+const shownFor = 6000; // ms
+
+export const notices = h('div', { class: 'notices' });
+const calm = h('div', { role: 'status', class: 'notice-list' });
+const urgent = h('div', { role: 'alert', class: 'notice-list' });
+notices.append(calm, urgent);
+
+function show(list, text, action) {
+  const notice = h('div', { class: 'notice' }, h('span', {}, text));
+  const close = () => notice.remove();
+  if (action) {
+    notice.append(button(action.text, null, () => {
+      close();
+      action.run();
+    }));
+  }
+  notice.append(button(t('Close'), 'close', close, { quiet: true }));
+  list.replaceChildren(notice);
+  if (!action && list === calm)
+    setTimeout(close, shownFor);
+}
+
+export const inform = (text, action) => show(calm, text, action);
+
+// What happened, and what to do about it.
+const reasons = {
+  0: 'The connection is lost.',
+  400: 'The name is not allowed here.',
+  401: 'Your session has ended. Log in again.',
+  403: 'You have no right to do this here.',
+  404: 'It is not there any more.',
+  409: 'The folder is not there any more.',
+  412: 'The name is taken already.',
+  413: 'The file is too large for this server.',
+  423: 'Somebody is working on it. Try again later.',
+  429: 'Too much at once. Try again in a while.',
+  507: 'There is no space left on the server.',
+};
+
+export const reason = ({ status }) => t(reasons[status] ?? 'The server could not do it.');
+
+// `retry` is offered where it can be of use.
+export function complain(error, retry) {
+  if (!('status' in error))
+    throw error;
+  const subject = error.subject ? `${shownName(decoded(lastSegment(error.subject)))}: ` : '';
+  if (error.status === 401)
+    return show(urgent, reason(error), { text: t('Log in'), run: () => location.reload() });
+  show(urgent, subject + reason(error), retry && { text: t('Try again'), run: retry });
+}

@@ -1,0 +1,53 @@
+// The buttons at hand: to add something, or to do something with what is chosen.
+
+import { button, h } from './dom.js';
+import { t } from './texts.js';
+
+export class Toolbar {
+  #commands;
+  #selection;
+
+  constructor(commands, selection, uploads) {
+    this.#commands = commands;
+    this.#selection = selection;
+    const tool = (text, picture, run, more = {}) => button(t(text), picture, run, { title: t(text), ...more });
+    this.adding = h('div', { class: 'tools', role: 'group', 'aria-label': t('Add') },
+      tool('Upload files', 'upload', uploads.pickFiles, { class: 'button main' }),
+      tool('Upload folder', 'uploadFolder', uploads.pickFolder),
+      tool('New folder', 'newFolder', commands.newFolder),
+      tool('New text file', 'newText', commands.newText),
+      tool('Select all', 'selectAll', () => commands.selectAll(), { class: 'button select-all' }));
+    this.count = h('span', { class: 'count', role: 'status' });
+    this.actions = {
+      download: tool('Download', 'download', () => commands.download(commands.chosen)),
+      rename: tool('Rename', 'rename', () => commands.rename(commands.chosen[0])),
+      move: tool('Move', 'move', () => commands.move(commands.chosen)),
+      copy: tool('Copy', 'copy', () => commands.copy(commands.chosen)),
+      remove: tool('Delete', 'remove', () => commands.remove(commands.chosen), { class: 'button danger' }),
+    };
+    this.choosing = h('div', { class: 'tools', role: 'group', 'aria-label': t('Selection') },
+      h('div', { class: 'chosen' }, button(t('Select nothing'), 'close', () => selection.clear(), { quiet: true }), this.count),
+      ...Object.values(this.actions));
+    this.element = h('section', { class: 'toolbar', 'aria-label': t('Actions') }, this.adding, this.choosing);
+    selection.addEventListener('change', () => this.show());
+    this.show();
+  }
+
+  show() {
+    const { rights, chosen } = this.#commands;
+    const isChoosing = this.#selection.size > 0;
+    this.adding.hidden = isChoosing;
+    this.choosing.hidden = !isChoosing;
+    for (const tool of this.adding.querySelectorAll('.button:not(.select-all)'))
+      tool.hidden = !rights.add;
+    this.element.classList.toggle('is-bare', !rights.add && !isChoosing);
+    if (!isChoosing)
+      return;
+    this.count.textContent = t('Selected: {n}', { n: this.#selection.size });
+    this.actions.download.hidden = !this.#commands.canDownload(chosen);
+    this.actions.rename.hidden = !rights.remove || chosen.length !== 1;
+    this.actions.move.hidden = !rights.remove;
+    this.actions.copy.hidden = !rights.add;
+    this.actions.remove.hidden = !rights.remove;
+  }
+}

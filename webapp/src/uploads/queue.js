@@ -1,0 +1,257 @@
+// The uploads of this visit, a few at a time. Tells "change" whenever anything about them is another,
+// and "done" with the path of a folder when a file has come to it.
+
+import { DavError, makeFolder, sizeOf } from '../dav.js';
+import { encoded, numbered } from '../paths.js';
+import { send } from './transfer.js';
+
+const atOnce = 4;
+const patience = 30000; // ms without a byte, and the connection counts as lost
+const pauses = [1, 2, 4, 8, 15, 30]; // seconds until a lost connection is tried again
+const passing = new Set([0, 423, 429, 502, 503, 504]); // reasons that go away by themselves
+
+const pathOf = (target, names) => target + names.map(name => `${encoded(name)}/`).join('');
+
+const isOver = new Set(['done', 'failed', 'skipped', 'cancelled']);
+
+class Item {
+  state = 'waiting'; // running, asking, retrying, paused, done, failed, skipped, cancelled
+  sent = 0;
+  moved = 0; // when the last bytes went out, in ms
+  error = null;
+  attempts = 0;
+  number = 1; // of the name, see `numbered`
+  names = 1; // that were tried
+  job = null;
+
+  // `answer` is what the visitor said already about its name, see `askAboutNames`.
+  constructor({ file, answer }, folder, batch) {
+    this.file = file;
+    this.folder = folder; // path
+    this.batch = batch;
+    this.replace = answer === 'replace';
+    if (answer === 'keep')
+      this.takeNextName();
+  }
+
+  takeNextName() {
+    this.number = this.batch.decide.nextNumber(this.number);
+    ++this.names;
+  }
+
+  get name() {
+    return numbered(this.file.name, this.number);
+  }
+
+  get isOver() {
+    return isOver.has(this.state);
+  }
+}
+
+export class Queue extends EventTarget {
+  items = [];
+  #isPaused = false;
+
+  constructor() {
+    super();
+    addEventListener('online', () => this.#retryNow());
+    addEventListener('offline', () => this.#lose(() => true));
+    setInterval(() => this.#lose(item => item.sent < item.file.size && Date.now() - item.moved > patience), patience / 6);
+  }
+
+  get isPaused() {
+    return this.#isPaused;
+  }
+
+  get isBusy() {
+    return this.items.some(item => !item.isOver);
+  }
+
+  // `decide(name)` says what to do about a name that is taken, see `askAboutNames`; it is asked for
+  // each, and knows which errors mean that, and the next name.
+  add({ files, folders }, target, decide) {
+    const batch = { decide, folders: new Map() };
+    for (const names of folders)
+      this.#folderFor(batch, target, names).catch(() => {}); // its files tell why
+    const items = files.map(picked => {
+      const item = new Item(picked, pathOf(target, picked.folders), batch);
+      item.prepared = () => this.#folderFor(batch, target, picked.folders);
+      return item;
+    });
+    this.items.push(...items);
+    this.#advance();
+  }
+
+  // Made once for a batch, after the one around it.
+  #folderFor(batch, target, names) {
+    if (names.length === 0)
+      return Promise.resolve();
+    const key = names.join('/');
+    if (!batch.folders.has(key))
+      batch.folders.set(key, this.#makeFolder(batch, target, names));
+    return batch.folders.get(key);
+  }
+
+  async #makeFolder(batch, target, names) {
+    await this.#folderFor(batch, target, names.slice(0, -1));
+    try {
+      await makeFolder(pathOf(target, names));
+      this.dispatchEvent(new CustomEvent('done', { detail: target }));
+    } catch (error) {
+      if (error.status === 405)
+        return;
+      if (passing.has(error.status))
+        batch.folders.delete(names.join('/'));
+      throw error;
+    }
+  }
+
+  #advance() {
+    this.#tell();
+    if (this.#isPaused)
+      return;
+    const running = this.items.filter(({ state }) => state === 'running').length;
+    for (const item of this.items.filter(({ state }) => state === 'waiting').slice(0, Math.max(0, atOnce - running)))
+      this.#run(item);
+  }
+
+  async #run(item) {
+    item.state = 'running';
+    item.error = null;
+    item.moved = Date.now();
+    try {
+      await item.prepared();
+      if (item.state !== 'running')
+        return;
+      item.job = send({
+        file: item.file, folder: item.folder, name: item.name, replace: item.replace,
+        onProgress: sent => {
+          item.sent = sent;
+          item.moved = Date.now();
+          this.#tell();
+        },
+      });
+      await item.job.done;
+      if (item.state === 'running')
+        this.#finish(item);
+    } catch (error) {
+      if (item.state === 'running')
+        await this.#fail(item, error);
+    }
+    this.#advance();
+  }
+
+  #finish(item) {
+    item.state = 'done';
+    item.sent = item.file.size;
+    item.job = null;
+    this.dispatchEvent(new CustomEvent('done', { detail: item.folder }));
+  }
+
+  async #fail(item, error) {
+    if (!(error instanceof DavError))
+      throw error;
+    if (item.batch.decide.isTaken(error))
+      return this.#settleName(item, error);
+    item.error = error;
+    if (passing.has(error.status))
+      this.#retryLater(item);
+    else
+      item.state = 'failed';
+  }
+
+  // The answer to an earlier attempt may have been lost: its name is its own then.
+  async #settleName(item, error) {
+    if (item.attempts > 0 && await sizeOf(item.folder + encoded(item.name)) === item.file.size)
+      return this.#finish(item);
+    item.state = 'asking';
+    this.#advance();
+    const answer = item.names > 1 ? 'keep' : await item.batch.decide(item.name);
+    if (item.state === 'asking')
+      this.#takeAnswer(item, answer, error);
+  }
+
+  #takeAnswer(item, answer, error) {
+    item.state = 'waiting';
+    if (answer === 'replace' && !item.replace) {
+      item.replace = true;
+    } else if (answer === 'keep' && item.names < item.batch.decide.mostNames) {
+      item.takeNextName();
+    } else {
+      item.state = answer === 'skip' ? 'skipped' : 'failed';
+      item.error = error;
+    }
+  }
+
+  #retryLater(item) {
+    item.state = 'retrying';
+    const pause = pauses[Math.min(item.attempts++, pauses.length - 1)];
+    item.timer = setTimeout(() => this.#again(item), pause * 1000);
+  }
+
+  #again(item) {
+    clearTimeout(item.timer);
+    if (item.state === 'retrying')
+      item.state = 'waiting';
+    this.#advance();
+  }
+
+  // A connection that is lost tells nothing for minutes.
+  #lose(isLost) {
+    for (const item of this.items.filter(each => each.state === 'running' && isLost(each))) {
+      item.job?.stop();
+      this.#retryLater(item);
+    }
+    this.#tell();
+  }
+
+  #retryNow() {
+    for (const item of this.items.filter(({ state }) => state === 'retrying'))
+      this.#again(item);
+  }
+
+  pause() {
+    this.#isPaused = true;
+    for (const item of this.items.filter(({ state }) => state === 'running' || state === 'retrying')) {
+      item.state = 'paused';
+      clearTimeout(item.timer);
+      item.job?.stop();
+    }
+    this.#tell();
+  }
+
+  resume() {
+    this.#isPaused = false;
+    for (const item of this.items.filter(({ state }) => state === 'paused'))
+      item.state = 'waiting';
+    this.#advance();
+  }
+
+  cancel(item) {
+    clearTimeout(item.timer);
+    item.state = 'cancelled';
+    item.job?.stop(true);
+    this.#advance();
+  }
+
+  cancelAll() {
+    for (const item of this.items.filter(each => !each.isOver))
+      this.cancel(item);
+  }
+
+  retry(item) {
+    item.state = 'waiting';
+    item.attempts = 0;
+    this.#advance();
+  }
+
+  clear() {
+    this.items = this.items.filter(item => !item.isOver);
+    this.#isPaused &&= this.items.length > 0;
+    this.#tell();
+  }
+
+  #tell() {
+    this.dispatchEvent(new Event('change'));
+  }
+}

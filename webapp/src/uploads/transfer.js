@@ -1,0 +1,79 @@
+// One file on its way to the server: `send` gives { done, stop }. `done` fails with a DavError; `stop`
+// ends it, and `stop(true)` gives up what is on the server of it. Small files are one PUT; a large one
+// is a resumable upload, which goes on where it was.
+
+import { DavError } from '../dav.js';
+import { encoded, reserved, root } from '../paths.js';
+
+const largestPut = 4 * 2 ** 20; // bytes: what is sent anew when a connection breaks
+
+const seconds = file => String(Math.floor(file.lastModified / 1000));
+
+// By XMLHttpRequest: nothing else tells how far it is.
+function sendWhole({ file, folder, name, replace, onProgress }) {
+  const path = folder + encoded(name);
+  const request = new XMLHttpRequest();
+  const done = new Promise((resolve, reject) => {
+    request.open('PUT', path);
+    request.setRequestHeader('X-OC-Mtime', seconds(file));
+    if (!replace)
+      request.setRequestHeader('If-None-Match', '*');
+    request.upload.onprogress = ({ loaded }) => onProgress(loaded);
+    request.onload = () => (request.status < 300 ? resolve() : reject(new DavError(request.status, path)));
+    request.onerror = () => reject(new DavError(0, path));
+    request.onabort = resolve;
+    request.send(file);
+  });
+  return { done, stop: () => request.abort() };
+}
+
+function sendResumable({ file, folder, name, replace, onProgress }) {
+  let upload = null;
+  let isStopped = false;
+  const done = (async () => {
+    const { Upload } = await import('tus-js-client');
+    await new Promise((resolve, reject) => {
+      const failed = error => reject(new DavError(error.originalResponse?.getStatus() ?? 0, folder + encoded(name)));
+      upload = new Upload(file, {
+        endpoint: `${reserved}tus/${folder.slice(root.length)}`,
+        metadata: { filename: name, mtime: seconds(file) },
+        headers: replace ? { Overwrite: 'T' } : {},
+        retryDelays: null, // who waits for the network is the queue
+        removeFingerprintOnSuccess: true,
+        onProgress,
+        onSuccess: () => resolve(),
+        onError: failed,
+      });
+      upload.findPreviousUploads().then(earlier => {
+        const same = earlier.find(({ metadata }) => metadata.filename === name);
+        if (same)
+          upload.resumeFromPreviousUpload(same);
+        if (!isStopped)
+          upload.start();
+      }, failed);
+    });
+  })();
+  const stop = isForGood => {
+    isStopped = true;
+    upload?.abort(isForGood === true).catch(() => {}); // it ends by itself after a day
+  };
+  return { done, stop };
+}
+
+export const send = job => (job.file.size > largestPut ? sendResumable : sendWhole)(job);
+
+// What the browser knows of uploads that an earlier page began: names.
+export function interrupted() {
+  try {
+    return Object.keys(localStorage).filter(key => key.startsWith('tus::'))
+      .map(key => ({ key, ...JSON.parse(localStorage.getItem(key)) }))
+      .filter(({ uploadUrl, metadata }) => uploadUrl && metadata?.filename);
+  } catch {
+    return [];
+  }
+}
+
+export const forget = ({ key, uploadUrl }) => {
+  localStorage.removeItem(key);
+  fetch(uploadUrl, { method: 'DELETE', headers: { 'Tus-Resumable': '1.0.0' } }).catch(() => {});
+};
