@@ -3,6 +3,7 @@
 #include "config/Profile.h"
 #include "files/ListingCache.h"
 #include "files/Path.h"
+#include "standard/http/AppFiles.h"
 #include "standard/http/ContentType.h"
 #include "standard/http/FolderPage.h"
 #include "standard/http/LoginPage.h"
@@ -174,6 +175,8 @@ void FileReply::redirectToFolder()
 
 void FileReply::listFolder()
 {
+    if (isDropBox())
+        return sendPage(nullptr);
     if (!isPermitted(Right::See, exchange.path()) || !exchange.mayChange({}))
         return;
     if (!exchange.service().profile->showsFolders())
@@ -186,29 +189,48 @@ void FileReply::listFolder()
         [this](const ListingCache::Listing &listing) { sendListing(listing.get()); });
 }
 
+/// Whether the visitor may put something here but see nothing, which is told of any folder. It
+/// takes the application.
+bool FileReply::isDropBox() const
+{
+    const Access &access = exchange.access();
+    return access.may(Right::Add, exchange.path()) && !access.may(Right::See, exchange.path())
+        && !appHead({}).isEmpty();
+}
+
 void FileReply::sendListing(const FolderListing *listing)
 {
     if (isOver())
         return;
     if (!listing)
         return exchange.breakOff();
+    sendPage(listing);
+}
+
+void FileReply::sendPage(const FolderListing *listing)
+{
     const Access &access = exchange.access();
     // The button that leads back would show it again after the log-out.
     Fields fields{ { "Content-Type", "text/html; charset=utf-8" },
                    { "Cache-Control", access.inSession ? "no-store" : "no-cache" } };
-    access.inSession ? addFormProtection(fields) : addPageProtection(fields);
     QByteArray top = access.inSession ? logOutForm(exchange) : QByteArray();
     if (isArchived())
-        top += archiveLink();
-    exchange.reply(Status::Ok, std::move(fields),
-                   folderPage(seenFrom(access.home, exchange.path()), *listing, top));
+        top += FolderPage::archiveLink();
+    const QByteArray head = appHead(exchange.urls().prefix);
+    if (!head.isEmpty())
+        addAppProtection(fields);
+    else
+        access.inSession ? addFormProtection(fields) : addPageProtection(fields);
+    const FolderPage page{ seenFrom(access.home, exchange.path()), head, top, listing };
+    exchange.reply(Status::Ok, std::move(fields), page.html());
 }
 
 /// Whether the visitor can have the folder as a file.
 bool FileReply::isArchived() const
 {
     const Route *route = findRoute(exchange.routes(), Method::Get, exchange.path(), archiveQuery);
-    return route && route->parameter && exchange.access().may(Right::Read, exchange.path());
+    return route && route->parameter && exchange.access().may(Right::See, exchange.path())
+        && exchange.access().may(Right::Read, exchange.path());
 }
 
 } // namespace standard

@@ -35,6 +35,8 @@ private:
     QByteArray fileName() const;
     void redirectToFolder();
     void listFolder();
+    bool isDropBox() const;
+    void sendPage(const FolderListing *listing);
     void sendListing(const FolderListing *listing);
     bool isArchived() const;
 

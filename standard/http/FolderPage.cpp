@@ -20,25 +20,33 @@ QByteArray row(const FolderListing::Entry &entry)
         + httpDate(entry.modifiedSeconds()) + "</td></tr>\n";
 }
 
-} // namespace
-
-QByteArray folderPage(const QByteArray &path, const FolderListing &listing, const QByteArray &top)
+QByteArray table(const FolderListing &listing, bool isRoot)
 {
-    const QByteArray title = '/' + path;
-    QByteArray page =
-        pageBegin(title) + "<body>" + top + "<h1>" + escaped(title) + "</h1>\n<table>\n";
-    if (!path.isEmpty())
-        page += "<tr><td><a href=\"../\">../</a></td><td></td><td></td></tr>\n";
+    QByteArray rows = "<table>\n";
+    if (!isRoot)
+        rows += "<tr><td><a href=\"../\">../</a></td><td></td><td></td></tr>\n";
     const qint64 shown = std::min(listing.count(), maxPageEntries);
     for (qint64 i = 0; i < shown; ++i)
-        page += row(listing.at(i));
-    page += "</table>\n";
+        rows += row(listing.at(i));
+    rows += "</table>\n";
     if (shown < listing.count())
-        page += "<p>" + QByteArray::number(listing.count() - shown) + " more</p>\n";
-    return page + "</body></html>\n";
+        rows += "<p>" + QByteArray::number(listing.count() - shown) + " more</p>\n";
+    return rows;
 }
 
-QByteArray archiveLink()
+} // namespace
+
+QByteArray FolderPage::html() const
+{
+    const QByteArray title = '/' + path;
+    const QByteArray content = listing
+        ? table(*listing, path.isEmpty())
+        : QByteArray("<p>Files can be added here, with scripts.</p>\n");
+    return pageBegin(title, head) + "<body>" + top + "<main><h1>" + escaped(title) + "</h1>\n"
+        + content + "</main></body></html>\n";
+}
+
+QByteArray FolderPage::archiveLink()
 {
     return QByteArray("<p><a href=\"?") + archiveQuery + "\">Download as zip</a></p>\n";
 }

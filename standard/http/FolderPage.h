@@ -12,11 +12,19 @@ constexpr qint64 maxPageEntries = 5000; ///< a longer page is of use to nobody
 /// In the query of a folder's URL: asks for an archive of it.
 constexpr auto archiveQuery = "archive=zip";
 
-/// A page that lists a folder for people, without scripts. `path` is what they call the folder;
-/// `top` stands above the list, as HTML.
-QByteArray folderPage(const QByteArray &path, const FolderListing &listing, const QByteArray &top);
+/// A page that lists a folder for people, without scripts. The web application begins with what it
+/// says, and takes it over.
+struct FolderPage
+{
+    QByteArray path; ///< of the folder, as people call it
+    QByteArray head; ///< HTML that ends the page's head
+    QByteArray top; ///< HTML above the list
+    const FolderListing *listing; ///< null: nothing is told of what is there
 
-/// For the top of the page.
-QByteArray archiveLink();
+    QByteArray html() const;
+
+    /// For its top: leads to an archive of it.
+    static QByteArray archiveLink();
+};
 
 } // namespace standard

@@ -10,13 +10,12 @@ QByteArray escaped(QByteArray text)
         .replace('"', "&quot;");
 }
 
-QByteArray pageBegin(const QByteArray &title, const QByteArray &style)
+QByteArray pageBegin(const QByteArray &title, const QByteArray &elements)
 {
     return "<!DOCTYPE html>\n<html lang=\"en\"><head><meta charset=\"utf-8\">"
            "<meta name=\"viewport\" content=\"width=device-width\">"
            "<meta name=\"color-scheme\" content=\"light dark\"><title>"
-        + escaped(title) + "</title>" + (style.isEmpty() ? style : "<style>" + style + "</style>")
-        + "</head>\n";
+        + escaped(title) + "</title>" + elements + "</head>\n";
 }
 
 } // namespace standard

@@ -60,7 +60,8 @@ QByteArray LoginPage::html() const
     // Who typed a wrong password goes on with that.
     const QByteArray nameFocus = name.isEmpty() ? " autofocus" : "";
     const QByteArray passwordFocus = asksForName && name.isEmpty() ? "" : " autofocus";
-    QByteArray page = pageBegin("Log in", style()) + "<body><main><h1>Log in</h1>\n";
+    QByteArray page =
+        pageBegin("Log in", "<style>" + style() + "</style>") + "<body><main><h1>Log in</h1>\n";
     if (!problem.isEmpty())
         page += "<p role=\"alert\">" + escaped(problem) + "</p>\n";
     page += R"(<form method="post" action=")" + escaped(action) + "\">\n";

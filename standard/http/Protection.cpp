@@ -11,14 +11,11 @@ void append(Fields &fields, const Fields &more)
     fields.insert(fields.end(), more.begin(), more.end());
 }
 
-/// `formTargets` end the policy, and may be followed by more of it.
-void addProtection(Fields &fields, const QByteArray &formTargets, const QByteArray &referrer)
+void addProtection(Fields &fields, const QByteArray &policy, const QByteArray &referrer)
 {
     append(fields,
            { { "X-Content-Type-Options", "nosniff" },
-             { "Content-Security-Policy",
-               "default-src 'none'; base-uri 'none'; frame-ancestors 'none'; form-action "
-                   + formTargets },
+             { "Content-Security-Policy", policy + "; base-uri 'none'; frame-ancestors 'none'" },
              { "Referrer-Policy", referrer },
              { "Cross-Origin-Opener-Policy", "same-origin" },
              { "Cross-Origin-Resource-Policy", "same-origin" } });
@@ -28,17 +25,23 @@ void addProtection(Fields &fields, const QByteArray &formTargets, const QByteArr
 
 void addPageProtection(Fields &fields)
 {
-    addProtection(fields, "'none'", "no-referrer");
+    addProtection(fields, "default-src 'none'; form-action 'none'", "no-referrer");
 }
 
 void addFormProtection(Fields &fields, const QByteArray &style)
 {
-    QByteArray rest = "'self'";
+    QByteArray policy = "default-src 'none'; form-action 'self'";
     if (!style.isEmpty())
-        rest += "; style-src 'sha256-"
+        policy += "; style-src 'sha256-"
             + QCryptographicHash::hash(style, QCryptographicHash::Sha256).toBase64() + '\'';
     // Without a referrer, forms would not say that they come from here.
-    addProtection(fields, rest, "same-origin");
+    addProtection(fields, policy, "same-origin");
+}
+
+void addAppProtection(Fields &fields)
+{
+    // Documents are shown from memory: as files of somebody's they would have no viewer.
+    addProtection(fields, "default-src 'self'; frame-src blob:; form-action 'self'", "same-origin");
 }
 
 void addFileProtection(Fields &fields)

@@ -2,7 +2,9 @@
 
 #include "files/FileSums.h"
 #include "server/Authority.h"
+#include "standard/http/AppFiles.h"
 #include "standard/http/LoginPage.h"
+#include "standard/web/AppFileReply.h"
 #include "standard/web/Archive.h"
 #include "standard/web/AuthorityFile.h"
 #include "standard/web/LoginMethods.h"
@@ -85,6 +87,13 @@ Routes withLogins(Routes routes)
     return routes;
 }
 
+Routes withApp(Routes routes)
+{
+    for (const Method method : { Method::Get, Method::Head })
+        routes.rows.push_back({ method, makeHandler<AppFileReply>, appPath, true });
+    return routes;
+}
+
 Routes withAuthority(Routes routes)
 {
     for (const char *path : { authorityPath, authorityPagePath }) {
@@ -97,7 +106,7 @@ Routes withAuthority(Routes routes)
 Routes withWeb(Routes routes)
 {
     for (const auto with : { withUploads, withArchives, withPreviews, withUndo, withPad,
-                             withVisitors, withLogins, withAuthority })
+                             withVisitors, withLogins, withAuthority, withApp })
         routes = with(std::move(routes));
     return routes;
 }

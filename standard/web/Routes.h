@@ -25,6 +25,9 @@ Routes withVisitors(Routes routes);
 /// `routes` with a page where browsers log in, and out.
 Routes withLogins(Routes routes);
 
+/// `routes` with the files of the web application, as far as it was built in.
+Routes withApp(Routes routes);
+
 /// `routes` with what visitors need to come to trust the server.
 Routes withAuthority(Routes routes);
 
