@@ -11,11 +11,15 @@ void append(Fields &fields, const Fields &more)
     fields.insert(fields.end(), more.begin(), more.end());
 }
 
-void addProtection(Fields &fields, const QByteArray &policy, const QByteArray &referrer)
+/// `sources` begin the policy, `formTargets` end it and may be followed by more of it.
+void addProtection(Fields &fields, const QByteArray &sources, const QByteArray &formTargets,
+                   const QByteArray &referrer)
 {
     append(fields,
            { { "X-Content-Type-Options", "nosniff" },
-             { "Content-Security-Policy", policy + "; base-uri 'none'; frame-ancestors 'none'" },
+             { "Content-Security-Policy",
+               "default-src " + sources + "; base-uri 'none'; frame-ancestors 'none'; form-action "
+                   + formTargets },
              { "Referrer-Policy", referrer },
              { "Cross-Origin-Opener-Policy", "same-origin" },
              { "Cross-Origin-Resource-Policy", "same-origin" } });
@@ -25,23 +29,23 @@ void addProtection(Fields &fields, const QByteArray &policy, const QByteArray &r
 
 void addPageProtection(Fields &fields)
 {
-    addProtection(fields, "default-src 'none'; form-action 'none'", "no-referrer");
+    addProtection(fields, "'none'", "'none'", "no-referrer");
 }
 
 void addFormProtection(Fields &fields, const QByteArray &style)
 {
-    QByteArray policy = "default-src 'none'; form-action 'self'";
+    QByteArray rest = "'self'";
     if (!style.isEmpty())
-        policy += "; style-src 'sha256-"
+        rest += "; style-src 'sha256-"
             + QCryptographicHash::hash(style, QCryptographicHash::Sha256).toBase64() + '\'';
     // Without a referrer, forms would not say that they come from here.
-    addProtection(fields, policy, "same-origin");
+    addProtection(fields, "'none'", rest, "same-origin");
 }
 
 void addAppProtection(Fields &fields)
 {
     // Documents are shown from memory: as files of somebody's they would have no viewer.
-    addProtection(fields, "default-src 'self'; frame-src blob:; form-action 'self'", "same-origin");
+    addProtection(fields, "'self'; frame-src blob:", "'self'", "same-origin");
 }
 
 void addFileProtection(Fields &fields)

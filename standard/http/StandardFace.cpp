@@ -224,6 +224,9 @@ void StandardFace::refuseLogin(Authenticator::Outcome outcome)
         return exchange.refuse(
             Status::SeeOther, {},
             { { "Location", loginUrl(exchange) }, { "Cache-Control", "no-store" } });
+    // Scripts of a page say what they are by this field, and tell its visitor by themselves.
+    if (exchange.request().field("X-Requested-With"))
+        return exchange.refuse(Status::Unauthorized, {}, { { "WWW-Authenticate", "Session" } });
     exchange.refuse(Status::Unauthorized, {},
                     common->authenticator.challenges(outcome, *exchange.service().profile));
 }

@@ -45,6 +45,22 @@ describe('the files of the application', () => {
   });
 });
 
+it('takes files from who sees none', async () => {
+  const server = await Server.start(SERVE_PROGRAM, QUILLON_RESDIR, 'standard', 'everyone = add\n');
+  const app = await App.start('phone', server.url);
+  const card = { name: 'card.txt', mimeType: 'text/plain', buffer: Buffer.from('hello') };
+  await app.open();
+  for (let count = 1; count <= 2; ++count) {
+    await app.pick('Upload files', card);
+    await app.page.locator('.upload[data-state="done"]').nth(count - 1).waitFor();
+  }
+  assert.deepEqual(await app.violations('drop-box'), []);
+  assert.equal(readdirSync(server.share).filter(name => name.startsWith('card')).length, 2);
+  await app.browser.close();
+  await server.stop();
+  await server.removeFolder();
+});
+
 for (const screen of Object.keys(screens)) {
   describe(`the application on a ${screen}`, { timeout: 240000 }, () => {
     const isPhone = screen === 'phone';

@@ -12,14 +12,16 @@ export class Server {
   #process;
   #command;
 
-  // Starts `program`; `resources` is the folder with its icons, `mode` says whom it answers how.
-  static async start(program, resources, mode = 'auto') {
+  // Starts `program`; `resources` is the folder with its icons, `mode` says whom it answers how,
+  // `rules` are lines of the profile's text file.
+  static async start(program, resources, mode = 'auto', rules = '') {
     const server = new Server();
     server.#folder = await mkdtemp(join(tmpdir(), 'quillon-browser-'));
     server.share = join(server.#folder, 'share');
     server.home = join(server.#folder, 'home');
     await mkdir(server.share);
-    await mkdir(server.home);
+    await mkdir(join(server.home, '.quillon'), { recursive: true });
+    await writeFile(join(server.home, '.quillon/Global.conf.ini'), rules);
     server.#command = { program, resources, mode };
     await server.#run(0);
     return server;

@@ -4,21 +4,10 @@ import { h, icon } from './dom.js';
 import { t } from './texts.js';
 
 const query = '?archive=zip';
-let isThere = null;
+// The server says so on its own page, which is taken over only later.
+const isThere = document.querySelector(`a[href="${query}"]`) !== null;
 
-// Whether the server makes them: another one answers with a page.
-export async function findArchives(folder) {
-  if (isThere !== null)
-    return;
-  try {
-    const reply = await fetch(folder + query, { method: 'HEAD' });
-    isThere = reply.ok && !reply.headers.get('Content-Type')?.startsWith('text/');
-  } catch {
-    // It is found out with the next folder, then.
-  }
-}
-
-export const hasArchives = () => isThere === true;
+export const hasArchives = () => isThere;
 
 export function archiveLink(entry, onclick) {
   if (!isThere || !entry.isFolder)

@@ -1,11 +1,11 @@
 // What is changed in folders: names, places, new things and old ones gone. Each tells what has become
-// of it, and gives whether anything is another now.
+// of it, and gives the path of what has the keyboard then, or true; null when the visitor wants it
+// no more. What fails is thrown, with what is to be tried again as its `retry`.
 
 import { chooseFolder } from './chooser.js';
 import * as dav from './dav.js';
-import { askAboutNames, askForName, confirm } from './dialog.js';
-import { h } from './dom.js';
-import { complain, inform } from './notices.js';
+import { askAboutNames, confirm } from './dialog.js';
+import { inform } from './notices.js';
 import { encoded, lastSegment, numbered, parentOf } from './paths.js';
 import { t } from './texts.js';
 
@@ -30,12 +30,12 @@ async function forAll(items, work) {
 }
 
 // `put` by the first name that nobody has: it gets the path.
-export async function withFreeName(folder, name, put, suffix = '') {
+async function withFreeName(folder, name, put, suffix = '') {
   for (let number = 2; number < mostNumbers; ++number) {
     try {
       return await put(folder + encoded(numbered(name, number)) + suffix);
     } catch (error) {
-      if (error.status !== 412 && error.status !== 405)
+      if (error.status !== 412)
         throw error;
     }
   }
@@ -43,65 +43,43 @@ export async function withFreeName(folder, name, put, suffix = '') {
 }
 
 export async function rename(entry, name) {
-  const suffix = entry.isFolder ? '/' : '';
-  const to = parentOf(entry.path) + encoded(name) + suffix;
-  try {
-    await dav.move(entry.path, to);
-    inform(t('Renamed to {name}', { name }));
-    return to;
-  } catch (error) {
-    complain(error);
-    return null;
-  }
+  const to = parentOf(entry.path) + encoded(name) + suffixOf(entry);
+  await dav.move(entry.path, to);
+  inform(t('Renamed to {name}', { name }));
+  return to;
 }
 
-export async function newFolder(folder) {
-  const name = await askForName(t('New folder'), t('New folder'), t('Create'));
-  if (!name)
-    return false;
+export async function newFolder(folder, name) {
   const path = `${folder}${encoded(name)}/`;
-  try {
-    await dav.makeFolder(path);
-    inform(t('Created: {name}', { name }));
-    return path;
-  } catch (error) {
-    complain(error.status === 405 ? new dav.DavError(412, path) : error);
-    return false;
-  }
+  await dav.makeFolder(path);
+  inform(t('Created: {name}', { name }));
+  return path;
 }
 
-export async function newText(folder) {
-  const text = h('textarea', { rows: 8, id: 'text-field', spellcheck: 'true' });
-  const more = [h('label', { for: 'text-field' }, t('Text')), text];
-  const name = await askForName(t('New text file'), `${t('New text')}.txt`, t('Create'), more);
-  if (!name)
-    return false;
+export async function newText(folder, name, text) {
   const path = folder + encoded(name);
-  try {
-    await dav.put(path, text.value);
-    inform(t('Created: {name}', { name }));
-    return path;
-  } catch (error) {
-    complain(error);
-    return false;
-  }
+  await dav.put(path, text);
+  inform(t('Created: {name}', { name }));
+  return path;
 }
 
 export async function remove(entries) {
   const [first] = entries;
   const title = entries.length === 1 ? t('Delete {name}?', { name: first.label }) : t('Delete {n} entries?', { n: entries.length });
-  if (!await confirm(title, t('This can’t be undone.'), t('Delete')))
-    return false;
-  const errors = await forAll(entries, ({ path }) => dav.remove(path));
-  report(errors, entries.length, 'Deleted: {n}');
-  return true;
+  return await confirm(title, t('This can’t be undone.'), t('Delete')) ? removeAll(entries) : null;
 }
 
-function report(errors, count, text) {
-  if (errors.length > 0)
-    complain(errors[0].error);
+async function removeAll(entries) {
+  const errors = await forAll(entries, ({ path }) => dav.remove(path));
+  return report(errors, entries.length, 'Deleted: {n}', removeAll);
+}
+
+function report(errors, count, text, again) {
   if (count > errors.length)
     inform(t(text, { n: count - errors.length }));
+  if (errors.length > 0)
+    throw Object.assign(errors[0].error, { retry: () => again(errors.map(({ item }) => item)) });
+  return true;
 }
 
 // Asks once about all names that are taken there.
@@ -131,13 +109,13 @@ export async function placeInto(folder, entries, { isCopy, mayReplace }) {
     : place(entry, folder + lastSegment(entry.path) + suffixOf(entry)));
   const moved = entries.filter(({ path }) => folder !== path && (isCopy || parentOf(path) !== folder));
   const errors = await settleNames(await forAll(moved, put), place, folder, mayReplace);
-  report(errors.filter(({ error }) => error.status !== 412), moved.length - errors.filter(({ error }) => error.status === 412).length,
-    isCopy ? 'Copied: {n}' : 'Moved: {n}');
-  return moved.length > 0;
+  const skipped = errors.filter(({ error }) => error.status === 412).length;
+  return report(errors.filter(({ error }) => error.status !== 412), moved.length - skipped,
+    isCopy ? 'Copied: {n}' : 'Moved: {n}', rest => placeInto(folder, rest, { isCopy, mayReplace }));
 }
 
 export async function chooseAndPlace(start, entries, options) {
   const text = options.isCopy ? t('Copy') : t('Move');
   const folder = await chooseFolder(text, options.isCopy ? t('Copy here') : t('Move here'), start, options.isCopy ? [] : entries);
-  return folder ? placeInto(folder, entries, options) : false;
+  return folder ? placeInto(folder, entries, options) : null;
 }

@@ -2,11 +2,13 @@
 
 import { downloadArchive, hasArchives } from './archive.js';
 import * as changes from './changes.js';
+import { askForName } from './dialog.js';
 import { h } from './dom.js';
 import { nameField } from './entry-view.js';
 import { showHelp } from './help.js';
 import { isViewable } from './kinds.js';
 import { showMenu } from './menu.js';
+import { complain } from './notices.js';
 import { noRights } from './rights.js';
 import { t } from './texts.js';
 
@@ -63,7 +65,7 @@ export class Commands {
       grid.renew();
       grid.focus(entry.path);
       if (isWanted && name && name !== entry.name)
-        await this.#changed(changes.rename(entry, name));
+        await this.#change(() => changes.rename(entry, name));
     };
     field.addEventListener('keydown', event => {
       event.stopPropagation();
@@ -73,10 +75,16 @@ export class Commands {
     field.addEventListener('blur', () => end(true));
   }
 
-  async #changed(change) {
+  async #change(change) {
     const { folder, selection, grid } = this.#page;
-    const result = await change;
-    if (!result)
+    let result = true;
+    try {
+      result = await change();
+    } catch (error) {
+      const again = error.retry ?? (error.status === 0 && change);
+      complain(error, again && (() => this.#change(again)));
+    }
+    if (result === null)
       return;
     selection.clear();
     await folder.refresh();
@@ -86,14 +94,28 @@ export class Commands {
       grid.focus();
   }
 
-  newFolder = () => this.#changed(changes.newFolder(this.#page.folder.path));
-  newText = () => this.#changed(changes.newText(this.#page.folder.path));
-  remove = entries => this.rights.remove && entries.length > 0 && this.#changed(changes.remove(entries));
+  newFolder = async () => {
+    const { path } = this.#page.folder;
+    const name = await askForName(t('New folder'), t('New folder'), t('Create'));
+    if (name)
+      await this.#change(() => changes.newFolder(path, name));
+  };
+
+  newText = async () => {
+    const { path } = this.#page.folder;
+    const text = h('textarea', { rows: 8, id: 'text-field', spellcheck: 'true' });
+    const more = [h('label', { for: 'text-field' }, t('Text')), text];
+    const name = await askForName(t('New text file'), `${t('New text')}.txt`, t('Create'), more);
+    if (name)
+      await this.#change(() => changes.newText(path, name, text.value));
+  };
+
+  remove = entries => this.rights.remove && entries.length > 0 && this.#change(() => changes.remove(entries));
 
   #options = isCopy => ({ isCopy, mayReplace: this.rights.change });
-  move = entries => this.#changed(changes.chooseAndPlace(this.#page.folder.path, entries, this.#options(false)));
-  copy = entries => this.#changed(changes.chooseAndPlace(this.#page.folder.path, entries, this.#options(true)));
-  placeInto = (folder, entries, isCopy) => this.#changed(changes.placeInto(folder, entries, this.#options(isCopy)));
+  move = entries => this.#change(() => changes.chooseAndPlace(this.#page.folder.path, entries, this.#options(false)));
+  copy = entries => this.#change(() => changes.chooseAndPlace(this.#page.folder.path, entries, this.#options(true)));
+  placeInto = (folder, entries, isCopy) => this.#change(() => changes.placeInto(folder, entries, this.#options(isCopy)));
 
   canDownload = entries => hasArchives() || entries.every(({ isFolder }) => !isFolder);
 

@@ -1,6 +1,7 @@
 // What the page asks of its server, by WebDAV. Every failure is a DavError.
 
 import { failedStatus, ListingReader } from './multistatus.js';
+import { ownRequest } from './paths.js';
 
 export class DavError extends Error {
   constructor(status, subject = '') {
@@ -15,7 +16,9 @@ const wanted = '<propfind xmlns="DAV:"><prop><resourcetype/><getcontentlength/><
 async function ask(method, path, headers = {}, body = undefined, signal = undefined) {
   let reply;
   try {
-    reply = await fetch(path, { method, headers, body, signal, redirect: 'manual', cache: 'no-store' });
+    reply = await fetch(path, {
+      method, headers: { ...ownRequest, ...headers }, body, signal, redirect: 'manual', cache: 'no-store',
+    });
   } catch (error) {
     if (error.name === 'AbortError')
       throw error;
@@ -45,7 +48,14 @@ export async function allowed(path) {
   return new Set((reply.headers.get('Allow') ?? '').split(/,\s*/));
 }
 
-export const makeFolder = path => ask('MKCOL', path);
+// 412 when the name is taken, as of all that may not replace.
+export async function makeFolder(path) {
+  try {
+    await ask('MKCOL', path);
+  } catch (error) {
+    throw error.status === 405 ? new DavError(412, path) : error;
+  }
+}
 
 export async function put(path, content, { replace = false } = {}) {
   await ask('PUT', path, replace ? {} : { 'If-None-Match': '*' }, content);

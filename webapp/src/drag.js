@@ -62,10 +62,10 @@ export class Drag {
 
   #drop(event) {
     const target = this.#target;
+    this.#aim(null);
     if (!target || !this.#isOurs(event))
       return;
     event.preventDefault();
-    this.#aim(null);
     this.#commands.placeInto(target.dataset.path, this.#subjects, event.ctrlKey);
   }
 }

@@ -1,5 +1,5 @@
 // The folder that is looked at: its entries, and which of them are shown in which order. Tells
-// "change" when they are others, "failed" with the error when they can't be had.
+// "change" when they are others, or can't be had.
 
 import { list } from './dav.js';
 import { arranged } from './order.js';
@@ -12,6 +12,7 @@ export class Folder extends EventTarget {
   entries = [];
   shown = [];
   isLoading = false;
+  error = null; // why there are none
   #words = '';
   #known = new Map(); // the entries of folders
   #asking = null;
@@ -36,9 +37,10 @@ export class Folder extends EventTarget {
     } catch (error) {
       if (asking.signal.aborted)
         return;
-      this.isLoading = false;
       this.#known.delete(path);
-      this.dispatchEvent(new CustomEvent('failed', { detail: error }));
+      // What was seen is of more use than nothing while nobody answers.
+      const isLost = error.status === 0 && this.entries.length > 0;
+      this.#take(isLost ? this.entries : [], false, isLost ? null : error);
     }
   }
 
@@ -65,10 +67,11 @@ export class Folder extends EventTarget {
     return this.entries.some(entry => entry.name === name);
   }
 
-  #take(entries, isLoading) {
+  #take(entries, isLoading, error = null) {
     this.isLoading = isLoading;
     this.entries = entries;
-    if (!isLoading) {
+    this.error = error;
+    if (!isLoading && !error) {
       this.#known.delete(this.path);
       this.#known.set(this.path, entries);
       if (this.#known.size > mostKept)

@@ -1,6 +1,5 @@
 // Takes over the page that the server wrote.
 
-import { findArchives } from './archive.js';
 import { Commands } from './commands.js';
 import { debounced, button, h, icon } from './dom.js';
 import { Drag } from './drag.js';
@@ -12,7 +11,7 @@ import { Keys } from './keys.js';
 import { Viewer } from './look/viewer.js';
 import { readPage } from './multistatus.js';
 import { notices, reason } from './notices.js';
-import { isBelow, reserved, root } from './paths.js';
+import { isBelow, loginFor } from './paths.js';
 import { Pointer } from './pointer.js';
 import { noRights, rightsIn } from './rights.js';
 import { Selection } from './selection.js';
@@ -42,7 +41,6 @@ class Page {
     new Pointer(this.grid, this.folder, this.selection, this.commands);
     new Drag(this.grid, this.crumbs.element, this.folder, this.commands);
     this.folder.addEventListener('change', () => this.#changed());
-    this.folder.addEventListener('failed', ({ detail }) => this.#failed(detail));
     addEventListener('popstate', () => this.#follow());
     this.crumbs.element.addEventListener('click', event => this.#crumbClicked(event));
   }
@@ -98,10 +96,14 @@ class Page {
   }
 
   async #findRights(path) {
-    const found = await rightsIn(path, this.folder.entries[0]).catch(() => noRights);
-    await findArchives(path);
+    const { error, entries } = this.folder;
+    if (error && error.status !== 403)
+      return;
+    const found = await rightsIn(path, entries[0]).catch(() => noRights);
     if (this.folder.path !== path)
       return;
+    if (error && found.add)
+      return this.#showDropBox();
     this.commands.rights = found;
     this.toolbar.show();
     this.#changed();
@@ -119,22 +121,20 @@ class Page {
     const { folder, grid } = this;
     this.selection.keep(folder.shown.map(({ path }) => path));
     grid.note.hidden = folder.shown.length > 0;
-    if (folder.isLoading)
-      grid.note.replaceChildren(h('p', { class: 'loading' }, t('Loading …')));
-    else if (folder.words)
-      grid.note.replaceChildren(icon('search'), h('p', {}, t('Nothing here has such a name.')));
-    else
-      grid.note.replaceChildren(icon('folder'), h('p', {}, this.commands.rights.add ? t('Nothing here yet. Drop files to add them.') : t('Nothing here yet.')));
+    grid.note.replaceChildren(...this.#emptyNote(folder));
   }
 
-  async #failed(error) {
-    if (error.status === 403 && (await rightsIn(this.folder.path).catch(() => noRights)).add)
-      return this.#showDropBox();
-    this.grid.note.hidden = false;
-    this.grid.grid.hidden = true;
-    this.grid.note.replaceChildren(icon('help'), h('p', { role: 'alert' }, reason(error)),
-      error.status === 401 ? h('a', { class: 'button main', href: `${reserved}login?next=${this.folder.path.slice(root.length - 1)}` }, t('Log in'))
-        : button(t('Try again'), 'retry', () => this.folder.refresh()));
+  // What is said instead of entries.
+  #emptyNote({ isLoading, error, words, path }) {
+    if (isLoading)
+      return [h('p', { class: 'loading' }, t('Loading …'))];
+    if (error?.status === 401)
+      return [icon('logOut'), h('p', { role: 'alert' }, reason(error)), h('a', { class: 'button main', href: loginFor(path) }, t('Log in'))];
+    if (error)
+      return [icon('help'), h('p', { role: 'alert' }, reason(error)), button(t('Try again'), 'retry', () => this.#open(path))];
+    if (words)
+      return [icon('search'), h('p', {}, t('Nothing here has such a name.'))];
+    return [icon('folder'), h('p', {}, this.commands.rights.add ? t('Nothing here yet. Drop files to add them.') : t('Nothing here yet.'))];
   }
 
   #showDropBox() {

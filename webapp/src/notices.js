@@ -2,7 +2,7 @@
 
 import { button, h } from './dom.js';
 import { shownName } from './entry.js';
-import { decoded, lastSegment } from './paths.js';
+import { decoded, lastSegment, loginFor } from './paths.js';
 import { t } from './texts.js';
 
 const shownFor = 6000; // ms
@@ -10,7 +10,11 @@ const shownFor = 6000; // ms
 export const notices = h('div', { class: 'notices' });
 const calm = h('div', { role: 'status', class: 'notice-list' });
 const urgent = h('div', { role: 'alert', class: 'notice-list' });
-notices.append(calm, urgent);
+const told = h('div', { role: 'status', class: 'unseen' });
+notices.append(calm, urgent, told);
+
+// For screen readers alone: who looks sees it already.
+export const announce = text => { told.textContent = text; };
 
 function show(list, text, action) {
   const notice = h('div', { class: 'notice' }, h('span', {}, text));
@@ -52,6 +56,6 @@ export function complain(error, retry) {
     throw error;
   const subject = error.subject ? `${shownName(decoded(lastSegment(error.subject)))}: ` : '';
   if (error.status === 401)
-    return show(urgent, reason(error), { text: t('Log in'), run: () => location.reload() });
+    return show(urgent, reason(error), { text: t('Log in'), run: () => location.assign(loginFor(location.pathname)) });
   show(urgent, subject + reason(error), retry && { text: t('Try again'), run: retry });
 }

@@ -5,6 +5,12 @@
 export const root = new URL('../../', import.meta.url).pathname;
 export const reserved = `${root}.quillon/`;
 
+// By this the server knows who asks: the browser must not ask for a password in its own way.
+export const ownRequest = { 'X-Requested-With': 'Quillon' };
+
+// Where the visitor logs in, to come back to a folder.
+export const loginFor = folder => `${reserved}login?next=${folder.slice(root.length - 1)}`;
+
 const bytes = new TextEncoder();
 const lenient = new TextDecoder('utf-8', { ignoreBOM: true });
 

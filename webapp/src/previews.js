@@ -1,6 +1,7 @@
 // Small pictures of files, where the server makes them.
 
 import { h } from './dom.js';
+import { ownRequest } from './paths.js';
 
 const kinds = new Set(['picture', 'video']);
 let detection = null; // whether it does; null while nobody asked, or the answer said nothing
@@ -10,7 +11,7 @@ export const previewPath = (entry, pixels) => `${entry.path}?preview=${pixels}`;
 // A server that makes none answers with the file itself.
 async function findOut(entry) {
   try {
-    const reply = await fetch(previewPath(entry, 160), { method: 'HEAD' });
+    const reply = await fetch(previewPath(entry, 160), { method: 'HEAD', headers: ownRequest });
     if (reply.ok)
       return reply.headers.get('Content-Type')?.startsWith('image/') && Number(reply.headers.get('Content-Length')) !== entry.size;
   } catch {

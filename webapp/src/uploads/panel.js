@@ -4,6 +4,7 @@ import { button, cutName, h } from '../dom.js';
 import { shownName } from '../entry.js';
 import { duration, number, pace, size } from '../format.js';
 import { reason } from '../notices.js';
+import { loginFor } from '../paths.js';
 import { t } from '../texts.js';
 import { Pace } from './pace.js';
 import { forget, interrupted } from './transfer.js';
@@ -23,9 +24,16 @@ class Line {
     this.bar = h('progress', { max: Math.max(1, item.file.size), value: 0, 'aria-label': shownName(item.name) });
     this.note = h('span', { class: 'upload-note' });
     this.cancel = button(t('Cancel'), 'close', () => queue.cancel(item), { quiet: true });
+    this.logIn = h('a', { class: 'upload-login', href: loginFor(item.folder), target: '_blank' }, t('Log in'));
     this.retry = button(t('Try again'), 'retry', () => queue.retry(item), { quiet: true });
     this.element = h('li', { class: 'upload' }, h('div', { class: 'upload-name' }, cutName(shownName(item.name))),
-      this.note, this.retry, this.cancel, this.bar);
+      this.note, this.logIn, this.retry, this.cancel, this.bar);
+  }
+
+  #note({ state, error, sent, file }) {
+    if (state === 'failed' || (state === 'retrying' && error?.status > 0))
+      return reason(error);
+    return state === 'running' ? `${size(sent)} / ${size(file.size)}` : t(notes[state]);
   }
 
   update() {
@@ -34,8 +42,10 @@ class Line {
     this.bar.value = item.file.size === 0 ? Number(item.state === 'done') : item.sent;
     this.cancel.hidden = item.isOver;
     this.retry.hidden = item.state !== 'failed';
-    this.note.textContent = item.state === 'failed' ? reason(item.error)
-      : item.state === 'running' ? `${size(item.sent)} / ${size(item.file.size)}` : t(notes[item.state]);
+    const note = this.#note(item);
+    if (note !== this.note.textContent)
+      this.note.replaceChildren(note);
+    this.logIn.hidden = item.error?.status !== 401 || item.state !== 'retrying';
   }
 }
 

@@ -8,7 +8,7 @@ import { send } from './transfer.js';
 const atOnce = 4;
 const patience = 30000; // ms without a byte, and the connection counts as lost
 const pauses = [1, 2, 4, 8, 15, 30]; // seconds until a lost connection is tried again
-const passing = new Set([0, 423, 429, 502, 503, 504]); // reasons that go away by themselves
+const passing = new Set([0, 401, 423, 429, 502, 503, 504]); // reasons that go away by themselves
 
 const pathOf = (target, names) => target + names.map(name => `${encoded(name)}/`).join('');
 
@@ -98,7 +98,7 @@ export class Queue extends EventTarget {
       await makeFolder(pathOf(target, names));
       this.dispatchEvent(new CustomEvent('done', { detail: target }));
     } catch (error) {
-      if (error.status === 405)
+      if (error.status === 412)
         return;
       if (passing.has(error.status))
         batch.folders.delete(names.join('/'));
@@ -200,6 +200,7 @@ export class Queue extends EventTarget {
   #lose(isLost) {
     for (const item of this.items.filter(each => each.state === 'running' && isLost(each))) {
       item.job?.stop();
+      item.error = null;
       this.#retryLater(item);
     }
     this.#tell();

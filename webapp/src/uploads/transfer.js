@@ -3,7 +3,7 @@
 // is a resumable upload, which goes on where it was.
 
 import { DavError } from '../dav.js';
-import { encoded, reserved, root } from '../paths.js';
+import { encoded, ownRequest, reserved, root } from '../paths.js';
 
 const largestPut = 4 * 2 ** 20; // bytes: what is sent anew when a connection breaks
 
@@ -15,9 +15,9 @@ function sendWhole({ file, folder, name, replace, onProgress }) {
   const request = new XMLHttpRequest();
   const done = new Promise((resolve, reject) => {
     request.open('PUT', path);
-    request.setRequestHeader('X-OC-Mtime', seconds(file));
-    if (!replace)
-      request.setRequestHeader('If-None-Match', '*');
+    const headers = { ...ownRequest, 'X-OC-Mtime': seconds(file), ...replace ? {} : { 'If-None-Match': '*' } };
+    for (const [field, value] of Object.entries(headers))
+      request.setRequestHeader(field, value);
     request.upload.onprogress = ({ loaded }) => onProgress(loaded);
     request.onload = () => (request.status < 300 ? resolve() : reject(new DavError(request.status, path)));
     request.onerror = () => reject(new DavError(0, path));
@@ -37,7 +37,7 @@ function sendResumable({ file, folder, name, replace, onProgress }) {
       upload = new Upload(file, {
         endpoint: `${reserved}tus/${folder.slice(root.length)}`,
         metadata: { filename: name, mtime: seconds(file) },
-        headers: replace ? { Overwrite: 'T' } : {},
+        headers: { ...ownRequest, ...replace ? { Overwrite: 'T' } : {} },
         retryDelays: null, // who waits for the network is the queue
         removeFingerprintOnSuccess: true,
         onProgress,
@@ -75,5 +75,5 @@ export function interrupted() {
 
 export const forget = ({ key, uploadUrl }) => {
   localStorage.removeItem(key);
-  fetch(uploadUrl, { method: 'DELETE', headers: { 'Tus-Resumable': '1.0.0' } }).catch(() => {});
+  fetch(uploadUrl, { method: 'DELETE', headers: { ...ownRequest, 'Tus-Resumable': '1.0.0' } }).catch(() => {});
 };

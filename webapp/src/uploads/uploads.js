@@ -3,7 +3,7 @@
 import { askAboutNames } from '../dialog.js';
 import { h } from '../dom.js';
 import { shownName } from '../entry.js';
-import { inform } from '../notices.js';
+import { announce, inform } from '../notices.js';
 import { number } from '../format.js';
 import { t } from '../texts.js';
 import { Awake } from './awake.js';
@@ -51,7 +51,7 @@ export class Uploads {
       const { isBusy, items } = this.#queue;
       awake.want(isBusy);
       if (wasBusy && !isBusy)
-        inform(t('Uploaded: {n}', { n: number(items.filter(({ state }) => state === 'done').length) }));
+        announce(t('Uploaded: {n}', { n: number(items.filter(({ state }) => state === 'done').length) }));
       wasBusy = isBusy;
     });
     this.#queue.addEventListener('done', ({ detail }) => onArrived(detail));
@@ -68,7 +68,8 @@ export class Uploads {
     const answer = known.length > 0 && !isBlind ? await decide(known[0].file.name) : null;
     for (const each of known)
       each.answer = answer;
-    if (!this.#queue.isBusy)
+    // Who can't see them in the folder sees what came of this visit.
+    if (!this.#queue.isBusy && !isBlind)
       this.#queue.clear();
     const files = picked.files.filter(each => each.answer !== 'skip');
     this.#queue.add({ files, folders: picked.folders }, target, decide);
@@ -92,8 +93,8 @@ export class Uploads {
       if (!isFiles(event.dataTransfer))
         return;
       event.preventDefault();
-      const target = event.target.closest?.('.entry.is-target')?.dataset.path;
-      this.add(await fromTransfer(event.dataTransfer), target);
+      const path = event.target.closest?.('.entry')?.dataset.path;
+      this.add(await fromTransfer(event.dataTransfer), path?.endsWith('/') ? path : undefined);
     });
     document.addEventListener('paste', event => {
       if (event.clipboardData.files.length > 0 && !event.target.closest('input, textarea'))
