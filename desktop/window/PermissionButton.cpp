@@ -122,8 +122,8 @@ void PermissionButton::choose(Permission wanted)
     Profile *changed = profile();
     const bool isRefused = wanted == Permission::AddOnly && changed->faceMode != FaceStandard
         && !askYesNo(window(),
-                     tr("Only the standard answers take files and show none, and they have no page "
-                        "by which browsers add any. Answer all programs by the standards?"));
+                     tr("Only the standard answers take files and show none. Answer all programs "
+                        "by the standards?"));
     if (isRefused)
         return;
     const std::unique_ptr<Profile> copy = changed->clone();

@@ -1445,8 +1445,8 @@
         <translation>With a name and password</translation>
     </message>
     <message>
-        <source>Only the standard answers take files and show none, and they have no page by which browsers add any. Answer all programs by the standards?</source>
-        <translation>Only the standard answers take files and show none, and they have no page by which browsers add any. Answer all programs by the standards?</translation>
+        <source>Only the standard answers take files and show none. Answer all programs by the standards?</source>
+        <translation>Only the standard answers take files and show none. Answer all programs by the standards?</translation>
     </message>
     <message>
         <source>Can't write file: </source>

@@ -1445,8 +1445,8 @@
         <translation>Mit Name und Passwort</translation>
     </message>
     <message>
-        <source>Only the standard answers take files and show none, and they have no page by which browsers add any. Answer all programs by the standards?</source>
-        <translation>Nur die Standard-Antworten nehmen Dateien an und zeigen keine; eine Seite, auf der Browser etwas hinzufügen, haben sie nicht. Allen Programmen nach den Standards antworten?</translation>
+        <source>Only the standard answers take files and show none. Answer all programs by the standards?</source>
+        <translation>Nur die Standard-Antworten nehmen Dateien an und zeigen keine. Allen Programmen nach den Standards antworten?</translation>
     </message>
     <message>
         <source>Can't write file: </source>

@@ -1445,8 +1445,8 @@
         <translation>Con un nombre y una contraseña</translation>
     </message>
     <message>
-        <source>Only the standard answers take files and show none, and they have no page by which browsers add any. Answer all programs by the standards?</source>
-        <translation>Solo las respuestas estándar aceptan archivos y no muestran ninguno, y no tienen página con la que un navegador los añada. ¿Responder a todos los programas según los estándares?</translation>
+        <source>Only the standard answers take files and show none. Answer all programs by the standards?</source>
+        <translation>Solo las respuestas estándar aceptan archivos y no muestran ninguno. ¿Responder a todos los programas según los estándares?</translation>
     </message>
     <message>
         <source>Can't write file: </source>

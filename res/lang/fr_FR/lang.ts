@@ -1445,8 +1445,8 @@
         <translation>Avec un nom et un mot de passe</translation>
     </message>
     <message>
-        <source>Only the standard answers take files and show none, and they have no page by which browsers add any. Answer all programs by the standards?</source>
-        <translation>Seules les réponses standard acceptent des fichiers sans en montrer, et elles n’ont pas de page par laquelle un navigateur en ajoute. Répondre à tous les programmes selon les standards ?</translation>
+        <source>Only the standard answers take files and show none. Answer all programs by the standards?</source>
+        <translation>Seules les réponses standard acceptent des fichiers sans en montrer. Répondre à tous les programmes selon les standards ?</translation>
     </message>
     <message>
         <source>Can't write file: </source>
