@@ -1,6 +1,6 @@
 #pragma once
 
-#include "classic/http/MultipartCutter.h"
+#include "server/MultipartCutter.h"
 
 #include <QByteArray>
 

@@ -189,13 +189,10 @@ void FileReply::listFolder()
         [this](const ListingCache::Listing &listing) { sendListing(listing.get()); });
 }
 
-/// Whether the visitor may put something here but see nothing, which is told of any folder. It
-/// takes the application.
+/// Whether the visitor may add files here but see nothing, which is told of any folder.
 bool FileReply::isDropBox() const
 {
-    const Access &access = exchange.access();
-    return access.may(Right::Add, exchange.path()) && !access.may(Right::See, exchange.path())
-        && !appHead({}).isEmpty();
+    return takesForms() && !exchange.access().may(Right::See, exchange.path());
 }
 
 void FileReply::sendListing(const FolderListing *listing)
@@ -207,6 +204,13 @@ void FileReply::sendListing(const FolderListing *listing)
     sendPage(listing);
 }
 
+/// Whether the visitor may add files here by a form.
+bool FileReply::takesForms() const
+{
+    return exchange.access().may(Right::Add, exchange.path())
+        && findRoute(exchange.routes(), Method::Post, exchange.path());
+}
+
 void FileReply::sendPage(const FolderListing *listing)
 {
     const Access &access = exchange.access();
@@ -216,11 +220,13 @@ void FileReply::sendPage(const FolderListing *listing)
     QByteArray top = access.inSession ? logOutForm(exchange) : QByteArray();
     if (isArchived())
         top += FolderPage::archiveLink();
+    if (takesForms())
+        top += FolderPage::uploadForm();
     const QByteArray head = appHead(exchange.urls().prefix);
     if (!head.isEmpty())
         addAppProtection(fields);
     else
-        access.inSession ? addFormProtection(fields) : addPageProtection(fields);
+        takesForms() || access.inSession ? addFormProtection(fields) : addPageProtection(fields);
     const FolderPage page{ seenFrom(access.home, exchange.path()), head, top, listing };
     exchange.reply(Status::Ok, std::move(fields), page.html());
 }

@@ -36,12 +36,17 @@ QByteArray table(const FolderListing &listing, bool isRoot)
 
 } // namespace
 
+QByteArray FolderPage::uploadForm()
+{
+    return R"(<form method="post" action="./" enctype="multipart/form-data"><p>)"
+           R"(<label>Add a file: <input type="file" name="file" required></label> )"
+           "<button>Upload</button></p></form>\n";
+}
+
 QByteArray FolderPage::html() const
 {
     const QByteArray title = '/' + path;
-    const QByteArray content = listing
-        ? table(*listing, path.isEmpty())
-        : QByteArray("<p>Files can be added here, with scripts.</p>\n");
+    const QByteArray content = listing ? table(*listing, path.isEmpty()) : QByteArray();
     return pageBegin(title, head) + "<body>" + top + "<main><h1>" + escaped(title) + "</h1>\n"
         + content + "</main></body></html>\n";
 }

@@ -23,8 +23,9 @@ struct FolderPage
 
     QByteArray html() const;
 
-    /// For its top: leads to an archive of it.
+    /// For its top: leads to an archive of it; by which a file is added, see `FormUpload`.
     static QByteArray archiveLink();
+    static QByteArray uploadForm();
 };
 
 } // namespace standard

@@ -21,9 +21,10 @@ constexpr MethodUse::Needs forContent{ reading, seeing, reading };
 // Who may only add would lock names, and leave empty files there that nobody may fill.
 constexpr MethodUse::Needs forLocks{ changing, changing, adding | changing };
 
-constexpr std::array<MethodUse, 12> methodUses{ {
+constexpr std::array<MethodUse, 13> methodUses{ {
     { Method::Get, { true, true, false, true }, forContent },
     { Method::Head, { true, true, false, true }, forContent },
+    { Method::Post, { false, true, false, true }, { adding, adding, adding } },
     { Method::Put, { true, false, true, false }, { changing, changing, adding } },
     { Method::Patch, { true, false, false, false }, { changing, changing, changing } },
     { Method::Delete, { true, true, false, false }, { removing, removing, removing } },

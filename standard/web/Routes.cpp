@@ -7,6 +7,7 @@
 #include "standard/web/AppFileReply.h"
 #include "standard/web/Archive.h"
 #include "standard/web/AuthorityFile.h"
+#include "standard/web/FormUpload.h"
 #include "standard/web/LoginMethods.h"
 #include "standard/web/OpenUploads.h"
 #include "standard/web/PadMethods.h"
@@ -78,6 +79,12 @@ Routes withVisitors(Routes routes)
     return routes;
 }
 
+Routes withForms(Routes routes)
+{
+    routes.rows.push_back({ Method::Post, makeHandler<FormUpload> });
+    return routes;
+}
+
 Routes withLogins(Routes routes)
 {
     routes.rows.push_back({ Method::Get, makeHandler<LoginForm>, loginPath, true });
@@ -106,7 +113,7 @@ Routes withAuthority(Routes routes)
 Routes withWeb(Routes routes)
 {
     for (const auto with : { withUploads, withArchives, withPreviews, withUndo, withPad,
-                             withVisitors, withLogins, withAuthority, withApp })
+                             withVisitors, withLogins, withAuthority, withApp, withForms })
         routes = with(std::move(routes));
     return routes;
 }

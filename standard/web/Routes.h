@@ -22,6 +22,9 @@ Routes withPreviews(Routes routes);
 /// `routes` with what pages need to know of their visitors.
 Routes withVisitors(Routes routes);
 
+/// `routes` with uploads by forms. To be added behind other routes for POST to folders.
+Routes withForms(Routes routes);
+
 /// `routes` with a page where browsers log in, and out.
 Routes withLogins(Routes routes);
 

@@ -1,4 +1,4 @@
-#include "classic/http/MultipartCutter.h"
+#include "server/MultipartCutter.h"
 
 MultipartCutter::MultipartCutter(const QByteArray &delimiter)
     : matcher(delimiter)
