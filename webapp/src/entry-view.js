@@ -29,7 +29,7 @@ const shared = (entry, index) => ({
 
 export function row(entry, index) {
   return h('div', { role: 'row', class: 'entry row', 'aria-rowindex': index + 2, ...shared(entry, index) },
-    h('span', { role: 'gridcell', class: 'cell-name' }, check(), face(entry, 160), link(entry)),
+    h('span', { role: 'gridcell', class: 'cell-name' }, face(entry, 160), check(), link(entry)),
     h('span', { role: 'gridcell', class: 'cell-size' }, entry.isFolder ? '' : size(entry.size)),
     h('span', { role: 'gridcell', class: 'cell-time' }, time(entry.time)),
     h('span', { role: 'gridcell', class: 'cell-more' }, more(entry)));

@@ -20,6 +20,7 @@ export class Grid {
   #rows = new Map(); // elements by the number of the row
   #columns = 1;
   #height = 1; // px of a row
+  #focusedAt = 0; // where the entry with the keyboard stood
   #update = perFrame(() => this.#show());
 
   constructor(folder, selection, onOrder) {
@@ -88,11 +89,18 @@ export class Grid {
     this.grid.setAttribute('aria-rowcount', rows + (this.#layout === 'list' ? 1 : 0));
     this.grid.setAttribute('aria-colcount', this.#layout === 'list' ? 4 : this.#columns);
     this.grid.hidden = count === 0;
-    if (!this.#folder.shown.some(({ path }) => path === this.#selection.focused))
-      this.#selection.focused = this.#folder.shown[0]?.path ?? null;
+    this.#keepFocused();
     this.#show();
     if (hadFocus)
       this.focus();
+  }
+
+  // What takes the place of an entry that is gone has the keyboard then.
+  #keepFocused() {
+    const { shown } = this.#folder;
+    const at = shown.findIndex(({ path }) => path === this.#selection.focused);
+    this.#focusedAt = at >= 0 ? at : Math.max(0, Math.min(this.#focusedAt, shown.length - 1));
+    this.#selection.focused = shown[this.#focusedAt]?.path ?? null;
   }
 
   #rowOf(index) {
@@ -158,6 +166,7 @@ export class Grid {
     if (index < 0)
       return this.element.focus();
     this.#selection.focused = path;
+    this.#focusedAt = index;
     this.reveal(index);
     this.#show();
     this.elementOf(path).focus({ preventScroll: true });

@@ -98,14 +98,14 @@ class Page {
   async #findRights(path) {
     const { error, entries } = this.folder;
     if (error && error.status !== 403)
-      return;
+      return this.toolbar.settle();
     const found = await rightsIn(path, entries[0]).catch(() => noRights);
     if (this.folder.path !== path)
       return;
     if (error && found.add)
       return this.#showDropBox();
     this.commands.rights = found;
-    this.toolbar.show();
+    this.toolbar.settle();
     this.#changed();
   }
 

@@ -47,6 +47,8 @@ export class Pointer {
     const entry = this.#isTouch && this.#entryAt(event.target);
     if (!entry || event.target.closest('.more, input'))
       return;
+    // Else a finger that stays would begin to drag.
+    event.target.closest('.entry').draggable = false;
     const timer = setTimeout(() => {
       this.#wasLong = true;
       navigator.vibrate?.(10);

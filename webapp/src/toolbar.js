@@ -28,8 +28,14 @@ export class Toolbar {
     this.choosing = h('div', { class: 'tools', role: 'group', 'aria-label': t('Selection') },
       h('div', { class: 'chosen' }, button(t('Select nothing'), 'close', () => selection.clear(), { quiet: true }), this.count),
       ...Object.values(this.actions));
-    this.element = h('section', { class: 'toolbar', 'aria-label': t('Actions') }, this.adding, this.choosing);
+    this.element = h('section', { class: 'toolbar is-unknown', 'aria-label': t('Actions') }, this.adding, this.choosing);
     selection.addEventListener('change', () => this.show());
+    this.show();
+  }
+
+  // The rights of the visitor are known: until then nothing is shown that would have to move.
+  settle() {
+    this.element.classList.remove('is-unknown');
     this.show();
   }
 
@@ -40,7 +46,6 @@ export class Toolbar {
     this.choosing.hidden = !isChoosing;
     for (const tool of this.adding.querySelectorAll('.button:not(.select-all)'))
       tool.hidden = !rights.add;
-    this.element.classList.toggle('is-bare', !rights.add && !isChoosing);
     if (!isChoosing)
       return;
     this.count.textContent = t('Selected: {n}', { n: this.#selection.size });

@@ -1,5 +1,6 @@
 // The uploads on the page: a progress for each, and for all.
 
+import { confirm } from '../dialog.js';
 import { button, cutName, h } from '../dom.js';
 import { shownName } from '../entry.js';
 import { duration, number, pace, size } from '../format.js';
@@ -78,7 +79,9 @@ export class UploadPanel {
     }, interval);
   }
 
-  #close() {
+  async #close() {
+    if (this.#queue.isBusy && !await confirm(t('Cancel all uploads?'), t('What has arrived of them so far is given up.'), t('Cancel all')))
+      return;
     this.#queue.cancelAll();
     this.#queue.clear();
     this.element.hidden = true;
