@@ -204,6 +204,13 @@ void FileReply::sendListing(const FolderListing *listing)
     sendPage(listing);
 }
 
+bool FileReply::hasPad() const
+{
+    const Access &access = exchange.access();
+    return exchange.service().profile->scratchPad != 0 && access.home.isEmpty()
+        && access.may(Right::Read, {}) && findRoute(exchange.routes(), Method::Get, padPath);
+}
+
 /// Whether the visitor may add files here by a form.
 bool FileReply::takesForms() const
 {
@@ -220,6 +227,8 @@ void FileReply::sendPage(const FolderListing *listing)
     QByteArray top = access.inSession ? logOutForm(exchange) : QByteArray();
     if (isArchived())
         top += FolderPage::archiveLink();
+    if (hasPad())
+        top += FolderPage::padLink(exchange.urls().prefix);
     if (takesForms())
         top += FolderPage::uploadForm();
     const QByteArray head = appHead(exchange.urls().prefix);

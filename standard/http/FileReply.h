@@ -35,6 +35,7 @@ private:
     QByteArray fileName() const;
     void redirectToFolder();
     void listFolder();
+    bool hasPad() const;
     bool takesForms() const;
     bool isDropBox() const;
     void sendPage(const FolderListing *listing);

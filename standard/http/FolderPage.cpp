@@ -43,6 +43,11 @@ QByteArray FolderPage::uploadForm()
            "<button>Upload</button></p></form>\n";
 }
 
+QByteArray FolderPage::padLink(const QByteArray &prefix)
+{
+    return "<p><a href=\"" + escaped(prefix) + '/' + padPath + "\">Scratch pad</a></p>\n";
+}
+
 QByteArray FolderPage::html() const
 {
     const QByteArray title = '/' + path;

@@ -1,11 +1,9 @@
 #pragma once
 
+#include "standard/http/FolderPage.h"
 #include "standard/http/Resource.h"
 
 namespace standard {
-
-/// A text that all who see the whole share hand each other, where the profile has such a pad.
-constexpr auto padPath = ".quillon/pad";
 
 constexpr qint64 maxPad = qint64(64) * 1024; ///< bytes
 
