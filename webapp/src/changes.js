@@ -11,6 +11,7 @@ import { t } from './texts.js';
 
 const atOnce = 4;
 const mostNumbers = 100;
+const mostUndone = 50; // entries that the server keeps aside for a moment
 
 // Runs `work` for each of `items`, a few at once; gives the errors.
 async function forAll(items, work) {
@@ -63,20 +64,31 @@ export async function newText(folder, name, text) {
   return path;
 }
 
-export async function remove(entries) {
-  const [first] = entries;
-  const title = entries.length === 1 ? t('Delete {name}?', { name: first.label }) : t('Delete {n} entries?', { n: entries.length });
-  return await confirm(title, t('This can’t be undone.'), t('Delete')) ? removeAll(entries) : null;
+// Few are deleted at once, and can be taken back: `change` does that, see `Commands`. Who deletes many
+// is asked before.
+export async function remove(entries, change) {
+  const question = t('Delete {n} entries?', { n: entries.length });
+  if (entries.length > mostUndone && !await confirm(question, t('This can’t be undone.'), t('Delete')))
+    return null;
+  return removeAll(entries, change);
 }
 
-async function removeAll(entries) {
-  const errors = await forAll(entries, ({ path }) => dav.remove(path));
-  return report(errors, entries.length, 'Deleted: {n}', removeAll);
+async function removeAll(entries, change) {
+  const removed = [];
+  const errors = await forAll(entries, async ({ path }) => removed.push(await dav.remove(path)));
+  const kept = removed.filter(Boolean);
+  const undo = kept.length > 0 ? { text: t('Undo'), run: () => change(() => takeAllBack(kept)), isBrief: true } : null;
+  return report(errors, entries.length, 'Deleted: {n}', rest => removeAll(rest, change), undo);
 }
 
-function report(errors, count, text, again) {
+async function takeAllBack(kept) {
+  const errors = await forAll(kept, dav.takeBack);
+  return report(errors, kept.length, 'Brought back: {n}', takeAllBack);
+}
+
+function report(errors, count, text, again, action = null) {
   if (count > errors.length)
-    inform(t(text, { n: count - errors.length }));
+    inform(t(text, { n: count - errors.length }), action);
   if (errors.length > 0)
     throw Object.assign(errors[0].error, { retry: () => again(errors.map(({ item }) => item)) });
   return true;

@@ -110,7 +110,8 @@ export class Commands {
       await this.#change(() => changes.newText(path, name, text.value));
   };
 
-  remove = entries => this.rights.remove && entries.length > 0 && this.#change(() => changes.remove(entries));
+  remove = entries => this.rights.remove && entries.length > 0 && this.#change(
+    () => changes.remove(entries, change => this.#change(change)));
 
   #options = isCopy => ({ isCopy, mayReplace: this.rights.change });
   move = entries => this.#change(() => changes.chooseAndPlace(this.#page.folder.path, entries, this.#options(false)));
@@ -136,7 +137,7 @@ export class Commands {
     const { add, remove } = this.rights;
     const items = [
       { text: t('Open'), picture: entry.isFolder ? 'folder' : 'file', run: () => this.open(entry), is: entries.length === 1 },
-      { text: t('Download'), picture: 'download', run: () => this.download(entries), is: this.canDownload(entries) },
+      { text: t('Download'), picture: 'download', run: () => this.download(entries), is: this.canDownload(entries) && !(entries.length === 1 && entry.isFolder) },
       { text: t('Rename'), picture: 'rename', run: () => this.rename(entry), is: remove && entries.length === 1 },
       { text: t('Move'), picture: 'move', run: () => this.move(entries), is: remove },
       { text: t('Copy'), picture: 'copy', run: () => this.copy(entries), is: add },

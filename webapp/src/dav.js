@@ -33,12 +33,19 @@ async function ask(method, path, headers = {}, body = undefined, signal = undefi
 }
 
 // The entries of a folder, without itself.
-export async function list(folder, signal) {
-  const reply = await ask('PROPFIND', folder, { Depth: '1', 'Content-Type': 'application/xml' }, wanted, signal);
+export const list = (folder, signal) => read(folder, folder, '1', signal, () => {});
+
+// Those of all folders below whose names have a text in them; `arrived` is told of them on the way.
+export const find = (folder, text, signal, arrived) => read(folder, `${folder}?contains=${encodeURIComponent(text)}`, 'infinity', signal, arrived);
+
+async function read(folder, path, depth, signal, arrived) {
+  const reply = await ask('PROPFIND', path, { Depth: depth, 'Content-Type': 'application/xml' }, wanted, signal);
   const reader = new ListingReader(folder);
   const bytes = reply.body.pipeThrough(new TextDecoderStream()).getReader();
-  for (let piece = await bytes.read(); !piece.done; piece = await bytes.read())
+  for (let piece = await bytes.read(); !piece.done; piece = await bytes.read()) {
     reader.add(piece.value);
+    arrived(reader.entries);
+  }
   return reader.entries;
 }
 
@@ -66,9 +73,20 @@ async function askForAll(method, path, headers) {
   const reply = await ask(method, path, headers);
   if (reply.status === 207)
     throw new DavError(failedStatus(await reply.text()), path);
+  return reply;
 }
 
-export const remove = path => askForAll('DELETE', path);
+// Gives the path by which it can be taken back for a moment; null when it can't.
+export const remove = async path => (await askForAll('DELETE', path, { 'Quillon-Undo': '?1' })).headers.get('Location');
+
+// 412 when something else has the name by now.
+export async function takeBack(path) {
+  try {
+    await ask('POST', path);
+  } catch (error) {
+    throw error.status === 409 ? new DavError(412) : error;
+  }
+}
 
 const placed = (method, from, to, replace) => askForAll(method, from, {
   Destination: new URL(to, location.origin).href,
@@ -77,6 +95,15 @@ const placed = (method, from, to, replace) => askForAll(method, from, {
 
 export const move = (from, to, { replace = false } = {}) => placed('MOVE', from, to, replace);
 export const copy = (from, to, { replace = false } = {}) => placed('COPY', from, to, replace);
+
+// A text and what tells its version.
+export async function readVersion(path) {
+  const reply = await ask('GET', path);
+  return { text: await reply.text(), tag: reply.headers.get('ETag') };
+}
+
+// 412 when it is another version by now.
+export const writeVersion = (path, text, tag) => ask('PUT', path, { 'If-Match': tag, 'Content-Type': 'text/plain; charset=utf-8' }, text);
 
 // Bytes of a file; null when there is none, or the visitor may not know.
 export async function sizeOf(path) {

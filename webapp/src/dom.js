@@ -65,6 +65,16 @@ export function debounced(ms, action) {
   };
 }
 
+export function throttled(ms, action) {
+  let last = 0;
+  return value => {
+    if (performance.now() - last < ms)
+      return;
+    last = performance.now();
+    action(value);
+  };
+}
+
 // At most once a frame.
 export function perFrame(action) {
   let isDue = false;

@@ -1,6 +1,6 @@
 // A file or folder, as listings tell of it.
 
-import { decoded, lastSegment } from './paths.js';
+import { decoded, lastSegment, parentOf } from './paths.js';
 import { kindOf } from './kinds.js';
 
 // Breaks would tear a line, and marks of direction would have "exe" read as something else.
@@ -53,6 +53,11 @@ export class Entry {
   get key() {
     this.#key ??= folded(this.name).replace(/\d+/g, digits => digits.padStart(longestNumber, '0'));
     return this.#key;
+  }
+
+  // The folders between `folder` and it, as they are shown.
+  below(folder) {
+    return shownName(decoded(parentOf(this.path).slice(folder.length)));
   }
 
   get label() {

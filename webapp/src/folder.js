@@ -1,10 +1,12 @@
 // The folder that is looked at: its entries, and which of them are shown in which order. Tells
 // "change" when they are others, or can't be had.
 
-import { list } from './dav.js';
+import { find, list } from './dav.js';
+import { throttled } from './dom.js';
 import { arranged } from './order.js';
 import { setting } from './settings.js';
 
+const showEvery = 250; // ms
 const mostKept = 20; // folders that are shown at once when the visitor comes back
 
 export class Folder extends EventTarget {
@@ -13,6 +15,7 @@ export class Folder extends EventTarget {
   shown = [];
   isLoading = false;
   error = null; // why there are none
+  search = null; // 'running' or 'done', while what is shown was found below
   #words = '';
   #known = new Map(); // the entries of folders
   #asking = null;
@@ -20,6 +23,7 @@ export class Folder extends EventTarget {
   // `entries` are told by whoever has them already.
   async open(path, entries = null) {
     this.path = path;
+    this.search = null;
     this.#words = '';
     this.#take(entries ?? this.#known.get(path) ?? [], !entries);
     if (!entries)
@@ -27,9 +31,8 @@ export class Folder extends EventTarget {
   }
 
   async refresh() {
-    this.#asking?.abort();
-    const asking = new AbortController();
-    this.#asking = asking;
+    this.search = null;
+    const asking = this.#ask();
     const { path } = this;
     try {
       const entries = await list(path, asking.signal);
@@ -44,9 +47,46 @@ export class Folder extends EventTarget {
     }
   }
 
+  // Whatever was asked for before is of no use any more.
+  #ask() {
+    this.#asking?.abort();
+    this.#asking = new AbortController();
+    return this.#asking;
+  }
+
+  // Among all folders below, by the words of the filter. Shows what is found while it is found.
+  async findBelow(words) {
+    this.#words = words;
+    const asking = this.#ask();
+    const found = entries => {
+      this.entries = entries;
+      this.arrange();
+    };
+    this.search = 'running';
+    found([]);
+    try {
+      const entries = await find(this.path, this.#words.trim(), asking.signal, throttled(showEvery, found));
+      this.search = 'done';
+      found(entries);
+    } catch (error) {
+      if (!asking.signal.aborted)
+        this.#take([], false, error);
+    }
+  }
+
+  // Other words are for the folder itself.
   filter(words) {
     this.#words = words;
-    this.arrange();
+    if (this.search)
+      this.#leaveSearch();
+    else
+      this.arrange();
+  }
+
+  #leaveSearch() {
+    this.#asking.abort();
+    this.search = null;
+    this.#take(this.#known.get(this.path) ?? [], false);
   }
 
   get words() {

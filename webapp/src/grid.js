@@ -28,6 +28,9 @@ export class Grid {
     this.#selection = selection;
     this.#buildElements(onOrder);
     this.element.addEventListener('scroll', this.#update, { passive: true });
+    this.body.addEventListener('focusin', ({ target }) => {
+      this.#focusedAt = Number(target.closest('.entry')?.dataset.index ?? this.#focusedAt);
+    });
     new ResizeObserver(() => this.#measure()).observe(this.element);
     selection.addEventListener('change', () => this.#mark());
     folder.addEventListener('change', () => this.renew());
@@ -139,7 +142,9 @@ export class Grid {
   #add(number) {
     const first = number * this.#columns;
     const entries = this.#folder.shown.slice(first, first + this.#columns);
-    const element = this.#layout === 'list' ? row(entries[0], first) : tileRow(entries, first, number);
+    const { path, search } = this.#folder;
+    const where = entry => (search ? entry.below(path) : '');
+    const element = this.#layout === 'list' ? row(entries[0], first, where(entries[0])) : tileRow(entries, first, number, where);
     element.style.transform = `translateY(${number * this.#height}px)`;
     this.#rows.set(number, element);
     // In the order in which they are read.

@@ -4,6 +4,7 @@ import { button, debounced, h, icon } from './dom.js';
 import { shownName } from './entry.js';
 import { showHelp } from './help.js';
 import { orderNames } from './order.js';
+import { padButton } from './pad.js';
 import { decoded, lastSegment, root, trail } from './paths.js';
 import { choose, setting, showScheme } from './settings.js';
 import { t } from './texts.js';
@@ -58,12 +59,12 @@ function logOut() {
   return form;
 }
 
-export const account = () => h('div', { class: 'account' }, schemeSwitch(),
+export const account = () => h('div', { class: 'account' }, padButton(), schemeSwitch(),
   button(t('Keyboard'), 'help', () => showHelp(), { quiet: true, class: 'button quiet keyboard-help' }), logOut());
 
 export function filterField(folder) {
   const field = h('input', { type: 'search', 'aria-label': t('Filter'), placeholder: t('Filter'), autocomplete: 'off', spellcheck: 'false', enterkeyhint: 'search' });
-  field.addEventListener('input', debounced(filterDelay, () => folder.filter(field.value)));
+  field.addEventListener('input', debounced(filterDelay, () => field.value !== folder.words && folder.filter(field.value)));
   field.addEventListener('keydown', event => {
     if (event.key !== 'Escape')
       return;

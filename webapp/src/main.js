@@ -4,6 +4,7 @@ import { Commands } from './commands.js';
 import { debounced, button, h, icon } from './dom.js';
 import { Drag } from './drag.js';
 import { dropBox } from './drop-box.js';
+import { FindBar } from './find-bar.js';
 import { Folder } from './folder.js';
 import { Grid } from './grid.js';
 import { account, Crumbs, filterField, folderName, ViewSwitches } from './header.js';
@@ -49,7 +50,7 @@ class Page {
     const known = readPage(document);
     const header = h('header', { class: 'top' }, this.crumbs.title, this.crumbs.element, account(),
       h('div', { class: 'filter' }, icon('search'), this.filterField), this.switches.element);
-    this.main = h('main', { class: 'app' }, this.grid.element);
+    this.main = h('main', { class: 'app' }, new FindBar(this.folder, this.filterField).element, this.grid.element);
     document.body.replaceChildren(header, this.toolbar.element, this.main, this.uploads.panel, notices,
       ...document.querySelectorAll('body > :is(dialog, input, .drop-veil)'));
     this.#arrange();

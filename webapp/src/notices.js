@@ -6,6 +6,7 @@ import { decoded, lastSegment, loginFor } from './paths.js';
 import { t } from './texts.js';
 
 const shownFor = 6000; // ms
+const offeredFor = 10000; // what can be done about it for a moment only
 
 export const notices = h('div', { class: 'notices' });
 const calm = h('div', { role: 'status', class: 'notice-list' });
@@ -27,7 +28,9 @@ function show(list, text, action) {
   }
   notice.append(button(t('Close'), 'close', close, { quiet: true }));
   list.replaceChildren(notice);
-  if (!action && list === calm)
+  if (action?.isBrief)
+    setTimeout(close, offeredFor);
+  else if (!action && list === calm)
     setTimeout(close, shownFor);
 }
 

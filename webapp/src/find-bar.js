@@ -1,0 +1,28 @@
+// Offers to look below the folder for what is typed, and tells what was found.
+
+import { button, h } from './dom.js';
+import { number } from './format.js';
+import { t } from './texts.js';
+
+export class FindBar {
+  #folder;
+
+  // `field` is that of the filter, which may be ahead of the folder.
+  constructor(folder, field) {
+    this.#folder = folder;
+    this.find = button(t('Search below this folder'), 'search', () => folder.findBelow(field.value));
+    this.stay = button(t('Only this folder'), 'close', () => folder.filter(folder.words));
+    this.note = h('span', { role: 'status' });
+    this.element = h('div', { class: 'find-bar', hidden: true }, this.find, this.note, this.stay);
+    folder.addEventListener('change', () => this.#update());
+  }
+
+  #update() {
+    const { words, search, shown } = this.#folder;
+    this.element.hidden = words.trim() === '';
+    this.find.hidden = search !== null;
+    this.stay.hidden = search === null;
+    const text = search === 'running' ? 'Searching … {n}' : 'Found below: {n}';
+    this.note.textContent = search ? t(text, { n: number(shown.length) }) : '';
+  }
+}
