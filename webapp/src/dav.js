@@ -1,7 +1,7 @@
 // What the page asks of its server, by WebDAV. Every failure is a DavError.
 
 import { failedStatus, ListingReader } from './multistatus.js';
-import { ownRequest } from './paths.js';
+import { inQuery, ownRequest, reserved } from './paths.js';
 
 export class DavError extends Error {
   constructor(status, subject = '') {
@@ -48,6 +48,9 @@ async function read(folder, path, depth, signal, arrived) {
   }
   return reader.entries;
 }
+
+// What the server says of the visitor, and of their rights to a path.
+export const visitorAt = async path => (await ask('GET', `${reserved}visitor?path=${inQuery(path)}`)).json();
 
 // The methods that may be used on what stands, or could stand, at a path.
 export async function allowed(path) {

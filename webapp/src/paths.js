@@ -8,8 +8,11 @@ export const reserved = `${root}.quillon/`;
 // By this the server knows who asks: the browser must not ask for a password in its own way.
 export const ownRequest = { 'X-Requested-With': 'Quillon' };
 
+// A path as a value in a query, where these two mean something else.
+export const inQuery = path => path.replaceAll('&', '%26').replaceAll('+', '%2B');
+
 // Where the visitor logs in, to come back to a folder.
-export const loginFor = folder => `${reserved}login?next=${folder.slice(root.length - 1)}`;
+export const loginFor = folder => `${reserved}login?next=${inQuery(folder.slice(root.length - 1))}`;
 
 const bytes = new TextEncoder();
 const lenient = new TextDecoder('utf-8', { ignoreBOM: true });

@@ -11,7 +11,7 @@ import { Pace } from './pace.js';
 import { forget, interrupted } from './transfer.js';
 
 const mostShown = 40; // of any number of files: those that matter
-const interval = 150; // ms between two looks at the progress
+const interval = 250; // ms between two looks at the progress
 const urgency = { failed: 0, asking: 1, running: 2, retrying: 3, paused: 4, waiting: 5, done: 6, skipped: 7, cancelled: 8 };
 
 const notes = {
