@@ -32,16 +32,6 @@ QByteArray parameter(const QByteArray &field, const QByteArray &key)
                                  : value.split(';').front().trimmed();
 }
 
-/// "a.txt", "a (2).txt"
-QByteArray numbered(const QByteArray &name, int number)
-{
-    if (number < 2)
-        return name;
-    const int dot = int(name.lastIndexOf('.'));
-    const int end = dot > 0 ? dot : int(name.size());
-    return name.left(end) + " (" + QByteArray::number(number) + ')' + name.mid(end);
-}
-
 } // namespace
 
 QByteArray partFileName(const QByteArray &lines)
@@ -117,9 +107,10 @@ bool FormUpload::begin(const QByteArray &name)
 {
     if (name.isEmpty() || isReserved(exchange.access().home, joinedPath(exchange.path(), name)))
         return false;
+    const QByteArray path = joinedPath(exchange.path(), name);
     DiskError error = DiskError::Exists;
     for (int number = 1; error == DiskError::Exists && number <= maxNumber; ++number) {
-        target = joinedPath(exchange.path(), numbered(name, number));
+        target = number == 1 ? path : numberedPath(path, number);
         Place place = share()->place(target);
         upload = newUpload(*exchange.service().profile);
         upload->setCareful();
