@@ -164,6 +164,7 @@ for (const screen of Object.keys(screens)) {
 
     it('looks at files', async () => {
       await app.open('Album/');
+      await app.entry('one.png').locator('.preview.is-there').waitFor();
       await app.entry('one.png').click();
       await app.page.locator('.stage img[alt="one.png"]').waitFor();
       await app.page.keyboard.press('ArrowRight');
@@ -175,6 +176,19 @@ for (const screen of Object.keys(screens)) {
       await app.page.getByText('in the beginning').waitFor();
       await app.press('Close');
       await app.page.locator('.entry:focus').waitFor();
+    });
+
+    it('takes a file, a folder and a choice', async () => {
+      await app.open();
+      const taken = async step => (await Promise.all([app.page.waitForEvent('download'), step()]))[0].suggestedFilename();
+      const more = name => app.entry(name).locator('.more').click();
+      await more('Album');
+      assert.equal(await taken(() => app.page.getByRole('link', { name: app.say('Download as zip') }).click()), 'Album.zip');
+      await app.page.keyboard.press('Escape');
+      await more('File 2.doc');
+      assert.equal(await taken(() => app.press('Download')), 'File 2.doc');
+      await app.page.keyboard.press('Control+a');
+      assert.match(await taken(() => app.press('Download')), /\.zip$/);
     });
 
     it('adds files, and asks once about names', async () => {

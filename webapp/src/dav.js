@@ -52,12 +52,6 @@ async function read(folder, path, depth, signal, arrived) {
 // What the server says of the visitor, and of their rights to a path.
 export const visitorAt = async path => (await ask('GET', `${reserved}visitor?path=${inQuery(path)}`)).json();
 
-// The methods that may be used on what stands, or could stand, at a path.
-export async function allowed(path) {
-  const reply = await ask('OPTIONS', path);
-  return new Set((reply.headers.get('Allow') ?? '').split(/,\s*/));
-}
-
 // 412 when the name is taken, as of all that may not replace.
 export async function makeFolder(path) {
   try {

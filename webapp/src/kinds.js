@@ -14,7 +14,7 @@ const endings = {
 const kinds = new Map(Object.entries(endings).flatMap(
   ([kind, names]) => names.split(' ').map(name => [name, kind])));
 
-const endingOf = name => name.slice(name.lastIndexOf('.') + 1).toLowerCase();
+export const endingOf = name => name.slice(name.lastIndexOf('.') + 1).toLowerCase();
 
 export const kindOf = name => (name.includes('.') && kinds.get(endingOf(name))) || 'file';
 

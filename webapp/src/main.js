@@ -12,7 +12,7 @@ import { Keys } from './keys.js';
 import { Viewer } from './look/viewer.js';
 import { readPage } from './multistatus.js';
 import { notices, reason } from './notices.js';
-import { isBelow, loginFor } from './paths.js';
+import { isBelow, loginFor, root } from './paths.js';
 import { Pointer } from './pointer.js';
 import { noRights, rightsIn } from './rights.js';
 import { Selection } from './selection.js';
@@ -97,15 +97,16 @@ class Page {
   }
 
   async #findRights(path) {
-    const { error, entries } = this.folder;
+    const { error } = this.folder;
     if (error && error.status !== 403)
       return this.toolbar.settle();
-    const found = await rightsIn(path, entries[0]).catch(() => noRights);
+    const found = await rightsIn(path).catch(() => noRights);
     if (this.folder.path !== path)
       return;
     if (error && found.add)
       return this.#showDropBox();
     this.commands.rights = found;
+    document.title = path === root ? found.share || folderName(path) : folderName(path);
     this.toolbar.settle();
     this.#changed();
   }

@@ -96,25 +96,34 @@ class Zoom {
   }
 }
 
-// A large picture is preceded by its preview, which takes the same place.
-async function load(picture, entry) {
-  if (!await hasPreview(entry)) {
-    picture.src = entry.path;
-    return;
+// Whether it could be shown.
+async function shows(picture, path) {
+  try {
+    picture.src = path;
+    await picture.decode();
+    return true;
+  } catch {
+    return false;
   }
-  picture.src = previewPath(entry, 1280);
-  if (isForeignPicture(entry.name))
-    return;
-  const whole = new Image();
-  whole.src = entry.path;
-  await whole.decode();
-  picture.src = whole.src;
+}
+
+// A picture is preceded by its preview, which takes the same place.
+async function load(picture, entry) {
+  const isPreceded = hasPreview(entry) && await shows(picture, previewPath(entry, 1280));
+  if (isPreceded && isForeignPicture(entry.name))
+    return true;
+  if (!await shows(new Image(), entry.path))
+    return isPreceded;
+  picture.src = entry.path;
+  return true;
 }
 
 export function showPicture(stage, entry, step) {
   const picture = h('img', { class: 'picture', alt: entry.label, draggable: 'false' });
-  picture.addEventListener('error', () => failed(stage, entry));
   stage.append(picture);
   new Zoom(stage, picture, step);
-  load(picture, entry).catch(() => {}); // the preview stays
+  load(picture, entry).then(isShown => {
+    if (!isShown && picture.isConnected)
+      failed(stage, entry);
+  });
 }

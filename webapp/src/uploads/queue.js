@@ -2,7 +2,8 @@
 // and "done" with the path of a folder when a file has come to it.
 
 import { DavError, makeFolder, sizeOf } from '../dav.js';
-import { encoded, numbered } from '../paths.js';
+import { encoded } from '../paths.js';
+import { Item } from './item.js';
 import { send } from './transfer.js';
 
 const atOnce = 4;
@@ -11,42 +12,6 @@ const pauses = [1, 2, 4, 8, 15, 30]; // seconds until a lost connection is tried
 const passing = new Set([0, 401, 423, 429, 502, 503, 504]); // reasons that go away by themselves
 
 const pathOf = (target, names) => target + names.map(name => `${encoded(name)}/`).join('');
-
-const isOver = new Set(['done', 'failed', 'skipped', 'cancelled']);
-
-class Item {
-  state = 'waiting'; // running, asking, retrying, paused, done, failed, skipped, cancelled
-  sent = 0;
-  moved = 0; // when the last bytes went out, in ms
-  error = null;
-  attempts = 0;
-  number = 1; // of the name, see `numbered`
-  names = 1; // that were tried
-  job = null;
-
-  // `answer` is what the visitor said already about its name, see `askAboutNames`.
-  constructor({ file, answer }, folder, batch) {
-    this.file = file;
-    this.folder = folder; // path
-    this.batch = batch;
-    this.replace = answer === 'replace';
-    if (answer === 'keep')
-      this.takeNextName();
-  }
-
-  takeNextName() {
-    this.number = this.batch.decide.nextNumber(this.number);
-    ++this.names;
-  }
-
-  get name() {
-    return numbered(this.file.name, this.number);
-  }
-
-  get isOver() {
-    return isOver.has(this.state);
-  }
-}
 
 export class Queue extends EventTarget {
   items = [];
@@ -116,12 +81,15 @@ export class Queue extends EventTarget {
   }
 
   async #run(item) {
+    const attempt = {};
+    const goesOn = () => item.attempt === attempt && item.state === 'running';
+    item.attempt = attempt;
     item.state = 'running';
     item.error = null;
     item.moved = Date.now();
     try {
       await item.prepared();
-      if (item.state !== 'running')
+      if (!goesOn())
         return;
       item.job = send({
         file: item.file, folder: item.folder, name: item.name, replace: item.replace,
@@ -132,10 +100,10 @@ export class Queue extends EventTarget {
         },
       });
       await item.job.done;
-      if (item.state === 'running')
+      if (goesOn())
         this.#finish(item);
     } catch (error) {
-      if (item.state === 'running')
+      if (goesOn())
         await this.#fail(item, error);
     }
     this.#advance();

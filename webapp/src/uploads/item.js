@@ -1,0 +1,40 @@
+// A file of the queue: where it is to stand, and how far it is.
+
+import { numbered } from '../paths.js';
+
+const isOver = new Set(['done', 'failed', 'skipped', 'cancelled']);
+
+export class Item {
+  state = 'waiting'; // running, asking, retrying, paused, done, failed, skipped, cancelled
+  sent = 0;
+  moved = 0; // when the last bytes went out, in ms
+  error = null;
+  attempts = 0;
+  number = 1; // of the name, see `numbered`
+  names = 1; // that were tried
+  job = null;
+  attempt = null; // the one that counts: an earlier one may end late
+
+  // `answer` is what the visitor said already about its name, see `askAboutNames`.
+  constructor({ file, answer }, folder, batch) {
+    this.file = file;
+    this.folder = folder; // path
+    this.batch = batch;
+    this.replace = answer === 'replace';
+    if (answer === 'keep')
+      this.takeNextName();
+  }
+
+  takeNextName() {
+    this.number = this.batch.decide.nextNumber(this.number);
+    ++this.names;
+  }
+
+  get name() {
+    return numbered(this.file.name, this.number);
+  }
+
+  get isOver() {
+    return isOver.has(this.state);
+  }
+}
