@@ -125,10 +125,10 @@ void PreviewStore::sweep() const
     FolderReader reader(std::move(opened));
     std::vector<StoredPreview> files = worthKeeping(reader);
     std::sort(files.begin(), files.end(), wasUsedBefore);
-    qint64 room = most - 2 * sweepAfter();
+    qint64 left = most - 2 * sweepAfter();
     for (auto file = files.crbegin(); file != files.crend(); ++file) {
-        room -= sizeOnDisk(file->facts.size);
-        if (room < 0)
+        left -= sizeOnDisk(file->facts.size);
+        if (left < 0)
             ::unlinkat(reader.descriptor(), file->name.constData(), 0);
     }
 }

@@ -176,7 +176,7 @@ void ServerRow::share(const QString &path)
 /// Gives why it can't be shared.
 QString ServerRow::restoreContent(const QString &path)
 {
-    const QString refusal = shareRefusal(path);
+    QString refusal = shareRefusal(path);
     share(refusal.isEmpty() ? path : QDir::homePath());
     if (!refusal.isEmpty())
         missing = path;

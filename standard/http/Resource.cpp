@@ -142,7 +142,7 @@ QByteArray ResourceHandler::pathToAdd(const QByteArray &path) const
     if (!share() || !seesNothing || !access.may(Right::Add, path) || !isTaken(path))
         return path;
     for (int number = 2; number < mostInOrder; ++number) {
-        if (const QByteArray numbered = numberedPath(path, number); !isTaken(numbered))
+        if (QByteArray numbered = numberedPath(path, number); !isTaken(numbered))
             return numbered;
     }
     return numberedPath(path, QRandomGenerator::global()->bounded(mostInOrder, INT_MAX));

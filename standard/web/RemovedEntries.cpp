@@ -73,7 +73,7 @@ bool RemovedEntries::hasRoomFor(const QByteArray &visitor) const
 
 QByteArray RemovedEntries::keep(Removed removed)
 {
-    const QByteArray id = newSecret();
+    QByteArray id = newSecret();
     kept.emplace(id, Kept{ std::move(removed), Clock::now() + lasting });
     if (!timer.isActive())
         timer.start();
