@@ -102,11 +102,12 @@ export async function readVersion(path) {
 // 412 when it is another version by now.
 export const writeVersion = (path, text, tag) => ask('PUT', path, { 'If-Match': tag, 'Content-Type': 'text/plain; charset=utf-8' }, text);
 
-// Bytes of a file; null when there is none, or the visitor may not know.
-export async function sizeOf(path) {
+// A file's size in bytes and its time in whole seconds since 1970; null when there is none, or the
+// visitor may not know.
+export async function factsOf(path) {
   try {
-    const length = (await ask('HEAD', path)).headers.get('Content-Length');
-    return length === null ? null : Number(length);
+    const { headers } = await ask('HEAD', path);
+    return { size: Number(headers.get('Content-Length') ?? Number.NaN), seconds: Date.parse(headers.get('Last-Modified')) / 1000 };
   } catch {
     return null;
   }

@@ -10,6 +10,7 @@ export class Item {
   moved = 0; // when the last bytes went out, in ms
   error = null;
   attempts = 0;
+  mayBeThere = false; // an earlier attempt sent the last byte under this name, and heard nothing
   number = 1; // of the name, see `numbered`
   names = 1; // that were tried
   job = null;
@@ -28,6 +29,13 @@ export class Item {
   takeNextName() {
     this.number = this.batch.decide.nextNumber(this.number);
     ++this.names;
+    this.forgetSent();
+  }
+
+  // Whatever went out has been refused.
+  forgetSent() {
+    this.mayBeThere = false;
+    this.attempt = null;
   }
 
   get name() {

@@ -1,10 +1,10 @@
 // The uploads of this visit, a few at a time. Tells "change" whenever anything about them is another,
 // and "done" with the path of a folder when a file has come to it.
 
-import { DavError, makeFolder, sizeOf } from '../dav.js';
+import { DavError, factsOf, makeFolder } from '../dav.js';
 import { encoded } from '../paths.js';
 import { Item } from './item.js';
-import { send } from './transfer.js';
+import { secondsOf, send } from './transfer.js';
 
 const atOnce = 4;
 const patience = 30000; // ms without a byte, and the connection counts as lost
@@ -81,7 +81,8 @@ export class Queue extends EventTarget {
   }
 
   async #run(item) {
-    const attempt = {};
+    const attempt = { isSent: false };
+    item.mayBeThere ||= item.attempt?.isSent === true;
     const goesOn = () => item.attempt === attempt && item.state === 'running';
     item.attempt = attempt;
     item.state = 'running';
@@ -95,6 +96,7 @@ export class Queue extends EventTarget {
         file: item.file, folder: item.folder, name: item.name, replace: item.replace,
         onProgress: sent => {
           item.sent = sent;
+          attempt.isSent ||= sent === item.file.size;
           item.moved = Date.now();
           this.#tell();
         },
@@ -130,13 +132,23 @@ export class Queue extends EventTarget {
 
   // The answer to an earlier attempt may have been lost: its name is its own then.
   async #settleName(item, error) {
-    if (item.attempts > 0 && await sizeOf(item.folder + encoded(item.name)) === item.file.size)
+    const { attempt } = item;
+    const isArrived = item.mayBeThere && await this.#isArrived(item);
+    if (item.attempt !== attempt || item.state !== 'running')
+      return;
+    if (isArrived)
       return this.#finish(item);
+    item.forgetSent();
     item.state = 'asking';
     this.#advance();
     const answer = item.names > 1 ? 'keep' : await item.batch.decide(item.name);
     if (item.state === 'asking')
       this.#takeAnswer(item, answer, error);
+  }
+
+  async #isArrived({ folder, name, file }) {
+    const there = await factsOf(folder + encoded(name));
+    return there?.size === file.size && there.seconds === secondsOf(file);
   }
 
   #takeAnswer(item, answer, error) {

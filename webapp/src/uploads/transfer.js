@@ -7,7 +7,8 @@ import { encoded, ownRequest, reserved, root } from '../paths.js';
 
 const largestPut = 4 * 2 ** 20; // bytes: what is sent anew when a connection breaks
 
-const seconds = file => String(Math.floor(file.lastModified / 1000));
+// When it was changed, since 1970, as the server is told.
+export const secondsOf = file => Math.floor(file.lastModified / 1000);
 
 // By XMLHttpRequest: nothing else tells how far it is.
 function sendWhole({ file, folder, name, replace, onProgress }) {
@@ -15,7 +16,7 @@ function sendWhole({ file, folder, name, replace, onProgress }) {
   const request = new XMLHttpRequest();
   const done = new Promise((resolve, reject) => {
     request.open('PUT', path);
-    const headers = { ...ownRequest, 'X-OC-Mtime': seconds(file), ...replace ? {} : { 'If-None-Match': '*' } };
+    const headers = { ...ownRequest, 'X-OC-Mtime': secondsOf(file), ...replace ? {} : { 'If-None-Match': '*' } };
     for (const [field, value] of Object.entries(headers))
       request.setRequestHeader(field, value);
     request.upload.onprogress = ({ loaded }) => onProgress(loaded);
@@ -36,7 +37,7 @@ function sendResumable({ file, folder, name, replace, onProgress }) {
       const failed = error => reject(new DavError(error.originalResponse?.getStatus() ?? 0, folder + encoded(name)));
       upload = new Upload(file, {
         endpoint: `${reserved}tus/${folder.slice(root.length)}`,
-        metadata: { filename: name, mtime: seconds(file) },
+        metadata: { filename: name, mtime: String(secondsOf(file)) },
         headers: { ...ownRequest, ...replace ? { Overwrite: 'T' } : {} },
         retryDelays: null, // who waits for the network is the queue
         removeFingerprintOnSuccess: true,
