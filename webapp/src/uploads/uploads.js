@@ -58,11 +58,12 @@ export class Uploads {
     this.#listen();
   }
 
-  async add(picked, target = this.#where().folder) {
-    const { rights, taken, isBlind, folder } = this.#where();
+  // `where` and `target`, a path, are of the moment when the visitor let go of the files.
+  async add(picked, where = this.#where(), target = where.folder) {
+    const { rights, taken, isBlind } = where;
     if (!rights.add)
       return inform(t('You have no right to do this here.'));
-    const known = target === folder ? picked.files.filter(each => each.folders.length === 0 && taken(each.file.name)) : [];
+    const known = target === this.#where().folder ? picked.files.filter(each => each.folders.length === 0 && taken(each.file.name)) : [];
     const decide = decider(known.map(({ file }) => file.name), { mayReplace: rights.change, isBlind });
     // Asked before anything is sent, where it is known that it must be.
     const answer = known.length > 0 && !isBlind ? await decide(known[0].file.name) : null;
@@ -93,8 +94,9 @@ export class Uploads {
       if (!isFiles(event.dataTransfer))
         return;
       event.preventDefault();
-      const path = event.target.closest?.('.entry')?.dataset.path;
-      this.add(await fromTransfer(event.dataTransfer), path?.endsWith('/') ? path : undefined);
+      const where = this.#where();
+      const path = event.target.closest?.('[data-path]')?.dataset.path;
+      this.add(await fromTransfer(event.dataTransfer), where, path?.endsWith('/') ? path : where.folder);
     });
     document.addEventListener('paste', event => {
       if (event.clipboardData.files.length > 0 && !event.target.closest('input, textarea'))
