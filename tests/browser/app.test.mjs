@@ -205,6 +205,18 @@ for (const screen of Object.keys(screens)) {
       await app.entry('words (2).txt').waitFor();
     });
 
+    it('takes nobody else’s file for its own', async () => {
+      await app.open('Album/');
+      await app.page.route('**/same.txt', async route => {
+        await server.add('Album/same.txt', 'theirs');
+        await route.abort();
+      }, { times: 1 });
+      await app.pick('Upload files', await file('same.txt', 'mine, '));
+      await app.dialog('Name exists').waitFor();
+      await app.press('Keep both');
+      await arrives('Album/same (2).txt');
+    });
+
     it('adds folders as they are, by choice and by drop', async () => {
       await mkdir(join(outside, 'Trip/day one'), { recursive: true });
       await file('Trip/day one/a.txt', 'a');
@@ -267,8 +279,11 @@ for (const screen of Object.keys(screens)) {
       await app.press('Create');
       await app.entry('Söme & folder').waitFor();
       await app.press('New text file');
-      await app.page.locator('#name-field').fill('letter.txt');
+      await app.page.locator('#name-field').fill('File 10.doc');
       await app.page.locator('#text-field').fill('Dear all');
+      await app.press('Create');
+      await app.page.getByRole('dialog').getByRole('alert').waitFor();
+      await app.page.locator('#name-field').fill('letter.txt');
       await app.press('Create');
       await app.entry('letter.txt').waitFor();
 

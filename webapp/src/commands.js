@@ -8,7 +8,8 @@ import { nameField } from './entry-view.js';
 import { showHelp } from './help.js';
 import { isViewable } from './kinds.js';
 import { showMenu } from './menu.js';
-import { complain } from './notices.js';
+import { complain, reasonNote } from './notices.js';
+import { numbered } from './paths.js';
 import { noRights } from './rights.js';
 import { t } from './texts.js';
 
@@ -18,6 +19,10 @@ function download(entry) {
   link.click();
   link.remove();
 }
+
+// Somebody writes, or is asked something.
+const isTyping = () => document.querySelector('dialog[open]') !== null
+  || document.activeElement?.matches('textarea, input:not([type="checkbox"])') === true;
 
 export class Commands {
   rights = noRights;
@@ -55,24 +60,30 @@ export class Commands {
     selection.clear();
     grid.focus(entry.path);
     const field = nameField(grid.elementOf(entry.path), entry.name);
+    const before = field.value; // without breaks, which names may have
     let isOver = false;
-    const end = async isWanted => {
+    const end = async (isWanted, keepsFocus) => {
       if (isOver)
         return;
       isOver = true;
-      const name = field.value.trim();
+      const name = field.value;
       field.remove();
       grid.renew();
-      grid.focus(entry.path);
-      if (isWanted && name && name !== entry.name)
+      if (keepsFocus)
+        grid.focus(entry.path);
+      if (isWanted && name.trim() && name !== before)
         await this.#change(() => changes.rename(entry, name));
     };
     field.addEventListener('keydown', event => {
       event.stopPropagation();
       if (event.key === 'Enter' || event.key === 'Escape')
-        end(event.key === 'Enter');
+        end(event.key === 'Enter', true);
     });
-    field.addEventListener('blur', () => end(true));
+    field.addEventListener('blur', () => {
+      // A dialog gives the keyboard back, and so does another window.
+      if (document.activeElement !== field && !document.querySelector('dialog[open]'))
+        end(true, false);
+    });
   }
 
   async #change(change) {
@@ -88,26 +99,51 @@ export class Commands {
       return;
     selection.clear();
     await folder.refresh();
+    if (isTyping())
+      return;
     if (typeof result === 'string')
       grid.focus(result);
     else
       grid.focus();
   }
 
+  // Asks for a name until `make` could do it, or the visitor wants it no more.
+  async #make(title, suggested, more, make) {
+    let note = null;
+    for (let name = this.#freeName(suggested); ;) {
+      name = await askForName(title, name, t('Create'), note ? [...more, note] : more);
+      if (!name)
+        return;
+      try {
+        const path = await make(name);
+        await this.#change(() => path);
+        return;
+      } catch (error) {
+        if (!('status' in error))
+          throw error;
+        note = reasonNote(error);
+      }
+    }
+  }
+
+  #freeName(name) {
+    const { folder } = this.#page;
+    let number = 1;
+    while (folder.holds(numbered(name, number)))
+      ++number;
+    return numbered(name, number);
+  }
+
   newFolder = async () => {
     const { path } = this.#page.folder;
-    const name = await askForName(t('New folder'), t('New folder'), t('Create'));
-    if (name)
-      await this.#change(() => changes.newFolder(path, name));
+    await this.#make(t('New folder'), t('New folder'), [], name => changes.newFolder(path, name));
   };
 
   newText = async () => {
     const { path } = this.#page.folder;
     const text = h('textarea', { rows: 8, id: 'text-field', spellcheck: 'true' });
     const more = [h('label', { for: 'text-field' }, t('Text')), text];
-    const name = await askForName(t('New text file'), `${t('New text')}.txt`, t('Create'), more);
-    if (name)
-      await this.#change(() => changes.newText(path, name, text.value));
+    await this.#make(t('New text file'), `${t('New text')}.txt`, more, name => changes.newText(path, name, text.value));
   };
 
   remove = entries => this.rights.remove && entries.length > 0 && this.#change(

@@ -53,6 +53,10 @@ const reasons = {
 
 export const reason = ({ status }) => t(reasons[status] ?? 'The server could not do it.');
 
+// The reason in a dialog, which keeps what was typed: who has to log in does so beside it.
+export const reasonNote = error => h('p', { role: 'alert' }, reason(error), error.status === 401 && ' ',
+  error.status === 401 && h('a', { href: loginFor(location.pathname), target: '_blank' }, t('Log in')));
+
 // `retry` is offered where it can be of use.
 export function complain(error, retry) {
   if (!('status' in error))
