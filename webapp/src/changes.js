@@ -94,13 +94,22 @@ function report(errors, count, text, again, action = null) {
   return true;
 }
 
+// A folder would take all that it holds with it.
+async function isWithoutFolders(taken, folder) {
+  if (taken.some(({ isFolder }) => isFolder))
+    return false;
+  const names = new Set(taken.map(({ name }) => name));
+  const there = await dav.list(folder).catch(() => null);
+  return there?.some(({ isFolder, name }) => isFolder && names.has(name)) === false;
+}
+
 // Asks once about all names that are taken there.
 async function settleNames(errors, place, folder, mayReplace) {
   const taken = errors.filter(({ error }) => error.status === 412).map(({ item }) => item);
   const others = errors.filter(({ error }) => error.status !== 412);
   if (taken.length === 0)
     return others;
-  const answer = await askAboutNames(taken.map(({ label }) => label), mayReplace);
+  const answer = await askAboutNames(taken.map(({ label }) => label), mayReplace && await isWithoutFolders(taken, folder));
   if (answer === 'replace')
     return [...others, ...await forAll(taken, entry => place(entry, folder + lastSegment(entry.path) + suffixOf(entry), true))];
   if (answer === 'keep') {
