@@ -3,7 +3,7 @@
 import { readVersion, writeVersion } from './dav.js';
 import { ask } from './dialog.js';
 import { button, h } from './dom.js';
-import { complain, inform } from './notices.js';
+import { complain, inform, reasonNote } from './notices.js';
 import { reserved } from './paths.js';
 import { t } from './texts.js';
 
@@ -13,35 +13,42 @@ const isThere = document.querySelector('a[href$="/.quillon/pad"]') !== null;
 
 export const padButton = () => (isThere ? button(t('Scratch pad'), 'text', () => edit(), { quiet: true }) : null);
 
-// `mine` is what the visitor wrote before somebody else was faster.
-async function edit(mine = '') {
+async function edit() {
   try {
-    const { text, tag } = await readVersion(path);
-    const wanted = await askForText([text, mine].filter(Boolean).join('\n\n'));
-    if (wanted !== null && wanted !== text)
-      await save(wanted, tag);
+    await change(await readVersion(path));
   } catch (error) {
-    complain(error, () => edit(mine));
+    complain(error, edit);
   }
 }
 
-async function askForText(text) {
+// What the visitor wrote stays until it is saved, or given up.
+async function change(version, mine = version.text, notes = []) {
+  const wanted = await askForText(mine, notes);
+  if (wanted === null || wanted === version.text)
+    return;
+  try {
+    await writeVersion(path, wanted, version.tag);
+    inform(t('Saved'));
+  } catch (error) {
+    if (!('status' in error))
+      throw error;
+    const theirs = error.status === 412 ? await readVersion(path).catch(() => null) : null;
+    await change(theirs ?? version, wanted, theirs ? whatIsThere(theirs.text) : [reasonNote(error)]);
+  }
+}
+
+const whatIsThere = text => [
+  h('p', { role: 'alert' }, t('Somebody has changed it meanwhile.')),
+  h('label', { for: 'pad-theirs' }, t('What is there now')),
+  h('textarea', { rows: 6, value: text, id: 'pad-theirs', readonly: true }),
+];
+
+async function askForText(text, notes) {
   const field = h('textarea', { rows: 12, value: text, id: 'pad-field', autofocus: true });
   const answer = await ask({
     title: t('Scratch pad'),
-    content: [h('label', { for: 'pad-field' }, t('Everyone here sees this text and can change it.')), field],
+    content: [h('label', { for: 'pad-field' }, t('Everyone here sees this text and can change it.')), field, ...notes],
     actions: [{ text: t('Cancel'), value: '' }, { text: t('Save'), value: 'yes', isMain: true }],
   });
   return answer ? field.value : null;
-}
-
-async function save(text, tag) {
-  try {
-    await writeVersion(path, text, tag);
-    inform(t('Saved'));
-  } catch (error) {
-    if (error.status !== 412)
-      throw error;
-    inform(t('Somebody has changed it meanwhile.'), { text: t('Look'), run: () => edit(text) });
-  }
 }
