@@ -7,6 +7,7 @@ import { t } from './texts.js';
 
 const shownFor = 6000; // ms
 const offeredFor = 10000; // what can be done about it for a moment only
+const mostShown = 4;
 
 export const notices = h('div', { class: 'notices' });
 const calm = h('div', { role: 'status', class: 'notice-list' });
@@ -17,8 +18,16 @@ notices.append(calm, urgent, told);
 // For screen readers alone: who looks sees it already.
 export const announce = text => { told.textContent = text; };
 
+// What can be done about something else stays, as far as there is room.
+function makeRoom(list) {
+  for (const notice of [...list.children]) {
+    if (!notice.classList.contains('has-action') || list.children.length >= mostShown)
+      notice.remove();
+  }
+}
+
 function show(list, text, action) {
-  const notice = h('div', { class: 'notice' }, h('span', {}, text));
+  const notice = h('div', { class: action ? 'notice has-action' : 'notice' }, h('span', {}, text));
   const close = () => notice.remove();
   if (action) {
     notice.append(button(action.text, null, () => {
@@ -27,7 +36,8 @@ function show(list, text, action) {
     }));
   }
   notice.append(button(t('Close'), 'close', close, { quiet: true }));
-  list.replaceChildren(notice);
+  makeRoom(list);
+  list.append(notice);
   if (action?.isBrief)
     setTimeout(close, offeredFor);
   else if (!action && list === calm)
