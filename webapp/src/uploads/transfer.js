@@ -37,7 +37,7 @@ function sendResumable({ file, folder, name, replace, onProgress }) {
       const failed = error => reject(new DavError(error.originalResponse?.getStatus() ?? 0, folder + encoded(name)));
       upload = new Upload(file, {
         endpoint: `${reserved}tus/${folder.slice(root.length)}`,
-        metadata: { filename: name, mtime: String(secondsOf(file)) },
+        metadata: { filename: name, mtime: String(secondsOf(file)), ...replace ? { replace: 'yes' } : {} },
         headers: { ...ownRequest, ...replace ? { Overwrite: 'T' } : {} },
         retryDelays: null, // who waits for the network is the queue
         removeFingerprintOnSuccess: true,
@@ -46,11 +46,16 @@ function sendResumable({ file, folder, name, replace, onProgress }) {
         onError: failed,
       });
       upload.findPreviousUploads().then(earlier => {
-        const same = earlier.find(({ metadata }) => metadata.filename === name);
+        if (isStopped)
+          return;
+        const ofName = earlier.filter(({ metadata }) => metadata.filename === name);
+        // Whether it may replace something is settled when it begins.
+        const isSame = ({ metadata }) => ('replace' in metadata) === replace;
+        ofName.filter(each => !isSame(each)).forEach(({ urlStorageKey, uploadUrl }) => forget({ key: urlStorageKey, uploadUrl }));
+        const same = ofName.find(isSame);
         if (same)
           upload.resumeFromPreviousUpload(same);
-        if (!isStopped)
-          upload.start();
+        upload.start();
       }, failed);
     });
   })();
