@@ -90,7 +90,7 @@ function report(errors, count, text, again, action = null) {
   if (count > errors.length)
     inform(t(text, { n: count - errors.length }), action);
   if (errors.length > 0)
-    throw Object.assign(errors[0].error, { retry: () => again(errors.map(({ item }) => item)) });
+    throw Object.assign(errors[0].error, { all: errors.map(({ error }) => error), retry: () => again(errors.map(({ item }) => item)) });
   return true;
 }
 

@@ -8,6 +8,7 @@ import { t } from './texts.js';
 const shownFor = 6000; // ms
 const offeredFor = 10000; // what can be done about it for a moment only
 const mostShown = 4;
+const mostReasons = 3; // told of what went wrong at once
 
 export const notices = h('div', { class: 'notices' });
 const calm = h('div', { role: 'status', class: 'notice-list' });
@@ -45,6 +46,7 @@ function show(list, text, action) {
 }
 
 export const inform = (text, action) => show(calm, text, action);
+export const warn = text => show(urgent, text);
 
 // What happened, and what to do about it.
 const reasons = {
@@ -67,12 +69,20 @@ export const reason = ({ status }) => t(reasons[status] ?? 'The server could not
 export const reasonNote = error => h('p', { role: 'alert' }, reason(error), error.status === 401 && ' ',
   error.status === 401 && h('a', { href: loginFor(location.pathname), target: '_blank' }, t('Log in')));
 
-// `retry` is offered where it can be of use.
+const withSubject = error => (error.subject ? `${shownName(decoded(lastSegment(error.subject)))}: ` : '') + reason(error);
+
+function reasonsOf(errors) {
+  const more = errors.length - mostReasons;
+  return [t('Failed: {n}', { n: errors.length }), ...errors.slice(0, mostReasons).map(withSubject),
+    ...more > 0 ? [t('and {n} more', { n: more })] : []].join(' · ');
+}
+
+// `retry` is offered where it can be of use; `error.all` are those of several things done at once.
 export function complain(error, retry) {
   if (!('status' in error))
     throw error;
-  const subject = error.subject ? `${shownName(decoded(lastSegment(error.subject)))}: ` : '';
   if (error.status === 401)
     return show(urgent, reason(error), { text: t('Log in'), run: () => location.assign(loginFor(location.pathname)) });
-  show(urgent, subject + reason(error), retry && { text: t('Try again'), run: retry });
+  const text = error.all?.length > 1 ? reasonsOf(error.all) : withSubject(error);
+  show(urgent, text, retry && { text: t('Try again'), run: retry });
 }

@@ -1,5 +1,6 @@
-// Files that the visitor chose, dropped or pasted: { files: [{ file, folders }], folders: [[...]] },
-// where `folders` are the names of the folders around it. Empty folders are among `folders`.
+// Files that the visitor chose, dropped or pasted: { files: [{ file, folders }], folders: [[...]], unread },
+// where `folders` are the names of the folders around it. Empty folders are among `folders`; `unread`,
+// if there, are the names of what the browser could not read.
 
 const inFolders = file => (file.webkitRelativePath || file.name).split('/').slice(0, -1);
 
@@ -20,6 +21,16 @@ async function allOf(reader) {
 }
 
 async function walk(entry, around, found) {
+  try {
+    await read(entry, around, found);
+  } catch (error) {
+    if (!(error instanceof DOMException))
+      throw error;
+    found.unread.push(entry.name);
+  }
+}
+
+async function read(entry, around, found) {
   if (entry.isFile) {
     const file = await new Promise((resolve, reject) => entry.file(resolve, reject));
     found.files.push({ file, folders: around });
@@ -37,7 +48,7 @@ export async function fromTransfer(transfer) {
   const entries = items.map(item => item.webkitGetAsEntry?.()).filter(Boolean);
   if (entries.length === 0)
     return fromList(transfer.files);
-  const found = { files: [], folders: [] };
+  const found = { files: [], folders: [], unread: [] };
   for (const entry of entries)
     await walk(entry, [], found);
   return found;

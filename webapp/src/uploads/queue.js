@@ -1,5 +1,6 @@
 // The uploads of this visit, a few at a time. Tells "change" whenever anything about them is another,
-// and "done" with the path of a folder when a file has come to it.
+// "done" with the path of a folder when a file has come to it, and "foldersMissing" with { error, retry }
+// of empty ones.
 
 import { DavError, factsOf, makeFolder } from '../dav.js';
 import { encoded } from '../paths.js';
@@ -11,6 +12,7 @@ const patience = 30000; // ms without a byte, and the connection counts as lost
 const pauses = [1, 2, 4, 8, 15, 30]; // seconds until a lost connection is tried again
 const passing = new Set([0, 401, 423, 429, 502, 503, 504]); // reasons that go away by themselves
 
+const keyOf = names => names.join('/');
 const pathOf = (target, names) => target + names.map(name => `${encoded(name)}/`).join('');
 
 export class Queue extends EventTarget {
@@ -36,8 +38,7 @@ export class Queue extends EventTarget {
   // each, and knows which errors mean that, and the next name.
   add({ files, folders }, target, decide) {
     const batch = { decide, folders: new Map() };
-    for (const names of folders)
-      this.#folderFor(batch, target, names).catch(() => {}); // its files tell why
+    this.#makeFolders(batch, target, folders, files);
     const items = files.map(picked => {
       const item = new Item(picked, pathOf(target, picked.folders), batch);
       item.prepared = () => this.#folderFor(batch, target, picked.folders);
@@ -47,11 +48,27 @@ export class Queue extends EventTarget {
     this.#advance();
   }
 
+  // Of those without files nobody else would tell why they are missing.
+  async #makeFolders(batch, target, folders, files) {
+    const settled = await Promise.allSettled(folders.map(names => this.#folderFor(batch, target, names)));
+    const used = new Set(files.flatMap(file => file.folders.map((_, depth) => keyOf(file.folders.slice(0, depth + 1)))));
+    const failed = folders.filter((names, index) => settled[index].status === 'rejected' && !used.has(keyOf(names)));
+    if (failed.length === 0)
+      return;
+    const error = settled[folders.indexOf(failed[0])].reason;
+    const retry = () => {
+      for (const names of failed)
+        batch.folders.delete(keyOf(names));
+      this.#makeFolders(batch, target, failed, files);
+    };
+    this.dispatchEvent(new CustomEvent('foldersMissing', { detail: { error, retry } }));
+  }
+
   // Made once for a batch, after the one around it.
   #folderFor(batch, target, names) {
     if (names.length === 0)
       return Promise.resolve();
-    const key = names.join('/');
+    const key = keyOf(names);
     if (!batch.folders.has(key))
       batch.folders.set(key, this.#makeFolder(batch, target, names));
     return batch.folders.get(key);
@@ -66,7 +83,7 @@ export class Queue extends EventTarget {
       if (error.status === 412)
         return;
       if (passing.has(error.status))
-        batch.folders.delete(names.join('/'));
+        batch.folders.delete(keyOf(names));
       throw error;
     }
   }
@@ -223,6 +240,7 @@ export class Queue extends EventTarget {
   retry(item) {
     item.state = 'waiting';
     item.attempts = 0;
+    item.batch.folders.clear(); // what could not be made is tried once more
     this.#advance();
   }
 

@@ -3,7 +3,7 @@
 import { askAboutNames } from '../dialog.js';
 import { h } from '../dom.js';
 import { shownName } from '../entry.js';
-import { announce, inform } from '../notices.js';
+import { announce, complain, inform, warn } from '../notices.js';
 import { number } from '../format.js';
 import { t } from '../texts.js';
 import { Awake } from './awake.js';
@@ -21,6 +21,13 @@ function picker(attributes, take) {
   return () => field.click();
 }
 
+const mostListed = 5;
+
+function listed(names) {
+  const shown = names.slice(0, mostListed).map(shownName);
+  return [...shown, ...names.length > mostListed ? [t('and {n} more', { n: names.length - mostListed })] : []].join(', ');
+}
+
 // What a batch does about names that are taken; `isBlind` for who can't see them.
 function decider(known, { mayReplace, isBlind }) {
   let asked = isBlind ? Promise.resolve('keep') : null;
@@ -33,6 +40,12 @@ function decider(known, { mayReplace, isBlind }) {
   decide.nextNumber = number => (isBlind ? Math.floor(10000 + Math.random() * 90000) : number + 1);
   decide.mostNames = isBlind ? 4 : 50;
   return decide;
+}
+
+function outcome(items) {
+  const count = wanted => items.filter(({ state }) => state === wanted).length;
+  const failed = count('failed') > 0 ? `, ${t('Failed: {n}', { n: number(count('failed')) })}` : '';
+  return t('Uploaded: {n}', { n: number(count('done')) }) + failed;
 }
 
 export class Uploads {
@@ -51,9 +64,10 @@ export class Uploads {
       const { isBusy, items } = this.#queue;
       awake.want(isBusy);
       if (wasBusy && !isBusy)
-        announce(t('Uploaded: {n}', { n: number(items.filter(({ state }) => state === 'done').length) }));
+        announce(outcome(items));
       wasBusy = isBusy;
     });
+    this.#queue.addEventListener('foldersMissing', ({ detail }) => complain(detail.error, detail.retry));
     this.#queue.addEventListener('done', ({ detail }) => onArrived(detail));
     this.#listen();
   }
@@ -63,6 +77,8 @@ export class Uploads {
     const { rights, taken, isBlind } = where;
     if (!rights.add)
       return inform(t('You have no right to do this here.'));
+    if (picked.unread?.length > 0)
+      warn(t('Could not be read: {names}', { names: listed(picked.unread) }));
     const known = target === this.#where().folder ? picked.files.filter(each => each.folders.length === 0 && taken(each.file.name)) : [];
     const decide = decider(known.map(({ file }) => file.name), { mayReplace: rights.change, isBlind });
     // Asked before anything is sent, where it is known that it must be.
