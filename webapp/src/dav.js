@@ -3,6 +3,9 @@
 import { failedStatus, ListingReader } from './multistatus.js';
 import { inQuery, ownRequest, reserved } from './paths.js';
 
+// Takes the place of a status when a file of the visitor's own can't be read any more.
+export const unreadable = -1;
+
 export class DavError extends Error {
   constructor(status, subject = '') {
     super(`${status} ${subject}`);

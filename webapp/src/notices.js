@@ -1,5 +1,6 @@
 // What has become of something, for a while at the bottom of the page, and told by screen readers.
 
+import { unreadable } from './dav.js';
 import { button, h } from './dom.js';
 import { shownName } from './entry.js';
 import { decoded, lastSegment, loginFor } from './paths.js';
@@ -50,6 +51,7 @@ export const warn = text => show(urgent, text);
 
 // What happened, and what to do about it.
 const reasons = {
+  [unreadable]: 'The file has changed or is gone.',
   0: 'The connection is lost.',
   400: 'The name is not allowed here.',
   401: 'Your session has ended. Log in again.',

@@ -128,9 +128,9 @@ export class UploadPanel {
   }
 
   // The page was left meanwhile: only the visitor can hand out the files again.
-  #showInterrupted() {
-    const left = interrupted();
-    if (left.length === 0)
+  async #showInterrupted() {
+    const left = await interrupted();
+    if (left.length === 0 || this.#queue.items.length > 0)
       return;
     this.element.hidden = false;
     this.title.textContent = t('Interrupted: {n}', { n: left.length });

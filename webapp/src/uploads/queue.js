@@ -2,7 +2,7 @@
 // "done" with the path of a folder when a file has come to it, and "foldersMissing" with { error, retry }
 // of empty ones.
 
-import { DavError, factsOf, makeFolder } from '../dav.js';
+import { DavError, factsOf, makeFolder, unreadable } from '../dav.js';
 import { encoded } from '../paths.js';
 import { Item } from './item.js';
 import { secondsOf, send } from './transfer.js';
@@ -14,6 +14,8 @@ const passing = new Set([0, 401, 423, 429, 502, 503, 504]); // reasons that go a
 
 const keyOf = names => names.join('/');
 const pathOf = (target, names) => target + names.map(name => `${encoded(name)}/`).join('');
+
+const isReadable = file => file.slice(0, 1).arrayBuffer().then(() => true, () => false);
 
 export class Queue extends EventTarget {
   items = [];
@@ -136,12 +138,17 @@ export class Queue extends EventTarget {
   }
 
   async #fail(item, error) {
+    const { attempt } = item;
     if (!(error instanceof DavError))
       throw error;
     if (item.batch.decide.isTaken(error))
       return this.#settleName(item, error);
-    item.error = error;
-    if (passing.has(error.status))
+    // To the browser, what it can't read is a connection that broke.
+    const isGone = error.status === 0 && !await isReadable(item.file);
+    if (item.attempt !== attempt || item.state !== 'running')
+      return;
+    item.error = isGone ? new DavError(unreadable) : error;
+    if (passing.has(item.error.status))
       this.#retryLater(item);
     else
       item.state = 'failed';

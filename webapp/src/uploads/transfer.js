@@ -5,6 +5,8 @@
 import { DavError } from '../dav.js';
 import { encoded, ownRequest, reserved, root } from '../paths.js';
 
+const libraryMissing = 500; // as what the server could not do, which the visitor may try again
+const tusRequest = { ...ownRequest, 'Tus-Resumable': '1.0.0' };
 const largestPut = 4 * 2 ** 20; // bytes: what is sent anew when a connection breaks
 
 // When it was changed, since 1970, as the server is told.
@@ -32,7 +34,7 @@ function sendResumable({ file, folder, name, replace, onProgress }) {
   let upload = null;
   let isStopped = false;
   const done = (async () => {
-    const { Upload } = await import('tus-js-client');
+    const { Upload } = await import('tus-js-client').catch(() => { throw new DavError(libraryMissing, folder + encoded(name)); });
     await new Promise((resolve, reject) => {
       const failed = error => reject(new DavError(error.originalResponse?.getStatus() ?? 0, folder + encoded(name)));
       upload = new Upload(file, {
@@ -69,7 +71,7 @@ function sendResumable({ file, folder, name, replace, onProgress }) {
 export const send = job => (job.file.size > largestPut ? sendResumable : sendWhole)(job);
 
 // What the browser knows of uploads that an earlier page began: names.
-export function interrupted() {
+function remembered() {
   try {
     return Object.keys(localStorage).filter(key => key.startsWith('tus::'))
       .map(key => ({ key, ...JSON.parse(localStorage.getItem(key)) }))
@@ -79,7 +81,25 @@ export function interrupted() {
   }
 }
 
+// Those of them that the server still waits for; the others are forgotten.
+export async function interrupted() {
+  const all = remembered();
+  const areOpen = await Promise.all(all.map(({ uploadUrl }) => isOpen(uploadUrl)));
+  all.filter((_, index) => !areOpen[index]).forEach(({ key }) => localStorage.removeItem(key));
+  return all.filter((_, index) => areOpen[index]);
+}
+
+// Who can't tell now may be able to later.
+async function isOpen(url) {
+  try {
+    const { status, headers } = await fetch(url, { method: 'HEAD', redirect: 'manual', cache: 'no-store', headers: tusRequest });
+    return status !== 404 && status !== 410 && (status !== 200 || headers.get('Upload-Offset') !== headers.get('Upload-Length'));
+  } catch {
+    return true;
+  }
+}
+
 export const forget = ({ key, uploadUrl }) => {
   localStorage.removeItem(key);
-  fetch(uploadUrl, { method: 'DELETE', headers: { ...ownRequest, 'Tus-Resumable': '1.0.0' } }).catch(() => {});
+  fetch(uploadUrl, { method: 'DELETE', headers: tusRequest }).catch(() => {});
 };
