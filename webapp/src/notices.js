@@ -20,16 +20,16 @@ notices.append(calm, urgent, told);
 // For screen readers alone: who looks sees it already.
 export const announce = text => { told.textContent = text; };
 
-// What can be done about something else stays, as far as there is room.
+// What can be done about something else stays, and warnings do, as far as there is room.
 function makeRoom(list) {
   for (const notice of [...list.children]) {
-    if (!notice.classList.contains('has-action') || list.children.length >= mostShown)
+    if (!notice.classList.contains('stays') || list.children.length >= mostShown)
       notice.remove();
   }
 }
 
-function show(list, text, action) {
-  const notice = h('div', { class: action ? 'notice has-action' : 'notice' }, h('span', {}, text));
+function show(list, text, action, stays = Boolean(action)) {
+  const notice = h('div', { class: stays ? 'notice stays' : 'notice' }, h('span', {}, text));
   const close = () => notice.remove();
   if (action) {
     notice.append(button(action.text, null, () => {
@@ -47,7 +47,7 @@ function show(list, text, action) {
 }
 
 export const inform = (text, action) => show(calm, text, action);
-export const warn = text => show(urgent, text);
+export const warn = text => show(urgent, text, null, true);
 
 // What happened, and what to do about it.
 const reasons = {
