@@ -289,7 +289,11 @@ for (const screen of Object.keys(screens)) {
 
       await app.entry('letter.txt').focus();
       await app.page.keyboard.press('F2');
-      await app.page.locator('.rename').fill('note.txt');
+      await app.page.locator('.rename').fill('draft.txt');
+      await app.page.keyboard.press('Enter');
+      await app.entry('draft.txt').waitFor();
+      await choose('draft.txt', 'Rename');
+      await app.page.locator('.rename:focus').fill('note.txt');
       await app.page.keyboard.press('Enter');
       await app.entry('note.txt').waitFor();
 

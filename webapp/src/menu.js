@@ -37,16 +37,20 @@ function walk(event, menu) {
 export function showMenu(entry, items, anchor, point) {
   closeMenu();
   const before = document.activeElement;
+  let chosen = null;
   const menu = h('dialog', { class: 'menu', 'aria-label': entry.label, onkeydown: event => walk(event, menu) },
     ...items.map(({ text, picture, run }) => h('button', { type: 'button', onclick: () => {
+      chosen = run;
       menu.close();
-      run();
     } }, icon(picture), text)),
     archiveLink(entry, () => menu.close()));
   menu.addEventListener('close', () => {
-    open = null;
+    if (open === menu)
+      open = null;
     menu.remove();
     before?.focus();
+    // Only now: what it gives the keyboard to keeps it.
+    chosen?.();
   });
   menu.addEventListener('click', event => event.target === menu && menu.close());
   document.body.append(menu);
