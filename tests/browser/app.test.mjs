@@ -189,6 +189,16 @@ for (const screen of Object.keys(screens)) {
       assert.equal(await taken(() => app.press('Download')), 'File 2.doc');
       await app.page.keyboard.press('Control+a');
       assert.match(await taken(() => app.press('Download')), /\.zip$/);
+      await app.page.keyboard.press('Escape');
+      await app.page.getByRole('searchbox').fill('words');
+      await app.press('Search below this folder');
+      await app.entry('words.txt').waitFor();
+      await app.page.getByRole('searchbox').fill('o');
+      await app.press('Search below this folder');
+      await app.entry('two.png').waitFor();
+      await app.press('Select all');
+      await app.press('Download');
+      await app.page.getByText(app.say('An archive can only hold entries of one folder.')).waitFor();
     });
 
     it('adds files, and asks once about names', async () => {

@@ -1,6 +1,6 @@
 // Everything that a visitor can do with entries, whatever key, button or gesture asked for it.
 
-import { downloadArchive, hasArchives } from './archive.js';
+import { archiveOf, downloadArchive, hasArchives } from './archive.js';
 import * as changes from './changes.js';
 import { askForName } from './dialog.js';
 import { h } from './dom.js';
@@ -157,10 +157,8 @@ export class Commands {
   canDownload = entries => hasArchives() || entries.every(({ isFolder }) => !isFolder);
 
   download(entries) {
-    if (entries.length > 1 && hasArchives())
-      downloadArchive(this.#page.folder.path, entries);
-    else if (entries.length === 1 && entries[0].isFolder)
-      downloadArchive(this.#page.folder.path, entries);
+    if (hasArchives() && (entries.length > 1 || entries[0].isFolder))
+      downloadArchive(entries);
     else
       entries.forEach(download);
   }
@@ -174,6 +172,7 @@ export class Commands {
     const items = [
       { text: t('Open'), picture: entry.isFolder ? 'folder' : 'file', run: () => this.open(entry), is: entries.length === 1 },
       { text: t('Download'), picture: 'download', run: () => this.download(entries), is: this.canDownload(entries) && !(entries.length === 1 && entry.isFolder) },
+      { text: t('Download as zip'), picture: 'archive', href: archiveOf(entry), is: hasArchives() && entry.isFolder && entries.length === 1 },
       { text: t('Rename'), picture: 'rename', run: () => this.rename(entry), is: remove && entries.length === 1 },
       { text: t('Move'), picture: 'move', run: () => this.move(entries), is: remove },
       { text: t('Copy'), picture: 'copy', run: () => this.copy(entries), is: add },

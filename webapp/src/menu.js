@@ -1,8 +1,6 @@
 // What can be done with one entry, beside it.
 
-import { archiveLink } from './archive.js';
 import { h, icon } from './dom.js';
-import { t } from './texts.js';
 
 let open = null;
 
@@ -33,17 +31,18 @@ function walk(event, menu) {
   event.stopPropagation();
 }
 
-// `items` are { text, picture, run }; `anchor` is an element, `point` an event's place.
+// `items` are { text, picture, run }, or with `href` in place of `run` what is downloaded; `anchor` is an element, `point` an event's place.
 export function showMenu(entry, items, anchor, point) {
   closeMenu();
   const before = document.activeElement;
   let chosen = null;
   const menu = h('dialog', { class: 'menu', 'aria-label': entry.label, onkeydown: event => walk(event, menu) },
-    ...items.map(({ text, picture, run }) => h('button', { type: 'button', onclick: () => {
-      chosen = run;
-      menu.close();
-    } }, icon(picture), text)),
-    archiveLink(entry, () => menu.close()));
+    ...items.map(({ text, picture, run, href }) => (href
+      ? h('a', { href, download: '', onclick: () => menu.close() }, icon(picture), text)
+      : h('button', { type: 'button', onclick: () => {
+        chosen = run;
+        menu.close();
+      } }, icon(picture), text))));
   menu.addEventListener('close', () => {
     if (open === menu)
       open = null;
