@@ -117,12 +117,12 @@ export async function factsOf(path) {
 }
 
 // The begin of a file, at most `most` bytes, as a text.
-export async function readText(path, most) {
-  const reply = await ask('GET', path, { Range: `bytes=0-${most - 1}` });
+export async function readText(path, most, signal) {
+  const reply = await ask('GET', path, { Range: `bytes=0-${most - 1}` }, undefined, signal);
   return reply.text();
 }
 
-export async function readBlob(path, type) {
-  const reply = await ask('GET', path);
+export async function readBlob(path, type, signal) {
+  const reply = await ask('GET', path, {}, undefined, signal);
   return new Blob([await reply.arrayBuffer()], { type });
 }

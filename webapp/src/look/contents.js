@@ -1,4 +1,4 @@
-// What is shown of films, sounds, texts and documents. Each gives what ends it, if anything must.
+// What is shown of films, sounds, texts and documents, until a signal ends it.
 
 import { readBlob, readText } from '../dav.js';
 import { h, icon } from '../dom.js';
@@ -7,48 +7,52 @@ import { reason } from '../notices.js';
 import { t } from '../texts.js';
 
 const mostText = 2 ** 20; // bytes
+const told = new Set([0, 401, 403, 404]); // statuses that say more than that it can't be shown
 
-export function failed(stage, entry, text = t('This file can’t be shown here.')) {
+function failed(stage, entry, text = t('This file can’t be shown here.')) {
   stage.replaceChildren(h('div', { class: 'stage-note' }, icon(entry.kind), h('p', {}, text),
     h('a', { class: 'button main', href: entry.path, download: '' }, t('Download'))));
 }
 
-export function showMedia(stage, entry, step) {
-  const tag = entry.kind === 'video' ? 'video' : 'audio';
-  const player = h(tag, { class: 'player', src: entry.path, controls: true, autoplay: true, playsinline: true, 'aria-label': entry.label });
-  player.addEventListener('ended', () => step(1));
-  player.addEventListener('error', () => failed(stage, entry));
-  stage.append(...entry.kind === 'sound' ? [h('div', { class: 'sound-face' }, icon('sound'))] : [], player);
-  return () => {
-    player.removeAttribute('src');
-    player.load();
-  };
+// Gives what is done about errors, unless the signal has come meanwhile.
+const failure = (stage, entry, signal) => error => signal.aborted || failed(stage, entry, reason(error));
+
+// Elements don't say why: the server does.
+export async function explain(stage, entry, signal) {
+  const error = await readText(entry.path, 1, signal).then(() => null, found => found);
+  if (!signal.aborted)
+    failed(stage, entry, told.has(error?.status) ? reason(error) : undefined);
 }
 
-export function showText(stage, entry) {
+export function showMedia(stage, entry, signal, step) {
+  const tag = entry.kind === 'video' ? 'video' : 'audio';
+  const player = h(tag, { class: 'player', src: entry.path, controls: true, autoplay: true, playsinline: true, 'aria-label': entry.label });
+  player.addEventListener('ended', () => step(1), { signal });
+  player.addEventListener('error', () => explain(stage, entry, signal), { signal });
+  stage.append(...entry.kind === 'sound' ? [h('div', { class: 'sound-face' }, icon('sound'))] : [], player);
+  signal.addEventListener('abort', () => {
+    player.removeAttribute('src');
+    player.load();
+  });
+}
+
+export function showText(stage, entry, signal) {
   const text = h('pre', { class: 'text', tabindex: '0', 'aria-label': entry.label });
   stage.append(text);
   if (entry.size === 0)
     return;
-  readText(entry.path, mostText).then(content => {
+  readText(entry.path, mostText, signal).then(content => {
     text.textContent = content;
     if (entry.size > mostText)
       stage.append(h('p', { class: 'text-more' }, t('The first {size} of it.', { size: size(mostText) })));
-  }, error => failed(stage, entry, reason(error)));
+  }).catch(failure(stage, entry, signal));
 }
 
 // From memory: as a file of the share it would have no viewer.
-export function showDocument(stage, entry) {
-  let url = null;
-  let isOver = false;
-  readBlob(entry.path, 'application/pdf').then(blob => {
-    if (isOver)
-      return;
-    url = URL.createObjectURL(blob);
+export function showDocument(stage, entry, signal) {
+  readBlob(entry.path, 'application/pdf', signal).then(blob => {
+    const url = URL.createObjectURL(blob);
+    signal.addEventListener('abort', () => URL.revokeObjectURL(url));
     stage.append(h('iframe', { class: 'document', src: url, title: entry.label }));
-  }, error => failed(stage, entry, reason(error)));
-  return () => {
-    isOver = true;
-    URL.revokeObjectURL(url);
-  };
+  }).catch(failure(stage, entry, signal));
 }

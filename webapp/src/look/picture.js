@@ -3,7 +3,7 @@
 import { h } from '../dom.js';
 import { isForeignPicture } from '../kinds.js';
 import { hasPreview, previewPath } from '../previews.js';
-import { failed } from './contents.js';
+import { explain } from './contents.js';
 
 const largest = 8; // times
 const swipe = 60; // px
@@ -97,7 +97,8 @@ class Zoom {
 }
 
 // Whether it could be shown.
-async function shows(picture, path) {
+async function shows(picture, path, signal) {
+  signal.addEventListener('abort', () => picture.removeAttribute('src'));
   try {
     picture.src = path;
     await picture.decode();
@@ -108,22 +109,20 @@ async function shows(picture, path) {
 }
 
 // A picture is preceded by its preview, which takes the same place.
-async function load(picture, entry) {
-  const isPreceded = hasPreview(entry) && await shows(picture, previewPath(entry, 1280));
-  if (isPreceded && isForeignPicture(entry.name))
+async function load(picture, entry, signal) {
+  const isPreceded = hasPreview(entry) && await shows(picture, previewPath(entry, 1280), signal);
+  if (signal.aborted || (isPreceded && isForeignPicture(entry.name)))
     return true;
-  if (!await shows(new Image(), entry.path))
+  if (!await shows(new Image(), entry.path, signal))
     return isPreceded;
-  picture.src = entry.path;
+  if (!signal.aborted)
+    picture.src = entry.path;
   return true;
 }
 
-export function showPicture(stage, entry, step) {
+export function showPicture(stage, entry, signal, step) {
   const picture = h('img', { class: 'picture', alt: entry.label, draggable: 'false' });
   stage.append(picture);
   new Zoom(stage, picture, step);
-  load(picture, entry).then(isShown => {
-    if (!isShown && picture.isConnected)
-      failed(stage, entry);
-  });
+  load(picture, entry, signal).then(isShown => isShown || explain(stage, entry, signal));
 }

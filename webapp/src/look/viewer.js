@@ -3,18 +3,22 @@
 
 import { button, cutName, h, icon } from '../dom.js';
 import { isViewable } from '../kinds.js';
-import { decoded, lastSegment } from '../paths.js';
+import { lastSegment, parentOf } from '../paths.js';
 import { t } from '../texts.js';
 import { showDocument, showMedia, showText } from './contents.js';
 import { showPicture } from './picture.js';
 
 const shows = { picture: showPicture, video: showMedia, sound: showMedia, text: showText, pdf: showDocument };
 
+// In its own folder, which isn't the one that is looked at for what was found below.
+const addressOf = ({ path }) => `${parentOf(path)}#${lastSegment(path)}`;
+
 export class Viewer {
   #folder;
   #closed;
   #entry = null;
-  #end = () => {}; // of what is shown
+  #at = 0; // its place among all
+  #shown = new AbortController(); // ends what is shown
 
   // `closed(path)` is told what was seen last.
   constructor(folder, closed) {
@@ -22,7 +26,7 @@ export class Viewer {
     this.#closed = closed;
     this.#build();
     addEventListener('popstate', () => this.follow());
-    folder.addEventListener('change', () => this.follow());
+    folder.addEventListener('change', () => this.#entry && this.#showPlace());
   }
 
   #build() {
@@ -47,7 +51,7 @@ export class Viewer {
   }
 
   open(entry) {
-    history.pushState({ isViewing: true }, '', `#${lastSegment(entry.path)}`);
+    history.pushState({ isViewing: true }, '', addressOf(entry));
     this.#show(entry);
   }
 
@@ -61,46 +65,54 @@ export class Viewer {
 
   // Shows what the address names, or nothing.
   follow() {
-    const name = decoded(location.hash.slice(1));
-    const entry = name && this.#folder.path === location.pathname && this.#all.find(each => each.name === name);
-    if (entry && entry.path === this.#entry?.path)
+    const path = location.hash ? location.pathname + location.hash.slice(1) : null;
+    if (path === (this.#entry?.path ?? null))
       return;
+    const entry = this.#all.find(each => each.path === path);
     if (entry)
       this.#show(entry);
-    else if (this.#entry && !name)
+    else if (this.#entry)
       this.#hide();
   }
 
+  // What is gone by now leaves its place to the one after it.
   step(distance) {
     const all = this.#all;
-    const next = all[all.findIndex(({ path }) => path === this.#entry.path) + distance];
+    const isGone = all.every(({ path }) => path !== this.#entry.path);
+    const next = all[this.#at + (isGone && distance > 0 ? distance - 1 : distance)];
     if (!next)
       return false;
-    history.replaceState(history.state, '', `#${lastSegment(next.path)}`);
+    history.replaceState(history.state, '', addressOf(next));
     this.#show(next);
     return true;
   }
 
   #show(entry) {
-    this.#end();
+    this.#shown.abort();
+    this.#shown = new AbortController();
     this.#entry = entry;
-    const all = this.#all;
-    const at = all.findIndex(({ path }) => path === entry.path);
-    // A button that has the keyboard keeps it at the end of the row.
-    this.before.setAttribute('aria-disabled', at <= 0);
-    this.after.setAttribute('aria-disabled', at === all.length - 1);
+    this.#showPlace();
     this.title.replaceChildren(cutName(entry.label));
     this.save.href = entry.path;
     this.stage.replaceChildren();
     this.stage.dataset.kind = entry.kind;
     if (!this.dialog.open)
       this.dialog.showModal();
-    this.#end = shows[entry.kind](this.stage, entry, distance => this.step(distance)) ?? (() => {});
+    shows[entry.kind](this.stage, entry, this.#shown.signal, distance => this.step(distance));
+  }
+
+  // A button that has the keyboard keeps it at the end of the row.
+  #showPlace() {
+    const all = this.#all;
+    const at = all.findIndex(({ path }) => path === this.#entry.path);
+    if (at >= 0)
+      this.#at = at;
+    this.before.setAttribute('aria-disabled', this.#at === 0);
+    this.after.setAttribute('aria-disabled', this.#at >= all.length - (at >= 0 ? 1 : 0));
   }
 
   #hide() {
-    this.#end();
-    this.#end = () => {};
+    this.#shown.abort();
     const { path } = this.#entry;
     this.#entry = null;
     this.stage.replaceChildren();
