@@ -55,7 +55,7 @@ export class Commands {
   // In place, where the entry stands.
   rename(entry) {
     const { grid, selection } = this.#page;
-    if (!this.rights.remove)
+    if (!this.rights.move)
       return;
     selection.clear();
     grid.focus(entry.path);
@@ -154,7 +154,7 @@ export class Commands {
   copy = entries => this.#change(() => changes.chooseAndPlace(this.#page.folder.path, entries, this.#options(true)));
   placeInto = (folder, entries, isCopy) => this.#change(() => changes.placeInto(folder, entries, this.#options(isCopy)));
 
-  canDownload = entries => hasArchives() || entries.every(({ isFolder }) => !isFolder);
+  canDownload = entries => this.rights.read && (hasArchives() || entries.every(({ isFolder }) => !isFolder));
 
   download(entries) {
     if (hasArchives() && (entries.length > 1 || entries[0].isFolder))
@@ -168,14 +168,14 @@ export class Commands {
     if (!selection.has(entry.path))
       selection.clear();
     const entries = this.subjects(entry);
-    const { add, remove } = this.rights;
+    const { read, remove, move, copy } = this.rights;
     const items = [
       { text: t('Open'), picture: entry.isFolder ? 'folder' : 'file', run: () => this.open(entry), is: entries.length === 1 },
       { text: t('Download'), picture: 'download', run: () => this.download(entries), is: this.canDownload(entries) && !(entries.length === 1 && entry.isFolder) },
-      { text: t('Download as zip'), picture: 'archive', href: archiveOf(entry), is: hasArchives() && entry.isFolder && entries.length === 1 },
-      { text: t('Rename'), picture: 'rename', run: () => this.rename(entry), is: remove && entries.length === 1 },
-      { text: t('Move'), picture: 'move', run: () => this.move(entries), is: remove },
-      { text: t('Copy'), picture: 'copy', run: () => this.copy(entries), is: add },
+      { text: t('Download as zip'), picture: 'archive', href: archiveOf(entry), is: read && hasArchives() && entry.isFolder && entries.length === 1 },
+      { text: t('Rename'), picture: 'rename', run: () => this.rename(entry), is: move && entries.length === 1 },
+      { text: t('Move'), picture: 'move', run: () => this.move(entries), is: move },
+      { text: t('Copy'), picture: 'copy', run: () => this.copy(entries), is: copy },
       { text: t('Select'), picture: 'selectAll', run: () => selection.toggle(entry.path), is: !selection.has(entry.path) },
       { text: t('Delete'), picture: 'remove', run: () => this.remove(entries), is: remove },
     ];

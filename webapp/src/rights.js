@@ -2,9 +2,10 @@
 
 import { visitorAt } from './dav.js';
 
-export const noRights = { add: false, change: false, remove: false };
+export const noRights = { see: false, read: false, add: false, change: false, remove: false, move: false, copy: false };
 
+// What is moved is added under its new name, and what is copied is read.
 export async function rightsIn(folder) {
-  const { add, change, delete: remove, share } = await visitorAt(folder);
-  return { add, change, remove, share };
+  const { see, read, add, change, delete: remove, share } = await visitorAt(folder);
+  return { see, read, add, change, remove, move: add && remove, copy: add && read, share };
 }

@@ -50,9 +50,9 @@ export class Toolbar {
       return;
     this.count.textContent = t('Selected: {n}', { n: this.#selection.size });
     this.actions.download.hidden = !this.#commands.canDownload(chosen);
-    this.actions.rename.hidden = !rights.remove || chosen.length !== 1;
-    this.actions.move.hidden = !rights.remove;
-    this.actions.copy.hidden = !rights.add;
+    this.actions.rename.hidden = !rights.move || chosen.length !== 1;
+    this.actions.move.hidden = !rights.move;
+    this.actions.copy.hidden = !rights.copy;
     this.actions.remove.hidden = !rights.remove;
   }
 }
