@@ -11,82 +11,108 @@ const mostKept = 20; // folders that are shown at once when the visitor comes ba
 
 export class Folder extends EventTarget {
   path = null;
-  entries = [];
   shown = [];
   isLoading = false;
+  isLost = false; // nobody answers: what is shown was there before
   error = null; // why there are none
   search = null; // 'running' or 'done', while what is shown was found below
+  #own = []; // entries of the folder itself
+  #found = []; // below
   #words = '';
   #known = new Map(); // the entries of folders
-  #asking = null;
+  #listing = null;
+  #searching = null;
 
   // `entries` are told by whoever has them already.
   async open(path, entries = null) {
     this.path = path;
-    this.search = null;
     this.#words = '';
+    this.#endSearch();
+    this.#listing?.abort();
     this.#take(entries ?? this.#known.get(path) ?? [], !entries);
     if (!entries)
       await this.refresh();
   }
 
+  get entries() {
+    return this.search ? this.#found : this.#own;
+  }
+
   async refresh() {
-    this.search = null;
-    const asking = this.#ask();
+    await Promise.all([this.#list(), this.search && this.#find(() => {})]);
+  }
+
+  async #list() {
+    this.#listing?.abort();
+    const { signal } = this.#listing = new AbortController();
     const { path } = this;
     try {
-      const entries = await list(path, asking.signal);
-      this.#take(entries, false);
+      this.#take(await list(path, signal), false);
+      this.dispatchEvent(new Event('answered'));
     } catch (error) {
-      if (asking.signal.aborted)
-        return;
-      this.#known.delete(path);
-      // What was seen is of more use than nothing while nobody answers.
-      const isLost = error.status === 0 && this.entries.length > 0;
-      this.#take(isLost ? this.entries : [], false, isLost ? null : error);
+      if (!signal.aborted)
+        this.#fail(error);
     }
   }
 
-  // Whatever was asked for before is of no use any more.
-  #ask() {
-    this.#asking?.abort();
-    this.#asking = new AbortController();
-    return this.#asking;
+  // What was seen is of more use than nothing while nobody answers.
+  #fail(error) {
+    this.isLoading = false;
+    this.isLost = error.status === 0 && this.entries.length > 0;
+    this.error = this.isLost ? null : error;
+    if (error.status !== 0)
+      this.#known.delete(this.path);
+    if (this.error)
+      this.#empty();
+    this.arrange();
+  }
+
+  #empty() {
+    if (this.search)
+      this.#found = [];
+    else
+      this.#own = [];
   }
 
   // Among all folders below, by the words of the filter. Shows what is found while it is found.
   async findBelow(words) {
     this.#words = words;
-    const asking = this.#ask();
+    this.search = 'running';
     const found = entries => {
-      this.entries = entries;
+      this.#found = entries;
       this.arrange();
     };
-    this.search = 'running';
     found([]);
+    await this.#find(throttled(showEvery, found));
+  }
+
+  async #find(arrived) {
+    this.#searching?.abort();
+    const { signal } = this.#searching = new AbortController();
     try {
-      const entries = await find(this.path, this.#words.trim(), asking.signal, throttled(showEvery, found));
+      this.#found = await find(this.path, this.#words.trim(), signal, arrived);
       this.search = 'done';
-      found(entries);
+      [this.isLost, this.error] = [false, null];
+      this.arrange();
     } catch (error) {
-      if (!asking.signal.aborted)
-        this.#take([], false, error);
+      if (!signal.aborted)
+        this.#fail(error);
     }
   }
 
   // Other words are for the folder itself.
   filter(words) {
     this.#words = words;
-    if (this.search)
-      this.#leaveSearch();
-    else
-      this.arrange();
+    this.#endSearch();
+    this.arrange();
   }
 
-  #leaveSearch() {
-    this.#asking.abort();
+  #endSearch() {
+    this.#searching?.abort();
+    if (this.search)
+      this.error = null;
     this.search = null;
-    this.#take(this.#known.get(this.path) ?? [], false);
+    this.#found = [];
   }
 
   get words() {
@@ -103,15 +129,17 @@ export class Folder extends EventTarget {
     return this.entries.find(entry => entry.path === path);
   }
 
+  // Also while what is shown was found below.
   holds(name) {
-    return this.entries.some(entry => entry.name === name);
+    return this.#own.some(entry => entry.name === name);
   }
 
-  #take(entries, isLoading, error = null) {
+  #take(entries, isLoading) {
     this.isLoading = isLoading;
-    this.entries = entries;
-    this.error = error;
-    if (!isLoading && !error) {
+    this.isLost = false;
+    this.error = null;
+    this.#own = entries;
+    if (!isLoading) {
       this.#known.delete(this.path);
       this.#known.set(this.path, entries);
       if (this.#known.size > mostKept)
