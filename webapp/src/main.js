@@ -10,11 +10,12 @@ import { Grid } from './grid.js';
 import { account, Crumbs, filterField, folderName, ViewSwitches } from './header.js';
 import { Keys } from './keys.js';
 import { Viewer } from './look/viewer.js';
+import { lostBar } from './lost-bar.js';
 import { readPage } from './multistatus.js';
 import { notices, reason } from './notices.js';
 import { isBelow, loginFor, root } from './paths.js';
 import { Pointer } from './pointer.js';
-import { noRights, rightsIn } from './rights.js';
+import { rightsIn } from './rights.js';
 import { Selection } from './selection.js';
 import { setting, showScheme } from './settings.js';
 import { language, t } from './texts.js';
@@ -28,6 +29,7 @@ class Page {
   selection = new Selection();
   crumbs = new Crumbs();
   isBlind = false; // the visitor may not see what is here
+  #lacksRights = false; // the server didn't say them
 
   constructor() {
     this.switches = new ViewSwitches(() => this.#arrange());
@@ -42,6 +44,8 @@ class Page {
     new Pointer(this.grid, this.folder, this.selection, this.commands);
     new Drag(this.grid, this.crumbs.element, this.folder, this.commands);
     this.folder.addEventListener('change', () => this.#changed());
+    this.folder.addEventListener('answered', () => this.#lacksRights && this.#findRights(this.folder.path));
+    addEventListener('online', () => this.#comeBack());
     addEventListener('popstate', () => this.#follow());
     this.crumbs.element.addEventListener('click', event => this.#crumbClicked(event));
   }
@@ -50,7 +54,8 @@ class Page {
     const known = readPage(document);
     const header = h('header', { class: 'top' }, this.crumbs.title, this.crumbs.element, account(),
       h('div', { class: 'filter' }, icon('search'), this.filterField), this.switches.element);
-    this.main = h('main', { class: 'app' }, new FindBar(this.folder, this.filterField).element, this.grid.element);
+    this.inside = [lostBar(this.folder, () => this.#comeBack()), new FindBar(this.folder, this.filterField).element, this.grid.element];
+    this.main = h('main', { class: 'app' }, ...this.inside);
     document.body.replaceChildren(header, this.toolbar.element, this.main, this.uploads.panel, notices,
       ...document.querySelectorAll('body > :is(dialog, input, .drop-veil)'));
     this.#arrange();
@@ -83,6 +88,8 @@ class Page {
   }
 
   async #open(path, known = null) {
+    this.#leaveDropBox();
+    this.#lacksRights = false;
     this.selection.clear();
     this.filterField.value = '';
     this.crumbs.show(path);
@@ -100,15 +107,27 @@ class Page {
     const { error } = this.folder;
     if (error && error.status !== 403)
       return this.toolbar.settle();
-    const found = await rightsIn(path).catch(() => noRights);
+    const found = await rightsIn(path).catch(() => null);
     if (this.folder.path !== path)
       return;
-    if (error && found.add)
+    this.#lacksRights = !found;
+    // Those that were known last are nearer to the truth than none.
+    if (!found)
+      return this.toolbar.settle();
+    if (error && found.add && !found.see)
       return this.#showDropBox();
     this.commands.rights = found;
     document.title = path === root ? found.share || folderName(path) : folderName(path);
     this.toolbar.settle();
     this.#changed();
+  }
+
+  async #comeBack() {
+    const { path } = this.folder;
+    if (!this.isBlind)
+      await this.folder.refresh();
+    if (this.#lacksRights && this.folder.path === path)
+      await this.#findRights(path);
   }
 
   #crumbClicked(event) {
@@ -131,12 +150,23 @@ class Page {
     if (isLoading)
       return [h('p', { class: 'loading' }, t('Loading …'))];
     if (error?.status === 401)
-      return [icon('logOut'), h('p', { role: 'alert' }, reason(error)), h('a', { class: 'button main', href: loginFor(path) }, t('Log in'))];
+      return [icon('logOut'), h('p', { role: 'alert' }, reason(error)),
+        h('a', { class: 'button main', href: loginFor(path), target: '_blank' }, t('Log in')), this.#again(path)];
     if (error)
-      return [icon('help'), h('p', { role: 'alert' }, reason(error)), button(t('Try again'), 'retry', () => this.#open(path))];
+      return [icon('help'), h('p', { role: 'alert' }, reason(error)), this.#again(path)];
     if (words)
       return [icon('search'), h('p', {}, t('Nothing here has such a name.'))];
     return [icon('folder'), h('p', {}, this.commands.rights.add ? t('Nothing here yet. Drop files to add them.') : t('Nothing here yet.'))];
+  }
+
+  #again = path => button(t('Try again'), 'retry', () => this.#open(path));
+
+  #leaveDropBox() {
+    if (!this.isBlind)
+      return;
+    this.isBlind = false;
+    document.body.classList.remove('is-blind');
+    this.main.replaceChildren(...this.inside);
   }
 
   #showDropBox() {
