@@ -21,20 +21,30 @@ export async function chooseFolder(title, action, start, moved) {
   const item = folder => h('li', {}, h('button', { type: 'button', onclick: () => show(folder.path) },
     icon('folder'), h('bdi', {}, folder.label), icon('next')));
 
+  const note = text => h('li', { class: 'chooser-note' }, text);
+
+  // The list keeps the keyboard when it has it.
+  function fill(folder, items) {
+    if (folder !== path)
+      return;
+    const hadFocus = folders.contains(document.activeElement);
+    folders.replaceChildren(...items);
+    if (hadFocus)
+      (folders.querySelector('button') ?? folders).focus();
+  }
+
   async function show(folder) {
     path = folder;
     here.textContent = folderName(path);
+    if (path === root && document.activeElement === up)
+      folders.focus();
     up.disabled = path === root;
     try {
       const entries = arranged(await list(folder), { order: 'name' }).filter(
         entry => entry.isFolder && !moved.some(each => each.path === entry.path));
-      if (folder !== path)
-        return;
-      folders.replaceChildren(...entries.map(item));
-      if (entries.length === 0)
-        folders.replaceChildren(h('li', { class: 'chooser-note' }, t('No folders here')));
+      fill(folder, entries.length > 0 ? entries.map(item) : [note(t('No folders here'))]);
     } catch (error) {
-      folders.replaceChildren(h('li', { class: 'chooser-note' }, reason(error)));
+      fill(folder, [note(reason(error))]);
     }
   }
 

@@ -6,10 +6,12 @@ import { t } from './texts.js';
 
 export class FindBar {
   #folder;
+  #field;
 
   // `field` is that of the filter, which may be ahead of the folder.
   constructor(folder, field) {
     this.#folder = folder;
+    this.#field = field;
     this.find = button(t('Search below this folder'), 'search', () => folder.findBelow(field.value));
     this.stay = button(t('Only this folder'), 'close', () => folder.filter(folder.words));
     this.note = h('span', { role: 'status' });
@@ -19,10 +21,13 @@ export class FindBar {
 
   #update() {
     const { words, search, shown } = this.#folder;
+    const hadFocus = this.element.contains(document.activeElement);
     this.element.hidden = words.trim() === '';
     this.find.hidden = search !== null;
     this.stay.hidden = search === null;
     const text = search === 'running' ? 'Searching … {n}' : 'Found below: {n}';
     this.note.textContent = search ? t(text, { n: number(shown.length) }) : '';
+    if (hadFocus)
+      [this.find, this.stay, this.#field].find(each => !each.closest('[hidden]')).focus();
   }
 }

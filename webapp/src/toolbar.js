@@ -16,7 +16,8 @@ export class Toolbar {
       tool('Upload folder', 'uploadFolder', uploads.pickFolder),
       tool('New folder', 'newFolder', commands.newFolder),
       tool('New text file', 'newText', commands.newText),
-      tool('Select all', 'selectAll', () => commands.selectAll(), { class: 'button select-all' }));
+      this.selectAll = tool('Select all', 'selectAll', () => commands.selectAll(), { class: 'button select-all' }));
+    this.selectNothing = button(t('Select nothing'), 'close', () => selection.clear(), { quiet: true });
     this.count = h('span', { class: 'count', role: 'status' });
     this.actions = {
       download: tool('Download', 'download', () => commands.download(commands.chosen)),
@@ -26,7 +27,7 @@ export class Toolbar {
       remove: tool('Delete', 'remove', () => commands.remove(commands.chosen), { class: 'button danger' }),
     };
     this.choosing = h('div', { class: 'tools', role: 'group', 'aria-label': t('Selection') },
-      h('div', { class: 'chosen' }, button(t('Select nothing'), 'close', () => selection.clear(), { quiet: true }), this.count),
+      h('div', { class: 'chosen' }, this.selectNothing, this.count),
       ...Object.values(this.actions));
     this.element = h('section', { class: 'toolbar is-unknown', 'aria-label': t('Actions') }, this.adding, this.choosing);
     selection.addEventListener('change', () => this.show());
@@ -40,6 +41,14 @@ export class Toolbar {
   }
 
   show() {
+    const focused = document.activeElement;
+    const hadFocus = this.element.contains(focused);
+    this.#showTools();
+    if (hadFocus && focused.closest('[hidden]'))
+      (this.#selection.size > 0 ? this.selectNothing : this.selectAll).focus();
+  }
+
+  #showTools() {
     const { rights, chosen } = this.#commands;
     const isChoosing = this.#selection.size > 0;
     this.adding.hidden = isChoosing;
