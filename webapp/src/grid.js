@@ -4,6 +4,7 @@
 import { h, perFrame } from './dom.js';
 import { row, tileRow } from './entry-view.js';
 import { orderNames } from './order.js';
+import { dropPreviews } from './previews.js';
 import { t } from './texts.js';
 
 const spare = 6; // rows above and below what is seen
@@ -85,6 +86,7 @@ export class Grid {
     if (this.body.querySelector('.rename'))
       return;
     this.#rows.clear();
+    dropPreviews(this.body);
     this.body.replaceChildren();
     const count = this.#folder.shown.length;
     const rows = Math.ceil(count / this.#columns);
@@ -128,6 +130,7 @@ export class Grid {
     const wanted = this.#wanted();
     for (const [number, element] of this.#rows) {
       if (!wanted.has(number)) {
+        dropPreviews(element);
         element.remove();
         this.#rows.delete(number);
       }
