@@ -43,18 +43,26 @@ export function button(text, picture, onclick, { quiet = false, ...more } = {}) 
   }, picture && icon(picture), !quiet && h('span', {}, text));
 }
 
-// A name that is cut in its middle where there is no room: the end tells files apart.
+// A name that is cut in its middle where there is no room: the end tells files apart. Among letters
+// that go to the left no cut is in order, but after the last of them.
 const tailLength = 8;
-const rightToLeft = /[\u0590-\u08ff\ufb1d-\ufeff]/;
+const longestTail = 16;
+const toTheLeft = /[\u0590-\u08ff\ufb1d-\ufdff\ufe70-\ufefc\u{10800}-\u{10fff}\u{1e800}-\u{1efff}]/u;
+
+function tailStart(characters) {
+  const cut = characters.length - tailLength;
+  const start = characters.findLastIndex(character => toTheLeft.test(character)) + 1;
+  if (start === 0)
+    return cut < tailLength ? characters.length : cut;
+  return characters.length - start > longestTail ? characters.length : start;
+}
 
 export function cutName(label) {
   const characters = [...label];
-  const cut = characters.length - tailLength;
-  if (cut < tailLength || rightToLeft.test(label))
-    return h('bdi', { class: 'name', title: label }, h('span', { class: 'name-head' }, label));
+  const start = tailStart(characters);
   return h('bdi', { class: 'name', title: label },
-    h('span', { class: 'name-head' }, characters.slice(0, cut).join('')),
-    h('span', { class: 'name-tail' }, characters.slice(cut).join('')));
+    h('span', { class: 'name-head' }, characters.slice(0, start).join('')),
+    start < characters.length && h('span', { class: 'name-tail' }, characters.slice(start).join('')));
 }
 
 export function debounced(ms, action) {
