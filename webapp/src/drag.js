@@ -48,7 +48,7 @@ export class Drag {
     target?.classList.add('is-target');
   }
 
-  #isOurs = event => event.dataTransfer.types.includes(type) && this.#commands.rights.remove;
+  #isOurs = event => event.dataTransfer.types.includes(type) && this.#commands.rights.move;
 
   #over(event) {
     const isOurs = this.#isOurs(event);
