@@ -55,9 +55,11 @@ void KeptPreviews::want(const ServedFile &picture, int edge, QObject *asker, Tol
         const Answer answer = answerOf(kept.get());
         return told(answer, std::make_shared<const FileDescriptor>(std::move(kept)));
     }
-    if (waiting.size() >= mostWaiting)
+    if (!makeRoom())
         return told(Answer::Later, {});
-    waiting.push_back({ name, kind, picture, asker, std::move(told) });
+    const auto postponed = std::find_if(waiting.begin(), waiting.end(),
+                                        [](const Wish &wish) { return wish.isPostponed; });
+    waiting.insert(postponed, { name, kind, picture, asker, std::move(told) });
     turn.start();
 }
 
@@ -66,13 +68,44 @@ void KeptPreviews::leave(const QObject *asker)
     waiting.erase(std::remove_if(waiting.begin(), waiting.end(),
                                  [asker](const Wish &wish) { return wish.asker == asker; }),
                   waiting.end());
-    const bool isWanted = std::any_of(waiting.begin(), waiting.end(), [this](const Wish &wish) {
-        return wish.name == current.name;
-    });
+    stopUnless([](const Wish &) { return true; });
+}
+
+void KeptPreviews::postpone(const QObject *asker)
+{
+    for (Wish &wish : waiting)
+        wish.isPostponed |= wish.asker == asker;
+    const auto postponed = std::stable_partition(
+        waiting.begin(), waiting.end(), [](const Wish &wish) { return !wish.isPostponed; });
+    if (postponed != waiting.begin())
+        stopUnless([](const Wish &wish) { return !wish.isPostponed; });
+}
+
+/// What is being made is made later, or never, unless somebody wants it who is a reason.
+void KeptPreviews::stopUnless(const std::function<bool(const Wish &)> &isReason)
+{
+    const bool isWanted =
+        std::any_of(waiting.begin(), waiting.end(), [this, &isReason](const Wish &wish) {
+            return wish.name == current.name && isReason(wish);
+        });
     if (state != State::Making || isWanted)
         return;
     state = State::GivenUp;
     maker.giveUp();
+}
+
+/// For one that waits; who most likely left gives way.
+bool KeptPreviews::makeRoom()
+{
+    if (waiting.size() < mostWaiting)
+        return true;
+    if (!waiting.back().isPostponed)
+        return false;
+    const Wish last = std::move(waiting.back());
+    waiting.pop_back();
+    if (last.asker)
+        last.told(Answer::Later, {});
+    return true;
 }
 
 void KeptPreviews::makeNext()

@@ -47,6 +47,9 @@ public:
     /// `asker` waits no more. What nobody waits for is not made.
     void leave(const QObject *asker);
 
+    /// `asker` has most likely left: whoever else waits goes first, and may take its place.
+    void postpone(const QObject *asker);
+
 private:
     enum class State {
         Idle,
@@ -62,8 +65,11 @@ private:
         ServedFile picture;
         QPointer<QObject> asker;
         Told told;
+        bool isPostponed = false;
     };
 
+    bool makeRoom();
+    void stopUnless(const std::function<bool(const Wish &)> &isReason);
     void makeNext();
     void makingEnded(PreviewMaker::End end);
     void keep();

@@ -82,7 +82,8 @@ void PreviewReply::ended()
 
 void PreviewReply::peerStopped()
 {
-    exchange.breakOff();
+    if (KeptPreviews *previews = exchange.service().setup.keptPreviews)
+        previews->postpone(this);
 }
 
 void PreviewReply::answer(KeptPreviews::Answer answer, OpenDescriptor preview)

@@ -14,7 +14,7 @@ public:
     void start() override;
     void ended() override;
 
-    /// Browsers leave so when a page is scrolled on: their place is for who is still there.
+    /// Browsers leave so when a page is scrolled on, but who merely sends no more gets its answer.
     void peerStopped() override;
 
     static constexpr auto parameter = "preview";
