@@ -47,7 +47,8 @@ async function write({ path, contents }) {
   return names;
 }
 
-// `{app}` stands for the path of the files, which depends on who asks.
+// `{app}` stands for the path of the files, which depends on who asks, `{nonce}` for what the policy of
+// one page trusts its scripts by.
 function head({ outputs }) {
   const [script, style, mark] = ['main.js', 'main.css', 'mark.svg'].map(name => Object.keys(outputs).find(
     output => outputs[output].entryPoint?.endsWith(name)));
@@ -55,8 +56,8 @@ function head({ outputs }) {
   return [
     `<link rel="stylesheet" href="{app}/${basename(style)}">`,
     `<link rel="icon" href="{app}/${basename(mark)}">`,
-    ...chunks.map(({ path }) => `<link rel="modulepreload" href="{app}/${basename(path)}">`),
-    `<script type="module" src="{app}/${basename(script)}"></script>`,
+    ...chunks.map(({ path }) => `<link rel="modulepreload" nonce="{nonce}" href="{app}/${basename(path)}">`),
+    `<script type="module" nonce="{nonce}" src="{app}/${basename(script)}"></script>`,
   ].join('');
 }
 

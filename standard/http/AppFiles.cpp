@@ -38,11 +38,14 @@ std::optional<QByteArray> resource(const QByteArray &name)
 
 } // namespace
 
-QByteArray appHead(const QByteArray &prefix)
+QByteArray appHead(const QByteArray &prefix, const QByteArray &nonce)
 {
     const std::optional<QByteArray> head = resource("head.html");
-    return head ? QByteArray(*head).replace("{app}", escaped(prefix) + '/' + appPath)
-                : QByteArray();
+    if (!head)
+        return {};
+    return QByteArray(*head)
+        .replace("{nonce}", nonce)
+        .replace("{app}", escaped(prefix) + '/' + appPath);
 }
 
 std::optional<AppFile> appFile(const QByteArray &name, const QByteArray &accepted)

@@ -11,8 +11,9 @@ namespace standard {
 constexpr auto appPath = ".quillon/app";
 
 /// What the head of a page holds to have the application take over, as HTML. `prefix` begins all
-/// paths outside, see `Forwarded`. Empty when there is no application.
-QByteArray appHead(const QByteArray &prefix);
+/// paths outside, see `Forwarded`; `nonce` is that of the page, see `addAppProtection`. Empty when
+/// there is no application.
+QByteArray appHead(const QByteArray &prefix, const QByteArray &nonce);
 
 struct AppFile
 {

@@ -3,6 +3,7 @@
 #include "config/Profile.h"
 #include "files/ListingCache.h"
 #include "files/Path.h"
+#include "server/Secret.h"
 #include "standard/http/AppFiles.h"
 #include "standard/http/ContentType.h"
 #include "standard/http/FolderPage.h"
@@ -231,9 +232,10 @@ void FileReply::sendPage(const FolderListing *listing)
         top += FolderPage::padLink(exchange.urls().prefix);
     if (takesForms())
         top += FolderPage::uploadForm();
-    const QByteArray head = appHead(exchange.urls().prefix);
+    const QByteArray nonce = newSecret();
+    const QByteArray head = appHead(exchange.urls().prefix, nonce);
     if (!head.isEmpty())
-        addAppProtection(fields);
+        addAppProtection(fields, nonce);
     else
         takesForms() || access.inSession ? addFormProtection(fields) : addPageProtection(fields);
     const FolderPage page{ seenFrom(access.home, exchange.path()), head, top, listing };

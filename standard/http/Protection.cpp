@@ -42,10 +42,11 @@ void addFormProtection(Fields &fields, const QByteArray &style)
     addProtection(fields, "'none'", rest, "same-origin");
 }
 
-void addAppProtection(Fields &fields)
+void addAppProtection(Fields &fields, const QByteArray &nonce)
 {
     // Documents are shown from memory: as files of somebody's they would have no viewer.
-    addProtection(fields, "'self'; frame-src blob:", "'self'", "same-origin");
+    addProtection(fields, "'self'; script-src 'nonce-" + nonce + "'; frame-src blob:", "'self'",
+                  "same-origin");
 }
 
 void addFileProtection(Fields &fields)

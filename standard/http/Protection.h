@@ -12,9 +12,10 @@ void addPageProtection(Fields &fields);
 /// element of their own.
 void addFormProtection(Fields &fields, const QByteArray &style = {});
 
-/// The same of pages that the web application takes over, which has its files from here and talks
-/// to this server alone.
-void addAppProtection(Fields &fields);
+/// The same of pages that the web application takes over, which talks to this server alone. Scripts
+/// run when the page names them with `nonce`, a secret of its own, since files of the share come
+/// from this server as well.
+void addAppProtection(Fields &fields, const QByteArray &nonce);
 
 /// What is served is somebody's file, never a part of this program: its scripts don't run, and no
 /// other site embeds it.

@@ -28,7 +28,9 @@ describe('the files of the application', () => {
 
   it('are few bytes, and kept for good', async () => {
     const page = await fetch(server.url);
-    assert.match(page.headers.get('Content-Security-Policy'), /^default-src 'self';/);
+    const policies = [page, await fetch(server.url)].map(({ headers }) => headers.get('Content-Security-Policy'));
+    policies.forEach(policy => assert.match(policy, /^default-src 'self'; script-src 'nonce-[0-9a-f]{32,}';/));
+    assert.notEqual(policies[0], policies[1]);
     const files = [...(await page.text()).matchAll(/(?:href|src)="(\/\.quillon\/app\/[^"]+)"/g)].map(([, path]) => new URL(path, server.url));
     let size = 0;
     for (const file of files) {
