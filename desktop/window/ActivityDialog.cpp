@@ -13,6 +13,7 @@
 #include <QCheckBox>
 #include <QHeaderView>
 #include <QStyledItemDelegate>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QTreeView>
 #include <QVBoxLayout>
@@ -34,6 +35,21 @@ public:
     {
         return QStyledItemDelegate::sizeHint(option, index).expandedTo({ 0, fingerSize });
     }
+};
+
+class FingerTabBar : public QTabBar
+{
+protected:
+    QSize tabSizeHint(int index) const override
+    {
+        return QTabBar::tabSizeHint(index).expandedTo({ fingerSize, fingerSize });
+    }
+};
+
+class FingerTabs : public QTabWidget
+{
+public:
+    FingerTabs() { setTabBar(new FingerTabBar); }
 };
 
 /// All of a network that is counted as one is blocked with it.
@@ -66,7 +82,7 @@ ActivityDialog::ActivityDialog(ServerRows *servers, PeerCount *peers, DeedLog *d
     , transfers(
           { tr("File"), tr("Direction"), tr("Done"), tr("Speed"), tr("Time left"), tr("Address") })
     , column(new QVBoxLayout(this))
-    , tabs(new QTabWidget)
+    , tabs(new FingerTabs)
 {
     setWindowTitle(tr("Visitors and transfers"));
     column->addWidget(tabs);
