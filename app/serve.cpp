@@ -16,6 +16,7 @@
 #include "server/PasswordHash.h"
 #include "server/Url.h"
 #include "server/WebServer.h"
+#include "standard/http/AppFiles.h"
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
@@ -386,6 +387,13 @@ void tellAuthority(Console *console, const Profile &profile)
                                 fingerprintRows(authority).join(QLatin1Char(':'))));
 }
 
+void tellApplication(Console *console, const Profile &profile)
+{
+    if (profile.faceMode != FaceStandard && standard::hasApp())
+        console->error(text("Browsers get simple pages, and the web application with "
+                            "--mode standard."));
+}
+
 /// Serves the file or folder `path` until a signal or the traffic limit ends it.
 int serve(Console *console, const Options &options, const QString &path, const Profiles &profiles,
           ServiceManager *manager)
@@ -441,6 +449,7 @@ int serve(Console *console, const Options &options, const QString &path, const P
         confineServer(console, path, *profile);
     printAddresses(console, server, options.path);
     tellAuthority(console, *profile);
+    tellApplication(console, *profile);
     manager->tellReady();
     const int status = QCoreApplication::exec();
     manager->tellStopping();

@@ -153,7 +153,7 @@ void ServerPage::setFace(int mode)
         tr("All programs are answered as ever."),
         tr("File managers, phone apps and players that are known to need it are answered by the "
            "standards, all others as ever."),
-        tr("All programs are answered by the standards."),
+        tr("All programs are answered by the standards; browsers get the web application."),
     };
     faceText->setText(texts.at(std::size_t(mode)));
     store(&ProfileValues::faceMode, mode);

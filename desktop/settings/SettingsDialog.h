@@ -24,6 +24,8 @@ class SettingsDialog : public QDialog
     Q_OBJECT
 
 public:
+    enum Row { folderRow, accessRow, serverRow }; ///< of its pages
+
     /// Builds the dialog. `edited` and `told`, the receiver of applied values, are borrowed;
     /// `page` is the row shown first, -1 for the one last shown with this profile.
     SettingsDialog(Profile *edited, SettingsScope offered, Configurable *told, QWidget *parent,

@@ -4,6 +4,7 @@
 #include "desktop/settings/ProfileDialog.h"
 #include "desktop/settings/SettingsDialog.h"
 #include "desktop/widgets/InputDialog.h"
+#include "desktop/widgets/LinkLabel.h"
 #include "desktop/widgets/Prompts.h"
 #include "desktop/widgets/Touch.h"
 #include "desktop/widgets/TurningRow.h"
@@ -51,6 +52,8 @@ void AddressList::buildWidgets()
     m_statusLabel->setWordWrap(true);
     m_statusLabel->setTextInteractionFlags(Qt::TextSelectableByMouse
                                            | Qt::TextSelectableByKeyboard);
+    toApplication = new LinkLabel(this);
+    toApplication->setLink(tr("Give browsers the web application..."), QStringLiteral("settings"));
 
     auto *buttons = new TurningRow;
     buttons->add(m_startButton, 1);
@@ -63,6 +66,7 @@ void AddressList::buildWidgets()
     layout->addWidget(buttons);
     layout->addWidget(m_hero);
     layout->addWidget(m_statusLabel);
+    layout->addWidget(toApplication);
 }
 
 void AddressList::buildRowMenu()
@@ -85,6 +89,9 @@ void AddressList::connectRows()
     connect(keeper, &RowKeeper::loaded, this, &AddressList::showNetwork);
     connect(m_startButton, &QPushButton::clicked, this, &AddressList::startOrStop);
     connect(m_permission, &PermissionButton::settingsWanted, this, &AddressList::edit);
+    connect(m_permission, &PermissionButton::profileShown, this, &AddressList::showSwitch);
+    connect(toApplication, &QLabel::linkActivated, this,
+            [this] { edit(m_permission->profile(), SettingsDialog::serverRow); });
     connect(m_hero, &AddressHero::othersChanged, this, &AddressList::showStatus);
     connect(m_table, &AddressTable::cellChosen, this, &AddressList::cellChosen);
 }
@@ -96,6 +103,7 @@ void AddressList::showRunning(bool running)
     if (!running)
         reach.clear();
     showStatus();
+    showSwitch();
 }
 
 void AddressList::showStatus()
@@ -113,6 +121,12 @@ void AddressList::showStatus()
     // That it is the local network alone stands above already.
     const bool more = reach != Reachability::localText();
     m_statusLabel->setText(text + QLatin1String("</center>") + (more ? reach : QString()));
+}
+
+void AddressList::showSwitch()
+{
+    toApplication->setVisible(rows->isRunning()
+                              && m_permission->profile()->faceMode != FaceStandard);
 }
 
 void AddressList::showReach(const QString &text)

@@ -6,6 +6,7 @@
 
 class AddressHero;
 class AddressTable;
+class LinkLabel;
 class PermissionButton;
 class Profile;
 class Profiles;
@@ -37,6 +38,7 @@ public:
     PermissionButton *permissionButton() const { return m_permission; }
     AddressHero *hero() const { return m_hero; }
     QLabel *statusLabel() const { return m_statusLabel; }
+    LinkLabel *switchLink() const { return toApplication; }
 
 public Q_SLOTS:
     /// Asks first when transfers are to be cut.
@@ -57,6 +59,7 @@ private:
     void buildRowMenu();
     void connectRows();
     void showStatus();
+    void showSwitch();
     void cellChosen(int index, int column);
     std::optional<int> askPort(const QString &title, const ServerRow *row, const ServerRow *except);
 
@@ -71,5 +74,6 @@ private:
     PermissionButton *m_permission = nullptr;
     AddressHero *m_hero = nullptr;
     QLabel *m_statusLabel = nullptr;
+    LinkLabel *toApplication = nullptr; ///< leads to the choice of what browsers get
     QString reach; ///< what is known beside the addresses
 };

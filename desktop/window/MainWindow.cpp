@@ -1,6 +1,7 @@
 #include "desktop/window/MainWindow.h"
 
 #include "config/Profiles.h"
+#include "desktop/widgets/LinkLabel.h"
 #include "desktop/widgets/Prompts.h"
 #include "desktop/widgets/Touch.h"
 #include "desktop/window/Activity.h"
@@ -188,7 +189,7 @@ void MainWindow::layOut()
     QList<QWidget *> tabOrder = panel->tabOrder();
     tabOrder += { addresses->table(), addresses->startButton(), addresses->permissionButton() };
     tabOrder += addresses->hero()->tabOrder();
-    tabOrder += addresses->statusLabel();
+    tabOrder += { addresses->statusLabel(), addresses->switchLink() };
     setTabOrders(tabOrder);
     addresses->startButton()->setFocus();
 

@@ -1,6 +1,7 @@
 #include "desktop/window/PermissionButton.h"
 
 #include "config/Profiles.h"
+#include "desktop/settings/SettingsDialog.h"
 #include "desktop/widgets/Prompts.h"
 #include "desktop/window/ServerRow.h"
 #include "desktop/window/ServerRows.h"
@@ -13,8 +14,6 @@
 #include <memory>
 
 namespace {
-
-enum PageRow { FolderRow = 0, AccessRow = 1 }; ///< of the settings
 
 struct Words
 {
@@ -87,7 +86,7 @@ void PermissionButton::buildMenu()
     words->addSeparator();
     login = words->addAction(QString());
     connect(login, &QAction::triggered, this,
-            [this] { Q_EMIT settingsWanted(profile(), AccessRow); });
+            [this] { Q_EMIT settingsWanted(profile(), SettingsDialog::accessRow); });
 }
 
 void PermissionButton::showProfile()
@@ -98,6 +97,7 @@ void PermissionButton::showProfile()
     const QString text = tr(wordsOf(permissionOf(shown)).state) + QLatin1Char('\n') + word;
     if (text != this->text())
         setText(text);
+    Q_EMIT profileShown();
 }
 
 void PermissionButton::open()
@@ -106,7 +106,8 @@ void PermissionButton::open()
     const Permission permission = permissionOf(shown);
     if (permission == Permission::AsSet || !shown.isUsable())
         return Q_EMIT settingsWanted(profile(),
-                                     shown.accountRights.isEmpty() ? FolderRow : AccessRow);
+                                     shown.accountRights.isEmpty() ? SettingsDialog::folderRow
+                                                                   : SettingsDialog::accessRow);
     const QList<QAction *> choices = permissions->actions();
     choices.at(int(permission))->setChecked(true);
     // Programs that get the standard answers beside classic ones know no adding without replacing.

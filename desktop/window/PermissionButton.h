@@ -20,18 +20,21 @@ public:
     /// Both are borrowed.
     PermissionButton(const Profiles *choice, ServerRows *servers, QWidget *parent);
 
+    /// That of the current row, else the global one.
+    Profile *profile() const;
+
     /// Shows what the profile says now.
     void showProfile();
 
 Q_SIGNALS:
     /// There is more to say than this has words for: `page` of the settings of the profile.
     void settingsWanted(Profile *profile, int page);
+    void profileShown(); ///< which may be another one now, or say something else
 
 private:
     void buildMenu();
     void open();
     void choose(Permission wanted);
-    Profile *profile() const;
 
     const Profiles *profiles;
     ServerRows *rows;

@@ -38,6 +38,11 @@ std::optional<QByteArray> resource(const QByteArray &name)
 
 } // namespace
 
+bool hasApp()
+{
+    return resource("head.html").has_value();
+}
+
 QByteArray appHead(const QByteArray &prefix, const QByteArray &nonce)
 {
     const std::optional<QByteArray> head = resource("head.html");

@@ -9,6 +9,7 @@ namespace standard {
 /// Below it stand the files of the web application. They are compiled into the program, which may
 /// be built without them.
 constexpr auto appPath = ".quillon/app";
+bool hasApp();
 
 /// What the head of a page holds to have the application take over, as HTML. `prefix` begins all
 /// paths outside, see `Forwarded`; `nonce` is that of the page, see `addAppProtection`. Empty when

@@ -210,7 +210,9 @@ void TestServe::servesUntilASignal()
     QVERIFY(loaded.open(QFile::ReadOnly) && !loaded.readAll().contains("/libssl"));
     ::kill(pid_t(program.processId()), SIGINT); // others end by SIGTERM
     QCOMPARE(exitStatus(), 0);
-    QVERIFY(program.readAllStandardError().contains("New client: 127.0.0.1"));
+    const QByteArray told = program.readAllStandardError();
+    QVERIFY(told.contains("New client: 127.0.0.1"));
+    QCOMPARE(told.contains("--mode standard"), HAS_WEBAPP == 1);
     const Profile global(home->directories, QStringLiteral("Global.conf"));
     QVERIFY(global.cleanExit);
 }
@@ -363,7 +365,7 @@ void TestServe::servesWhoeverReadsItsErrors()
     while (::write(reader, pipe.constData(), 1) == 1) { }
 
     program.setStandardErrorFile(QString::fromUtf8(pipe), QIODevice::Append);
-    start({ QStringLiteral("--port"), QStringLiteral("0"), share->path() });
+    start(serving({ QStringLiteral("--mode"), QStringLiteral("standard") }));
     const quint16 port = waitForPort();
     const auto get = [port](int address) {
         const QHostAddress from(QStringLiteral("127.0.0.%1").arg(address));

@@ -3,6 +3,7 @@
 #include "classic/http/ClassicFace.h"
 #include "desktop/look/Look.h"
 #include "desktop/window/AcceptedFolders.h"
+#include "desktop/window/AddressHero.h"
 #include "desktop/window/AddressList.h"
 #include "desktop/window/EventHandler.h"
 #include "desktop/window/MainWindow.h"

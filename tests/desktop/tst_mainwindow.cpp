@@ -119,7 +119,7 @@ private Q_SLOTS:
     {
         Desktop desktop;
         const QLabel *label = desktop.list()->statusLabel();
-        const auto *link = desktop.list()->findChild<LinkLabel *>();
+        const auto *link = desktop.list()->hero()->findChild<LinkLabel *>();
         QCOMPARE(label->text(), Reachability::localText());
         QVERIFY(!link->isVisible());
         desktop.row()->start();
@@ -129,6 +129,13 @@ private Q_SLOTS:
         QVERIFY(link->linkText() == desktop.row()->url() && label->text().endsWith(open));
         click(desktop.list(), "Copy");
         QCOMPARE(QGuiApplication::clipboard()->text(), desktop.row()->url());
+        inModal<SettingsDialog>(
+            [&] { QTest::keyClick(desktop.list()->switchLink(), Qt::Key_Return); },
+            [](SettingsDialog *dialog) {
+                named<QComboBox>(dialog, "Answers:")->setCurrentIndex(FaceStandard);
+                click(dialog, "&Apply");
+            });
+        QVERIFY(!desktop.list()->switchLink()->isVisible());
         desktop.move({});
         QCOMPARE(label->text(), "<center><b>Network not found</b></center>"_q);
     }

@@ -131,6 +131,10 @@
 <context>
     <name>AddressList</name>
     <message>
+        <source>Give browsers the web application...</source>
+        <translation>Give browsers the web application...</translation>
+    </message>
+    <message>
         <source>Listen Addresses</source>
         <translation>Listen Addresses</translation>
     </message>
@@ -502,8 +506,8 @@
         <translation>File managers, phone apps and players that are known to need it are answered by the standards, all others as ever.</translation>
     </message>
     <message>
-        <source>All programs are answered by the standards.</source>
-        <translation>All programs are answered by the standards.</translation>
+        <source>All programs are answered by the standards; browsers get the web application.</source>
+        <translation>All programs are answered by the standards; browsers get the web application.</translation>
     </message>
     <message>
         <source>Make new key...</source>

@@ -131,6 +131,10 @@
 <context>
     <name>AddressList</name>
     <message>
+        <source>Give browsers the web application...</source>
+        <translation>Browsern die Web-Anwendung geben...</translation>
+    </message>
+    <message>
         <source>Listen Addresses</source>
         <translation>Adressen des Servers</translation>
     </message>
@@ -502,8 +506,8 @@
         <translation>Dateimanager, Handy-Apps und Abspielprogramme, die es bekanntlich brauchen, bekommen Antworten nach den Standards, alle anderen die gewohnten.</translation>
     </message>
     <message>
-        <source>All programs are answered by the standards.</source>
-        <translation>Alle Programme bekommen Antworten nach den Standards.</translation>
+        <source>All programs are answered by the standards; browsers get the web application.</source>
+        <translation>Alle Programme bekommen Antworten nach den Standards, Browser die Web-Anwendung.</translation>
     </message>
     <message>
         <source>Make new key...</source>

@@ -131,6 +131,10 @@
 <context>
     <name>AddressList</name>
     <message>
+        <source>Give browsers the web application...</source>
+        <translation>Dar la aplicación web a los navegadores...</translation>
+    </message>
+    <message>
         <source>Listen Addresses</source>
         <translation>Direcciones de escucha</translation>
     </message>
@@ -502,8 +506,8 @@
         <translation>Los gestores de archivos, las aplicaciones de móvil y los reproductores que lo necesitan reciben respuestas según los estándares; los demás, las de siempre.</translation>
     </message>
     <message>
-        <source>All programs are answered by the standards.</source>
-        <translation>Todos los programas reciben respuestas según los estándares.</translation>
+        <source>All programs are answered by the standards; browsers get the web application.</source>
+        <translation>Todos los programas reciben respuestas según los estándares; los navegadores, la aplicación web.</translation>
     </message>
     <message>
         <source>Make new key...</source>

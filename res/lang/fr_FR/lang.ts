@@ -131,6 +131,10 @@
 <context>
     <name>AddressList</name>
     <message>
+        <source>Give browsers the web application...</source>
+        <translation>Donner l’application web aux navigateurs...</translation>
+    </message>
+    <message>
         <source>Listen Addresses</source>
         <translation>Adresses d’écoute</translation>
     </message>
@@ -502,8 +506,8 @@
         <translation>Les gestionnaires de fichiers, applications mobiles et lecteurs qui en ont besoin reçoivent des réponses conformes aux standards, les autres les réponses habituelles.</translation>
     </message>
     <message>
-        <source>All programs are answered by the standards.</source>
-        <translation>Tous les programmes reçoivent des réponses conformes aux standards.</translation>
+        <source>All programs are answered by the standards; browsers get the web application.</source>
+        <translation>Tous les programmes reçoivent des réponses conformes aux standards ; les navigateurs, l’application web.</translation>
     </message>
     <message>
         <source>Make new key...</source>
