@@ -20,14 +20,13 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
 #include <QNetworkInterface>
 
 #include <algorithm>
-#include <iostream>
 #include <memory>
 #include <optional>
-#include <string>
 #include <utility>
 
 namespace {
@@ -138,13 +137,15 @@ struct CommandLine
 /// The exit status.
 int printHash(Console *console)
 {
-    std::string password;
-    std::getline(std::cin, password);
-    if (password.empty()) {
+    QFile input;
+    QByteArray password = input.open(0, QFile::ReadOnly) ? input.readLine() : QByteArray();
+    if (password.endsWith('\n'))
+        password.chop(1);
+    if (password.isEmpty()) {
         console->error(text("There is no password on standard input."));
         return Failed;
     }
-    const QByteArray hash = newPasswordHash(QByteArray::fromStdString(password));
+    const QByteArray hash = newPasswordHash(password);
     if (hash.isEmpty()) {
         console->error(text("There is no memory to make a hash."));
         return Failed;
