@@ -20,6 +20,8 @@ struct Mount
 /// The table of mounts writes what would end a field in three octal digits.
 QByteArray unescaped(QByteArray field)
 {
+    if (!field.contains('\\'))
+        return field;
     for (const char escaped : { ' ', '\t', '\n', '\\' })
         field.replace('\\' + QByteArray::number(escaped, 8).rightJustified(3, '0'),
                       QByteArray(1, escaped));
