@@ -109,6 +109,7 @@ int main(int argc, char **argv)
     const WorkingFolder workingFolder(directories.cache);
 
     Profiles profiles(directories);
+    profiles.beginRun();
     Previews::sweep(previewFolder());
     Previews previews(previewProgram(), previewFolder());
     EventHandler events;

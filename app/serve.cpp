@@ -396,7 +396,7 @@ void tellApplication(Console *console, const Profile &profile)
 }
 
 /// Serves the file or folder `path` until a signal or the traffic limit ends it.
-int serve(Console *console, const Options &options, const QString &path, const Profiles &profiles,
+int serve(Console *console, const Options &options, const QString &path, Profiles &profiles,
           ServiceManager *manager)
 {
     Profile defaults(profiles.directories());
@@ -452,6 +452,7 @@ int serve(Console *console, const Options &options, const QString &path, const P
     tellAuthority(console, *profile);
     tellApplication(console, *profile);
     manager->tellReady();
+    profiles.beginRun(); // clients need not wait for the disk
     const int status = QCoreApplication::exec();
     manager->tellStopping();
     return status;

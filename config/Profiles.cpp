@@ -47,8 +47,6 @@ void Profiles::loadGlobal()
 {
     Profile *global =
         add(std::make_unique<Profile>(m_directories, QLatin1String(Profile::globalFile)));
-    if (global->cleanExit)
-        global->amend([](Profile &profile) { profile.cleanExit = false; });
     if (global->name.isEmpty())
         global->name = QCoreApplication::translate("Profile", "Default");
 }
@@ -68,11 +66,17 @@ void Profiles::loadOthers()
     }
 }
 
+void Profiles::beginRun()
+{
+    if (global()->cleanExit)
+        global()->amend([](Profile &profile) { profile.cleanExit = false; });
+}
+
 bool Profiles::endInOrder()
 {
     // First, so that of two that end at once at least one finds itself the last.
     mark.release();
-    if (mark.hasNeighbours())
+    if (mark.hasNeighbours() || global()->cleanExit)
         return true;
     return global()->amend([](Profile &profile) { profile.cleanExit = true; });
 }

@@ -11,12 +11,15 @@
 class Profiles
 {
 public:
-    /// Loads the global profile, then every other one of `where`, sorted by file name, and marks
-    /// the global profile as running. A file that can't be used is left as it is.
+    /// Loads the global profile, then every other one of `where`, sorted by file name. A file that
+    /// can't be used is left as it is.
     explicit Profiles(const Directories &where);
 
-    /// The orderly end: once no other program of this user runs, the global profile's file says so.
-    /// Nothing else in it changes. False when it can't be written.
+    /// The global profile's file says from now on that somebody runs. Waits for the disk.
+    void beginRun();
+
+    /// The orderly end of what was begun: once no other program of this user runs, the global
+    /// profile's file says so. Nothing else in it changes. False when it can't be written.
     bool endInOrder();
 
     const Directories &directories() const { return m_directories; }

@@ -421,7 +421,7 @@ void TestProfile::tellsACrashFromANeighbour()
             home->profiles->endInOrder();
         home->profiles.reset();
         const bool clean = Profile(home->directories, QStringLiteral("Global.conf")).cleanExit;
-        home->profiles = std::make_unique<Profiles>(home->directories);
+        home->begin();
         return clean;
     };
     QVERIFY(endsClean(true) && !endsClean(false));

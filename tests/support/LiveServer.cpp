@@ -23,7 +23,7 @@ TestHome::TestHome()
     directories = Directories::ofProcess();
     if (!directories.makeProfileFolder())
         qFatal("no folder for profiles");
-    profiles = std::make_unique<Profiles>(directories);
+    begin();
 }
 
 TestHome::~TestHome()
@@ -35,7 +35,13 @@ void TestHome::restart()
 {
     profiles->endInOrder();
     profiles.reset(); // one process holds one mark
+    begin();
+}
+
+void TestHome::begin()
+{
     profiles = std::make_unique<Profiles>(directories);
+    profiles->beginRun();
 }
 
 QByteArray TestHome::profileBytes(const QString &fileName) const

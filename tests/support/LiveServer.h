@@ -27,7 +27,8 @@ public:
 
     QString path() const { return dir.path(); }
 
-    /// Ends the run in order and begins the next one.
+    /// Begins a run, and ends one in order before it begins the next.
+    void begin();
     void restart();
 
     /// The bytes of a file in the folder of the profiles, and what it is made to hold.
