@@ -10,12 +10,13 @@ struct PageScheme
 {
     const char *name;
     const char *port; ///< that may be left out
+    bool reachesEncrypted; ///< a page of our own may have it where this server encrypts
 };
 
 constexpr std::array pageSchemes{
-    PageScheme{ "http", ":80" },
-    PageScheme{ "https", ":443" },
-    PageScheme{ "file", "" },
+    PageScheme{ "http", ":80", false },
+    PageScheme{ "https", ":443", true },
+    PageScheme{ "file", "", false },
 };
 
 QByteArray withoutUsualPort(QByteArray authority, const QByteArray &port)
@@ -27,7 +28,7 @@ QByteArray withoutUsualPort(QByteArray authority, const QByteArray &port)
 }
 
 /// Whether a page has this origin (RFC 6454, section 7) that did not come from `host`.
-bool isOfOtherPage(const QByteArray &origin, const QByteArray &host)
+bool isOfOtherPage(const QByteArray &origin, const QByteArray &host, bool encrypted)
 {
     const int end = int(origin.indexOf("://"));
     // "null" is that of pages which nobody may know.
@@ -37,13 +38,16 @@ bool isOfOtherPage(const QByteArray &origin, const QByteArray &host)
     const auto *row =
         std::find_if(pageSchemes.begin(), pageSchemes.end(),
                      [&scheme](const PageScheme &each) { return scheme == each.name; });
-    return row != pageSchemes.end()
-        && withoutUsualPort(origin.mid(end + 3), row->port) != withoutUsualPort(host, row->port);
+    if (row == pageSchemes.end())
+        return false;
+    return (encrypted && !row->reachesEncrypted)
+        || withoutUsualPort(origin.mid(end + 3), row->port) != withoutUsualPort(host, row->port);
 }
 
 } // namespace
 
-bool isCrossSite(const QByteArray &fetchSite, const QByteArray &origin, const QByteArray &host)
+bool isCrossSite(const QByteArray &fetchSite, const QByteArray &origin, const QByteArray &host,
+                 bool encrypted)
 {
     // Browsers don't let pages write these lines. A proxy may have changed the Host, but what the
     // browser itself calls its own site is.
@@ -51,5 +55,5 @@ bool isCrossSite(const QByteArray &fetchSite, const QByteArray &origin, const QB
         return false;
     if (fetchSite == "cross-site" || fetchSite == "same-site")
         return true;
-    return !origin.isEmpty() && isOfOtherPage(origin, host);
+    return !origin.isEmpty() && isOfOtherPage(origin, host, encrypted);
 }

@@ -20,8 +20,9 @@ bool standsForItself(const Exchange &exchange)
 {
     const Request &request = exchange.request;
     const bool isLink = request.isLogin() && request.methodCode != Request::Post;
-    return !isLink && !request.isCrossSite()
-        && !isTrustedProxy(exchange.channel.connection().peerAddress(), *exchange.service.profile);
+    const Socket &connection = exchange.channel.connection();
+    return !isLink && !request.isCrossSite(connection.isEncrypted())
+        && !isTrustedProxy(connection.peerAddress(), *exchange.service.profile);
 }
 
 } // namespace

@@ -179,7 +179,8 @@ const char *ClassicFace::reasonToRefuse() const
         return "400 Bad Request";
     if (isMisdirected(exchange))
         return "421 Misdirected Request";
-    if (request.climbs() || request.isCrossSiteForm() || isKeptFromChanging(request, exchange))
+    if (request.climbs() || request.isCrossSiteForm(channel.connection().isEncrypted())
+        || isKeptFromChanging(request, exchange))
         return Status::forbidden;
     return nullptr;
 }

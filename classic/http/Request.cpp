@@ -88,7 +88,7 @@ bool Request::onlyReads() const
         || methodCode == PropFind;
 }
 
-bool Request::isCrossSite() const
+bool Request::isCrossSite(bool encrypted) const
 {
-    return ::isCrossSite(fetchSite, origin, host);
+    return ::isCrossSite(fetchSite, origin, host, encrypted);
 }

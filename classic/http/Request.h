@@ -69,10 +69,13 @@ public:
     bool onlyReads() const;
 
     /// Whether a page of another site made the browser send this.
-    bool isCrossSite() const;
+    bool isCrossSite(bool encrypted) const;
 
     /// Whether such a page made it post something, or log in; links of theirs are welcome.
-    bool isCrossSiteForm() const { return (methodCode == Post || isLogin()) && isCrossSite(); }
+    bool isCrossSiteForm(bool encrypted) const
+    {
+        return (methodCode == Post || isLogin()) && isCrossSite(encrypted);
+    }
 
     /// `destination` taken apart.
     RequestTarget destinationTarget() const { return parseTarget(destination); }

@@ -137,7 +137,7 @@ bool StandardFace::isCrossSite() const
 {
     const Request &request = exchange.request();
     return ::isCrossSite(request.value("Sec-Fetch-Site"), request.value("Origin"),
-                         calledName(exchange).value_or(QByteArray()));
+                         calledName(exchange).value_or(QByteArray()), isEncrypted(exchange));
 }
 
 /// Whether no proxy, and no page of another site, is behind the login.

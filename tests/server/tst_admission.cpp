@@ -147,6 +147,7 @@ void TestAdmission::knowsPagesOfOtherSites_data()
     row("one that hides", "", "null", "a", true);
     row("a local page", "", "file://", "a", true);
     row("an extension", "", "moz-extension://0-1", "a", false);
+    QVERIFY(!isCrossSite({}, "https://a", "a", true) && isCrossSite({}, "http://a", "a", true));
 }
 
 void TestAdmission::knowsPagesOfOtherSites()
@@ -154,7 +155,7 @@ void TestAdmission::knowsPagesOfOtherSites()
     QFETCH(const QByteArray, fetchSite);
     QFETCH(const QByteArray, origin);
     QFETCH(const QByteArray, host);
-    QTEST(isCrossSite(fetchSite, origin, host), "cross");
+    QTEST(isCrossSite(fetchSite, origin, host, false), "cross");
 }
 
 QTEST_GUILESS_MAIN(TestAdmission)
