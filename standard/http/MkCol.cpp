@@ -31,6 +31,7 @@ void MkCol::start()
     exchange.refuse(statusOf(errno));
 }
 
+/// Who only adds makes a folder that is there as if it weren't, and learns nothing.
 bool MkCol::isAllowed(const EntryFacts &found)
 {
     if (!isPermitted(found))
@@ -38,6 +39,10 @@ bool MkCol::isAllowed(const EntryFacts &found)
     // Nobody has said what a body would mean (RFC 4918, section 9.3).
     if (exchange.request().framing.hasBody()) {
         exchange.refuse(Status::UnsupportedMediaType);
+        return false;
+    }
+    if (found.folder && onlyAdds(exchange.path())) {
+        exchange.reply(Status::Created);
         return false;
     }
     if (found.exists || found.link || !namesEntry()) {

@@ -130,16 +130,21 @@ void ResourceHandler::refuseMembers(const QByteArray &base,
                    body + rootEnd("multistatus"));
 }
 
-QByteArray ResourceHandler::pathToAdd(const QByteArray &path) const
+bool ResourceHandler::onlyAdds(const QByteArray &path) const
 {
     const Access &access = exchange.access();
+    return access.may(Right::Add, path)
+        && std::none_of(std::begin(otherRights), std::end(otherRights),
+                        [&](Right right) { return access.may(right, path); });
+}
+
+QByteArray ResourceHandler::pathToAdd(const QByteArray &path) const
+{
     const auto isTaken = [this](const QByteArray &at) {
         const EntryFacts found = factsAt(at);
         return found.exists || found.link || Reservation::isTaken(share()->place(at));
     };
-    const bool seesNothing = std::none_of(std::begin(otherRights), std::end(otherRights),
-                                          [&](Right right) { return access.may(right, path); });
-    if (!share() || !seesNothing || !access.may(Right::Add, path) || !isTaken(path))
+    if (!share() || !onlyAdds(path) || !isTaken(path))
         return path;
     for (int number = 2; number < mostInOrder; ++number) {
         if (QByteArray numbered = numberedPath(path, number); !isTaken(numbered))

@@ -68,6 +68,9 @@ protected:
     /// request is refused.
     bool mayPutAt(const QByteArray &path);
 
+    /// Whether the visitor may add there, and nothing else.
+    bool onlyAdds(const QByteArray &path) const;
+
     /// Where a file that is sent to `path` is to stand. Who may add and nothing else is not to
     /// learn what is there, nor to be kept from leaving a file: it stands beside what has its name.
     QByteArray pathToAdd(const QByteArray &path) const;

@@ -50,7 +50,7 @@ QByteArray partFileName(const QByteArray &lines)
 void FormUpload::start()
 {
     const QByteArray &folder = exchange.path();
-    if (!mayPutAt(folder))
+    if (!isPermitted(Right::Add, folder))
         return;
     if (!exchange.namesFolder() || !factsAt(folder).folder)
         return exchange.refuse(Status::MethodNotAllowed, {}, { allowField(exchange) });
@@ -130,7 +130,7 @@ void FormUpload::bodySaved(BodyEnd end)
 {
     switch (end) {
     case BodyEnd::Whole:
-        return part && part->isFound() ? keep(true) : refuse(Status::BadRequest);
+        return part && part->isFound() ? keep(false) : refuse(Status::BadRequest);
     case BodyEnd::SinkFailed:
         return refuse(problem);
     case BodyEnd::Bad:

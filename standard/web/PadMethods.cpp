@@ -31,10 +31,14 @@ bool PadMethod::isOpenTo(Rights needed)
     return false;
 }
 
+/// Who may not read the text is not told either whether a guess of it is right.
 bool PadMethod::meetsPadConditions()
 {
     const ScratchPad &pad = exchange.service().scratchPad;
-    switch (judge(exchange.request(), { true, padTag(pad.text), pad.changed })) {
+    const bool isReader = exchange.access().may(Right::Read, {});
+    const Validators current =
+        isReader ? Validators{ true, padTag(pad.text), pad.changed } : Validators{ true, {}, 0 };
+    switch (judge(exchange.request(), current)) {
     case Verdict::Proceed:
         return true;
     case Verdict::NotModified:

@@ -4,6 +4,7 @@
 #include "tests/standard/StandardTest.h"
 #include "tests/support/Data.h"
 
+#include <QCryptographicHash>
 #include <QTest>
 
 namespace standard {
@@ -13,6 +14,11 @@ namespace {
 constexpr auto patchHeaders = "Content-Type: application/x-sabredav-partialupdate\r\n"
                               "X-Update-Range: append\r\n";
 constexpr auto formHeader = "Content-Type: application/x-www-form-urlencoded\r\n";
+constexpr auto partsHeader = "Content-Type: multipart/form-data; boundary=b\r\n";
+constexpr auto partsBody = "--b\r\nContent-Disposition: form-data; name=\"f\"; filename=\"c\""
+                           "\r\n\r\nC\r\n--b--\r\n";
+constexpr auto uploadHeaders = "Tus-Resumable: 1.0.0\r\nUpload-Length: 1\r\n"
+                               "Upload-Metadata: filename Yw==\r\n";
 constexpr auto propertyBody = "<propertyupdate xmlns=\"DAV:\"><set><prop><x xmlns=\"urn:x\"/>"
                               "</prop></set></propertyupdate>";
 
@@ -21,10 +27,10 @@ class SharedFolders : public StandardServer
 {
 public:
     SharedFolders()
-        : StandardServer(
-            { { "a", "a" }, { "b", "b" }, { "d/x", "d/x" }, { "e/x", "e/x" } },
-            withUploads(withVisitors(withPreviews(withArchives(withDav(fileRoutes()))))))
+        : StandardServer({ { "a", "a" }, { "b", "b" }, { "d/x", "d/x" }, { "e/x", "e/x" } },
+                         withWeb(withDav(fileRoutes())))
     {
+        profile->scratchPad = 1;
     }
 };
 
@@ -50,7 +56,6 @@ void TestRights::methodsTakeTheirRights_data()
 
     row("read a file", "GET", "/a", "", "", "read", 200);
     row("look at a file", "HEAD", "/a", "", "", "read", 200);
-    row("folder page", "GET", "/d/", "", "", "see", 200);
     row("way to a folder page", "GET", "/d", "", "", "see", 308);
     row("archive", "GET", "/d/?archive=zip", "", "", "see, read", 200);
     row("archive of some", "POST", "/d/?archive=zip", formHeader, "name=x", "see, read", 200);
@@ -63,6 +68,12 @@ void TestRights::methodsTakeTheirRights_data()
     row("replaced file", "PUT", "/a", "", "C", "change", 204);
     row("part of a file", "PATCH", "/a", patchHeaders, "C", "change", 204);
     row("new folder", "MKCOL", "/c", "", "", "add", 201);
+    row("file by a form", "POST", "/d/", partsHeader, partsBody, "add", 303);
+    row("file in pieces", "POST", "/.quillon/tus", uploadHeaders, "", "add", 201);
+    row("find", "PROPFIND", "/?contains=x", "Depth: infinity\r\n", "", "see", 207);
+    row("read the pad", "GET", "/.quillon/pad", "", "", "read", 200);
+    row("write on the pad", "PUT", "/.quillon/pad", "", "p", "add", 204);
+    row("delete for a moment", "DELETE", "/a", "Quillon-Undo: ?1\r\n", "", "delete", 204);
     row("delete a file", "DELETE", "/a", "", "", "delete", 204);
     row("delete a folder", "DELETE", "/d", "", "", "delete", 204);
     row("delete what is missing", "DELETE", "/c", "", "", "delete", 404);
@@ -120,6 +131,18 @@ void TestRights::whoOnlyAddsLearnsNothing()
     };
     QCOMPARE(allowed("/a"), QByteArray("OPTIONS, PUT, MKCOL"));
     QCOMPARE(allowed("/c"), allowed("/a"));
+    const RawReply box = replyTo(server, "GET", "/d/"); // a page to add by
+    QVERIFY(box.status() == "200 OK" && box.body.contains("<form") && !box.body.contains(">x<"));
+    server.profile->everyone = *rightsNamed("read, change, delete");
+    QCOMPARE(server.status("GET", "/d/"), 403);
+    server.profile->everyone = Rights(Right::Add);
+    for (const char *folder : { "/d", "/new" })
+        QCOMPARE(server.status("MKCOL", folder), 201);
+    QCOMPARE(server.status("PUT", "/.quillon/pad", "", "1234"), 204);
+    for (const char *guess : { "1234", "9" }) {
+        const QByteArray hash = QCryptographicHash::hash(guess, QCryptographicHash::Sha1).toHex();
+        QCOMPARE(server.status("PUT", "/.quillon/pad", "If-Match: \"" + hash + "\"\r\n", "x"), 412);
+    }
     // And leaves files beside those of others.
     for (const char *second : { "2", "3" })
         QCOMPARE(server.status("PUT", "/a", "If-None-Match: *\r\n", second), 201);
