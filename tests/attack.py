@@ -34,6 +34,13 @@ BULK = {
     "RANGES": lambda n: "GET /a.txt; Range: bytes=" + ",".join(["0-1"] * n),
     "PATH": lambda n: "GET /" + "a/" * (n // 2),
     "NESTED": lambda n: "PROPFIND /; Depth: 0;; " + "<a>" * n,
+    "PIPELINE": lambda n: "raw:" + r"GET /none HTTP/1.1\r\nHost: {host}:{port}\r\n\r\n" * n
+                          + r"GET /a.txt HTTP/1.1\r\nHost: {host}:{port}\r\nConnection: close\r\n\r\n",
+    "PART": lambda n: "POST /; Content-Type: multipart/form-data; boundary=b;; --b\r\nX: " + "x" * n,
+    "NAMES": lambda n: "POST /?archive=zip; Content-Type: application/x-www-form-urlencoded;; "
+                       + "&".join(["name=a.txt"] * n),
+    "GUESS": lambda n: "raw:" + (r"GET /a.txt HTTP/1.1\r\nHost: {host}:{port}\r\n"
+                                 r"Authorization: Basic YW5uYTp3cm9uZw==\r\n\r\n") * n,
     "IF": lambda n: "PUT /a.txt; If: " + "(<urn:x> [\"y\"])" * n + ";; x",
 }
 
