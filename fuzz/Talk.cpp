@@ -20,6 +20,7 @@ namespace {
 
 constexpr int maxEntries = 64; ///< of the share, before it is made anew
 constexpr int patience = 200; ///< ms for what is at work when the peer has said everything
+constexpr qint64 maxWaiting = 512; ///< bytes
 
 /// The peer's end of a connection as a string of bytes.
 class ScriptedSocket final : public Socket
@@ -29,8 +30,11 @@ public:
         : Socket(account)
         , toCome(std::move(script))
     {
-        // How large the pieces are: from single bytes to all at once.
-        step = toCome.isEmpty() ? 1 : 1 + int(quint8(toCome.at(0))) * 16;
+        // How large the pieces are, from single bytes to all at once, and how fast the peer takes
+        // what it gets.
+        const int first = toCome.isEmpty() ? 0 : int(quint8(toCome.at(0)));
+        step = 1 + first * 16;
+        isSlow = first % 2 == 0;
         toCome.remove(0, 1);
     }
 
@@ -43,6 +47,7 @@ public:
         arrived += toCome.left(step);
         toCome.remove(0, step);
         asked = false;
+        waiting -= std::min<qint64>(waiting, step);
         user->writable();
         if (!over)
             user->readable();
@@ -58,8 +63,8 @@ public:
     }
 
     bool canSend() const override { return !over; }
-    qint64 queued() const override { return 0; }
-    bool isCongested() const override { return false; }
+    qint64 queued() const override { return waiting; }
+    bool isCongested() const override { return waiting > maxWaiting; }
     void again() override { asked = true; }
     void endWriting() override { }
     void finish() override { ends = true; }
@@ -83,12 +88,24 @@ private:
         return size > 0 || !toCome.isEmpty() ? size : -1;
     }
 
-    bool send(const QByteArray &, bool) override { return !over; }
-    qint64 send(int, qint64, qint64 count) override { return over ? -1 : count; }
+    bool send(const QByteArray &bytes, bool) override
+    {
+        waiting += isSlow ? bytes.size() : 0;
+        return !over;
+    }
+
+    qint64 send(int, qint64, qint64 count) override
+    {
+        if (over || isCongested())
+            return over ? -1 : 0;
+        return isSlow ? std::min<qint64>(count, maxWaiting) : count;
+    }
 
     QByteArray toCome;
     QByteArray arrived;
     int step;
+    bool isSlow;
+    qint64 waiting = 0; ///< bytes that the peer has yet to take
     bool asked = false;
     bool ends = false;
     bool over = false;
@@ -136,16 +153,17 @@ struct World
     Directories directories;
 };
 
-void converse(ScriptedSocket &socket, const Connection &connection)
+void converse(ScriptedSocket &socket, const Face &face)
 {
     QElapsedTimer waited;
     waited.start();
     while (!socket.isOver() && !socket.isEnding()) {
-        const bool acts = !socket.hasSaidAll() || socket.isAsked();
+        const bool acts = !socket.hasSaidAll() || socket.isAsked() || socket.queued() > 0;
         if (acts)
             socket.advance();
         QCoreApplication::processEvents();
-        if (!acts && (connection.isIdle() || waited.elapsed() > patience))
+        const bool isOurTurn = face.awaits() == Awaits::Nothing;
+        if (!acts && (!isOurTurn || waited.elapsed() > patience))
             break;
     }
     if (!socket.isOver())
@@ -159,7 +177,13 @@ void talk(const FaceMaker &faces, const QByteArray &bytes)
     static World world;
     if (world.isWorn())
         world.fill();
-    Engine engine(faces, world.directories, nullptr, nullptr);
+    const Face *face = nullptr;
+    const FaceMaker seen = [&faces, &face](Connection &connection) {
+        std::unique_ptr<Face> made = faces(connection);
+        face = made.get();
+        return made;
+    };
+    Engine engine(seen, world.directories, nullptr, nullptr);
     const auto setup = engine.setup();
     Profile profile(world.directories);
     Service service{ *setup,
@@ -180,7 +204,7 @@ void talk(const FaceMaker &faces, const QByteArray &bytes)
     const Connection::Ended ended = [](Connection *) {};
     {
         Connection connection(1, std::move(owned), {}, service, ended);
-        converse(socket, connection);
+        converse(socket, *face);
     }
     QCoreApplication::processEvents();
 }

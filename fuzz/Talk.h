@@ -5,6 +5,6 @@
 #include <QByteArray>
 
 /// Has a peer say `bytes` to a server whose faces are made by `faces`, in pieces that the first
-/// bytes decide on, and take everything; then it goes. The share holds a few small files, which
-/// come back when a run took them away.
+/// byte decides on, and take everything, sooner or later; then it goes. The share holds a few small
+/// files, which come back when a run took them away.
 void talk(const FaceMaker &faces, const QByteArray &bytes);
