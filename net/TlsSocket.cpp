@@ -13,14 +13,17 @@
 namespace {
 
 constexpr qint64 readBufferSize = qint64(64) * 1024;
+constexpr char handshakeRecord = 22; ///< RFC 8446, section 5.1
+constexpr qint64 maxPlainHead = 4096; ///< bytes
 constexpr qint64 pieceSize = qint64(128) * 1024; ///< many records for one call and one wake-up
 
 } // namespace
 
-TlsSocket::TlsSocket(FileDescriptor accepted, const QSslConfiguration &identity, Poller *engine,
-                     TrafficAccount *counter)
+TlsSocket::TlsSocket(FileDescriptor accepted, const QSslConfiguration &identity, PlainAnswer answer,
+                     Poller *engine, TrafficAccount *counter)
     : Socket(counter)
     , poller(engine)
+    , plainAnswer(std::move(answer))
 {
     connect(&socket, &QIODevice::readyRead, this, &TlsSocket::arrived);
     connect(&socket, &QIODevice::bytesWritten, this, &TlsSocket::written);
@@ -36,7 +39,6 @@ TlsSocket::TlsSocket(FileDescriptor accepted, const QSslConfiguration &identity,
     socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
     socket.setReadBufferSize(readBufferSize);
     socket.setSslConfiguration(identity);
-    socket.startServerEncryption();
 }
 
 TlsSocket::~TlsSocket()
@@ -47,7 +49,7 @@ TlsSocket::~TlsSocket()
 
 qint64 TlsSocket::receive(char *data, qint64 max)
 {
-    const qint64 size = socket.read(data, max);
+    const qint64 size = isPlain() ? 0 : socket.read(data, max);
     return size <= 0 && ended ? -1 : size;
 }
 
@@ -106,10 +108,28 @@ void TlsSocket::countQueued()
 /// A write may decrypt what has arrived meanwhile: that is told once the writer is done.
 void TlsSocket::arrived()
 {
-    if (writing)
+    if (isPlain())
+        greet();
+    else if (writing)
         again();
     else
         user->readable();
+}
+
+/// Somebody typed "http:" before the address of a server that encrypts.
+void TlsSocket::greet()
+{
+    char first = 0;
+    if (ended || socket.peek(&first, 1) != 1)
+        return;
+    if (first == handshakeRecord)
+        return socket.startServerEncryption();
+    const QByteArray head = socket.peek(maxPlainHead);
+    if (!head.contains("\r\n\r\n") && head.size() < maxPlainHead)
+        return;
+    socket.readAll();
+    socket.write(plainAnswer(head));
+    socket.disconnectFromHost();
 }
 
 /// The toolkit tells it also inside a write; whoever writes goes on by itself.

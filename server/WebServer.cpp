@@ -5,6 +5,7 @@
 #include "net/PlainSocket.h"
 #include "net/TlsSocket.h"
 #include "server/MemoryTrim.h"
+#include "server/PlainGreeting.h"
 #include "server/StatusSink.h"
 #include "server/TrustedProxy.h"
 
@@ -209,8 +210,10 @@ std::unique_ptr<Socket> WebServer::makeSocket(FileDescriptor accepted, const QHo
 {
     TrafficAccount *account = &service.traffic;
     if (identity)
-        return std::make_unique<TlsSocket>(std::move(accepted), identity->configuration,
-                                           setup->poller, account);
+        return std::make_unique<TlsSocket>(
+            std::move(accepted), identity->configuration,
+            [this](const QByteArray &head) { return answerToPlain(head, *service.profile); },
+            setup->poller, account);
     return std::make_unique<PlainSocket>(std::move(accepted), peer, setup->poller, account);
 }
 

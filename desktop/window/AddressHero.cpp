@@ -48,7 +48,9 @@ std::optional<AddressCard> authorityCard(const ServerRow &row)
         row.profile()->usesTls() ? authorityFingerprint(row.profile()->publicKeyFile) : QString();
     if (fingerprint.isEmpty())
         return {};
-    return AddressCard{ row.url() + QLatin1Char('/') + QLatin1String(authorityPagePath),
+    // Browsers would warn of what is not trusted yet.
+    const QString unencrypted = row.url().replace(0, int(qstrlen("https")), QLatin1String("http"));
+    return AddressCard{ unencrypted + QLatin1Char('/') + QLatin1String(authorityPagePath),
                         AddressHero::tr("Once on each device: open this page, and install the "
                                         "certificate that it offers if the device shows the same "
                                         "fingerprint of it. Browsers don't warn from then on.")

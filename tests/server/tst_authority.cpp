@@ -20,6 +20,7 @@ private Q_SLOTS:
     void signsForPrivateNamesAlone();
     void renewsItsOwnAlone();
     void isThereForEveryone();
+    void isThereUnencrypted();
 
 private:
     QString file(const char *name) const { return keys.filePath(QLatin1String(name)); }
@@ -125,6 +126,35 @@ void TestAuthority::isThereForEveryone()
     QCOMPARE(get("/.quillon/ca", "curl/7").status().left(3), QByteArray("401"));
     live.profile->publicKeyFile = file("own.crt");
     QCOMPARE(get("/.quillon/ca", "gvfs/1").status(), QByteArray("404 Not Found"));
+}
+
+/// On a port that encrypts, beside the way to what is to be encrypted.
+void TestAuthority::isThereUnencrypted()
+{
+    LiveServer live;
+    live.addFile(QStringLiteral("a"), "secret");
+    live.profile->sslMode = Qt::Checked;
+    live.profile->privateKeyFile = file("server.key");
+    live.profile->publicKeyFile = file("server.crt");
+    live.start();
+    const auto get = [&live](const char *path) {
+        return RawClient(live.port()).exchange(rawRequest("GET", path));
+    };
+    QCOMPARE(get("/.quillon/ca").body, bytes("authority.crt"));
+    const RawReply way = get("/a?b");
+    QCOMPARE(way.status().left(3), QByteArray("307"));
+    QCOMPARE(way.header("Location"), QByteArray("https://localhost/a?b"));
+    live.profile->faceMode = FaceClassic;
+    QCOMPARE(get("/.quillon/ca").body, bytes("authority.crt"));
+    for (const char *none : { "GET /a HTTP/1.0\n\n", "DELETE /a HTTP/1.1\r\n\r\n",
+                              "GET /a HTTP/1.1\r\nHost: b\r\n\r\n", "\r\n\r\n" }) {
+        RawClient client(live.port());
+        client.send(none);
+        if (!QByteArray(none).contains("\r\n\r\n"))
+            client.socket->disconnectFromHost();
+        QCOMPARE(client.readToEnd(), QByteArray());
+    }
+    QCOMPARE(live.fileContent(QStringLiteral("a")), QByteArray("secret"));
 }
 
 QTEST_GUILESS_MAIN(TestAuthority)
