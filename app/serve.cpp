@@ -3,6 +3,7 @@
 #include "app/Console.h"
 #include "app/MemoryReserve.h"
 #include "app/Process.h"
+#include "app/Renewing.h"
 #include "app/ServerRules.h"
 #include "app/ServiceManager.h"
 #include "app/WorkingFolder.h"
@@ -376,6 +377,19 @@ void renewCertificate(Console *console, const Profile &profile)
     tool.wait();
 }
 
+/// From now on, while addresses come and go.
+std::unique_ptr<Renewing> keepRenewing(Console *console, WebServer &server, const Profile &profile)
+{
+    if (!profile.usesTls() || !KeyTool::canRenew(profile.publicKeyFile))
+        return nullptr;
+    auto renewing = std::make_unique<Renewing>(profile.publicKeyFile);
+    QObject::connect(renewing.get(), &Renewing::renewed, &server, &WebServer::reloadKeys);
+    QObject::connect(renewing.get(), &Renewing::failed, renewing.get(), [console] {
+        console->error(text("The certificate was not renewed for this computer's addresses."));
+    });
+    return renewing;
+}
+
 /// What visitors compare before they trust it. Without TLS nothing loads the libraries for it.
 void tellAuthority(Console *console, const Profile &profile)
 {
@@ -446,6 +460,7 @@ int serve(Console *console, const Options &options, const QString &path, Profile
                             "delete all of %1")
                            .arg(path));
     const FileDescriptor announcing = announce(console, server, *profile);
+    const std::unique_ptr<Renewing> renewing = keepRenewing(console, server, *profile);
     if (options.sandbox)
         confineServer(console, path, *profile);
     printAddresses(console, server, options.path);

@@ -5,6 +5,7 @@
 #include <QDBusUnixFileDescriptor>
 #include <QProcess>
 #include <QRegularExpression>
+#include <QSslSocket>
 
 #include <array>
 
@@ -39,8 +40,8 @@ bool isClosed(const FileDescriptor &lock)
 
 } // namespace
 
-/// The program with a window from its start to its end, on a small screen, with stand-ins for the
-/// rest of the desktop.
+/// In a network of its own: the program with a window from its start to its end, on a small screen,
+/// with stand-ins for the rest of the desktop; what needs addresses that come and go.
 class TestWindow : public QObject
 {
     Q_OBJECT
@@ -49,6 +50,7 @@ private Q_SLOTS:
     void initTestCase();
     void cleanupTestCase();
     void sharesFromAKeyPressToTheEnd();
+    void certificateFollowsTheAddresses();
 
 private:
     TestHome home;
@@ -136,6 +138,36 @@ void TestWindow::sharesFromAKeyPressToTheEnd()
     QCOMPARE(program.exitStatus(), QProcess::NormalExit);
     QCOMPARE(program.exitCode(), 0);
     QCOMPARE(login.calls.size(), 1);
+}
+
+/// Of a server that was confined before it had the address.
+void TestWindow::certificateFollowsTheAddresses()
+{
+    const QString keys = home.path() + "/.quillon"_q;
+    const QString maker = QCoreApplication::applicationDirPath() + "/make-keys.sh"_q;
+    QCOMPARE(QProcess::execute(maker, { keys, "server"_q }), 0);
+    home.storeProfile("tls"_q, [&keys](Profile &profile) {
+        profile.sslMode = Qt::Checked;
+        profile.privateKeyFile = keys + "/server.key"_q;
+        profile.publicKeyFile = keys + "/server.crt"_q;
+        profile.strict = 1;
+    });
+    QProcess server;
+    server.start(QStringLiteral(SERVE_PROGRAM),
+                 words("--profile tls --address 127.0.0.1 --port 9443"_q) << share.path());
+    QVERIFY(server.waitForReadyRead(5000));
+    const auto isServed = [](const QString &address) {
+        QSslSocket client;
+        client.setPeerVerifyMode(QSslSocket::VerifyNone);
+        client.connectToHostEncrypted("127.0.0.1"_q, 9443);
+        client.waitForEncrypted();
+        return client.peerCertificate().subjectAlternativeNames().values().contains(address);
+    };
+    QVERIFY(isServed("127.0.0.1"_q) && !isServed("10.1.2.3"_q));
+    QCOMPARE(QProcess::execute("ip"_q, words("addr add 10.1.2.3/24 dev near"_q)), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(isServed("10.1.2.3"_q), 15000);
+    server.terminate();
+    QVERIFY(server.waitForFinished(4000));
 }
 
 QTEST_GUILESS_MAIN(TestWindow)
