@@ -6,6 +6,7 @@ const isOver = new Set(['done', 'failed', 'skipped', 'cancelled']);
 
 export class Item {
   state = 'waiting'; // running, asking, retrying, paused, done, failed, skipped, cancelled
+  size = 0; // bytes, once it is measured
   sent = 0;
   moved = 0; // when the last bytes went out, in ms
   error = null;

@@ -22,7 +22,7 @@ const notes = {
 class Line {
   constructor(item, queue) {
     this.item = item;
-    this.bar = h('progress', { max: Math.max(1, item.file.size), value: 0, 'aria-label': shownName(item.name) });
+    this.bar = h('progress', { value: 0, 'aria-label': shownName(item.name) });
     this.note = h('span', { class: 'upload-note' });
     this.cancel = button(t('Cancel'), 'close', () => queue.cancel(item), { quiet: true });
     this.logIn = h('a', { class: 'upload-login', href: loginFor(item.folder), target: '_blank' }, t('Log in'));
@@ -31,16 +31,17 @@ class Line {
       this.note, this.logIn, this.retry, this.cancel, this.bar);
   }
 
-  #note({ state, error, sent, file }) {
+  #note({ state, error, sent, size: all }) {
     if (state === 'failed' || (state === 'retrying' && error?.status > 0))
       return reason(error);
-    return state === 'running' ? `${size(sent)} / ${size(file.size)}` : t(notes[state]);
+    return state === 'running' ? `${size(sent)} / ${size(all)}` : t(notes[state]);
   }
 
   update() {
     const { item } = this;
     this.element.dataset.state = item.state;
-    this.bar.value = item.file.size === 0 ? Number(item.state === 'done') : item.sent;
+    this.bar.max = Math.max(1, item.size);
+    this.bar.value = item.size === 0 ? Number(item.state === 'done') : item.sent;
     this.cancel.hidden = item.isOver;
     this.retry.hidden = item.state !== 'failed';
     const note = this.#note(item);
@@ -108,7 +109,7 @@ export class UploadPanel {
   #showTotal(items, isBusy, isPaused) {
     const wanted = items.filter(({ state }) => state !== 'cancelled' && state !== 'skipped');
     const sum = of => wanted.reduce((total, item) => total + of(item), 0);
-    const [all, sent] = [sum(({ file }) => file.size), sum(item => item.sent)];
+    const [all, sent] = [sum(item => item.size), sum(item => item.sent)];
     const done = items.filter(({ state }) => state === 'done').length;
     const speed = this.#pace.note(sent);
     this.total.max = Math.max(1, all);

@@ -8,6 +8,7 @@ import { Item } from './item.js';
 import { secondsOf, send } from './transfer.js';
 
 const atOnce = 4;
+const measuredFor = 8; // ms at a time
 const patience = 30000; // ms without a byte, and the connection counts as lost
 const pauses = [1, 2, 4, 8, 15, 30]; // seconds until a lost connection is tried again
 const passing = new Set([0, 401, 423, 429, 502, 503, 504]); // reasons that go away by themselves
@@ -25,7 +26,7 @@ export class Queue extends EventTarget {
     super();
     addEventListener('online', () => this.#retryNow());
     addEventListener('offline', () => this.#lose(() => true));
-    setInterval(() => this.#lose(item => item.sent < item.file.size && Date.now() - item.moved > patience), patience / 6);
+    setInterval(() => this.#lose(item => item.sent < item.size && Date.now() - item.moved > patience), patience / 6);
   }
 
   get isPaused() {
@@ -48,6 +49,20 @@ export class Queue extends EventTarget {
     });
     this.items.push(...items);
     this.#advance();
+    this.#measure(items);
+  }
+
+  // The browser waits for the disk to tell a size: thousands at once would stop the page.
+  async #measure(items) {
+    let pauseAt = performance.now() + measuredFor;
+    for (const item of items) {
+      item.size = item.file.size;
+      if (performance.now() > pauseAt) {
+        await new Promise(resolve => setTimeout(resolve));
+        pauseAt = performance.now() + measuredFor;
+      }
+    }
+    this.#tell();
   }
 
   // Of those without files nobody else would tell why they are missing.
@@ -105,6 +120,7 @@ export class Queue extends EventTarget {
     const goesOn = () => item.attempt === attempt && item.state === 'running';
     item.attempt = attempt;
     item.state = 'running';
+    item.size = item.file.size;
     item.error = null;
     item.moved = Date.now();
     try {
@@ -115,7 +131,7 @@ export class Queue extends EventTarget {
         file: item.file, folder: item.folder, name: item.name, replace: item.replace,
         onProgress: sent => {
           item.sent = sent;
-          attempt.isSent ||= sent === item.file.size;
+          attempt.isSent ||= sent === item.size;
           item.moved = Date.now();
           this.#tell();
         },
@@ -132,7 +148,7 @@ export class Queue extends EventTarget {
 
   #finish(item) {
     item.state = 'done';
-    item.sent = item.file.size;
+    item.sent = item.size;
     item.job = null;
     this.dispatchEvent(new CustomEvent('done', { detail: item.folder }));
   }
@@ -170,9 +186,9 @@ export class Queue extends EventTarget {
       this.#takeAnswer(item, answer, error);
   }
 
-  async #isArrived({ folder, name, file }) {
+  async #isArrived({ folder, name, file, size }) {
     const there = await factsOf(folder + encoded(name));
-    return there?.size === file.size && there.seconds === secondsOf(file);
+    return there?.size === size && there.seconds === secondsOf(file);
   }
 
   #takeAnswer(item, answer, error) {
