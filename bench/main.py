@@ -19,12 +19,13 @@ from pathlib import Path
 
 import share
 from measures import (crowd, dav, latency, listing, locks, memory, pages, previews, requests,
-                      soak, strain, transfers)
+                      soak, strain, transfers, webapp)
 from servers import NAMES, ROOT, Failure, Launcher
 from table import Results
 
 SUBJECTS = {subject.__name__.split(".")[-1]: subject for subject in (
-    transfers, requests, memory, latency, crowd, dav, locks, pages, previews, listing, strain, soak)}
+    transfers, requests, memory, latency, crowd, dav, locks, pages, previews, listing, webapp, strain,
+    soak)}
 USUAL = [name for name in SUBJECTS if name != "soak"]
 
 

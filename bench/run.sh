@@ -6,6 +6,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/../scripts/common.sh"
 
 "$ROOT/scripts/packages.sh" build bench
+install_node_modules
 build release quillon-serve quillon-preview make-profile
 [[ $* != *soak* ]] || build asan quillon-serve
 exec python3 -B "$ROOT/bench/main.py" "$@"

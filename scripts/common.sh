@@ -30,6 +30,18 @@ build() {
     cmake --build "$(build_folder "$preset")" ${1:+--target "$@"}
 }
 
+# What the folders of tests need from npm, unless it is there already.
+install_node_modules() {
+    local lock folder
+    for lock in "$ROOT"/tests/*/package-lock.json; do
+        folder=${lock%/*}
+        [[ -e $lock && ! $folder/node_modules/.package-lock.json -nt $lock ]] || continue
+        say "Installing what ${folder#"$ROOT"/} needs"
+        (cd "$folder" && npm ci --no-audit --no-fund) </dev/null
+        touch "$folder/node_modules/.package-lock.json"
+    done
+}
+
 build_folder() {
     case $1 in
     release) echo "$ROOT/build" ;;

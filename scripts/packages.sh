@@ -45,7 +45,7 @@ packages_of() {
         ;;
     bench)
         # Of Apache only the program, which brings no service along.
-        echo curl wrk python3 apache2-bin nginx libnginx-mod-http-dav-ext
+        echo curl wrk python3 apache2-bin nginx libnginx-mod-http-dav-ext chromium
         echo lighttpd lighttpd-mod-openssl lighttpd-mod-webdav
         ;;
     *) die "unknown group of packages: $1" ;;
