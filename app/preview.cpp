@@ -3,6 +3,7 @@
 #include "app/Sandbox.h"
 
 #include <QFile>
+#include <QThreadPool>
 
 #include <algorithm>
 #include <array>
@@ -54,6 +55,15 @@ bool setLimits()
         && ::prctl(PR_SET_PDEATHSIG, SIGKILL, 0, 0, 0) == 0;
 }
 
+/// Scaling waits for ever for a thread that can't be started: this one is before memory is short.
+void startScaler()
+{
+    QThreadPool *pool = QThreadPool::globalInstance();
+    pool->setMaxThreadCount(1);
+    pool->setExpiryTimeout(-1);
+    pool->start([] {});
+}
+
 /// A picture that takes a decoder over gets nothing by it but its own bytes and the place of its
 /// preview. Where the kernel can't do that, the limits have to do.
 void shutOut(QIODevice &picture)
@@ -89,6 +99,7 @@ ExitStatus convert(const QByteArray &kind)
         || !preview.open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered))
         return Refused;
     shutOut(picture);
+    startScaler();
     const QByteArray bytes = makePreview(picture, kind);
     return !bytes.isEmpty() && preview.write(bytes) == bytes.size() ? Made : Refused;
 }
