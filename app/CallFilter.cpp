@@ -26,10 +26,10 @@ constexpr const char *allowed[] = {
     "rt_sigaction", "rt_sigprocmask", "rt_sigreturn", "restart_syscall", "exit", "exit_group"
 };
 
-/// Libraries look for files that they can do without.
-constexpr const char *failing[] = { "open",       "openat",   "access", "faccessat",
-                                    "faccessat2", "stat",     "stat64", "lstat",
-                                    "lstat64",    "readlink", "statfs", "readlinkat" };
+/// Libraries look for files, and for a terminal, that they can do without.
+constexpr const char *failing[] = { "open",   "openat",     "access", "faccessat", "faccessat2",
+                                    "stat",   "stat64",     "lstat",  "lstat64",   "readlink",
+                                    "statfs", "readlinkat", "ioctl" };
 
 struct Release
 {

@@ -1,5 +1,8 @@
 #include "app/PreviewPicture.h"
 
+#include "app/HeifDecoder.h"
+#include "app/VideoDecoder.h"
+
 #include <QBuffer>
 #include <QImage>
 #include <QImageIOHandler>
@@ -8,6 +11,8 @@
 #include <QPixelFormat>
 
 #include <algorithm>
+#include <iterator>
+#include <string_view>
 
 namespace {
 
@@ -124,44 +129,74 @@ bool isTransparent(const QImage &picture)
     return false;
 }
 
+/// By what a format is decoded.
+enum class By {
+    Toolkit,
+    Heif, ///< or the toolkit where that has a plugin instead
+    Video
+};
+
 struct Format
 {
     const char *name; ///< of its decoder
-    const char *signature; ///< that its files have
-    int offset = 0; ///< bytes in front of that
+    std::string_view signature; ///< that its files have
+    std::size_t offset = 0; ///< bytes in front of that
+    By by = By::Toolkit;
 };
 
-/// Those of telephones and of the web need plugins that not every system has.
+/// The first that fits. Those of telephones and of the web need plugins or libraries that not every
+/// system has.
 constexpr Format formats[] = {
     { "png", "\x89PNG\r\n\x1a\n" },
     { "jpeg", "\xff\xd8" },
     { "gif", "GIF8" },
+    { "avi", "AVI ", 8, By::Video },
     { "webp", "RIFF" },
-    { "heic", "ftypheic", 4 },
-    { "heic", "ftypheix", 4 },
-    { "heic", "ftypmif1", 4 },
-    { "avif", "ftypavif", 4 },
+    { "heic", "ftyphei", 4, By::Heif },
+    { "heic", "ftyphev", 4, By::Heif },
+    { "heic", "ftypmif1", 4, By::Heif },
+    { "heic", "ftypmsf1", 4, By::Heif },
+    { "avif", "ftypavi", 4, By::Heif },
+    { "mov", "ftyp", 4, By::Video },
+    { "mov", "moov", 4, By::Video },
+    { "mov", "wide", 4, By::Video },
+    { "mov", "mdat", 4, By::Video },
+    { "matroska", "\x1a\x45\xdf\xa3", 0, By::Video },
+    { "ogg", "OggS", 0, By::Video },
+    { "mpeg", std::string_view("\0\0\1\xba", 4), 0, By::Video },
 };
 
-/// No other decoder gets to see the file.
-QByteArray formatOf(QIODevice &file)
+/// No other decoder gets to see the file. Null when there is none for it.
+const Format *formatOf(QIODevice &file)
 {
     constexpr int enough = 12;
-    const QByteArray start = file.peek(enough);
-    for (const Format &format : formats) {
-        if (start.mid(format.offset).startsWith(format.signature))
-            return format.name;
-    }
-    return {};
+    const QByteArray bytes = file.peek(enough).leftJustified(enough, '\0');
+    const std::string_view start(bytes.constData(), enough);
+    const auto fits = [start](const Format &format) {
+        return start.substr(format.offset, format.signature.size()) == format.signature;
+    };
+    const auto *found = std::find_if(std::begin(formats), std::end(formats), fits);
+    return found == std::end(formats) ? nullptr : found;
 }
 
 /// What is asked for by the ending of its name is of one of the two formats that endings stand for,
 /// though one may stand for the other.
 bool isDecoded(const QByteArray &format, const QByteArray &kind)
 {
-    if (isForLists(kind))
-        return format == "png" || format == "jpeg";
-    return !format.isEmpty();
+    return !isForLists(kind) || format == "png" || format == "jpeg";
+}
+
+Decoder loadDecoder(const Format &format)
+{
+    switch (format.by) {
+    case By::Toolkit:
+        return {};
+    case By::Heif:
+        return heifDecoder();
+    case By::Video:
+        return videoDecoder(format.name);
+    }
+    return {};
 }
 
 // Of ITU-T T.81, annex B.
@@ -241,6 +276,11 @@ QByteArray encoded(const QImage &picture, const char *format)
         : QByteArray();
 }
 
+QByteArray encoded(const QImage &picture)
+{
+    return encoded(picture, isTransparent(picture) ? "PNG" : "JPEG");
+}
+
 } // namespace
 
 bool isForLists(const QByteArray &kind)
@@ -248,28 +288,33 @@ bool isForLists(const QByteArray &kind)
     return kind == "png" || kind == "jpg";
 }
 
-void loadCodecs(QIODevice &file)
+Decoder loadCodecs(QIODevice &file, const QByteArray &kind)
 {
-    for (const QByteArray &format : { formatOf(file), QByteArray("jpeg") }) {
+    const Format *format = formatOf(file);
+    Decoder decoder = format && !isForLists(kind) ? loadDecoder(*format) : Decoder();
+    for (const QByteArray &name : { QByteArray(format ? format->name : ""), QByteArray("jpeg") }) {
         QBuffer nothing;
-        QImageReader reader(&nothing, format);
+        QImageReader reader(&nothing, name);
         reader.setAutoDetectImageFormat(false);
         static_cast<void>(reader.canRead());
     }
+    return decoder;
 }
 
-QByteArray makePreview(QIODevice &file, const QByteArray &kind)
+QByteArray makePreview(QIODevice &file, const QByteArray &kind, const Decoder &decoder)
 {
 #if QT_VERSION >= QT_VERSION_CHECK(6, 0, 0)
     // Its own limit is lower than ours; ours is checked below.
     QImageReader::setAllocationLimit(int(maxPreviewMemory / (1024 * 1024)));
 #endif
-    const QByteArray format = formatOf(file);
-    if (!isDecoded(format, kind))
+    const Format *format = formatOf(file);
+    if (!format || !isDecoded(format->name, kind))
         return {};
+    if (decoder)
+        return encoded(decoder(file, kind.toInt()));
     const bool whole = holdsWholeJpeg(file);
     file.seek(0);
-    QImageReader reader(&file, format);
+    QImageReader reader(&file, format->name);
     reader.setAutoDetectImageFormat(false);
     reader.setAutoTransform(true);
     if (!reader.canRead() || reader.size().isEmpty())
@@ -278,6 +323,5 @@ QByteArray makePreview(QIODevice &file, const QByteArray &kind)
         return encoded(previewOfPng(reader), "PNG");
     if (kind == "jpg")
         return encoded(previewOfJpg(reader, whole), "JPEG");
-    const QImage picture = previewWithin(reader, kind.toInt(), whole);
-    return encoded(picture, isTransparent(picture) ? "PNG" : "JPEG");
+    return encoded(previewWithin(reader, kind.toInt(), whole));
 }

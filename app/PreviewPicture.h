@@ -1,5 +1,7 @@
 #pragma once
 
+#include "app/Decoder.h"
+
 #include <QByteArray>
 #include <QtGlobal>
 
@@ -16,11 +18,12 @@ constexpr qint64 maxPreviewBytes = qint64(8) * 1024 * 1024; ///< of a finished o
 bool isForLists(const QByteArray &kind);
 
 /// Loads what `makePreview` needs for the picture in `file`, so that it opens no other any more.
-void loadCodecs(QIODevice &file);
+/// Gives what decodes it when that isn't the toolkit.
+Decoder loadCodecs(QIODevice &file, const QByteArray &kind);
 
 /// The preview of the picture in `file`, which is read from its start, turned as its camera was
 /// held. `kind` is "png" (as wide as the preview's size, in that format), "jpg" (fits into a square
 /// of that size), or a number: fits into a square of so many pixels, is never larger than the
-/// picture, and a PNG where that is transparent, else a JPEG. Empty when there is none. May throw
-/// std::bad_alloc.
-QByteArray makePreview(QIODevice &file, const QByteArray &kind);
+/// picture, and a PNG where that is transparent, else a JPEG. `decoder` is what `loadCodecs` gave.
+/// Empty when there is none. May throw std::bad_alloc.
+QByteArray makePreview(QIODevice &file, const QByteArray &kind, const Decoder &decoder = {});

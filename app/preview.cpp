@@ -66,9 +66,8 @@ void startScaler()
 
 /// A picture that takes a decoder over gets nothing by it but its own bytes and the place of its
 /// preview. Where the kernel can't do that, the limits have to do.
-void shutOut(QIODevice &picture)
+void shutOut()
 {
-    loadCodecs(picture);
     static_cast<void>(confine({}));
     static_cast<void>(forbidOtherCalls());
 }
@@ -98,9 +97,10 @@ ExitStatus convert(const QByteArray &kind)
     if (!picture.open(STDIN_FILENO, QIODevice::ReadOnly) || picture.isSequential()
         || !preview.open(STDOUT_FILENO, QIODevice::WriteOnly | QIODevice::Unbuffered))
         return Refused;
-    shutOut(picture);
+    const Decoder decoder = loadCodecs(picture, kind);
+    shutOut();
     startScaler();
-    const QByteArray bytes = makePreview(picture, kind);
+    const QByteArray bytes = makePreview(picture, kind, decoder);
     return !bytes.isEmpty() && preview.write(bytes) == bytes.size() ? Made : Refused;
 }
 

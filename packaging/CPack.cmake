@@ -27,8 +27,10 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "adduser, openssl")
 # Has servers found in the network.
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS avahi-daemon)
+# Decode videos, and the pictures of telephones.
+string(APPEND CPACK_DEBIAN_PACKAGE_SUGGESTS ", ffmpegthumbnailer, libheif1")
 if(QUILLON_QT EQUAL 5)
-  # Decode WebP, and the pictures of telephones.
+  # Decode WebP, and AVIF.
   string(APPEND CPACK_DEBIAN_PACKAGE_SUGGESTS ", qt5-image-formats-plugins, kimageformat-plugins")
 endif()
 if(QUILLON_DESKTOP)

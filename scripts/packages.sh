@@ -31,6 +31,8 @@ packages_of() {
         # Clients that are not ours, and a display that nobody looks at.
         echo curl wget cadaver rclone litmus davfs2 fuse3 chromium xvfb
         echo gvfs-backends libglib2.0-bin kde-cli-tools kio dbus
+        # Previews of videos and of telephones' pictures, and what makes one of these.
+        echo ffmpegthumbnailer libheif1 libheif-examples
         # A hand at the window, and a network for it.
         echo xdotool iproute2
         # Proxies to stand behind, and other file systems, in programs of their own.

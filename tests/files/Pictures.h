@@ -4,6 +4,9 @@
 #include <QByteArray>
 #include <QImage>
 #include <QImageWriter>
+#include <QtEndian>
+
+#include <initializer_list>
 
 /// A picture that does not compress well.
 inline QImage noise(int width, int height)
@@ -75,4 +78,43 @@ inline QByteArray withPngNotes(QByteArray png, int count)
     const QByteArray note =
         bigEndian(quint32(chunk.size()) - 4, 4) + chunk + bigEndian(crc32(chunk), 4);
     return png.insert(pngHeaderEnd, note.repeated(count));
+}
+
+/// The same HEIC to be seen after a turn to the left, which takes the place of how deep its colours
+/// are.
+inline QByteArray turned(QByteArray heic)
+{
+    return heic.replace(heic.indexOf("pixi"), 12, QByteArray("irot\1\0\0\0\0\0\0\0", 12));
+}
+
+inline QByteArray numbers(std::initializer_list<quint32> values)
+{
+    QByteArray bytes;
+    for (const quint32 value : values) {
+        const quint32 stored = qToLittleEndian(value);
+        bytes.append(reinterpret_cast<const char *>(&stored), sizeof stored);
+    }
+    return bytes;
+}
+
+inline QByteArray riffChunk(const QByteArray &name, const QByteArray &content)
+{
+    return name + numbers({ quint32(content.size()) }) + content
+        + QByteArray(content.size() % 2, '\0');
+}
+
+/// A video (AVI) of one second whose every frame is this JPEG.
+inline QByteArray video(const QByteArray &jpeg, quint32 width, quint32 height)
+{
+    constexpr quint32 frames = 25;
+    const QByteArray main = numbers({ 40000, 0, 0, 0, frames, 0, 1, 0, width, height, 0, 0, 0, 0 });
+    const QByteArray stream =
+        "vidsMJPG" + numbers({ 0, 0, 0, 1, frames, 0, frames, 0, 0, 0, 0, 0 });
+    const QByteArray format =
+        numbers({ 40, width, height, 0x180001 }) + "MJPG" + numbers({ 0, 0, 0, 0, 0 });
+    const QByteArray headers = riffChunk("avih", main)
+        + riffChunk("LIST", "strl" + riffChunk("strh", stream) + riffChunk("strf", format));
+    return riffChunk("RIFF",
+                     "AVI " + riffChunk("LIST", "hdrl" + headers)
+                         + riffChunk("LIST", "movi" + riffChunk("00dc", jpeg).repeated(frames)));
 }

@@ -4,7 +4,9 @@
 #include "tests/support/Data.h"
 #include "tests/support/Files.h"
 
+#include <QProcess>
 #include <QSignalSpy>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 
 #include <memory>
@@ -46,6 +48,8 @@ class TestPreviews : public QObject
 private Q_SLOTS:
     void makes_data();
     void makes();
+    void makesByLibraries_data();
+    void makesByLibraries();
     void replacedPictureIsAnother();
     void lookedAtGoesFirst();
     void helperIsNotTrusted();
@@ -63,6 +67,14 @@ private:
     {
         const QStringList names{ QLatin1String("quillon-*") };
         return QDir(folder).entryList(names, QDir::Dirs | QDir::NoSymLinks);
+    }
+
+    /// Empty where nothing makes one.
+    QByteArray heicOf(const QByteArray &jpeg) const
+    {
+        const QString from = addFile("telephone.jpg", jpeg);
+        QProcess::execute(QStringLiteral("heif-enc"), { from, QStringLiteral("-o"), at("heic") });
+        return QFile::exists(at("heic")) ? readFile(at("heic")) : QByteArray();
     }
 
     QTemporaryDir dir;
@@ -110,6 +122,52 @@ void TestPreviews::makes()
             QImage(previews.fileOf(idOf(path)), extension.toInt() ? nullptr : extension.constData())
                 .size(),
             size);
+}
+
+void TestPreviews::makesByLibraries_data()
+{
+    columnsOf<QString, QString, QByteArray, QSize>("tool", "library", "content", "size");
+    const QByteArray jpeg = encoded(noise(400, 300), "JPEG");
+    const QByteArray small = encoded(noise(80, 60), "JPEG");
+    const auto tool = QStringLiteral("ffmpegthumbnailer");
+    const auto library = QStringLiteral("libffmpegthumbnailer.so.4");
+    const QSize none;
+    row("a frame of a video", tool, library, video(jpeg, 400, 300), QSize(160, 120));
+    row("no larger than the video", tool, library, video(small, 80, 60), QSize(80, 60));
+    row("a video without a frame", tool, library, video("", 400, 300), none);
+    row("no video", tool, library, bigEndian(32, 4) + "ftypisom" + jpeg, none);
+    const auto heifTool = QStringLiteral("heif-enc");
+    const auto heif = QStringLiteral("libheif.so.1");
+    const QByteArray heic = heicOf(jpeg);
+    row("a HEIC", heifTool, heif, heic, QSize(160, 120));
+    row("a HEIC, turned", heifTool, heif, turned(heic), QSize(120, 160));
+    row("half a HEIC", heifTool, heif, heic.left(heic.size() / 2), none);
+}
+
+/// And where the library can't be loaded there is none.
+void TestPreviews::makesByLibraries()
+{
+    QFETCH(QString, tool);
+    QFETCH(QString, library);
+    QFETCH(QByteArray, content);
+    QFETCH(QSize, size);
+    if (QStandardPaths::findExecutable(tool).isEmpty())
+        QSKIP("its package is not installed");
+    const QString path = addFile("film", content);
+    for (const bool isThere : { true, false }) {
+        if (!isThere) {
+            writeFile(dir.filePath(QLatin1String("broken/") + library), {});
+            qputenv("LD_LIBRARY_PATH", QFile::encodeName(at("broken")));
+        }
+        Previews previews(program, folder);
+        const State state = size.isValid() && isThere ? State::Ready : State::Failed;
+        QCOMPARE(settled(previews, path, "160"), state);
+        if (state == State::Ready)
+            QCOMPARE(QImage(previews.fileOf(idOf(path))).size(), size);
+    }
+    qunsetenv("LD_LIBRARY_PATH");
+    Previews lists(program, folder);
+    QCOMPARE(settled(lists, path, "jpg"), State::Failed);
 }
 
 void TestPreviews::replacedPictureIsAnother()
