@@ -10,7 +10,7 @@ const mostAtOnce = 3; // a browser has six connections, and listings are to find
 const waiting = new Map(); // paths of previews by their elements
 const loading = new Set();
 
-export const hasPreview = entry => !entry.isFolder && endings.has(endingOf(entry.name));
+export const hasPreview = entry => !entry.isFolder && (entry.kind === 'video' || endings.has(endingOf(entry.name)));
 export const previewPath = (entry, pixels) => `${entry.path}?preview=${pixels}`;
 
 function loadNext() {
