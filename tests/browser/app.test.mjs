@@ -301,8 +301,14 @@ for (const screen of Object.keys(screens)) {
 
       await app.entry('letter.txt').focus();
       await app.page.keyboard.press('F2');
+      for (const [name, reason] of [['File 10.doc', 'The name is taken already.'], ['a/b', 'The name is not allowed here.']]) {
+        await app.page.locator('.rename').fill(name);
+        await app.page.keyboard.press('Enter');
+        await app.page.getByRole('alert').getByText(app.say(reason)).waitFor();
+        assert.equal(await app.page.locator('.rename:focus').inputValue(), name);
+      }
       await app.page.locator('.rename').fill('draft.txt');
-      await app.page.keyboard.press('Enter');
+      await app.page.getByRole('searchbox').focus();
       await app.entry('draft.txt').waitFor();
       await choose('draft.txt', 'Rename');
       await app.page.locator('.rename:focus').fill('note.txt');

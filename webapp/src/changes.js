@@ -43,22 +43,32 @@ async function withFreeName(folder, name, put, suffix = '') {
   throw new dav.DavError(412, folder + encoded(name));
 }
 
+// What no folder can hold reads as another path, or as one that is not there.
+const longestName = 255; // bytes
+const impossible = /[/\0]|^\.{1,2}$/;
+
+function pathOf(folder, name) {
+  if (impossible.test(name) || new TextEncoder().encode(name).length > longestName)
+    throw new dav.DavError(400, folder + encoded(name));
+  return folder + encoded(name);
+}
+
 export async function rename(entry, name) {
-  const to = parentOf(entry.path) + encoded(name) + suffixOf(entry);
+  const to = pathOf(parentOf(entry.path), name) + suffixOf(entry);
   await dav.move(entry.path, to);
   inform(t('Renamed to {name}', { name }));
   return to;
 }
 
 export async function newFolder(folder, name) {
-  const path = `${folder}${encoded(name)}/`;
+  const path = `${pathOf(folder, name)}/`;
   await dav.makeFolder(path);
   inform(t('Created: {name}', { name }));
   return path;
 }
 
 export async function newText(folder, name, text) {
-  const path = folder + encoded(name);
+  const path = pathOf(folder, name);
   await dav.put(path, text);
   inform(t('Created: {name}', { name }));
   return path;

@@ -4,10 +4,10 @@ import { archiveOf, downloadArchive, hasArchives } from './archive.js';
 import * as changes from './changes.js';
 import { askForName } from './dialog.js';
 import { h } from './dom.js';
-import { nameField } from './entry-view.js';
 import { showHelp } from './help.js';
 import { isViewable } from './kinds.js';
 import { showMenu } from './menu.js';
+import { NameEdit } from './name-edit.js';
 import { complain, reasonNote } from './notices.js';
 import { numbered } from './paths.js';
 import { noRights } from './rights.js';
@@ -27,6 +27,7 @@ const isTyping = () => document.querySelector('dialog[open]') !== null
 export class Commands {
   rights = noRights;
   #page;
+  #naming = null;
 
   // `page` is { folder, selection, grid, viewer, filterField, go(path) }.
   constructor(page) {
@@ -59,31 +60,18 @@ export class Commands {
       return;
     selection.clear();
     grid.focus(entry.path);
-    const field = nameField(grid.elementOf(entry.path), entry.name);
-    const before = field.value; // without breaks, which names may have
-    let isOver = false;
-    const end = async (isWanted, keepsFocus) => {
-      if (isOver)
-        return;
-      isOver = true;
-      const name = field.value;
-      field.remove();
+    this.#naming = new NameEdit(grid.elementOf(entry.path), entry.name, name => changes.rename(entry, name), (path, hadFocus) => {
       grid.renew();
-      if (keepsFocus)
+      if (hadFocus)
         grid.focus(entry.path);
-      if (isWanted && name.trim() && name !== before)
-        await this.#change(() => changes.rename(entry, name));
-    };
-    field.addEventListener('keydown', event => {
-      event.stopPropagation();
-      if (event.key === 'Enter' || event.key === 'Escape')
-        end(event.key === 'Enter', true);
+      if (path)
+        this.#change(() => path);
     });
-    field.addEventListener('blur', () => {
-      // A dialog gives the keyboard back, and so does another window.
-      if (document.activeElement !== field && !document.querySelector('dialog[open]'))
-        end(true, false);
-    });
+  }
+
+  // The visitor goes elsewhere.
+  endNaming() {
+    this.#naming?.end();
   }
 
   async #change(change) {

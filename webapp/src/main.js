@@ -89,6 +89,7 @@ class Page {
 
   async #open(path, known = null) {
     this.#leaveDropBox();
+    this.commands.endNaming();
     this.#lacksRights = false;
     this.selection.clear();
     this.filterField.value = '';
