@@ -29,7 +29,7 @@ packages_of() {
         ;;
     test)
         # Clients that are not ours, and a display that nobody looks at.
-        echo curl wget cadaver rclone litmus davfs2 fuse3 chromium xvfb
+        echo curl wget cadaver rclone litmus davfs2 fuse3 chromium firefox-esr xvfb
         echo gvfs-backends libglib2.0-bin kde-cli-tools kio dbus
         # Previews of videos and of telephones' pictures, and what makes one of these.
         echo ffmpegthumbnailer libheif1 libheif-examples
