@@ -5,6 +5,8 @@ import { createRequire } from 'node:module';
 import { join } from 'node:path';
 import { chromium } from 'playwright-core';
 import de from '../../webapp/src/texts/de.js';
+import es from '../../webapp/src/texts/es.js';
+import fr from '../../webapp/src/texts/fr.js';
 
 const { ARTEFACTS, CHROMIUM = '/usr/bin/chromium' } = process.env;
 const axe = createRequire(import.meta.url).resolve('axe-core/axe.min.js');
@@ -15,16 +17,19 @@ export const screens = {
   desktop: { viewport: { width: 1280, height: 800 }, locale: 'en-GB' },
 };
 
+export const languages = { de, es, fr };
+
 export class App {
   problems = []; // what the browser complained of
 
-  static async start(screen, url) {
+  static async start(screen, url, locale = screens[screen].locale) {
     const app = new App();
+    app.texts = languages[locale.slice(0, 2)] ?? {};
     app.url = url;
     app.screen = screen;
     await mkdir(ARTEFACTS, { recursive: true });
     app.browser = await chromium.launch({ executablePath: CHROMIUM, args: programArguments });
-    app.context = await app.browser.newContext({ ...screens[screen], acceptDownloads: true });
+    app.context = await app.browser.newContext({ ...screens[screen], locale, acceptDownloads: true });
     app.page = await app.context.newPage();
     app.page.setDefaultTimeout(10000);
     app.page.on('pageerror', error => app.problems.push(error.stack));
@@ -33,13 +38,20 @@ export class App {
     return app;
   }
 
-  say = text => (screens[this.screen].locale.startsWith('de') ? de[text] : text);
+  say = text => this.texts[text] ?? text;
   button = name => this.page.getByRole('button', { name: this.say(name), exact: true });
   press = name => this.button(name).click();
   dialog = name => this.page.getByRole('dialog', { name: this.say(name), exact: true });
   entry = name => this.page.locator(`.entry[aria-label^=${JSON.stringify(`${name},`)}]`);
   progress = name => this.page.getByRole('status', { name: this.say('Uploads') }).getByRole('progressbar', { name });
   entries = () => this.page.locator('.entry').evaluateAll(found => found.map(each => each.querySelector('.name').textContent));
+  // All words of the application itself, read or told.
+  words = () => this.page.evaluate(() => {
+    const of = element => [...['aria-label', 'title', 'placeholder'].map(name => element.getAttribute(name)),
+      ...[...element.childNodes].filter(node => node.nodeType === Node.TEXT_NODE).map(({ data }) => data)];
+    return [...document.querySelectorAll('body *:not(.entry, .entry *, kbd)')].flatMap(of).filter(text => text !== null && /\p{L}/u.test(text));
+  });
+
   async open(path = '') {
     await this.page.goto(this.url + path);
     await this.page.locator('.entry, .note:visible, .drop-box').first().waitFor();

@@ -7,12 +7,17 @@ import { randomBytes } from 'node:crypto';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { after, before, describe, it } from 'node:test';
-import { App, screens } from './app.mjs';
+import { App, languages, screens } from './app.mjs';
 import { Server } from './server.mjs';
 
 const { SERVE_PROGRAM, QUILLON_RESDIR } = process.env;
 const film = randomBytes(12 * 2 ** 20);
 const pixel = Buffer.from('iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAYAAAAfFcSJAAAADUlEQVR42mNk+M9QDwADhgGAWjR9awAAAABJRU5ErkJggg==', 'base64');
+// A tenth of a second of nothing: 8000 bytes a second.
+const silence = Buffer.concat([
+  Buffer.from('RIFF\x44\x03\0\0WAVEfmt \x10\0\0\0\x01\0\x01\0\x40\x1f\0\0\x40\x1f\0\0\x01\0\x08\0data\x20\x03\0\0', 'latin1'),
+  Buffer.alloc(800, 128),
+]);
 const hostile = [
   '<img src=x onerror=alert(1)>', '"quotes" & \'more\'', 'tab\tand\nbreak', '100%25 #1?.txt',
   `${'ü'.repeat(125)}.txt`, '\u202Egpj.exe', 'a;b=c.txt', 'C:',
@@ -63,6 +68,27 @@ it('takes files from who sees none', async () => {
   await server.removeFolder();
 });
 
+it('speaks four languages', async () => {
+  const server = await Server.start(SERVE_PROGRAM, QUILLON_RESDIR, 'standard');
+  await server.add('x');
+  const words = async locale => {
+    const app = await App.start('desktop', server.url, locale);
+    await app.open();
+    await app.page.keyboard.press('?');
+    await app.dialog('Keyboard').waitFor();
+    const shown = new Set(await app.words());
+    await app.browser.close();
+    return shown;
+  };
+  const english = await words('en-GB');
+  for (const [language, texts] of Object.entries(languages)) {
+    const others = await words(language);
+    assert.deepEqual([...english].filter(text => others.has(text) && texts[text] !== text), [], language);
+  }
+  await server.stop();
+  await server.removeFolder();
+});
+
 for (const screen of Object.keys(screens)) {
   describe(`the application on a ${screen}`, { timeout: 240000 }, () => {
     const isPhone = screen === 'phone';
@@ -86,11 +112,14 @@ for (const screen of Object.keys(screens)) {
     };
 
     before(async () => {
-      server = await Server.start(SERVE_PROGRAM, QUILLON_RESDIR, 'standard');
+      server = await Server.start(SERVE_PROGRAM, QUILLON_RESDIR, 'standard', 'scratch-pad = yes\n');
       outside = await mkdtemp(join(tmpdir(), 'quillon-files-'));
       await server.add('Album/one.png', pixel, 3);
       await server.add('Album/two.png', pixel, 2);
       await server.add('Album/words.txt', 'in the beginning', 1);
+      await server.add('Media/1.wav', silence);
+      await server.add('Media/2.mp4', 'x');
+      await server.add('Media/3.pdf', '%PDF-1.4');
       await server.add('File 10.doc', 'x', 9);
       await server.add('File 2.doc', 'xxx', 1);
       for (const name of hostile)
@@ -108,10 +137,10 @@ for (const screen of Object.keys(screens)) {
 
     it('shows a folder, as the visitor wants it', async () => {
       await app.open();
-      const folders = ['Album', 'Hostile', 'Many'];
+      const folders = ['Album', 'Hostile', 'Many', 'Media'];
       assert.deepEqual(await app.entries(), [...folders, 'File 2.doc', 'File 10.doc']);
       await app.page.getByRole('combobox').selectOption('size');
-      assert.deepEqual((await app.entries()).slice(3), ['File 10.doc', 'File 2.doc']);
+      assert.deepEqual((await app.entries()).slice(4), ['File 10.doc', 'File 2.doc']);
       await app.page.getByRole('combobox').selectOption('name');
       await app.press('Grid');
       await app.page.reload();
@@ -178,6 +207,40 @@ for (const screen of Object.keys(screens)) {
       await app.page.getByText('in the beginning').waitFor();
       await app.press('Close');
       await app.page.locator('.entry:focus').waitFor();
+    });
+
+    it('plays, and reads documents', async () => {
+      await app.page.route('**/2.mp4', () => {}); // for ever on its way
+      await app.open('Media/');
+      await app.entry('1.wav').click();
+      await app.page.locator('audio').waitFor();
+      await app.page.locator('video[src="/Media/2.mp4"]').waitFor(); // once the sound has ended
+      await app.press('Next');
+      await app.page.locator('iframe[src^="blob:"][title="3.pdf"]').waitFor();
+      await app.page.unroute('**/2.mp4');
+    });
+
+    it('looks at finds where they stand', async () => {
+      await app.open();
+      await app.page.getByRole('searchbox').fill('words');
+      await app.press('Search below this folder');
+      await app.entry('words.txt').locator('.open').click();
+      await app.page.getByText('in the beginning').waitFor();
+      assert.match(app.page.url(), /\/Album\/#words.txt$/);
+      await app.press('Close');
+      await app.button('Only this folder').waitFor();
+    });
+
+    it('keeps what was seen, and asks again, when nobody answers', async () => {
+      await app.page.route(/visitor/, route => route.abort(), { times: 1 });
+      await app.open('Album/');
+      await app.limitUpload(null);
+      await app.page.evaluate(() => dispatchEvent(new Event('online')));
+      await app.page.getByText(app.say('The connection is lost.')).waitFor();
+      await app.entry('one.png').waitFor();
+      await app.limitUpload(-1);
+      await app.press('Try again');
+      await app.button('New folder').waitFor();
     });
 
     it('takes a file, a folder and a choice', async () => {
@@ -339,6 +402,19 @@ for (const screen of Object.keys(screens)) {
       await eventually('something stays', () => left() === 0);
       await app.press('Undo');
       await eventually('something is gone for good', () => left() === all);
+    });
+
+    it('hands a text to others, and keeps what both wrote', async () => {
+      const pad = `${server.url}.quillon/pad`;
+      await app.open();
+      await app.press('Scratch pad');
+      await app.page.locator('#pad-field').fill('milk');
+      await fetch(pad, { method: 'PUT', body: 'bread' });
+      await app.press('Save');
+      assert.equal(await app.page.locator('#pad-theirs').inputValue(), 'bread');
+      await app.press('Save');
+      await app.page.getByText(app.say('Saved')).waitFor();
+      assert.equal(await (await fetch(pad)).text(), 'milk');
     });
 
     it('chooses several', async () => {
