@@ -292,6 +292,16 @@ for (const screen of Object.keys(screens)) {
       await arrives('Album/same (2).txt');
     });
 
+    it('knows its own empty file again when the answer was lost', async () => {
+      await app.open('Album/');
+      await app.page.route('**/empty.txt', async route => {
+        await route.fetch();
+        await route.abort();
+      }, { times: 1 });
+      await app.pick('Upload files', await file('empty.txt', ''));
+      await app.page.locator('.upload[data-state="done"]').getByText('empty.txt').waitFor();
+    });
+
     it('adds folders as they are, by choice and by drop', async () => {
       await mkdir(join(outside, 'Trip/day one'), { recursive: true });
       await file('Trip/day one/a.txt', 'a');

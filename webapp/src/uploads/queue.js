@@ -127,6 +127,7 @@ export class Queue extends EventTarget {
       await item.prepared();
       if (!goesOn())
         return;
+      attempt.isSent = item.file.size === 0; // nobody tells the progress of nothing
       item.job = send({
         file: item.file, folder: item.folder, name: item.name, replace: item.replace,
         onProgress: sent => {
