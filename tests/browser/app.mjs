@@ -17,6 +17,7 @@ export const screens = {
   desktop: { viewport: { width: 1280, height: 800 }, locale: 'en-GB' },
 };
 
+export const pixel = Buffer.from('iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAYAAAAfFcSJAAAADUlEQVR42mNk+M9QDwADhgGAWjR9awAAAABJRU5ErkJggg==', 'base64');
 export const languages = { de, es, fr };
 
 export class App {

@@ -7,12 +7,11 @@ import { randomBytes } from 'node:crypto';
 import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { after, before, describe, it } from 'node:test';
-import { App, languages, screens } from './app.mjs';
+import { App, languages, pixel, screens } from './app.mjs';
 import { Server } from './server.mjs';
 
 const { SERVE_PROGRAM, QUILLON_RESDIR } = process.env;
 const film = randomBytes(12 * 2 ** 20);
-const pixel = Buffer.from('iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAYAAAAfFcSJAAAADUlEQVR42mNk+M9QDwADhgGAWjR9awAAAABJRU5ErkJggg==', 'base64');
 // A tenth of a second of nothing: 8000 bytes a second.
 const silence = Buffer.concat([
   Buffer.from('RIFF\x44\x03\0\0WAVEfmt \x10\0\0\0\x01\0\x01\0\x40\x1f\0\0\x40\x1f\0\0\x01\0\x08\0data\x20\x03\0\0', 'latin1'),

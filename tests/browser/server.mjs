@@ -7,14 +7,29 @@ import { tmpdir } from 'node:os';
 import { dirname, join } from 'node:path';
 import { createInterface } from 'node:readline';
 
+// A profile that asks for the name and the password of `account`, "name:password": its values in the
+// order and the form of the program's file.
+function profileFor(account) {
+  const number = value => {
+    const bytes = Buffer.alloc(4);
+    bytes.writeInt32BE(value);
+    return bytes;
+  };
+  const text = value => Buffer.concat([number(value.length * 2), Buffer.from(value, 'utf16le').swap16()]);
+  const before = [8080, 0].map(number); // the port, no encryption
+  const after = [2, 2, 2, 2, 2, 2, 0, 4, 0, 600].map(number); // all is allowed; who asks needs a login
+  return Buffer.concat([number(1), text(account), number(0), ...before, Buffer.of(0), ...after,
+    ...Array(7).fill(text('')), Buffer.of(1), number(314)]);
+}
+
 export class Server {
   #folder;
   #process;
   #command;
 
   // Starts `program`; `resources` is the folder with its icons, `mode` says whom it answers how,
-  // `rules` are lines of the profile's text file.
-  static async start(program, resources, mode = 'auto', rules = '') {
+  // `rules` are lines of the profile's text file; where there is an `account`, all must log in.
+  static async start(program, resources, mode = 'auto', rules = '', account = null) {
     const server = new Server();
     server.#folder = await mkdtemp(join(tmpdir(), 'quillon-browser-'));
     server.share = join(server.#folder, 'share');
@@ -22,6 +37,8 @@ export class Server {
     await mkdir(server.share);
     await mkdir(join(server.home, '.quillon'), { recursive: true });
     await writeFile(join(server.home, '.quillon/Global.conf.ini'), rules);
+    if (account)
+      await writeFile(join(server.home, '.quillon/Global.conf'), profileFor(account));
     server.#command = { program, resources, mode };
     await server.#run(0);
     return server;

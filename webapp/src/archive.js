@@ -1,7 +1,8 @@
 // Folders and selections as one file, where the server makes it.
 
+import { ensureSession } from './dav.js';
 import { h } from './dom.js';
-import { inform } from './notices.js';
+import { complain, inform } from './notices.js';
 import { parentOf } from './paths.js';
 import { t } from './texts.js';
 
@@ -14,7 +15,8 @@ const unsendable = /[\r\n\ufffd]/;
 export const hasArchives = () => isThere;
 export const archiveOf = folder => folder.path + query;
 
-function post(folder, names) {
+async function post(folder, names) {
+  await ensureSession();
   // In a tab of its own, which a download closes at once: what the server refuses doesn't replace the page.
   const form = h('form', { method: 'post', action: folder + query, target: '_blank', hidden: true },
     ...names.map(name => h('input', { type: 'hidden', name: 'name', value: name })));
@@ -32,5 +34,5 @@ export function downloadArchive(entries) {
   else if (unsent)
     inform(t('This name can’t be put into an archive: {name}', { name: unsent.label }));
   else
-    post(folder, entries.map(({ name }) => name));
+    post(folder, entries.map(({ name }) => name)).catch(error => complain(error, () => downloadArchive(entries)));
 }

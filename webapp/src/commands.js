@@ -11,14 +11,8 @@ import { NameEdit } from './name-edit.js';
 import { complain, reasonNote } from './notices.js';
 import { numbered } from './paths.js';
 import { noRights } from './rights.js';
+import { save } from './save.js';
 import { t } from './texts.js';
-
-function download(entry) {
-  const link = h('a', { href: entry.path, download: entry.name, hidden: true });
-  document.body.append(link);
-  link.click();
-  link.remove();
-}
 
 // Somebody writes, or is asked something.
 const isTyping = () => document.querySelector('dialog[open]') !== null
@@ -50,7 +44,7 @@ export class Commands {
     else if (isViewable(entry))
       this.#page.viewer.open(entry);
     else
-      download(entry);
+      save(entry.path, entry.name);
   }
 
   // In place, where the entry stands.
@@ -148,7 +142,7 @@ export class Commands {
     if (hasArchives() && (entries.length > 1 || entries[0].isFolder))
       downloadArchive(entries);
     else
-      entries.forEach(download);
+      entries.forEach(({ path, name }) => save(path, name));
   }
 
   menu(entry, anchor = this.#page.grid.elementOf(entry.path), point = null) {

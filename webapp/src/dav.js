@@ -1,7 +1,8 @@
 // What the page asks of its server, by WebDAV. Every failure is a DavError.
 
 import { failedStatus, ListingReader } from './multistatus.js';
-import { inQuery, ownRequest, reserved } from './paths.js';
+import { inQuery, ownRequest, reserved, root } from './paths.js';
+import { offerLogin } from './session.js';
 
 // Takes the place of a status when a file of the visitor's own can't be read any more.
 export const unreadable = -1;
@@ -16,23 +17,38 @@ export class DavError extends Error {
 
 const wanted = '<propfind xmlns="DAV:"><prop><resourcetype/><getcontentlength/><getlastmodified/></prop></propfind>';
 
+// Who has to log in anew may be led to a page.
+const isRefused = reply => reply.status === 401 || reply.type === 'opaqueredirect';
+
+let admitted = performance.now(); // when the server last did what it was asked for
+
 async function ask(method, path, headers = {}, body = undefined, signal = undefined) {
+  const send = () => fetch(path, {
+    method, headers: { ...ownRequest, ...headers }, body, signal, redirect: 'manual', cache: 'no-store',
+  });
   let reply;
   try {
-    reply = await fetch(path, {
-      method, headers: { ...ownRequest, ...headers }, body, signal, redirect: 'manual', cache: 'no-store',
-    });
+    reply = await send();
+    if (isRefused(reply) && await offerLogin())
+      reply = await send();
   } catch (error) {
     if (error.name === 'AbortError')
       throw error;
     throw new DavError(0, path);
   }
-  // Who has to log in anew is led to a page.
-  if (reply.type === 'opaqueredirect')
-    throw new DavError(401, path);
   if (!reply.ok)
-    throw new DavError(reply.status, path);
+    throw new DavError(isRefused(reply) ? 401 : reply.status, path);
+  admitted = performance.now();
   return reply;
+}
+
+const trust = 10000; // ms
+
+// What elements, links and forms ask for can't say that a page is behind it: once the session has
+// ended, the browser would ask for a password in its own way. `isDoubted` when something was refused.
+export async function ensureSession(isDoubted = false) {
+  if (isDoubted || performance.now() - admitted > trust)
+    await visitorAt(root);
 }
 
 // The entries of a folder, without itself.

@@ -13,10 +13,11 @@ import { Viewer } from './look/viewer.js';
 import { lostBar } from './lost-bar.js';
 import { readPage } from './multistatus.js';
 import { notices, reason } from './notices.js';
-import { isBelow, loginFor, root } from './paths.js';
+import { isBelow, root } from './paths.js';
 import { Pointer } from './pointer.js';
 import { rightsIn } from './rights.js';
 import { Selection } from './selection.js';
+import { logIn, session } from './session.js';
 import { setting, showScheme } from './settings.js';
 import { language, t } from './texts.js';
 import { Toolbar } from './toolbar.js';
@@ -46,6 +47,10 @@ class Page {
     this.folder.addEventListener('change', () => this.#changed());
     this.folder.addEventListener('answered', () => this.#lacksRights && this.#findRights(this.folder.path));
     addEventListener('online', () => this.#comeBack());
+    session.addEventListener('resumed', () => {
+      this.#lacksRights = true; // it may be somebody else
+      this.#comeBack();
+    });
     addEventListener('popstate', () => this.#follow());
     this.crumbs.element.addEventListener('click', event => this.#crumbClicked(event));
   }
@@ -152,7 +157,7 @@ class Page {
       return [h('p', { class: 'loading' }, t('Loading …'))];
     if (error?.status === 401)
       return [icon('logOut'), h('p', { role: 'alert' }, reason(error)),
-        h('a', { class: 'button main', href: loginFor(path), target: '_blank' }, t('Log in')), this.#again(path)];
+        button(t('Log in'), null, logIn, { class: 'button main' }), this.#again(path)];
     if (error)
       return [icon('help'), h('p', { role: 'alert' }, reason(error)), this.#again(path)];
     if (words)

@@ -1,6 +1,7 @@
 // What can be done with one entry, beside it.
 
 import { h, icon } from './dom.js';
+import { saveByLink } from './save.js';
 
 let open = null;
 
@@ -38,7 +39,10 @@ export function showMenu(entry, items, anchor, point) {
   let chosen = null;
   const menu = h('dialog', { class: 'menu', 'aria-label': entry.label, onkeydown: event => walk(event, menu) },
     ...items.map(({ text, picture, run, href }) => (href
-      ? h('a', { href, download: '', onclick: () => menu.close() }, icon(picture), text)
+      ? h('a', { href, download: '', onclick: event => {
+        menu.close();
+        saveByLink(event);
+      } }, icon(picture), text)
       : h('button', { type: 'button', onclick: () => {
         chosen = run;
         menu.close();

@@ -3,7 +3,8 @@
 import { unreadable } from './dav.js';
 import { button, h } from './dom.js';
 import { shownName } from './entry.js';
-import { decoded, lastSegment, loginFor } from './paths.js';
+import { decoded, lastSegment } from './paths.js';
+import { logIn } from './session.js';
 import { t } from './texts.js';
 
 const shownFor = 6000; // ms
@@ -67,9 +68,9 @@ const reasons = {
 
 export const reason = ({ status }) => t(reasons[status] ?? 'The server could not do it.');
 
-// The reason in a dialog, which keeps what was typed: who has to log in does so beside it.
+// The reason where what was typed is kept.
 export const reasonNote = error => h('p', { role: 'alert' }, reason(error), error.status === 401 && ' ',
-  error.status === 401 && h('a', { href: loginFor(location.pathname), target: '_blank' }, t('Log in')));
+  error.status === 401 && button(t('Log in'), null, logIn));
 
 const withSubject = error => (error.subject ? `${shownName(decoded(lastSegment(error.subject)))}: ` : '') + reason(error);
 
@@ -84,7 +85,7 @@ export function complain(error, retry) {
   if (!('status' in error))
     throw error;
   if (error.status === 401)
-    return show(urgent, reason(error), { text: t('Log in'), run: () => location.assign(loginFor(location.pathname)) });
+    return show(urgent, reason(error), { text: t('Log in'), run: async () => await logIn() && retry?.() });
   const text = error.all?.length > 1 ? reasonsOf(error.all) : withSubject(error);
   show(urgent, text, retry && { text: t('Try again'), run: retry });
 }

@@ -11,9 +11,6 @@ export const ownRequest = { 'X-Requested-With': 'Quillon' };
 // A path as a value in a query, where these two mean something else.
 export const inQuery = path => path.replaceAll('&', '%26').replaceAll('+', '%2B');
 
-// Where the visitor logs in, to come back to a folder.
-export const loginFor = folder => `${reserved}login?next=${inQuery(folder.slice(root.length - 1))}`;
-
 const bytes = new TextEncoder();
 const lenient = new TextDecoder('utf-8', { ignoreBOM: true });
 

@@ -1,5 +1,6 @@
 // Small pictures of files, which the server makes.
 
+import { ensureSession } from './dav.js';
 import { h } from './dom.js';
 import { endingOf } from './kinds.js';
 
@@ -19,7 +20,18 @@ function loadNext() {
       return;
     waiting.delete(picture);
     loading.add(picture);
-    picture.src = path;
+    load(picture, path);
+  }
+}
+
+async function load(picture, path) {
+  try {
+    await ensureSession();
+    if (loading.has(picture))
+      picture.src = path;
+  } catch {
+    picture.remove();
+    ended(picture);
   }
 }
 

@@ -1,9 +1,10 @@
 // What is shown of films, sounds, texts and documents, until a signal ends it.
 
-import { readBlob, readText } from '../dav.js';
+import { ensureSession, readBlob, readText } from '../dav.js';
 import { h, icon } from '../dom.js';
 import { size } from '../format.js';
 import { reason } from '../notices.js';
+import { saveByLink } from '../save.js';
 import { t } from '../texts.js';
 
 const mostText = 2 ** 20; // bytes
@@ -11,11 +12,11 @@ const told = new Set([0, 401, 403, 404]); // statuses that say more than that it
 
 function failed(stage, entry, text = t('This file can’t be shown here.')) {
   stage.replaceChildren(h('div', { class: 'stage-note' }, icon(entry.kind), h('p', {}, text),
-    h('a', { class: 'button main', href: entry.path, download: '' }, t('Download'))));
+    h('a', { class: 'button main', href: entry.path, download: '', onclick: saveByLink }, t('Download'))));
 }
 
 // Gives what is done about errors, unless the signal has come meanwhile.
-const failure = (stage, entry, signal) => error => signal.aborted || failed(stage, entry, reason(error));
+export const failure = (stage, entry, signal) => error => signal.aborted || failed(stage, entry, reason(error));
 
 // Elements don't say why: the server does.
 export async function explain(stage, entry, signal) {
@@ -26,10 +27,11 @@ export async function explain(stage, entry, signal) {
 
 export function showMedia(stage, entry, signal, step) {
   const tag = entry.kind === 'video' ? 'video' : 'audio';
-  const player = h(tag, { class: 'player', src: entry.path, controls: true, autoplay: true, playsinline: true, 'aria-label': entry.label });
+  const player = h(tag, { class: 'player', controls: true, autoplay: true, playsinline: true, 'aria-label': entry.label });
   player.addEventListener('ended', () => step(1), { signal });
   player.addEventListener('error', () => explain(stage, entry, signal), { signal });
   stage.append(...entry.kind === 'sound' ? [h('div', { class: 'sound-face' }, icon('sound'))] : [], player);
+  ensureSession().then(() => signal.aborted || (player.src = entry.path), failure(stage, entry, signal));
   signal.addEventListener('abort', () => {
     player.removeAttribute('src');
     player.load();

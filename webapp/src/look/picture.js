@@ -1,9 +1,10 @@
 // A picture that fingers and wheel enlarge and move, and that is swiped aside.
 
+import { ensureSession } from '../dav.js';
 import { h } from '../dom.js';
 import { isForeignPicture } from '../kinds.js';
 import { hasPreview, previewPath } from '../previews.js';
-import { explain } from './contents.js';
+import { explain, failure } from './contents.js';
 
 const largest = 8; // times
 const swipe = 60; // px
@@ -110,6 +111,7 @@ async function shows(picture, path, signal) {
 
 // A picture is preceded by its preview, which takes the same place.
 async function load(picture, entry, signal) {
+  await ensureSession();
   const isPreceded = hasPreview(entry) && await shows(picture, previewPath(entry, 1280), signal);
   if (signal.aborted || (isPreceded && isForeignPicture(entry.name)))
     return true;
@@ -124,5 +126,5 @@ export function showPicture(stage, entry, signal, step) {
   const picture = h('img', { class: 'picture', alt: entry.label, draggable: 'false' });
   stage.append(picture);
   new Zoom(stage, picture, step);
-  load(picture, entry, signal).then(isShown => isShown || explain(stage, entry, signal));
+  load(picture, entry, signal).then(isShown => isShown || explain(stage, entry, signal), failure(stage, entry, signal));
 }

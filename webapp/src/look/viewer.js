@@ -4,6 +4,7 @@
 import { button, cutName, h, icon } from '../dom.js';
 import { isViewable } from '../kinds.js';
 import { lastSegment, parentOf } from '../paths.js';
+import { saveByLink } from '../save.js';
 import { t } from '../texts.js';
 import { showDocument, showMedia, showText } from './contents.js';
 import { showPicture } from './picture.js';
@@ -32,7 +33,7 @@ export class Viewer {
   #build() {
     this.title = h('h2', { class: 'viewer-title' });
     this.stage = h('div', { class: 'stage' });
-    this.save = h('a', { class: 'button quiet', download: '', 'aria-label': t('Download'), title: t('Download') }, icon('download'));
+    this.save = h('a', { class: 'button quiet', download: '', onclick: saveByLink, 'aria-label': t('Download'), title: t('Download') }, icon('download'));
     this.before = button(t('Previous'), 'back', () => this.step(-1), { quiet: true });
     this.after = button(t('Next'), 'next', () => this.step(1), { quiet: true });
     this.dialog = h('dialog', { class: 'viewer', 'aria-label': t('View'), onkeydown: event => this.#pressed(event) },

@@ -5,7 +5,7 @@ import { button, cutName, h } from '../dom.js';
 import { shownName } from '../entry.js';
 import { duration, number, pace, size } from '../format.js';
 import { reason } from '../notices.js';
-import { loginFor } from '../paths.js';
+import { logIn } from '../session.js';
 import { t } from '../texts.js';
 import { Pace } from './pace.js';
 import { forget, interrupted } from './transfer.js';
@@ -25,7 +25,7 @@ class Line {
     this.bar = h('progress', { value: 0, 'aria-label': shownName(item.name) });
     this.note = h('span', { class: 'upload-note' });
     this.cancel = button(t('Cancel'), 'close', () => queue.cancel(item), { quiet: true });
-    this.logIn = h('a', { class: 'upload-login', href: loginFor(item.folder), target: '_blank' }, t('Log in'));
+    this.logIn = button(t('Log in'), null, logIn, { class: 'button upload-login' });
     this.retry = button(t('Try again'), 'retry', () => queue.retry(item), { quiet: true });
     this.element = h('li', { class: 'upload' }, h('div', { class: 'upload-name' }, cutName(shownName(item.name))),
       this.note, this.logIn, this.retry, this.cancel, this.bar);

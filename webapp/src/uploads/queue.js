@@ -2,8 +2,9 @@
 // "done" with the path of a folder when a file has come to it, and "foldersMissing" with { error, retry }
 // of empty ones.
 
-import { DavError, factsOf, makeFolder, unreadable } from '../dav.js';
+import { DavError, ensureSession, factsOf, makeFolder, unreadable } from '../dav.js';
 import { encoded } from '../paths.js';
+import { session } from '../session.js';
 import { Item } from './item.js';
 import { secondsOf, send } from './transfer.js';
 
@@ -25,6 +26,7 @@ export class Queue extends EventTarget {
   constructor() {
     super();
     addEventListener('online', () => this.#retryNow());
+    session.addEventListener('resumed', () => this.#retryNow());
     addEventListener('offline', () => this.#lose(() => true));
     setInterval(() => this.#lose(item => item.sent < item.size && Date.now() - item.moved > patience), patience / 6);
   }
@@ -121,13 +123,15 @@ export class Queue extends EventTarget {
     item.attempt = attempt;
     item.state = 'running';
     item.size = item.file.size;
+    const isDoubted = item.error?.status === 401;
     item.error = null;
     item.moved = Date.now();
     try {
+      await ensureSession(isDoubted);
       await item.prepared();
       if (!goesOn())
         return;
-      attempt.isSent = item.file.size === 0; // nobody tells the progress of nothing
+      attempt.isSent = item.size === 0; // nobody tells the progress of nothing
       item.job = send({
         file: item.file, folder: item.folder, name: item.name, replace: item.replace,
         onProgress: sent => {
