@@ -228,6 +228,15 @@ for (const screen of Object.keys(screens)) {
       assert.match(app.page.url(), /\/Album\/#words.txt$/);
       await app.press('Close');
       await app.button('Only this folder').waitFor();
+      assert.match(app.page.url(), /:\d+\/#\?find=words$/);
+      await app.page.reload();
+      await app.entry('words.txt').waitFor();
+      await app.page.goBack();
+      await app.entry('Album').waitFor();
+      await app.page.goForward();
+      await app.entry('words.txt').waitFor();
+      await app.press('Only this folder');
+      assert.equal(new URL(app.page.url()).hash, '');
     });
 
     it('keeps what was seen, and asks again, when nobody answers', async () => {

@@ -8,11 +8,11 @@ export class FindBar {
   #folder;
   #field;
 
-  // `field` is that of the filter, which may be ahead of the folder.
-  constructor(folder, field) {
+  // `field` is that of the filter, which may be ahead of the folder; `find(words)` begins a search.
+  constructor(folder, field, find) {
     this.#folder = folder;
     this.#field = field;
-    this.find = button(t('Search below this folder'), 'search', () => folder.findBelow(field.value));
+    this.find = button(t('Search below this folder'), 'search', () => find(field.value));
     this.stay = button(t('Only this folder'), 'close', () => folder.filter(folder.words));
     this.note = h('span', { role: 'status' });
     this.element = h('div', { class: 'find-bar', hidden: true }, this.find, this.note, this.stay);

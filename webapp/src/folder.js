@@ -1,5 +1,6 @@
 // The folder that is looked at: its entries, and which of them are shown in which order. Tells
-// "change" when they are others, or can't be had.
+// "change" when they are others, or can't be had, and "back" when they are those of the folder itself after
+// a search.
 
 import { find, list } from './dav.js';
 import { throttled } from './dom.js';
@@ -102,9 +103,12 @@ export class Folder extends EventTarget {
 
   // Other words are for the folder itself.
   filter(words) {
+    const wasSearch = this.search !== null;
     this.#words = words;
     this.#endSearch();
     this.arrange();
+    if (wasSearch)
+      this.dispatchEvent(new Event('back'));
   }
 
   #endSearch() {

@@ -13,7 +13,7 @@ import { Viewer } from './look/viewer.js';
 import { lostBar } from './lost-bar.js';
 import { readPage } from './multistatus.js';
 import { notices, reason } from './notices.js';
-import { isBelow, root } from './paths.js';
+import { isBelow, root, searchAddress, searchedIn } from './paths.js';
 import { Pointer } from './pointer.js';
 import { rightsIn } from './rights.js';
 import { Selection } from './selection.js';
@@ -45,6 +45,10 @@ class Page {
     new Pointer(this.grid, this.folder, this.selection, this.commands);
     new Drag(this.grid, this.crumbs.element, this.folder, this.commands);
     this.folder.addEventListener('change', () => this.#changed());
+    this.folder.addEventListener('back', () => {
+      if (searchedIn(location) !== null)
+        history.replaceState(history.state, '', this.folder.path);
+    });
     this.folder.addEventListener('answered', () => this.#lacksRights && this.#findRights(this.folder.path));
     addEventListener('online', () => this.#comeBack());
     session.addEventListener('resumed', () => {
@@ -59,7 +63,7 @@ class Page {
     const known = readPage(document);
     const header = h('header', { class: 'top' }, this.crumbs.title, this.crumbs.element, account(),
       h('div', { class: 'filter' }, icon('search'), this.filterField), this.switches.element);
-    this.inside = [lostBar(this.folder, () => this.#comeBack()), new FindBar(this.folder, this.filterField).element, this.grid.element];
+    this.inside = [lostBar(this.folder, () => this.#comeBack()), new FindBar(this.folder, this.filterField, words => this.#find(words)).element, this.grid.element];
     this.main = h('main', { class: 'app' }, ...this.inside);
     document.body.replaceChildren(header, this.toolbar.element, this.main, this.uploads.panel, notices,
       ...document.querySelectorAll('body > :is(dialog, input, .drop-veil)'));
@@ -87,9 +91,24 @@ class Page {
     this.grid.element.focus();
   }
 
+  #find(words) {
+    history.pushState({}, '', searchAddress(this.folder.path, words.trim()));
+    this.folder.findBelow(words);
+  }
+
   #follow() {
-    if (location.pathname !== this.folder.path)
-      this.#open(location.pathname);
+    const { folder } = this;
+    const words = searchedIn(location);
+    if (location.pathname !== folder.path)
+      return this.#open(location.pathname);
+    const isFile = location.hash !== '' && words === null; // the viewer follows it
+    if (isFile || words === (folder.search && folder.words.trim()))
+      return;
+    this.filterField.value = words ?? '';
+    if (words === null)
+      folder.filter('');
+    else
+      folder.findBelow(words);
   }
 
   async #open(path, known = null) {
@@ -101,7 +120,9 @@ class Page {
     this.crumbs.show(path);
     document.title = folderName(path);
     this.grid.element.scrollTop = 0;
-    await this.folder.open(path, known);
+    const opened = this.folder.open(path, known);
+    this.#follow(); // a search, perhaps
+    await opened;
     if (this.folder.path !== path)
       return;
     this.grid.element.scrollTop = history.state?.scroll ?? 0;

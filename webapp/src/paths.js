@@ -11,6 +11,12 @@ export const ownRequest = { 'X-Requested-With': 'Quillon' };
 // A path as a value in a query, where these two mean something else.
 export const inQuery = path => path.replaceAll('&', '%26').replaceAll('+', '%2B');
 
+// A search below a folder has an address, which the server never sees. Names of files, which stand in
+// the same place, hold no bare "?".
+const searchMark = '#?find=';
+export const searchAddress = (folder, words) => folder + searchMark + encoded(words);
+export const searchedIn = ({ hash }) => (hash.startsWith(searchMark) ? decoded(hash.slice(searchMark.length)) || null : null);
+
 const bytes = new TextEncoder();
 const lenient = new TextDecoder('utf-8', { ignoreBOM: true });
 
