@@ -71,8 +71,11 @@ it('speaks four languages', async () => {
   const server = await Server.start(SERVE_PROGRAM, QUILLON_RESDIR, 'standard');
   await server.add('x');
   const words = async locale => {
-    const app = await App.start('desktop', server.url, locale);
+    const app = await App.start('phone', server.url, locale);
     await app.open();
+    const cut = await app.page.locator('.toolbar .button:visible span').evaluateAll(
+      found => found.filter(each => each.scrollWidth > each.clientWidth || each.scrollHeight > each.clientHeight).map(each => each.textContent));
+    assert.deepEqual(cut, [], `cut at the bottom of the page in ${locale}`);
     await app.page.keyboard.press('?');
     await app.dialog('Keyboard').waitFor();
     const shown = new Set(await app.words());

@@ -26,7 +26,7 @@ export class Toolbar {
       copy: tool('Copy', 'copy', () => commands.copy(commands.chosen)),
       remove: tool('Delete', 'remove', () => commands.remove(commands.chosen), { class: 'button danger' }),
     };
-    this.choosing = h('div', { class: 'tools', role: 'group', 'aria-label': t('Selection') },
+    this.choosing = h('div', { class: 'tools choosing', role: 'group', 'aria-label': t('Selection') },
       h('div', { class: 'chosen' }, this.selectNothing, this.count),
       ...Object.values(this.actions));
     this.element = h('section', { class: 'toolbar is-unknown', 'aria-label': t('Actions') }, this.adding, this.choosing);

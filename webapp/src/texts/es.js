@@ -65,7 +65,7 @@ export default {
   'Name': 'Nombre',
   'New folder': 'Carpeta nueva',
   'New name': 'Nombre nuevo',
-  'New text file': 'Archivo de texto nuevo',
+  'New text file': 'Texto nuevo',
   'New text': 'Texto nuevo',
   'Next': 'Siguiente',
   'No folders here': 'No hay carpetas aquí',

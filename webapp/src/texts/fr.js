@@ -65,7 +65,7 @@ export default {
   'Name': 'Nom',
   'New folder': 'Nouveau dossier',
   'New name': 'Nouveau nom',
-  'New text file': 'Nouveau fichier texte',
+  'New text file': 'Nouveau texte',
   'New text': 'Nouveau texte',
   'Next': 'Suivant',
   'No folders here': 'Aucun dossier ici',
