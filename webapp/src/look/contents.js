@@ -1,28 +1,32 @@
 // What is shown of films, sounds, texts and documents, until a signal ends it.
 
 import { ensureSession, readBlob, readText } from '../dav.js';
-import { h, icon } from '../dom.js';
+import { button, h, icon } from '../dom.js';
 import { size } from '../format.js';
 import { reason } from '../notices.js';
 import { saveByLink } from '../save.js';
+import { logIn } from '../session.js';
 import { t } from '../texts.js';
 
 const mostText = 2 ** 20; // bytes
 const told = new Set([0, 401, 403, 404]); // statuses that say more than that it can't be shown
 
-function failed(stage, entry, text = t('This file can’t be shown here.')) {
-  stage.replaceChildren(h('div', { class: 'stage-note' }, icon(entry.kind), h('p', {}, text),
-    h('a', { class: 'button main', href: entry.path, download: '', onclick: saveByLink }, t('Download'))));
+// An error that says nothing of the visitor or the server leaves the file to other programs.
+function failed(stage, entry, error) {
+  stage.replaceChildren(h('div', { class: 'stage-note' }, icon(entry.kind),
+    h('p', {}, error ? reason(error) : t('This file can’t be shown here.')),
+    error?.status === 401 ? button(t('Log in'), null, logIn, { class: 'button main' })
+      : h('a', { class: 'button main', href: entry.path, download: '', onclick: saveByLink }, t('Download'))));
 }
 
 // Gives what is done about errors, unless the signal has come meanwhile.
-export const failure = (stage, entry, signal) => error => signal.aborted || failed(stage, entry, reason(error));
+export const failure = (stage, entry, signal) => error => signal.aborted || failed(stage, entry, error);
 
 // Elements don't say why: the server does.
 export async function explain(stage, entry, signal) {
   const error = await readText(entry.path, 1, signal).then(() => null, found => found);
   if (!signal.aborted)
-    failed(stage, entry, told.has(error?.status) ? reason(error) : undefined);
+    failed(stage, entry, told.has(error?.status) ? error : null);
 }
 
 export function showMedia(stage, entry, signal, step) {

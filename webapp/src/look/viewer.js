@@ -5,6 +5,7 @@ import { button, cutName, h, icon } from '../dom.js';
 import { isViewable } from '../kinds.js';
 import { lastSegment, parentOf } from '../paths.js';
 import { saveByLink } from '../save.js';
+import { session } from '../session.js';
 import { t } from '../texts.js';
 import { showDocument, showMedia, showText } from './contents.js';
 import { showPicture } from './picture.js';
@@ -28,6 +29,7 @@ export class Viewer {
     this.#build();
     addEventListener('popstate', () => this.follow());
     folder.addEventListener('change', () => this.#entry && this.#showPlace());
+    session.addEventListener('resumed', () => this.stage.querySelector('.stage-note') && this.#show(this.#entry));
   }
 
   #build() {
