@@ -1,23 +1,41 @@
 #pragma once
 
+#include "files/MemoryBudget.h"
 #include "files/ZipRecords.h"
 
 #include <QByteArray>
 #include <QtGlobal>
 
 #include <cstddef>
+#include <deque>
+#include <memory>
 #include <vector>
 
-/// Where each byte of an archive lies: the entries one after another, then their directory.
-/// Constant after it was made, for any thread.
+/// What an archive holds. Never copied to grow, as a vector would be.
+using ZipEntries = std::deque<ZipEntry>;
+
+/// Of one of `all`, below the archive's top.
+QByteArray zipPath(const ZipEntries &all, const ZipEntry &entry);
+
+/// Where each byte of an archive lies: the entries one after another, by their paths, then their
+/// directory. Constant after it was made, for any thread.
 class ZipLayout
 {
 public:
     /// Of `found`, in any order; offsets are given here. `since` is when the top was last changed,
-    /// in seconds since 1970-01-01 UTC.
-    ZipLayout(std::vector<ZipEntry> found, qint64 since);
+    /// in seconds since 1970-01-01 UTC. `memory` is the place of the entries in a budget, if any.
+    ZipLayout(ZipEntries found, qint64 since, std::unique_ptr<MemoryBudget::Part> memory = {});
 
-    const std::vector<ZipEntry> &entries() const { return all; }
+    /// Bytes that an entry takes here, and with who reads it, about.
+    static qint64 memoryOf(const ZipEntry &entry);
+
+    std::size_t count() const { return order.size(); }
+    const ZipEntry &entry(std::size_t number) const { return all[order[number]]; }
+    QByteArray path(std::size_t number) const { return zipPath(all, entry(number)); }
+
+    QByteArray localRecord(std::size_t number) const;
+    QByteArray descriptor(std::size_t number, quint32 sum) const;
+    QByteArray centralRecord(std::size_t number, quint32 sum) const;
 
     /// The entry in which a byte before the directory lies.
     std::size_t entryAt(qint64 offset) const;
@@ -35,7 +53,9 @@ public:
     qint64 memory() const { return m_memory; } ///< bytes that it takes, about
 
 private:
-    std::vector<ZipEntry> all; ///< by path
+    ZipEntries all;
+    std::vector<quint32> order; ///< of them, by path
+    const std::unique_ptr<MemoryBudget::Part> part;
     qint64 m_directory = 0;
     qint64 directoryBytes = 0;
     qint64 m_newest;

@@ -10,11 +10,6 @@
 
 namespace {
 
-QByteArray bytesOf(const std::string &text)
-{
-    return { text.data(), int(text.size()) };
-}
-
 /// Whether there is an entry of which nothing can be told for now: an archive without it would lack
 /// what there is.
 bool isLacking(int error)
@@ -27,6 +22,7 @@ bool isLacking(int error)
 
 ZipPlan::ZipPlan(Subject asked)
     : subject(std::move(asked))
+    , memory(std::make_unique<MemoryBudget::Part>(subject.memory, 0))
 {
 }
 
@@ -49,8 +45,8 @@ void ZipPlan::abandon()
 {
     folder.reset();
     entries = {};
-    parents = {};
     layout.reset();
+    memory.reset();
 }
 
 void ZipPlan::step()
@@ -63,7 +59,8 @@ void ZipPlan::step()
         return takeName((*subject.names)[nextName++]);
     if (next < entries.size())
         return enterNext();
-    layout = std::make_shared<ZipLayout>(std::move(entries), above.front().seconds);
+    layout =
+        std::make_shared<ZipLayout>(std::move(entries), above.front().seconds, std::move(memory));
     ended = true;
 }
 
@@ -101,46 +98,49 @@ void ZipPlan::readNext()
         // What was removed since holds nothing.
         return number != 0 && number != ENOENT ? fail(number) : void();
     }
-    if (isHiddenUpload(item.name) || (within == top && item.name == subject.leftOut))
+    if (isHiddenUpload(item.name) || (within == 0 && item.name == subject.leftOut))
         return;
     errno = 0;
     const EntryFacts found = folder->facts(item);
     if (!found.exists && isLacking(errno))
         return fail(errno);
-    if (!(found.file || found.folder) || !found.readable || leadsBack(found, within))
+    if (!(found.file || found.folder) || !found.readable || leadsBack(found))
         return;
-    keep((within == top ? std::string() : entries[within].path) + item.name, found);
+    keep(item.name, found);
 }
 
-bool ZipPlan::leadsBack(const EntryFacts &facts, std::size_t from) const
+bool ZipPlan::leadsBack(const EntryFacts &facts) const
 {
     if (!facts.folder)
         return false;
-    for (std::size_t each = from; each != top; each = parents[each]) {
-        if (isSameEntry(entries[each].facts, facts))
+    for (std::size_t each = within; each != 0; each = entries[each - 1].folder) {
+        if (isSameEntry(entries[each - 1].facts, facts))
             return true;
     }
     return std::any_of(above.begin(), above.end(),
                        [&facts](const EntryFacts &each) { return isSameEntry(each, facts); });
 }
 
-void ZipPlan::keep(std::string path, const EntryFacts &facts)
+void ZipPlan::keep(std::string name, const EntryFacts &facts)
 {
     if (entries.size() == maxEntries)
         return fail(E2BIG);
     if (facts.folder)
-        path += '/';
-    entries.push_back({ std::move(path), facts });
-    parents.push_back(within);
+        name += '/';
+    entries.push_back({ std::move(name), facts, within });
+    bytes += ZipLayout::memoryOf(entries.back());
+    if (!memory->resize(bytes))
+        fail(ENOBUFS);
 }
 
 /// One that is gone, or closed to us, stays empty.
 void ZipPlan::enterNext()
 {
-    within = next++;
-    if (!entries[within].facts.folder)
+    const ZipEntry &entry = entries[next++];
+    within = next;
+    if (!entry.facts.folder)
         return;
-    folder = subject.share->openFolder(joinedPath(subject.folder, bytesOf(entries[within].path)));
+    folder = subject.share->openFolder(joinedPath(subject.folder, zipPath(entries, entry)));
     if (!folder && isLacking(errno))
         fail(errno);
 }

@@ -43,7 +43,7 @@ ZipReader::ZipReader(Source archive, qint64 firstByte, qint64 count)
     : source(std::move(archive))
     , first(firstByte)
     , end(firstByte + count)
-    , sums(source.layout->entries().size())
+    , sums(source.layout->count())
 {
     const ZipLayout &layout = *source.layout;
     const bool isBehind = first >= layout.directory();
@@ -81,16 +81,16 @@ void ZipReader::step(const Budget &until)
 {
     switch (part) {
     case Part::Local:
-        append(zipLocalRecord(entry()));
+        append(source.layout->localRecord(index));
         content = position;
         part = Part::Content;
         return;
     case Part::Content:
         return readOn(until);
     case Part::Descriptor:
-        return appendSummed(zipDescriptor, Part::Local, until);
+        return appendSummed(&ZipLayout::descriptor, Part::Local, until);
     case Part::Central:
-        return appendSummed(zipCentralRecord, Part::Central, until);
+        return appendSummed(&ZipLayout::centralRecord, Part::Central, until);
     case Part::End:
         return append(source.layout->end());
     case Part::Ended:
@@ -136,10 +136,10 @@ void ZipReader::append(const QByteArray &record)
 /// No sum is needed of one before the range.
 void ZipReader::appendSummed(Record record, Part next, const Budget &until)
 {
-    const bool isWanted = position + record(entry(), 0).size() > first;
+    const bool isWanted = position + (*source.layout.*record)(index, 0).size() > first;
     if (isWanted && !sumUp(entry().size(), until))
         return;
-    append(record(entry(), sum));
+    append((*source.layout.*record)(index, sum));
     enter(next, index + 1);
 }
 
@@ -214,8 +214,8 @@ void ZipReader::addToSum(const char *data, qint64 count)
 bool ZipReader::isStillThere()
 {
     if (!file) {
-        const QByteArray below(entry().path.data(), int(entry().path.size()));
-        std::optional<OpenFile> opened = source.share->openFile(joinedPath(source.folder, below));
+        std::optional<OpenFile> opened =
+            source.share->openFile(joinedPath(source.folder, source.layout->path(index)));
         if (!opened)
             return false;
         file = std::make_shared<FileDescriptor>(std::move(opened->descriptor));

@@ -61,9 +61,9 @@ private:
     /// What comes next: three of each entry, then its record in the directory.
     enum class Part { Local, Content, Descriptor, Central, End, Ended };
 
-    using Record = QByteArray (*)(const ZipEntry &entry, quint32 sum);
+    using Record = QByteArray (ZipLayout::*)(std::size_t number, quint32 sum) const;
 
-    const ZipEntry &entry() const { return source.layout->entries()[index]; }
+    const ZipEntry &entry() const { return source.layout->entry(index); }
     void step(const Budget &until);
     void enter(Part next, std::size_t number);
     void append(const QByteArray &record);

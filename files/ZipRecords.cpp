@@ -61,9 +61,9 @@ quint64 narrow(qint64 number, qint64 most)
 }
 
 /// A "\" is a "/" to some who unpack: what is one name here must not lead elsewhere there.
-QByteArray nameOf(const ZipEntry &entry)
+QByteArray nameOf(QByteArray path)
 {
-    return QByteArray(entry.path.data(), int(entry.path.size())).replace('\\', wideBackslash);
+    return path.replace('\\', wideBackslash);
 }
 
 quint64 flagsOf(const ZipEntry &entry, const QByteArray &name)
@@ -113,9 +113,9 @@ void addCommon(Record &record, const ZipEntry &entry, const QByteArray &name, bo
 
 } // namespace
 
-QByteArray zipLocalRecord(const ZipEntry &entry)
+QByteArray zipLocalRecord(const ZipEntry &entry, const QByteArray &path)
 {
-    const QByteArray name = nameOf(entry);
+    const QByteArray name = nameOf(path);
     // Tells that the descriptor has wide sizes; those here are left to it.
     QByteArray extra = timeField(entry.facts.seconds);
     if (isWide(entry))
@@ -138,9 +138,9 @@ QByteArray zipDescriptor(const ZipEntry &entry, quint32 sum)
     return Record().add(4, descriptorSignature).add(4, sum).add(bytes, size).add(bytes, size).text;
 }
 
-QByteArray zipCentralRecord(const ZipEntry &entry, quint32 sum)
+QByteArray zipCentralRecord(const ZipEntry &entry, const QByteArray &path, quint32 sum)
 {
-    const QByteArray name = nameOf(entry);
+    const QByteArray name = nameOf(path);
     const bool isFar = entry.offset >= most32;
     Record numbers;
     if (isWide(entry))

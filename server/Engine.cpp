@@ -32,9 +32,10 @@ Engine::Engine(FaceMaker makeFace, const Directories &directories, StatusSink *s
     , keptPreviews(previews ? std::make_unique<KeptPreviews>(
                        previews->program(), directories.cache + QLatin1String("previews"), disk)
                             : nullptr)
-    , common(std::make_shared<ServerSetup>(ServerSetup{
-          std::move(makeFace), sink, &poller, &forms, &disk, &listings, &memory, &turns, &copies,
-          &archives, &peers, &passwords, &guesses, previews, keptPreviews.get(), directories }))
+    , common(std::make_shared<ServerSetup>(
+          ServerSetup{ std::move(makeFace), sink, &poller, &forms, &replies, &archiveMemory, &disk,
+                       &listings, &memory, &turns, &copies, &archives, &peers, &passwords, &guesses,
+                       previews, keptPreviews.get(), directories }))
 {
     QObject::connect(&memory, &MemoryTrim::roomNeeded, &listings, [this] {
         forms.close();

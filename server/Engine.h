@@ -3,9 +3,9 @@
 #include "files/DiskWorker.h"
 #include "files/KeptPreviews.h"
 #include "files/ListingCache.h"
+#include "files/MemoryBudget.h"
 #include "net/Poller.h"
 #include "server/Guesses.h"
-#include "server/MemoryBudget.h"
 #include "server/MemoryTrim.h"
 #include "server/PasswordChecks.h"
 #include "server/PeerCount.h"
@@ -29,6 +29,10 @@ public:
 private:
     Poller poller;
     MemoryBudget forms;
+    // Both outlive the jobs that have parts of them. What is written takes as much again as
+    // `replies`, see `Poller`.
+    MemoryBudget replies{ qint64(32) << 20 };
+    MemoryBudget archiveMemory{ qint64(64) << 20 };
     PeerCount peers;
     Guesses guesses;
     Places copies{ 4, qint64(32) << 20 }; // outlives the jobs that have its passes

@@ -35,6 +35,8 @@ struct ServerSetup
     StatusSink *sink = nullptr;
     Poller *poller = nullptr;
     MemoryBudget *forms = nullptr; ///< for bodies that are read whole
+    MemoryBudget *replies = nullptr; ///< for what they keep to go on, while peers take the rest
+    MemoryBudget *archiveMemory = nullptr; ///< for what their records are made from
     DiskWorker *disk = nullptr;
     ListingCache *listings = nullptr;
     MemoryTrim *memory = nullptr;

@@ -3,8 +3,8 @@
 #include "classic/http/Admission.h"
 #include "classic/http/Exchange.h"
 #include "classic/http/Routes.h"
+#include "files/MemoryBudget.h"
 #include "server/Face.h"
-#include "server/MemoryBudget.h"
 
 #include <memory>
 #include <optional>

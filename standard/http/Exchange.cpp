@@ -89,7 +89,7 @@ void Exchange::readBody(qint64 max)
     bodyMemory.emplace(*m_service.setup.forms, 0);
     collected.emplace();
     const auto collect = [this](const char *data, qint64 size) {
-        if (!bodyMemory->grow(collected->size() + size))
+        if (!bodyMemory->resize(collected->size() + size))
             return false;
         collected->append(data, int(size));
         return true;

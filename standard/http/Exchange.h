@@ -1,7 +1,7 @@
 #pragma once
 
+#include "files/MemoryBudget.h"
 #include "server/Access.h"
-#include "server/MemoryBudget.h"
 #include "server/Service.h"
 #include "standard/http/Channel.h"
 #include "standard/http/Guard.h"

@@ -82,7 +82,7 @@ void Archive::plan(Names names)
 {
     search = std::make_shared<ZipPlan>(ZipPlan::Subject{
         exchange.share(), exchange.path(), namesEntry() ? QByteArray() : QByteArray(reservedName),
-        std::move(names) });
+        std::move(names), *exchange.service().setup.archiveMemory });
     state = State::Waiting;
     exchange.service().setup.archives->enter(this);
     if (state == State::Waiting)
@@ -92,10 +92,15 @@ void Archive::plan(Names names)
 void Archive::stopWaiting()
 {
     if (state == State::Waiting)
-        exchange.refuse(
-            Status::Unavailable, "Too many archives are being made.",
-            { { "Retry-After",
-                QByteArray::number(qint64(std::chrono::seconds(longestWaiting).count())) } });
+        refuseForNow();
+}
+
+void Archive::refuseForNow()
+{
+    exchange.refuse(
+        Status::Unavailable, "Too many archives are being made.",
+        { { "Retry-After",
+            QByteArray::number(qint64(std::chrono::seconds(longestWaiting).count())) } });
 }
 
 void Archive::take(Pass given)
@@ -119,10 +124,13 @@ void Archive::attempt(State needed, void (Archive::*step)())
 
 void Archive::planned()
 {
-    if (const int error = search->error()) {
-        return error == E2BIG ? exchange.refuse(Status::InsufficientStorage, tooMuch)
-                              : exchange.refuse(statusOf(error));
-    }
+    const int error = search->error();
+    if (error == ENOBUFS)
+        return refuseForNow();
+    if (error == E2BIG)
+        return exchange.refuse(Status::InsufficientStorage, tooMuch);
+    if (error != 0)
+        return exchange.refuse(statusOf(error));
     layout = search->takeLayout();
     pass.keep(layout->memory() + ZipReader::pieceBytes);
     if (exchange.request().method == Method::Post)

@@ -49,6 +49,7 @@ private:
     void plan(Names names);
     void take(Pass given) override;
     void stopWaiting();
+    void refuseForNow();
     void attempt(State needed, void (Archive::*step)());
     void planned();
     void sendWanted(const Validators &current, Fields fields);

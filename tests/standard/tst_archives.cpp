@@ -97,6 +97,7 @@ private Q_SLOTS:
     void selection_data();
     void selection();
     void tooManyEntriesAreRefused();
+    void plansShareTheirMemory();
     void largeFilesAndOffsets();
     void ownerIsToldOfADownload();
 };
@@ -284,6 +285,28 @@ void TestArchives::tooManyEntriesAreRefused()
     QCOMPARE(server.status("GET", "/d/?archive=zip"), 200);
 }
 
+void TestArchives::plansShareTheirMemory()
+{
+    const ArchiveServer server;
+    QString deep;
+    for (int i = 0; i < 12; ++i)
+        deep += QString(250, QLatin1Char('d')) + QLatin1Char('/');
+    for (int i = 0; i < 10; ++i)
+        server.addFile(deep + QString::number(i), {});
+    MemoryBudget &memory = *server.engine.setup()->archiveMemory;
+    const qint64 unused = memory.unused();
+    // Enough for the names, but not for as many paths.
+    std::optional<MemoryBudget::Part> others(std::in_place, memory, unused - 10000);
+    QCOMPARE(judged(server.archive(), "len(z.infolist()), sorted(z.namelist()) == z.namelist()"),
+             QByteArray("22 True"));
+    QTRY_COMPARE(memory.unused(), 10000); // what was made is gone
+    QVERIFY(others->resize(unused - 5000));
+    const RawReply refused = replyTo(server, "GET", wholeFolder);
+    QCOMPARE(refused.status(), QByteArray("503 Service Unavailable"));
+    QCOMPARE(refused.header("Retry-After"), QByteArray("60"));
+    QTRY_COMPARE(memory.unused(), 5000);
+}
+
 /// Whatever needs 64 bits: a size, an offset, a count.
 void TestArchives::largeFilesAndOffsets()
 {
@@ -291,17 +314,17 @@ void TestArchives::largeFilesAndOffsets()
     const QString path = server.addLarge("a", qint64(5) << 30);
     const std::shared_ptr<const Share> share =
         std::make_shared<Share>(*Share::at(server.sharePath(), {}, Share::Links::Beneath));
-    std::vector<ZipEntry> entries{ { "a", share->facts("a") }, { "b", share->facts("b") } };
+    ZipEntries entries{ { "a", share->facts("a") }, { "b", share->facts("b") } };
     ZipEntry folder{ "c/", share->facts({}) };
     for (int i = 0; i < 70000; ++i) {
-        folder.path = "c" + std::to_string(i) + '/';
+        folder.name = "c" + std::to_string(i) + '/';
         entries.push_back(folder);
     }
     const auto sums = std::make_shared<FileSums>();
     sums->keep(entries[0].facts, { 0x12345678, entries[0].size() });
     const ZipReader::Source source{ share, {}, std::make_shared<ZipLayout>(entries, 0), sums };
     const qint64 size = source.layout->size();
-    const qint64 second = source.layout->entries()[1].offset;
+    const qint64 second = source.layout->entry(1).offset;
 
     // In a file without the content of the first one.
     const QTemporaryDir folderOfArchive;

@@ -2,7 +2,10 @@
 
 #include <QtGlobal>
 
-/// How much may be kept in memory at once for all peers together. One serves a program.
+#include <atomic>
+
+/// How much may be kept in memory at once for all peers together. One serves a program, on any
+/// thread.
 class MemoryBudget
 {
 public:
@@ -11,28 +14,26 @@ public:
     {
     }
 
-    /// A part of the budget, given back at its end.
+    /// A part of the budget, given back at its end. Used by one thread at a time.
     class Part
     {
     public:
         /// `bytes` are taken when there are as many, else none.
         Part(MemoryBudget &from, qint64 bytes)
             : budget(from)
-            , taken(from.mayTake(bytes) ? bytes : 0)
-            , granted(from.mayTake(bytes))
+            , granted(from.take(bytes))
+            , taken(granted ? bytes : 0)
         {
-            budget.left -= taken;
         }
         ~Part() { budget.left += taken; }
 
         bool isGranted() const { return granted; }
 
         /// Makes it `bytes`, if there are as many; false, and nothing changes, if not.
-        bool grow(qint64 bytes)
+        bool resize(qint64 bytes)
         {
-            if (!budget.mayTake(bytes - taken))
+            if (!budget.take(bytes - taken))
                 return false;
-            budget.left -= bytes - taken;
             taken = bytes;
             return true;
         }
@@ -41,17 +42,27 @@ public:
         Q_DISABLE_COPY_MOVE(Part)
 
         MemoryBudget &budget;
-        qint64 taken;
         const bool granted;
+        qint64 taken;
     };
 
     /// Nobody gets any more until `open`.
     void close() { closed = true; }
     void open() { closed = false; }
 
-private:
-    bool mayTake(qint64 bytes) const { return !closed && bytes <= left; }
+    qint64 unused() const { return left; } ///< bytes
 
-    qint64 left;
-    bool closed = false;
+private:
+    bool take(qint64 bytes)
+    {
+        qint64 found = left;
+        while (bytes <= 0 || (!closed && bytes <= found)) {
+            if (left.compare_exchange_weak(found, found - bytes))
+                return true;
+        }
+        return false;
+    }
+
+    std::atomic<qint64> left;
+    std::atomic<bool> closed{ false };
 };
