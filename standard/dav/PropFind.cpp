@@ -75,6 +75,7 @@ void PropFind::bodyReady(const QByteArray &body)
         formValue(exchange.request().target.query, "contains").value_or(QByteArray());
     job = std::make_shared<PropFindJob>(PropFindJob::Subject{ exchange.share(), std::move(top),
                                                               *depth, withFolders, exchange.urls(),
+                                                              *exchange.service().setup.replies,
                                                               QString::fromUtf8(part) },
                                         std::move(report));
     state = State::Making;
@@ -135,6 +136,7 @@ void PropFind::sendPiece()
     if (const int error = job->error())
         return begun ? exchange.breakOff() : exchange.refuse(statusOf(error));
     const QByteArray piece = job->takePiece();
+    ahead.reset();
     const bool isLast = job->isAtEnd();
     Fields fields{ { "Content-Type", xmlType } };
     if (isLast && !begun)
@@ -159,9 +161,12 @@ void PropFind::rest()
     exchange.service().setup.turns->rest(this);
 }
 
-/// The next piece, while this one goes out.
+/// The next piece, while this one goes out. Where too many wait with theirs it is made later.
 void PropFind::makeAhead()
 {
+    ahead.emplace(*exchange.service().setup.replies, PropFindJob::pieceBytes);
+    if (!ahead->isGranted())
+        return rest();
     exchange.service().setup.disk->runAside(job, this, [this] { pieceMade(); });
 }
 

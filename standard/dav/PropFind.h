@@ -44,6 +44,7 @@ private:
     State state = State::Idle;
     bool begun = false; ///< the reply has
     std::shared_ptr<PropFindJob> job;
+    std::optional<MemoryBudget::Part> ahead; ///< for a piece that may have to wait
 };
 
 } // namespace standard

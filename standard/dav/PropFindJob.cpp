@@ -21,7 +21,6 @@ namespace {
 
 constexpr std::size_t maxSeen = 256; ///< entries
 constexpr std::chrono::seconds longestSince{ 1 }; ///< an entry was looked at, to tell it
-constexpr int pieceBytes = 256 * 1024;
 constexpr int spareBytes = 4 * 1024; ///< for the entry that makes a piece whole
 
 /// Whether clients can be told of that name: XML holds neither most controls nor what is no text.
@@ -40,6 +39,7 @@ bool isTellable(const char *name)
 PropFindJob::PropFindJob(Subject asked, PropertyReport answer)
     : subject(std::move(asked))
     , report(std::move(answer))
+    , folders(subject.memory)
 {
 }
 
@@ -58,19 +58,29 @@ bool PropFindJob::makePiece(const Budget &until)
 {
     if (subject.depth != Depth::Zero)
         text.reserve(pieceBytes + spareBytes);
-    if (told < seen.size() && Budget::Clock::now() > lookedAt + longestSince)
+    if (!batch.isTold() && Budget::Clock::now() > batch.at + longestSince)
         lookAgain();
     do
         step(until);
     while (!isAtEnd() && text.size() < pieceBytes && !until.isUsedUp());
-    return isAtEnd() || text.size() >= pieceBytes;
+    return isAtEnd() || text.size() >= pieceBytes || isOverdue();
+}
+
+/// A search that finds nothing is told of too: who has left shows only by what is sent to them.
+bool PropFindJob::isOverdue()
+{
+    if (subject.part.isEmpty() || Budget::Clock::now() < takenAt + subject.longestSilence)
+        return false;
+    if (text.isEmpty())
+        text = "\n";
+    return true;
 }
 
 void PropFindJob::step(const Budget &until)
 {
     if (state == State::Begin)
         return begin();
-    if (told < seen.size())
+    if (!batch.isTold())
         return tellSeen();
     if (!folder)
         return openNext();
@@ -79,7 +89,7 @@ void PropFindJob::step(const Budget &until)
     const int number = folder->error();
     folder.reset();
     if (number == ENOENT) // removed since
-        tell(path, statusOf(number));
+        tell(here.inShare, statusOf(number));
     else if (number != 0)
         fail(number);
 }
@@ -90,7 +100,7 @@ void PropFindJob::begin()
     state = State::Folders;
     DavResource top = subject.top;
     if (top.facts.folder && subject.depth != Depth::Zero
-        && !enter({ top.path.isEmpty() ? top.path : top.path + '/', nullptr }))
+        && !enter({ top.path.isEmpty() ? std::string() : top.path.toStdString() + '/', nullptr }))
         return fail(errno);
     const FileDescriptor place = subject.share->open(top.path, O_PATH | O_CLOEXEC);
     top.subject = { systemPathOf(place.get()), top.path };
@@ -100,34 +110,29 @@ void PropFindJob::begin()
 
 void PropFindJob::openNext()
 {
-    if (folders.empty()) {
+    if (folders.isEmpty()) {
         text += rootEnd("multistatus");
         state = State::Ended;
         return;
     }
-    const Pending next = std::move(folders.front());
-    folders.pop_front();
+    const FolderQueue::Next next = folders.take();
     if (state == State::CutOff)
-        return tell(next.path, Status::InsufficientStorage);
+        return tell(next.path(), Status::InsufficientStorage);
     if (!enter(next))
-        tell(next.path, statusOf(errno));
+        tell(here.inShare, statusOf(errno));
 }
 
 /// Begins to read a folder. False, with `errno`, when it can't be.
-bool PropFindJob::enter(const Pending &next)
+bool PropFindJob::enter(const FolderQueue::Next &next)
 {
-    folder = subject.share->openFolder(next.path);
+    here.inShare = next.path();
+    folder = subject.share->openFolder(here.inShare);
     if (!folder)
         return false;
-    path = next.path;
-    url = urlPath(subject.urls, path, false).toStdString();
-    systemPath = systemPathOf(folder->descriptor()) + '/';
-    const EntryFacts facts = openFacts(folder->descriptor());
-    for (const Ancestor *each = next.above.get(); each; each = each->above.get()) {
-        if (each->device == facts.device && each->inode == facts.inode)
-            folder.reset();
-    }
-    entered = std::make_shared<Ancestor>(Ancestor{ facts.device, facts.inode, next.above });
+    here.url = urlPath(subject.urls, here.inShare, false).toStdString();
+    here.onDisk = systemPathOf(folder->descriptor()) + '/';
+    if (!folders.enter(next, openFacts(folder->descriptor())))
+        folder.reset();
     return true;
 }
 
@@ -146,49 +151,55 @@ void PropFindJob::fail(int number)
 
 bool PropFindJob::isReservedHere(const char *name) const
 {
-    return std::strcmp(name, reservedName) == 0 && isReserved(subject.urls.home, path + name);
+    return std::strcmp(name, reservedName) == 0
+        && isReserved(subject.urls.home, here.inShare + name);
 }
 
 /// Looks at the next entries, if any are to be told. False at the end of the folder.
 bool PropFindJob::look(const Budget &until)
 {
-    seen.clear();
-    names.clear();
-    told = 0;
-    lookedAt = Budget::Clock::now();
+    batch.seen.clear();
+    batch.names.clear();
+    batch.told = 0;
+    batch.at = Budget::Clock::now();
     FolderReader::Item item;
     do {
         if (!folder->next(item))
-            return !seen.empty();
+            return !batch.seen.empty();
+        if (subject.depth == Depth::Infinity && ++looks > subject.mostLooks) {
+            cutOff();
+            return true;
+        }
         if (isHiddenUpload(item.name) || !isTellable(item.name) || isReservedHere(item.name))
             continue;
-        seen.push_back({ names.size(), folder->facts(item) });
-        names.append(item.name).push_back('\0');
-    } while (seen.size() < maxSeen && !until.isUsedUp());
+        batch.seen.push_back({ batch.names.size(), folder->facts(item) });
+        batch.names.append(item.name).push_back('\0');
+    } while (batch.seen.size() < maxSeen && !until.isUsedUp());
     return true;
 }
 
 /// The client has waited: what is told next may have changed, or gone.
 void PropFindJob::lookAgain()
 {
-    for (std::size_t i = told; i < seen.size(); ++i)
-        seen[i].facts = folder->facts({ names.data() + seen[i].name, DT_UNKNOWN, 0 });
-    lookedAt = Budget::Clock::now();
+    for (std::size_t i = batch.told; i < batch.seen.size(); ++i)
+        batch.seen[i].facts =
+            folder->facts({ batch.names.data() + batch.seen[i].name, DT_UNKNOWN, 0 });
+    batch.at = Budget::Clock::now();
 }
 
 /// In a row, unless what is asked needs the disk again.
 void PropFindJob::tellSeen()
 {
     do
-        append(seen[told++]);
-    while (told < seen.size() && text.size() < pieceBytes && !report.needsPaths());
+        append(batch.seen[batch.told++]);
+    while (!batch.isTold() && text.size() < pieceBytes && !report.needsPaths());
 }
 
 void PropFindJob::append(const Seen &found)
 {
     if (!found.facts.file && !(found.facts.folder && subject.withFolders))
         return;
-    const char *name = names.data() + found.name;
+    const char *name = batch.names.data() + found.name;
     const bool isBelow = found.facts.folder && subject.depth == Depth::Infinity;
     const bool isWanted = hasPart(name);
     if (!isWanted && !isBelow)
@@ -198,8 +209,8 @@ void PropFindJob::append(const Seen &found)
     ++count;
     if (isWanted)
         append(name, found.facts);
-    if (isBelow)
-        folders.push_back({ path + name + '/', entered });
+    if (isBelow && !folders.add(name))
+        cutOff();
 }
 
 bool PropFindJob::hasPart(const char *name) const
@@ -212,7 +223,7 @@ void PropFindJob::append(const char *name, const EntryFacts &facts)
 {
     entry.name = name;
     entry.facts = facts;
-    entry.href = url;
+    entry.href = here.url;
     addEncoded(entry.href, entry.name);
     if (entry.facts.folder)
         entry.href += '/';
@@ -224,9 +235,9 @@ void PropFindJob::append(const char *name, const EntryFacts &facts)
 /// Says where the properties of the entry are that its facts don't tell.
 void PropFindJob::locate(const char *name, bool isLink)
 {
-    entry.path = path + name;
+    entry.path = here.inShare + name;
     linked = isLink ? subject.share->open(entry.path, O_PATH | O_CLOEXEC) : FileDescriptor();
-    entry.subject = { isLink ? systemPathOf(linked.get()) : systemPath + name, entry.path,
+    entry.subject = { isLink ? systemPathOf(linked.get()) : here.onDisk + name, entry.path,
                       !isLink };
 }
 
@@ -240,9 +251,9 @@ void PropFindJob::append(const DavResource &resource)
 /// The rest of the folder is missing, and all of those that were to follow.
 void PropFindJob::cutOff()
 {
-    tell(path, Status::InsufficientStorage);
+    tell(here.inShare, Status::InsufficientStorage);
     folder.reset();
-    seen.clear();
+    batch.seen.clear();
     state = State::CutOff;
 }
 

@@ -2,19 +2,18 @@
 
 #include "files/DiskJob.h"
 #include "files/FolderReader.h"
+#include "standard/dav/FolderQueue.h"
 #include "standard/dav/PropertyReport.h"
 #include "standard/http/Depth.h"
 
 #include <QByteArray>
 
-#include <deque>
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
-
-#include <sys/types.h>
 
 class Share;
 
@@ -26,6 +25,8 @@ class PropFindJob final : public DiskJob
 {
 public:
     static constexpr qint64 maxEntries = 100000;
+    static constexpr qint64 maxLooks = 1000000;
+    static constexpr int pieceBytes = 256 * 1024;
 
     struct Subject
     {
@@ -34,8 +35,11 @@ public:
         Depth depth;
         bool withFolders; ///< or files alone
         UrlSpace urls;
+        MemoryBudget &memory; ///< for what it keeps between two pieces; borrowed, outlives it
         QString part = {}; ///< only entries whose names have it are told, in any case
         qint64 mostBelow = maxEntries; ///< of entries, with Depth infinity
+        qint64 mostLooks = maxLooks; ///< at entries, the same
+        std::chrono::milliseconds longestSilence{ 1000 }; ///< of a search that finds nothing
     };
 
     PropFindJob(Subject asked, PropertyReport answer);
@@ -52,7 +56,11 @@ public:
     bool hasPiece() const { return !text.isEmpty() || isAtEnd(); }
 
     /// What was written since the last call.
-    QByteArray takePiece() { return std::exchange(text, {}); }
+    QByteArray takePiece()
+    {
+        takenAt = Budget::Clock::now();
+        return std::exchange(text, {});
+    }
 
 private:
     enum class State {
@@ -62,21 +70,6 @@ private:
         Ended
     };
 
-    /// A folder that was entered, and those it was reached by.
-    struct Ancestor
-    {
-        dev_t device;
-        ino_t inode;
-        std::shared_ptr<const Ancestor> above;
-    };
-
-    /// A folder that is to be listed.
-    struct Pending
-    {
-        QByteArray path; ///< with a "/" behind
-        std::shared_ptr<const Ancestor> above;
-    };
-
     /// An entry that was looked at.
     struct Seen
     {
@@ -84,11 +77,32 @@ private:
         EntryFacts facts;
     };
 
+    /// Looks at the disk follow each other, and so do lines: by turns they would push each other's
+    /// code out of the processor's cache.
+    struct Batch
+    {
+        std::vector<Seen> seen; ///< are told next
+        std::size_t told = 0; ///< of them
+        std::string names; ///< one after another, each with a NUL
+        Budget::Clock::time_point at;
+
+        bool isTold() const { return told >= seen.size(); }
+    };
+
+    /// Of a folder, with a "/" behind.
+    struct Paths
+    {
+        QByteArray inShare;
+        std::string url;
+        QByteArray onDisk;
+    };
+
     bool makePiece(const Budget &until);
+    bool isOverdue();
     void step(const Budget &until);
     void begin();
     void openNext();
-    bool enter(const Pending &next);
+    bool enter(const FolderQueue::Next &next);
     bool isReservedHere(const char *name) const;
     bool look(const Budget &until);
     void lookAgain();
@@ -107,22 +121,15 @@ private:
     State state = State::Begin;
     QByteArray text;
     std::string line; ///< of one resource, put together first: a string of chars grows faster
-    std::deque<Pending> folders;
-    std::shared_ptr<const Ancestor> entered; ///< the last one; links may lead back to it
+    Budget::Clock::time_point takenAt = Budget::Clock::now(); ///< the last piece was
+    FolderQueue folders;
     std::optional<FolderReader> folder; ///< being read
-    // What the paths of its entries begin with.
-    QByteArray path;
-    std::string url;
-    QByteArray systemPath;
-    // Looks at the disk follow each other, and so do lines: by turns they would push each other's
-    // code out of the processor's cache.
-    std::vector<Seen> seen; ///< are told next
-    std::size_t told = 0; ///< of them
-    std::string names; ///< one after another, each with a NUL
-    Budget::Clock::time_point lookedAt;
+    Paths here; ///< what those of its entries begin with
+    Batch batch;
     DavResource entry; ///< is told; kept for its memory
     FileDescriptor linked; ///< what it leads to, if it is a link
     qint64 count = 0;
+    qint64 looks = 0;
     int failure = 0;
 };
 

@@ -83,6 +83,26 @@ QByteArray names(const DeadProperties &properties)
     return text;
 }
 
+/// Tells nothing of the root but what is there.
+std::unique_ptr<PropFindJob> jobFor(PropFindJob::Subject subject)
+{
+    subject.top.href = "/";
+    subject.top.facts.folder = true;
+    return std::make_unique<PropFindJob>(
+        std::move(subject),
+        PropertyReport({ PropFindBody::Kind::Named, {} }, {}, std::make_shared<PropertyStore>()));
+}
+
+QByteArray textOf(PropFindJob &job, Budget::Clock::duration slice = 1s)
+{
+    QByteArray text;
+    while (!job.isAtEnd()) {
+        job.run(Budget(job.cancelFlag(), slice, true));
+        text += job.takePiece();
+    }
+    return text;
+}
+
 } // namespace
 
 class DavPartsTest : public QObject
@@ -103,6 +123,8 @@ private Q_SLOTS:
     void damageIsNoProperties();
     void memoryFollowsPaths();
     void tellsWhatIsMissing();
+    void boundsWhatWaits();
+    void boundsSearches();
 };
 
 void DavPartsTest::refusesBodies_data()
@@ -401,22 +423,11 @@ void DavPartsTest::tellsWhatIsMissing()
         disk.write(folder + QByteArray("\x01")); // clients can't be told of it
     }
     const auto share = std::make_shared<const Share>(disk.share());
-    const auto jobOf = [&share](qint64 most) {
-        DavResource top;
-        top.href = "/";
-        top.facts.folder = true;
-        return std::make_unique<PropFindJob>(
-            PropFindJob::Subject{ share, top, Depth::Infinity, true, {}, {}, most },
-            PropertyReport({ PropFindBody::Kind::Named, {} }, {},
-                           std::make_shared<PropertyStore>()));
-    };
-    const auto textOf = [](PropFindJob &job, Budget::Clock::duration slice = 1s) {
-        QByteArray text;
-        while (!job.isAtEnd()) {
-            job.run(Budget(job.cancelFlag(), slice, true));
-            text += job.takePiece();
-        }
-        return text;
+    MemoryBudget memory(1000);
+    const auto jobOf = [&](qint64 most) {
+        PropFindJob::Subject subject{ share, {}, Depth::Infinity, true, {}, memory };
+        subject.mostBelow = most;
+        return jobFor(std::move(subject));
     };
     // The folder itself, those that are told, the folder that was cut, and one that was to follow.
     constexpr int most = 15;
@@ -441,6 +452,49 @@ void DavPartsTest::tellsWhatIsMissing()
         textOf(*unread);
     }).join();
     QCOMPARE(unread->error(), EIO);
+}
+
+void DavPartsTest::boundsWhatWaits()
+{
+    const Disk disk;
+    const QByteArray deep = (QByteArray(200, 'd') + '/').repeated(8);
+    for (int i = 0; i < 20; ++i)
+        disk.write(deep + QByteArray::number(i) + "/f");
+    const auto share = std::make_shared<const Share>(disk.share());
+    // Room for the names, but not for as many paths.
+    for (const auto &[room, cut] : { std::pair<qint64, bool>(8000, false), { 400, true } }) {
+        MemoryBudget memory(room);
+        const QByteArray text = textOf(*jobFor({ share, {}, Depth::Infinity, true, {}, memory }));
+        QCOMPARE(text.contains("HTTP/1.1 507 "), cut);
+        QCOMPARE(text.count("/f</D:href>"), cut ? 0 : 20);
+        QCOMPARE(memory.unused(), room);
+    }
+}
+
+void DavPartsTest::boundsSearches()
+{
+    const Disk disk;
+    for (int i = 0; i < 30; ++i)
+        disk.write("abc"[i % 3] + QByteArray("/") + QByteArray::number(i));
+    MemoryBudget memory(1000);
+    PropFindJob::Subject subject{ std::make_shared<const Share>(disk.share()),
+                                  {},
+                                  Depth::Infinity,
+                                  true,
+                                  {},
+                                  memory,
+                                  QStringLiteral("z") };
+    subject.mostLooks = 20;
+    const QByteArray cut = textOf(*jobFor(subject));
+    QCOMPARE(cut.count("<D:response>"), 3);
+    QCOMPARE(cut.count("/</D:href><D:status>HTTP/1.1 507 "), 2);
+    // Who has left shows by what is sent.
+    subject.longestSilence = 0ms;
+    const auto job = jobFor(subject);
+    for (const char *piece : { "<?xml ", "\n", "\n" }) {
+        QVERIFY(job->run(Budget(job->cancelFlag(), {}, true)));
+        QVERIFY(job->takePiece().startsWith(piece));
+    }
 }
 
 QTEST_GUILESS_MAIN(DavPartsTest)
