@@ -96,6 +96,20 @@ FolderListing::FolderListing(std::shared_ptr<const FolderListing> finished)
 {
 }
 
+FolderListing::FolderListing(const FolderListing &finished, qint64 most)
+    : folderStamp(finished.folderStamp)
+    , wanted(finished.wanted)
+    , names(std::make_shared<std::string>())
+    , rows(finished.rows.begin(), finished.rows.begin() + std::min(most, finished.count()))
+{
+    for (Row &row : rows) {
+        const std::string_view name = finished.nameOf(row);
+        row.name = names->size();
+        row.foldedSize = 0;
+        names->append(name);
+    }
+}
+
 bool FolderListing::run(const Budget &until)
 {
     try {
@@ -235,6 +249,14 @@ FolderListing::Entry FolderListing::at(qint64 index) const
              row.folder,
              row.link,
              row.readable };
+}
+
+std::shared_ptr<const MemoryBudget::Part> FolderListing::placeIn(MemoryBudget &budget) const
+{
+    std::shared_ptr<const MemoryBudget::Part> found = place.lock();
+    if (!found)
+        place = found = std::make_shared<MemoryBudget::Part>(budget, bytes());
+    return found->isGranted() ? found : nullptr;
 }
 
 qint64 FolderListing::bytes() const

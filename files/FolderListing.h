@@ -2,6 +2,7 @@
 
 #include "files/DiskJob.h"
 #include "files/FolderReader.h"
+#include "files/MemoryBudget.h"
 
 #include <QByteArray>
 #include <QtGlobal>
@@ -82,6 +83,9 @@ public:
     /// All of a finished one in order, without reading the folder anew.
     explicit FolderListing(std::shared_ptr<const FolderListing> finished);
 
+    /// A copy of the first `most` entries of a finished one, for who keeps them for long.
+    FolderListing(const FolderListing &finished, qint64 most);
+
     bool run(const Budget &until) override;
 
     /// False when there was too little memory for it; then it has no entries.
@@ -96,6 +100,10 @@ public:
 
     /// What it takes in memory, in bytes.
     qint64 bytes() const;
+
+    /// Its place in a budget, the same for all who keep it while they wait for a peer; null when
+    /// there is no room. For the event loop.
+    std::shared_ptr<const MemoryBudget::Part> placeIn(MemoryBudget &budget) const;
 
     const FolderStamp &stamp() const { return folderStamp; }
     const ListingShape &shape() const { return wanted; }
@@ -133,4 +141,5 @@ private:
     std::shared_ptr<std::string> names; ///< one after another
     std::vector<Row> rows;
     bool complete = true;
+    mutable std::weak_ptr<const MemoryBudget::Part> place;
 };

@@ -1,15 +1,8 @@
 #include "standard/http/FileReply.h"
 
-#include "config/Profile.h"
-#include "files/ListingCache.h"
 #include "files/Path.h"
-#include "server/Secret.h"
-#include "standard/http/AppFiles.h"
 #include "standard/http/ContentType.h"
-#include "standard/http/FolderPage.h"
-#include "standard/http/LoginPage.h"
 #include "standard/http/Protection.h"
-#include "standard/http/Reserved.h"
 
 #include <QRandomGenerator>
 
@@ -33,8 +26,6 @@ void FileReply::start()
 {
     if (!share())
         return exchange.refuse(Status::NotFound);
-    if (share()->isFolder() && exchange.namesFolder())
-        return listFolder();
     std::optional<ServedFile> opened = exchange.service().files.open(*share(), exchange.path());
     const int error = opened ? 0 : errno;
     EntryFacts found;
@@ -172,82 +163,6 @@ void FileReply::redirectToFolder()
     if (const QByteArray &query = exchange.request().target.query; !query.isEmpty())
         location += '?' + query;
     exchange.refuse(Status::PermanentRedirect, {}, { { "Location", location } });
-}
-
-void FileReply::listFolder()
-{
-    if (isDropBox())
-        return sendPage(nullptr);
-    if (!isPermitted(Right::See, exchange.path()) || !exchange.mayChange({}))
-        return;
-    if (!exchange.service().profile->showsFolders())
-        return exchange.refuse(Status::Forbidden, "Folders are not listed here.");
-    std::optional<FolderReader> folder = share()->openFolder(exchange.path());
-    if (!folder)
-        return exchange.refuse(statusOf(errno));
-    exchange.service().setup.listings->list(
-        std::move(*folder), ListingShape(), { 0, maxPageEntries }, this,
-        [this](const ListingCache::Listing &listing) { sendListing(listing.get()); });
-}
-
-/// Whether the visitor may add files here but see nothing, which is told of any folder.
-bool FileReply::isDropBox() const
-{
-    return takesForms() && !exchange.access().may(Right::See, exchange.path());
-}
-
-void FileReply::sendListing(const FolderListing *listing)
-{
-    if (isOver())
-        return;
-    if (!listing)
-        return exchange.breakOff();
-    sendPage(listing);
-}
-
-bool FileReply::hasPad() const
-{
-    const Access &access = exchange.access();
-    return exchange.service().profile->scratchPad != 0 && access.home.isEmpty()
-        && access.may(Right::Read, {}) && findRoute(exchange.routes(), Method::Get, padPath);
-}
-
-/// Whether the visitor may add files here by a form.
-bool FileReply::takesForms() const
-{
-    return exchange.access().may(Right::Add, exchange.path())
-        && findRoute(exchange.routes(), Method::Post, exchange.path());
-}
-
-void FileReply::sendPage(const FolderListing *listing)
-{
-    const Access &access = exchange.access();
-    // The button that leads back would show it again after the log-out.
-    Fields fields{ { "Content-Type", "text/html; charset=utf-8" },
-                   { "Cache-Control", access.inSession ? "no-store" : "no-cache" } };
-    QByteArray top = access.inSession ? logOutForm(exchange) : QByteArray();
-    if (isArchived())
-        top += FolderPage::archiveLink();
-    if (hasPad())
-        top += FolderPage::padLink(exchange.urls().prefix);
-    if (takesForms())
-        top += FolderPage::uploadForm();
-    const QByteArray nonce = newSecret();
-    const QByteArray head = appHead(exchange.urls().prefix, nonce);
-    if (!head.isEmpty())
-        addAppProtection(fields, nonce);
-    else
-        takesForms() || access.inSession ? addFormProtection(fields) : addPageProtection(fields);
-    const FolderPage page{ seenFrom(access.home, exchange.path()), head, top, listing };
-    exchange.reply(Status::Ok, std::move(fields), page.html());
-}
-
-/// Whether the visitor can have the folder as a file.
-bool FileReply::isArchived() const
-{
-    const Route *route = findRoute(exchange.routes(), Method::Get, exchange.path(), archiveQuery);
-    return route && route->parameter && exchange.access().may(Right::See, exchange.path())
-        && exchange.access().may(Right::Read, exchange.path());
 }
 
 } // namespace standard

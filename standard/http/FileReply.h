@@ -7,12 +7,9 @@
 #include <memory>
 #include <vector>
 
-class FolderListing;
-
 namespace standard {
 
-/// GET and HEAD of what is shared: a file, the parts of it that are asked for, or a page that lists
-/// a folder.
+/// GET and HEAD of a file, or of the parts of it that are asked for.
 class FileReply final : public ResourceHandler
 {
 public:
@@ -34,13 +31,6 @@ private:
     QByteArray partsEnd() const;
     QByteArray fileName() const;
     void redirectToFolder();
-    void listFolder();
-    bool hasPad() const;
-    bool takesForms() const;
-    bool isDropBox() const;
-    void sendPage(const FolderListing *listing);
-    void sendListing(const FolderListing *listing);
-    bool isArchived() const;
 
     ServedFile file;
     QByteArray boundary; ///< of several parts, like the next two

@@ -6,32 +6,35 @@
 #include "standard/http/Uri.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace standard {
 
 namespace {
 
-QByteArray row(const FolderListing::Entry &entry)
+constexpr qint64 rowsAtOnce = 16;
+
+void addRow(QByteArray &to, const FolderListing::Entry &entry)
 {
     const QByteArray name = entry.folder ? entry.name + '/' : entry.name;
     // In front of a name with a colon, which would be taken for a scheme.
-    return "<tr><td><a href=\"./" + encodedPath(name) + "\">" + escaped(name) + "</a></td><td>"
-        + (entry.folder ? QByteArray() : QByteArray::number(entry.size)) + "</td><td>"
-        + httpDate(entry.modifiedSeconds()) + "</td></tr>\n";
+    to.append("<tr><td><a href=\"./").append(encodedPath(name)).append("\">");
+    to.append(escaped(name)).append("</a></td><td>");
+    if (!entry.folder)
+        to.append(QByteArray::number(entry.size));
+    to.append("</td><td>").append(httpDate(entry.modifiedSeconds())).append("</td></tr>\n");
 }
 
-QByteArray table(const FolderListing &listing, bool isRoot)
+QByteArray beginOf(const FolderPage::Frame &frame, bool listed)
 {
-    QByteArray rows = "<table>\n";
-    if (!isRoot)
-        rows += "<tr><td><a href=\"../\">../</a></td><td></td><td></td></tr>\n";
-    const qint64 shown = std::min(listing.count(), maxPageEntries);
-    for (qint64 i = 0; i < shown; ++i)
-        rows += row(listing.at(i));
-    rows += "</table>\n";
-    if (shown < listing.count())
-        rows += "<p>" + QByteArray::number(listing.count() - shown) + " more</p>\n";
-    return rows;
+    const QByteArray title = '/' + frame.path;
+    QByteArray text = pageBegin(title, frame.head) + "<body>" + frame.top + "<main><h1>"
+        + escaped(title) + "</h1>\n";
+    if (listed)
+        text += "<table>\n";
+    if (listed && !frame.path.isEmpty())
+        text += "<tr><td><a href=\"../\">../</a></td><td></td><td></td></tr>\n";
+    return text;
 }
 
 } // namespace
@@ -48,12 +51,38 @@ QByteArray FolderPage::padLink(const QByteArray &prefix)
     return "<p><a href=\"" + escaped(prefix) + '/' + padPath + "\">Scratch pad</a></p>\n";
 }
 
-QByteArray FolderPage::html() const
+FolderPage::FolderPage(const Frame &frame, ListingCache::Listing entries)
+    : beginning(beginOf(frame, entries != nullptr))
+    , listing(std::move(entries))
+    , shown(listing ? std::min(listing->count(), maxPageEntries) : 0)
+    , unshown(listing ? listing->count() - shown : 0)
 {
-    const QByteArray title = '/' + path;
-    const QByteArray content = listing ? table(*listing, path.isEmpty()) : QByteArray();
-    return pageBegin(title, head) + "<body>" + top + "<main><h1>" + escaped(title) + "</h1>\n"
-        + content + "</main></body></html>\n";
+}
+
+void FolderPage::writeOn(QByteArray &to)
+{
+    if (state == State::Begin) {
+        to += std::exchange(beginning, {});
+        state = State::Rows;
+    }
+    for (const qint64 end = std::min(next + rowsAtOnce, shown); next < end; ++next)
+        addRow(to, listing->at(next));
+    if (next < shown)
+        return;
+    if (listing)
+        to += "</table>\n";
+    if (unshown > 0)
+        to += "<p>" + QByteArray::number(unshown) + " more</p>\n";
+    to += "</main></body></html>\n";
+    state = State::Ended;
+}
+
+bool FolderPage::settle(MemoryBudget &budget)
+{
+    if (unshown > 0)
+        listing = std::make_shared<const FolderListing>(*listing, shown);
+    place = listing->placeIn(budget);
+    return place != nullptr;
 }
 
 QByteArray FolderPage::archiveLink()

@@ -1,9 +1,12 @@
 #pragma once
 
+#include "files/ListingCache.h"
+#include "files/MemoryBudget.h"
+
 #include <QByteArray>
 #include <QtGlobal>
 
-class FolderListing;
+#include <memory>
 
 namespace standard {
 
@@ -16,15 +19,28 @@ constexpr auto archiveQuery = "archive=zip";
 constexpr auto padPath = ".quillon/pad";
 
 /// A page that lists a folder for people, without scripts. The web application begins with what it
-/// says, and takes it over.
-struct FolderPage
+/// says, and takes it over. Written bit by bit.
+class FolderPage
 {
-    QByteArray path; ///< of the folder, as people call it
-    QByteArray head; ///< HTML that ends the page's head
-    QByteArray top; ///< HTML above the list
-    const FolderListing *listing; ///< null: nothing is told of what is there
+public:
+    struct Frame
+    {
+        QByteArray path; ///< of the folder, as people call it
+        QByteArray head; ///< HTML that ends the page's head
+        QByteArray top; ///< HTML above the list
+    };
 
-    QByteArray html() const;
+    /// Without a listing nothing is told of what is there.
+    FolderPage(const Frame &frame, ListingCache::Listing entries);
+
+    /// Appends the next few lines.
+    void writeOn(QByteArray &to);
+
+    bool isAtEnd() const { return state == State::Ended; }
+
+    /// Before a peer is waited for: finds a place in `budget` for what it keeps, which may be that
+    /// of other pages of the same listing. Whether there was room.
+    bool settle(MemoryBudget &budget);
 
     /// For its top: leads to an archive of it; by which a file is added, see `FormUpload`.
     static QByteArray archiveLink();
@@ -32,6 +48,17 @@ struct FolderPage
 
     /// The same: leads to the pad. `prefix` as that of `appHead`.
     static QByteArray padLink(const QByteArray &prefix);
+
+private:
+    enum class State { Begin, Rows, Ended };
+
+    QByteArray beginning;
+    ListingCache::Listing listing;
+    const qint64 shown; ///< entries
+    const qint64 unshown;
+    qint64 next = 0;
+    State state = State::Begin;
+    std::shared_ptr<const MemoryBudget::Part> place;
 };
 
 } // namespace standard

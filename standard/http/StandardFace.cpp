@@ -2,6 +2,7 @@
 
 #include "config/Profile.h"
 #include "files/HiddenUploads.h"
+#include "files/Share.h"
 #include "net/Socket.h"
 #include "server/Connection.h"
 #include "server/CrossSite.h"
@@ -13,7 +14,7 @@
 #include "standard/http/Copy.h"
 #include "standard/http/Delete.h"
 #include "standard/http/FileReply.h"
-#include "standard/http/FolderPage.h"
+#include "standard/http/FolderReply.h"
 #include "standard/http/Handler.h"
 #include "standard/http/LoginPage.h"
 #include "standard/http/MkCol.h"
@@ -37,13 +38,19 @@ constexpr auto strangeName =
 constexpr auto blockedByOwner = "The owner of this server has blocked this address.";
 constexpr auto otherSite = "A page of another site asked for this.";
 
+std::unique_ptr<Handler> makeGet(Exchange &exchange)
+{
+    const bool lists = exchange.share() && exchange.share()->isFolder() && exchange.namesFolder();
+    return lists ? makeHandler<FolderReply>(exchange) : makeHandler<FileReply>(exchange);
+}
+
 } // namespace
 
 Routes fileRoutes()
 {
     return { { { Method::Options, makeHandler<Options> },
-               { Method::Get, makeHandler<FileReply> },
-               { Method::Head, makeHandler<FileReply> },
+               { Method::Get, makeGet },
+               { Method::Head, makeGet },
                { Method::Put, makeHandler<Put> },
                { Method::Patch, makeHandler<Patch> },
                { Method::Delete, makeHandler<Delete> },

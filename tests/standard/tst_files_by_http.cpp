@@ -37,6 +37,7 @@ private Q_SLOTS:
     void unchangedFileIsNotSentAgain();
     void shrinkingFileEndsConnection();
     void folders();
+    void longPageWaitsForItsReader();
     void singleFile();
     void requestsOneAfterAnother();
     void unreadBodies();
@@ -147,6 +148,42 @@ void TestFilesByHttp::folders()
     QVERIFY(page.body.contains("href=\"./x%3Ay.txt\""));
     server.profile->showFolders = Qt::Unchecked;
     QCOMPARE(server.status("GET", "/"), 403);
+}
+
+void TestFilesByHttp::longPageWaitsForItsReader()
+{
+    const StandardServer server({ { "d/short", {} } });
+    const QString rest(200, QLatin1Char('&'));
+    for (int i = 0; i < 5002; ++i)
+        server.addFile(QString::number(i) + rest, {});
+    MemoryBudget &memory = *server.engine.setup()->replies;
+    const Poller &poller = *server.engine.setup()->poller;
+    const qint64 unused = memory.unused();
+    RawClient slow(server.port());
+    slow.socket->setReadBufferSize(1024);
+    slow.send(rawRequest("GET", "/", "Connection: close\r\n"));
+    constexpr qint64 queued = 256 * 1024;
+    QTRY_VERIFY(poller.backlog() > queued);
+    QVERIFY(poller.backlog() < 2 * queued);
+    {
+        const MemoryBudget::Part others(memory, memory.unused());
+        QVERIFY(others.isGranted());
+        const RawReply refused = replyTo(server, "GET", "/");
+        QCOMPARE(refused.status(), QByteArray("503 Service Unavailable"));
+        QCOMPARE(refused.header("Retry-After"), QByteArray("10"));
+        QCOMPARE(server.status("GET", "/d/"), 200);
+    }
+    slow.socket->setReadBufferSize(0);
+    QVERIFY(slow.readToEnd().endsWith("<p>3 more</p>\n</main></body></html>\n\r\n0\r\n\r\n"));
+    QTRY_COMPARE(memory.unused(), unused);
+
+    RawClient old(server.port());
+    old.send("GET / HTTP/1.0\r\n\r\n");
+    const QByteArray page = old.readToEnd();
+    QCOMPARE(page.count("<tr>"), 5000);
+    QVERIFY(page.endsWith("</table>\n<p>3 more</p>\n</main></body></html>\n"));
+    QVERIFY(!page.contains("Content-Length") && !page.contains("chunked"));
+    QVERIFY(replyTo(server, "HEAD", "/").body.isEmpty());
 }
 
 void TestFilesByHttp::singleFile()
