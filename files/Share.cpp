@@ -92,6 +92,8 @@ std::optional<Share> Share::at(const QString &path, const QStringList &hidden, L
     if (confined && !border.isOpen())
         return {};
     share.setHidden(hidden, std::move(border));
+    if (!share.folder && links == Links::Beneath)
+        share.stood = share.placeOf(pathOf(share.root.get()));
     return share;
 }
 
@@ -153,16 +155,27 @@ FileDescriptor Share::openLinked(const QByteArray &clean, int flags) const
     return hidden->coversOpen(found.get()) ? failed(ENOENT) : std::move(found);
 }
 
-/// The descriptor is the share, whatever the file is called by now. One that was removed is looked
-/// for by its name: editors save by putting a new file in the place of the old.
+/// The descriptor is the share, whatever the file is called by now.
 FileDescriptor Share::openSingle(const QByteArray &clean, int flags) const
 {
     if (!clean.isEmpty())
         return failed(ENOTDIR);
-    const bool removed = isRemoved();
-    const QByteArray path = removed ? rootPath : "/proc/self/fd/" + QByteArray::number(root.get());
-    FileDescriptor found(::open(path.constData(), flags & ~O_NOFOLLOW));
-    if (!removed || !found.isOpen() || !hidden->coversOpen(found.get()))
+    if (isRemoved())
+        return openReplaced(flags);
+    const QByteArray path = "/proc/self/fd/" + QByteArray::number(root.get());
+    return FileDescriptor(::open(path.constData(), flags & ~O_NOFOLLOW));
+}
+
+/// A file that was removed, by its name: editors save by putting a new one in the place of the old.
+FileDescriptor Share::openReplaced(int flags) const
+{
+    FileDescriptor found(
+        links == Links::Followed
+            ? ::open(rootPath.constData(), flags & ~O_NOFOLLOW)
+            : ::openat(stood.folder.get(), stood.name.constData(), flags | O_NOFOLLOW));
+    // As a mere place, a link itself can be opened.
+    if (!found.isOpen()
+        || (!S_ISLNK(entryFacts(found.get()).mode) && !hidden->coversOpen(found.get())))
         return found;
     found.reset();
     return failed(ENOENT);

@@ -85,6 +85,7 @@ private:
     bool isHidden(const QByteArray &clean) const;
     bool isRemoved() const;
     FileDescriptor openSingle(const QByteArray &clean, int flags) const;
+    FileDescriptor openReplaced(int flags) const;
     FileDescriptor openLinked(const QByteArray &clean, int flags) const;
     Place rootPlace() const;
     Place placeOf(const QByteArray &absolutePath) const;
@@ -92,6 +93,7 @@ private:
 
     FileDescriptor root; ///< a mere place (`O_PATH`)
     QByteArray rootPath; ///< that it was opened by
+    Place stood; ///< where a single file did at Start, unless links are followed
     bool folder = false;
     Links links = Links::Followed;
     bool wholly = false; ///< hidden as a whole

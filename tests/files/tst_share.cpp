@@ -178,6 +178,14 @@ void ShareTest::places()
     QVERIFY(QFile::remove(disk.path("renamed")));
     disk.write("share/a", "saved anew");
     QCOMPARE(content(single, "/"), QByteArray("saved anew"));
+    const Share closed = disk.share("share/a", "none", Share::Links::Beneath);
+    QVERIFY(QFile::remove(disk.path("share/a")));
+    disk.link("share/a", "../outside/file");
+    QVERIFY(content(single, "/") == "x" && content(closed, "/") == "ELOOP");
+    QVERIFY(!closed.facts("/").exists && !closed.place("/").isValid());
+    QVERIFY(QFile::remove(disk.path("share/a")));
+    disk.write("share/a", "once more");
+    QCOMPARE(content(closed, "/"), QByteArray("once more"));
     QCOMPARE(removeAt(share.place("/")), 7);
     QVERIFY(!share.facts("/").exists && !share.place("/new").isValid());
 }
