@@ -45,7 +45,10 @@ void Undo::start()
     if (!isPermitted(Right::Delete, path)
         || !exchange.mayChange({ { path, Change::Extent::Tree, true } }))
         return;
-    const Place was = beside(found->hidden, path.mid(path.lastIndexOf('/') + 1));
+    // All that was asked is about this place: the folder may have gone to one that is not theirs.
+    const Place was = share()->place(path);
+    if (!isSameEntry(entryFacts(was.folder.get()), entryFacts(found->hidden.folder.get())))
+        return exchange.refuse(Status::Conflict, "Its folder is somewhere else by now.");
     const int error = renameNew(found->hidden, was);
     if (error == EEXIST)
         return exchange.refuse(Status::Conflict, "Something else has its name by now.");

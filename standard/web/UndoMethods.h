@@ -22,7 +22,8 @@ private:
     bool isPromised() const;
 };
 
-/// POST: brings back what was removed, to where it was. 409 when something else stands there.
+/// POST: brings back what was removed, to where it was. 409 when something else stands there, or
+/// the folder has another place by now.
 class Undo final : public ResourceHandler
 {
 public:

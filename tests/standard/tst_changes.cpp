@@ -267,6 +267,16 @@ void TestChanges::deletedComesBack()
     QCOMPARE(server.fileContent(QStringLiteral("f")), QByteArray("x"));
     QCOMPARE(undo(place, "me:a"), 404);
 
+    // Nor to where nobody has asked whether it may stand.
+    server.addFile(QStringLiteral("s/f"), "y");
+    const QByteArray moved =
+        replyTo(server, "DELETE", "/s/f", basicLogin("me:a") + "Quillon-Undo: ?1\r\n")
+            .header("Location");
+    QVERIFY(QFile::rename(server.sharePath("s"_q), server.sharePath("t"_q)));
+    QCOMPARE(undo(moved, "me:a"), 409);
+    QVERIFY(!QFile::exists(server.sharePath("t/f"_q)));
+    QVERIFY(QDir(server.sharePath("t"_q)).removeRecursively());
+
     auto share = Share::at(server.sharePath(), {}, Share::Links::Followed);
     QVERIFY(share);
     RemovedEntries().keep({ {}, {}, {}, "a", share->place("f"), {} });
