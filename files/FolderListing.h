@@ -12,6 +12,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 /// What tells that a folder's entries are still those that were read.
@@ -43,12 +44,13 @@ struct ListingShape
     bool hidden = false; ///< names with a leading "." too
     bool unreadable = false; ///< what can't be read too
     bool links = false; ///< whatever they lead to
+    std::pair<dev_t, ino_t> border = {}; ///< beyond which they lead nowhere
 
     bool operator==(const ListingShape &other) const
     {
         return order == other.order && foldersFirst == other.foldersFirst
             && folders == other.folders && hidden == other.hidden && unreadable == other.unreadable
-            && links == other.links;
+            && links == other.links && border == other.border;
     }
 };
 

@@ -61,6 +61,11 @@ void FolderReader::seek(qint64 position)
         errorNumber = errno;
 }
 
+std::pair<dev_t, ino_t> FolderReader::borderId() const
+{
+    return hidden ? hidden->borderId() : std::pair<dev_t, ino_t>();
+}
+
 EntryFacts FolderReader::facts(const Item &item) const
 {
     const bool link = item.type == DT_LNK;

@@ -5,6 +5,7 @@
 #include "files/HiddenFolders.h"
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 /// Reads the entries of one open folder, in the order in which the file system gives them. It can
@@ -44,6 +45,9 @@ public:
     void seek(qint64 position);
 
     int descriptor() const { return folder.get(); }
+
+    /// See `HiddenFolders::borderId`.
+    std::pair<dev_t, ino_t> borderId() const;
 
     /// Gives the descriptor back; the reader is of no use after that.
     FileDescriptor takeDescriptor() { return std::move(folder); }

@@ -27,8 +27,17 @@ QByteArray canonicalPath(const QString &folder)
 
 } // namespace
 
+HiddenFolders::HiddenFolders(const HiddenFolders &others, FileDescriptor shared)
+    : hidden(others.hidden)
+    , border(std::move(shared))
+{
+    const EntryFacts facts = openFacts(border.get());
+    borderDevice = facts.device;
+    borderInode = facts.inode;
+}
+
 HiddenFolders::HiddenFolders(const QStringList &folders, FileDescriptor shared)
-    : border(std::move(shared))
+    : HiddenFolders(HiddenFolders(), std::move(shared))
 {
     for (const QString &folder : folders) {
         const QByteArray path = canonicalPath(folder);

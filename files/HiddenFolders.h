@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QStringList>
 
+#include <utility>
 #include <vector>
 
 #include <sys/types.h>
@@ -22,6 +23,12 @@ public:
     /// `folders` are absolute; they need not exist. All outside the open folder `shared` is hidden
     /// too, when there is one.
     explicit HiddenFolders(const QStringList &folders, FileDescriptor shared = {});
+
+    /// Those of `others`, and all outside the open folder `shared`.
+    HiddenFolders(const HiddenFolders &others, FileDescriptor shared);
+
+    /// What tells the folder from others outside of which all is hidden; zeros when there is none.
+    std::pair<dev_t, ino_t> borderId() const { return { borderDevice, borderInode }; }
 
     bool isEmpty() const { return hidden.empty() && !border.isOpen(); }
 
@@ -54,4 +61,6 @@ private:
 
     std::vector<Folder> hidden;
     FileDescriptor border;
+    dev_t borderDevice = 0;
+    ino_t borderInode = 0;
 };

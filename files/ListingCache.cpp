@@ -50,9 +50,10 @@ ListingCache::ListingCache(DiskWorker &diskWorker, QObject *parent)
 {
 }
 
-void ListingCache::list(FolderReader folder, const ListingShape &shape,
-                        FolderListing::Window window, QObject *context, Done done)
+void ListingCache::list(FolderReader folder, ListingShape shape, FolderListing::Window window,
+                        QObject *context, Done done)
 {
+    shape.border = folder.borderId();
     list(std::move(folder), shape, Waiter{ context, window, std::move(done) });
 }
 

@@ -29,7 +29,7 @@ public:
     /// the folder is small, so let it be the caller's last step. Not called once `context` is gone.
     /// `folder` is at its start. The listing is null when there is too little memory for it, or was
     /// for what `done` made of it: that call is then the second one.
-    void list(FolderReader folder, const ListingShape &shape, FolderListing::Window window,
+    void list(FolderReader folder, ListingShape shape, FolderListing::Window window,
               QObject *context, Done done);
 
     /// Keeps none any longer.

@@ -33,6 +33,12 @@ Place noPlace(int error)
     return {};
 }
 
+std::nullopt_t noName(int error)
+{
+    errno = error;
+    return std::nullopt;
+}
+
 bool isMerePlace(int flags)
 {
     return (flags & O_PATH) != 0;
@@ -91,10 +97,28 @@ std::optional<Share> Share::at(const QString &path, const QStringList &hidden, L
     FileDescriptor border = confined ? duplicate(share.root.get()) : FileDescriptor();
     if (confined && !border.isOpen())
         return {};
-    share.setHidden(hidden, std::move(border));
+    share.setHidden(HiddenFolders(hidden, std::move(border)));
+    share.wholly = share.hidden->coversOpen(share.root.get());
     if (!share.folder && links == Links::Beneath)
         share.stood = share.placeOf(pathOf(share.root.get()));
     return share;
+}
+
+std::shared_ptr<const Share> Share::partOf(std::shared_ptr<const Share> whole,
+                                           const QByteArray &path)
+{
+    Share part;
+    part.top = cleanPath(path);
+    part.folder = true;
+    part.links = Links::Beneath;
+    part.root = whole->open(part.top, placeFlags | O_DIRECTORY);
+    FileDescriptor border = part.root.isOpen() ? duplicate(part.root.get()) : FileDescriptor();
+    if (border.isOpen())
+        part.setHidden(HiddenFolders(*whole->hidden, std::move(border)));
+    else
+        part.failure = errno;
+    part.outer = std::move(whole);
+    return std::make_shared<const Share>(std::move(part));
 }
 
 bool Share::isSame(const Share &other) const
@@ -103,10 +127,9 @@ bool Share::isSame(const Share &other) const
         && isSameEntry(entryFacts(root.get()), entryFacts(other.root.get()));
 }
 
-void Share::setHidden(const QStringList &hiddenFolders, FileDescriptor border)
+void Share::setHidden(HiddenFolders all)
 {
-    hidden = std::make_shared<const HiddenFolders>(hiddenFolders, std::move(border));
-    wholly = hidden->coversOpen(root.get());
+    hidden = std::make_shared<const HiddenFolders>(std::move(all));
     hiddenBelow = hidden->below(pathOf(root.get()));
 }
 
@@ -125,23 +148,42 @@ bool Share::isRemoved() const
     return ::fstat(root.get(), &status) == 0 && status.st_nlink == 0;
 }
 
-FileDescriptor Share::open(const QByteArray &path, int flags) const
+/// What `path` names, clean and relative to the root. None, with `errno`, when it is not for us.
+std::optional<QByteArray> Share::named(const QByteArray &path) const
 {
     if (namesNothing(path))
-        return failed(ENOENT);
-    const QByteArray clean = cleanPath(path);
+        return noName(ENOENT);
+    QByteArray clean = cleanPath(path);
+    if (failure != 0)
+        return noName(failure);
+    if (outer) {
+        if (!isWithin(clean, top))
+            return noName(ENOENT);
+        clean = pathBelow(clean, top);
+    }
     if (isHidden(clean))
-        return failed(ENOENT);
+        return noName(ENOENT);
+    return clean;
+}
+
+FileDescriptor Share::open(const QByteArray &path, int flags) const
+{
+    const std::optional<QByteArray> clean = named(path);
+    return clean ? openNamed(*clean, patient(flags)) : FileDescriptor();
+}
+
+FileDescriptor Share::openNamed(const QByteArray &clean, int flags) const
+{
     if (!folder)
-        return openSingle(clean, patient(flags));
+        return openSingle(clean, flags);
     // Below it nothing is found then anyway.
     if (clean.isEmpty() && isRemoved())
         return failed(ENOENT);
     // Without links and mounts on the way the path is what it says: its name was enough.
-    FileDescriptor found = openPlain(root.get(), clean, patient(flags));
+    FileDescriptor found = openPlain(root.get(), clean, flags);
     if (found.isOpen() || (errno != ELOOP && errno != EXDEV))
         return found;
-    return openLinked(clean, patient(flags));
+    return openLinked(clean, flags);
 }
 
 FileDescriptor Share::openLinked(const QByteArray &clean, int flags) const
@@ -197,6 +239,9 @@ std::optional<OpenFile> Share::openFile(const QByteArray &path) const
 
 bool Share::leadsStillTo(const QByteArray &path, const EntryFacts &found) const
 {
+    // Who sees the whole may have opened it through a link that leads out of the part.
+    if (outer)
+        return isUntouched(found, entryFacts(open(path, placeFlags).get()));
     return folder && isUntouched(found, linkFacts(root.get(), cleanPath(path).constData()));
 }
 
@@ -229,15 +274,16 @@ EntryFacts Share::facts(const QByteArray &path) const
 
 Place Share::place(const QByteArray &path) const
 {
-    if (namesNothing(path))
-        return noPlace(ENOENT);
-    const QByteArray clean = cleanPath(path);
-    if (isHidden(clean))
-        return noPlace(ENOENT);
+    const std::optional<QByteArray> clean = named(path);
+    return clean ? placeNamed(*clean) : Place();
+}
+
+Place Share::placeNamed(const QByteArray &clean) const
+{
     if (clean.isEmpty())
         return rootPlace();
     Place found;
-    found.folder = open(parentPath(clean), O_PATH | O_DIRECTORY);
+    found.folder = openNamed(parentPath(clean), placeFlags | O_DIRECTORY);
     if (!found.folder.isOpen())
         return {};
     found.name = namePart(clean);
@@ -295,19 +341,19 @@ Place Share::checked(Place found) const
 /// looks anew at each of its levels.
 int Share::makeFolders(const QByteArray &path) const
 {
-    if (open(path, O_PATH | O_DIRECTORY).isOpen())
+    const std::optional<QByteArray> clean = named(path);
+    if (!clean)
+        return errno;
+    if (openNamed(*clean, placeFlags | O_DIRECTORY).isOpen())
         return 0;
-    const QByteArray clean = cleanPath(path);
-    if (namesNothing(path) || isHidden(clean))
-        return ENOENT;
     // Below it nobody could name it.
-    if (clean.size() >= PATH_MAX)
+    if (clean->size() >= PATH_MAX)
         return ENAMETOOLONG;
-    QByteArray above = parentPath(clean);
-    while (!above.isEmpty() && !open(above, O_PATH | O_DIRECTORY).isOpen())
+    QByteArray above = parentPath(*clean);
+    while (!above.isEmpty() && !openNamed(above, placeFlags | O_DIRECTORY).isOpen())
         above = parentPath(above);
-    const QList<QByteArray> names = clean.mid(above.isEmpty() ? 0 : above.size() + 1).split('/');
-    Place next = place(joinedPath(above, names.front()));
+    const QList<QByteArray> names = clean->mid(above.isEmpty() ? 0 : above.size() + 1).split('/');
+    Place next = placeNamed(joinedPath(above, names.front()));
     for (int made = 1; next.isValid(); ++made) {
         FileDescriptor level = makeFolderAt(next);
         if (!level.isOpen())

@@ -39,6 +39,16 @@ public:
     /// folder.
     static std::optional<Share> at(const QString &path, const QStringList &hidden, Links links);
 
+    /// The part of `whole` that is all who have the folder at `path` for their own may see. Paths
+    /// stay those of `whole`, but what lies elsewhere does not exist, and links end at the border
+    /// of that folder whatever `whole` does with them. While it can't be opened, neither can
+    /// anything in it, for the same reason.
+    static std::shared_ptr<const Share> partOf(std::shared_ptr<const Share> whole,
+                                               const QByteArray &path);
+
+    /// That this is a part of; null when it is none.
+    const std::shared_ptr<const Share> &whole() const { return outer; }
+
     bool isFolder() const { return folder; }
 
     /// Whether both were opened by the same path and are the same file or folder.
@@ -81,18 +91,24 @@ public:
 private:
     Share() = default;
 
-    void setHidden(const QStringList &hiddenFolders, FileDescriptor border);
+    void setHidden(HiddenFolders all);
     bool isHidden(const QByteArray &clean) const;
     bool isRemoved() const;
+    std::optional<QByteArray> named(const QByteArray &path) const;
+    FileDescriptor openNamed(const QByteArray &clean, int flags) const;
     FileDescriptor openSingle(const QByteArray &clean, int flags) const;
     FileDescriptor openReplaced(int flags) const;
     FileDescriptor openLinked(const QByteArray &clean, int flags) const;
+    Place placeNamed(const QByteArray &clean) const;
     Place rootPlace() const;
     Place placeOf(const QByteArray &absolutePath) const;
     Place checked(Place found) const;
 
     FileDescriptor root; ///< a mere place (`O_PATH`)
     QByteArray rootPath; ///< that it was opened by
+    std::shared_ptr<const Share> outer; ///< of a part
+    QByteArray top; ///< the path of the root of a part in the whole
+    int failure = 0; ///< why the root of a part is not open
     Place stood; ///< where a single file did at Start, unless links are followed
     bool folder = false;
     Links links = Links::Followed;
@@ -100,3 +116,9 @@ private:
     std::shared_ptr<const HiddenFolders> hidden;
     std::vector<QByteArray> hiddenBelow; ///< relative paths without links
 };
+
+/// `share`, or that which it is a part of.
+inline const std::shared_ptr<const Share> &wholeOf(const std::shared_ptr<const Share> &share)
+{
+    return share && share->whole() ? share->whole() : share;
+}

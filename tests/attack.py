@@ -19,6 +19,7 @@ SERVE, MAKE_PROFILE = sys.argv[1:3]
 SECRET = b"what is outside"
 TOLD = re.compile(SECRET + rb"|root:x:0|7777777777777|<img src=x|^Location: //", re.M)
 MARKUP = b"<script>alert(1)"
+LOGIN = "Authorization: Basic YW5uYTpzZWNyZXQ="
 PATIENCE = 10  # seconds
 PAUSE = 0.3  # seconds after which no further reply is to be expected
 FACES = {  # what serves: profile, mode, what is shared
@@ -27,6 +28,7 @@ FACES = {  # what serves: profile, mode, what is shared
     "s": ("plain", "standard", "share"),
     "1": ("plain", "standard", "share/a.txt"),
     "l": ("locked", "standard", "share"),
+    "h": ("homes", "standard", "."),
 }
 BULK = {
     "LONG": lambda n: f"GET /a.txt; X: {'x' * n}",
@@ -57,9 +59,11 @@ class World:
         self.home.mkdir(parents=True)
         for profile in ("plain", "strict"):
             subprocess.run([MAKE_PROFILE, profile], env=self.environment, check=True)
-        subprocess.run([MAKE_PROFILE, "locked", "anna:secret"], env=self.environment, check=True)
-        with open(self.home / ".quillon/strict.cnf.ini", "a", encoding="ascii") as text:
-            text.write("strict = yes\n")
+        for profile in ("locked", "homes"):
+            subprocess.run([MAKE_PROFILE, profile, "anna:secret"], env=self.environment, check=True)
+        for profile, line in ("strict", "strict = yes"), ("homes", "account.anna = all; /share"):
+            with open(self.home / f".quillon/{profile}.cnf.ini", "a", encoding="ascii") as text:
+                text.write(line + "\n")
         self.fill()
         self.servers = {}
         self.ports = {}
@@ -157,6 +161,8 @@ def exchange(port, data, ends):
 def faults(world, face, allowed, data, ends):
     """What is wrong with how a face takes a request."""
     port = world.ports[face]
+    if face == "h":
+        data = data.replace(b"\r\nHost:", f"\r\n{LOGIN}\r\nHost:".encode(), 1)
     try:
         answer = exchange(port, data, ends)
     except TimeoutError:
@@ -180,7 +186,7 @@ def faults(world, face, allowed, data, ends):
         shutil.rmtree(world.outside)
     world.fill()
     target = "/" if face == "1" else "/a.txt"
-    if not exchange(port, *request(f"GET {target}; Authorization: Basic YW5uYTpzZWNyZXQ=", port)
+    if not exchange(port, *request(f"GET {target}; {LOGIN}", port)
                     ).startswith(b"HTTP/1.1 200"):
         found.append("it serves no more")
     return found

@@ -140,7 +140,7 @@ public:
         for (const Lock *lock : locks->below(pathsToEntry(share.get(), path)))
             known.push_back(lock->paths.front());
         for (const QByteArray &each : known) {
-            const EntryFacts found = share->facts(each);
+            const EntryFacts found = wholeOf(share)->facts(each);
             if (!found.exists && !found.link)
                 removed(each);
         }

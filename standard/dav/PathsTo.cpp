@@ -19,7 +19,7 @@ QByteArray absolutePath(const Share &share, const QByteArray &path)
 /// What lies elsewhere has no other name in the share.
 void add(Paths &paths, const Share &share, const QByteArray &absolute)
 {
-    const QByteArray root = absolutePath(share, {});
+    const QByteArray root = absolutePath(share.whole() ? *share.whole() : share, {});
     if (root.isEmpty() || !isWithin(absolute, root))
         return;
     const QByteArray name = absolute == root ? QByteArray("") : pathBelow(absolute, root);

@@ -1,6 +1,7 @@
 #include "standard/http/Exchange.h"
 
 #include "files/Path.h"
+#include "files/Share.h"
 #include "standard/http/Protection.h"
 #include "standard/http/Reserved.h"
 
@@ -28,6 +29,8 @@ void Exchange::begin(Request request)
 void Exchange::setAccess(const Access &found)
 {
     visitor = found;
+    if (served && !visitor.home.isEmpty())
+        served = Share::partOf(served, visitor.home);
     // The server's own names are the same for all.
     if (!isReserved(cleaned))
         cleaned = visitor.inShare(cleaned);
@@ -66,7 +69,7 @@ bool Exchange::namesFolder() const
 /// What it knows is about what is served now.
 Guard *Exchange::guard() const
 {
-    return served == m_service.share ? m_routes.guard.get() : nullptr;
+    return wholeOf(served) == m_service.share ? m_routes.guard.get() : nullptr;
 }
 
 bool Exchange::mayChange(const std::vector<Change> &changes)

@@ -30,7 +30,7 @@ public:
     const Routes &routes() const { return m_routes; }
 
     /// What is served, from the beginning of the request to its end, whatever is chosen meanwhile.
-    /// Null when it can't be opened.
+    /// For a visitor who has a home that part of it. Null when it can't be opened.
     const std::shared_ptr<const Share> &share() const { return served; }
 
     /// Knows what must not be changed in it; null when everything may be.

@@ -35,7 +35,7 @@ public:
     struct Upload
     {
         QByteArray visitor;
-        std::shared_ptr<const Share> share;
+        std::shared_ptr<const Share> share; ///< the whole one
         QPointer<DiskWorker> disk; ///< that of the program
         QByteArray folder; ///< where it stands, a path of the share
         dev_t device = 0; ///< of the same

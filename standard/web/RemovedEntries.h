@@ -29,7 +29,7 @@ public:
     struct Removed
     {
         QByteArray visitor;
-        std::shared_ptr<const Share> share;
+        std::shared_ptr<const Share> share; ///< the whole one
         QPointer<DiskWorker> disk; ///< that of the program
         QByteArray path; ///< of the share, where it was
         Place hidden; ///< where it is: beside that, wherever the folder goes

@@ -21,7 +21,7 @@ void UndoableDelete::remove(Place target)
     if (const auto tree = guarded())
         tree->removed(exchange.path());
     const QByteArray id =
-        exchange.routes().removed->keep({ visitorOf(exchange), exchange.share(), &disk(),
+        exchange.routes().removed->keep({ visitorOf(exchange), wholeOf(exchange.share()), &disk(),
                                           exchange.path(), std::move(hidden), std::move(unswept) });
     const UrlSpace urls{ exchange.urls().prefix, {} };
     exchange.reply(Status::NoContent,
@@ -39,7 +39,7 @@ void Undo::start()
     RemovedEntries &all = *exchange.routes().removed;
     const QByteArray id = pathBelow(exchange.path(), undoPath);
     const RemovedEntries::Removed *found = all.find(id, visitorOf(exchange));
-    if (!found || found->share != exchange.share())
+    if (!found || found->share != wholeOf(exchange.share()))
         return exchange.refuse(Status::NotFound, "It is gone.");
     const QByteArray path = found->path;
     if (!isPermitted(Right::Delete, path)

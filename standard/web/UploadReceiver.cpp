@@ -59,9 +59,9 @@ std::shared_ptr<OpenUploads::Upload> UploadReceiver::enter(const PartialUpload &
 {
     const EntryFacts folder = entryFacts(begun.place().folder.get());
     return uploads().enter(begun.id(),
-                           { peerNameOf(exchange), exchange.share(), &disk(), parentPath(m_target),
-                             folder.device, begun.record().length - begun.offset(),
-                             begun.expires() });
+                           { peerNameOf(exchange), wholeOf(exchange.share()), &disk(),
+                             parentPath(m_target), folder.device,
+                             begun.record().length - begun.offset(), begun.expires() });
 }
 
 void UploadReceiver::resume(PartialUpload claimed)

@@ -49,6 +49,7 @@ private Q_SLOTS:
     void paths();
     void places();
     void keptFilesAreNeverOld();
+    void aClosedShareIsNotLeft_data();
     void aClosedShareIsNotLeft();
     void hiddenFoldersShowNowhere();
     void mountsLeadToNothingHidden();
@@ -190,18 +191,27 @@ void ShareTest::places()
     QVERIFY(!share.facts("/").exists && !share.place("/new").isValid());
 }
 
+void ShareTest::aClosedShareIsNotLeft_data()
+{
+    columns<QByteArray>({ "top" });
+    row("links are not followed out", "");
+    row("a part of one where they are", "share/");
+}
+
 void ShareTest::aClosedShareIsNotLeft()
 {
+    QFETCH(const QByteArray, top);
     const Disk disk;
     for (const char *name : { "share/tree/in/a", "outside/b", "share/c" })
         disk.write(name);
     disk.link("share/tree/out", "../../outside");
     disk.link("share/tree/outFile", disk.native("outside/b"));
     disk.link("share/tree/again", "../c");
-    const auto share =
-        std::make_shared<const Share>(disk.share("share", "none", Share::Links::Beneath));
+    const auto share = top.isEmpty()
+        ? std::make_shared<const Share>(disk.share("share", "none", Share::Links::Beneath))
+        : Share::partOf(std::make_shared<const Share>(disk.share()), top);
     QVERIFY(QFile::rename(disk.path("share"), disk.path("moved")));
-    std::optional<FolderReader> reader = share->openFolder("tree");
+    std::optional<FolderReader> reader = share->openFolder(top + "tree");
     QStringList visible;
     for (FolderReader::Item item; reader->next(item);) {
         if (reader->facts(item).exists)
@@ -211,14 +221,16 @@ void ShareTest::aClosedShareIsNotLeft()
     QCOMPARE(visible.join(QLatin1Char(' ')), QStringLiteral("again in"));
     // As if they were put there after the look at them.
     QVERIFY(!reader->openFile("outFile").isOpen() && reader->openFile("again").isOpen());
-    QVERIFY(!reader->openFolder("out").isOpen() && !share->place("tree/out/new").isValid());
-    QVERIFY(share->makeFolders("tree/out/new") != 0 && !share->target("tree/outFile").isValid());
-    EntryCopy copy(share, "tree", share->place("copy"), EntryCopy::Depth::Whole);
+    QVERIFY(!reader->openFolder("out").isOpen() && !share->place(top + "tree/out/new").isValid());
+    QVERIFY(share->makeFolders(top + "tree/out/new") != 0);
+    QVERIFY(!share->target(top + "tree/outFile").isValid());
+    QVERIFY(!share->facts(top + "../outside/b").exists && share->facts(top).folder);
+    EntryCopy copy(share, top + "tree", share->place(top + "copy"), EntryCopy::Depth::Whole);
     runToEnd(copy);
     QVERIFY(disk.exists("moved/copy/in/a") && disk.exists("moved/copy/again"));
     QVERIFY(!disk.exists("moved/copy/out") && !disk.exists("moved/copy/outFile"));
     // The links themselves can go.
-    QCOMPARE(removeAt(share->place("tree")), 5);
+    QCOMPARE(removeAt(share->place(top + "tree")), 5);
     QVERIFY(disk.exists("outside/b"));
 }
 

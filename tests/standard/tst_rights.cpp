@@ -44,6 +44,7 @@ private Q_SLOTS:
     void methodsTakeTheirRights();
     void whoOnlyAddsLearnsNothing();
     void homesAreRoots();
+    void linksEndAtHomes();
     void pagesLearnThem();
     void accountsNeedALogin();
 };
@@ -195,6 +196,31 @@ void TestRights::homesAreRoots()
     server.profile->accountRights.insert(QStringLiteral("d"), { {}, "/missing" });
     QCOMPARE(server.status("GET", "/", mine), 404);
     QCOMPARE(server.status("PUT", "/x", mine, "new"), 409);
+}
+
+/// Where the profile is not strict, those of others lead on.
+void TestRights::linksEndAtHomes()
+{
+    SharedFolders server;
+    server.askForLogin("h:1 all:2");
+    server.profile->accountRights.insert(QStringLiteral("h"), { {}, "/h" });
+    for (const auto &[name, target] :
+         { std::pair("h", "d"), { "d/out", "../e" }, { "d/file", "../a" }, { "d/h", "." } })
+        QVERIFY(QFile::link(QString::fromUtf8(target), server.sharePath(QString::fromUtf8(name))));
+    const QByteArray mine = basicLogin("h:1");
+    const QByteArray others = basicLogin("all:2");
+    for (const char *path : { "/out/x", "/out/", "/file", "/file?preview=160" }) {
+        QCOMPARE(server.status("GET", "/h/out/x", others), 200);
+        QCOMPARE(server.status("GET", path, mine), 404);
+    }
+    const RawReply found =
+        replyTo(server, "PROPFIND", "/?contains=x", mine + "Depth: infinity\r\n");
+    QVERIFY(found.body.contains("/x<") && !found.body.contains("/out/"));
+    QVERIFY(!replyTo(server, "GET", "/?archive=zip", mine).body.contains("e/x"));
+
+    QCOMPARE(server.status("PUT", "/h/x", mine, "new"), 204);
+    QCOMPARE(server.status("LOCK", "/d/x", others, lockBody), 200);
+    QCOMPARE(server.status("PUT", "/h/x", mine, "newer"), 423);
 }
 
 void TestRights::pagesLearnThem()
