@@ -85,16 +85,12 @@ void ServerRow::settle(StartDoubt doubt)
 
 ServerRow::Refusal ServerRow::tryStart()
 {
-    if (profile()->fileState() == Profile::FileState::TextUnreadable)
-        return { unreadableText(), profile()->fileInTheWay() };
-    if (!profile()->isUsable())
-        return { tr("The profile can't be used until its settings are saved"),
-                 profile()->fileName() };
+    const Refusal refusal = profileRefusal();
+    if (!refusal.title.isEmpty())
+        return refusal;
     share(missing); // it may be back
     if (!missing.isEmpty())
         return { shareRefusal(missing), tr("Choose what to share.") };
-    if (const QString problem = keyProblem(); !problem.isEmpty())
-        return { tr("Unable to start the server"), problem, true };
     if (!m_server->start()) {
         qCDebug(desktopLog) << "not started:" << url() << m_server->errorString();
         return { tr("Unable to start the server"),
@@ -109,34 +105,48 @@ ServerRow::Refusal ServerRow::tryStart()
 void ServerRow::start()
 {
     const Refusal refusal = tryStart();
-    if (refusal.forKeys)
-        return Q_EMIT keysRefused(refusal.text);
     if (!refusal.title.isEmpty())
-        return setup->sink->msg(refusal.title, refusal.text);
+        return tell(refusal);
     const QString path = m_server->shared().filePath();
     if (!QFileInfo::exists(path))
         setup->sink->msg(missingText(path), tr("Choose what to share."));
 }
 
-/// Empty when the keys can be used, or none are needed.
-QString ServerRow::keyProblem() const
+/// That of a row whose profile or keys can't be used.
+ServerRow::Refusal ServerRow::profileRefusal() const
 {
+    if (profile()->fileState() == Profile::FileState::TextUnreadable)
+        return { unreadableText(), profile()->fileInTheWay() };
+    if (!profile()->isUsable())
+        return { tr("The profile can't be used until its settings are saved"),
+                 profile()->fileName() };
     if (!profile()->usesTls() || m_server->isTlsReady())
         return {};
     QString problem;
     // They may have come since they were looked for.
     if (TlsIdentity::load(*profile(), &problem))
         m_server->profileEdited(profile());
-    return problem;
+    if (problem.isEmpty())
+        return {};
+    return { tr("Unable to start the server"), problem, true };
 }
 
-void ServerRow::stopWithoutKeys()
+void ServerRow::tell(const Refusal &refusal)
 {
-    const QString problem = isListening() ? keyProblem() : QString();
-    if (problem.isEmpty())
+    if (refusal.forKeys)
+        Q_EMIT keysRefused(refusal.text);
+    else
+        setup->sink->msg(refusal.title, refusal.text);
+}
+
+/// With another profile a server goes on only where it could start.
+void ServerRow::stopRefused()
+{
+    const Refusal refusal = isListening() ? profileRefusal() : Refusal();
+    if (refusal.title.isEmpty())
         return;
     stop();
-    Q_EMIT keysRefused(problem);
+    tell(refusal);
 }
 
 bool ServerRow::isTransferring() const
@@ -187,7 +197,7 @@ void ServerRow::useProfile(Profile *profile)
 {
     former.clear();
     m_server->setProfile(profile);
-    stopWithoutKeys();
+    stopRefused();
     Q_EMIT reachChanged();
     Q_EMIT stateChanged();
 }
@@ -212,7 +222,7 @@ void ServerRow::profileChanged(int oldPort)
         profiles->global()->expertMode ? !isListening() && m_server->port == oldPort : !addedPort;
     if (follows && profile()->port != oldPort)
         setPort(profile()->port);
-    stopWithoutKeys();
+    stopRefused();
     Q_EMIT changed();
 }
 

@@ -68,6 +68,8 @@ public:
     void share(const QString &path);
 
     Profile *profile() const override { return m_server->profile(); }
+
+    /// A server that listens stops, with a word, where the profile can't be used.
     void useProfile(Profile *profile) override;
 
     /// The values of the row's profile have changed; its port was `oldPort`. A port that is the
@@ -108,8 +110,9 @@ Q_SIGNALS:
 
 private:
     qint64 trafficBytes() const { return m_server->sentBytes() + m_server->receivedBytes(); }
-    QString keyProblem() const;
-    void stopWithoutKeys();
+    Refusal profileRefusal() const;
+    void tell(const Refusal &refusal);
+    void stopRefused();
     QString restoreContent(const QString &path);
 
     const Profiles *profiles;

@@ -203,8 +203,11 @@ private Q_SLOTS:
         device.addFile(".quillon/work.cnf", "junk");
         device.reopen();
         Profile *work = device.home.profiles->find("work"_q);
-        device.row()->useProfile(work);
         device.row()->setPort(freePort());
+        QCOMPARE(device.refusal(), QString());
+        device.row()->useProfile(work);
+        QVERIFY(!device.row()->isListening());
+        QVERIFY(device.sink.messages.value(0).endsWith(".quillon/work.cnf"_q));
         QVERIFY(device.refusal().endsWith(".quillon/work.cnf"_q));
         QVERIFY(work->save());
         QCOMPARE(device.refusal(), QString());
