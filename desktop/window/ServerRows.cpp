@@ -29,10 +29,9 @@ bool isListening(const ServerRow *row)
 }
 
 /// Rows may go while the user is asked; a no holds for those that follow too.
-void startInTurn(ServerRows *rows, const QList<ServerRow *> &turn)
+void startInTurn(ServerRows *rows, const QList<QPointer<ServerRow>> &turn)
 {
-    const QList<QPointer<ServerRow>> still(turn.begin(), turn.end());
-    for (const QPointer<ServerRow> &row : still) {
+    for (const QPointer<ServerRow> &row : turn) {
         if (!rows->start(row))
             return;
     }
@@ -103,6 +102,7 @@ void ServerRows::append(ServerRow *row)
 {
     rows.append(row);
     connect(row, &ServerRow::reachChanged, this, [this, row] { tellReach(row); });
+    connect(row, &ServerRow::stateChanged, this, &ServerRows::askAnew);
     connect(row, &ServerRow::keysRefused, this,
             [this, row](const QString &reason) { Q_EMIT keysRefused(row, reason); });
     connect(row->server(), &WebServer::dataLimit, this, &ServerRows::dataLimit);
@@ -196,7 +196,7 @@ void ServerRows::startShown()
     const QList<ServerRow *> shown = shownRows();
     if (shown.isEmpty())
         setup->sink->msg(tr("There is no address to serve at"), tr("Connect to a network first."));
-    startInTurn(this, shown);
+    startInTurn(this, { shown.begin(), shown.end() });
     if (isRunning())
         Q_EMIT publicAddressWanted();
 }
@@ -248,11 +248,21 @@ void ServerRows::profileEdited(Profile *edited)
     m_mode.look();
     if (live->usesTls() != tls && current())
         tellReach(current());
-    // What was to be asked before the start is asked now.
-    const QList<ServerRow *> doubtful = filtered(users, [](const ServerRow *row) {
-        return row->isListening() && row->doubt() == StartDoubt::HomeIsOpen;
+    askAnew();
+}
+
+/// What was to be asked before the start is asked now; meanwhile the row rests.
+void ServerRows::askAnew()
+{
+    const QList<ServerRow *> asking = filtered(rows, [](const ServerRow *row) {
+        return row->isListening() && row->doubt() != StartDoubt::None;
     });
-    for (ServerRow *row : doubtful)
+    for (ServerRow *row : asking) {
         row->stop();
-    startInTurn(this, doubtful);
+        doubtful.append(row);
+    }
+    // Queued: the other rows may be given the same, and one answer is for all of them.
+    if (!asking.isEmpty())
+        QMetaObject::invokeMethod(
+            this, [this] { startInTurn(this, std::exchange(doubtful, {})); }, Qt::QueuedConnection);
 }

@@ -51,7 +51,8 @@ public:
     /// Whether any server is listening.
     bool isRunning() const;
 
-    /// Who is asked about doubts before a start; without anybody a row with a doubt stays stopped.
+    /// Who is asked about doubts before a start, or once a row that runs gives cause for them: it
+    /// is stopped until then. Without anybody a row with a doubt stays stopped.
     void setQuestion(StartQuestion question) { ask = std::move(question); }
 
     /// Starts a row once its doubts are settled. False when the user refuses.
@@ -110,10 +111,12 @@ Q_SIGNALS:
 private:
     void append(ServerRow *row);
     void tellReach(ServerRow *row);
+    void askAnew();
 
     Profiles *profiles;
     std::shared_ptr<const ServerSetup> setup;
     QList<ServerRow *> rows; ///< children
+    QList<QPointer<ServerRow>> doubtful; ///< stopped until the user is asked
     StartQuestion ask;
     int m_current = -1; ///< index of a row
     GlobalMode m_mode;

@@ -270,6 +270,22 @@ private Q_SLOTS:
             QVERIFY2(asked == 3 && device.row(1)->isListening(), run);
             device.rows->stopAll();
         }
+        // Rows that run wait for the answer too.
+        for (const auto given : { StartAnswer::No, StartAnswer::Yes }) {
+            QSettings().clear();
+            answer = given;
+            device.keeper->share(device.path("res"));
+            device.rows->startOrStop();
+            device.keeper->share(device.home.path());
+            QVERIFY(!device.rows->isRunning());
+            QTRY_COMPARE(asked, given == StartAnswer::No ? 4 : 5);
+            QCOMPARE(device.row(1)->isListening(), given == StartAnswer::Yes);
+        }
+        Profile *open = device.home.profiles->duplicate(device.global(), "open"_q);
+        device.edit([](Profile &edited) { edited.authMode = AuthBasic; });
+        QSettings().clear();
+        device.row()->useProfile(open);
+        QVERIFY(!device.row()->isListening() && device.row(1)->isListening());
     }
 
     void addressComesAndGoes()
