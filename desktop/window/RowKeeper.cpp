@@ -83,20 +83,17 @@ void RowKeeper::loadLocal()
 void RowKeeper::followNetwork()
 {
     const bool running = m_rows.isRunning();
-    const QList<ServerRow *> before = m_rows.all();
     isFollowing = true;
     resumed.clear();
+    joining.clear();
     dropVanished();
     addFound();
     isFollowing = false;
     // In simple mode the rows run or rest together.
-    const bool startsNew = running || (!m_rows.mode()->isExpert() && !resumed.isEmpty());
-    const QList<ServerRow *> now = m_rows.all();
-    for (ServerRow *row : now) {
-        const bool isNew = !before.contains(row) && !row->isAddedPort();
-        if ((startsNew && isNew) || resumed.contains(row))
-            startUnasked(row);
-    }
+    if (running || (!m_rows.mode()->isExpert() && !resumed.isEmpty()))
+        resumed += joining;
+    for (ServerRow *row : std::as_const(resumed))
+        startUnasked(row);
     Q_EMIT loaded();
     if (m_rows.currentIndex() < 0 && !m_rows.all().isEmpty())
         m_rows.setCurrent(0);
@@ -104,6 +101,7 @@ void RowKeeper::followNetwork()
 
 void RowKeeper::dropVanished()
 {
+    const bool running = m_rows.isRunning();
     const QList<ServerRow *> before = m_rows.all();
     for (ServerRow *row : before) {
         if (network.has(row->address()))
@@ -111,10 +109,13 @@ void RowKeeper::dropVanished()
         if (row->isListening())
             Q_EMIT told(ServerRows::tr("The network address is gone, the server waits for it: %1")
                             .arg(row->url()));
-        if (m_rows.mode()->isExpert())
-            saved.keep(row->state());
-        else if (!row->isAddedPort())
-            single = row->state();
+        SavedRow state = row->state();
+        state.restsAlone = running && !state.running;
+        saved.keep(state);
+        if (!m_rows.mode()->isExpert() && !row->isAddedPort()) {
+            state.running = running;
+            single = state;
+        }
         m_rows.remove(row);
     }
 }
@@ -122,7 +123,7 @@ void RowKeeper::dropVanished()
 void RowKeeper::addFound()
 {
     const QList<ServerRow *> &all = m_rows.all();
-    QList<std::pair<ServerRow *, QList<SavedRow>>> fresh;
+    QList<std::pair<ServerRow *, QList<SavedRow>>> found;
     for (const QNetworkAddressEntry &entry : network.addresses()) {
         const bool hasRow = std::any_of(all.begin(), all.end(), [&entry](const ServerRow *row) {
             return row->address() == entry.ip();
@@ -132,32 +133,44 @@ void RowKeeper::addFound()
         ServerRow *row = m_rows.add(entry);
         const QList<SavedRow> kept = saved.take(entry.ip().toString());
         restore(row, savedStateOf(row, kept));
-        fresh.append({ row, kept });
+        found.append({ row, kept });
     }
     // Behind the addresses, as they were added.
-    for (const auto &[row, kept] : std::as_const(fresh))
+    for (const auto &[row, kept] : std::as_const(found))
         restoreAddedPorts(row, kept);
 }
 
 // --- what is saved ------------------------------------------------------------------------------
 
 /// What a new row of an address takes over: its own earlier state in expert mode, that of all rows
-/// in simple mode.
+/// in simple mode. Whether it ran, and its count, are its own in both.
 SavedRow RowKeeper::savedStateOf(const ServerRow *row, const QList<SavedRow> &kept)
 {
-    const QList<ServerRow *> &all = m_rows.all();
-    if (!m_rows.mode()->isExpert()) {
-        if (all.constFirst() != row)
-            return all.constFirst()->state();
-        return single ? *std::exchange(single, std::nullopt) : fromFile(0);
-    }
     const auto own = std::find_if(kept.begin(), kept.end(),
                                   [](const SavedRow &each) { return !each.addedPort; });
-    if (own != kept.end())
+    const bool isBack = own != kept.end();
+    if (!m_rows.mode()->isExpert()) {
+        SavedRow state = stateOfAll(row);
+        state.running = isBack ? own->running : state.running;
+        state.restsAlone = isBack && own->restsAlone;
+        state.traffic = isBack ? own->traffic : 0;
+        return state;
+    }
+    if (isBack)
         return *own;
+    const QList<ServerRow *> &all = m_rows.all();
     const auto before = std::count_if(all.begin(), all.end() - 1,
                                       [](const ServerRow *each) { return !each->isAddedPort(); });
     return fromFile(saved.indexOf(int(before)));
+}
+
+/// What the rows share in simple mode, for `newest`.
+SavedRow RowKeeper::stateOfAll(const ServerRow *newest)
+{
+    const ServerRow *first = m_rows.all().constFirst();
+    if (first != newest)
+        return first->state();
+    return single ? *std::exchange(single, std::nullopt) : fromFile(0);
 }
 
 SavedRow RowKeeper::fromFile(int group)
@@ -180,6 +193,8 @@ void RowKeeper::restore(ServerRow *row, const SavedRow &state)
     takeOver(row, state);
     if (state.running)
         resumed.append(row);
+    else if (!state.restsAlone && !row->isAddedPort())
+        joining.append(row);
 }
 
 /// Content that is gone gets a box at the start alone: a network comes at any time.

@@ -41,8 +41,8 @@ public:
     /// Brings the rows in line with the device's addresses, those that were removed included.
     void loadLocal();
 
-    /// Does so when an address came or went, without those. While servers run, the new address is
-    /// served too, and one that was served goes on when it is back.
+    /// Does so when an address came or went, without those. While servers run, a new address is
+    /// served too. One that is back goes on as it was, with its count of traffic.
     void lookForChanges() { network.lookForChanges(); }
 
     /// A profile has another name; rows are saved by it.
@@ -63,6 +63,7 @@ private:
     void dropVanished();
     void addFound();
     SavedRow savedStateOf(const ServerRow *row, const QList<SavedRow> &kept);
+    SavedRow stateOfAll(const ServerRow *newest);
     SavedRow fromFile(int group);
     void restoreAddedPorts(const ServerRow *first, const QList<SavedRow> &kept);
     void restore(ServerRow *row, const SavedRow &state);
@@ -84,6 +85,7 @@ private:
     bool hasBegun = false; ///< with what was saved; from now on the network decides
     bool saveFailed = false; ///< and was told
     QList<ServerRow *> resumed; ///< rows that are to run as they did
+    QList<ServerRow *> joining; ///< rows that are to run when others do
     ServerRows m_rows;
     CertificateRenewal renewal{ &m_rows };
 };

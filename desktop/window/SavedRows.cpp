@@ -120,7 +120,7 @@ void SavedRows::renameProfile(const QString &from, const QString &to)
 void SavedRows::forgetRunning()
 {
     for (SavedRow &row : gone)
-        row.running = false;
+        row.running = row.restsAlone = false;
 }
 
 void SavedRows::writeRest(int rows)

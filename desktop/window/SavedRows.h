@@ -14,6 +14,8 @@ struct SavedRow
     bool addedPort = false; ///< a further port of an address that has a row of its own
     QString formerProfile; ///< see `ServerRow`; written in the place of `profile`
     bool running = false; ///< not in the file
+    bool restsAlone = false; ///< was stopped while others ran; not in the file
+    qint64 traffic = 0; ///< bytes that it sent and received; not in the file
     bool portDamaged = false; ///< a port is saved that is none
 
     static SavedRow read(QSettings *settings, int index);
@@ -59,7 +61,7 @@ public:
     /// Gives back what was kept of `address`, in the order in which it was kept.
     QList<SavedRow> take(const QString &address);
 
-    /// None of the kept rows is to go on running when its address is back.
+    /// All rows rest now: none of the kept ones is to go on by itself when its address is back.
     void forgetRunning();
 
     /// Writes the kept rows behind the first `rows` groups, and the number of all.

@@ -234,6 +234,7 @@ SavedRow ServerRow::state() const
     row.profile = profile()->name;
     row.formerProfile = former;
     row.running = isListening();
+    row.traffic = trafficBytes();
     row.address = address().toString();
     row.addedPort = addedPort;
     return row;
@@ -247,6 +248,8 @@ QString ServerRow::takeState(const SavedRow &saved)
     former = saved.formerProfile;
     QString refusal = restoreContent(saved.file.isEmpty() ? QDir::homePath() : saved.file);
     setPort(saved.port > 0 ? saved.port : profiles->global()->port);
+    m_server->stopAll(); // a limit that was reached before is not told again
+    m_server->addReceivedBytes(saved.traffic);
     Q_EMIT changed();
     return refusal;
 }

@@ -306,6 +306,15 @@ private Q_SLOTS:
             QCOMPARE(device.row(1)->isListening(), !expert); // it rested when the first one ran
             device.move({ loopback, second, "127.0.0.3"_q });
             QVERIFY(device.row(2)->isListening());
+            device.row(2)->server()->addReceivedBytes(2000);
+            device.row(2)->stop();
+            const QStringList all = device.addresses;
+            for (const QStringList &fewer : { QStringList{ loopback, second }, QStringList() }) {
+                device.move(fewer);
+                device.move(all); // all go on as they were
+                QVERIFY(device.row()->isListening() && !device.row(2)->isListening());
+                QCOMPARE(device.row(2)->server()->receivedBytes(), qint64(2000));
+            }
             device.keeper->remove(device.row(2));
             device.keeper->remove(device.row(1));
             device.keeper->lookForChanges();
@@ -317,6 +326,10 @@ private Q_SLOTS:
             device.addresses.append(second);
             device.keeper->loadLocal();
             QCOMPARE(device.rows->all().size(), 2);
+            device.move({ loopback });
+            device.row()->start();
+            device.move({ loopback, second });
+            QVERIFY(device.row(1)->isListening()); // it only was away at the start
             device.keeper->remove(device.row(1));
             QTRY_COMPARE(device.global()->useCount, 1);
         }
