@@ -20,6 +20,7 @@ RowKeeper::RowKeeper(Profiles *choice, const std::shared_ptr<const ServerSetup> 
                                  "begin anew, and none starts by itself. The file is kept as %1")
                       .arg(saved.damagedFile()),
                   saved.fileName());
+    removed = saved.removed();
     connect(&network, &DeviceNetwork::changed, this, [this] {
         followNetwork();
         Q_EMIT onlineChanged(hasNetwork());
@@ -69,7 +70,8 @@ void RowKeeper::remove(ServerRow *row)
 {
     // The address goes with its own row, not with a further port.
     if (!row->isAddedPort())
-        removed.insert(row->address().toString());
+        removed.append(row->address().toString());
+    saved.remove(int(m_rows.all().indexOf(row)));
     m_rows.remove(row);
 }
 
@@ -78,6 +80,7 @@ void RowKeeper::loadLocal()
     removed.clear();
     network.look();
     followNetwork();
+    saveSoon();
 }
 
 void RowKeeper::followNetwork()
@@ -272,6 +275,7 @@ bool RowKeeper::end()
 
 void RowKeeper::saveRows()
 {
+    saved.setRemoved(removed);
     const QList<ServerRow *> &all = m_rows.all();
     if (m_rows.mode()->isExpert()) {
         int group = 0;

@@ -6,7 +6,7 @@
 #include "desktop/window/ServerRows.h"
 
 #include <QObject>
-#include <QSet>
+#include <QStringList>
 #include <QTimer>
 
 #include <memory>
@@ -35,7 +35,7 @@ public:
     /// all of them, now and when the network comes.
     void share(const QString &path, ServerRow *row = nullptr);
 
-    /// Removes a row. Its address stays without one until `loadLocal`.
+    /// Removes a row. Its address stays without one until `loadLocal`, in later runs too.
     void remove(ServerRow *row);
 
     /// Brings the rows in line with the device's addresses, those that were removed included.
@@ -79,7 +79,7 @@ private:
     DeviceNetwork network;
     SavedRows saved;
     std::optional<SavedRow> single; ///< simple mode: what the next row takes over
-    QSet<QString> removed; ///< addresses whose rows the user has removed
+    QStringList removed; ///< addresses whose rows the user has removed
     QTimer saveTimer;
     bool isFollowing = true; ///< what changes now is not the user's choice
     bool hasBegun = false; ///< with what was saved; from now on the network decides

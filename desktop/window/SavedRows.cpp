@@ -10,6 +10,7 @@
 namespace {
 
 const QLatin1String countKey("len");
+const QLatin1String removedKey("removed"); ///< read by no older program
 const QLatin1String portKey("port");
 const QLatin1String fileKey("file");
 const QLatin1String profileKey("cnf");
@@ -35,7 +36,10 @@ SavedRow SavedRow::read(QSettings *settings, int index)
 void SavedRow::write(QSettings *settings, int index) const
 {
     settings->beginGroup(QString::number(index));
-    settings->setValue(portKey, port);
+    if (port > 0)
+        settings->setValue(portKey, port);
+    else
+        settings->remove(portKey);
     settings->setValue(fileKey, file);
     settings->setValue(profileKey, formerProfile.isEmpty() ? profile : formerProfile);
     // Other rows are found by their index alone.
@@ -96,6 +100,27 @@ QList<int> SavedRows::addedPorts(const QString &address) const
     return groups;
 }
 
+QStringList SavedRows::removed() const
+{
+    return damaged.isEmpty() ? file.value(removedKey).toStringList() : QStringList();
+}
+
+void SavedRows::setRemoved(const QStringList &addresses)
+{
+    if (addresses.isEmpty())
+        file.remove(removedKey);
+    else
+        file.setValue(removedKey, addresses);
+}
+
+void SavedRows::remove(int group)
+{
+    if (group < int(stored.size()))
+        stored.removeAt(group);
+    if (group < counted)
+        --counted;
+}
+
 QList<SavedRow> SavedRows::take(const QString &address)
 {
     const auto other = [&address](const SavedRow &row) { return row.address != address; };
@@ -128,6 +153,17 @@ void SavedRows::writeRest(int rows)
     for (const SavedRow &row : std::as_const(gone))
         row.write(&file, rows++);
     file.setValue(countKey, rows);
+    const QStringList groups = file.childGroups();
+    for (const QString &group : groups) {
+        bool isRow = false;
+        const int index = group.toInt(&isRow);
+        if (!isRow || index < rows)
+            continue;
+        if (index < int(stored.size()))
+            stored.at(index).write(&file, index);
+        else
+            file.remove(group);
+    }
 }
 
 bool SavedRows::flush()

@@ -3,6 +3,7 @@
 #include <QList>
 #include <QSettings>
 #include <QString>
+#include <QStringList>
 
 /// What is kept of one row of the address table: in "list.ini" a group named by the row's index.
 struct SavedRow
@@ -55,6 +56,13 @@ public:
     /// A profile has another name, in the file too.
     void renameProfile(const QString &from, const QString &to);
 
+    /// The addresses that are to have no row, though the device has them.
+    QStringList removed() const;
+    void setRemoved(const QStringList &addresses);
+
+    /// The row of this group is removed; those behind it move up.
+    void remove(int group);
+
     /// Remembers a row whose address went away.
     void keep(const SavedRow &row) { gone.append(row); }
 
@@ -64,7 +72,8 @@ public:
     /// All rows rest now: none of the kept ones is to go on by itself when its address is back.
     void forgetRunning();
 
-    /// Writes the kept rows behind the first `rows` groups, and the number of all.
+    /// Writes the kept rows behind the first `rows` groups, and the number of all. Behind those
+    /// stay the ones that were read and are of addresses that were not there in this run.
     void writeRest(int rows);
 
     /// Puts everything on disk; false when that fails, the file is unchanged then.

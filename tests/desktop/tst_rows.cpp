@@ -374,6 +374,24 @@ private Q_SLOTS:
         QCOMPARE(values.join(QLatin1Char(' ')), "3 7002 7001 Default  7003 127.0.0.1"_q);
     }
 
+    void removedRowsStayAway()
+    {
+        Rows device(inExpertMode(), 3);
+        for (int i = 0; i < 3; ++i)
+            device.row(i)->setPort(7001 + i);
+        const QString absent = device.addresses.takeLast();
+        device.reopen();
+        device.keeper->remove(device.row());
+        device.addresses.append(absent);
+        device.reopen();
+        QCOMPARE(device.rows->all().size(), 2);
+        QCOMPARE(device.row(0)->url() + device.row(1)->url(),
+                 "http://127.0.0.2:7002http://127.0.0.3:7003"_q);
+        device.keeper->loadLocal();
+        device.reopen();
+        QCOMPARE(device.rows->all().size(), 3);
+    }
+
     void savedRow_data()
     {
         // `taken` are profile, port, messages
