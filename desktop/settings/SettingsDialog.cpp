@@ -113,12 +113,13 @@ void SettingsDialog::apply()
         field->setFocus();
     }
     receiver->profileEdited(workingCopy.get());
+    isApplied = true;
     applyButton->setEnabled(false);
 }
 
 void SettingsDialog::enableApply()
 {
-    applyButton->setEnabled(!workingCopy->equals(profile));
+    applyButton->setEnabled(!workingCopy->equals(profile) || !profile->isUsable());
 }
 
 void SettingsDialog::reject()
@@ -137,7 +138,9 @@ void SettingsDialog::reject()
 void SettingsDialog::done(int result)
 {
     profile->lastPage = view->currentRow();
-    if (!profile->save()) {
+    // The defaults in the place of a file that can't be used are nobody's choice until applied.
+    const bool isChosen = isApplied || profile->isUsable();
+    if (isChosen && !profile->save()) {
         warn(this,
              tr("Can't write file: ") + profile->fileInTheWay() + QLatin1Char('\n')
                  + tr("The settings stay in use until the program ends."));

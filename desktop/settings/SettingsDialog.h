@@ -41,7 +41,8 @@ public:
     /// were not applied.
     void reject() override;
 
-    /// Every way to close leads here: remembers the page and saves the edited profile.
+    /// Every way to close leads here: remembers the page and saves the edited profile, but one
+    /// whose file can't be used only when it was applied.
     void done(int result) override;
 
 private:
@@ -55,6 +56,7 @@ private:
     Configurable *receiver;
     SettingsScope scope;
     std::unique_ptr<Profile> workingCopy;
+    bool isApplied = false;
     PageView *view;
     QPushButton *applyButton;
 };

@@ -211,6 +211,16 @@ private Q_SLOTS:
         click(page(), "Show images");
         fillIn([this] { dialog->close(); }, { "&Apply" });
         QCOMPARE(global->showImages, 0);
+        // What nobody has looked at opens nothing.
+        home->writeProfile("Global.conf"_q, "junk");
+        QVERIFY(!global->load());
+        open();
+        escape();
+        QCOMPARE(home->profileBytes("Global.conf"_q), QByteArray("junk"));
+        open();
+        click(dialog.get(), "&Apply");
+        escape();
+        QVERIFY(Profile(home->directories, "Global.conf"_q).isUsable());
         open();
         QVERIFY(QDir(home->directories.profiles).removeRecursively());
         const QString told = boxText([this] { click(dialog.get(), "&Close"); });
