@@ -8,12 +8,13 @@
 
 DesktopIntegration::DesktopIntegration(ServerRows *servers, EventHandler *events, Announce announce,
                                        QWidget *mainWindow)
-    : awake(tr("Files are being transferred."))
+    : transfers(servers)
+    , awake(tr("Files are being transferred."))
     , announcements(servers, std::move(announce))
     , m_notices(mainWindow)
     , m_tray(servers)
 {
-    connect(servers, &ServerRows::transferring, &awake, &KeepAwake::setNeeded);
+    connect(&transfers, &TransferWatch::looked, &awake, &KeepAwake::setNeeded);
     connect(events, &EventHandler::visitorCame, &m_notices, &Notices::tellVisitor);
     connect(events, &EventHandler::deedsDone, &m_notices, &Notices::tellUploads);
 }

@@ -2,6 +2,7 @@
 
 #include "desktop/window/Announcements.h"
 #include "desktop/window/Notices.h"
+#include "desktop/window/TransferWatch.h"
 #include "desktop/window/TrayIcon.h"
 #include "platform/KeepAwake.h"
 
@@ -25,6 +26,7 @@ public:
     bool goesOnInTray() const;
 
 private:
+    TransferWatch transfers;
     KeepAwake awake;
     Announcements announcements;
     Notices m_notices;

@@ -151,7 +151,7 @@ void ServerRow::stopRefused()
 
 bool ServerRow::isTransferring() const
 {
-    return isListening() && m_server->connectionCount() > 0 && pace.moves(trafficBytes());
+    return isListening() && pace.moves(m_server->visits());
 }
 
 void ServerRow::stop()

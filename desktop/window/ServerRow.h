@@ -3,7 +3,7 @@
 #include "desktop/settings/ProfileUser.h"
 #include "desktop/window/SavedRows.h"
 #include "desktop/window/StartQuestion.h"
-#include "desktop/window/TrafficPace.h"
+#include "desktop/window/TransferPace.h"
 #include "server/WebServer.h"
 
 #include <QObject>
@@ -84,9 +84,9 @@ public:
     /// A profile, perhaps one of these, has another name.
     void followRename(const QString &from, const QString &to);
 
-    /// Whether a transfer runs, as far as the counts of the last seconds tell.
+    /// Whether a file has moved on within the last seconds.
     bool isTransferring() const;
-    void lookAtTraffic() { pace.look(trafficBytes()); }
+    void lookAtTransfers() { pace.look(m_server->visits()); }
 
     SavedRow state() const;
 
@@ -120,6 +120,6 @@ private:
     WebServer *m_server; ///< a child
     bool addedPort = false;
     QString former;
-    TrafficPace pace;
+    TransferPace pace;
     QString missing; ///< saved content that could not be shared since
 };

@@ -7,14 +7,9 @@
 #include <QPointer>
 
 #include <algorithm>
-#include <chrono>
 #include <utility>
 
-using namespace std::chrono_literals;
-
 namespace {
-
-constexpr auto lookInterval = 1s;
 
 template <typename Test> QList<ServerRow *> filtered(const QList<ServerRow *> &rows, Test test)
 {
@@ -44,21 +39,6 @@ ServerRows::ServerRows(Profiles *choice, std::shared_ptr<const ServerSetup> comm
     , setup(std::move(common))
     , m_mode(choice)
 {
-    connect(&traffic, &QTimer::timeout, this, [this] {
-        bool moves = false;
-        for (ServerRow *row : std::as_const(rows)) {
-            row->lookAtTraffic();
-            moves = moves || row->isTransferring();
-        }
-        Q_EMIT transferring(moves);
-    });
-    connect(this, &ServerRows::runningChanged, &traffic, [this](bool running) {
-        if (!running) {
-            traffic.stop();
-            Q_EMIT transferring(false);
-        } else if (!traffic.isActive())
-            traffic.start(lookInterval);
-    });
 }
 
 ServerRows::~ServerRows()

@@ -8,7 +8,6 @@
 #include <QList>
 #include <QObject>
 #include <QPointer>
-#include <QTimer>
 
 #include <memory>
 
@@ -94,9 +93,6 @@ Q_SIGNALS:
 
     void runningChanged(bool running); ///< or goes on
 
-    /// Whether files are being transferred, every second while servers run, and at their end.
-    void transferring(bool goesOn);
-
     /// The servers might be reachable from the internet now.
     void publicAddressWanted();
 
@@ -120,5 +116,4 @@ private:
     StartQuestion ask;
     int m_current = -1; ///< index of a row
     GlobalMode m_mode;
-    QTimer traffic; ///< looks at it while servers run
 };

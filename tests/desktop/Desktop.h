@@ -1,5 +1,6 @@
 #pragma once
 
+#include "classic/dav/Routes.h"
 #include "classic/http/ClassicFace.h"
 #include "desktop/look/Look.h"
 #include "desktop/window/AcceptedFolders.h"
@@ -18,6 +19,15 @@
 
 #include <functional>
 #include <memory>
+
+/// Answers that take files, too.
+inline FaceMaker faces()
+{
+    Routes routes = davRoutes();
+    const Routes others = fileRoutes();
+    routes.insert(routes.end(), others.begin(), others.end());
+    return classicFaces(std::move(routes));
+}
 
 /// A home with application settings of its own and a device with loopback addresses.
 struct Device
@@ -126,7 +136,7 @@ struct Rows : Device
     QString shared() const { return row()->server()->shared().filePath(); }
 
     RecordingSink sink;
-    Engine engine{ classicFaces(fileRoutes()), home.directories, &sink, nullptr };
+    Engine engine{ faces(), home.directories, &sink, nullptr };
     std::unique_ptr<RowKeeper> owned;
 };
 
@@ -168,7 +178,7 @@ struct Desktop : Device
 
     Look look;
     EventHandler events;
-    Engine engine{ classicFaces(fileRoutes()), home.directories, &events, nullptr };
+    Engine engine{ faces(), home.directories, &events, nullptr };
     std::unique_ptr<MainWindow> window;
 };
 

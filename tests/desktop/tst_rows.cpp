@@ -183,6 +183,17 @@ private Q_SLOTS:
         QCOMPARE(client.exchange(rawRequest("GET", "/a.txt")).body, QByteArray("hello"));
         device.rows->startOrStop();
         QVERIFY(client.waitForClose());
+
+        device.row()->start();
+        RawClient slow(device.row()->server()->port);
+        slow.send(rawRequest("PUT", "/b", "Expect: 100-continue\r\nContent-Length: 99\r\n"));
+        QTRY_VERIFY(device.row()->isTransferring());
+        for (int second = 0; second < 2; ++second)
+            device.row()->lookAtTransfers();
+        QVERIFY(!device.row()->isTransferring()); // it stands still
+        slow.send("x");
+        QTRY_VERIFY(device.row()->isTransferring());
+        device.row()->stop();
         device.row()->server()->addReceivedBytes(2000);
         QCOMPARE(device.row()->doubt(), StartDoubt::LimitReached);
         device.row()->settle(StartDoubt::LimitReached);
