@@ -215,13 +215,16 @@ void ServerRow::followRename(const QString &from, const QString &to)
     Q_EMIT changed();
 }
 
-void ServerRow::profileChanged(int oldPort)
+void ServerRow::profileChanged(int oldPort, const QString &portRefusal)
 {
     // In expert mode ports are set per row. In simple mode there is no other way to change one.
     const bool follows =
         profiles->global()->expertMode ? !isListening() && m_server->port == oldPort : !addedPort;
-    if (follows && profile()->port != oldPort)
+    const bool moves = follows && profile()->port != oldPort;
+    if (moves && portRefusal.isEmpty())
         setPort(profile()->port);
+    else if (moves)
+        setup->sink->msg(portRefusal, url());
     stopRefused();
     Q_EMIT changed();
 }

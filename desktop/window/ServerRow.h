@@ -73,8 +73,8 @@ public:
     void useProfile(Profile *profile) override;
 
     /// The values of the row's profile have changed; its port was `oldPort`. A port that is the
-    /// row's own stays.
-    void profileChanged(int oldPort);
+    /// row's own stays, and any while the new one is refused, for a translated reason.
+    void profileChanged(int oldPort, const QString &portRefusal);
 
     /// The profile with a login that the row ran with before it came back on another; empty once
     /// somebody has decided.

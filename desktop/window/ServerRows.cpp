@@ -224,7 +224,7 @@ void ServerRows::profileEdited(Profile *edited)
         live->save();
     }
     for (ServerRow *row : users)
-        row->profileChanged(port);
+        row->profileChanged(port, portRefusal(row->address(), live->port, row));
     m_mode.look();
     if (live->usesTls() != tls && current())
         tellReach(current());

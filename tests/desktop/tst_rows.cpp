@@ -596,6 +596,10 @@ private Q_SLOTS:
         const auto refusal = [&](int port, const ServerRow *except = nullptr) {
             return rows.rows->portRefusal(rows.row()->address(), port, except);
         };
+        rows.rows->addPort(rows.row())->setPort(7003);
+        rows.edit([](Profile &edited) { edited.port = 7003; });
+        QVERIFY(rows.row()->server()->port != 7003 && rows.row(1)->server()->port == 7003);
+        QVERIFY(rows.sink.messages.value(0).startsWith("Another row has the port 7003"_q));
         rows.row()->setPort(7001);
         rows.row(1)->setPort(7002);
         QVERIFY(refusal(65536).contains("65535"_q) && refusal(7001).contains("7001"_q));
