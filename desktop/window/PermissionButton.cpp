@@ -50,6 +50,13 @@ QString loginWord(const Profile &profile)
                                          : PermissionButton::tr("With a password");
 }
 
+/// What visitors of a row with this profile may do, and how they come in.
+QString stateWords(const Profile &profile)
+{
+    return PermissionButton::tr(wordsOf(permissionOf(profile)).state) + QLatin1Char('\n')
+        + loginWord(profile);
+}
+
 } // namespace
 
 PermissionButton::PermissionButton(const Profiles *choice, ServerRows *servers, QWidget *parent)
@@ -63,11 +70,14 @@ PermissionButton::PermissionButton(const Profiles *choice, ServerRows *servers, 
     connect(this, &QPushButton::clicked, this, &PermissionButton::open);
     connect(rows, &ServerRows::currentChanged, this, &PermissionButton::showProfile);
     const auto follow = [this](const ServerRow *row) {
-        connect(row, &ServerRow::changed, this, &PermissionButton::showProfile);
+        for (const auto signal : { &ServerRow::changed, &ServerRow::stateChanged })
+            connect(row, signal, this, &PermissionButton::showProfile);
     };
     const QList<ServerRow *> &all = rows->all();
     std::for_each(all.begin(), all.end(), follow);
     connect(rows, &ServerRows::rowAdded, this, follow);
+    connect(rows, &ServerRows::rowRemoved, this, &PermissionButton::showProfile);
+    connect(rows->mode(), &GlobalMode::modeChanged, this, &PermissionButton::showProfile);
     showProfile();
 }
 
@@ -92,9 +102,13 @@ void PermissionButton::buildMenu()
 void PermissionButton::showProfile()
 {
     const Profile &shown = *profile();
-    const QString word = loginWord(shown);
-    login->setText(word + QLatin1String("..."));
-    const QString text = tr(wordsOf(permissionOf(shown)).state) + QLatin1Char('\n') + word;
+    login->setText(loginWord(shown) + QLatin1String("..."));
+    QString text = stateWords(shown);
+    // They are all started by the button beside.
+    const QList<ServerRow *> all = rows->shownRows();
+    if (std::any_of(all.begin(), all.end(),
+                    [&text](const ServerRow *row) { return stateWords(*row->profile()) != text; }))
+        text += QLatin1Char('\n') + tr("Other addresses differ");
     if (text != this->text())
         setText(text);
     Q_EMIT profileShown();

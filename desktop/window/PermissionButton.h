@@ -12,7 +12,7 @@ class QMenu;
 class ServerRows;
 
 /// Says in plain words what visitors may do with what the current row shares and how they come in,
-/// and changes it. A child of the address list.
+/// and changes it. Says, too, when other rows that are shown differ. A child of the address list.
 class PermissionButton : public Finger<QPushButton>
 {
     Q_OBJECT

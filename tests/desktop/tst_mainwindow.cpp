@@ -172,7 +172,7 @@ private Q_SLOTS:
 
     void permissions()
     {
-        Desktop desktop;
+        Desktop desktop({}, 2);
         auto *button = desktop.list()->permissionButton();
         QCOMPARE(button->text(), "Visitors may change everything\nReached by everyone"_q);
         desktop.row()->start();
@@ -180,6 +180,12 @@ private Q_SLOTS:
         QCOMPARE(button->text().section(QLatin1Char('\n'), 0, 0), "Visitors may look"_q);
         const Profile stored(desktop.home.directories, QLatin1String(Profile::globalFile));
         QVERIFY(!stored.allowsUpload() && desktop.row()->isListening());
+        Profile *open = desktop.home.profiles->duplicate(desktop.global(), "open"_q);
+        desktop.row(1)->useProfile(open);
+        QCOMPARE(button->text().count(QLatin1Char('\n')), 1); // it allows the same
+        desktop.edit([](Profile &edited) { edited.enableDelete = Qt::Checked; }, open);
+        QVERIFY(button->text().endsWith("\nOther addresses differ"_q));
+        desktop.keeper->remove(desktop.row(1));
         boxText([&] { action(desktop, "Add only")->trigger(); }, QMessageBox::No);
         QCOMPARE(permissionOf(*desktop.global()), Permission::Look);
         desktop.global()->authMode = AuthBasic;

@@ -1449,6 +1449,10 @@
         <translation>With a name and password</translation>
     </message>
     <message>
+        <source>Other addresses differ</source>
+        <translation>Other addresses differ</translation>
+    </message>
+    <message>
         <source>Only the standard answers take files and show none. Answer all programs by the standards?</source>
         <translation>Only the standard answers take files and show none. Answer all programs by the standards?</translation>
     </message>

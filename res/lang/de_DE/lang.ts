@@ -1449,6 +1449,10 @@
         <translation>Mit Name und Passwort</translation>
     </message>
     <message>
+        <source>Other addresses differ</source>
+        <translation>Für andere Adressen gilt anderes</translation>
+    </message>
+    <message>
         <source>Only the standard answers take files and show none. Answer all programs by the standards?</source>
         <translation>Nur die Standard-Antworten nehmen Dateien an und zeigen keine. Allen Programmen nach den Standards antworten?</translation>
     </message>

@@ -1449,6 +1449,10 @@
         <translation>Con un nombre y una contraseña</translation>
     </message>
     <message>
+        <source>Other addresses differ</source>
+        <translation>En otras direcciones es distinto</translation>
+    </message>
+    <message>
         <source>Only the standard answers take files and show none. Answer all programs by the standards?</source>
         <translation>Solo las respuestas estándar aceptan archivos y no muestran ninguno. ¿Responder a todos los programas según los estándares?</translation>
     </message>

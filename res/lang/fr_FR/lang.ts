@@ -1449,6 +1449,10 @@
         <translation>Avec un nom et un mot de passe</translation>
     </message>
     <message>
+        <source>Other addresses differ</source>
+        <translation>Il en va autrement à d’autres adresses</translation>
+    </message>
+    <message>
         <source>Only the standard answers take files and show none. Answer all programs by the standards?</source>
         <translation>Seules les réponses standard acceptent des fichiers sans en montrer. Répondre à tous les programmes selon les standards ?</translation>
     </message>
