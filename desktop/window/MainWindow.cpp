@@ -412,6 +412,7 @@ void MainWindow::saveGeometryNow()
 
 void MainWindow::call(const StartRequest &request)
 {
+    const bool isUnsafe = !wasShown && keeper()->beganAnew();
     setWindowState(windowState() & ~Qt::WindowMinimized);
     show();
     raise();
@@ -419,6 +420,6 @@ void MainWindow::call(const StartRequest &request)
     if (!request.path.isEmpty() && !panel->share(request.path))
         return;
     // Queued: it may ask, and who calls is not to wait for the answer.
-    if (request.startsRows)
+    if (request.startsRows && !isUnsafe)
         QMetaObject::invokeMethod(rows(), &ServerRows::startShown, Qt::QueuedConnection);
 }

@@ -44,7 +44,7 @@ public:
     bool endInOrder();
 
     /// Comes to the front, and does what a start asks for. Rows don't start with other content than
-    /// it names.
+    /// it names, nor with the program when what was saved of them is lost.
     void call(const StartRequest &request);
 
 public Q_SLOTS:

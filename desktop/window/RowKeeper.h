@@ -29,6 +29,9 @@ public:
               AddressSource source);
 
     ServerRows *rows() { return &m_rows; }
+
+    /// Whether what was saved could not be read.
+    bool beganAnew() const { return !saved.damagedFile().isEmpty(); }
     bool hasNetwork() const { return !network.addresses().isEmpty(); }
 
     /// Shares `path`, which can be shared, through `row` or the current one; in simple mode through

@@ -3,8 +3,11 @@
 #include "config/Profile.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <algorithm>
+#include <cctype>
+#include <cstring>
 #include <iterator>
 
 namespace {
@@ -15,6 +18,43 @@ const QLatin1String portKey("port");
 const QLatin1String fileKey("file");
 const QLatin1String profileKey("cnf");
 const QLatin1String addressKey("address");
+
+bool isText(const QByteArray &content)
+{
+    const bool hasControls = std::any_of(content.begin(), content.end(), [](char byte) {
+        return std::iscntrl(static_cast<unsigned char>(byte)) && !std::strchr("\t\r\n", byte);
+    });
+    return !hasControls && QString::fromUtf8(content).toUtf8() == content;
+}
+
+/// Whether the file has what was ever written together: whole lines, and every row with its port.
+/// A file of simple mode counts no rows and has one.
+bool isWhole(const QSettings &settings)
+{
+    QFile file(settings.fileName());
+    if (!file.open(QIODevice::ReadOnly))
+        return !file.exists();
+    const QByteArray content = file.readAll();
+    if (settings.status() != QSettings::NoError || !content.endsWith('\n') || !isText(content))
+        return false;
+    const int rows = settings.value(countKey, 1).toInt();
+    for (int index = 0; index < std::min(rows, SavedRows::maxRows); ++index) {
+        if (!settings.contains(QString::number(index) + QLatin1Char('/') + portKey))
+            return false;
+    }
+    return true;
+}
+
+/// Where the damaged file is kept: a copy, or itself when there can be none.
+QString keptCopy(const QString &fileName)
+{
+    const QString kept = fileName + QLatin1String(".bad");
+    // An empty one is left of a file that was damaged before, until rows are saved.
+    if (QFileInfo(fileName).size() == 0 && QFile::exists(kept))
+        return kept;
+    QFile::remove(kept);
+    return QFile::copy(fileName, kept) ? kept : fileName;
+}
 
 } // namespace
 
@@ -65,11 +105,10 @@ bool SavedRow::renameProfile(const QString &from, const QString &to)
 SavedRows::SavedRows(const QString &fileName)
     : file(fileName, QSettings::IniFormat)
 {
-    if (file.status() != QSettings::NoError && QFile::exists(fileName)) {
-        // What can't be understood is lost at the next save.
-        const QString kept = fileName + QLatin1String(".bad");
-        QFile::remove(kept);
-        damaged = QFile::copy(fileName, kept) ? kept : fileName;
+    if (!isWhole(file)) {
+        damaged = keptCopy(fileName);
+        file.clear();
+        return;
     }
     int groups = 0;
     for (const QString &group : file.childGroups())

@@ -34,8 +34,8 @@ public:
     /// More rows than this are not looked for, whatever the file says.
     static constexpr int maxRows = 256;
 
-    /// Reads the file once; what is written later does not change what was read. A damaged file is
-    /// kept beside under its name + ".bad".
+    /// Reads the file once; what is written later does not change what was read. Nothing is taken
+    /// from a damaged file, which is kept beside under its name + ".bad".
     explicit SavedRows(const QString &fileName);
 
     QString fileName() const { return file.fileName(); }

@@ -279,10 +279,14 @@ private Q_SLOTS:
         desktop.addFile(".quillon/work.cnf", "junk");
         desktop.global()->amend([](Profile &global) { global.warningMode = Qt::Checked; });
         desktop.home.restart();
-        const QString root = boxText([&] { desktop.open(true); });
+        const QString root = boxText([&] {
+            desktop.makeWindow(true);
+            desktop.window->call({ {}, true });
+        });
         QVERIFY(root.startsWith("The server run as root!\n"_q));
         QVERIFY(boxText([] {}).contains(desktop.path(".quillon/work.cnf.bad\n")));
         QVERIFY(boxText([] {}).endsWith(desktop.path(".quillon/list.ini")));
+        QVERIFY(!desktop.rows->isRunning()); // with rows that nobody chose
         const QString end = boxText([&] { desktop.close(); });
         QVERIFY(end.startsWith("Can't save the settings\n"_q));
     }

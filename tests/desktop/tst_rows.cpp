@@ -405,14 +405,20 @@ private Q_SLOTS:
 
     void savedRow_data()
     {
-        // `taken` are profile, port, messages
+        // `taken` are profile, port, messages, damaged files
         columnsOf<bool, QByteArray, QByteArray>("expert", "saved", "taken");
-        row("simple mode takes the saved profile", false, "cnf=work\nport=81", "work 81 0");
-        row("expert mode takes the global one", true, "cnf=work\nport=81", "Default 81 0");
-        row("no port and no folder", true, "port=many\nfile=/no/such/<b>", "Default 8080 2");
+        const QByteArray work = "[0]\ncnf=work\nport=81\n";
+        row("simple mode takes the saved profile", false, work, "work 81 0 0");
+        row("expert mode takes the global one", true, work, "Default 81 0 0");
+        row("no port and no folder", true, "[0]\nport=many\nfile=/no/such/<b>\n",
+            "Default 8080 2 0");
         row("a huge number of rows", true,
-            "[General]\nlen=999999999\n[7]\nport=x\naddress=127.0.0.1", "Default 8080 0");
-        row("bytes of something else", true, "\xff]=[\n\n=\n[[0]\nport\n[1", "Default 8080 1");
+            "[General]\nlen=999999999\n[7]\nport=x\naddress=127.0.0.1\n", "Default 8080 1 1");
+        row("bytes of something else", true, "\xff]=[\n\n=\n[[0]\nport\n[1\n", "Default 8080 1 1");
+        row("zeros behind", false, work + QByteArray(9, '\0') + '\n', "Default 8080 1 1");
+        row("cut in a line", false, work + "file=/ho", "Default 8080 1 1");
+        row("cut between the rows", false, work + "[General]\nlen=2\n", "Default 8080 1 1");
+        row("cut to nothing", false, "", "Default 8080 1 1");
     }
 
     void savedRow()
@@ -425,17 +431,19 @@ private Q_SLOTS:
         });
         device.home.storeProfile("work"_q);
         QVERIFY(device.keeper->end());
-        device.addFile(".quillon/list.ini", "[0]\n" + saved + '\n');
+        device.addFile(".quillon/list.ini", saved);
         device.home.restart();
         device.open();
         const ServerRow *row = device.row();
         QCOMPARE(device.rows->all().size(), 1);
-        QTEST("%1 %2 %3"_q.arg(row->profile()->name)
+        QTEST("%1 %2 %3 %4"_q.arg(row->profile()->name)
                   .arg(row->server()->port)
                   .arg(device.sink.messages.size())
+                  .arg(int(QFile::remove(device.path(".quillon/list.ini.bad"))))
                   .toUtf8(),
               "taken");
-        QCOMPARE(QFile::exists(device.path(".quillon/list.ini.bad")), saved.startsWith('\xff'));
+        device.reopen();
+        QVERIFY(!QFile::exists(device.path(".quillon/list.ini.bad"))); // it is whole now
     }
 
     void rowsFollowARenamedProfile()
