@@ -25,7 +25,7 @@ void DavState::warn()
 {
     if (!sink || !store->takeWarning())
         return;
-    const auto tr = [](const char *text) { return QCoreApplication::translate("Dav", text); };
+    const auto tr = [](const char *text) { return QCoreApplication::translate("WebServer", text); };
     sink->msg(tr("WebDAV properties"),
               tr("The file system can't keep the properties that programs give to files. They are "
                  "kept until the server ends."));

@@ -1278,6 +1278,14 @@
         <source>Warning</source>
         <translation>Warning</translation>
     </message>
+    <message>
+        <source>WebDAV properties</source>
+        <translation>WebDAV properties</translation>
+    </message>
+    <message>
+        <source>The file system can&apos;t keep the properties that programs give to files. They are kept until the server ends.</source>
+        <translation>The file system can&apos;t keep the properties that programs give to files. They are kept until the server ends.</translation>
+    </message>
 </context>
 <context>
     <name>WebServices</name>

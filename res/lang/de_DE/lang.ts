@@ -1278,6 +1278,14 @@
         <source>Warning</source>
         <translation>Warnung</translation>
     </message>
+    <message>
+        <source>WebDAV properties</source>
+        <translation>WebDAV-Eigenschaften</translation>
+    </message>
+    <message>
+        <source>The file system can&apos;t keep the properties that programs give to files. They are kept until the server ends.</source>
+        <translation>Das Dateisystem kann die Eigenschaften nicht behalten, die Programme den Dateien geben. Sie bleiben, bis der Server endet.</translation>
+    </message>
 </context>
 <context>
     <name>WebServices</name>

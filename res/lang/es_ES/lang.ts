@@ -1278,6 +1278,14 @@
         <source>Warning</source>
         <translation>Advertencia</translation>
     </message>
+    <message>
+        <source>WebDAV properties</source>
+        <translation>Propiedades WebDAV</translation>
+    </message>
+    <message>
+        <source>The file system can&apos;t keep the properties that programs give to files. They are kept until the server ends.</source>
+        <translation>El sistema de archivos no puede guardar las propiedades que los programas dan a los archivos. Se conservan hasta que termine el servidor.</translation>
+    </message>
 </context>
 <context>
     <name>WebServices</name>

@@ -1278,6 +1278,14 @@
         <source>Warning</source>
         <translation>Avertissement</translation>
     </message>
+    <message>
+        <source>WebDAV properties</source>
+        <translation>Propriétés WebDAV</translation>
+    </message>
+    <message>
+        <source>The file system can&apos;t keep the properties that programs give to files. They are kept until the server ends.</source>
+        <translation>Le système de fichiers ne peut pas garder les propriétés que les programmes donnent aux fichiers. Elles sont gardées jusqu’à la fin du serveur.</translation>
+    </message>
 </context>
 <context>
     <name>WebServices</name>
