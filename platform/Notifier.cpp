@@ -10,6 +10,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr auto pauseTime = 1s;
+constexpr int maxTexts = 5; ///< of a title in one notification
 constexpr auto serviceName = "org.freedesktop.Notifications";
 constexpr auto markup = "body-markup"; ///< of the capabilities: texts may hold elements
 constexpr int usualTime = -1; ///< how long it stays is left to the desktop
@@ -39,7 +40,10 @@ Notifier::Notifier(const QDBusConnection &bus, QObject *parent)
 
 void Notifier::show(const QString &title, const QString &text)
 {
-    waiting.insert(title, text);
+    QStringList &texts = waiting[title];
+    texts.append(text);
+    if (texts.size() > maxTexts)
+        texts.removeFirst();
     if (!pause.isActive())
         showNext();
 }
@@ -71,9 +75,19 @@ void Notifier::askWhatItCan()
 
 void Notifier::showWaiting()
 {
-    const auto texts = std::exchange(waiting, {});
+    const QMap<QString, QString> texts = takeWaiting();
     for (auto at = texts.begin(); at != texts.end(); ++at)
         notify(at.key(), at.value());
+}
+
+/// The texts of each title as one.
+QMap<QString, QString> Notifier::takeWaiting()
+{
+    QMap<QString, QString> texts;
+    const auto all = std::exchange(waiting, {});
+    for (auto at = all.begin(); at != all.end(); ++at)
+        texts.insert(at.key(), at.value().join(QLatin1Char('\n')));
+    return texts;
 }
 
 void Notifier::notify(const QString &title, const QString &text)
@@ -96,7 +110,7 @@ void Notifier::notify(const QString &title, const QString &text)
 void Notifier::giveUp()
 {
     service = Service::Unknown;
-    const auto texts = std::exchange(waiting, {});
+    const QMap<QString, QString> texts = takeWaiting();
     for (auto at = texts.begin(); at != texts.end(); ++at)
         Q_EMIT notShown(at.key(), at.value());
 }

@@ -6,6 +6,7 @@
 #include <QMap>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 
 /// Shows notifications of the desktop. Nothing in it waits; the desktop's service is started when
@@ -18,7 +19,7 @@ public:
                       QObject *parent = nullptr);
 
     /// Shows `text`, which is plain, instead of what was last shown with the same `title`. No more
-    /// often than once a second: of what comes faster, the last of each title is shown.
+    /// often than once a second: of what comes faster, the last few of each title are shown as one.
     void show(const QString &title, const QString &text);
 
 Q_SIGNALS:
@@ -33,11 +34,12 @@ private:
     void notify(const QString &title, const QString &text);
     void showWaiting();
     void giveUp();
+    QMap<QString, QString> takeWaiting();
 
     QDBusConnection m_bus;
     QDBusServiceWatcher watcher;
     QTimer pause;
-    QMap<QString, QString> waiting; ///< texts by title
+    QMap<QString, QStringList> waiting; ///< texts by title
     QHash<QString, uint> shown; ///< numbers by title
     Service service = Service::Unknown;
     bool readsMarkup = false;

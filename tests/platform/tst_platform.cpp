@@ -122,10 +122,12 @@ void TestPlatform::showsNotifications()
                  "GetCapabilities; Notify Quillon 0 quillon R & D %1   -1"_q.arg(text));
         for (int times = 0; times < 100; ++times)
             notifier.show("R & D"_q, QString::number(times));
+        const QString last = "95\n96\n97\n98\n99"_q;
         notShown.clear();
         service.errors.insert("Notify"_q, "org.example.Full"_q);
-        QCOMPARE(service.takenUpTo("Notify"_q), "Notify Quillon 7 quillon R & D 99   -1"_q);
-        QTRY_COMPARE(notShown.value(0).value(1), QVariant("99"_q));
+        QCOMPARE(service.takenUpTo("Notify"_q),
+                 "Notify Quillon 7 quillon R & D %1   -1"_q.arg(last));
+        QTRY_COMPARE(notShown.value(0).value(1), QVariant(last));
     }
 }
 
