@@ -59,6 +59,17 @@ bool isUnseen(QChar c)
         || c.category() == QChar::Separator_Line || c.category() == QChar::Separator_Paragraph;
 }
 
+/// What can't be seen, or turns the direction of writing, as JSON would have it.
+QString spelledOut(const QString &text)
+{
+    QString shown;
+    for (const QChar c : text)
+        shown += isUnseen(c)
+            ? QStringLiteral("\\u%1").arg(uint(c.unicode()), 4, 16, QLatin1Char('0'))
+            : QString(c);
+    return shown;
+}
+
 } // namespace
 
 bool isTelling(const Deed &deed)
@@ -83,13 +94,7 @@ QString deedName(const Deed &deed)
 
 QString shownPath(const QByteArray &path)
 {
-    QString shown;
-    const QString text = QString::fromUtf8(shortened(path));
-    for (const QChar c : text)
-        shown += isUnseen(c)
-            ? QStringLiteral("\\u%1").arg(uint(c.unicode()), 4, 16, QLatin1Char('0'))
-            : QString(c);
-    return shown;
+    return spelledOut(QString::fromUtf8(shortened(path)));
 }
 
 QString richTip(const QString &text)
@@ -109,7 +114,8 @@ QByteArray deedLine(const Deed &deed, const QDateTime &now)
         { QStringLiteral("status"), deed.status },
         { QStringLiteral("whole"), deed.isWhole },
     };
-    return QJsonDocument(record).toJson(QJsonDocument::Compact) + '\n';
+    const QByteArray json = QJsonDocument(record).toJson(QJsonDocument::Compact);
+    return spelledOut(QString::fromUtf8(json)).toUtf8() + '\n';
 }
 
 void DeedLog::add(const std::vector<Deed> &deeds, const QDateTime &now)
