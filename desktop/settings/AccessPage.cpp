@@ -121,21 +121,36 @@ public:
             QStyledItemDelegate::setEditorData(editor, index);
     }
 
-    /// A new password is kept as the old one was.
+    /// A new password is kept as the old one was. There is none without: that lets in who knows
+    /// the name.
     void setModelData(QWidget *editor, QAbstractItemModel *model,
                       const QModelIndex &index) const override
     {
         const auto *edit = qobject_cast<const QLineEdit *>(editor);
-        if (!edit || !isPasswordHash(index.data(Qt::EditRole).toString()))
-            return QStyledItemDelegate::setModelData(editor, model, index);
-        if (edit->text().isEmpty())
+        const bool isHashed = isPasswordHash(index.data(Qt::EditRole).toString());
+        if (!edit || (edit->text().isEmpty() && isHashed))
             return;
+        if (edit->text().isEmpty())
+            return refuse(editor->window());
+        if (!isHashed)
+            return QStyledItemDelegate::setModelData(editor, model, index);
         const QByteArray hash = newPasswordHash(edit->text().toUtf8());
         if (!hash.isEmpty())
             model->setData(index, QString::fromLatin1(hash));
     }
 
 private:
+    static void refuse(QWidget *window)
+    {
+        // Queued: the box takes the focus, and with that the editor would be left once more.
+        QMetaObject::invokeMethod(
+            window,
+            [window] {
+                showBox(window, QMessageBox::Warning, UserDialog::tr("A user needs a password."));
+            },
+            Qt::QueuedConnection);
+    }
+
     const bool &visible;
 };
 

@@ -105,13 +105,18 @@ void SettingsDialog::addPage(const QString &label, const QString &icon, Settings
     connect(page, &SettingsPage::controlChanged, this, &SettingsDialog::enableApply);
 }
 
-void SettingsDialog::apply()
+/// What is still being edited is taken over when its field is left.
+void SettingsDialog::takeOverTyped()
 {
-    // What is still being edited is taken over when its field is left.
     if (QWidget *field = focusWidget()) {
         field->clearFocus();
         field->setFocus();
     }
+}
+
+void SettingsDialog::apply()
+{
+    takeOverTyped();
     receiver->profileEdited(workingCopy.get());
     isApplied = true;
     applyButton->setEnabled(false);
@@ -124,6 +129,7 @@ void SettingsDialog::enableApply()
 
 void SettingsDialog::reject()
 {
+    takeOverTyped();
     const bool isOpen = !workingCopy->equals(profile);
     const int chosen = isOpen ? askOneOf(this, tr("There are changes that were not applied."),
                                          { tr("&Apply"), tr("&Discard") })

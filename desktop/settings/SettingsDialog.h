@@ -46,6 +46,7 @@ public:
     void done(int result) override;
 
 private:
+    void takeOverTyped();
     void apply();
     void enableApply();
     void addPages();

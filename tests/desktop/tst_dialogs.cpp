@@ -150,6 +150,7 @@ private Q_SLOTS:
         QCOMPARE(applied()->users, words("anna:pass:word bert:x carl:p:q"));
         retypeCell(2, 0, {}); // a name can't be taken away
         QCOMPARE(table->item(2, 0)->text(), "carl"_q);
+        QCOMPARE(boxText([this] { retypeCell(0, 1, {}); }), "A user needs a password."_q);
         table->setCurrentCell(1, 0);
         click(page(), "Remove user");
         QCOMPARE(applied()->users, words("anna:pass:word carl:p:q"));
@@ -174,6 +175,11 @@ private Q_SLOTS:
                  QByteArray("see, read, add, change"));
         click(page(), "Remove user");
         QVERIFY(applied()->accountRights.isEmpty());
+        dialog->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(dialog.get()));
+        edit(0, 0)->setText("alma"_q); // and closed while it is typed
+        fillIn([this] { dialog->close(); }, { "&Apply" });
+        QCOMPARE(global->users, words("alma:pass:word carl:p:q"));
     }
 
     void keepsAPasswordHashed()
@@ -358,12 +364,19 @@ private:
     void turnTo(int row) const { dialog->findChild<QListWidget *>()->setCurrentRow(row); }
     static QColor shown(QPalette::ColorRole role) { return QApplication::palette().color(role); }
 
-    void retypeCell(int row, int column, const QString &text) const
+    /// The editor of a cell of the users' table.
+    QLineEdit *edit(int row, int column) const
     {
         auto *table = page()->findChild<QTableWidget *>();
+        QTest::qWait(0); // the one before closes in its time
         table->editItem(table->item(row, column));
-        auto *editor = named<QLineEdit>(table->viewport(), column == 0 ? "User" : "Password");
-        QVERIFY(column == 0 || editor->text().isEmpty());
+        return named<QLineEdit>(table->viewport(), column == 0 ? "User" : "Password");
+    }
+
+    void retypeCell(int row, int column, const QString &text) const
+    {
+        QLineEdit *editor = edit(row, column);
+        QVERIFY(!editor->text().contains("argon2"_q));
         editor->setText(text);
         QTest::keyClick(editor, Qt::Key_Return);
     }
