@@ -5,6 +5,7 @@
 #include "classic/http/Refusals.h"
 #include "classic/http/RequestParser.h"
 #include "config/Profile.h"
+#include "files/Path.h"
 #include "net/Socket.h"
 #include "server/Access.h"
 #include "server/Connection.h"
@@ -316,24 +317,31 @@ void ClassicFace::replyEnded()
     if (current && !admission.isLooking())
         current->replyEnded();
     if (connection.isWatched())
-        connection.noteEnd(deed());
-    exchange.status = 0;
+        noteEnd();
+    exchange.status = exchange.outcome = 0;
     exchange.sendsFile = false;
+    exchange.changed.clear();
     endRequest();
 }
 
 /// A form says by a field what it is for.
-Deed ClassicFace::deed() const
+void ClassicFace::noteEnd()
 {
     const Request &request = exchange.request;
     const bool isForm = request.methodCode == Request::Post && !request.isMultipart();
     const QByteArray method = isForm ? methodOfForm(request) : RequestParser::methodName(request);
-    return { {},
-             method,
-             request.path.toUtf8(),
-             exchange.status,
-             channel.canAnswer() && !channel.isBodyLost(),
-             request.isDownload() && !exchange.sendsFile };
+    Deed deed{ {},
+               method,
+               request.path.toUtf8(),
+               exchange.outcome != 0 ? exchange.outcome : exchange.status,
+               channel.canAnswer() && !channel.isBodyLost(),
+               request.isDownload() && !exchange.sendsFile };
+    if (exchange.changed.empty())
+        return connection.noteEnd(deed);
+    for (const QByteArray &path : exchange.changed) {
+        deed.path = '/' + cleanPath(path);
+        connection.noteEnd(deed);
+    }
 }
 
 std::optional<FileTransfer> ClassicFace::transfer() const

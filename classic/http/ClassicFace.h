@@ -54,7 +54,7 @@ private:
     void answer();
     void refuseLogin();
     void dispatch();
-    Deed deed() const;
+    void noteEnd();
     const Route *findRoute() const;
     Responder &responder(const Route &route);
 

@@ -43,6 +43,22 @@ SaveResult resultOf(DiskError error)
     }
 }
 
+/// What a PUT would be answered.
+int statusOf(SaveResult result)
+{
+    switch (result) {
+    case Saved:
+        return 201;
+    case NameExists:
+        return 409;
+    case OpenFailed:
+    case WriteFailed:
+        return 507;
+    default:
+        return 400;
+    }
+}
+
 } // namespace
 
 QString uploadName(const QByteArray &partHeaders)
@@ -78,7 +94,7 @@ void FormUpload::start(const QString &target)
     folder = target;
     file.reset();
     if (!exchange.request.contentType.contains("boundary="))
-        return ended(NoUsableForm);
+        return finish(NoUsableForm);
     exchange.channel.receive({ BodyIntake::Target::PartHead, BodyIntake::maxPartHead });
 }
 
@@ -86,9 +102,11 @@ void FormUpload::partHeadReady(const QByteArray &lines)
 {
     const QString name = uploadName(lines);
     if (name.isEmpty() || name.contains(QChar::Null) || climbsOut(name))
-        return ended(NoUsableForm);
-    if (const SaveResult result = open(name); result != Saved)
-        return ended(result);
+        return finish(NoUsableForm);
+    const QByteArray path = nativePath(folder + QLatin1Char('/') + name);
+    exchange.changed = { path };
+    if (const SaveResult result = open(path); result != Saved)
+        return finish(result);
 
     const QByteArray key("boundary=");
     const QByteArray &type = exchange.request.contentType;
@@ -99,11 +117,11 @@ void FormUpload::partHeadReady(const QByteArray &lines)
 }
 
 /// `Saved` when the file can be received.
-SaveResult FormUpload::open(const QString &name)
+SaveResult FormUpload::open(const QByteArray &path)
 {
     if (!exchange.service.share)
         return OpenFailed;
-    Place place = exchange.service.share->place(nativePath(folder + QLatin1Char('/') + name));
+    Place place = exchange.service.share->place(path);
     if (!place.isValid())
         return OpenFailed;
     file = newUpload(*exchange.service.profile);
@@ -118,7 +136,13 @@ void FormUpload::bodyEnded(SaveResult result)
     if (result != Saved) {
         received->discard();
         disk.run(received, nullptr, {});
-        return ended(result);
+        return finish(result);
     }
-    disk.run(received, context, [this, received] { ended(resultOf(received->error())); });
+    disk.run(received, context, [this, received] { finish(resultOf(received->error())); });
+}
+
+void FormUpload::finish(SaveResult result)
+{
+    exchange.outcome = statusOf(result);
+    ended(result);
 }

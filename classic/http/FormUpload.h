@@ -32,7 +32,8 @@ public:
     void bodyEnded(SaveResult result);
 
 private:
-    SaveResult open(const QString &name);
+    SaveResult open(const QByteArray &path);
+    void finish(SaveResult result);
 
     Exchange &exchange;
     QObject *context;

@@ -23,6 +23,8 @@ constexpr auto uploadAction = "";
 constexpr int maxItemsPerPage = 10000;
 constexpr int maxMessage = 8192; ///< bytes that a session keeps for its next page
 
+constexpr int forbidden = 403; ///< of the status codes
+
 constexpr auto uploadsOff = "File send failed: Uploads are not allowed.";
 constexpr auto folderFailed = "Create new folder failed";
 
@@ -99,6 +101,7 @@ BrowserPages::Then BrowserPages::act()
     }
     if (action->refusal && !exchange.service.profile->allowsUpload()) {
         tell(action->refusal);
+        exchange.outcome = forbidden;
         return Then::ServePath;
     }
     return (this->*action->act)();
@@ -157,8 +160,10 @@ BrowserPages::Then BrowserPages::receiveUpload()
 
 BrowserPages::Then BrowserPages::deleteSelected()
 {
-    if (!exchange.service.profile->allowsDelete() || !exchange.service.share)
+    if (!exchange.service.profile->allowsDelete() || !exchange.service.share) {
+        exchange.outcome = forbidden;
         return Then::ServePath;
+    }
     const auto removal = std::make_shared<SelectionRemoval>(
         exchange.service.share, request.path,
         exchange.service.shared.absoluteFilePath() + request.path, request.query);
@@ -171,6 +176,9 @@ void BrowserPages::selectionRemoved(const SelectionRemoval &removal)
 {
     if (!removal.isForbidden())
         tell(removal.message());
+    exchange.changed = removal.gone();
+    if (exchange.changed.empty())
+        exchange.outcome = forbidden;
     if (!channel.canAnswer())
         return channel.end();
     if (removal.isForbidden())
@@ -187,12 +195,14 @@ BrowserPages::Then BrowserPages::createFolder()
     }
     const Share *share = exchange.service.share.get();
     const QByteArray folder = nativePath(request.path + QLatin1Char('/') + name);
-    if (share && share->facts(folder).folder)
-        tell("Folder create failed: Folder exists");
-    else if (share && share->makeFolders(folder) == 0)
+    const bool exists = share && share->facts(folder).folder;
+    const bool isMade = share && !exists && share->makeFolders(folder) == 0;
+    exchange.changed = { folder };
+    exchange.outcome = isMade ? 0 : forbidden;
+    if (isMade)
         tell("New folder created");
     else
-        tell(folderFailed);
+        tell(exists ? "Folder create failed: Folder exists" : folderFailed);
     return Then::ServePath;
 }
 

@@ -13,6 +13,7 @@ namespace {
 
 constexpr auto actionField = "a";
 constexpr auto folderField = "d"; ///< the check box of a folder
+constexpr std::size_t maxPaths = 50; ///< that anybody is told of
 constexpr int maxFailures = 8000; ///< bytes: a session keeps them until its next page
 
 /// Whether a field names the listed folder itself.
@@ -88,8 +89,16 @@ void SelectionRemoval::begin()
 void SelectionRemoval::removeFile(const QByteArray &path)
 {
     const Place place = share->place(path);
-    if (place.isValid() && ::unlinkat(place.folder.get(), place.name.constData(), 0) == 0)
-        ++removed;
+    if (!place.isValid() || ::unlinkat(place.folder.get(), place.name.constData(), 0) != 0)
+        return;
+    ++removed;
+    noteGone(path);
+}
+
+void SelectionRemoval::noteGone(const QByteArray &path)
+{
+    if (removedPaths.size() < maxPaths)
+        removedPaths.push_back(path);
 }
 
 void SelectionRemoval::removeFolder(const QByteArray &path, const QString &name)
@@ -98,6 +107,7 @@ void SelectionRemoval::removeFolder(const QByteArray &path, const QString &name)
         return;
     tree = std::make_unique<TreeRemoval>(share->place(path));
     treeName = name;
+    treePath = path;
 }
 
 void SelectionRemoval::endFolder()
@@ -105,7 +115,7 @@ void SelectionRemoval::endFolder()
     const std::unique_ptr<TreeRemoval> ended = std::move(tree);
     removed += ended->removed();
     if (ended->isWhole())
-        return;
+        return noteGone(treePath);
     const QByteArray failure =
         " delete " + toAscii(shownFolder + QLatin1Char('/') + treeName) + " failed,";
     if (failures.size() + failure.size() <= maxFailures)

@@ -9,6 +9,7 @@
 #include <QString>
 
 #include <memory>
+#include <vector>
 
 /// Removes what was ticked on the page of a folder: files, and folders with all they hold. When
 /// one name climbs out of the folder, nothing is touched.
@@ -28,12 +29,16 @@ public:
     /// entries were removed. Of a folder only those below it count.
     QByteArray message() const;
 
+    /// Which of them went whole, as far as their names are kept; paths.
+    const std::vector<QByteArray> &gone() const { return removedPaths; }
+
 private:
     bool check(const Budget &until);
     void begin();
     void removeFile(const QByteArray &path);
     void removeFolder(const QByteArray &path, const QString &name);
     void endFolder();
+    void noteGone(const QByteArray &path);
 
     const std::shared_ptr<const Share> share;
     const QString folder;
@@ -44,6 +49,8 @@ private:
     bool forbidden = false;
     std::unique_ptr<TreeRemoval> tree; ///< under way
     QString treeName;
+    QByteArray treePath;
     qint64 removed = 0;
     QByteArray failures;
+    std::vector<QByteArray> removedPaths;
 };

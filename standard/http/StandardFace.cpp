@@ -4,6 +4,7 @@
 #include "files/HiddenUploads.h"
 #include "files/Share.h"
 #include "net/Socket.h"
+#include "server/Access.h"
 #include "server/Connection.h"
 #include "server/CrossSite.h"
 #include "server/PasswordChecks.h"
@@ -42,6 +43,13 @@ std::unique_ptr<Handler> makeGet(Exchange &exchange)
 {
     const bool lists = exchange.share() && exchange.share()->isFolder() && exchange.namesFolder();
     return lists ? makeHandler<FolderReply>(exchange) : makeHandler<FileReply>(exchange);
+}
+
+/// How the owner is told of what is made out of a folder. Not by the whole query: nobody is to hide
+/// it among the folders that were looked at.
+QByteArray madeFile(const Request &request)
+{
+    return request.target.path + '?' + archiveQuery;
 }
 
 } // namespace
@@ -318,35 +326,46 @@ void StandardFace::replyEnded()
     if (wasAnswering)
         handler->end();
     if (connection.isWatched())
-        noteEnd(wasAnswering ? handler->bytesLeft() : std::nullopt);
+        noteEnd(wasAnswering);
     exchange.finish();
 }
 
-/// `unsent` bytes are missing of a file that was made: that is a download, however it was asked
-/// for.
-void StandardFace::noteEnd(std::optional<qint64> unsent)
+/// What is done by the server's own names is no matter of a file, unless its handler says so.
+void StandardFace::noteEnd(bool wasAnswering)
 {
-    const Request &request = exchange.request();
-    connection.noteEnd({ {},
-                         unsent ? nameOf(Method::Get) : request.methodName,
-                         unsent ? madeFile() : request.target.path,
-                         exchange.status(),
-                         channel.canAnswer() && unsent.value_or(0) == 0,
-                         !unsent && exchange.namesFolder() });
+    constexpr int firstRefusal = 400;
+    const QByteArray added = wasAnswering ? handler->addedFile() : QByteArray();
+    if (added.isEmpty() && isReserved(exchange.path()) && exchange.status() < firstRefusal)
+        return;
+    connection.noteEnd(deed(wasAnswering ? handler->bytesLeft() : std::nullopt, added));
 }
 
-/// How the owner is told of what is made out of a folder. Not by the whole query: nobody is to hide
-/// it among the folders that were looked at.
-QByteArray StandardFace::madeFile() const
+/// `unsent` bytes are missing of a file that was made: that is a download, however it was asked
+/// for. A file that was `added` is an upload.
+Deed StandardFace::deed(std::optional<qint64> unsent, const QByteArray &added) const
 {
-    return exchange.request().target.path + '?' + archiveQuery;
+    const Request &request = exchange.request();
+    if (!added.isEmpty())
+        return { {},
+                 nameOf(Method::Put),
+                 '/' + seenFrom(exchange.access().home, added),
+                 int(Status::Created),
+                 channel.canAnswer(),
+                 false };
+    return { {},
+             unsent ? nameOf(Method::Get) : request.methodName,
+             unsent ? madeFile(request) : request.target.path,
+             exchange.status(),
+             channel.canAnswer() && unsent.value_or(0) == 0,
+             !unsent && exchange.namesFolder() };
 }
 
 std::optional<FileTransfer> StandardFace::transfer() const
 {
     std::optional<FileTransfer> found = channel.transfer();
     if (const auto unsent = isAnswering ? handler->bytesLeft() : std::nullopt)
-        return FileTransfer{ false, *unsent + (found ? found->left : 0), madeFile() };
+        return FileTransfer{ false, *unsent + (found ? found->left : 0),
+                             madeFile(exchange.request()) };
     if (found)
         found->path = exchange.request().target.path;
     return found;

@@ -59,8 +59,8 @@ private:
     void dispatch();
     void refuseMethod();
     void dropHandler();
-    void noteEnd(std::optional<qint64> unsent);
-    QByteArray madeFile() const;
+    void noteEnd(bool wasAnswering);
+    Deed deed(std::optional<qint64> unsent, const QByteArray &added) const;
 
     Connection &connection;
     std::shared_ptr<FaceCommon> common;

@@ -150,6 +150,7 @@ void FormUpload::taken(const UploadFile &received)
 {
     if (received.error() != DiskError::None)
         return exchange.refuse(statusOf(received.error()));
+    isTaken = true;
     exchange.refuse(Status::SeeOther, {},
                     { { "Location", exchange.urlPath(exchange.path(), true) } });
 }

@@ -20,6 +20,7 @@ public:
 
     void start() override;
     void bodySaved(BodyEnd end) override;
+    QByteArray addedFile() const override { return isTaken ? target : QByteArray(); }
 
 private:
     bool hasRoom() const;
@@ -36,6 +37,7 @@ private:
     std::optional<MultipartCutter> part; ///< once it is
     QByteArray target; ///< a path of the share
     Status problem = Status::BadRequest; ///< why nothing more is taken
+    bool isTaken = false; ///< the file has its name
 };
 
 /// The name of a file that the lines of a part give, without folders. Empty when there is none that

@@ -202,6 +202,7 @@ void UploadReceiver::taken(const UploadFile &received)
     if (error != DiskError::None)
         return refuse(error == DiskError::Changed ? Status::PreconditionFailed : statusOf(error));
     entry.reset();
+    isTaken = true;
     tell(whole.length);
 }
 

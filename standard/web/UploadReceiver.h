@@ -23,6 +23,7 @@ public:
     static constexpr auto contentType = "application/offset+octet-stream";
 
     void bodySaved(BodyEnd end) override;
+    QByteArray addedFile() const override { return isTaken ? m_target : QByteArray(); }
     void ended() override;
 
 protected:
@@ -74,6 +75,7 @@ private:
     PartialRecord whole; ///< what it is to become
     qint64 start = 0; ///< offset
     qint64 position = 0; ///< the same, behind what was received
+    bool isTaken = false; ///< the file is whole and has its name
     std::optional<UploadChecksum> checksum;
     std::shared_ptr<OpenUploads::Upload> entry; ///< null when it comes as a whole
 };

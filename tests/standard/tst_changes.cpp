@@ -292,6 +292,7 @@ void TestChanges::padIsShared()
     QCOMPARE(write("a"), 404);
     server.profile->scratchPad = 1;
     QCOMPARE(write("a"), 204);
+    QCOMPARE(server.sink.deeds.size(), 1); // the refusal: it is no file
     const RawReply first = replyTo(server, "GET", "/.quillon/pad");
     QCOMPARE(first.body, QByteArray("a"));
     const QByteArray seen = "If-Match: " + first.header("ETag") + "\r\n";

@@ -72,6 +72,9 @@ void TestForms::addsAFile()
     const RawReply reply = replyTo(server, "POST", "/sub/", formType, form("a.txt", content));
     QCOMPARE(reply.status(), QByteArray("303 See Other"));
     QCOMPARE(reply.header("Location"), QByteArray("/sub/"));
+    const Deed deed = server.sink.deeds.value(1);
+    QCOMPARE(deed.method + deed.path, QByteArray("PUT/sub/a.txt"));
+    QVERIFY(deed.status == 201 && deed.isWhole && !deed.isFolder);
     QCOMPARE(replyTo(server, "GET", "/sub/a.txt").body, content);
 }
 

@@ -256,7 +256,10 @@ void TestResumable::goesOnAfterCutAndRestart()
     TusServer server;
     server.server->setShared(shared.path());
     QCOMPARE(server.offset(upload), QByteArray("6"));
-    QCOMPARE(server.patch(upload, 6, "6789"), QByteArray("204"));
+    QCOMPARE(server.patch(upload, 6, "678"), QByteArray("204"));
+    QCOMPARE(server.patch(upload, 9, "9"), QByteArray("204"));
+    QCOMPARE(server.sink.deeds.size(), 1); // the owner hears of the file alone
+    QCOMPARE(server.sink.deeds[0].method + server.sink.deeds[0].path, QByteArray("PUT/new"));
     QCOMPARE(readFile(shared.filePath(QStringLiteral("new"))), QByteArray("0123456789"));
 }
 

@@ -75,6 +75,7 @@ private Q_SLOTS:
     void conversations_data();
     void conversations();
     void switchedOff();
+    void ownerIsToldOfForms();
     void largePages();
     void deletingFails();
     void uploadsThatBreakOff();
@@ -259,6 +260,25 @@ void TestBrowserPages::switchedOff()
     QCOMPARE(essence(get("/", "a=cfd&f=x")), QByteArray("Create new folder failed|file"));
     live->profile->enableDelete = Qt::Unchecked;
     QCOMPARE(essence(get("/", "a=del&f=file")), QByteArray("|file"));
+}
+
+void TestBrowserPages::ownerIsToldOfForms()
+{
+    add("sub/a b");
+    add("sub/d/x");
+    for (const char *name : { "new", "new" })
+        get("/sub", uploadBody(name));
+    for (const char *posted : { "a=cfd&f=e", "a=cfd&f=e", "a=del&f=a+b&f=none&d=d" })
+        get("/sub", posted);
+    live->profile->enableUpload = live->profile->enableDelete = Qt::Unchecked;
+    get("/sub", uploadBody("more"));
+    get("/sub", "a=del&f=new");
+    QByteArray told;
+    for (const Deed &deed : std::as_const(live->sink.deeds))
+        told += deed.method + deed.path + ' ' + QByteArray::number(deed.status) + '|';
+    QCOMPARE(told,
+             QByteArray("POST/sub/new 201|POST/sub/new 409|MKCOL/sub/e 200|MKCOL/sub/e 403|"
+                        "DELETE/sub/a b 200|DELETE/sub/d 200|POST/sub 403|DELETE/sub 403|"));
 }
 
 /// They go out as they are taken, whole, and nobody waits for them.
