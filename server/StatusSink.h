@@ -18,6 +18,10 @@ public:
     /// Something the user should know. Both texts are translated and end without a line feed.
     virtual void msg(const QString &title, const QString &text) = 0;
 
+    /// Whether the user hears from elsewhere why keys can't be used, once something is to be served
+    /// with them; else `msg` says so wherever they are read.
+    virtual bool knowsKeyProblems() const { return false; }
+
     /// Whether it wants to hear of requests that are over, see `told`. Asked at each of them.
     virtual bool listens() const { return false; }
 

@@ -166,7 +166,7 @@ void WebServer::loadKeys(const Profile *profile)
         return;
     QString problem;
     identity = TlsIdentity::load(*profile, &problem);
-    if (!identity)
+    if (!identity && !(setup->sink && setup->sink->knowsKeyProblems()))
         warn(problem);
 }
 

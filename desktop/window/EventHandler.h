@@ -45,6 +45,9 @@ public:
     /// connection; a text whose box is open or waiting is not shown again.
     void msg(const QString &title, const QString &text) override;
 
+    /// The row that is to start brings a box that helps.
+    bool knowsKeyProblems() const override { return true; }
+
     bool listens() const override { return deeds.size() < std::size_t(maxDeeds); }
     void told(const Deed &deed) override;
 

@@ -99,35 +99,50 @@ StartAnswer StartQuestions::askAboutLimit(const ServerRow *row)
 
 void StartQuestions::tellOfKeys(ServerRow *row, const QString &reason)
 {
+    if (!keysBox)
+        keyless.clear();
+    keyless.append(row);
     if (keysBox)
         return;
     keysBox = showBox(parent, QMessageBox::Warning,
                       WindowText::tr("The server does not start without its key and certificate.")
                           + QLatin1Char('\n') + reason);
     const QPushButton *make = addBoxButton(keysBox, WindowText::tr("Make a new key"));
-    const QPointer<ServerRow> still(row);
-    connect(make, &QPushButton::clicked, this, [this, still] { makeKeys(still); });
+    connect(make, &QPushButton::clicked, this, &StartQuestions::makeKeys);
 }
 
-void StartQuestions::makeKeys(const QPointer<ServerRow> &row)
+/// For the profile that the box tells of; its rows start with them.
+void StartQuestions::makeKeys()
 {
+    const QPointer<ServerRow> row = keyless.constFirst();
     if (!row)
         return;
     auto *maker = new KeyMaker(row->profile()->directories().profiles, this);
     connect(maker, &KeyMaker::failed, this,
             [this](const QString &why) { showBox(parent, QMessageBox::Warning, why); });
     connect(maker, &KeyMaker::made, this,
-            [this, row](const QString &keyFile, const QString &certificateFile) {
-                if (!row)
-                    return;
-                const std::unique_ptr<Profile> edited = row->profile()->clone();
-                edited->privateKeyFile = keyFile;
-                edited->publicKeyFile = certificateFile;
-                edited->keyPassword.clear();
-                rows->profileEdited(edited.get());
-                rows->start(row);
+            [this, refused = keyless](const QString &keyFile, const QString &certificateFile) {
+                startWithKeys(refused, keyFile, certificateFile);
             });
     maker->start();
+}
+
+void StartQuestions::startWithKeys(const QList<QPointer<ServerRow>> &refused,
+                                   const QString &keyFile, const QString &certificateFile)
+{
+    const QPointer<ServerRow> first = refused.constFirst();
+    if (!first)
+        return;
+    const Profile *profile = first->profile();
+    const std::unique_ptr<Profile> edited = profile->clone();
+    edited->privateKeyFile = keyFile;
+    edited->publicKeyFile = certificateFile;
+    edited->keyPassword.clear();
+    rows->profileEdited(edited.get());
+    for (const QPointer<ServerRow> &row : refused) {
+        if (row && row->profile() == profile)
+            rows->start(row);
+    }
 }
 
 bool mayCut(const QList<ServerRow *> &stopping, QWidget *window)

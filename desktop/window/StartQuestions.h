@@ -29,12 +29,15 @@ private:
     StartAnswer askAboutLogin(ServerRow *row);
     StartAnswer askAboutLimit(const ServerRow *row);
     void tellOfKeys(ServerRow *row, const QString &reason);
-    void makeKeys(const QPointer<ServerRow> &row);
+    void makeKeys();
+    void startWithKeys(const QList<QPointer<ServerRow>> &refused, const QString &keyFile,
+                       const QString &certificateFile);
 
     ServerRows *rows;
     RowPanel *panel;
     QWidget *parent;
     QPointer<QMessageBox> keysBox; ///< one tells of all rows
+    QList<QPointer<ServerRow>> keyless; ///< of whom it tells
     bool isAsking = false; ///< a question is open
 };
 

@@ -170,6 +170,16 @@ private Q_SLOTS:
             });
     }
 
+    void madeKeysServeAllRows()
+    {
+        Desktop desktop([](Profile &global) { global.sslMode = Qt::Checked; }, 2);
+        // The one box there is.
+        inModal<QMessageBox>([&] { desktop.list()->startButton()->click(); },
+                             [](QMessageBox *box) { click(box, "Make a new key"); });
+        QTRY_VERIFY_WITH_TIMEOUT(desktop.row(0)->isListening() && desktop.row(1)->isListening(),
+                                 20000);
+    }
+
     void permissions()
     {
         Desktop desktop({}, 2);
