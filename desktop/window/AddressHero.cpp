@@ -19,6 +19,8 @@
 namespace {
 
 constexpr double largeFont = 1.5; ///< beside the window's
+constexpr double smallFont = 0.8; ///< the same, for a long address in little room
+constexpr double fontStep = 0.5; ///< points
 constexpr int longestShareName = 300; // pixels
 
 /// What people call the network behind it; empty for something else.
@@ -115,6 +117,7 @@ void AddressHero::showRows(QList<ServerRow *> running)
     if (places.isEmpty())
         return;
     link->setLink(places.constFirst().url, places.constFirst().url);
+    enlargeLink();
     const auto folded = std::count_if(places.begin() + 1, places.end(),
                                       [](const Place &place) { return !place.isReachable; });
     more->setText(QStringLiteral("+%1").arg(folded));
@@ -147,13 +150,30 @@ void AddressHero::changeEvent(QEvent *event)
         enlargeLink();
 }
 
+void AddressHero::resizeEvent(QResizeEvent *event)
+{
+    TurningRow::resizeEvent(event);
+    enlargeLink();
+}
+
+/// As far as the whole address fits in. What the buttons take does not count: they go below it, and
+/// would come back beside a smaller one.
 void AddressHero::enlargeLink()
 {
     QFont large = font();
     large.setBold(true);
-    if (large.pointSizeF() > 0)
-        large.setPointSizeF(large.pointSizeF() * largeFont);
-    link->setFont(large);
+    const double usual = large.pointSizeF();
+    const auto fits = [&large, this](double size) {
+        large.setPointSizeF(size);
+        return QFontMetrics(large).horizontalAdvance(link->linkText()) <= width();
+    };
+    if (usual > 0) {
+        double size = usual * largeFont;
+        while (!fits(size) && size - fontStep >= usual * smallFont)
+            size -= fontStep;
+    }
+    if (link->font() != large)
+        link->setFont(large);
 }
 
 void AddressHero::showPicture()

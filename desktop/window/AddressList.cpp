@@ -56,8 +56,8 @@ void AddressList::buildWidgets()
     toApplication->setLink(tr("Give browsers the web application..."), QStringLiteral("settings"));
 
     auto *buttons = new TurningRow;
-    buttons->add(m_startButton, 1);
-    buttons->add(m_permission, 1);
+    buttons->add(m_startButton, 0);
+    buttons->add(m_permission, 0);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);

@@ -378,6 +378,24 @@ private Q_SLOTS:
         desktop.rows->stopAll();
     }
 
+    void largeLettersFit()
+    {
+        Desktop desktop;
+        desktop.row()->start();
+        QFont large = desktop.window->font();
+        large.setPointSize(24);
+        desktop.window->setFont(large);
+        desktop.window->resize(480, 800);
+        const auto *link = desktop.list()->hero()->findChild<LinkLabel *>();
+        QTRY_VERIFY(link->text().contains(desktop.row()->url() + "</a>"_q));
+        const auto *button = desktop.list()->permissionButton();
+        const auto wordsWidth = [button] {
+            return QFontMetrics(button->font()).size(0, button->text()).width();
+        };
+        QTRY_VERIFY(wordsWidth() < button->width());
+        QVERIFY(button->width() <= 480 && button->sizeHint().width() > button->width());
+    }
+
     void fitsSmallScreens()
     {
         for (const bool expert : { false, true }) {
