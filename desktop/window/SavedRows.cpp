@@ -27,8 +27,8 @@ bool isText(const QByteArray &content)
     return !hasControls && QString::fromUtf8(content).toUtf8() == content;
 }
 
-/// Whether the file has what was ever written together: whole lines, and every row with its port.
-/// A file of simple mode counts no rows and has one.
+/// Whether the file has what was ever written together: whole lines, and every row with its port,
+/// or what it shares while it had no address. A file of simple mode counts no rows and has one.
 bool isWhole(const QSettings &settings)
 {
     QFile file(settings.fileName());
@@ -39,7 +39,8 @@ bool isWhole(const QSettings &settings)
         return false;
     const int rows = settings.value(countKey, 1).toInt();
     for (int index = 0; index < std::min(rows, SavedRows::maxRows); ++index) {
-        if (!settings.contains(QString::number(index) + QLatin1Char('/') + portKey))
+        const QString row = QString::number(index) + QLatin1Char('/');
+        if (!settings.contains(row + portKey) && !settings.contains(row + fileKey))
             return false;
     }
     return true;
