@@ -161,12 +161,15 @@ void PropFind::rest()
     exchange.service().setup.turns->rest(this);
 }
 
-/// The next piece, while this one goes out. Where too many wait with theirs it is made later.
+/// The next piece, while this one goes out. Where too many wait with theirs it is made in the next
+/// turn, when it can be sent at once.
 void PropFind::makeAhead()
 {
     ahead.emplace(*exchange.service().setup.replies, PropFindJob::pieceBytes);
-    if (!ahead->isGranted())
-        return rest();
+    if (!ahead->isGranted()) {
+        state = State::Making;
+        return exchange.service().setup.turns->again(this);
+    }
     exchange.service().setup.disk->runAside(job, this, [this] { pieceMade(); });
 }
 

@@ -1,3 +1,4 @@
+#include "standard/dav/Routes.h"
 #include "standard/http/Handler.h"
 #include "tests/standard/StandardTest.h"
 
@@ -152,7 +153,7 @@ void TestFilesByHttp::folders()
 
 void TestFilesByHttp::longPageWaitsForItsReader()
 {
-    const StandardServer server({ { "d/short", {} } });
+    const StandardServer server({ { "d/short", {} } }, withDav(fileRoutes()));
     const QString rest(200, QLatin1Char('&'));
     for (int i = 0; i < 5002; ++i)
         server.addFile(QString::number(i) + rest, {});
@@ -168,6 +169,10 @@ void TestFilesByHttp::longPageWaitsForItsReader()
     {
         const MemoryBudget::Part others(memory, memory.unused());
         QVERIFY(others.isGranted());
+        // What is sent as it is made needs no room.
+        RawClient lists(server.port());
+        lists.send(rawRequest("PROPFIND", "/", "Depth: 1\r\nConnection: close\r\n"));
+        QVERIFY(lists.readToEnd().endsWith("0\r\n\r\n"));
         const RawReply refused = replyTo(server, "GET", "/");
         QCOMPARE(refused.status(), QByteArray("503 Service Unavailable"));
         QCOMPARE(refused.header("Retry-After"), QByteArray("10"));
