@@ -67,7 +67,9 @@ bool addThreads(const Filter &filter)
 bool forbidOtherCalls()
 {
     const Filter filter(seccomp_init(SCMP_ACT_KILL_PROCESS));
-    return filter && addAll(filter, SCMP_ACT_ALLOW, allowed)
+    // Libraries may have started threads of their own when they were loaded.
+    return filter && seccomp_attr_set(filter.get(), SCMP_FLTATR_CTL_TSYNC, 1) == 0
+        && addAll(filter, SCMP_ACT_ALLOW, allowed)
         && addAll(filter, SCMP_ACT_ERRNO(EACCES), failing) && addThreads(filter)
         && seccomp_load(filter.get()) == 0;
 }
