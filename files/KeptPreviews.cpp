@@ -14,6 +14,8 @@
 
 namespace {
 
+constexpr int mostPostponed = 16; ///< each keeps a connection
+
 /// By all that changes with the picture; the last time is one that nobody can set.
 QByteArray storedName(const EntryFacts &facts, const QByteArray &kind)
 {
@@ -79,6 +81,8 @@ void KeptPreviews::postpone(const QObject *asker)
         waiting.begin(), waiting.end(), [](const Wish &wish) { return !wish.isPostponed; });
     if (postponed != waiting.begin())
         stopUnless([](const Wish &wish) { return !wish.isPostponed; });
+    for (auto count = waiting.end() - postponed; count > mostPostponed; --count)
+        refuseLast();
 }
 
 /// What is being made is made later, or never, unless somebody wants it who is a reason.
@@ -101,11 +105,16 @@ bool KeptPreviews::makeRoom()
         return true;
     if (!waiting.back().isPostponed)
         return false;
+    refuseLast();
+    return true;
+}
+
+void KeptPreviews::refuseLast()
+{
     const Wish last = std::move(waiting.back());
     waiting.pop_back();
     if (last.asker)
         last.told(Answer::Later, {});
-    return true;
 }
 
 void KeptPreviews::makeNext()

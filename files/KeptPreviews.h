@@ -69,6 +69,7 @@ private:
     };
 
     bool makeRoom();
+    void refuseLast();
     void stopUnless(const std::function<bool(const Wish &)> &isReason);
     void makeNext();
     void makingEnded(PreviewMaker::End end);

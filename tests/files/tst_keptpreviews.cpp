@@ -108,6 +108,14 @@ void TestKeptPreviews::waiting()
     want(*previews, 7, this);
     QTRY_COMPARE(told, QByteArray("4:L 6:Maaa 7:Maaa 5:Maaa "));
     QCOMPARE(readFile(at("runs")).size(), 5);
+    // Of a crowd that left only some are waited for.
+    const auto others = newPreviews("others", { 40, 1 << 20, std::chrono::seconds(2) });
+    told.clear();
+    for (int edge = 10; edge < 30; ++edge)
+        want(*others, edge, &leaves);
+    others->postpone(&leaves);
+    QCOMPARE(told.count(":L "), 4);
+    others->leave(&leaves);
     want(*previews, 1, this); // that one takes too long is not kept
     QTRY_COMPARE(readFile(at("runs")).size(), 6);
 }
