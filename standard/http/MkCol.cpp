@@ -22,6 +22,8 @@ void MkCol::start()
     const Place target = place();
     if (!target.isValid())
         return exchange.refuse(Status::Conflict, "The folder above does not exist.");
+    if (Reservation::isTaken(target) && onlyAdds(exchange.path()))
+        return exchange.reply(Status::Created);
     if (Reservation::isTaken(target))
         return exchange.refuse(Status::Conflict, "A file of this name is being received.");
     if (::mkdirat(target.folder.get(), target.name.constData(), folderMode) == 0)
@@ -31,7 +33,7 @@ void MkCol::start()
     exchange.refuse(statusOf(errno));
 }
 
-/// Who only adds makes a folder that is there as if it weren't, and learns nothing.
+/// Who only adds makes what has the name already as if nothing had, and learns nothing.
 bool MkCol::isAllowed(const EntryFacts &found)
 {
     if (!isPermitted(found))
@@ -41,7 +43,7 @@ bool MkCol::isAllowed(const EntryFacts &found)
         exchange.refuse(Status::UnsupportedMediaType);
         return false;
     }
-    if (found.folder && onlyAdds(exchange.path())) {
+    if ((found.exists || found.link) && onlyAdds(exchange.path())) {
         exchange.reply(Status::Created);
         return false;
     }

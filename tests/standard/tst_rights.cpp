@@ -137,7 +137,7 @@ void TestRights::whoOnlyAddsLearnsNothing()
     server.profile->everyone = *rightsNamed("read, change, delete");
     QCOMPARE(server.status("GET", "/d/"), 403);
     server.profile->everyone = Rights(Right::Add);
-    for (const char *folder : { "/d", "/new" })
+    for (const char *folder : { "/d", "/a", "/new" })
         QCOMPARE(server.status("MKCOL", folder), 201);
     QCOMPARE(server.status("PUT", "/.quillon/pad", "", "1234"), 204);
     for (const char *guess : { "1234", "9" }) {
