@@ -108,7 +108,8 @@ SavedRows::SavedRows(const QString &fileName)
 {
     if (!isWhole(file)) {
         damaged = keptCopy(fileName);
-        file.clear();
+        if (damaged != fileName)
+            file.clear();
         return;
     }
     int groups = 0;
