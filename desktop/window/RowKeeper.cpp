@@ -69,8 +69,12 @@ void RowKeeper::share(const QString &path, ServerRow *row)
 void RowKeeper::remove(ServerRow *row)
 {
     // The address goes with its own row, not with a further port.
-    if (!row->isAddedPort())
+    if (!row->isAddedPort()) {
         removed.append(row->address().toString());
+        SavedRow &state = removedStates[removed.constLast()] = row->state();
+        state.running = false;
+        state.restsAlone = true;
+    }
     saved.remove(int(m_rows.all().indexOf(row)));
     m_rows.remove(row);
 }
@@ -116,7 +120,9 @@ void RowKeeper::dropVanished()
         state.restsAlone = running && !state.running;
         saved.keep(state);
         if (!m_rows.mode()->isExpert() && !row->isAddedPort()) {
-            state.running = running;
+            // They may go one after the other.
+            const bool lastRan = m_rows.all().size() == 1 && single && single->running;
+            state.running = running || lastRan;
             single = state;
         }
         m_rows.remove(row);
@@ -134,7 +140,9 @@ void RowKeeper::addFound()
         if (hasRow || removed.contains(entry.ip().toString()))
             continue;
         ServerRow *row = m_rows.add(entry);
-        const QList<SavedRow> kept = saved.take(entry.ip().toString());
+        QList<SavedRow> kept = saved.take(entry.ip().toString());
+        if (kept.isEmpty() && removedStates.contains(entry.ip().toString()))
+            kept = { removedStates.take(entry.ip().toString()) };
         restore(row, savedStateOf(row, kept));
         found.append({ row, kept });
     }
@@ -159,8 +167,11 @@ SavedRow RowKeeper::savedStateOf(const ServerRow *row, const QList<SavedRow> &ke
         state.traffic = isBack ? own->traffic : 0;
         return state;
     }
-    if (isBack)
-        return *own;
+    if (isBack) {
+        SavedRow state = *own;
+        state.restsAlone = !state.running; // each one is started by its user
+        return state;
+    }
     const QList<ServerRow *> &all = m_rows.all();
     const auto before = std::count_if(all.begin(), all.end() - 1,
                                       [](const ServerRow *each) { return !each->isAddedPort(); });

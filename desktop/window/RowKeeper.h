@@ -5,6 +5,7 @@
 #include "desktop/window/SavedRows.h"
 #include "desktop/window/ServerRows.h"
 
+#include <QMap>
 #include <QObject>
 #include <QStringList>
 #include <QTimer>
@@ -83,6 +84,7 @@ private:
     SavedRows saved;
     std::optional<SavedRow> single; ///< simple mode: what the next row takes over
     QStringList removed; ///< addresses whose rows the user has removed
+    QMap<QString, SavedRow> removedStates; ///< of those removed in this run, as they were
     QTimer saveTimer;
     bool isFollowing = true; ///< what changes now is not the user's choice
     bool hasBegun = false; ///< with what was saved; from now on the network decides
