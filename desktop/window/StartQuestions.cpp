@@ -14,6 +14,18 @@
 #include <algorithm>
 #include <utility>
 
+namespace {
+
+/// Null when all of them have gone.
+ServerRow *firstLeft(const QList<QPointer<ServerRow>> &refused)
+{
+    const auto found = std::find_if(refused.begin(), refused.end(),
+                                    [](const QPointer<ServerRow> &row) { return !row.isNull(); });
+    return found == refused.end() ? nullptr : found->data();
+}
+
+} // namespace
+
 StartQuestions::StartQuestions(ServerRows *asking, RowPanel *shares, QWidget *window)
     : QObject(window)
     , rows(asking)
@@ -114,7 +126,7 @@ void StartQuestions::tellOfKeys(ServerRow *row, const QString &reason)
 /// For the profile that the box tells of; its rows start with them.
 void StartQuestions::makeKeys()
 {
-    const QPointer<ServerRow> row = keyless.constFirst();
+    const ServerRow *row = firstLeft(keyless);
     if (!row)
         return;
     auto *maker = new KeyMaker(row->profile()->directories().profiles, this);
@@ -130,7 +142,7 @@ void StartQuestions::makeKeys()
 void StartQuestions::startWithKeys(const QList<QPointer<ServerRow>> &refused,
                                    const QString &keyFile, const QString &certificateFile)
 {
-    const QPointer<ServerRow> first = refused.constFirst();
+    const ServerRow *first = firstLeft(refused);
     if (!first)
         return;
     const Profile *profile = first->profile();
