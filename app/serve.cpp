@@ -410,7 +410,7 @@ void tellApplication(Console *console, const Profile &profile)
 }
 
 /// Serves the file or folder `path` until a signal or the traffic limit ends it.
-int serve(Console *console, const Options &options, const QString &path, Profiles &profiles,
+int serve(Console *console, const Options &options, const QString &path, const Profiles &profiles,
           ServiceManager *manager)
 {
     Profile defaults(profiles.directories());

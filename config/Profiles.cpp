@@ -66,7 +66,7 @@ void Profiles::loadOthers()
     }
 }
 
-void Profiles::beginRun()
+void Profiles::beginRun() const
 {
     if (global()->cleanExit)
         global()->amend([](Profile &profile) { profile.cleanExit = false; });

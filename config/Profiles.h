@@ -16,7 +16,7 @@ public:
     explicit Profiles(const Directories &where);
 
     /// The global profile's file says from now on that somebody runs. Waits for the disk.
-    void beginRun();
+    void beginRun() const;
 
     /// The orderly end of what was begun: once no other program of this user runs, the global
     /// profile's file says so. Nothing else in it changes. False when it can't be written.

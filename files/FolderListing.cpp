@@ -77,14 +77,14 @@ qint64 FolderListing::Entry::modifiedSeconds() const
 FolderListing::FolderListing(FolderReader reader, ListingShape shape, Window window)
     : unread(std::move(reader))
     , folderStamp(FolderStamp::of(unread->descriptor()))
-    , wanted(shape)
+    , wanted(std::move(shape))
     , arranged(window)
     , names(std::make_shared<std::string>())
 {
 }
 
 FolderListing::FolderListing(FolderReader reader, ListingShape shape)
-    : FolderListing(std::move(reader), shape, Window())
+    : FolderListing(std::move(reader), std::move(shape), Window())
 {
 }
 

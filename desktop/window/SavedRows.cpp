@@ -49,7 +49,7 @@ bool isWhole(const QSettings &settings)
 /// Where the damaged file is kept: a copy, or itself when there can be none.
 QString keptCopy(const QString &fileName)
 {
-    const QString kept = fileName + QLatin1String(".bad");
+    QString kept = fileName + QLatin1String(".bad");
     // An empty one is left of a file that was damaged before, until rows are saved.
     if (QFileInfo(fileName).size() == 0 && QFile::exists(kept))
         return kept;

@@ -85,7 +85,7 @@ void ServerRow::settle(StartDoubt doubt)
 
 ServerRow::Refusal ServerRow::tryStart()
 {
-    const Refusal refusal = profileRefusal();
+    Refusal refusal = profileRefusal();
     if (!refusal.title.isEmpty())
         return refusal;
     share(missing); // it may be back
