@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <cctype>
-#include <cstring>
 #include <iterator>
 
 namespace {
@@ -22,7 +21,8 @@ const QLatin1String addressKey("address");
 bool isText(const QByteArray &content)
 {
     const bool hasControls = std::any_of(content.begin(), content.end(), [](char byte) {
-        return std::iscntrl(static_cast<unsigned char>(byte)) && !std::strchr("\t\r\n", byte);
+        return std::iscntrl(static_cast<unsigned char>(byte)) && byte != '\t' && byte != '\r'
+            && byte != '\n';
     });
     return !hasControls && QString::fromUtf8(content).toUtf8() == content;
 }
