@@ -8,7 +8,8 @@
 #include <utility>
 #include <vector>
 
-/// Tells files that move, however slowly, from those that stand still. Looks once a second.
+/// Tells files that move from those that stand still. Looks once a second. What goes out slowly
+/// moves as seldom as the system has room for more.
 class TransferPace
 {
 public:
