@@ -30,6 +30,13 @@ bool isAuthority(const QByteArray &host)
     return !host.isEmpty() && std::all_of(host.begin(), host.end(), fits);
 }
 
+/// Whether it can stand in a line of ours as it came.
+bool isTarget(const QByteArray &text)
+{
+    return text.startsWith('/')
+        && std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c < '\x7f'; });
+}
+
 QByteArray reply(const QByteArray &head, const QByteArray &body)
 {
     return "HTTP/1.1 " + head + "\r\nContent-Length: " + QByteArray::number(body.size())
@@ -43,7 +50,7 @@ QByteArray answerToPlain(const QByteArray &head, const Profile &profile)
     const QList<QByteArray> lines = head.split('\n');
     const QList<QByteArray> first = lines.constFirst().trimmed().split(' ');
     const bool isKnown = first.size() == 3 && (first[0] == "GET" || first[0] == "HEAD")
-        && first[1].startsWith('/') && first[2].startsWith("HTTP/1.");
+        && isTarget(first[1]) && first[2].startsWith("HTTP/1.");
     if (!isKnown)
         return {};
     if (const auto found = authorityReply(first[1].mid(1), profile)) {

@@ -144,6 +144,9 @@ void TestAuthority::isThereUnencrypted()
     const RawReply way = get("/a?b");
     QCOMPARE(way.status().left(3), QByteArray("307"));
     QCOMPARE(way.header("Location"), QByteArray("https://localhost/a?b"));
+    RawClient splitting(live.port());
+    splitting.send("GET /a\rX-Evil:1 HTTP/1.1\r\nHost: b\r\n\r\n");
+    QCOMPARE(splitting.readToEnd(), QByteArray());
     live.profile->faceMode = FaceClassic;
     QCOMPARE(get("/.quillon/ca").body, bytes("authority.crt"));
     for (const char *none : { "GET /a HTTP/1.0\n\n", "DELETE /a HTTP/1.1\r\n\r\n",
