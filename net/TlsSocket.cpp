@@ -1,179 +1,219 @@
 #include "net/TlsSocket.h"
 
-#include "net/Poller.h"
-
-#include <QScopedValueRollback>
-#include <QSslConfiguration>
+#include "net/OpenSsl.h"
 
 #include <algorithm>
 #include <array>
+#include <new>
 
+#include <sys/socket.h>
 #include <unistd.h>
 
 namespace {
 
-constexpr qint64 readBufferSize = qint64(64) * 1024;
 constexpr char handshakeRecord = 22; ///< RFC 8446, section 5.1
 constexpr qint64 maxPlainHead = 4096; ///< bytes
-constexpr qint64 pieceSize = qint64(128) * 1024; ///< many records for one call and one wake-up
+constexpr qint64 recordSize = SSL3_RT_MAX_PLAIN_LENGTH; ///< bytes, the most that one may hold
+constexpr qint64 pieceSize = 8 * recordSize; ///< is read at once from a file
+
+TlsSocket *socketOf(const OpenSsl &tls, BIO *bio)
+{
+    return static_cast<TlsSocket *>(tls.BIO_get_data(bio));
+}
 
 } // namespace
 
-TlsSocket::TlsSocket(FileDescriptor accepted, const QSslConfiguration &identity, PlainAnswer answer,
-                     Poller *engine, TrafficAccount *counter)
-    : Socket(counter)
-    , poller(engine)
+TlsSocket::TlsSocket(FileDescriptor accepted, const QHostAddress &peerAddress,
+                     std::shared_ptr<const TlsContext> identity, PlainAnswer answer,
+                     Poller *watcher, TrafficAccount *counter)
+    : DescriptorSocket(std::move(accepted), peerAddress, watcher, counter)
+    , context(std::move(identity))
     , plainAnswer(std::move(answer))
+    , session(nullptr, context->library().SSL_free)
 {
-    connect(&socket, &QIODevice::readyRead, this, &TlsSocket::arrived);
-    connect(&socket, &QIODevice::bytesWritten, this, &TlsSocket::written);
-    connect(&socket, &QSslSocket::encryptedBytesWritten, this, &TlsSocket::written);
-    // Queued: a failing write must not end the connection inside its user's call.
-    connect(&socket, &QAbstractSocket::disconnected, this, &TlsSocket::disconnected,
-            Qt::QueuedConnection);
-    if (!socket.setSocketDescriptor(accepted.get())) {
-        QMetaObject::invokeMethod(this, &TlsSocket::disconnected, Qt::QueuedConnection);
-        return;
-    }
-    accepted.release();
-    socket.setSocketOption(QAbstractSocket::LowDelayOption, 1);
-    socket.setReadBufferSize(readBufferSize);
-    socket.setSslConfiguration(identity);
 }
 
-TlsSocket::~TlsSocket()
+// --- until both ends agreed ---------------------------------------------------------------------
+
+void TlsSocket::establish()
 {
-    QObject::disconnect(&socket, nullptr, this, nullptr);
-    poller->addBacklog(-counted);
+    flush();
+    if (stage == Stage::Greeting && !greet())
+        return;
+    shakeHands();
+}
+
+/// Whether the peer begins a handshake. Somebody may have typed "http:" before the address of a
+/// server that encrypts.
+bool TlsSocket::greet()
+{
+    std::array<char, maxPlainHead> seen;
+    const ssize_t size = ::recv(descriptor(), seen.data(), seen.size(), MSG_PEEK | MSG_DONTWAIT);
+    if (size < 0 && mustWait())
+        return false;
+    if (size <= 0) {
+        breakOff();
+        return false;
+    }
+    if (seen.front() != handshakeRecord) {
+        answerPlain(QByteArray(seen.data(), int(size)));
+        return false;
+    }
+    session = context->session(this);
+    if (!session)
+        breakOff();
+    stage = Stage::Handshake;
+    return session != nullptr;
+}
+
+/// Nothing of it is ever taken for a request.
+void TlsSocket::answerPlain(const QByteArray &head)
+{
+    if (!head.contains("\r\n\r\n") && head.size() < maxPlainHead)
+        return;
+    // What stays unread would have the system take the answer back.
+    std::array<char, maxPlainHead> read;
+    takeNow(read.data(), head.size());
+    const QByteArray answer = plainAnswer(head);
+    pass(answer.constData(), answer.size(), false);
+    finish();
+}
+
+void TlsSocket::shakeHands()
+{
+    const OpenSsl &tls = context->library();
+    tls.ERR_clear_error();
+    const int result = tls.SSL_do_handshake(session.get());
+    if (result == 1) {
+        stage = Stage::Established;
+        // The first request may have come with the last of the peer's part.
+        mayDecrypt = true;
+        return;
+    }
+    if (tls.SSL_get_error(session.get(), result) == SSL_ERROR_WANT_READ)
+        return;
+    // What it is told of its fault goes out first.
+    flush();
+    breakOff();
+}
+
+// --- receiving ----------------------------------------------------------------------------------
+
+bool TlsSocket::mayReceive() const
+{
+    return inputOver || mayDecrypt || DescriptorSocket::mayReceive();
 }
 
 qint64 TlsSocket::receive(char *data, qint64 max)
 {
-    const qint64 size = isPlain() ? 0 : socket.read(data, max);
-    return size <= 0 && ended ? -1 : size;
+    if (!isOpen() || inputOver)
+        return -1;
+    if (!mayReceive())
+        return 0;
+    const OpenSsl &tls = context->library();
+    tls.ERR_clear_error();
+    mayDecrypt = true;
+    qint64 size = 0;
+    while (size < max && mayDecrypt) {
+        const int count = tls.SSL_read(session.get(), data + size, int(max - size));
+        if (count > 0)
+            size += count;
+        else
+            readFailed(count);
+    }
+    return size == 0 && inputOver ? -1 : size;
 }
+
+void TlsSocket::readFailed(int result)
+{
+    mayDecrypt = false;
+    switch (context->library().SSL_get_error(session.get(), result)) {
+    case SSL_ERROR_WANT_READ:
+        return;
+    case SSL_ERROR_ZERO_RETURN:
+        // It may still wait for answers.
+        noteEnd();
+        break;
+    default:
+        breakOff();
+    }
+    inputOver = true;
+}
+
+int TlsSocket::readCipher(BIO *bio, char *data, int size)
+{
+    const OpenSsl &tls = *OpenSsl::library();
+    tls.BIO_clear_flags(bio, BIO_FLAGS_RWS | BIO_FLAGS_SHOULD_RETRY);
+    const qint64 count = socketOf(tls, bio)->takeNow(data, size);
+    if (count != 0)
+        return int(std::max<qint64>(count, 0));
+    tls.BIO_set_flags(bio, BIO_FLAGS_READ | BIO_FLAGS_SHOULD_RETRY);
+    return -1;
+}
+
+// --- sending ------------------------------------------------------------------------------------
 
 bool TlsSocket::send(const QByteArray &bytes, bool more)
 {
-    if (!canSend())
-        return false;
-    const QScopedValueRollback<bool> guard(writing, true);
-    socket.write(bytes);
-    if (!more)
-        socket.flush();
-    countQueued();
-    return true;
+    for (qint64 sent = 0; canSend() && sent < bytes.size();) {
+        const qint64 size = std::min<qint64>(recordSize, bytes.size() - sent);
+        encrypt(bytes.constData() + sent, size, more || sent + size < bytes.size());
+        sent += size;
+    }
+    return canSend();
 }
 
 qint64 TlsSocket::send(int file, qint64 offset, qint64 count)
 {
     if (!canSend())
         return -1;
-    if (isCongested())
+    if (isStuck())
         return 0;
-    const QScopedValueRollback<bool> guard(writing, true);
     std::array<char, pieceSize> piece;
     const ssize_t size =
         ::pread(file, piece.data(), size_t(std::min<qint64>(count, pieceSize)), offset);
-    if (size <= 0 || socket.write(piece.data(), size) != size)
+    if (size <= 0)
         return -1;
-    socket.flush();
-    countQueued();
-    return size;
+    qint64 sent = 0;
+    while (sent < size && canSend() && !isStuck()) {
+        const qint64 record = std::min<qint64>(recordSize, size - sent);
+        encrypt(piece.data() + sent, record, sent + record < size);
+        sent += record;
+    }
+    return canSend() ? sent : -1;
 }
 
-bool TlsSocket::canSend() const
+/// The library takes all of it, as its records are queued.
+void TlsSocket::encrypt(const char *data, qint64 size, bool more)
 {
-    return socket.state() == QAbstractSocket::ConnectedState;
+    const OpenSsl &tls = context->library();
+    tls.ERR_clear_error();
+    moreFollows = more;
+    if (tls.SSL_write(session.get(), data, int(size)) <= 0)
+        breakOff();
 }
 
-qint64 TlsSocket::queued() const
+int TlsSocket::writeCipher(BIO *bio, const char *data, int size)
 {
-    return std::max(socket.bytesToWrite(), socket.encryptedBytesToWrite());
+    TlsSocket *socket = socketOf(*OpenSsl::library(), bio);
+    try {
+        socket->pass(data, size, socket->moreFollows);
+        return size;
+    } catch (const std::bad_alloc &) {
+        // The library knows nothing of exceptions.
+        socket->breakOff();
+        return -1;
+    }
 }
 
-bool TlsSocket::isCongested() const
+/// So that the peer knows that nothing was cut off.
+void TlsSocket::takeLeave()
 {
-    return poller->isCrowded(queued());
-}
-
-/// What waits here counts with what waits in all other sockets.
-void TlsSocket::countQueued()
-{
-    const qint64 now = queued();
-    poller->addBacklog(now - counted);
-    counted = now;
-}
-
-/// A write may decrypt what has arrived meanwhile: that is told once the writer is done.
-void TlsSocket::arrived()
-{
-    if (isPlain())
-        greet();
-    else if (writing)
-        again();
-    else
-        user->readable();
-}
-
-/// Somebody typed "http:" before the address of a server that encrypts.
-void TlsSocket::greet()
-{
-    char first = 0;
-    if (ended || socket.peek(&first, 1) != 1)
+    if (stage != Stage::Established || leaveTaken)
         return;
-    if (first == handshakeRecord)
-        return socket.startServerEncryption();
-    const QByteArray head = socket.peek(maxPlainHead);
-    if (!head.contains("\r\n\r\n") && head.size() < maxPlainHead)
-        return;
-    socket.readAll();
-    socket.write(plainAnswer(head));
-    socket.disconnectFromHost();
-}
-
-/// The toolkit tells it also inside a write; whoever writes goes on by itself.
-void TlsSocket::written()
-{
-    if (writing)
-        return;
-    countQueued();
-    user->writable();
-}
-
-void TlsSocket::again()
-{
-    if (turnAsked)
-        return;
-    turnAsked = true;
-    QMetaObject::invokeMethod(this, &TlsSocket::takeTurn, Qt::QueuedConnection);
-}
-
-void TlsSocket::takeTurn()
-{
-    turnAsked = false;
-    user->writable();
-    user->readable();
-}
-
-void TlsSocket::finish()
-{
-    socket.disconnectFromHost();
-}
-
-void TlsSocket::abort()
-{
-    socket.abort();
-    // The toolkit says nothing when it never was connected.
-    QMetaObject::invokeMethod(this, &TlsSocket::disconnected, Qt::QueuedConnection);
-}
-
-void TlsSocket::disconnected()
-{
-    if (ended)
-        return;
-    ended = true;
-    if (socket.bytesAvailable() > 0)
-        user->readable();
-    user->gone();
+    leaveTaken = true;
+    const OpenSsl &tls = context->library();
+    tls.ERR_clear_error();
+    moreFollows = false;
+    tls.SSL_shutdown(session.get());
 }

@@ -1,68 +1,59 @@
 #pragma once
 
-#include "files/FileDescriptor.h"
-#include "net/Socket.h"
-
-#include <QObject>
-#include <QSslSocket>
+#include "net/DescriptorSocket.h"
+#include "net/TlsContext.h"
 
 #include <functional>
+#include <memory>
 
-class Poller;
-class QSslConfiguration;
+struct bio_st;
 
 /// What is sent to a peer whose first byte begins no handshake, made of the head that it sends;
 /// nothing, or that, and the connection ends.
 using PlainAnswer = std::function<QByteArray(const QByteArray &head)>;
 
-/// An encrypted connection, by the toolkit's own class. The only place that needs its TLS library.
-class TlsSocket final : public QObject, public Socket
+/// An encrypted connection. What the system does not take stays encrypted in the queue, and no more
+/// is encrypted then.
+class TlsSocket final : public DescriptorSocket
 {
-    Q_OBJECT
 public:
-    /// Takes an accepted descriptor and answers the handshake as a server. At most
-    /// 64 KiB wait here unread. Both pointers are borrowed and outlive the socket.
-    TlsSocket(FileDescriptor accepted, const QSslConfiguration &identity, PlainAnswer answer,
-              Poller *engine, TrafficAccount *counter);
-    ~TlsSocket() override;
+    /// As its base; answers the handshake as a server by `identity`.
+    TlsSocket(FileDescriptor accepted, const QHostAddress &peerAddress,
+              std::shared_ptr<const TlsContext> identity, PlainAnswer answer, Poller *watcher,
+              TrafficAccount *counter);
 
-    bool canSend() const override;
-    qint64 queued() const override;
-    bool isCongested() const override;
-    void again() override;
-    void endWriting() override { }
-    void finish() override;
-    void abort() override;
+    bool isEncrypted() const override { return true; }
+    bool isEstablished() const override { return stage == Stage::Established; }
 
-    bool isEncrypted() const override { return socket.isEncrypted(); }
-    bool isEstablished() const override { return socket.isEncrypted(); }
-    QHostAddress peerAddress() const override { return socket.peerAddress(); }
-    QHostAddress localAddress() const override { return socket.localAddress(); }
-    quint16 localPort() const override { return socket.localPort(); }
+    /// How the TLS library receives and sends for the socket that `bio` carries.
+    static int readCipher(bio_st *bio, char *data, int size);
+    static int writeCipher(bio_st *bio, const char *data, int size);
 
 private:
-    int descriptor() const override { return int(socket.socketDescriptor()); }
-    /// Nothing that comes then is ever taken for a request.
-    bool isPlain() const { return socket.mode() == QSslSocket::UnencryptedMode; }
-    bool mayReceive() const override
-    {
-        return ended || (!isPlain() && socket.bytesAvailable() > 0);
-    }
+    enum class Stage {
+        Greeting, ///< the peer has yet to show what it speaks
+        Handshake,
+        Established,
+    };
+
+    bool mayReceive() const override;
     qint64 receive(char *data, qint64 max) override;
     bool send(const QByteArray &bytes, bool more) override;
     qint64 send(int file, qint64 offset, qint64 count) override;
-    void arrived();
-    void greet();
-    void written();
-    void countQueued();
-    void takeTurn();
-    void disconnected();
+    void establish() override;
+    void takeLeave() override;
+    bool greet();
+    void answerPlain(const QByteArray &head);
+    void shakeHands();
+    void encrypt(const char *data, qint64 size, bool more);
+    void readFailed(int result);
 
-    Poller *poller;
+    std::shared_ptr<const TlsContext> context;
     PlainAnswer plainAnswer;
-    QSslSocket socket;
-    qint64 counted = 0; ///< queued bytes that are in the poller's backlog
-    bool ended = false; ///< the connection is over; what arrived can still be read
-    bool turnAsked = false;
-    bool writing = false;
+    TlsSession session;
+    Stage stage = Stage::Greeting;
+    bool moreFollows = false; ///< behind what is being encrypted
+    bool mayDecrypt = false; ///< what came in may hold more than was read
+    bool inputOver = false;
+    bool leaveTaken = false;
 };

@@ -9,7 +9,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 packages_of() {
     case $1 in
     build)
-        # Compiler and toolkit, then what makes icons and translations, then the key for TLS.
+        # Compiler and toolkit, then what makes icons and translations.
         echo g++ cmake ninja-build qtbase5-dev qt5-style-plugins qttools5-dev-tools
         echo librsvg2-bin graphicsmagick icoutils
         # The hash in which passwords are kept.
@@ -18,7 +18,8 @@ packages_of() {
         echo libdeflate-dev
         # Addresses as pictures that phones read.
         echo libqrcodegencpp-dev
-        echo openssl
+        # Makes keys, and encrypts by them.
+        echo openssl libssl-dev
         # Keeps the program of the previews from calls that it has no need of.
         echo libseccomp-dev
         # The build asks for it on behalf of the tests.

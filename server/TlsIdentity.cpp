@@ -5,42 +5,9 @@
 #include <QCoreApplication>
 #include <QFile>
 #include <QSslCertificate>
-#include <QSslCipher>
 #include <QSslKey>
-#include <QSslSocket>
-
-#include <algorithm>
 
 namespace {
-
-/// Those with a key of their own for each connection, and with authenticated encryption: all of
-/// TLS 1.3, a few of 1.2.
-QList<QSslCipher> modernCiphers()
-{
-    QList<QSslCipher> ciphers = QSslConfiguration::supportedCiphers();
-    const auto isOld = [](const QSslCipher &cipher) {
-        const QString name = cipher.name();
-        const bool isForward = name.startsWith(QLatin1String("ECDHE-"));
-        const bool isAuthenticated =
-            name.contains(QLatin1String("-GCM-")) || name.contains(QLatin1String("-CHACHA20-"));
-        return !name.startsWith(QLatin1String("TLS_")) && !(isForward && isAuthenticated);
-    };
-    ciphers.erase(std::remove_if(ciphers.begin(), ciphers.end(), isOld), ciphers.end());
-    return ciphers;
-}
-
-/// What is the same for all servers. That peers can't ask for new keys within a connection of
-/// TLS 1.2 is the TLS library's own doing, from its version 3 on.
-QSslConfiguration modernConfiguration()
-{
-    QSslConfiguration configuration;
-    configuration.setProtocol(QSsl::TlsV1_2OrLater);
-    configuration.setCiphers(modernCiphers());
-    configuration.setPeerVerifyMode(QSslSocket::VerifyNone);
-    // The toolkit makes new keys for the tickets of each connection: nobody could use one.
-    configuration.setSslOption(QSsl::SslOptionDisableSessionTickets, true);
-    return configuration;
-}
 
 QString text(const char *source)
 {
@@ -98,8 +65,14 @@ std::optional<TlsIdentity> TlsIdentity::load(const Profile &profile, QString *pr
     if (!problem->isEmpty())
         return {};
 
-    TlsIdentity identity{ modernConfiguration() };
-    identity.configuration.setPrivateKey(key);
-    identity.configuration.setLocalCertificateChain(chain);
-    return identity;
+    QList<QByteArray> encodedChain;
+    for (const QSslCertificate &next : chain)
+        encodedChain.append(next.toDer());
+    QString reason;
+    const auto context = TlsContext::make(encodedChain, key.toDer(), &reason);
+    if (context)
+        return TlsIdentity{ context };
+    *problem =
+        text(QT_TRANSLATE_NOOP("WebServer", "The TLS library refuses the keys: %1")).arg(reason);
+    return {};
 }

@@ -1,8 +1,10 @@
 #pragma once
 
-#include <QSslConfiguration>
+#include "net/TlsContext.h"
+
 #include <QString>
 
+#include <memory>
 #include <optional>
 
 class Profile;
@@ -14,5 +16,5 @@ struct TlsIdentity
     /// translated.
     static std::optional<TlsIdentity> load(const Profile &profile, QString *problem);
 
-    QSslConfiguration configuration;
+    std::shared_ptr<const TlsContext> context; ///< never null
 };

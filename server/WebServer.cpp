@@ -211,7 +211,7 @@ std::unique_ptr<Socket> WebServer::makeSocket(FileDescriptor accepted, const QHo
     TrafficAccount *account = &service.traffic;
     if (identity)
         return std::make_unique<TlsSocket>(
-            std::move(accepted), identity->configuration,
+            std::move(accepted), peer, identity->context,
             [this](const QByteArray &head) { return answerToPlain(head, *service.profile); },
             setup->poller, account);
     return std::make_unique<PlainSocket>(std::move(accepted), peer, setup->poller, account);

@@ -1267,6 +1267,10 @@
         <translation>The certificate %1 is not that of the private key %2</translation>
     </message>
     <message>
+        <source>The TLS library refuses the keys: %1</source>
+        <translation>The TLS library refuses the keys: %1</translation>
+    </message>
+    <message>
         <source>Too many wrong passwords from %1: further ones have to wait.</source>
         <translation>Too many wrong passwords from %1: further ones have to wait.</translation>
     </message>

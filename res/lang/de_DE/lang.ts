@@ -1267,6 +1267,10 @@
         <translation>Das Zertifikat %1 gehört nicht zum privaten Schlüssel %2</translation>
     </message>
     <message>
+        <source>The TLS library refuses the keys: %1</source>
+        <translation>Die TLS-Bibliothek lehnt die Schlüssel ab: %1</translation>
+    </message>
+    <message>
         <source>Too many wrong passwords from %1: further ones have to wait.</source>
         <translation>Zu viele falsche Passwörter von %1: Weitere müssen warten.</translation>
     </message>

@@ -1267,6 +1267,10 @@
         <translation>El certificado %1 no corresponde a la clave privada %2</translation>
     </message>
     <message>
+        <source>The TLS library refuses the keys: %1</source>
+        <translation>La biblioteca de TLS rechaza las claves: %1</translation>
+    </message>
+    <message>
         <source>Too many wrong passwords from %1: further ones have to wait.</source>
         <translation>Demasiadas contraseñas incorrectas de %1: las siguientes tendrán que esperar.</translation>
     </message>

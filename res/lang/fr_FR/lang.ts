@@ -1267,6 +1267,10 @@
         <translation>Le certificat %1 ne correspond pas à la clé privée %2</translation>
     </message>
     <message>
+        <source>The TLS library refuses the keys: %1</source>
+        <translation>La bibliothèque TLS refuse les clés : %1</translation>
+    </message>
+    <message>
         <source>Too many wrong passwords from %1: further ones have to wait.</source>
         <translation>Trop de mots de passe incorrects de %1 : les suivants devront attendre.</translation>
     </message>
