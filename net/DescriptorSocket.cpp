@@ -50,8 +50,9 @@ DescriptorSocket::DescriptorSocket(FileDescriptor accepted, const QHostAddress &
     , peer(peerAddress)
     , queue(watcher)
 {
-    if (!poller->watch(fd.get(), this))
-        breakOff();
+    // Most peers have sent something by now. Who is answered and gone in the first turn is never
+    // watched: two calls less.
+    poller->again(this);
 }
 
 DescriptorSocket::~DescriptorSocket()
@@ -64,6 +65,22 @@ void DescriptorSocket::ready(quint32 events)
 {
     if (state == State::Broken)
         return close();
+    handle(watched ? events : EPOLLIN);
+    if (!watched)
+        watch();
+}
+
+void DescriptorSocket::watch()
+{
+    if (!fd.isOpen())
+        return;
+    watched = poller->watch(fd.get(), this);
+    if (!watched)
+        breakOff();
+}
+
+void DescriptorSocket::handle(quint32 events)
+{
     const bool dead = (events & (EPOLLERR | EPOLLHUP)) != 0;
     inputEnded = inputEnded || dead || (events & EPOLLRDHUP) != 0;
     inputWaits = inputWaits || inputEnded || (events & EPOLLIN) != 0;
@@ -209,7 +226,10 @@ void DescriptorSocket::closeDescriptor()
     queue.clear();
     if (!fd.isOpen())
         return;
-    poller->forget(fd.get(), this);
+    if (watched)
+        poller->forget(fd.get(), this);
+    else
+        poller->forget(this);
     fd.reset();
 }
 

@@ -78,6 +78,8 @@ private:
     virtual void takeLeave() { }
 
     void ready(quint32 events) override;
+    void watch();
+    void handle(quint32 events);
     void serve(quint32 events);
     qint64 taken(qint64 size);
     void sendOrQueue(const char *data, qint64 size, bool more);
@@ -89,6 +91,7 @@ private:
     Poller *poller;
     const QHostAddress peer;
     State state = State::Open;
+    bool watched = false;
     bool inputWaits = false;
     bool inputEnded = false; ///< the peer stopped sending, though bytes may still wait
     SendQueue queue;
