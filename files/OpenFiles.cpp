@@ -4,7 +4,10 @@
 
 #include <linux/magic.h>
 #include <sys/vfs.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <ctime>
 #include <utility>
 
 using namespace std::chrono_literals;
@@ -16,6 +19,27 @@ constexpr int closeInterval = 1000; ///< milliseconds
 constexpr int maxKept = 64;
 constexpr qint64 maxKeptSize =
     qint64(256) * 1024; ///< bytes; the room of larger ones is free at once
+
+constexpr qint64 maxContent = qint64(16) * 1024; ///< bytes
+constexpr qint64 coarsestTime = 2; ///< seconds
+
+/// Whether a change from now on will show in its times, which some systems count by the second.
+bool showsChanges(const EntryFacts &facts)
+{
+    return std::max(facts.seconds, facts.changeSeconds) + coarsestTime < ::time(nullptr);
+}
+
+/// Its content, for all who ask within the next second; empty when it is to be sent as it stands.
+QByteArray wholeContent(const ServedFile &file)
+{
+    const qint64 size = file.facts.size;
+    if (size > maxContent || !showsChanges(file.facts))
+        return {};
+    QByteArray content(int(size), Qt::Uninitialized);
+    if (::pread(file.descriptor->get(), content.data(), std::size_t(size), 0) != size)
+        return {};
+    return content;
+}
 
 /// Where an open file that is deleted keeps a hidden name in its folder, which then can't be
 /// deleted, or can't be deleted at all: on file systems that a program or another machine runs.
@@ -42,15 +66,18 @@ bool holdsItsFolder(const FileDescriptor &file)
 ServedFile served(OpenFile file)
 {
     return { std::make_shared<const FileDescriptor>(std::move(file.descriptor)), file.facts,
-             std::make_shared<QByteArray>() };
+             std::make_shared<FileMemo>() };
 }
 
 std::optional<ServedFile> OpenFiles::open(const Share &share, const QByteArray &path)
 {
     const auto known = kept.constFind(path);
     if (known != kept.constEnd() && Clock::now() - known->opened < keptTime
-        && share.leadsStillTo(path, known->file.facts))
+        && share.leadsStillTo(path, known->file.facts)) {
+        if (known->file.memo->content.isEmpty())
+            known->file.memo->content = wholeContent(known->file);
         return known->file;
+    }
     std::optional<OpenFile> opened = share.openFile(path);
     if (!opened)
         return {};

@@ -11,12 +11,19 @@
 #include <memory>
 #include <optional>
 
+/// What is remembered of a file for as long as it stays open.
+struct FileMemo
+{
+    QByteArray note; ///< what its sender wants to find again; empty at first
+    QByteArray content; ///< all of a small one that is asked for often; may be empty
+};
+
 /// A regular file that is open for all who are being sent it, and what it was found to be.
 struct ServedFile
 {
     OpenDescriptor descriptor;
     EntryFacts facts;
-    std::shared_ptr<QByteArray> note; ///< what its sender wants to find again; empty at first
+    std::shared_ptr<FileMemo> memo;
 };
 
 /// One that was opened elsewhere.
@@ -25,7 +32,8 @@ ServedFile served(OpenFile file);
 /// Opens files to be sent. A small one stays open for a second: whoever asks again meanwhile costs
 /// one look at its name, and opening is what a small reply would spend most on; not where that
 /// would keep others from deleting it. What is sent is never old, as a file that was replaced,
-/// changed or forbidden is opened anew. Lives in the event loop.
+/// changed or forbidden is opened anew; one that is written through a mapping may lag behind by
+/// that second. Lives in the event loop.
 class OpenFiles : public QObject
 {
 public:

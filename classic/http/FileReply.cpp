@@ -194,7 +194,11 @@ void FileReply::sendOpened(ServedFile file, const QString &name, const QByteArra
     const qint64 count = bodySize(size, request.rangeStart, request.rangeEnd);
     if (count < size)
         channel.setKeepAlive(false);
-    channel.sendFile(std::move(file.descriptor), qMax<qint64>(0, request.rangeStart), count);
+    const QByteArray &content = file.memo->content;
+    if (count < size || content.isEmpty() || exchange.service.traffic.limit() > 0)
+        return channel.sendFile(std::move(file.descriptor), qMax<qint64>(0, request.rangeStart),
+                                count);
+    channel.write(content, true);
 }
 
 /// Answers for what is no regular file that can be read.

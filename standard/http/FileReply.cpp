@@ -82,16 +82,22 @@ Fields FileReply::fileFields() const
 /// The same with the type, made once for as long as the file stays open.
 const QByteArray &FileReply::fileLines() const
 {
-    if (file.note->isEmpty())
-        *file.note = fieldLines(fileFields()) + fieldLines({ { "Content-Type", type() } });
-    return *file.note;
+    QByteArray &lines = file.memo->note;
+    if (lines.isEmpty())
+        lines = fieldLines(fileFields()) + fieldLines({ { "Content-Type", type() } });
+    return lines;
 }
 
 void FileReply::sendWhole()
 {
     const qint64 size = file.facts.size;
-    if (exchange.startBody(Status::Ok, {}, size, fileLines()))
-        exchange.sendFile(std::move(file.descriptor), 0, size);
+    if (!exchange.startBody(Status::Ok, {}, size, fileLines()))
+        return;
+    const QByteArray &content = file.memo->content;
+    if (content.isEmpty() || exchange.service().traffic.limit() > 0)
+        return exchange.sendFile(std::move(file.descriptor), 0, size);
+    exchange.write(content, false);
+    exchange.end();
 }
 
 void FileReply::sendPart(const ByteRange &part)
