@@ -1,6 +1,7 @@
 #include "standard/http/MkCol.h"
 
 #include "files/Reservation.h"
+#include "files/Share.h"
 #include "standard/http/Options.h"
 
 #include <cerrno>
@@ -17,13 +18,12 @@ constexpr mode_t folderMode = 0777;
 
 void MkCol::start()
 {
-    if (!isAllowed(factsAt(exchange.path())))
+    const QByteArray path = folderToAdd(exchange.path());
+    if (!isAllowed(path))
         return;
-    const Place target = place();
+    const Place target = share() ? share()->place(path) : Place();
     if (!target.isValid())
         return exchange.refuse(Status::Conflict, "The folder above does not exist.");
-    if (Reservation::isTaken(target) && onlyAdds(exchange.path()))
-        return exchange.reply(Status::Created);
     if (Reservation::isTaken(target))
         return exchange.refuse(Status::Conflict, "A file of this name is being received.");
     if (::mkdirat(target.folder.get(), target.name.constData(), folderMode) == 0)
@@ -33,9 +33,10 @@ void MkCol::start()
     exchange.refuse(statusOf(errno));
 }
 
-/// Who only adds makes what has the name already as if nothing had, and learns nothing.
-bool MkCol::isAllowed(const EntryFacts &found)
+/// Who only adds makes a folder that is there as if it weren't, and learns nothing.
+bool MkCol::isAllowed(const QByteArray &path)
 {
+    const EntryFacts found = factsAt(path);
     if (!isPermitted(found))
         return false;
     // Nobody has said what a body would mean (RFC 4918, section 9.3).
@@ -43,7 +44,7 @@ bool MkCol::isAllowed(const EntryFacts &found)
         exchange.refuse(Status::UnsupportedMediaType);
         return false;
     }
-    if ((found.exists || found.link) && onlyAdds(exchange.path())) {
+    if (found.folder && onlyAdds(path)) {
         exchange.reply(Status::Created);
         return false;
     }
@@ -52,7 +53,7 @@ bool MkCol::isAllowed(const EntryFacts &found)
         return false;
     }
     return meetsConditions(found)
-        && exchange.mayChange({ { exchange.path(), Change::Extent::Resource, true } });
+        && exchange.mayChange({ { path, Change::Extent::Resource, true } });
 }
 
 } // namespace standard

@@ -13,7 +13,7 @@ public:
     void start() override;
 
 private:
-    bool isAllowed(const EntryFacts &found);
+    bool isAllowed(const QByteArray &path);
 };
 
 } // namespace standard

@@ -21,6 +21,7 @@ namespace {
 
 constexpr std::array otherRights{ Right::See, Right::Read, Right::Change, Right::Delete };
 constexpr int mostInOrder = 10; ///< files of one name; the numbers of others are random
+constexpr int mostFolders = 1000; ///< that are looked for beside a name
 constexpr auto notPermitted = "You have no right to do this here.";
 
 } // namespace
@@ -140,17 +141,53 @@ bool ResourceHandler::onlyAdds(const QByteArray &path) const
 
 QByteArray ResourceHandler::pathToAdd(const QByteArray &path) const
 {
-    const auto isTaken = [this](const QByteArray &at) {
-        const EntryFacts found = factsAt(at);
-        return found.exists || found.link || Reservation::isTaken(share()->place(at));
-    };
-    if (!share() || !onlyAdds(path) || !isTaken(path))
+    if (!share() || !onlyAdds(path))
         return path;
+    const QByteArray name = path.mid(path.lastIndexOf('/') + 1);
+    const QByteArray wanted = joinedPath(folderToAdd(parentPath(path)), name);
+    if (!isTaken(wanted))
+        return wanted;
     for (int number = 2; number < mostInOrder; ++number) {
-        if (QByteArray numbered = numberedPath(path, number); !isTaken(numbered))
+        if (QByteArray numbered = numberedPath(wanted, number); !isTaken(numbered))
             return numbered;
     }
-    return numberedPath(path, QRandomGenerator::global()->bounded(mostInOrder, INT_MAX));
+    return numberedPath(wanted, QRandomGenerator::global()->bounded(mostInOrder, INT_MAX));
+}
+
+QByteArray ResourceHandler::folderToAdd(const QByteArray &path) const
+{
+    if (!share() || !onlyAdds(path))
+        return path;
+    QByteArray folder = path;
+    for (QByteArray top = folder; !top.isEmpty() && !factsAt(top).folder;) {
+        if (!isTaken(top)) {
+            top = parentPath(top);
+            continue;
+        }
+        const QByteArray beside = folderBeside(top);
+        if (beside.isEmpty())
+            return folder;
+        folder = joinedPath(beside, pathBelow(folder, top));
+        top = folder;
+    }
+    return folder;
+}
+
+/// Empty when all that are tried are none.
+QByteArray ResourceHandler::folderBeside(const QByteArray &path) const
+{
+    for (int number = 2; number < mostFolders; ++number) {
+        QByteArray numbered = numberedPath(path, number);
+        if (factsAt(numbered).folder || !isTaken(numbered))
+            return numbered;
+    }
+    return {};
+}
+
+bool ResourceHandler::isTaken(const QByteArray &path) const
+{
+    const EntryFacts found = factsAt(path);
+    return found.exists || found.link || Reservation::isTaken(share()->place(path));
 }
 
 bool ResourceHandler::meetsConditions(const EntryFacts &found)

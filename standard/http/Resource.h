@@ -75,6 +75,10 @@ protected:
     /// learn what is there, nor to be kept from leaving a file: it stands beside what has its name.
     QByteArray pathToAdd(const QByteArray &path) const;
 
+    /// The same of a folder, which is always found again: it stands beside what is none and has its
+    /// name, or that of one above it.
+    QByteArray folderToAdd(const QByteArray &path) const;
+
     /// Whether the conditions of the request let it be done; else it is refused.
     bool meetsConditions(const EntryFacts &found);
 
@@ -90,6 +94,10 @@ protected:
     /// Whether the request is about something that may be changed or removed: not the root that
     /// the visitor sees.
     bool namesEntry() const { return exchange.path() != exchange.access().home; }
+
+private:
+    bool isTaken(const QByteArray &path) const;
+    QByteArray folderBeside(const QByteArray &path) const;
 };
 
 } // namespace standard

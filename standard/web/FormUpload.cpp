@@ -49,9 +49,9 @@ QByteArray partFileName(const QByteArray &lines)
 
 void FormUpload::start()
 {
-    const QByteArray &folder = exchange.path();
-    if (!isPermitted(Right::Add, folder))
+    if (!isPermitted(Right::Add, exchange.path()))
         return;
+    folder = folderToAdd(exchange.path());
     if (!exchange.namesFolder() || !factsAt(folder).folder)
         return exchange.refuse(Status::MethodNotAllowed, {}, { allowField(exchange) });
     const QByteArray type = exchange.request().value("Content-Type");
@@ -70,8 +70,8 @@ void FormUpload::start()
 bool FormUpload::hasRoom() const
 {
     const Framing &framing = exchange.request().framing;
-    const FileDescriptor folder = share()->open(exchange.path(), O_PATH | O_DIRECTORY);
-    return framing.chunked || diskHolds(folder.get(), quint64(framing.contentLength));
+    const FileDescriptor opened = share()->open(folder, O_PATH | O_DIRECTORY);
+    return framing.chunked || diskHolds(opened.get(), quint64(framing.contentLength));
 }
 
 bool FormUpload::take(const QByteArray &piece)
@@ -107,7 +107,7 @@ bool FormUpload::begin(const QByteArray &name)
 {
     if (name.isEmpty() || isReserved(exchange.access().home, joinedPath(exchange.path(), name)))
         return false;
-    const QByteArray path = joinedPath(exchange.path(), name);
+    const QByteArray path = joinedPath(folder, name);
     DiskError error = DiskError::Exists;
     for (int number = 1; error == DiskError::Exists && number <= maxNumber; ++number) {
         target = number == 1 ? path : numberedPath(path, number);

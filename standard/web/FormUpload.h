@@ -32,6 +32,7 @@ private:
     std::vector<Change> changes() const override;
     void taken(const UploadFile &received) override;
 
+    QByteArray folder; ///< a path of the share
     QByteArray delimiter; ///< that ends the part
     QByteArray head; ///< of the form and the part, until it is whole
     std::optional<MultipartCutter> part; ///< once it is

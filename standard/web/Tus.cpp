@@ -55,15 +55,15 @@ Fields progressFields(const PartialUpload &upload, qint64 offset)
     return { offsetField(offset), { "Upload-Expires", httpDate(upload.expires()) } };
 }
 
-std::optional<PartialUpload> findUpload(const Exchange &exchange)
+std::optional<PartialUpload> findUpload(const Exchange &exchange, const QByteArray &folder,
+                                        const QByteArray &id)
 {
-    const UploadName named(exchange);
     const Share *share = exchange.share().get();
-    if (!share || !PartialUpload::isId(named.id))
+    if (!share || !PartialUpload::isId(id))
         return {};
-    const Place beside = share->place(joinedPath(named.folder, named.id));
+    const Place beside = share->place(joinedPath(folder, id));
     std::optional<PartialUpload> found =
-        beside.isValid() ? PartialUpload::find(beside, named.id) : std::nullopt;
+        beside.isValid() ? PartialUpload::find(beside, id) : std::nullopt;
     const bool isTheirs = found
         && (found->record().owner.isEmpty() || found->record().owner == exchange.access().account);
     if (!isTheirs || !found->isGivenUp())

@@ -39,8 +39,9 @@ void refuseTus(Exchange &exchange, Status status, const QByteArray &text = {}, F
 Field offsetField(qint64 offset);
 Fields progressFields(const PartialUpload &upload, qint64 offset);
 
-/// The upload that the request names. None when there is none for its visitor; one that was given
-/// up is removed then.
-std::optional<PartialUpload> findUpload(const Exchange &exchange);
+/// The upload of that id in `folder`, a path of the share. None when there is none for the visitor;
+/// one that was given up is removed then.
+std::optional<PartialUpload> findUpload(const Exchange &exchange, const QByteArray &folder,
+                                        const QByteArray &id);
 
 } // namespace standard

@@ -34,7 +34,8 @@ void UploadCreation::start()
     const std::optional<Wanted> wanted = readWanted(folder);
     if (!wanted)
         return;
-    findMissing(wanted->path);
+    sentTo = parentPath(wanted->path);
+    findMissing(folderToAdd(sentTo));
     const PartialRecord &record = wanted->record;
     const bool hasBody = exchange.request().framing.hasBody();
     if ((hasBody && !fits(record.length)) || !mayStand(wanted->path, record.replaces))
@@ -63,7 +64,7 @@ std::optional<UploadCreation::Wanted> UploadCreation::readWanted(const QByteArra
     if (*length > maxLength)
         return refused(Status::ContentTooLarge);
     const QByteArray path = joinedPath(folder, about->path);
-    if (!factsAt(folder).folder)
+    if (!factsAt(folderToAdd(folder)).folder)
         return refused(Status::NotFound);
     if (namesHiddenUpload(path) || isReserved(exchange.access().home, path))
         return refused(Status::Forbidden);
@@ -72,9 +73,9 @@ std::optional<UploadCreation::Wanted> UploadCreation::readWanted(const QByteArra
                      request.value("Overwrite") == "T", notes } };
 }
 
-void UploadCreation::findMissing(const QByteArray &path)
+void UploadCreation::findMissing(const QByteArray &folder)
 {
-    existing = parentPath(path);
+    existing = folder;
     for (; !existing.isEmpty() && !factsAt(existing).exists; existing = parentPath(existing))
         missing.push_back(existing);
 }
@@ -101,7 +102,7 @@ void UploadCreation::begin(const PartialRecord &record)
     if (error != 0)
         return refuseTus(exchange, statusOf(diskError(error)));
     const QByteArray id = PartialUpload::newId();
-    location = uploadUrl(exchange, parentPath(target()), id);
+    location = uploadUrl(exchange, sentTo, id);
     const Framing &framing = exchange.request().framing;
     if (!framing.chunked && framing.contentLength == record.length)
         return receiveWhole(id, record);
@@ -137,9 +138,10 @@ void UploadCreation::ended()
 
 void UploadAppend::start()
 {
-    if (!speaksTus(exchange) || !mayPutAt(UploadName(exchange).folder))
+    const UploadName named(exchange);
+    if (!speaksTus(exchange) || !mayPutAt(named.folder))
         return;
-    std::optional<PartialUpload> found = findUpload(exchange);
+    std::optional<PartialUpload> found = findUpload(exchange, folderToAdd(named.folder), named.id);
     if (!found)
         return refuseTus(exchange, Status::NotFound);
     if (!found->claim())
@@ -150,8 +152,8 @@ void UploadAppend::start()
     if (given != offset)
         return refuseTus(exchange, given ? Status::Conflict : Status::BadRequest, {},
                          { offsetField(offset) });
-    const QByteArray folder = UploadName(exchange).folder;
-    if (fits(record.length - offset) && mayStand(joinedPath(folder, record.name), record.replaces))
+    const QByteArray path = joinedPath(named.folder, record.name);
+    if (fits(record.length - offset) && mayStand(path, record.replaces))
         resume(std::move(*found));
 }
 
@@ -168,7 +170,8 @@ void UploadStatus::start()
     const Field fresh{ "Cache-Control", "no-store" };
     const std::optional<qint64> whole =
         exchange.routes().uploads->finishedLength(named.id, exchange.access().account);
-    const std::optional<PartialUpload> found = whole ? std::nullopt : findUpload(exchange);
+    const std::optional<PartialUpload> found =
+        whole ? std::nullopt : findUpload(exchange, folderToAdd(named.folder), named.id);
     if (!whole && !found)
         return refuseTus(exchange, Status::NotFound, {}, { fresh });
     Fields fields = found ? progressFields(*found, found->offset()) : Fields{ offsetField(*whole) };
@@ -182,9 +185,10 @@ void UploadStatus::start()
 
 void UploadRemoval::start()
 {
-    if (!speaksTus(exchange) || !mayPutAt(UploadName(exchange).folder))
+    const UploadName named(exchange);
+    if (!speaksTus(exchange) || !mayPutAt(named.folder))
         return;
-    std::optional<PartialUpload> found = findUpload(exchange);
+    std::optional<PartialUpload> found = findUpload(exchange, folderToAdd(named.folder), named.id);
     if (!found)
         return refuseTus(exchange, Status::NotFound);
     if (!found->claim())

@@ -373,6 +373,13 @@ void TestResumable::nameIsTakenByTheRules()
     QCOMPARE(server.offset(upload), QByteArray("2"));
     QCOMPARE(server.patch(upload, 2, "r"), QByteArray("204"));
     QCOMPARE(server.fileContent(QStringLiteral("new")), QByteArray("our"));
+
+    // Who only adds isn't told that the folder can't be one.
+    server.profile->everyone = Rights(Right::Add);
+    const QByteArray below = server.begin(3, "a/x");
+    QVERIFY(below.startsWith("/.quillon/tus/a/"));
+    QCOMPARE(server.patch(below, 0, "our"), QByteArray("204"));
+    QCOMPARE(server.fileContent(QStringLiteral("a (2)/x")), QByteArray("our"));
 }
 
 void TestResumable::isGivenUpInTime()

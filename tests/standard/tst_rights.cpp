@@ -137,8 +137,11 @@ void TestRights::whoOnlyAddsLearnsNothing()
     server.profile->everyone = *rightsNamed("read, change, delete");
     QCOMPARE(server.status("GET", "/d/"), 403);
     server.profile->everyone = Rights(Right::Add);
-    for (const char *folder : { "/d", "/a", "/new" })
+    for (const char *folder : { "/d", "/a", "/new" }) {
         QCOMPARE(server.status("MKCOL", folder), 201);
+        QCOMPARE(server.status("PUT", folder + QByteArray("/y"), "", "y"), 201);
+    }
+    QCOMPARE(server.status("PUT", "/b/y", "", "y"), server.status("PUT", "/c/y", "", "y"));
     QCOMPARE(server.status("PUT", "/.quillon/pad", "", "1234"), 204);
     for (const char *guess : { "1234", "9" }) {
         const QByteArray hash = QCryptographicHash::hash(guess, QCryptographicHash::Sha1).toHex();
@@ -147,7 +150,8 @@ void TestRights::whoOnlyAddsLearnsNothing()
     // And leaves files beside those of others.
     for (const char *second : { "2", "3" })
         QCOMPARE(server.status("PUT", "/a", "If-None-Match: *\r\n", second), 201);
-    for (const auto &[name, content] : { std::pair("a", "a"), { "a (2)", "2" }, { "a (3)", "3" } })
+    for (const auto &[name, content] :
+         { std::pair("a", "a"), { "a (2)/y", "y" }, { "a (3)", "2" }, { "a (4)", "3" } })
         QCOMPARE(server.fileContent(QString::fromLatin1(name)), QByteArray(content));
 }
 
