@@ -1,7 +1,5 @@
 #include "files/ZipLayout.h"
 
-#include <QCryptographicHash>
-
 #include <algorithm>
 #include <array>
 #include <numeric>
@@ -78,23 +76,22 @@ ZipLayout::ZipLayout(ZipEntries found, qint64 since, std::unique_ptr<MemoryBudge
     , part(std::move(memory))
     , m_newest(since)
 {
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    for (std::size_t number = 0; number < count(); ++number) {
-        ZipEntry &entry = all[order[number]];
-        entry.offset = m_directory;
-        const QByteArray central = centralRecord(number, 0);
-        m_directory += localRecord(number).size() + entry.size() + descriptor(number, 0).size();
-        directoryBytes += central.size();
-        m_newest = std::max(m_newest, entry.facts.seconds);
-        m_memory += memoryOf(entry);
-        hash.addData(central);
-        // What becomes of a folder shows by its entries.
-        const auto version =
-            entry.facts.folder ? decltype(versionOf({}))() : versionOf(entry.facts);
-        hash.addData(QByteArray::fromRawData(reinterpret_cast<const char *>(version.data()),
-                                             int(sizeof version)));
-    }
-    m_tag = hash.result().left(tagBytes).toHex();
+}
+
+void ZipLayout::place(std::size_t number, QCryptographicHash &hash)
+{
+    ZipEntry &entry = all[order[number]];
+    entry.offset = m_directory;
+    const QByteArray central = centralRecord(number, 0);
+    m_directory += localRecord(number).size() + entry.size() + descriptor(number, 0).size();
+    directoryBytes += central.size();
+    m_newest = std::max(m_newest, entry.facts.seconds);
+    m_memory += memoryOf(entry);
+    hash.addData(central);
+    // What becomes of a folder shows by its entries.
+    const auto version = entry.facts.folder ? decltype(versionOf({}))() : versionOf(entry.facts);
+    hash.addData(QByteArray::fromRawData(reinterpret_cast<const char *>(version.data()),
+                                         int(sizeof version)));
 }
 
 qint64 ZipLayout::memoryOf(const ZipEntry &entry)
@@ -134,4 +131,20 @@ QByteArray ZipLayout::end() const
 qint64 ZipLayout::size() const
 {
     return m_directory + directoryBytes + end().size();
+}
+
+ZipLayoutMaker::ZipLayoutMaker(ZipEntries found, qint64 since,
+                               std::unique_ptr<MemoryBudget::Part> memory)
+    : layout(new ZipLayout(std::move(found), since, std::move(memory)))
+{
+}
+
+bool ZipLayoutMaker::placeNext()
+{
+    if (placed < layout->count())
+        layout->place(placed++, hash);
+    if (placed < layout->count())
+        return false;
+    layout->m_tag = hash.result().left(tagBytes).toHex();
+    return true;
 }

@@ -45,7 +45,7 @@ void ZipPlan::abandon()
 {
     folder.reset();
     entries = {};
-    layout.reset();
+    maker.reset();
     memory.reset();
 }
 
@@ -57,11 +57,13 @@ void ZipPlan::step()
         return readNext();
     if (subject.names && nextName < subject.names->size())
         return takeName((*subject.names)[nextName++]);
+    if (maker) {
+        ended = maker->placeNext();
+        return;
+    }
     if (next < entries.size())
         return enterNext();
-    layout =
-        std::make_shared<ZipLayout>(std::move(entries), above.front().seconds, std::move(memory));
-    ended = true;
+    maker.emplace(std::move(entries), above.front().seconds, std::move(memory));
 }
 
 void ZipPlan::begin()

@@ -11,7 +11,6 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
-#include <utility>
 #include <vector>
 
 /// Finds what an archive of a folder is to hold: files and folders, not what the server can't
@@ -41,7 +40,7 @@ public:
     int error() const { return failure; }
 
     /// The result, once; only without an error.
-    std::shared_ptr<const ZipLayout> takeLayout() { return std::exchange(layout, {}); }
+    std::shared_ptr<const ZipLayout> takeLayout() { return maker->take(); }
 
 private:
     void step();
@@ -65,5 +64,5 @@ private:
     bool begun = false;
     bool ended = false;
     int failure = 0;
-    std::shared_ptr<const ZipLayout> layout;
+    std::optional<ZipLayoutMaker> maker; ///< once all is found
 };

@@ -322,7 +322,9 @@ void TestArchives::largeFilesAndOffsets()
     }
     const auto sums = std::make_shared<FileSums>();
     sums->keep(entries[0].facts, { 0x12345678, entries[0].size() });
-    const ZipReader::Source source{ share, {}, std::make_shared<ZipLayout>(entries, 0), sums };
+    ZipLayoutMaker maker(entries, 0);
+    while (!maker.placeNext()) { }
+    const ZipReader::Source source{ share, {}, maker.take(), sums };
     const qint64 size = source.layout->size();
     const qint64 second = source.layout->entry(1).offset;
 
