@@ -121,6 +121,13 @@ std::shared_ptr<const Share> Share::partOf(std::shared_ptr<const Share> whole,
     return std::make_shared<const Share>(std::move(part));
 }
 
+bool Share::stillStands() const
+{
+    const FileDescriptor now =
+        outer ? outer->open(top, placeFlags | O_DIRECTORY) : FileDescriptor();
+    return isSameEntry(entryFacts(root.get()), entryFacts(now.get()));
+}
+
 bool Share::isSame(const Share &other) const
 {
     return rootPath == other.rootPath

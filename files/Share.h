@@ -49,6 +49,9 @@ public:
     /// That this is a part of; null when it is none.
     const std::shared_ptr<const Share> &whole() const { return outer; }
 
+    /// Whether the folder of a part, open, is still the one that its path names in the whole.
+    bool stillStands() const;
+
     bool isFolder() const { return folder; }
 
     /// Whether both were opened by the same path and are the same file or folder.

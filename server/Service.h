@@ -2,6 +2,7 @@
 
 #include "config/Directories.h"
 #include "files/OpenFiles.h"
+#include "files/ShareParts.h"
 #include "net/TrafficAccount.h"
 #include "server/Face.h"
 #include "server/LoginSessions.h"
@@ -69,6 +70,7 @@ struct Service
     SessionTable sessions;
     TrafficAccount traffic;
     OpenFiles files = {}; ///< of `share`
+    ShareParts parts = {}; ///< of the same, for who has a home
     std::unique_ptr<FaceState> faceState = {}; ///< about `share`; null until a face needs it
     LastName calledLast = {}; ///< by visitors themselves, not by a proxy
     ScratchPad scratchPad = {};

@@ -30,7 +30,7 @@ void Exchange::setAccess(const Access &found)
 {
     visitor = found;
     if (served && !visitor.home.isEmpty())
-        served = Share::partOf(served, visitor.home);
+        served = m_service.parts.part(served, visitor.home);
     // The server's own names are the same for all.
     if (!isReserved(cleaned))
         cleaned = visitor.inShare(cleaned);

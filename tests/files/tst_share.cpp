@@ -9,6 +9,7 @@
 #include "files/OpenFiles.h"
 #include "files/Path.h"
 #include "files/Rename.h"
+#include "files/ShareParts.h"
 #include "files/TreeRemoval.h"
 
 #include <atomic>
@@ -51,6 +52,7 @@ private Q_SLOTS:
     void keptFilesAreNeverOld();
     void aClosedShareIsNotLeft_data();
     void aClosedShareIsNotLeft();
+    void partsInUseAreShared();
     void hiddenFoldersShowNowhere();
     void mountsLeadToNothingHidden();
     void whatStandsThereIsRemoved();
@@ -240,6 +242,22 @@ void ShareTest::aClosedShareIsNotLeft()
     // The links themselves can go.
     QCOMPARE(removeAt(share->place(top + "tree")), 5);
     QVERIFY(disk.exists("outside/b"));
+}
+
+void ShareTest::partsInUseAreShared()
+{
+    const Disk disk;
+    disk.write("home/a");
+    const auto whole = std::make_shared<const Share>(disk.share());
+    ShareParts parts;
+    const auto first = parts.part(whole, "home");
+    QCOMPARE(parts.part(whole, "home"), first);
+    QVERIFY(QFile::rename(disk.path("home"), disk.path("old")));
+    disk.write("home/b");
+    const auto second = parts.part(whole, "home");
+    QVERIFY(second->facts("home/b").exists && !second->facts("home/a").exists);
+    QVERIFY(first->facts("home/a").exists);
+    QVERIFY(parts.part(std::make_shared<const Share>(disk.share()), "home") != second);
 }
 
 void ShareTest::hiddenFoldersShowNowhere()
