@@ -50,15 +50,16 @@ HiddenFolders::HiddenFolders(const QStringList &folders, FileDescriptor shared)
 void HiddenFolders::add(const QByteArray &path)
 {
     const EntryFacts facts = entryFacts(AT_FDCWD, path.constData());
-    hidden.push_back({ path, facts.device, facts.inode });
+    hidden.push_back({ caselessPath(path), facts.device, facts.inode });
 }
 
 bool HiddenFolders::covers(const QByteArray &path) const
 {
     if (isOutside(path))
         return true;
-    const bool named = std::any_of(hidden.cbegin(), hidden.cend(), [&path](const Folder &folder) {
-        return isWithin(path, folder.path);
+    const QByteArray name = caselessPath(path);
+    const bool named = std::any_of(hidden.cbegin(), hidden.cend(), [&name](const Folder &folder) {
+        return isWithin(name, folder.path);
     });
     return named || isReachedBy(path);
 }
@@ -95,8 +96,9 @@ bool HiddenFolders::coversOpen(int descriptor) const
 
 bool HiddenFolders::liesIn(const QByteArray &path) const
 {
+    const QByteArray name = caselessPath(path);
     return std::any_of(hidden.cbegin(), hidden.cend(),
-                       [&path](const Folder &folder) { return isWithin(folder.path, path); });
+                       [&name](const Folder &folder) { return isWithin(folder.path, name); });
 }
 
 bool HiddenFolders::has(const EntryFacts &facts) const
@@ -109,10 +111,11 @@ bool HiddenFolders::has(const EntryFacts &facts) const
 
 std::vector<QByteArray> HiddenFolders::below(const QByteArray &top) const
 {
+    const QByteArray name = caselessPath(top);
     std::vector<QByteArray> paths;
     for (const Folder &folder : hidden) {
-        if (folder.path != top && isWithin(folder.path, top))
-            paths.push_back(pathBelow(folder.path, top));
+        if (folder.path != name && isWithin(folder.path, name))
+            paths.push_back(pathBelow(folder.path, name));
     }
     return paths;
 }

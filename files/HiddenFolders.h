@@ -14,6 +14,7 @@ struct EntryFacts;
 
 /// What is never shown, served or changed, whatever is shared and whatever link or mount leads
 /// there: folders with all below them, and, where it is asked for, all that lies outside the share.
+/// So is what differs from them by small and capital letters alone: it may be the same.
 /// Made once at Start, where they stand then.
 class HiddenFolders
 {
@@ -44,7 +45,8 @@ public:
     /// Whether an entry is one of the folders, under whatever name.
     bool has(const EntryFacts &facts) const;
 
-    /// Their paths relative to the folder at `top`, of those that lie below it.
+    /// Their paths relative to the folder at `top`, of those that lie below it, as `caselessPath`
+    /// has them.
     std::vector<QByteArray> below(const QByteArray &top) const;
 
 private:
@@ -54,7 +56,7 @@ private:
 
     struct Folder
     {
-        QByteArray path;
+        QByteArray path; ///< caseless
         dev_t device;
         ino_t inode;
     };

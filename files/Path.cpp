@@ -74,6 +74,11 @@ bool isSpellable(const QByteArray &name)
     return !text.contains(QChar::ReplacementCharacter) || QFile::encodeName(text) == name;
 }
 
+QByteArray caselessPath(const QByteArray &path)
+{
+    return QString::fromUtf8(path).toCaseFolded().toUtf8();
+}
+
 QByteArray pathOf(int descriptor)
 {
     const QByteArray link = "/proc/self/fd/" + QByteArray::number(descriptor);

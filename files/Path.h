@@ -29,6 +29,10 @@ bool isSpellable(const QByteArray &name);
 /// when it can't tell, as for paths that are longer than it can say.
 QByteArray pathOf(int descriptor);
 
+/// One for all paths that a file system may take for the same because it makes no difference
+/// between small and capital letters.
+QByteArray caselessPath(const QByteArray &path);
+
 /// Whether an absolute `path` is `folder` or lies below it, by their names.
 bool isWithin(const QByteArray &path, const QByteArray &folder);
 

@@ -142,10 +142,12 @@ void Share::setHidden(HiddenFolders all)
 
 bool Share::isHidden(const QByteArray &clean) const
 {
-    return wholly
-        || std::any_of(
-               hiddenBelow.cbegin(), hiddenBelow.cend(),
-               [&clean](const QByteArray &folderBelow) { return isWithin(clean, folderBelow); });
+    if (wholly || hiddenBelow.empty())
+        return wholly;
+    const QByteArray name = caselessPath(clean);
+    return std::any_of(
+        hiddenBelow.cbegin(), hiddenBelow.cend(),
+        [&name](const QByteArray &folderBelow) { return isWithin(name, folderBelow); });
 }
 
 /// Nothing has a name for the root any more.
@@ -186,8 +188,11 @@ FileDescriptor Share::openNamed(const QByteArray &clean, int flags) const
     // Below it nothing is found then anyway.
     if (clean.isEmpty() && isRemoved())
         return failed(ENOENT);
-    // Without links and mounts on the way the path is what it says: its name was enough.
+    // Without links and mounts on the way the path is what it says: its name was enough, but for
+    // file systems that know an entry by several.
     FileDescriptor found = openPlain(root.get(), clean, flags);
+    if (found.isOpen() && !hiddenBelow.empty() && hidden->coversOpen(found.get()))
+        return failed(ENOENT);
     if (found.isOpen() || (errno != ELOOP && errno != EXDEV))
         return found;
     return openLinked(clean, flags);

@@ -117,7 +117,7 @@ private:
     Links links = Links::Followed;
     bool wholly = false; ///< hidden as a whole
     std::shared_ptr<const HiddenFolders> hidden;
-    std::vector<QByteArray> hiddenBelow; ///< relative paths without links
+    std::vector<QByteArray> hiddenBelow; ///< relative paths without links, caseless
 };
 
 /// `share`, or that which it is a part of.

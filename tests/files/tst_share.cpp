@@ -282,7 +282,12 @@ void ShareTest::hiddenFoldersShowNowhere()
     FolderListing listing(std::move(*share.openFolder("home")), {});
     runToEnd(listing);
     QCOMPARE(listing.count(), qint64(1));
-    for (const char *path : { "/home/conf/profile", "/link/conf/profile", "/home/conf/link/new" })
+    // Elsewhere these would be the same.
+    disk.write("home/conf/Profile/key");
+    QVERIFY(!share.facts("home/conf/Profile/key").exists);
+    QCOMPARE(content(share, "home/Conf/PROFILE/key"), QByteArray("ENOENT"));
+    for (const char *path : { "/home/conf/profile", "/link/conf/profile", "/home/conf/link/new",
+                              "/home/conf/PROFILE", "/link/conf/Profile" })
         QVERIFY(!share.place(path).isValid() && !share.facts(path).exists);
     QCOMPARE(renameNew(share.place("/link/conf"), share.place("/new")), EBUSY);
     Place home = share.place("/home");
