@@ -14,7 +14,9 @@
 #include <QTemporaryDir>
 
 #include <algorithm>
+#include <filesystem>
 #include <optional>
+#include <system_error>
 
 namespace {
 
@@ -130,9 +132,19 @@ struct World
         fill();
     }
 
+    ~World() { clear(); }
+
+    /// Names that are no text as well, which the toolkit leaves behind.
+    void clear()
+    {
+        std::error_code failed;
+        std::filesystem::remove_all(
+            QFile::encodeName(home.filePath(QStringLiteral("share"))).constData(), failed);
+    }
+
     void fill()
     {
-        QDir(home.filePath(QStringLiteral("share"))).removeRecursively();
+        clear();
         QDir().mkpath(home.filePath(QStringLiteral("share/d/e")));
         write(home.filePath(QStringLiteral("share/a.txt")), "0123456789");
         write(home.filePath(QStringLiteral("share/d/b.png")), QByteArray(3000, 'b'));
