@@ -1,10 +1,12 @@
 #!/usr/bin/env python3
 """Walks the ways in which servers like this one have failed, against every face of the console
-program, and looks after each step whether anything outside the share was touched or told.
+program, and looks after each step whether anything outside the share was touched or told. Those
+that take their time are tried all at the same time, with "slowly".
 
-usage: attack.py PATH/TO/quillon-serve PATH/TO/make_profile
+usage: attack.py PATH/TO/quillon-serve PATH/TO/make_profile at_once|slowly
 """
 
+import base64
 import os
 import re
 import shutil
@@ -13,14 +15,16 @@ import subprocess
 import sys
 import tempfile
 import threading
+import time
 from pathlib import Path
 
-SERVE, MAKE_PROFILE = sys.argv[1:3]
+SERVE, MAKE_PROFILE, WHICH = sys.argv[1:4]
 SECRET = b"what is outside"
 TOLD = re.compile(SECRET + rb"|root:x:0|7777777777777|<img src=x|^Location: //", re.M)
 MARKUP = b"<script>alert(1)"
 LOGIN = "Authorization: Basic YW5uYTpzZWNyZXQ="
 PATIENCE = 10  # seconds
+LARGE = 64 << 20  # bytes, more than waits on the way to a peer
 PAUSE = 0.3  # seconds after which no further reply is to be expected
 FACES = {  # what serves: profile, mode, what is shared
     "c": ("plain", "classic", "share"),
@@ -29,6 +33,7 @@ FACES = {  # what serves: profile, mode, what is shared
     "1": ("plain", "standard", "share/a.txt"),
     "l": ("locked", "standard", "share"),
     "h": ("homes", "standard", "."),
+    "p": ("hashed", "standard", "share"),
 }
 BULK = {
     "LONG": lambda n: f"GET /a.txt; X: {'x' * n}",
@@ -59,9 +64,10 @@ class World:
         self.home.mkdir(parents=True)
         for profile in ("plain", "strict"):
             subprocess.run([MAKE_PROFILE, profile], env=self.environment, check=True)
-        for profile in ("locked", "homes"):
+        for profile in ("locked", "homes", "hashed"):
             subprocess.run([MAKE_PROFILE, profile, "anna:secret"], env=self.environment, check=True)
-        for profile, line in ("strict", "strict = yes"), ("homes", "account.anna = all; /share"):
+        for profile, line in (("strict", "strict = yes"), ("homes", "account.anna = all; /share"),
+                              ("hashed", "password.bert = " + self.hash("other"))):
             with open(self.home / f".quillon/{profile}.cnf.ini", "a", encoding="ascii") as text:
                 text.write(line + "\n")
         self.fill()
@@ -71,6 +77,10 @@ class World:
         for face, what in FACES.items():
             self.start(face, *what)
         self.kept = self.around()
+
+    def hash(self, password):
+        return subprocess.run([SERVE, "--hash"], env=self.environment, input=password + "\n",
+                              text=True, stdout=subprocess.PIPE, check=True).stdout.strip()
 
     def fill(self):
         """What rows may have taken away."""
@@ -85,6 +95,8 @@ class World:
         for name, target in (("out", "../outside"), ("outfile", "../outside/secret")):
             if not os.path.lexists(share / name):
                 (share / name).symlink_to(target)
+        with open(share / "large", "ab") as large:
+            large.truncate(LARGE)
         # A head that speaks of more pixels than anything can hold.
         (share / "bomb.png").write_bytes(bytes.fromhex(
             "89504e470d0a1a0a0000000d494844520000fa000000fa00080600000000000000"))
@@ -192,14 +204,15 @@ def faults(world, face, allowed, data, ends):
     return found
 
 
+def rows(name):
+    table = Path(__file__).with_name(name).read_text(encoding="ascii")
+    return [line.split(" | ", 3) for line in table.splitlines() if line and line[0] != "#"]
+
+
 def walk(world):
     """Every row of the table against every face that it is for: how many were tried and failed."""
     tried = failed = 0
-    table = Path(__file__).with_name("attacks.txt").read_text(encoding="ascii")
-    for line in table.splitlines():
-        if not line or line.startswith("#"):
-            continue
-        what, faces, allowed, text = line.split(" | ", 3)
+    for what, faces, allowed, text in rows("attacks.txt"):
         for face in faces:
             tried += 1
             wrong = faults(world, face, allowed.split(), *request(text, world.ports[face]))
@@ -228,11 +241,73 @@ def race(world, face):
     return good
 
 
+def outlasts(port, seconds, reads, text):
+    """Whether the server bears it for so long: bytes, then one a second; or a reply of which
+    nothing is read until then, and that is whole."""
+    data, _ = request("raw:" + text, port)
+    until = time.monotonic() + seconds
+    with socket.create_connection(("127.0.0.1", port), PATIENCE) as peer:
+        peer.sendall(data)
+        try:
+            if not reads:
+                time.sleep(seconds)
+                return sum(len(piece) for piece in iter(lambda: peer.recv(1 << 20), b"")) >= LARGE
+            peer.settimeout(1)
+            while time.monotonic() < until:
+                try:
+                    if not peer.recv(65536):
+                        return False
+                except TimeoutError:
+                    peer.sendall(b"x")
+        except ConnectionError:
+            return False
+    return True
+
+
+def wait_out(world):
+    """Every row of the slow ones at the same time: how many were tried and borne."""
+    borne = []
+
+    def attempt(what, face, seconds, how, text):
+        if outlasts(world.ports[face], int(seconds), how == "sends", text):
+            borne.append(1)
+            print(f"{what}, {FACES[face]}: goes on after {seconds} s")
+
+    threads = [threading.Thread(target=attempt, args=(what, face, *how.split(), text))
+               for what, faces, how, text in rows("slow_attacks.txt") for face in faces]
+    for thread in threads:
+        thread.start()
+    for thread in threads:
+        thread.join()
+    return len(threads), len(borne)
+
+
+def tells_by_time(world):
+    """Whether wrong passwords are refused sooner for some names than for others."""
+    def seconds(name):
+        login = base64.b64encode(f"{name}:wrong".encode()).decode()
+        data, ends = request(f"GET /a.txt; Authorization: Basic {login}", world.ports["p"])
+        begin = time.monotonic()
+        exchange(world.ports["p"], data, ends)
+        return time.monotonic() - begin
+
+    # The shortest of some: others use the machine, too.
+    times = {name: min(seconds(name) for _ in range(5)) for name in ("anna", "bert", "nobody")}
+    if max(times.values()) < 3 * min(times.values()):
+        return False
+    print(f"the time tells who exists: {times}")
+    return True
+
+
 def main():
     world = World()
-    tried, failed = walk(world)
-    failed += sum(not race(world, face) for face in "cs")
-    print(f"{tried + 2} tried, {failed} failed")
+    if WHICH == "slowly":
+        tried, failed = wait_out(world)
+    else:
+        tried, failed = walk(world)
+        failed += sum(not race(world, face) for face in "cs") + tells_by_time(world)
+        tried += 3
+    print(f"{tried} tried, {failed} failed")
     sys.exit(0 if world.stop() and not failed else 1)
 
 
