@@ -13,6 +13,7 @@
 #include <array>
 #include <cerrno>
 #include <climits>
+#include <iterator>
 #include <utility>
 
 namespace standard {
@@ -21,7 +22,8 @@ namespace {
 
 constexpr std::array otherRights{ Right::See, Right::Read, Right::Change, Right::Delete };
 constexpr int mostInOrder = 10; ///< files of one name; the numbers of others are random
-constexpr int mostFolders = 1000; ///< that are looked for beside a name
+constexpr int mostFolders = 100; ///< that are looked for beside a name
+constexpr int mostLevels = 10; ///< of a path, that are taken
 constexpr auto notPermitted = "You have no right to do this here.";
 
 } // namespace
@@ -144,7 +146,7 @@ QByteArray ResourceHandler::pathToAdd(const QByteArray &path) const
     if (!share() || !onlyAdds(path))
         return path;
     const QByteArray name = path.mid(path.lastIndexOf('/') + 1);
-    const QByteArray wanted = joinedPath(folderToAdd(parentPath(path)), name);
+    QByteArray wanted = joinedPath(folderToAdd(parentPath(path)), name);
     if (!isTaken(wanted))
         return wanted;
     for (int number = 2; number < mostInOrder; ++number) {
@@ -158,19 +160,31 @@ QByteArray ResourceHandler::folderToAdd(const QByteArray &path) const
 {
     if (!share() || !onlyAdds(path))
         return path;
-    QByteArray folder = path;
-    for (QByteArray top = folder; !top.isEmpty() && !factsAt(top).folder;) {
-        if (!isTaken(top)) {
-            top = parentPath(top);
-            continue;
-        }
-        const QByteArray beside = folderBeside(top);
+    QByteArray meant = path;
+    for (int level = 0; level < mostLevels && !factsAt(meant).folder; ++level) {
+        const QByteArray top = takenPart(meant);
+        const QByteArray beside =
+            top.isEmpty() || factsAt(top).folder ? QByteArray() : folderBeside(top);
         if (beside.isEmpty())
-            return folder;
-        folder = joinedPath(beside, pathBelow(folder, top));
-        top = folder;
+            break;
+        meant = joinedPath(beside, pathBelow(meant, top));
     }
-    return folder;
+    return meant;
+}
+
+/// The longest part of a path from its begin that has something, unless that is the root that the
+/// visitor sees. By halves: each look at one of many folders takes its time.
+QByteArray ResourceHandler::takenPart(const QByteArray &path) const
+{
+    const int home = int(exchange.access().home.size());
+    std::vector<int> ends;
+    for (int slash = int(path.indexOf('/')); slash >= 0; slash = int(path.indexOf('/', slash + 1)))
+        ends.push_back(slash);
+    ends.push_back(int(path.size()));
+    const auto missing = std::partition_point(
+        ends.begin(), ends.end(), [&](int end) { return end <= home || isTaken(path.left(end)); });
+    const int last = missing == ends.begin() ? 0 : *std::prev(missing);
+    return last > home ? path.left(last) : QByteArray();
 }
 
 /// Empty when all that are tried are none.

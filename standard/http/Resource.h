@@ -97,6 +97,7 @@ protected:
 
 private:
     bool isTaken(const QByteArray &path) const;
+    QByteArray takenPart(const QByteArray &path) const;
     QByteArray folderBeside(const QByteArray &path) const;
 };
 

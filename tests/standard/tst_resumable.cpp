@@ -375,11 +375,14 @@ void TestResumable::nameIsTakenByTheRules()
     QCOMPARE(server.fileContent(QStringLiteral("new")), QByteArray("our"));
 
     // Who only adds isn't told that the folder can't be one.
-    server.profile->everyone = Rights(Right::Add);
-    const QByteArray below = server.begin(3, "a/x");
-    QVERIFY(below.startsWith("/.quillon/tus/a/"));
-    QCOMPARE(server.patch(below, 0, "our"), QByteArray("204"));
-    QCOMPARE(server.fileContent(QStringLiteral("a (2)/x")), QByteArray("our"));
+    server.addFile(QStringLiteral("h/o/me/a"), "old");
+    server.askForLogin("d:1");
+    server.profile->accountRights.insert(QStringLiteral("d"), { Rights(Right::Add), "/h/o/me" });
+    const QByteArray mine = basicLogin("d:1");
+    const QByteArray below = server.begin(3, "a/y/x", mine);
+    QVERIFY(below.startsWith("/.quillon/tus/a/y/"));
+    QCOMPARE(server.patch(below, 0, "our", mine), QByteArray("204"));
+    QCOMPARE(server.fileContent(QStringLiteral("h/o/me/a (2)/y/x")), QByteArray("our"));
 }
 
 void TestResumable::isGivenUpInTime()
