@@ -6,11 +6,13 @@
 #include "server/Service.h"
 #include "server/StatusSink.h"
 
+#include <algorithm>
 #include <new>
 
 namespace {
 
 constexpr qint64 leastOfBody = deadlines::leastRate * deadlines::body.count(); ///< bytes
+constexpr qint64 leastOnItsWay = qint64(64) * 1024; ///< bytes of a reply, for it to take its time
 
 } // namespace
 
@@ -38,6 +40,7 @@ void Connection::noteRequest(const QHostAddress &visitor, const QByteArray &user
     // The next head is another one.
     awaits = Awaits::Nothing;
     passedBefore = m_socket->passed();
+    onItsWay.reset();
     client.account.clear();
     if (client.address != visitor)
         client = { visitor, {}, programOf(userAgent) };
@@ -56,19 +59,39 @@ bool Connection::isWatched() const
 void Connection::noteEnd(Deed deed)
 {
     deed.client = client;
+    const bool isFile = deed.method == "GET" && !deed.isFolder;
+    if (isFile && m_socket->passed() - passedBefore >= leastOnItsWay)
+        onItsWay = FileTransfer{ false, 0, deed.path };
     m_service.setup.sink->told(deed);
+}
+
+/// The peer of a download has by far not all that the face has sent.
+std::optional<FileTransfer> Connection::transfer() const
+{
+    if (over)
+        return {};
+    std::optional<FileTransfer> found = face->transfer();
+    if (!found && !onItsWay)
+        return {};
+    const qint64 exchanged = m_socket->exchanged();
+    const qint64 waiting = m_socket->passed() - exchanged;
+    if (!found && waiting > 0)
+        found = onItsWay;
+    if (!found)
+        return {};
+    // What came before it may wait, too.
+    found->done = std::max<qint64>(0, exchanged - passedBefore);
+    if (!found->isUpload && found->left >= 0)
+        found->left += waiting;
+    return found;
 }
 
 Visit Connection::visit() const
 {
     const auto age = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - since);
     const bool isDirect = client.address == m_socket->peerAddress();
-    Visit visit{ number, client, isDirect ? ticket.peer() : peerOf(client.address),
-                 QDateTime::currentDateTimeUtc().addMSecs(-age.count()),
-                 over ? std::nullopt : face->transfer() };
-    if (visit.transfer)
-        visit.transfer->done = m_socket->passed() - passedBefore;
-    return visit;
+    return { number, client, isDirect ? ticket.peer() : peerOf(client.address),
+             QDateTime::currentDateTimeUtc().addMSecs(-age.count()), transfer() };
 }
 
 void Connection::drop()

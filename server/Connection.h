@@ -67,6 +67,7 @@ private:
         Clock::time_point at;
     };
 
+    std::optional<FileTransfer> transfer() const;
     void tell(void (Face::*event)());
     void noteWait(Clock::time_point now);
     Clock::time_point deadline() const;
@@ -84,6 +85,7 @@ private:
     std::optional<Look> lastLook; ///< while a body goes either way
     qint64 receivedBefore = 0; ///< bytes, before the head that is awaited
     qint64 passedBefore = 0; ///< bytes, before the request under way
+    std::optional<FileTransfer> onItsWay; ///< all of it is sent; the peer may not have it yet
     const Clock::time_point since = activeAt;
     Client client;
     bool noted = false;

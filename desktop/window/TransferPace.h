@@ -8,8 +8,7 @@
 #include <utility>
 #include <vector>
 
-/// Tells files that move from those that stand still. Looks once a second. What goes out slowly
-/// moves as seldom as the system has room for more.
+/// Tells files that move, however slowly, from those that stand still. Looks once a second.
 class TransferPace
 {
 public:

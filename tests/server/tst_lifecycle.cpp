@@ -241,6 +241,20 @@ void TestLifecycle::tellsWhatVisitorsDo()
         QTRY_COMPARE(live->sink.deeds.size(), 1);
         QVERIFY(!live->sink.deeds[0].isWhole && live->sink.deeds[0].status == 200);
 
+        // What is sent but not taken is on its way still.
+        live->addFile(QStringLiteral("half"), QByteArray(600000, 'x'));
+        RawClient slow(live->port());
+        slow.socket->setReadBufferSize(1);
+        slow.send(rawRequest("GET", "/half"));
+        QTRY_COMPARE(live->sink.deeds.size(), 2);
+        const auto moving = transfer();
+        QVERIFY(moving && moving->path.endsWith("half") && moving->left > 0);
+        QVERIFY(qAbs(moving->done + moving->left - 600000) < 2000);
+        slow.socket->setReadBufferSize(0);
+        QTRY_VERIFY(slow.socket->readAll().isEmpty() && !transfer());
+        slow.socket->abort();
+        QTRY_COMPARE(live->server->connectionCount(), 0);
+
         RawClient second(live->port());
         second.send(isStandard ? rawRequest("PUT", "/new", "Content-Length: 9\r\n") + "12345"
                                : rawRequest("GET", "/a.txt"));
@@ -249,8 +263,8 @@ void TestLifecycle::tellsWhatVisitorsDo()
             second.send("6789");
         }
         QVERIFY(second.reply().status().startsWith("20"));
-        QTRY_COMPARE(live->sink.deeds.size(), 2);
-        QVERIFY(live->sink.deeds[1].isWhole && live->sink.deeds[1].status / 100 == 2);
+        QTRY_COMPARE(live->sink.deeds.size(), 3);
+        QVERIFY(live->sink.deeds[2].isWhole && live->sink.deeds[2].status / 100 == 2);
         QVERIFY(live->server->visits().front().counted.isNull());
 
         live->engine.setup()->peers->block(QHostAddress(QStringLiteral("127.0.0.2")));
