@@ -24,6 +24,12 @@ ServerRow *firstLeft(const QList<QPointer<ServerRow>> &refused)
     return found == refused.end() ? nullptr : found->data();
 }
 
+bool stillRests(const QList<QPointer<ServerRow>> &refused)
+{
+    return std::any_of(refused.begin(), refused.end(),
+                       [](const QPointer<ServerRow> &row) { return row && !row->isListening(); });
+}
+
 } // namespace
 
 StartQuestions::StartQuestions(ServerRows *asking, RowPanel *shares, QWidget *window)
@@ -111,29 +117,52 @@ StartAnswer StartQuestions::askAboutLimit(const ServerRow *row)
 
 void StartQuestions::tellOfKeys(ServerRow *row, const QString &reason)
 {
-    if (!keysBox)
-        keyless.clear();
-    keyless.append(row);
-    if (keysBox)
-        return;
-    keysBox = showBox(parent, QMessageBox::Warning,
-                      WindowText::tr("The server does not start without its key and certificate.")
-                          + QLatin1Char('\n') + reason);
-    const QPushButton *make = addBoxButton(keysBox, WindowText::tr("Make a new key"));
-    connect(make, &QPushButton::clicked, this, &StartQuestions::makeKeys);
+    for (const auto &each : std::as_const(keyless)) {
+        const ServerRow *first = firstLeft(each->rows);
+        if (first && first->profile() == row->profile())
+            return each->rows.append(row);
+    }
+    keyless.append(std::make_shared<Keyless>(Keyless{ reason, { row } }));
+    if (keyless.size() == 1)
+        showNextKeysBox();
 }
 
-/// For the profile that the box tells of; its rows start with them.
-void StartQuestions::makeKeys()
+void StartQuestions::showNextKeysBox()
 {
-    const ServerRow *row = firstLeft(keyless);
+    // Some may have gone, or got their keys, meanwhile.
+    while (!keyless.isEmpty() && !stillRests(keyless.constFirst()->rows))
+        keyless.removeFirst();
+    if (keyless.isEmpty() || maker)
+        return;
+    const std::shared_ptr<Keyless> shown = keyless.constFirst();
+    QMessageBox *box =
+        showBox(parent, QMessageBox::Warning,
+                WindowText::tr("The server does not start without its key and certificate.")
+                    + QLatin1Char('\n') + shown->reason);
+    const QPushButton *make = addBoxButton(box, WindowText::tr("Make a new key"));
+    connect(make, &QPushButton::clicked, this, [this, shown] { makeKeys(shown->rows); });
+    // Queued: the button is heard later.
+    connect(box, &QDialog::finished, this, &StartQuestions::keysBoxClosed, Qt::QueuedConnection);
+}
+
+void StartQuestions::keysBoxClosed()
+{
+    keyless.removeFirst();
+    showNextKeysBox();
+}
+
+/// For the profile of these rows, which start with them.
+void StartQuestions::makeKeys(const QList<QPointer<ServerRow>> &refused)
+{
+    const ServerRow *row = firstLeft(refused);
     if (!row)
         return;
-    auto *maker = new KeyMaker(row->profile()->directories().profiles, this);
+    maker = new KeyMaker(row->profile()->directories().profiles, this);
+    connect(maker, &QObject::destroyed, this, &StartQuestions::showNextKeysBox);
     connect(maker, &KeyMaker::failed, this,
             [this](const QString &why) { showBox(parent, QMessageBox::Warning, why); });
     connect(maker, &KeyMaker::made, this,
-            [this, refused = keyless](const QString &keyFile, const QString &certificateFile) {
+            [this, refused](const QString &keyFile, const QString &certificateFile) {
                 startWithKeys(refused, keyFile, certificateFile);
             });
     maker->start();

@@ -7,7 +7,9 @@
 #include <QPointer>
 #include <QString>
 
-class QMessageBox;
+#include <memory>
+
+class KeyMaker;
 class QWidget;
 class RowPanel;
 class ServerRows;
@@ -29,15 +31,24 @@ private:
     StartAnswer askAboutLogin(ServerRow *row);
     StartAnswer askAboutLimit(const ServerRow *row);
     void tellOfKeys(ServerRow *row, const QString &reason);
-    void makeKeys();
+    void showNextKeysBox();
+    void keysBoxClosed();
+    void makeKeys(const QList<QPointer<ServerRow>> &refused);
     void startWithKeys(const QList<QPointer<ServerRow>> &refused, const QString &keyFile,
                        const QString &certificateFile);
+
+    /// Rows of one profile, whose key can't be used.
+    struct Keyless
+    {
+        QString reason;
+        QList<QPointer<ServerRow>> rows;
+    };
 
     ServerRows *rows;
     RowPanel *panel;
     QWidget *parent;
-    QPointer<QMessageBox> keysBox; ///< one tells of all rows
-    QList<QPointer<ServerRow>> keyless; ///< of whom it tells
+    QList<std::shared_ptr<Keyless>> keyless; ///< a box tells of the first, then one of the next
+    QPointer<KeyMaker> maker; ///< before it is done, the next would take the same names
     bool isAsking = false; ///< a question is open
 };
 

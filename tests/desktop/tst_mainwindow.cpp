@@ -172,12 +172,17 @@ private Q_SLOTS:
 
     void madeKeysServeAllRows()
     {
-        Desktop desktop([](Profile &global) { global.sslMode = Qt::Checked; }, 2);
-        // The one box there is.
-        inModal<QMessageBox>([&] { desktop.list()->startButton()->click(); },
-                             [](QMessageBox *box) { click(box, "Make a new key"); });
-        QTRY_VERIFY_WITH_TIMEOUT(desktop.row(0)->isListening() && desktop.row(1)->isListening(),
-                                 20000);
+        Desktop desktop([](Profile &global) { global.sslMode = Qt::Checked; }, 3);
+        desktop.row(2)->useProfile(desktop.home.profiles->duplicate(desktop.global(), "work"_q));
+        // A box for each profile, one after the other.
+        const auto start = [&] { desktop.list()->startButton()->click(); };
+        const auto make = [](QMessageBox *box) { click(box, "Make a new key"); };
+        inModal<QMessageBox>(start, make);
+        const auto runs = [&](int row) { return desktop.row(row)->isListening(); };
+        QTRY_VERIFY_WITH_TIMEOUT(runs(0) && runs(1), 20000);
+        inModal<QMessageBox>([] {}, make);
+        QTRY_VERIFY_WITH_TIMEOUT(runs(2), 20000);
+        QVERIFY(!QApplication::activeModalWidget());
     }
 
     void permissions()
