@@ -33,9 +33,9 @@ void readRows(const QTemporaryDir &home, const QByteArray &bytes)
     const QString file = home.filePath(QStringLiteral("list%1.ini").arg(++count));
     write(file, bytes);
     {
-        const SavedRows rows(file);
+        SavedRows rows(file);
         for (int nth = 0; nth < 3; ++nth)
-            rows.addedPorts(rows.row(rows.indexOf(nth)).address);
+            rows.takeAddedPorts(rows.takeNext().address);
     }
     QFile::remove(file);
     QFile::remove(file + QStringLiteral(".bad"));

@@ -55,7 +55,7 @@ public:
     void profileEdited(const Profile *profile);
 
     /// Reads the key and certificate once more, for new connections. When they can't be used, those
-    /// that were read stay.
+    /// that were read stay, and the status sink is told why.
     void reloadKeys();
 
     /// Shares a file or folder; a path that can't be read makes it the home folder. Requests
@@ -71,6 +71,7 @@ public:
     qint64 sentBytes() const { return service.traffic.sent(); }
     qint64 receivedBytes() const { return service.traffic.received(); }
     qint64 dataLimitBytes() const { return service.traffic.limit(); }
+    void addSentBytes(qint64 count) { service.traffic.addSent(count); }
     void addReceivedBytes(qint64 count) { service.traffic.addReceived(count); }
     bool isBlocked() const { return service.traffic.isBlocked(); }
     /// Ends what peers have kept waiting for too long. Happens once a second by itself.

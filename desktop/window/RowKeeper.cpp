@@ -55,7 +55,7 @@ void RowKeeper::share(const QString &path, ServerRow *row)
     }
     if (m_rows.all().isEmpty()) {
         if (!single)
-            single = saved.row(0);
+            single = saved.next();
         single->file = path;
         saveSoon();
     }
@@ -75,7 +75,6 @@ void RowKeeper::remove(ServerRow *row)
         state.running = false;
         state.restsAlone = true;
     }
-    saved.remove(int(m_rows.all().indexOf(row)));
     m_rows.remove(row);
 }
 
@@ -140,7 +139,7 @@ void RowKeeper::addFound()
         if (hasRow || removed.contains(entry.ip().toString()))
             continue;
         ServerRow *row = m_rows.add(entry);
-        QList<SavedRow> kept = saved.take(entry.ip().toString());
+        QList<SavedRow> kept = saved.takeKept(entry.ip().toString());
         if (kept.isEmpty() && removedStates.contains(entry.ip().toString()))
             kept = { removedStates.take(entry.ip().toString()) };
         restore(row, savedStateOf(row, kept));
@@ -160,36 +159,33 @@ SavedRow RowKeeper::savedStateOf(const ServerRow *row, const QList<SavedRow> &ke
     const auto own = std::find_if(kept.begin(), kept.end(),
                                   [](const SavedRow &each) { return !each.addedPort; });
     const bool isBack = own != kept.end();
+    SavedRow itsOwn = isBack ? *own : saved.takeNext();
     if (!m_rows.mode()->isExpert()) {
-        SavedRow state = stateOfAll(row);
-        state.running = isBack ? own->running : state.running;
-        state.restsAlone = isBack && own->restsAlone;
-        state.traffic = isBack ? own->traffic : 0;
+        SavedRow state = stateOfAll(row, itsOwn);
+        state.running = isBack ? itsOwn.running : state.running;
+        state.restsAlone = itsOwn.restsAlone;
+        state.sent = itsOwn.sent;
+        state.received = itsOwn.received;
         return state;
     }
-    if (isBack) {
-        SavedRow state = *own;
-        state.restsAlone = !state.running; // each one is started by its user
-        return state;
-    }
-    const QList<ServerRow *> &all = m_rows.all();
-    const auto before = std::count_if(all.begin(), all.end() - 1,
-                                      [](const ServerRow *each) { return !each->isAddedPort(); });
-    return fromFile(saved.indexOf(int(before)));
+    if (!isBack)
+        return fromFile(itsOwn);
+    itsOwn.restsAlone = !itsOwn.running; // each one is started by its user
+    return itsOwn;
 }
 
-/// What the rows share in simple mode, for `newest`.
-SavedRow RowKeeper::stateOfAll(const ServerRow *newest)
+/// What the rows share in simple mode, for `newest`, whose own is `itsOwn`.
+SavedRow RowKeeper::stateOfAll(const ServerRow *newest, const SavedRow &itsOwn)
 {
     const ServerRow *first = m_rows.all().constFirst();
     if (first != newest)
         return first->state();
-    return single ? *std::exchange(single, std::nullopt) : fromFile(0);
+    return single ? *std::exchange(single, std::nullopt) : fromFile(itsOwn);
 }
 
-SavedRow RowKeeper::fromFile(int group)
+/// How `row`, as it was read, is to go on.
+SavedRow RowKeeper::fromFile(SavedRow row)
 {
-    SavedRow row = saved.row(group);
     if (row.portDamaged)
         sink->msg(ServerRows::tr("Invalid port"), saved.fileName());
     if (!m_rows.mode()->isExpert())
@@ -241,9 +237,9 @@ void RowKeeper::restoreAddedPorts(const ServerRow *first, const QList<SavedRow> 
     }
     if (!kept.isEmpty())
         return;
-    const QList<int> groups = saved.addedPorts(first->address().toString());
-    for (const int group : groups)
-        takeOver(m_rows.addPort(first), fromFile(group));
+    const QList<SavedRow> ports = saved.takeAddedPorts(first->address().toString());
+    for (const SavedRow &row : ports)
+        takeOver(m_rows.addPort(first), fromFile(row));
 }
 
 void RowKeeper::followRename(const QString &from, const QString &to)

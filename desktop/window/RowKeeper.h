@@ -67,8 +67,8 @@ private:
     void dropVanished();
     void addFound();
     SavedRow savedStateOf(const ServerRow *row, const QList<SavedRow> &kept);
-    SavedRow stateOfAll(const ServerRow *newest);
-    SavedRow fromFile(int group);
+    SavedRow stateOfAll(const ServerRow *newest, const SavedRow &itsOwn);
+    SavedRow fromFile(SavedRow row);
     void restoreAddedPorts(const ServerRow *first, const QList<SavedRow> &kept);
     void restore(ServerRow *row, const SavedRow &state);
     void takeOver(ServerRow *row, const SavedRow &state);

@@ -18,6 +18,22 @@ const QLatin1String fileKey("file");
 const QLatin1String profileKey("cnf");
 const QLatin1String addressKey("address");
 
+bool isAddress(const SavedRow &row)
+{
+    return !row.addedPort;
+}
+
+/// Moves what is of `address` out of `rows`.
+QList<SavedRow> takeOf(const QString &address, QList<SavedRow> *rows)
+{
+    const auto other = [&address](const SavedRow &row) { return row.address != address; };
+    const auto first = std::stable_partition(rows->begin(), rows->end(), other);
+    QList<SavedRow> taken;
+    std::move(first, rows->end(), std::back_inserter(taken));
+    rows->erase(first, rows->end());
+    return taken;
+}
+
 bool isText(const QByteArray &content)
 {
     const bool hasControls = std::any_of(content.begin(), content.end(), [](char byte) {
@@ -115,30 +131,33 @@ SavedRows::SavedRows(const QString &fileName)
     int groups = 0;
     for (const QString &group : file.childGroups())
         groups = std::max(groups, group.toInt() + 1);
-    for (int index = 0; index < std::min(groups, maxRows); ++index)
-        stored.append(SavedRow::read(&file, index));
-    counted = std::clamp(file.value(countKey).toInt(), 0, maxRows);
+    const int counted = file.value(countKey).toInt();
+    for (int index = 0; index < std::min(groups, maxRows); ++index) {
+        const SavedRow row = SavedRow::read(&file, index);
+        if (isAddress(row) || (index < counted && row.port > 0))
+            stored.append(row);
+    }
 }
 
-int SavedRows::indexOf(int nth) const
+SavedRow SavedRows::next() const
 {
-    int index = 0;
-    for (int passed = 0; index < maxRows; ++index) {
-        if (!row(index).addedPort && passed++ == nth)
-            break;
-    }
-    return index;
+    const auto found = std::find_if(stored.begin(), stored.end(), isAddress);
+    return found == stored.end() ? SavedRow() : *found;
 }
 
-QList<int> SavedRows::addedPorts(const QString &address) const
+SavedRow SavedRows::takeNext()
 {
-    QList<int> groups;
-    for (int index = 0; index < counted; ++index) {
-        const SavedRow saved = row(index);
-        if (saved.addedPort && saved.address == address && saved.port > 0)
-            groups.append(index);
-    }
-    return groups;
+    const auto found = std::find_if(stored.begin(), stored.end(), isAddress);
+    if (found == stored.end())
+        return {};
+    SavedRow taken = *found;
+    stored.erase(found);
+    return taken;
+}
+
+QList<SavedRow> SavedRows::takeAddedPorts(const QString &address)
+{
+    return takeOf(address, &stored);
 }
 
 QStringList SavedRows::removed() const
@@ -154,32 +173,22 @@ void SavedRows::setRemoved(const QStringList &addresses)
         file.setValue(removedKey, addresses);
 }
 
-void SavedRows::remove(int group)
+QList<SavedRow> SavedRows::takeKept(const QString &address)
 {
-    if (group < int(stored.size()))
-        stored.removeAt(group);
-    if (group < counted)
-        --counted;
-}
-
-QList<SavedRow> SavedRows::take(const QString &address)
-{
-    const auto other = [&address](const SavedRow &row) { return row.address != address; };
-    const auto first = std::stable_partition(gone.begin(), gone.end(), other);
-    QList<SavedRow> taken;
-    std::move(first, gone.end(), std::back_inserter(taken));
-    gone.erase(first, gone.end());
-    return taken;
+    return takeOf(address, &gone);
 }
 
 void SavedRows::renameProfile(const QString &from, const QString &to)
 {
-    for (SavedRow &row : gone)
-        row.renameProfile(from, to);
-    // Those of addresses that were not there in this run stand in the file alone.
-    for (int group = 0; group < int(stored.size()); ++group) {
-        if (stored[group].renameProfile(from, to))
-            file.setValue(QString::number(group) + QLatin1Char('/') + profileKey, to);
+    for (QList<SavedRow> *rows : { &gone, &stored }) {
+        for (SavedRow &row : *rows)
+            row.renameProfile(from, to);
+    }
+    // In simple mode nothing else is written of any but the first.
+    for (const QString &group : file.childGroups()) {
+        const QString key = group + QLatin1Char('/') + profileKey;
+        if (file.value(key).toString() == from)
+            file.setValue(key, to);
     }
 }
 
@@ -191,18 +200,16 @@ void SavedRows::forgetRunning()
 
 void SavedRows::writeRest(int rows)
 {
-    for (const SavedRow &row : std::as_const(gone))
-        row.write(&file, rows++);
+    for (const QList<SavedRow> *rest : { &gone, &stored }) {
+        for (const SavedRow &row : *rest)
+            row.write(&file, rows++);
+    }
     file.setValue(countKey, rows);
     const QStringList groups = file.childGroups();
     for (const QString &group : groups) {
         bool isRow = false;
         const int index = group.toInt(&isRow);
-        if (!isRow || index < rows)
-            continue;
-        if (index < int(stored.size()))
-            stored.at(index).write(&file, index);
-        else
+        if (isRow && index >= rows)
             file.remove(group);
     }
 }

@@ -16,7 +16,8 @@ struct SavedRow
     QString formerProfile; ///< see `ServerRow`; written in the place of `profile`
     bool running = false; ///< not in the file
     bool restsAlone = false; ///< was stopped while others ran; not in the file
-    qint64 traffic = 0; ///< bytes that it sent and received; not in the file
+    qint64 sent = 0; ///< bytes; not in the file
+    qint64 received = 0; ///< bytes; not in the file
     bool portDamaged = false; ///< a port is saved that is none
 
     static SavedRow read(QSettings *settings, int index);
@@ -43,15 +44,16 @@ public:
     /// Where a file lies now that could not be read: itself, or its copy. Empty when all is well.
     QString damagedFile() const { return damaged; }
 
-    /// What was read of a group; defaults where there is none.
-    SavedRow row(int group) const { return stored.value(group); }
     void write(const SavedRow &row, int group) { row.write(&file, group); }
 
-    /// The group of the nth address, counting from 0; groups of added ports don't count.
-    int indexOf(int nth) const;
+    /// What was read of the first address that nobody has taken; defaults where there is none.
+    SavedRow next() const;
 
-    /// The groups of the ports that were added to `address`.
-    QList<int> addedPorts(const QString &address) const;
+    /// The same, for a row that has it from now on: it is not kept here any more.
+    SavedRow takeNext();
+
+    /// What was read of the ports that were added to `address`, for rows that have it from now on.
+    QList<SavedRow> takeAddedPorts(const QString &address);
 
     /// A profile has another name, in the file too.
     void renameProfile(const QString &from, const QString &to);
@@ -60,20 +62,17 @@ public:
     QStringList removed() const;
     void setRemoved(const QStringList &addresses);
 
-    /// The row of this group is removed; those behind it move up.
-    void remove(int group);
-
     /// Remembers a row whose address went away.
     void keep(const SavedRow &row) { gone.append(row); }
 
     /// Gives back what was kept of `address`, in the order in which it was kept.
-    QList<SavedRow> take(const QString &address);
+    QList<SavedRow> takeKept(const QString &address);
 
     /// All rows rest now: none of the kept ones is to go on by itself when its address is back.
     void forgetRunning();
 
-    /// Writes the kept rows behind the first `rows` groups, and the number of all. Behind those
-    /// stay the ones that were read and are of addresses that were not there in this run.
+    /// Writes behind the first `rows` groups the kept rows and those that were read and nobody has
+    /// taken, as their addresses were not there in this run; and the number of all.
     void writeRest(int rows);
 
     /// Puts everything on disk; false when that fails, the file is unchanged then.
@@ -81,8 +80,7 @@ public:
 
 private:
     QSettings file;
-    QList<SavedRow> stored; ///< by group
-    int counted = 0; ///< groups that are rows, as the file says
+    QList<SavedRow> stored; ///< as read, of rows that nobody has taken
     QString damaged; ///< see `damagedFile`
     QList<SavedRow> gone;
 };

@@ -237,7 +237,8 @@ SavedRow ServerRow::state() const
     row.profile = profile()->name;
     row.formerProfile = former;
     row.running = isListening();
-    row.traffic = trafficBytes();
+    row.sent = m_server->sentBytes();
+    row.received = m_server->receivedBytes();
     row.address = address().toString();
     row.addedPort = addedPort;
     return row;
@@ -252,7 +253,8 @@ QString ServerRow::takeState(const SavedRow &saved)
     QString refusal = restoreContent(saved.file.isEmpty() ? QDir::homePath() : saved.file);
     setPort(saved.port > 0 ? saved.port : profiles->global()->port);
     m_server->stopAll(); // a limit that was reached before is not told again
-    m_server->addReceivedBytes(saved.traffic);
+    m_server->addSentBytes(saved.sent);
+    m_server->addReceivedBytes(saved.received);
     Q_EMIT changed();
     return refusal;
 }

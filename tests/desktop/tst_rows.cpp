@@ -318,14 +318,14 @@ private Q_SLOTS:
             QCOMPARE(device.row(1)->isListening(), !expert); // it rested when the first one ran
             device.move({ loopback, second, "127.0.0.3"_q });
             QVERIFY(device.row(2)->isListening());
-            device.row(2)->server()->addReceivedBytes(2000);
+            device.row(2)->server()->addSentBytes(2000);
             device.row(2)->stop();
             const QStringList all = device.addresses;
             for (const QStringList &fewer : { QStringList{ loopback, second }, QStringList() }) {
                 device.move(fewer);
                 device.move(all); // all go on as they were
                 QVERIFY(device.row()->isListening() && !device.row(2)->isListening());
-                QCOMPARE(device.row(2)->server()->receivedBytes(), qint64(2000));
+                QCOMPARE(device.row(2)->server()->sentBytes(), qint64(2000));
             }
             device.keeper->remove(device.row(2));
             device.keeper->remove(device.row(1));
@@ -394,23 +394,24 @@ private Q_SLOTS:
             device.row(i)->setPort(7001 + i);
         const QString absent = device.addresses.takeLast();
         device.reopen();
+        device.rows->addPort(device.row(1))->setPort(7004); // takes nobody's place in the file
         device.keeper->remove(device.row());
         device.addresses.append(absent);
         device.reopen();
-        QCOMPARE(device.rows->all().size(), 2);
+        QCOMPARE(device.rows->all().size(), 3);
         QCOMPARE(device.row(0)->url() + device.row(1)->url(),
                  "http://127.0.0.2:7002http://127.0.0.3:7003"_q);
         device.keeper->loadLocal();
         device.reopen();
-        QCOMPARE(device.rows->all().size(), 3);
+        QCOMPARE(device.rows->all().size(), 4);
 
         // It comes back at rest, and as it was.
         device.row(2)->share(device.path("res"));
         device.keeper->remove(device.row(2));
         device.row()->start();
         device.keeper->loadLocal();
-        QCOMPARE(device.row(2)->server()->shared().filePath(), device.path("res"));
-        QVERIFY(!device.row(2)->isListening());
+        QCOMPARE(device.row(3)->server()->shared().filePath(), device.path("res"));
+        QVERIFY(!device.row(3)->isListening());
     }
 
     void savedRow_data()
