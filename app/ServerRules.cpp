@@ -2,6 +2,7 @@
 
 #include "app/Process.h"
 #include "config/Profile.h"
+#include "server/KeyTool.h"
 
 #include <QCoreApplication>
 #include <QDir>
@@ -66,6 +67,9 @@ SandboxRules serverRules(const QString &shared, const Profile &profile)
     rules.readable = readableFor(profile.directories());
     rules.writable = QStringList{ profile.directories().profiles, previewFolder(),
                                   profile.directories().cache, QStringLiteral("/dev/null") };
+    // A renewed certificate is another file of the same name; the key is read with it.
+    if (profile.usesTls() && KeyTool::canRenew(profile.publicKeyFile))
+        rules.readable += { folderOf(profile.publicKeyFile), folderOf(profile.privateKeyFile) };
     QStringList &shares = profile.letsSomebodyChange() ? rules.writable : rules.readable;
     shares.append(folderOf(shared));
     return rules;

@@ -17,8 +17,10 @@ namespace {
 
 constexpr auto lookInterval = 5s;
 constexpr auto longestPause = 24h; ///< certificates run out, too
+constexpr auto retryPause = 5min;
 
-/// Has the certificate renewed where that is due, and tells who waits for it by a byte.
+/// Has the certificate renewed where that is due, and tells who waits for it by a byte. What goes
+/// on failing is told once.
 class Renewal : public QObject
 {
 public:
@@ -26,17 +28,15 @@ public:
         : tool(certificate)
         , known(QNetworkInterface::allAddresses())
     {
-        connect(&tool, &KeyTool::ended, this, [this](const QString &problem) {
-            isBusy = false;
-            const char done = problem.isEmpty() ? '+' : '-';
-            if (::write(STDOUT_FILENO, &done, 1) != 1)
-                QCoreApplication::exit();
-        });
+        connect(&tool, &KeyTool::ended, this,
+                [this](const QString &problem) { finish(problem.isEmpty()); });
         connect(&looks, &QTimer::timeout, this, [this] {
             if (!isBusy && QNetworkInterface::allAddresses() != known)
                 renew();
         });
         connect(&daily, &QTimer::timeout, this, &Renewal::renew);
+        connect(&retry, &QTimer::timeout, this, &Renewal::renew);
+        retry.setSingleShot(true);
         looks.start(lookInterval);
         daily.start(longestPause);
     }
@@ -50,11 +50,24 @@ private:
         tool.start();
     }
 
+    void finish(bool done)
+    {
+        isBusy = false;
+        if (!done)
+            retry.start(retryPause);
+        const bool isKnown = std::exchange(hasFailed, !done) && !done;
+        const char news = done ? '+' : '-';
+        if (!isKnown && ::write(STDOUT_FILENO, &news, 1) != 1)
+            QCoreApplication::exit();
+    }
+
     KeyTool tool;
     QList<QHostAddress> known; ///< those of which the certificate was made
     QTimer looks;
     QTimer daily;
+    QTimer retry;
     bool isBusy = false;
+    bool hasFailed = false; ///< the last time
 };
 
 } // namespace

@@ -173,11 +173,13 @@ void WebServer::loadKeys(const Profile *profile)
 void WebServer::reloadKeys()
 {
     QString problem;
-    std::optional<TlsIdentity> fresh;
-    if (service.profile->usesTls())
-        fresh = TlsIdentity::load(*service.profile, &problem);
-    if (fresh)
+    if (!service.profile->usesTls())
+        return;
+    if (std::optional<TlsIdentity> fresh = TlsIdentity::load(*service.profile, &problem))
         identity = std::move(fresh);
+    else
+        warn(tr("The renewed certificate can't be used; new connections get the one before.")
+             + QLatin1Char('\n') + problem);
 }
 
 void WebServer::warn(const QString &text) const

@@ -6,8 +6,6 @@
 #include "desktop/window/ServerRows.h"
 #include "server/KeyTool.h"
 
-#include <QSet>
-
 #include <chrono>
 #include <utility>
 
@@ -18,6 +16,7 @@ CertificateRenewal::CertificateRenewal(ServerRows *choice)
 {
     soon.setSingleShot(true);
     soon.setInterval(1s);
+    retry.setSingleShot(true);
     daily.start(24h);
     const auto lookSoon = QOverload<>::of(&QTimer::start);
     connect(rows, &ServerRows::rowAdded, &soon, lookSoon);
@@ -25,6 +24,7 @@ CertificateRenewal::CertificateRenewal(ServerRows *choice)
     connect(rows, &ServerRows::runningChanged, &soon, lookSoon);
     connect(&soon, &QTimer::timeout, this, &CertificateRenewal::look);
     connect(&daily, &QTimer::timeout, this, &CertificateRenewal::look);
+    connect(&retry, &QTimer::timeout, this, &CertificateRenewal::look);
 }
 
 void CertificateRenewal::look()
@@ -44,11 +44,25 @@ void CertificateRenewal::renew(const QString &certificate)
     auto *tool = new KeyTool(certificate, this);
     connect(tool, &KeyTool::ended, this, [this, tool, certificate](const QString &problem) {
         tool->deleteLater();
-        if (problem.isEmpty())
-            return reload(certificate);
-        qCWarning(desktopLog) << "not renewed:" << certificate << problem;
+        finish(certificate, problem);
     });
     tool->start();
+}
+
+void CertificateRenewal::finish(const QString &certificate, const QString &problem)
+{
+    if (problem.isEmpty()) {
+        failing.remove(certificate);
+        return reload(certificate);
+    }
+    qCWarning(desktopLog) << "not renewed:" << certificate << problem;
+    retry.start(5min);
+    if (failing.contains(certificate))
+        return;
+    failing.insert(certificate);
+    Q_EMIT failed(
+        ServerRows::tr("The certificate was not renewed for this computer's addresses: %1")
+            .arg(certificate));
 }
 
 void CertificateRenewal::reload(const QString &certificate) const

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QObject>
+#include <QSet>
+#include <QString>
 #include <QTimer>
 
 class ServerRows;
@@ -14,12 +16,19 @@ class CertificateRenewal : public QObject
 public:
     explicit CertificateRenewal(ServerRows *choice);
 
+Q_SIGNALS:
+    /// Translated. Nothing is told of what goes on failing.
+    void failed(const QString &text);
+
 private:
     void look();
     void renew(const QString &certificate);
+    void finish(const QString &certificate, const QString &problem);
     void reload(const QString &certificate) const;
 
     ServerRows *rows;
     QTimer soon; ///< when all rows have followed
     QTimer daily;
+    QTimer retry;
+    QSet<QString> failing; ///< certificates
 };

@@ -25,6 +25,7 @@ RowKeeper::RowKeeper(Profiles *choice, const std::shared_ptr<const ServerSetup> 
         followNetwork();
         Q_EMIT onlineChanged(hasNetwork());
     });
+    connect(&renewal, &CertificateRenewal::failed, this, &RowKeeper::told);
     followChanges();
     followNetwork();
     hasBegun = true;

@@ -59,7 +59,7 @@ Q_SIGNALS:
     void loaded(); ///< by `loadLocal`
     void onlineChanged(bool online);
 
-    /// What became of a row whose address came or went, translated.
+    /// What became of a row whose address came or went, or of its certificate, translated.
     void told(const QString &text);
 
 private:

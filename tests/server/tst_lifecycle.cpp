@@ -215,6 +215,12 @@ void TestLifecycle::saysWhyTlsCantBeUsed()
         const QString said = live->sink.messages.join(QLatin1Char('\n'));
         QVERIFY2(said.contains(QLatin1String(message)), qPrintable(said));
     }
+    useKeys(QStringLiteral("plain.key"), QStringLiteral("server.crt"));
+    QVERIFY(live->server->init());
+    useKeys(QStringLiteral("plain.key"), QStringLiteral("none"));
+    live->sink.messages.clear();
+    live->server->reloadKeys(); // the ones before stay
+    QVERIFY(live->server->isTlsReady() && live->sink.messages.size() == 1);
 }
 
 void TestLifecycle::tellsWhatVisitorsDo()

@@ -1121,6 +1121,10 @@
         <translation>The network address is gone, the server waits for it: %1</translation>
     </message>
     <message>
+        <source>The certificate was not renewed for this computer&apos;s addresses: %1</source>
+        <translation>The certificate was not renewed for this computer&apos;s addresses: %1</translation>
+    </message>
+    <message>
         <source>Press Start to serve at %1</source>
         <translation>Press Start to serve at %1</translation>
     </message>
@@ -1245,6 +1249,10 @@
     <message>
         <source>The password is empty: everyone is admitted.</source>
         <translation>The password is empty: everyone is admitted.</translation>
+    </message>
+    <message>
+        <source>The renewed certificate can&apos;t be used; new connections get the one before.</source>
+        <translation>The renewed certificate can&apos;t be used; new connections get the one before.</translation>
     </message>
     <message>
         <source>The certificate can&apos;t be read: %1</source>

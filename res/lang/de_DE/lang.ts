@@ -1121,6 +1121,10 @@
         <translation>Die Netzadresse ist weg, der Server wartet auf sie: %1</translation>
     </message>
     <message>
+        <source>The certificate was not renewed for this computer&apos;s addresses: %1</source>
+        <translation>Das Zertifikat wurde für die Adressen dieses Computers nicht erneuert: %1</translation>
+    </message>
+    <message>
         <source>Press Start to serve at %1</source>
         <translation>Drücken Sie Start für %1</translation>
     </message>
@@ -1245,6 +1249,10 @@
     <message>
         <source>The password is empty: everyone is admitted.</source>
         <translation>Das Passwort ist leer: Jeder kommt herein.</translation>
+    </message>
+    <message>
+        <source>The renewed certificate can&apos;t be used; new connections get the one before.</source>
+        <translation>Das erneuerte Zertifikat ist nicht zu gebrauchen; neue Verbindungen bekommen das bisherige.</translation>
     </message>
     <message>
         <source>The certificate can&apos;t be read: %1</source>

@@ -1121,6 +1121,10 @@
         <translation>La dirección de red ha desaparecido, el servidor la espera: %1</translation>
     </message>
     <message>
+        <source>The certificate was not renewed for this computer&apos;s addresses: %1</source>
+        <translation>El certificado no se renovó para las direcciones de este equipo: %1</translation>
+    </message>
+    <message>
         <source>Press Start to serve at %1</source>
         <translation>Pulse Iniciar para servir en %1</translation>
     </message>
@@ -1245,6 +1249,10 @@
     <message>
         <source>The password is empty: everyone is admitted.</source>
         <translation>La contraseña está vacía: entra cualquiera.</translation>
+    </message>
+    <message>
+        <source>The renewed certificate can&apos;t be used; new connections get the one before.</source>
+        <translation>El certificado renovado no se puede usar; las conexiones nuevas reciben el anterior.</translation>
     </message>
     <message>
         <source>The certificate can&apos;t be read: %1</source>

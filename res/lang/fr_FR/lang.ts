@@ -1121,6 +1121,10 @@
         <translation>L’adresse réseau a disparu, le serveur l’attend : %1</translation>
     </message>
     <message>
+        <source>The certificate was not renewed for this computer&apos;s addresses: %1</source>
+        <translation>Le certificat n’a pas été renouvelé pour les adresses de cet ordinateur&#xa0;: %1</translation>
+    </message>
+    <message>
         <source>Press Start to serve at %1</source>
         <translation>Appuyez sur Démarrer pour servir sur %1</translation>
     </message>
@@ -1245,6 +1249,10 @@
     <message>
         <source>The password is empty: everyone is admitted.</source>
         <translation>Le mot de passe est vide&#xa0;: tout le monde entre.</translation>
+    </message>
+    <message>
+        <source>The renewed certificate can&apos;t be used; new connections get the one before.</source>
+        <translation>Le certificat renouvelé est inutilisable&#xa0;; les nouvelles connexions reçoivent le précédent.</translation>
     </message>
     <message>
         <source>The certificate can&apos;t be read: %1</source>
