@@ -29,5 +29,7 @@ struct AuthorityReply
 };
 
 /// What is found at `path` on a server with `profile`, encrypted or not. None when that is another
-/// path, or there is no such authority.
-std::optional<AuthorityReply> authorityReply(const QByteArray &path, const Profile &profile);
+/// path, or there is no such authority. The page is in the language of the program's that a visitor
+/// wants most by `acceptLanguage`, a field of the request (RFC 9110, 12.5.4), else in English.
+std::optional<AuthorityReply> authorityReply(const QByteArray &path, const Profile &profile,
+                                             const QByteArray &acceptLanguage = {});

@@ -53,7 +53,8 @@ QByteArray answerToPlain(const QByteArray &head, const Profile &profile)
         && isTarget(first[1]) && first[2].startsWith("HTTP/1.");
     if (!isKnown)
         return {};
-    if (const auto found = authorityReply(first[1].mid(1), profile)) {
+    const QByteArray languages = fieldOf(lines.mid(1), "accept-language");
+    if (const auto found = authorityReply(first[1].mid(1), profile, languages)) {
         return reply("200 OK\r\nContent-Type: " + found->contentType + "\r\nContent-Disposition: "
                          + found->disposition + "\r\nX-Content-Type-Options: nosniff",
                      first[0] == "GET" ? found->body : QByteArray());

@@ -141,6 +141,16 @@ void TestAuthority::isThereUnencrypted()
         return RawClient(live.port()).exchange(rawRequest("GET", path));
     };
     QCOMPARE(get("/.quillon/ca").body, bytes("authority.crt"));
+    for (const auto &[wanted, heading] : { std::pair("fr;q=0.5, pl, de-AT;q=0.7", "<h1>Diesem"),
+                                           { "ES", "<h1>Confiar" },
+                                           { "de;q=0, pl", "<h1>Trust" },
+                                           { "q=;,-;q=x", "<h1>Trust" } }) {
+        const QByteArray field = "Accept-Language: " + QByteArray(wanted) + "\r\n";
+        QVERIFY2(RawClient(live.port())
+                     .exchange(rawRequest("GET", "/.quillon/authority", field))
+                     .body.contains(heading),
+                 wanted);
+    }
     const RawReply way = get("/a?b");
     QCOMPARE(way.status().left(3), QByteArray("307"));
     QCOMPARE(way.header("Location"), QByteArray("https://localhost/a?b"));
