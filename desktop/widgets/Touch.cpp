@@ -6,17 +6,52 @@
 #include <QScroller>
 #include <QStyle>
 
-void sizeForFingers(QMenu *menu)
+#include <algorithm>
+
+namespace {
+
+// Pixels.
+constexpr int menuBorder = 1;
+constexpr int usualPadding = 6; ///< above and below the text of an entry
+constexpr int leastEntry = 36; ///< where the menu would be higher than the screen
+
+/// How high the entries of `menu` are, with letters of this height, for the screen to have room for
+/// all of them below each other.
+int entryHeight(const QMenu &menu, int letters)
 {
-    constexpr int padding = 6;
+    const QList<QAction *> entries = menu.actions();
+    const auto shown = std::count_if(entries.begin(), entries.end(),
+                                     [](const QAction *entry) { return entry->isVisible(); });
+    const int room = menu.screen()->availableSize().height() - 2 * menuBorder;
+    const int fitting = room / std::max(1, int(shown));
+    const int usual = std::max(fingerSize, letters + 2 * usualPadding);
+    return fitting < std::max(leastEntry, letters) ? usual : std::min(fitting, usual);
+}
+
+/// One that does not fit even so scrolls, as a second column might not be seen.
+void sizeEntries(QMenu *menu)
+{
+    const int letters = menu->fontMetrics().height();
+    const int height = entryHeight(*menu, letters);
+    const int padding = std::min(usualPadding, (height - letters) / 2);
     menu->setStyleSheet(
         // Dark styles draw no border that is seen.
-        QStringLiteral("QMenu { background: palette(base); border: 1px solid palette(highlight); }"
+        QStringLiteral("QMenu { background: palette(base); border: %3px solid palette(highlight);"
+                       " menu-scrollable: 1; }"
                        "QMenu::item { min-height: %1px; padding: %2px 24px %2px 32px; }"
                        "QMenu::item:selected { background: palette(highlight);"
                        " color: palette(highlighted-text); }")
-            .arg(fingerSize - 2 * padding)
-            .arg(padding));
+            .arg(height - 2 * padding)
+            .arg(padding)
+            .arg(menuBorder));
+}
+
+} // namespace
+
+void sizeForFingers(QMenu *menu)
+{
+    sizeEntries(menu);
+    QObject::connect(menu, &QMenu::aboutToShow, menu, [menu] { sizeEntries(menu); });
 }
 
 void scrollByFinger(QAbstractScrollArea *area)

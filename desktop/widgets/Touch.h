@@ -30,7 +30,8 @@ private:
     static QSize large(const QSize &hint) { return hint.expandedTo({ fingerSize, fingerSize }); }
 };
 
-/// Makes the entries of `menu` large enough for fingers.
+/// Makes the entries of `menu` large enough for fingers, a little less so on a screen that would
+/// not have room for all of them else.
 void sizeForFingers(QMenu *menu);
 
 /// Lets fingers drag the content of `area`.
