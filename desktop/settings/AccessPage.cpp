@@ -231,9 +231,9 @@ QWidget *AccessPage::usersPanel()
     fillTable();
 
     auto *show = new SwitchBox(tr("Show passwords"));
-    QPushButton *add = newButton(tr("Add user"));
-    QPushButton *rights = newButton(tr("Rights and home"));
-    QPushButton *remove = newButton(tr("Remove user"));
+    QPushButton *add = newBrokenButton(tr("Add user"));
+    QPushButton *rights = newBrokenButton(tr("Rights and home"));
+    QPushButton *remove = newBrokenButton(tr("Remove user"));
 
     auto *buttons = new TurningRow;
     for (QPushButton *button : { add, rights, remove })

@@ -19,7 +19,7 @@ FolderPage::FolderPage(Profile *copy)
                               "\"Standard\" is chosen: page \"Server\", \"Answers\"."));
     overruled->setWordWrap(true);
     body()->addWidget(overruled);
-    QPushButton *rights = newButton(tr("Rights of everyone"));
+    QPushButton *rights = newBrokenButton(tr("Rights of everyone"));
     body()->addWidget(rights, 0, Qt::AlignLeft);
     addHelpLink(QStringLiteral("folder"));
 

@@ -62,8 +62,8 @@ ServerPage::ServerPage(Profile *copy, bool rootMode)
     certificate->setWordWrap(true);
     certificate->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     body()->addWidget(certificate);
-    QPushButton *restore = newButton(tr("Restore default keys"));
-    newKey = newButton(tr("Make new key..."));
+    QPushButton *restore = newBrokenButton(tr("Restore default keys"));
+    newKey = newBrokenButton(tr("Make new key..."));
     auto *buttons = new TurningRow;
     buttons->add(restore, 1);
     buttons->add(newKey, 1);

@@ -10,8 +10,16 @@
 namespace {
 
 // Pixels.
+constexpr int rowSpace = 2; ///< between a field and its help
 constexpr int comfortableField = 280;
 constexpr int frameRoom = 60; ///< more than the frame around a form takes
+
+/// Whether it stands in one line or several.
+int captionWidth(QLayoutItem *item)
+{
+    const auto *label = qobject_cast<const QLabel *>(item->widget());
+    return label ? widthOf(label->text(), label->fontMetrics()) : item->sizeHint().width();
+}
 
 /// How wide a page has to be for captions beside the fields of `form`.
 int widthWithCaptionsBeside(const QFormLayout *form)
@@ -19,9 +27,9 @@ int widthWithCaptionsBeside(const QFormLayout *form)
     int caption = 0;
     int field = comfortableField;
     for (int row = 0; row < form->rowCount(); ++row) {
-        const QLayoutItem *captionItem = form->itemAt(row, QFormLayout::LabelRole);
+        QLayoutItem *captionItem = form->itemAt(row, QFormLayout::LabelRole);
         const QLayoutItem *fieldItem = form->itemAt(row, QFormLayout::FieldRole);
-        caption = qMax(caption, captionItem->sizeHint().width());
+        caption = qMax(caption, captionWidth(captionItem));
         field = qMax(field, fieldItem->minimumSize().width());
     }
     return caption + field + frameRoom;
@@ -31,8 +39,9 @@ void placeCaptions(QFormLayout *form, bool above)
 {
     form->setRowWrapPolicy(above ? QFormLayout::WrapAllRows : QFormLayout::DontWrapRows);
     for (int row = 0; row < form->rowCount(); ++row) {
-        QWidget *caption = form->itemAt(row, QFormLayout::LabelRole)->widget();
+        auto *caption = qobject_cast<QLabel *>(form->itemAt(row, QFormLayout::LabelRole)->widget());
         caption->setMinimumHeight(above ? 0 : fingerSize); // level with the field
+        caption->setWordWrap(above);
     }
 }
 
@@ -64,6 +73,7 @@ void SettingsPage::addRow(QFormLayout *form, const QString &label, QWidget *fiel
                           const QString &helpName, QWidget *extra)
 {
     auto *row = new QHBoxLayout;
+    row->setSpacing(rowSpace);
     row->addWidget(field, 1);
     if (extra)
         row->addWidget(extra);

@@ -1,6 +1,6 @@
 #include "desktop/widgets/Buttons.h"
 
-#include "desktop/widgets/Touch.h"
+#include "desktop/widgets/BrokenWords.h"
 
 #include <QDialog>
 #include <QHBoxLayout>
@@ -8,6 +8,13 @@
 QPushButton *newButton(const QString &text)
 {
     auto *button = new Finger<QPushButton>(text);
+    button->setAutoDefault(false);
+    return button;
+}
+
+QPushButton *newBrokenButton(const QString &words)
+{
+    auto *button = new BrokenWords<QPushButton>(words);
     button->setAutoDefault(false);
     return button;
 }

@@ -11,6 +11,9 @@ class QHBoxLayout;
 /// A button of a dialog that Enter does not press; it presses the dialog's default one.
 QPushButton *newButton(const QString &text);
 
+/// The same with words of any length: they go on in further lines on small screens.
+QPushButton *newBrokenButton(const QString &words);
+
 /// These buttons side by side at the right, for the foot of a dialog.
 QHBoxLayout *newButtonRow(std::initializer_list<QPushButton *> buttons);
 

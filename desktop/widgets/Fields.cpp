@@ -10,7 +10,9 @@
 
 namespace {
 
-constexpr int shortestChoice = 12; // letters
+constexpr int shortestChoice = 8; // letters
+constexpr int shortestNumber = 110; // pixels
+constexpr int sideMargin = 4; ///< pixels, in frames: small screens have no more for large letters
 
 class TallRows : public QStyledItemDelegate
 {
@@ -62,10 +64,39 @@ private:
     }
 };
 
+/// Its title, unlike the toolkit's, is shortened where the content needs less room.
+class Frame : public QGroupBox
+{
+public:
+    explicit Frame(const QString &title)
+        : QGroupBox(title)
+        , whole(title)
+    {
+        setAccessibleName(title);
+    }
+
+    QSize minimumSizeHint() const override
+    {
+        const int content = layout() ? layout()->totalMinimumSize().width() : 0;
+        return { content, QGroupBox::minimumSizeHint().height() };
+    }
+
+protected:
+    void resizeEvent(QResizeEvent *event) override
+    {
+        QGroupBox::resizeEvent(event);
+        setTitle(fontMetrics().elidedText(whole, Qt::ElideRight, width()));
+    }
+
+private:
+    const QString whole;
+};
+
 QHBoxLayout *tightRow(QWidget *owner)
 {
     auto *row = new QHBoxLayout(owner);
     row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
     return row;
 }
 
@@ -100,6 +131,7 @@ StepField::StepField(int minimum, int maximum, QWidget *parent)
     , m_spinBox(new Finger<QSpinBox>(this))
 {
     m_spinBox->setRange(minimum, maximum);
+    m_spinBox->setMinimumWidth(shortestNumber); // the largest one may scroll
     m_spinBox->setCorrectionMode(QAbstractSpinBox::CorrectToNearestValue);
     m_spinBox->setButtonSymbols(QAbstractSpinBox::NoButtons);
     QToolButton *less = addButton(QString(QChar(0x2212)), tr("Less"));
@@ -135,10 +167,15 @@ QLabel *newCaption(const QString &text, QWidget *field)
 
 QVBoxLayout *addFrame(QWidget *page, const QString &title)
 {
-    auto *frame = new QGroupBox(title);
+    auto *frame = new Frame(title);
     auto *layout = new QVBoxLayout(page);
     layout->setContentsMargins(0, 0, 0, 0);
     // Aligned it is as high as it needs at the width that it has, with texts that wrap.
     layout->addWidget(frame, 0, Qt::AlignTop);
-    return new QVBoxLayout(frame);
+    auto *content = new QVBoxLayout(frame);
+    QMargins margins = content->contentsMargins();
+    margins.setLeft(sideMargin);
+    margins.setRight(sideMargin);
+    content->setContentsMargins(margins);
+    return content;
 }

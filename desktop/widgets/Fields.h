@@ -1,6 +1,6 @@
 #pragma once
 
-#include "desktop/widgets/Touch.h"
+#include "desktop/widgets/BrokenWords.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -12,10 +12,10 @@ class QLabel;
 class QVBoxLayout;
 
 /// A check box that can be hit anywhere, not just on its text.
-class SwitchBox : public Finger<QCheckBox>
+class SwitchBox : public BrokenWords<QCheckBox>
 {
 public:
-    using Finger::Finger;
+    using BrokenWords::BrokenWords;
 
 protected:
     bool hitButton(const QPoint &pos) const override { return rect().contains(pos); }
@@ -62,5 +62,6 @@ private:
 /// A caption for `field`, which is read out under the same words.
 QLabel *newCaption(const QString &text, QWidget *field);
 
-/// Lays `page` out as a frame under `title`, no higher than it needs; gives the layout inside.
+/// Lays `page` out as a frame under `title`, no higher than it needs, and as narrow as its content
+/// can be; gives the layout inside.
 QVBoxLayout *addFrame(QWidget *page, const QString &title);

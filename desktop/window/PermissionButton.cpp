@@ -7,7 +7,6 @@
 #include "desktop/window/ServerRows.h"
 
 #include <QActionGroup>
-#include <QEvent>
 #include <QMenu>
 
 #include <algorithm>
@@ -58,42 +57,15 @@ QString stateWords(const Profile &profile)
         + loginWord(profile);
 }
 
-int widthOf(const QString &text, const QFontMetrics &metrics)
-{
-    return metrics.size(0, text).width();
-}
-
-/// `text` with further lines, broken at spaces, where one is wider than `room`, in pixels.
-QString brokenToFit(const QString &text, const QFontMetrics &metrics, int room)
-{
-    QStringList lines;
-    const QStringList given = text.split(QLatin1Char('\n'));
-    for (const QString &line : given) {
-        QStringList fitting;
-        const QStringList all = line.split(QLatin1Char(' '));
-        for (const QString &word : all) {
-            const QString longer = (fitting + QStringList(word)).join(QLatin1Char(' '));
-            if (!fitting.isEmpty() && widthOf(longer, metrics) > room) {
-                lines += fitting.join(QLatin1Char(' '));
-                fitting.clear();
-            }
-            fitting += word;
-        }
-        lines += fitting.join(QLatin1Char(' '));
-    }
-    return lines.join(QLatin1Char('\n'));
-}
-
 } // namespace
 
 PermissionButton::PermissionButton(const Profiles *choice, ServerRows *servers, QWidget *parent)
-    : Finger(parent)
+    : BrokenWords(parent)
     , profiles(choice)
     , rows(servers)
     , words(new QMenu(this))
     , permissions(new QActionGroup(this))
 {
-    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed); // its words can be broken
     buildMenu();
     connect(this, &QPushButton::clicked, this, &PermissionButton::open);
     connect(rows, &ServerRows::currentChanged, this, &PermissionButton::showProfile);
@@ -131,55 +103,14 @@ void PermissionButton::showProfile()
 {
     const Profile &shown = *profile();
     login->setText(loginWord(shown) + QLatin1String("..."));
-    unbroken = stateWords(shown);
+    const QString state = stateWords(shown);
     // They are all started by the button beside.
     const QList<ServerRow *> all = rows->shownRows();
-    if (std::any_of(all.begin(), all.end(), [this](const ServerRow *row) {
-            return stateWords(*row->profile()) != unbroken;
-        }))
-        unbroken += QLatin1Char('\n') + tr("Other addresses differ");
-    setAccessibleName(unbroken);
-    showWords();
+    const bool othersDiffer = std::any_of(all.begin(), all.end(), [&state](const ServerRow *row) {
+        return stateWords(*row->profile()) != state;
+    });
+    setWords(othersDiffer ? state + QLatin1Char('\n') + tr("Other addresses differ") : state);
     Q_EMIT profileShown();
-}
-
-// --- layout -------------------------------------------------------------------------------------
-
-/// What is around the words, in pixels.
-int PermissionButton::frameWidth() const
-{
-    return Finger::sizeHint().width() - widthOf(text(), fontMetrics());
-}
-
-void PermissionButton::showWords()
-{
-    const QString broken = brokenToFit(unbroken, fontMetrics(), width() - frameWidth());
-    if (broken != text())
-        setText(broken);
-}
-
-QSize PermissionButton::sizeHint() const
-{
-    return { frameWidth() + widthOf(unbroken, fontMetrics()), Finger::sizeHint().height() };
-}
-
-QSize PermissionButton::minimumSizeHint() const
-{
-    const QString narrowest = brokenToFit(unbroken, fontMetrics(), 0);
-    return { frameWidth() + widthOf(narrowest, fontMetrics()), Finger::sizeHint().height() };
-}
-
-void PermissionButton::resizeEvent(QResizeEvent *event)
-{
-    Finger::resizeEvent(event);
-    showWords();
-}
-
-void PermissionButton::changeEvent(QEvent *event)
-{
-    Finger::changeEvent(event);
-    if (event->type() == QEvent::FontChange)
-        showWords();
 }
 
 // --- the menu -----------------------------------------------------------------------------------

@@ -61,11 +61,16 @@ private Q_SLOTS:
     void appliesWhatThePagesSay()
     {
         global->sslMode = 2;
-        for (int row = 0; row < 5; ++row) {
-            global->lastPage = row;
-            open();
-            QCOMPARE(dialog->findChild<QStackedWidget *>()->currentIndex(), row);
-            SmallScreens::check(dialog.get(), "settings-%1"_q.arg(row));
+        QFont large = font;
+        large.setPointSize(24);
+        for (const auto &[letters, name] : { std::pair(large, "large-%1"_q), { font, "%1"_q } }) {
+            QApplication::setFont(letters);
+            for (int row = 0; row < 5; ++row) {
+                global->lastPage = row;
+                open();
+                QCOMPARE(dialog->findChild<QStackedWidget *>()->currentIndex(), row);
+                SmallScreens::check(dialog.get(), "settings-"_q + name.arg(row));
+            }
         }
         turnTo(0); // where rights of everyone overrule two of the boxes
         const auto ask = [this] { click(page(), "Rights of everyone"); };
