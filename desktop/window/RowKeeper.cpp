@@ -36,6 +36,8 @@ void RowKeeper::followChanges()
     saveTimer.setSingleShot(true);
     connect(&saveTimer, &QTimer::timeout, this, &RowKeeper::saveNow);
     connect(&m_rows, &ServerRows::rowRemoved, this, &RowKeeper::saveSoon);
+    // One mode writes less of them than the other reads.
+    connect(m_rows.mode(), &GlobalMode::modeChanged, this, &RowKeeper::saveSoon);
     connect(&m_rows, &ServerRows::rowAdded, this, [this](const ServerRow *row) {
         connect(row, &ServerRow::stateChanged, this, &RowKeeper::saveSoon);
         saveSoon();

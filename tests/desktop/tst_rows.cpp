@@ -356,10 +356,13 @@ private Q_SLOTS:
 
     void rowsComeBack()
     {
-        Rows device(inExpertMode(), 2);
+        Rows device({}, 2);
+        const auto saved = [&] { return readFile(device.path(".quillon/list.ini")); };
+        device.rows->mode()->setExpert(true);
+        QTRY_VERIFY(saved().contains("[1]")); // at once
         device.addFile("ü b/a.txt");
         device.row(0)->share(device.path("ü b"));
-        QTRY_VERIFY(readFile(device.path(".quillon/list.ini")).contains(" b")); // at once
+        QTRY_VERIFY(saved().contains(" b"));
         device.row(0)->setPort(7001);
         device.row(1)->setPort(7002);
         device.rows->addPort(device.row(0))->setPort(7003);
