@@ -6,6 +6,7 @@
 #include <QAbstractItemView>
 #include <QComboBox>
 #include <QCoreApplication>
+#include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QPushButton>
@@ -17,24 +18,29 @@ namespace {
 
 constexpr QSize usualChooserSize(640, 440);
 
-/// Boxes are made as narrow as their buttons let them, on small screens at once. Names in the texts
-/// may be long: three buttons fit beside each other.
-void sizeForFingers(QAbstractButton *button)
+/// Makes room for fingers. Buttons stand below each other where the screen is too narrow for them
+/// side by side; names in their texts may be longer still.
+void placeButtons(QMessageBox *box)
 {
-    constexpr int gaps = 12; ///< a third of those between and beside three buttons
-    const int widest = button->screen()->availableSize().width() / 3 - gaps;
-    const QSize hint = button->sizeHint().expandedTo({ 2 * fingerSize, fingerSize });
-    button->setMinimumSize(qMin(hint.width(), widest), hint.height());
+    constexpr int gap = 12; // pixels, between and beside buttons
+    const int room = box->screen()->availableSize().width() - 2 * gap;
+    int wanted = -gap;
+    const QList<QAbstractButton *> buttons = box->buttons();
+    for (QAbstractButton *button : buttons) {
+        const QSize hint = button->sizeHint().expandedTo({ 2 * fingerSize, fingerSize });
+        button->setMinimumSize(qMin(hint.width(), room), hint.height());
+        wanted += button->minimumWidth() + gap;
+    }
+    if (auto *row = box->findChild<QDialogButtonBox *>())
+        row->setOrientation(wanted <= room ? Qt::Horizontal : Qt::Vertical);
 }
 
-/// Keeps the letters of paths and of what services say, and makes room for fingers.
+/// Keeps the letters of paths and of what services say.
 void prepare(QMessageBox *box)
 {
     box->setTextFormat(Qt::PlainText);
     box->setModal(true);
-    const QList<QAbstractButton *> buttons = box->buttons();
-    for (QAbstractButton *button : buttons)
-        sizeForFingers(button);
+    placeButtons(box);
 }
 
 /// All but the dialogs that the desktop brings itself.
@@ -74,11 +80,17 @@ void offerAllFiles(QFileDialog *dialog)
 
 } // namespace
 
-QMessageBox *showBox(QWidget *parent, QMessageBox::Icon icon, const QString &text)
+QMessageBox *newBox(QWidget *parent, QMessageBox::Icon icon, const QString &text)
 {
     auto *box = new QMessageBox(icon, QString(), text, QMessageBox::Ok, parent);
     box->setAttribute(Qt::WA_DeleteOnClose);
     prepare(box);
+    return box;
+}
+
+QMessageBox *showBox(QWidget *parent, QMessageBox::Icon icon, const QString &text)
+{
+    QMessageBox *box = newBox(parent, icon, text);
     box->show();
     return box;
 }
@@ -86,7 +98,7 @@ QMessageBox *showBox(QWidget *parent, QMessageBox::Icon icon, const QString &tex
 QPushButton *addBoxButton(QMessageBox *box, const QString &text)
 {
     QPushButton *button = box->addButton(text, QMessageBox::ActionRole);
-    sizeForFingers(button);
+    placeButtons(box);
     return button;
 }
 

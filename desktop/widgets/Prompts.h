@@ -7,10 +7,13 @@
 class QPushButton;
 class QWidget;
 
-/// Shows a box of plain text with an OK button and returns at once; the box deletes itself.
+/// A box of plain text with an OK button, to be shown; it deletes itself once it is closed.
+QMessageBox *newBox(QWidget *parent, QMessageBox::Icon icon, const QString &text);
+
+/// Shows one and returns at once.
 QMessageBox *showBox(QWidget *parent, QMessageBox::Icon icon, const QString &text);
 
-/// A further button of a box, which closes it too.
+/// A further button of a box that is not shown yet; it closes the box too.
 QPushButton *addBoxButton(QMessageBox *box, const QString &text);
 
 /// Shows a warning of plain text with an OK button and waits until it is closed.

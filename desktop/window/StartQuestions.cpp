@@ -136,13 +136,14 @@ void StartQuestions::showNextKeysBox()
         return;
     const std::shared_ptr<Keyless> shown = keyless.constFirst();
     QMessageBox *box =
-        showBox(parent, QMessageBox::Warning,
-                WindowText::tr("The server does not start without its key and certificate.")
-                    + QLatin1Char('\n') + shown->reason);
+        newBox(parent, QMessageBox::Warning,
+               WindowText::tr("The server does not start without its key and certificate.")
+                   + QLatin1Char('\n') + shown->reason);
     const QPushButton *make = addBoxButton(box, WindowText::tr("Make a new key"));
     connect(make, &QPushButton::clicked, this, [this, shown] { makeKeys(shown->rows); });
     // Queued: the button is heard later.
     connect(box, &QDialog::finished, this, &StartQuestions::keysBoxClosed, Qt::QueuedConnection);
+    box->show();
 }
 
 void StartQuestions::keysBoxClosed()

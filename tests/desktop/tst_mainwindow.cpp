@@ -2,6 +2,7 @@
 #include "desktop/settings/SettingsDialog.h"
 #include "desktop/widgets/LinkLabel.h"
 #include "desktop/widgets/PageView.h"
+#include "desktop/widgets/Prompts.h"
 #include "desktop/widgets/QrCode.h"
 #include "desktop/window/ActivityDialog.h"
 #include "desktop/window/AddressTable.h"
@@ -375,6 +376,15 @@ private Q_SLOTS:
         };
         QTRY_VERIFY(wordsWidth() < button->width());
         QVERIFY(button->width() <= 480 && button->sizeHint().width() > button->width());
+        const QStringList answers{ "One answer of several"_q, "Another answer"_q };
+        const QFont before = QApplication::font();
+        QApplication::setFont(large);
+        inModal<QMessageBox>([&] { askOneOf(desktop.window.get(), "Which?"_q, answers); },
+                             [](const QMessageBox *box) {
+                                 for (const QAbstractButton *each : box->buttons())
+                                     QVERIFY(each->width() >= each->sizeHint().width());
+                             });
+        QApplication::setFont(before);
     }
 
     void fitsSmallScreens()
