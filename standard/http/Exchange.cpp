@@ -72,11 +72,14 @@ Guard *Exchange::guard() const
     return wholeOf(served) == m_service.share ? m_routes.guard.get() : nullptr;
 }
 
+std::optional<Refusal> Exchange::refusal(const std::vector<Change> &changes) const
+{
+    return guard() ? guard()->refusal(*this, changes) : std::nullopt;
+}
+
 bool Exchange::mayChange(const std::vector<Change> &changes)
 {
-    if (!guard())
-        return true;
-    std::optional<Refusal> refused = guard()->refusal(*this, changes);
+    std::optional<Refusal> refused = refusal(changes);
     if (!refused)
         return true;
     reply(refused->status, std::move(refused->fields), refused->body);

@@ -55,6 +55,9 @@ public:
     /// Who asks, and what they may do.
     const Access &access() const { return visitor; }
 
+    /// Why the request must not make `changes`; none when it may.
+    std::optional<Refusal> refusal(const std::vector<Change> &changes) const;
+
     /// Whether the request may make `changes`; else the refusal is sent, and the reply is over.
     bool mayChange(const std::vector<Change> &changes);
 

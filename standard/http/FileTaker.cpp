@@ -39,7 +39,7 @@ void FileTaker::takeName(const std::shared_ptr<UploadFile> &received)
     if (received->error() != DiskError::None)
         return taken(*received);
     DiskWorker *worker = &disk();
-    if (exchange.mayChange(changes()))
+    if (mayBeKept(*received))
         return worker->run(received, worker,
                            [received, settle = whenKept(), self = QPointer<FileTaker>(this)] {
                                if (settle && received->error() == DiskError::None)

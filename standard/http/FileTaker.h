@@ -8,13 +8,13 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <vector>
 
 class UploadFile;
 
 namespace standard {
 
-/// The base of the handlers that receive a file and give it its name once it is whole.
+/// The base of the handlers that receive a file, or one after another, and give it its name once it
+/// is whole.
 class FileTaker : public ResourceHandler
 {
 public:
@@ -24,8 +24,9 @@ public:
 protected:
     void ended() override { discard(); }
 
-    /// What is about to be changed.
-    virtual std::vector<Change> changes() const = 0;
+    /// Whether a file that is whole may take its name, asked right before it does. Who says no has
+    /// told that to whoever sent it.
+    virtual bool mayBeKept(const UploadFile &received) = 0;
 
     /// How the file got its name; not told when nobody waits for it any more, nor when it was
     /// refused meanwhile.
@@ -36,7 +37,7 @@ protected:
     virtual std::function<void()> whenKept() { return {}; }
 
     /// Gives the file its name once the disk has it, if that may still be. When nobody waits for
-    /// it any more, only with `evenUnasked`.
+    /// it any more, only with `evenUnasked`. The next one can be received meanwhile.
     void keep(bool evenUnasked);
 
     /// Lets go of what was received.

@@ -5,6 +5,7 @@
 #include <QObject>
 
 #include <optional>
+#include <vector>
 
 namespace standard {
 
@@ -40,9 +41,9 @@ public:
     /// `Exchange::sendFile`. None when the reply is no such file.
     virtual std::optional<qint64> bytesLeft() const { return {}; }
 
-    /// The file that was added, a path of the share, when neither the method nor the path of the
-    /// request says so. Empty when there is none.
-    virtual QByteArray addedFile() const { return {}; }
+    /// The files that were added, paths of the share, when neither the method nor the path of the
+    /// request says so.
+    virtual std::vector<QByteArray> addedFiles() const { return {}; }
 
     /// The peer sends nothing more. Some still wait for their reply; most have left.
     virtual void peerStopped() { }

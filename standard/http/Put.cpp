@@ -53,6 +53,12 @@ std::vector<Change> Put::changes() const
     return { { path, Change::Extent::Resource, !replaces } };
 }
 
+bool Put::mayBeKept(const UploadFile &received)
+{
+    Q_UNUSED(received)
+    return exchange.mayChange(changes());
+}
+
 void Put::receive()
 {
     if (!share())

@@ -2,6 +2,8 @@
 
 #include "standard/http/FileTaker.h"
 
+#include <vector>
+
 namespace standard {
 
 /// PUT: makes a file, or puts another in the place of one, in one step and only once the body is
@@ -17,7 +19,8 @@ public:
 private:
     bool isAllowed(const EntryFacts &found);
     bool hasRoom(const Place &folder) const;
-    std::vector<Change> changes() const override;
+    std::vector<Change> changes() const;
+    bool mayBeKept(const UploadFile &received) override;
     void receive();
     void refuse(DiskError error);
     void keepWithTime();

@@ -334,24 +334,30 @@ void StandardFace::replyEnded()
 void StandardFace::noteEnd(bool wasAnswering)
 {
     constexpr int firstRefusal = 400;
-    const QByteArray added = wasAnswering ? handler->addedFile() : QByteArray();
-    if (added.isEmpty() && isReserved(exchange.path()) && exchange.status() < firstRefusal)
+    const auto added = wasAnswering ? handler->addedFiles() : std::vector<QByteArray>();
+    for (const QByteArray &path : added)
+        connection.noteEnd(upload(path));
+    if (!added.empty() || (isReserved(exchange.path()) && exchange.status() < firstRefusal))
         return;
-    connection.noteEnd(deed(wasAnswering ? handler->bytesLeft() : std::nullopt, added));
+    connection.noteEnd(deed(wasAnswering ? handler->bytesLeft() : std::nullopt));
+}
+
+/// A file that was added at `path` of the share.
+Deed StandardFace::upload(const QByteArray &path) const
+{
+    return { {},
+             nameOf(Method::Put),
+             '/' + seenFrom(exchange.access().home, path),
+             int(Status::Created),
+             channel.canAnswer(),
+             false };
 }
 
 /// `unsent` bytes are missing of a file that was made: that is a download, however it was asked
-/// for. A file that was `added` is an upload.
-Deed StandardFace::deed(std::optional<qint64> unsent, const QByteArray &added) const
+/// for.
+Deed StandardFace::deed(std::optional<qint64> unsent) const
 {
     const Request &request = exchange.request();
-    if (!added.isEmpty())
-        return { {},
-                 nameOf(Method::Put),
-                 '/' + seenFrom(exchange.access().home, added),
-                 int(Status::Created),
-                 channel.canAnswer(),
-                 false };
     return { {},
              unsent ? nameOf(Method::Get) : request.methodName,
              unsent ? madeFile(request) : request.target.path,

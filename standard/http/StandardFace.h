@@ -60,7 +60,8 @@ private:
     void refuseMethod();
     void dropHandler();
     void noteEnd(bool wasAnswering);
-    Deed deed(std::optional<qint64> unsent, const QByteArray &added) const;
+    Deed upload(const QByteArray &path) const;
+    Deed deed(std::optional<qint64> unsent) const;
 
     Connection &connection;
     std::shared_ptr<FaceCommon> common;

@@ -141,9 +141,20 @@ void FormUpload::bodySaved(BodyEnd end)
     }
 }
 
+std::vector<QByteArray> FormUpload::addedFiles() const
+{
+    return isTaken ? std::vector<QByteArray>{ target } : std::vector<QByteArray>();
+}
+
 std::vector<Change> FormUpload::changes() const
 {
     return { { target, Change::Extent::Resource, true } };
+}
+
+bool FormUpload::mayBeKept(const UploadFile &received)
+{
+    Q_UNUSED(received)
+    return exchange.mayChange(changes());
 }
 
 void FormUpload::taken(const UploadFile &received)

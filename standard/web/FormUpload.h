@@ -7,6 +7,7 @@
 #include <QtGlobal>
 
 #include <optional>
+#include <vector>
 
 namespace standard {
 
@@ -20,7 +21,7 @@ public:
 
     void start() override;
     void bodySaved(BodyEnd end) override;
-    QByteArray addedFile() const override { return isTaken ? target : QByteArray(); }
+    std::vector<QByteArray> addedFiles() const override;
 
 private:
     bool hasRoom() const;
@@ -29,7 +30,8 @@ private:
     bool write(const QByteArray &bytes);
     bool begin(const QByteArray &name);
     void refuse(Status status);
-    std::vector<Change> changes() const override;
+    std::vector<Change> changes() const;
+    bool mayBeKept(const UploadFile &received) override;
     void taken(const UploadFile &received) override;
 
     QByteArray folder; ///< a path of the share

@@ -15,6 +15,7 @@
 #include "standard/web/RemovedEntries.h"
 #include "standard/web/Tus.h"
 #include "standard/web/UndoMethods.h"
+#include "standard/web/UploadBundle.h"
 #include "standard/web/UploadMethods.h"
 #include "standard/web/VisitorReply.h"
 
@@ -29,6 +30,7 @@ Routes withUploads(Routes routes)
     routes.rows.push_back({ Method::Head, makeHandler<UploadStatus>, tusPath });
     routes.rows.push_back({ Method::Patch, makeHandler<UploadAppend>, tusPath });
     routes.rows.push_back({ Method::Delete, makeHandler<UploadRemoval>, tusPath });
+    routes.rows.push_back({ Method::Post, makeHandler<UploadBundle>, bundlePath });
     routes.uploads = std::make_shared<OpenUploads>();
     return routes;
 }

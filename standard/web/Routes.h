@@ -4,7 +4,7 @@
 
 namespace standard {
 
-/// `routes` with resumable uploads.
+/// `routes` with resumable uploads, and those of many small files at once.
 Routes withUploads(Routes routes);
 
 /// `routes` with a DELETE that can be taken back.

@@ -37,13 +37,6 @@ bool isSegment(const QByteArray &text)
     return !text.isEmpty() && text != "." && text != ".." && text.size() <= NAME_MAX;
 }
 
-bool isFilePath(const QByteArray &path)
-{
-    const QList<QByteArray> segments = path.split('/');
-    return path.size() < PATH_MAX && segments.size() <= maxSegments && !path.contains('\0')
-        && std::all_of(segments.begin(), segments.end(), isSegment);
-}
-
 /// Browsers call what was dropped by a path with a "/" in front.
 QByteArray withoutSlash(const QByteArray &path)
 {
@@ -51,6 +44,13 @@ QByteArray withoutSlash(const QByteArray &path)
 }
 
 } // namespace
+
+bool isFilePath(const QByteArray &path)
+{
+    const QList<QByteArray> segments = path.split('/');
+    return path.size() < PATH_MAX && segments.size() <= maxSegments && !path.contains('\0')
+        && std::all_of(segments.begin(), segments.end(), isSegment);
+}
 
 std::optional<UploadMetadata> parseUploadMetadata(const QByteArray &field)
 {

@@ -1,12 +1,10 @@
 #include "standard/web/UploadMethods.h"
 
 #include "files/DiskWorker.h"
-#include "files/HiddenUploads.h"
 #include "files/LeftoverSweep.h"
 #include "files/Path.h"
 #include "files/Share.h"
 #include "standard/http/Options.h"
-#include "standard/http/Reserved.h"
 #include "standard/http/Visitor.h"
 #include "standard/web/Tus.h"
 #include "standard/web/UploadMetadata.h"
@@ -35,14 +33,16 @@ void UploadCreation::start()
     if (!wanted)
         return;
     sentTo = parentPath(wanted->path);
-    findMissing(folderToAdd(sentTo));
+    const QByteArray standsAt = joinedPath(folderToAdd(sentTo), wanted->record.name);
+    missing = missingAround(standsAt);
+    const QByteArray existing = parentPath(missing.empty() ? standsAt : missing.back());
     const PartialRecord &record = wanted->record;
     const bool hasBody = exchange.request().framing.hasBody();
     if ((hasBody && !fits(record.length)) || !mayStand(wanted->path, record.replaces))
         return;
     if (!uploads().mayBegin(peerNameOf(exchange)))
         return refuseTus(exchange, Status::TooManyRequests, "Too many uploads are open.");
-    if (!hasRoom(record.length))
+    if (!hasRoom(existing, record.length))
         return refuseTus(exchange, Status::InsufficientStorage);
     begin(record);
 }
@@ -66,18 +66,11 @@ std::optional<UploadCreation::Wanted> UploadCreation::readWanted(const QByteArra
     const QByteArray path = joinedPath(folder, about->path);
     if (!factsAt(folderToAdd(folder)).folder)
         return refused(Status::NotFound);
-    if (namesHiddenUpload(path) || isReserved(exchange.access().home, path))
+    if (isKeptName(path))
         return refused(Status::Forbidden);
     return Wanted{ path,
                    { path.mid(path.lastIndexOf('/') + 1), *length, exchange.access().account,
                      request.value("Overwrite") == "T", notes } };
-}
-
-void UploadCreation::findMissing(const QByteArray &folder)
-{
-    existing = folder;
-    for (; !existing.isEmpty() && !factsAt(existing).exists; existing = parentPath(existing))
-        missing.push_back(existing);
 }
 
 std::vector<Change> UploadCreation::changes() const
@@ -86,14 +79,6 @@ std::vector<Change> UploadCreation::changes() const
     for (const QByteArray &folder : missing)
         all.push_back({ folder, Change::Extent::Resource, true });
     return all;
-}
-
-/// What others were promised is as good as there.
-bool UploadCreation::hasRoom(qint64 length) const
-{
-    const FileDescriptor folder = share()->open(existing, O_PATH | O_DIRECTORY);
-    const qint64 promised = uploads().promised(entryFacts(folder.get()).device);
-    return diskHolds(folder.get(), quint64(length) + quint64(promised));
 }
 
 void UploadCreation::begin(const PartialRecord &record)

@@ -23,15 +23,12 @@ private:
     };
 
     std::optional<Wanted> readWanted(const QByteArray &folder);
-    void findMissing(const QByteArray &folder);
     std::vector<Change> changes() const override;
-    bool hasRoom(qint64 length) const;
     void begin(const PartialRecord &record);
     void accept(Fields progress) override;
 
     QByteArray sentTo; ///< the folder as its sender calls it, a path of the share
     std::vector<QByteArray> missing; ///< folders that are made for it
-    QByteArray existing; ///< the folder that holds them
     QByteArray location; ///< by which its sender goes on with it
     bool isMade = false; ///< and its sender knows where it is
 };

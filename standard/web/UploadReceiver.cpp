@@ -36,23 +36,27 @@ bool UploadReceiver::fits(qint64 room)
     return false;
 }
 
-/// Through a link it would stand in another folder than what was received.
 bool UploadReceiver::mayStand(const QByteArray &path, bool mayReplace)
 {
-    m_target = pathToAdd(path);
-    const EntryFacts found = factsAt(m_target);
-    replaces = found.exists;
-    if (!isPermitted(replaces && mayReplace ? Right::Change : Right::Add, m_target))
+    spot = spotAt(path, mayReplace);
+    replaces = spot.replaces;
+    if (!isPermitted(spot.needed, spot.path))
         return false;
-    if (!found.link && (!found.exists || (found.file && mayReplace)))
+    if (spot.isFree)
         return exchange.mayChange(changes());
     refuse(Status::PreconditionFailed, "Something has that name.");
     return false;
 }
 
-std::vector<Change> UploadReceiver::changes() const
+bool UploadReceiver::mayBeKept(const UploadFile &received)
 {
-    return { { m_target, Change::Extent::Resource, !replaces } };
+    Q_UNUSED(received)
+    return exchange.mayChange(changes());
+}
+
+std::vector<QByteArray> UploadReceiver::addedFiles() const
+{
+    return isTaken ? std::vector<QByteArray>{ spot.path } : std::vector<QByteArray>();
 }
 
 std::shared_ptr<OpenUploads::Upload> UploadReceiver::enter(const PartialUpload &begun)
@@ -60,7 +64,7 @@ std::shared_ptr<OpenUploads::Upload> UploadReceiver::enter(const PartialUpload &
     const EntryFacts folder = entryFacts(begun.place().folder.get());
     return uploads().enter(begun.id(),
                            { peerNameOf(exchange), wholeOf(exchange.share()), &disk(),
-                             parentPath(m_target), folder.device,
+                             parentPath(spot.path), folder.device,
                              begun.record().length - begun.offset(), begun.expires() });
 }
 
@@ -104,9 +108,7 @@ bool UploadReceiver::openFile()
         }
         upload->resume(std::move(content), partial->place().name);
     }
-    Place place = share()->place(m_target);
-    const DiskError error =
-        replaces ? upload->replace(std::move(place)) : upload->create(std::move(place));
+    const DiskError error = beginAt(spot.path);
     if (error != DiskError::None)
         refuse(statusOf(error));
     return error == DiskError::None;
@@ -219,7 +221,7 @@ void UploadReceiver::refuse(Status status, const QByteArray &text)
 
 void UploadReceiver::ended()
 {
-    FileTaker::ended();
+    UploadTaker::ended();
     if (!entry)
         return;
     partial->touch();

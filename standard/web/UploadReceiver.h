@@ -1,29 +1,29 @@
 #pragma once
 
 #include "files/PartialUpload.h"
-#include "standard/http/FileTaker.h"
-#include "standard/web/OpenUploads.h"
 #include "standard/web/UploadChecksum.h"
+#include "standard/web/UploadTaker.h"
 
 #include <QByteArray>
 #include <QtGlobal>
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace standard {
 
 /// The base of the methods that bring bytes of an upload. What has arrived stays when the body
 /// breaks off, and when the whole can't have its name yet.
-class UploadReceiver : public FileTaker
+class UploadReceiver : public UploadTaker
 {
 public:
-    using FileTaker::FileTaker;
+    using UploadTaker::UploadTaker;
 
     static constexpr auto contentType = "application/offset+octet-stream";
 
     void bodySaved(BodyEnd end) override;
-    QByteArray addedFile() const override { return isTaken ? m_target : QByteArray(); }
+    std::vector<QByteArray> addedFiles() const override;
     void ended() override;
 
 protected:
@@ -45,11 +45,10 @@ protected:
     void receiveWhole(const QByteArray &id, const PartialRecord &wanted);
 
     /// Where the file is to stand, a path of the share.
-    const QByteArray &target() const { return m_target; }
+    const QByteArray &target() const { return spot.path; }
 
-    std::vector<Change> changes() const override;
-
-    OpenUploads &uploads() const { return *exchange.routes().uploads; }
+    /// What is about to be changed.
+    virtual std::vector<Change> changes() const { return spot.changes(); }
 
     /// Notes that it is open, by whom.
     std::shared_ptr<OpenUploads::Upload> enter(const PartialUpload &begun);
@@ -67,10 +66,11 @@ private:
     void takeWhole();
     void takeBack(Status status);
     void refuse(Status status, const QByteArray &text = {});
+    bool mayBeKept(const UploadFile &received) override;
     void taken(const UploadFile &received) override;
     std::function<void()> whenKept() override;
 
-    QByteArray m_target;
+    Spot spot;
     QByteArray known; ///< the id
     PartialRecord whole; ///< what it is to become
     qint64 start = 0; ///< offset

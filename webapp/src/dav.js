@@ -21,6 +21,7 @@ const wanted = '<propfind xmlns="DAV:"><prop><resourcetype/><getcontentlength/><
 const isRefused = reply => reply.status === 401 || reply.type === 'opaqueredirect';
 
 let admitted = performance.now(); // when the server last did what it was asked for
+let asking = null; // whether it still would, for all who want to know at once
 
 async function ask(method, path, headers = {}, body = undefined, signal = undefined) {
   const send = () => fetch(path, {
@@ -48,7 +49,7 @@ const trust = 10000; // ms
 // ended, the browser would ask for a password in its own way. `isDoubted` when something was refused.
 export async function ensureSession(isDoubted = false) {
   if (isDoubted || performance.now() - admitted > trust)
-    await visitorAt(root);
+    await (asking ??= visitorAt(root).finally(() => { asking = null; }));
 }
 
 // The entries of a folder, without itself.

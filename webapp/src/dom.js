@@ -83,6 +83,20 @@ export function throttled(ms, action) {
   };
 }
 
+// At most once for all that happens in one go.
+export function perTask(action) {
+  let isDue = false;
+  return () => {
+    if (isDue)
+      return;
+    isDue = true;
+    queueMicrotask(() => {
+      isDue = false;
+      action();
+    });
+  };
+}
+
 // At most once a frame.
 export function perFrame(action) {
   let isDue = false;

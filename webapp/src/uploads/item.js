@@ -14,6 +14,7 @@ export class Item {
   mayBeThere = false; // an earlier attempt sent the last byte under this name, and heard nothing
   number = 1; // of the name, see `numbered`
   names = 1; // that were tried
+  bundle = null; // that it goes with
   job = null;
   attempt = null; // the one that counts: an earlier one may end late
 

@@ -3,12 +3,14 @@
 // of empty ones.
 
 import { DavError, ensureSession, factsOf, makeFolder, unreadable } from '../dav.js';
+import { perTask } from '../dom.js';
 import { encoded } from '../paths.js';
 import { session } from '../session.js';
+import { Bundle } from './bundle.js';
 import { Item } from './item.js';
 import { secondsOf, send } from './transfer.js';
 
-const atOnce = 4;
+const atOnce = 4; // requests
 const measuredFor = 8; // ms at a time
 const patience = 30000; // ms without a byte, and the connection counts as lost
 const pauses = [1, 2, 4, 8, 15, 30]; // seconds until a lost connection is tried again
@@ -42,7 +44,7 @@ export class Queue extends EventTarget {
   // `decide(name)` says what to do about a name that is taken, see `askAboutNames`; it is asked for
   // each, and knows which errors mean that, and the next name.
   add({ files, folders }, target, decide) {
-    const batch = { decide, folders: new Map() };
+    const batch = { decide, target, folders: new Map() };
     this.#makeFolders(batch, target, folders, files);
     const items = files.map(picked => {
       const item = new Item(picked, pathOf(target, picked.folders), batch);
@@ -107,32 +109,37 @@ export class Queue extends EventTarget {
     }
   }
 
-  #advance() {
+  // Once for all that end together: there may be thousands.
+  #advance = perTask(() => {
     this.#tell();
     if (this.#isPaused)
       return;
-    const running = this.items.filter(({ state }) => state === 'running').length;
-    for (const item of this.items.filter(({ state }) => state === 'waiting').slice(0, Math.max(0, atOnce - running)))
-      this.#run(item);
-  }
+    const running = new Set(this.items.filter(({ state }) => state === 'running').map(item => item.bundle ?? item));
+    let waiting = this.items.filter(({ state }) => state === 'waiting');
+    for (let free = atOnce - running.size; free > 0 && waiting.length > 0; --free) {
+      const count = Bundle.fitting(waiting);
+      const bundle = count > 1 ? new Bundle(waiting[0].batch.target, count) : null;
+      waiting.slice(0, count).forEach(item => this.#run(item, bundle));
+      waiting = waiting.slice(count);
+    }
+  });
 
-  async #run(item) {
+  async #run(item, bundle) {
     const attempt = { isSent: false };
     item.mayBeThere ||= item.attempt?.isSent === true;
     const goesOn = () => item.attempt === attempt && item.state === 'running';
     item.attempt = attempt;
+    item.bundle = bundle;
     item.state = 'running';
     item.size = item.file.size;
     const isDoubted = item.error?.status === 401;
     item.error = null;
     item.moved = Date.now();
     try {
-      await ensureSession(isDoubted);
-      await item.prepared();
-      if (!goesOn())
+      if (!await this.#isReady(item, bundle, isDoubted, goesOn))
         return;
       attempt.isSent = item.size === 0; // nobody tells the progress of nothing
-      item.job = send({
+      item.job = (bundle ? job => bundle.send(job) : send)({
         file: item.file, folder: item.folder, name: item.name, replace: item.replace,
         onProgress: sent => {
           item.sent = sent;
@@ -149,6 +156,20 @@ export class Queue extends EventTarget {
         await this.#fail(item, error);
     }
     this.#advance();
+  }
+
+  // Whether it is still to be sent; if not, those that go with it don't wait for it.
+  async #isReady(item, bundle, isDoubted, goesOn) {
+    let isReady = false;
+    try {
+      await ensureSession(isDoubted);
+      await item.prepared();
+      isReady = goesOn();
+    } finally {
+      if (!isReady)
+        bundle?.leave();
+    }
+    return isReady;
   }
 
   #finish(item) {
@@ -278,7 +299,5 @@ export class Queue extends EventTarget {
     this.#tell();
   }
 
-  #tell() {
-    this.dispatchEvent(new Event('change'));
-  }
+  #tell = perTask(() => this.dispatchEvent(new Event('change')));
 }

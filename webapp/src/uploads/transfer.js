@@ -13,7 +13,7 @@ const largestPut = 4 * 2 ** 20; // bytes: what is sent anew when a connection br
 export const secondsOf = file => Math.floor(file.lastModified / 1000);
 
 // By XMLHttpRequest: nothing else tells how far it is.
-function sendWhole({ file, folder, name, replace, onProgress }) {
+export function sendWhole({ file, folder, name, replace, onProgress }) {
   const path = folder + encoded(name);
   const request = new XMLHttpRequest();
   const done = new Promise((resolve, reject) => {
