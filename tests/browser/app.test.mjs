@@ -313,6 +313,33 @@ for (const screen of Object.keys(screens)) {
       await app.page.locator('.upload[data-state="done"]').getByText('empty.txt').waitFor();
     });
 
+    // How the server, or what is before it, takes small files that come together.
+    const lostAnswer = async route => {
+      await route.fetch();
+      await route.abort();
+    };
+    const manners = {
+      'whose answer is lost': lostAnswer,
+      'that a proxy refuses': route => route.fulfill({ status: 405 }),
+      'that never arrives': route => route.abort(),
+    };
+    for (const [what, answer] of Object.entries(manners)) {
+      it(`sends small files by one request ${what}`, async () => {
+        await mkdir(inShare(what));
+        await app.open(`${what}/`);
+        await writeFile(inShare(`${what}/3.txt`), 'theirs');
+        await app.page.route('**/.quillon/bundle/**', answer, { times: 1 });
+        const many = await Promise.all(Array.from({ length: 70 }, (_, i) => file(`${i}.txt`, `${'x'.repeat(i)}\n`)));
+        await app.pick('Upload files', many);
+        await app.dialog('Name exists').waitFor();
+        await app.press('Keep both');
+        await eventually('some are missing', () => readdirSync(inShare(what)).length === 71);
+        assert.equal(`${await readFile(inShare(`${what}/3.txt`))}`, 'theirs');
+        assert.equal(`${await readFile(inShare(`${what}/69.txt`))}`, `${'x'.repeat(69)}\n`);
+        await app.page.locator('.upload[data-state="failed"]').waitFor({ state: 'detached' });
+      });
+    }
+
     it('adds folders as they are, by choice and by drop', async () => {
       await mkdir(join(outside, 'Trip/day one'), { recursive: true });
       await file('Trip/day one/a.txt', 'a');

@@ -138,7 +138,8 @@ export class Queue extends EventTarget {
     try {
       if (!await this.#isReady(item, bundle, isDoubted, goesOn))
         return;
-      attempt.isSent = item.size === 0; // nobody tells the progress of nothing
+      // Nobody tells the progress of nothing, nor for sure of what goes at once.
+      attempt.isSent = item.size === 0 || bundle !== null;
       item.job = (bundle ? job => bundle.send(job) : send)({
         file: item.file, folder: item.folder, name: item.name, replace: item.replace,
         onProgress: sent => {
@@ -235,11 +236,9 @@ export class Queue extends EventTarget {
     item.timer = setTimeout(() => this.#again(item), pause * 1000);
   }
 
+  // What went together goes together again.
   #again(item) {
-    clearTimeout(item.timer);
-    if (item.state === 'retrying')
-      item.state = 'waiting';
-    this.#advance();
+    this.#retryNow(each => each === item || (item.bundle && each.bundle === item.bundle));
   }
 
   // A connection that is lost tells nothing for minutes.
@@ -252,9 +251,12 @@ export class Queue extends EventTarget {
     this.#tell();
   }
 
-  #retryNow() {
-    for (const item of this.items.filter(({ state }) => state === 'retrying'))
-      this.#again(item);
+  #retryNow(isMeant = () => true) {
+    for (const item of this.items.filter(each => each.state === 'retrying' && isMeant(each))) {
+      clearTimeout(item.timer);
+      item.state = 'waiting';
+    }
+    this.#advance();
   }
 
   pause() {
