@@ -24,7 +24,15 @@ export function h(tag, properties = {}, ...children) {
   return element;
 }
 
+const drawn = new Map(); // to be copied: each row has some
+
 export function icon(name) {
+  if (!drawn.has(name))
+    drawn.set(name, draw(name));
+  return drawn.get(name).cloneNode(true);
+}
+
+function draw(name) {
   const picture = document.createElementNS(svg, 'svg');
   picture.setAttribute('viewBox', '0 0 24 24');
   picture.setAttribute('aria-hidden', 'true');

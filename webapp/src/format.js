@@ -3,30 +3,38 @@
 import { language, t } from './texts.js';
 
 const units = ['byte', 'kilobyte', 'megabyte', 'gigabyte', 'terabyte'];
-const formats = units.map((unit, index) => new Intl.NumberFormat(language, {
-  style: 'unit', unit, unitDisplay: index === 0 ? 'long' : 'short', maximumSignificantDigits: 3,
-}));
 
-const paces = units.map(unit => new Intl.NumberFormat(language, {
-  style: 'unit', unit: `${unit}-per-second`, unitDisplay: 'short', maximumSignificantDigits: 2,
-}));
-
-function scaled(bytes, by) {
-  const power = Math.min(units.length - 1, bytes < 1000 ? 0 : Math.floor(Math.log10(bytes) / 3));
-  return by[power].format(bytes / 1000 ** power);
+// To make a format takes the browser some milliseconds, which the first view has not got.
+function keptBy(make) {
+  const known = new Map();
+  return key => {
+    if (!known.has(key))
+      known.set(key, make(key));
+    return known.get(key);
+  };
 }
 
-export const size = bytes => scaled(bytes, formats);
+const sizes = keptBy(power => new Intl.NumberFormat(language, {
+  style: 'unit', unit: units[power], unitDisplay: power === 0 ? 'long' : 'short', maximumSignificantDigits: 3,
+}));
+
+const paces = keptBy(power => new Intl.NumberFormat(language, {
+  style: 'unit', unit: `${units[power]}-per-second`, unitDisplay: 'short', maximumSignificantDigits: 2,
+}));
+
+const times = keptBy(isThisYear => new Intl.DateTimeFormat(language, {
+  day: 'numeric', month: 'short', ...isThisYear ? { hour: 'numeric', minute: '2-digit' } : { year: 'numeric' },
+}));
+
+function scaled(bytes, formats) {
+  const power = Math.min(units.length - 1, bytes < 1000 ? 0 : Math.floor(Math.log10(bytes) / 3));
+  return formats(power).format(bytes / 1000 ** power);
+}
+
+export const size = bytes => scaled(bytes, sizes);
 export const pace = bytes => scaled(bytes, paces); // in a second
 
-const sameYear = new Intl.DateTimeFormat(language, { day: 'numeric', month: 'short', hour: 'numeric', minute: '2-digit' });
-const otherYear = new Intl.DateTimeFormat(language, { day: 'numeric', month: 'short', year: 'numeric' });
-
-export function time(ms) {
-  if (!ms)
-    return '';
-  return (new Date(ms).getFullYear() === new Date().getFullYear() ? sameYear : otherYear).format(ms);
-}
+export const time = ms => (ms ? times(new Date(ms).getFullYear() === new Date().getFullYear()).format(ms) : '');
 
 export function duration(seconds) {
   if (seconds < 60)
@@ -36,5 +44,5 @@ export function duration(seconds) {
   return new Intl.NumberFormat(language, { style: 'unit', unit, unitDisplay: 'long' }).format(count);
 }
 
-const whole = new Intl.NumberFormat(language);
-export const number = count => whole.format(count);
+const whole = keptBy(() => new Intl.NumberFormat(language));
+export const number = count => whole().format(count);

@@ -1,13 +1,14 @@
 // The entries of a folder on the screen: only those that are seen stand in the document, and the one
 // that has the keyboard.
 
-import { h, perFrame } from './dom.js';
+import { debounced, h, perFrame } from './dom.js';
 import { row, tileRow } from './entry-view.js';
 import { orderNames } from './order.js';
 import { dropPreviews } from './previews.js';
 import { t } from './texts.js';
 
 const spare = 6; // rows above and below what is seen
+const restedAfter = 100; // ms: who scrolls past all that is there sees no spare rows
 const rowHeight = 3.5; // rem
 const tileWidth = 10; // rem, at least
 const tileFoot = 3.25; // rem, below the picture
@@ -22,7 +23,9 @@ export class Grid {
   #columns = 1;
   #height = 1; // px of a row
   #focusedAt = 0; // where the entry with the keyboard stood
-  #update = perFrame(() => this.#show());
+  #shownTop = 0; // px, where the list was scrolled to
+  #update = perFrame(() => this.#scrolled());
+  #rest = debounced(restedAfter, () => this.#show());
 
   constructor(folder, selection, onOrder) {
     this.#folder = folder;
@@ -32,7 +35,7 @@ export class Grid {
     this.body.addEventListener('focusin', ({ target }) => {
       this.#focusedAt = Number(target.closest('.entry')?.dataset.index ?? this.#focusedAt);
     });
-    new ResizeObserver(() => this.#measure()).observe(this.element);
+    new ResizeObserver(() => (this.#measure() ? this.renew() : this.#show())).observe(this.element);
     selection.addEventListener('change', () => this.#mark());
     folder.addEventListener('change', () => this.renew());
   }
@@ -62,6 +65,7 @@ export class Grid {
     this.#layout = name;
     this.grid.dataset.layout = name;
     this.#measure();
+    this.renew();
   }
 
   showOrder(order, isDescending) {
@@ -69,7 +73,9 @@ export class Grid {
       heading.setAttribute('aria-sort', heading.dataset.order !== order ? 'none' : isDescending ? 'descending' : 'ascending');
   }
 
+  // Gives whether the rows are others by now.
   #measure() {
+    const before = `${this.#columns} ${this.#height}`;
     const rem = Number.parseFloat(getComputedStyle(document.documentElement).fontSize);
     const width = this.body.clientWidth;
     const isList = this.#layout === 'list';
@@ -77,7 +83,7 @@ export class Grid {
     this.#height = isList ? rowHeight * rem : Math.round(width / this.#columns * 0.75 + tileFoot * rem);
     this.grid.style.setProperty('--columns', this.#columns);
     this.grid.style.setProperty('--row', `${this.#height}px`);
-    this.renew();
+    return before !== `${this.#columns} ${this.#height}`;
   }
 
   // All anew: they are others, or in another order.
@@ -112,11 +118,19 @@ export class Grid {
     return Math.floor(index / this.#columns);
   }
 
-  #wanted() {
+  // Every row is another then: the fewer there are, the smoother it goes.
+  #scrolled() {
+    const isJump = Math.abs(this.element.scrollTop - this.#shownTop) > this.element.clientHeight / 2;
+    this.#show(isJump ? 0 : spare);
+    if (isJump)
+      this.#rest();
+  }
+
+  #wanted(spareRows) {
     const top = this.element.scrollTop;
     const rows = Math.ceil(this.#folder.shown.length / this.#columns);
-    const first = Math.max(0, Math.floor(top / this.#height) - spare);
-    const last = Math.min(rows - 1, Math.ceil((top + this.element.clientHeight) / this.#height) + spare);
+    const first = Math.max(0, Math.floor(top / this.#height) - spareRows);
+    const last = Math.min(rows - 1, Math.ceil((top + this.element.clientHeight) / this.#height) + spareRows);
     const wanted = new Set();
     for (let number = first; number <= last; ++number)
       wanted.add(number);
@@ -126,8 +140,9 @@ export class Grid {
     return wanted;
   }
 
-  #show() {
-    const wanted = this.#wanted();
+  #show(spareRows = spare) {
+    this.#shownTop = this.element.scrollTop;
+    const wanted = this.#wanted(spareRows);
     for (const [number, element] of this.#rows) {
       if (!wanted.has(number)) {
         dropPreviews(element);
