@@ -142,6 +142,7 @@ struct Format
     std::string_view signature; ///< that its files have
     std::size_t offset = 0; ///< bytes in front of that
     By by = By::Toolkit;
+    std::size_t again = 0; ///< after so many bytes, and as many once more; 0: it is there once
 };
 
 /// The first that fits. Those of telephones and of the web need plugins or libraries that not every
@@ -164,16 +165,24 @@ constexpr Format formats[] = {
     { "matroska", "\x1a\x45\xdf\xa3", 0, By::Video },
     { "ogg", "OggS", 0, By::Video },
     { "mpeg", std::string_view("\0\0\1\xba", 4), 0, By::Video },
+    { "flv", "FLV\1", 0, By::Video },
+    { "asf", "\x30\x26\xb2\x75\x8e\x66\xcf\x11", 0, By::Video },
+    { "mpegts", "G", 0, By::Video, 188 },
+    { "mpegts", "G", 4, By::Video, 192 },
 };
 
 /// No other decoder gets to see the file. Null when there is none for it.
 const Format *formatOf(QIODevice &file)
 {
-    constexpr int enough = 12;
+    constexpr int enough = 400;
     const QByteArray bytes = file.peek(enough).leftJustified(enough, '\0');
     const std::string_view start(bytes.constData(), enough);
-    const auto fits = [start](const Format &format) {
-        return start.substr(format.offset, format.signature.size()) == format.signature;
+    const auto isAt = [start](const Format &format, std::size_t offset) {
+        return start.substr(offset, format.signature.size()) == format.signature;
+    };
+    const auto fits = [isAt](const Format &format) {
+        return isAt(format, format.offset) && isAt(format, format.offset + format.again)
+            && isAt(format, format.offset + 2 * format.again);
     };
     const auto *found = std::find_if(std::begin(formats), std::end(formats), fits);
     return found == std::end(formats) ? nullptr : found;

@@ -118,3 +118,28 @@ inline QByteArray video(const QByteArray &jpeg, quint32 width, quint32 height)
                      "AVI " + riffChunk("LIST", "hdrl" + headers)
                          + riffChunk("LIST", "movi" + riffChunk("00dc", jpeg).repeated(frames)));
 }
+
+/// A video (FLV) of a second with two frames of one colour, the same to the end.
+inline QByteArray flashVideo(int width, int height)
+{
+    constexpr int block = 64;
+    constexpr int bytesOfPixel = 3;
+    QByteArray frame("\x13", 1); // complete, of blocks that are packed each for itself
+    for (const int size : { width, height })
+        frame += bigEndian(quint32(((block / 16 - 1) << 12) + size), 2);
+    for (int y = 0; y < height; y += block) {
+        for (int x = 0; x < width; x += block) {
+            const int pixels = qMin(block, width - x) * qMin(block, height - y);
+            const QByteArray packed =
+                qCompress(QByteArray(pixels * bytesOfPixel, 'x')).mid(4); // behind its length
+            frame += bigEndian(quint32(packed.size()), 2) + packed;
+        }
+    }
+    QByteArray bytes("FLV\1\1\0\0\0\x9\0\0\0\0", 13);
+    for (const quint32 time : { 0, 1000 }) { // ms
+        const QByteArray tag = "\x9" + bigEndian(quint32(frame.size()), 3) + bigEndian(time, 3)
+            + QByteArray(4, '\0') + frame;
+        bytes += tag + bigEndian(quint32(tag.size()), 4);
+    }
+    return bytes;
+}

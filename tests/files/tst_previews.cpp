@@ -134,6 +134,7 @@ void TestPreviews::makesByLibraries_data()
     const QSize none;
     row("a frame of a video", tool, library, video(jpeg, 400, 300), QSize(160, 120));
     row("no larger than the video", tool, library, video(small, 80, 60), QSize(80, 60));
+    row("a frame of a flash video", tool, library, flashVideo(400, 300), QSize(160, 120));
     row("a video without a frame", tool, library, video("", 400, 300), none);
     row("no video", tool, library, bigEndian(32, 4) + "ftypisom" + jpeg, none);
     const auto heifTool = QStringLiteral("heif-enc");

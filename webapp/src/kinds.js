@@ -2,7 +2,7 @@
 
 const endings = {
   picture: 'jpg jpeg png gif webp avif svg bmp ico heic heif tif tiff',
-  video: 'mp4 m4v webm mov mkv ogv avi mpg mpeg',
+  video: 'mp4 m4v webm mov mkv ogv avi mpg mpeg m2ts mts flv wmv asf',
   sound: 'mp3 m4a ogg oga opus flac wav aac',
   pdf: 'pdf',
   text: 'txt md log json xml csv yml yaml ini conf cfg js mjs css html htm c h cc cpp hpp py rb rs go java ts sh bat sql tex srt',
