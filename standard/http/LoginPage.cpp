@@ -64,7 +64,8 @@ QByteArray LoginPage::html() const
         pageBegin("Log in", "<style>" + style() + "</style>") + "<body><main><h1>Log in</h1>\n";
     if (!problem.isEmpty())
         page += "<p role=\"alert\">" + escaped(problem) + "</p>\n";
-    page += R"(<form method="post" action=")" + escaped(action) + "\">\n";
+    // To where it was asked for: the address may hold a part that nobody told the server.
+    page += "<form method=\"post\">\n";
     if (asksForName)
         page += input("Name", "name",
                       R"(autocomplete="username" autocapitalize="none" spellcheck="false" value=")"

@@ -23,7 +23,6 @@ QByteArray urlAfterLogin(const Exchange &exchange);
 /// What the page says.
 struct LoginPage
 {
-    QByteArray action; ///< the URL that the form is sent to
     bool asksForName = false;
     QByteArray name; ///< as it was typed
     QByteArray problem; ///< why it is shown again; empty the first time

@@ -231,6 +231,15 @@ void StandardFace::decide(const Authenticator::Result &login)
     dispatch();
 }
 
+/// Whether a page asks that its visitor looks at, which tells them by itself. Scripts say so by
+/// this field; of pictures and films the browser does, or the session that was.
+bool StandardFace::isOfPage() const
+{
+    const Request &request = exchange.request();
+    return request.field("X-Requested-With") || request.value("Sec-Fetch-Mode") == "no-cors"
+        || !sessionNumber(exchange).isEmpty();
+}
+
 /// People are led to the page, where there is one. A challenge along with it would have their
 /// browser ask in its own way.
 void StandardFace::refuseLogin(Authenticator::Outcome outcome)
@@ -239,8 +248,7 @@ void StandardFace::refuseLogin(Authenticator::Outcome outcome)
         return exchange.refuse(
             Status::SeeOther, {},
             { { "Location", loginUrl(exchange) }, { "Cache-Control", "no-store" } });
-    // Scripts of a page say what they are by this field, and tell its visitor by themselves.
-    if (exchange.request().field("X-Requested-With"))
+    if (isOfPage())
         return exchange.refuse(Status::Unauthorized, {}, { { "WWW-Authenticate", "Session" } });
     exchange.refuse(Status::Unauthorized, {},
                     common->authenticator.challenges(outcome, *exchange.service().profile));

@@ -56,6 +56,7 @@ private:
     void checkPassword(const Authenticator::Result &login);
     void decide(const Authenticator::Result &login);
     void refuseLogin(Authenticator::Outcome outcome);
+    bool isOfPage() const;
     void dispatch();
     void refuseMethod();
     void dropHandler();

@@ -19,13 +19,10 @@ void showPage(Exchange &exchange, Status status = Status::Ok, const QByteArray &
               const QByteArray &name = {}, Fields fields = {})
 {
     const bool asksForName = exchange.service().profile->authMode == AuthBasic;
-    const QByteArray action =
-        exchange.urlPath(loginPath, false) + '?' + exchange.request().target.query;
     fields.push_back({ "Content-Type", "text/html; charset=utf-8" });
     fields.push_back({ "Cache-Control", "no-store" });
     addFormProtection(fields, LoginPage::style());
-    exchange.reply(status, std::move(fields),
-                   LoginPage{ action, asksForName, name, problem }.html());
+    exchange.reply(status, std::move(fields), LoginPage{ asksForName, name, problem }.html());
 }
 
 /// The browser asks for it by GET.

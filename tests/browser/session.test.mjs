@@ -22,6 +22,12 @@ it('goes on where the visitor was when they log in again', { timeout: 90000 }, a
   await page.goto(server.url);
   await typed('secret');
   await app.entry('Album').waitFor();
+  await app.context.clearCookies();
+  await page.goto(`${server.url}Album/#?find=words`);
+  await typed('secret');
+  await app.entry('words.txt').waitFor(); // the search is told to no server, and goes on all the same
+  assert.equal(new URL(page.url()).hash, '#?find=words');
+  assert.equal(await app.entry('one.png').count(), 0);
   await app.open('Album/'); // and nothing is asked for any more
   const later = async () => {
     await app.context.clearCookies();
