@@ -43,9 +43,10 @@ export class Bundle {
   // How many of `items` go together, from the first on.
   static fitting(items) {
     let room = mostBytes;
-    const ends = ({ batch, file }, index) => {
-      room -= file.size;
-      return index === mostFiles || batch !== items[0].batch || file.size > largest || room < 0;
+    const ends = (item, index) => {
+      const size = item.measure();
+      room -= size;
+      return index === mostFiles || item.batch !== items[0].batch || size > largest || room < 0;
     };
     const end = isKnown ? items.findIndex(ends) : 1;
     return end < 0 ? items.length : Math.max(1, end);

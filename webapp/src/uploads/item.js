@@ -34,6 +34,12 @@ export class Item {
     this.forgetSent();
   }
 
+  // Whenever a file's size is asked for, the browser asks the disk.
+  measure() {
+    this.size ||= this.file.size;
+    return this.size;
+  }
+
   // Whatever went out has been refused.
   forgetSent() {
     this.mayBeThere = false;

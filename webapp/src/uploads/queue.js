@@ -60,7 +60,7 @@ export class Queue extends EventTarget {
   async #measure(items) {
     let pauseAt = performance.now() + measuredFor;
     for (const item of items) {
-      item.size = item.file.size;
+      item.measure();
       if (performance.now() > pauseAt) {
         await new Promise(resolve => setTimeout(resolve));
         pauseAt = performance.now() + measuredFor;
@@ -131,13 +131,13 @@ export class Queue extends EventTarget {
     item.attempt = attempt;
     item.bundle = bundle;
     item.state = 'running';
-    item.size = item.file.size;
+    item.size = bundle ? item.measure() : item.file.size;
     const isDoubted = item.error?.status === 401;
     item.error = null;
     item.moved = Date.now();
     try {
       if (!await this.#isReady(item, bundle, isDoubted, goesOn))
-        return;
+        return this.#advance();
       // Nobody tells the progress of nothing, nor for sure of what goes at once.
       attempt.isSent = item.size === 0 || bundle !== null;
       item.job = (bundle ? job => bundle.send(job) : send)({
@@ -165,7 +165,11 @@ export class Queue extends EventTarget {
     try {
       await ensureSession(isDoubted);
       await item.prepared();
-      isReady = goesOn();
+      // A bundle is sent anew from its first file on: it would never end where connections break early.
+      const isArrived = item.mayBeThere && !item.replace && await this.#isArrived(item);
+      isReady = goesOn() && !isArrived;
+      if (goesOn() && isArrived)
+        this.#finish(item);
     } finally {
       if (!isReady)
         bundle?.leave();
