@@ -45,6 +45,10 @@ public:
     /// request says so.
     virtual std::vector<QByteArray> addedFiles() const { return {}; }
 
+    /// The file that the body of the request is being kept for, a path of the share, when the path
+    /// of the request doesn't say so.
+    virtual QByteArray receivedFile() const { return {}; }
+
     /// The peer sends nothing more. Some still wait for their reply; most have left.
     virtual void peerStopped() { }
 

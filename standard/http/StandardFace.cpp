@@ -380,8 +380,10 @@ std::optional<FileTransfer> StandardFace::transfer() const
     if (const auto unsent = isAnswering ? handler->bytesLeft() : std::nullopt)
         return FileTransfer{ false, *unsent + (found ? found->left : 0),
                              madeFile(exchange.request()) };
-    if (found)
-        found->path = exchange.request().target.path;
+    if (!found)
+        return {};
+    const QByteArray received = isAnswering ? handler->receivedFile() : QByteArray();
+    found->path = received.isEmpty() ? exchange.request().target.path : '/' + received;
     return found;
 }
 

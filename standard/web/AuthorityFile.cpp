@@ -9,8 +9,8 @@ namespace standard {
 
 void AuthorityFile::start()
 {
-    const std::optional<AuthorityReply> found =
-        authorityReply(exchange.path(), *exchange.service().profile);
+    const std::optional<AuthorityReply> found = authorityReply(
+        exchange.path(), *exchange.service().profile, exchange.request().value("Accept-Language"));
     if (!found)
         return exchange.refuse(Status::NotFound);
     Fields fields{ { "Content-Type", found->contentType },

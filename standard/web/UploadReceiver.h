@@ -24,6 +24,7 @@ public:
 
     void bodySaved(BodyEnd end) override;
     std::vector<QByteArray> addedFiles() const override;
+    QByteArray receivedFile() const override { return target(); }
     void ended() override;
 
 protected:

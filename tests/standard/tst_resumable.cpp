@@ -247,6 +247,7 @@ void TestResumable::goesOnAfterCutAndRestart()
         client.send(rawRequest("PATCH", upload, version + offsetLine(0) + "Content-Length: 10\r\n")
                     + "01234");
         QTRY_COMPARE(server.offset(upload), QByteArray("5"));
+        QCOMPARE(server.server->visits().front().transfer->path, QByteArray("/new"));
         QCOMPARE(server.patch(upload, 5, "56789"), QByteArray("423"));
         QCOMPARE(server.ask("DELETE", upload).status(), QByteArray("423 Locked"));
         client.socket->abort();
