@@ -210,6 +210,7 @@ void talk(const FaceMaker &faces, const QByteArray &bytes)
     if (!share)
         qFatal("the share can't be opened");
     service.share = std::make_shared<const Share>(std::move(*share));
+    service.closed = service.share;
 
     auto owned = std::make_unique<ScriptedSocket>(bytes, &service.traffic);
     ScriptedSocket &socket = *owned;

@@ -54,6 +54,7 @@ WebServer::WebServer(const WebServer *other, QObject *parent)
     service.shared = other->service.shared;
     service.singleFile = other->service.singleFile;
     service.share = other->service.share;
+    service.closed = other->service.closed;
 }
 
 WebServer::~WebServer()
@@ -142,15 +143,22 @@ void WebServer::setShared(const QString &path)
 /// From now on everything is found from the open root.
 void WebServer::openShare()
 {
-    const auto links = service.profile->isStrict() ? Share::Links::Beneath : Share::Links::Followed;
-    const Directories &own = setup->directories;
-    std::optional<Share> opened =
-        Share::at(service.shared.absoluteFilePath(), { own.profiles, own.state }, links);
+    const std::shared_ptr<const Share> closed = opened(Share::Links::Beneath);
     // Locks outlive a new port.
-    if (!opened || !service.share || !opened->isSame(*service.share))
+    if (!closed || !service.closed || !closed->isSame(*service.closed))
         service.faceState.reset();
-    service.share = opened ? std::make_shared<const Share>(std::move(*opened)) : nullptr;
+    service.closed = closed;
+    service.share = service.profile->isStrict() ? closed : opened(Share::Links::Followed);
     service.files.clear();
+    service.closedFiles.clear();
+}
+
+std::shared_ptr<const Share> WebServer::opened(Share::Links links) const
+{
+    const Directories &own = setup->directories;
+    std::optional<Share> found =
+        Share::at(service.shared.absoluteFilePath(), { own.profiles, own.state }, links);
+    return found ? std::make_shared<const Share>(std::move(*found)) : nullptr;
 }
 
 /// Reads key and certificate; when they can't be used together, the status sink is told why.

@@ -95,6 +95,7 @@ Q_SIGNALS:
 private:
     bool listen(FileDescriptor opened);
     void openShare();
+    std::shared_ptr<const Share> opened(Share::Links links) const;
     void loadKeys(const Profile *profile);
     void warn(const QString &text) const;
     void accept(FileDescriptor accepted, const QHostAddress &peer, const QHostAddress &reached);

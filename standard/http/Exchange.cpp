@@ -21,7 +21,7 @@ void Exchange::begin(Request request)
 {
     current = std::move(request);
     cleaned = cleanPath(current.target.path);
-    served = m_service.share;
+    served = m_service.closed;
     visitor = {};
     answered = 0;
 }
@@ -69,7 +69,7 @@ bool Exchange::namesFolder() const
 /// What it knows is about what is served now.
 Guard *Exchange::guard() const
 {
-    return wholeOf(served) == m_service.share ? m_routes.guard.get() : nullptr;
+    return wholeOf(served) == m_service.closed ? m_routes.guard.get() : nullptr;
 }
 
 std::optional<Refusal> Exchange::refusal(const std::vector<Change> &changes) const

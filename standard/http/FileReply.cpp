@@ -26,7 +26,8 @@ void FileReply::start()
 {
     if (!share())
         return exchange.refuse(Status::NotFound);
-    std::optional<ServedFile> opened = exchange.service().files.open(*share(), exchange.path());
+    std::optional<ServedFile> opened =
+        exchange.service().closedFiles.open(*share(), exchange.path());
     const int error = opened ? 0 : errno;
     EntryFacts found;
     found.folder = error == EISDIR;

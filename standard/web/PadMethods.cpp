@@ -82,7 +82,7 @@ void PadWriting::bodyReady(const QByteArray &body)
 {
     if (QString::fromUtf8(body).toUtf8() != body)
         return exchange.refuse(Status::UnsupportedMediaType, "It is no text in UTF-8.");
-    if (exchange.share() != exchange.service().share)
+    if (exchange.share() != exchange.service().closed)
         return exchange.refuse(Status::Conflict, "Something else is shared by now.");
     // Others may have been faster.
     if (!meetsPadConditions())

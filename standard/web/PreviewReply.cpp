@@ -56,7 +56,7 @@ void PreviewReply::start()
     if (!share() || (share()->isFolder() && exchange.namesFolder()))
         return exchange.refuse(Status::NotFound);
     const std::optional<ServedFile> picture =
-        exchange.service().files.open(*share(), exchange.path());
+        exchange.service().closedFiles.open(*share(), exchange.path());
     if (!picture)
         return exchange.refuse(errno == EISDIR ? Status::NotFound : statusOf(errno));
     KeptPreviews *previews = exchange.service().setup.keptPreviews;

@@ -3,8 +3,10 @@
 #include "standard/web/Routes.h"
 #include "tests/standard/StandardTest.h"
 #include "tests/support/Data.h"
+#include "tests/support/Files.h"
 
 #include <QCryptographicHash>
+#include <QTemporaryDir>
 #include <QTest>
 
 namespace standard {
@@ -44,6 +46,7 @@ private Q_SLOTS:
     void methodsTakeTheirRights();
     void whoOnlyAddsLearnsNothing();
     void homesAreRoots();
+    void linksEndAtTheShare();
     void linksEndAtHomes();
     void pagesLearnThem();
     void accountsNeedALogin();
@@ -203,6 +206,23 @@ void TestRights::homesAreRoots()
 }
 
 /// Where the profile is not strict, those of others lead on.
+/// Whatever the profile has the classic answers do.
+void TestRights::linksEndAtTheShare()
+{
+    SharedFolders server;
+    const QTemporaryDir outside;
+    writeFile(outside.filePath(QStringLiteral("x")), "secret");
+    QVERIFY(!server.profile->isStrict());
+    QVERIFY(QFile::link(outside.path(), server.sharePath(QStringLiteral("out"))));
+    QVERIFY(QFile::link(QStringLiteral("d"), server.sharePath(QStringLiteral("in"))));
+    QCOMPARE(server.status("GET", "/in/x"), 200);
+    QCOMPARE(server.status("GET", "/out/x"), 404);
+    QCOMPARE(server.status("DELETE", "/out/x"), 404);
+    QVERIFY(server.status("PUT", "/out/new", {}, "new") >= 400);
+    QVERIFY(server.status("MOVE", "/d/x", destination("/out/new")) >= 400);
+    QCOMPARE(namesIn(outside.path()), QStringLiteral("x"));
+}
+
 void TestRights::linksEndAtHomes()
 {
     SharedFolders server;
