@@ -114,9 +114,13 @@ make_certificate() {
     mv "$new/crt" "$certificate"
 }
 
+is_authority() {
+    openssl x509 -in "$1" -noout -ext basicConstraints 2>/dev/null | grep -q CA:TRUE
+}
+
 # Whether the authority has signed it, for the key beside it; whatever else the system trusts has no say.
 is_ours() {
-    [[ -r $authority.key && -r $authority.crt ]] &&
+    [[ -r $authority.key && -r $authority.crt ]] && ! is_authority "$certificate" &&
         openssl verify -no_check_time -trusted "$authority.crt" "$certificate" &>/dev/null &&
         [[ $(openssl x509 -in "$certificate" -noout -pubkey) == "$(openssl pkey -in "$key" -passin pass: -pubout)" ]]
 }
@@ -133,6 +137,7 @@ is_current() {
 (($# >= 1)) || die "usage: make-keys.sh FOLDER [NAME [ADDRESS...]]"
 folder=$1 name=${2:-server} given=("${@:3}")
 key=$folder/$name.key certificate=$folder/$name.crt authority=$folder/authority
+[[ $name != authority ]] || die "authority.key and authority.crt are those of the authority"
 host=$(uname -n)
 [[ $host =~ ^[[:alnum:]._-]+$ ]] || host=localhost
 command -v openssl >/dev/null || die "openssl is missing"

@@ -55,7 +55,9 @@ KeyTool::~KeyTool()
 bool KeyTool::canRenew(const QString &certificate)
 {
     const QFileInfo file(certificate);
-    return file.suffix() == QLatin1String("crt")
+    const QString pair = file.path() + QLatin1Char('/') + file.completeBaseName();
+    return file.suffix() == QLatin1String("crt") && file.exists()
+        && QFileInfo::exists(pair + QLatin1String(".key"))
         && QFileInfo(file.path() + QLatin1String("/authority.key")).isReadable();
 }
 

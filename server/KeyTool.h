@@ -19,7 +19,8 @@ public:
     /// Ends a tool that is still at work; no signal follows.
     ~KeyTool() override;
 
-    /// Whether there is an authority beside `certificate` that we could have it signed by again.
+    /// Whether `certificate` and its key are there, and beside them an authority that we could have
+    /// it signed by again.
     static bool canRenew(const QString &certificate);
 
     /// Begins, and returns at once. `ended` follows.

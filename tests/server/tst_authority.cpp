@@ -97,6 +97,14 @@ void TestAuthority::renewsItsOwnAlone()
     QTRY_COMPARE_WITH_TIMEOUT(said, QString(), 20000);
     QCOMPARE(bytes("own.crt"), own);
     QVERIFY(authorityOf(file("own.crt")).isNull());
+
+    // Somebody may have chosen the authority's own as those of the server.
+    QVERIFY(!makeKeys(". authority"));
+    QVERIFY(QFile::copy(file("authority.key"), file("copy.key"))
+            && QFile::copy(file("authority.crt"), file("copy.crt")));
+    QVERIFY(makeKeys(". copy"));
+    QCOMPARE(bytes("authority.crt") + bytes("copy.crt"), authority + authority);
+    QVERIFY(QFile::remove(file("copy.key")) && !KeyTool::canRenew(file("copy.crt")));
 }
 
 /// A file of that name in the share is found by the classic face, which has no reserved names.
