@@ -261,7 +261,10 @@ bool ProfileValues::letsSomebodyChange() const
 
 bool Profile::opensHome(const QString &path) const
 {
-    if (!admitsEveryone() || (rightsOfEveryone() & changingRights) == Rights())
+    // The switches leave some changes to classic answers.
+    const bool isOpen =
+        (!statesRights() && !isStrict()) || (rightsOfEveryone() & changingRights) != Rights();
+    if (!admitsEveryone() || !isOpen)
         return false;
     const QString shared = realFolder(path);
     return !shared.isEmpty()

@@ -333,13 +333,14 @@ void TestServe::judgesWhatIsHandedOver()
 
 void TestServe::warnsOfAnOpenHome_data()
 {
-    // `path` is from the home folder, `rights` a check state
+    // `path` is from the home folder, `rights` a check state, or negative: to see and read
     columnsOf<QByteArray, int, bool>("path", "rights", "warns");
     row("the home folder", ".", 2, true);
     row("a folder above", "..", 2, true);
     row("a link to it", "res/home", 2, true);
     row("a folder in it", "res", 2, false);
-    row("only to look at", ".", 0, false);
+    row("classic answers rename files all the same", ".", 0, true);
+    row("only to look at", ".", -1, false);
 }
 
 void TestServe::warnsOfAnOpenHome()
@@ -348,7 +349,10 @@ void TestServe::warnsOfAnOpenHome()
     QFETCH(const int, rights);
     QVERIFY(QFile::link(home->path(), home->path() + QLatin1String("/res/home")));
     home->storeProfile(QStringLiteral("rights"), [rights](Profile &profile) {
-        profile.enableDelete = profile.enableUpload = rights;
+        if (rights < 0)
+            profile.everyone = Right::See | Right::Read;
+        else
+            profile.enableDelete = profile.enableUpload = rights;
     });
     QStringList arguments = serving({ QStringLiteral("--profile"), QStringLiteral("rights") });
     arguments.last() = home->path() + QLatin1Char('/') + QString::fromLatin1(path);

@@ -259,6 +259,12 @@ private Q_SLOTS:
             QVERIFY(!device.rows->isRunning()); // nor now
             device.rows->startOrStop();
         }
+        // Folders are made and files renamed then, all the same.
+        device.edit([](Profile &edited) {
+            edited.everyone.reset();
+            edited.enableUpload = edited.enableDelete = Qt::Unchecked;
+        });
+        device.rows->startOrStop();
         QVERIFY(!device.rows->isRunning());
         int asked = 0;
         StartAnswer answer = StartAnswer::No;
