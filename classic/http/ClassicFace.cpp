@@ -180,7 +180,7 @@ const char *ClassicFace::reasonToRefuse() const
         return "400 Bad Request";
     if (isMisdirected(exchange))
         return "421 Misdirected Request";
-    if (request.climbs() || request.isCrossSiteForm(channel.connection().isEncrypted())
+    if (request.climbs() || request.isCrossSiteChange(channel.connection().isEncrypted())
         || isKeptFromChanging(request, exchange))
         return Status::forbidden;
     return nullptr;

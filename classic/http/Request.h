@@ -71,10 +71,10 @@ public:
     /// Whether a page of another site made the browser send this.
     bool isCrossSite(bool encrypted) const;
 
-    /// Whether such a page made it post something, or log in; links of theirs are welcome.
-    bool isCrossSiteForm(bool encrypted) const
+    /// Whether such a page made it change something, or log in; links of theirs are welcome.
+    bool isCrossSiteChange(bool encrypted) const
     {
-        return (methodCode == Post || isLogin()) && isCrossSite(encrypted);
+        return (!onlyReads() || isLogin()) && isCrossSite(encrypted);
     }
 
     /// `destination` taken apart.
