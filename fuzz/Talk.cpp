@@ -182,6 +182,15 @@ void converse(ScriptedSocket &socket, const Face &face)
         socket.vanish();
 }
 
+/// Who logs in finds an account; the others find what is open to everyone.
+void askForLogin(Profile &profile, const QByteArray &bytes)
+{
+    if (!bytes.contains("Authorization:") && !bytes.contains("/.quillon/login"))
+        return;
+    profile.authMode = AuthBasic;
+    profile.users = QStringList{ QStringLiteral("a:1") };
+}
+
 } // namespace
 
 void talk(const FaceMaker &faces, const QByteArray &bytes)
@@ -198,6 +207,7 @@ void talk(const FaceMaker &faces, const QByteArray &bytes)
     Engine engine(seen, world.directories, nullptr, nullptr);
     const auto setup = engine.setup();
     Profile profile(world.directories);
+    askForLogin(profile, bytes);
     Service service{ *setup,
                      &profile,
                      QFileInfo(world.home.filePath(QStringLiteral("share"))),
