@@ -16,6 +16,7 @@ private Q_SLOTS:
             QSKIP("litmus is not installed");
     }
     void passes();
+    void passesWithALogin();
     void passesWithALoginOverTls();
 };
 
@@ -23,6 +24,15 @@ void LitmusTest::passes()
 {
     const StandardServer server({}, standard::withDav(standard::fileRoutes()));
     passesLitmus(QStringLiteral("http://127.0.0.1:%1/").arg(server.port()), {});
+}
+
+/// It answers the challenge by Digest.
+void LitmusTest::passesWithALogin()
+{
+    const StandardServer server({}, standard::withDav(standard::fileRoutes()));
+    server.askForLogin("a:b");
+    passesLitmus(QStringLiteral("http://127.0.0.1:%1/").arg(server.port()),
+                 { QStringLiteral("a"), QStringLiteral("b") });
 }
 
 void LitmusTest::passesWithALoginOverTls()
