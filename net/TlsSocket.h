@@ -22,6 +22,8 @@ public:
               std::shared_ptr<const TlsContext> identity, PlainAnswer answer, Poller *watcher,
               TrafficAccount *counter);
 
+    /// Nothing can be encrypted before both ends agreed.
+    bool canSend() const override { return isEstablished() && DescriptorSocket::canSend(); }
     bool isEncrypted() const override { return true; }
     bool isEstablished() const override { return stage == Stage::Established; }
 

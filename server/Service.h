@@ -73,7 +73,7 @@ struct Service
     std::shared_ptr<const Share> closed = {}; ///< the same as `share`, but no link leads out of it
     OpenFiles closedFiles = {}; ///< of `closed`
     ShareParts parts = {}; ///< of the same, for who has a home
-    std::unique_ptr<FaceState> faceState = {}; ///< about `share`; null until a face needs it
+    std::unique_ptr<FaceState> faceState = {}; ///< about `closed`; null until a face needs it
     LastName calledLast = {}; ///< by visitors themselves, not by a proxy
     ScratchPad scratchPad = {};
     LoginSessions logins = {}; ///< by the page of the standard face
