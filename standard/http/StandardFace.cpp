@@ -383,7 +383,8 @@ std::optional<FileTransfer> StandardFace::transfer() const
     if (!found)
         return {};
     const QByteArray received = isAnswering ? handler->receivedFile() : QByteArray();
-    found->path = received.isEmpty() ? exchange.request().target.path : '/' + received;
+    found->path = received.isEmpty() ? exchange.request().target.path
+                                     : '/' + seenFrom(exchange.access().home, received);
     return found;
 }
 
