@@ -91,30 +91,21 @@ export function throttled(ms, action) {
   };
 }
 
-// At most once for all that happens in one go.
-export function perTask(action) {
+function onceBy(schedule, action) {
   let isDue = false;
   return () => {
     if (isDue)
       return;
     isDue = true;
-    queueMicrotask(() => {
+    schedule(() => {
       isDue = false;
       action();
     });
   };
 }
 
+// At most once for all that happens in one go.
+export const perTask = action => onceBy(queueMicrotask, action);
+
 // At most once a frame.
-export function perFrame(action) {
-  let isDue = false;
-  return () => {
-    if (isDue)
-      return;
-    isDue = true;
-    requestAnimationFrame(() => {
-      isDue = false;
-      action();
-    });
-  };
-}
+export const perFrame = action => onceBy(requestAnimationFrame, action);
