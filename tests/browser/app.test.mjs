@@ -395,6 +395,13 @@ for (const screen of Object.keys(screens)) {
       });
     }
 
+    it('goes on with an upload when the browser repeats a request', async () => {
+      await app.open('Album/');
+      await app.page.route(/tus\/Album\/\w/, route => route.fulfill({ status: 409, headers: { 'Upload-Offset': '1' } }), { times: 1 });
+      await app.pick('Upload files', await file('repeated.bin', film));
+      await arrives('Album/repeated.bin');
+    });
+
     it('makes, renames, moves, copies and deletes', async () => {
       await app.open();
       await app.press('New folder');

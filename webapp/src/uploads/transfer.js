@@ -40,13 +40,18 @@ const wholeFiles = {
   }),
 };
 
+// A browser repeats a request whose connection broke, and the server has more of the file by then: nothing
+// that asking it anew won't settle.
+const isOutOfStep = response => response?.getStatus() === 409 && response.getHeader('Upload-Offset') !== null;
+const reasonOf = ({ originalResponse }) => (isOutOfStep(originalResponse) ? 0 : originalResponse?.getStatus() ?? 0);
+
 function sendResumable({ file, folder, name, replace, onProgress }) {
   let upload = null;
   let isStopped = false;
   const done = (async () => {
     const { Upload } = await import('tus-js-client').catch(() => { throw new DavError(libraryMissing, folder + encoded(name)); });
     await new Promise((resolve, reject) => {
-      const failed = error => reject(new DavError(error.originalResponse?.getStatus() ?? 0, folder + encoded(name)));
+      const failed = error => reject(new DavError(reasonOf(error), folder + encoded(name)));
       upload = new Upload(file, {
         endpoint: `${reserved}tus/${folder.slice(root.length)}`,
         metadata: { filename: name, mtime: String(secondsOf(file)), ...replace ? { replace: 'yes' } : {} },
