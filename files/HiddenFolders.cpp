@@ -4,25 +4,32 @@
 #include "files/Mounts.h"
 #include "files/Path.h"
 
+#include <QDir>
+
 #include <algorithm>
-#include <filesystem>
-#include <system_error>
+#include <array>
+#include <climits>
+#include <cstdlib>
 #include <utility>
 
 #include <fcntl.h>
 
-namespace fs = std::filesystem;
-
 namespace {
 
+/// `folder` without links, as far as it stands already.
 QByteArray canonicalPath(const QString &folder)
 {
-    std::error_code error;
-    const fs::path path = fs::weakly_canonical(nativePath(folder).toStdString(), error);
-    QByteArray native = error ? nativePath(folder) : QByteArray::fromStdString(path.string());
-    while (native.size() > 1 && native.endsWith('/'))
-        native.chop(1);
-    return native;
+    QByteArray standing = nativePath(QDir::cleanPath(folder));
+    QByteArray missing;
+    std::array<char, PATH_MAX> found;
+    while (!::realpath(standing.constData(), found.data())) {
+        const auto slash = standing.lastIndexOf('/');
+        if (slash <= 0)
+            return joinedPath(standing, missing);
+        missing = joinedPath(standing.mid(slash + 1), missing);
+        standing.truncate(slash);
+    }
+    return joinedPath(found.data(), missing);
 }
 
 } // namespace
