@@ -44,7 +44,8 @@ std::atomic<int> bell{ -1 }; ///< wakes the event loop
 constexpr useconds_t waitStep = 20000; ///< microseconds
 constexpr int patience = 150; ///< steps
 
-constexpr std::size_t pieceSize = std::size_t(64) * 1024; ///< requests up to that are small
+constexpr std::size_t smallSize = std::size_t(64) * 1024; ///< of a request, at most
+constexpr std::size_t pieceSize = std::size_t(256) * 1024;
 // For all that a turn of the event loop asks for before it can make room.
 constexpr std::size_t reserveSize = std::size_t(4) * 1024 * 1024;
 
@@ -81,7 +82,7 @@ bool giveOneFree(std::size_t count)
 /// without.
 template <typename Attempt> void *fromReserve(std::size_t size, Attempt attempt)
 {
-    const std::size_t count = size <= pieceSize ? pieces.size() : pieces.size() / 2;
+    const std::size_t count = size <= smallSize ? pieces.size() : pieces.size() / 2;
     void *block = nullptr;
     while (size <= count * pieceSize && !block && giveOneFree(count))
         block = attempt();
