@@ -349,6 +349,17 @@ for (const screen of Object.keys(screens)) {
       });
     }
 
+    it('goes on with small files of which one is cancelled', async () => {
+      await app.open();
+      await app.page.route('**/.quillon/bundle/**', () => {}, { times: 1 });
+      await app.pick('Upload files', await Promise.all(['left.txt', 'wanted.txt', 'also.txt'].map(name => file(name, name))));
+      await app.page.locator('.upload', { hasText: 'left' }).getByRole('button', { name: app.say('Cancel') }).click();
+      await arrives('wanted.txt');
+      await arrives('also.txt');
+      assert.equal(await app.page.getByText(app.say('Connection lost, trying again')).count(), 0);
+      assert.ok(!existsSync(inShare('left.txt')));
+    });
+
     it('adds folders as they are, by choice and by drop', async () => {
       await mkdir(join(outside, 'Trip/day one'), { recursive: true });
       await file('Trip/day one/a.txt', 'a');

@@ -280,9 +280,12 @@ export class Queue extends EventTarget {
     this.#advance();
   }
 
+  // Those that went with it have lost nothing but their request.
   cancel(item) {
     clearTimeout(item.timer);
     item.state = 'cancelled';
+    for (const other of this.items.filter(each => item.bundle && each.bundle === item.bundle && each.state === 'running'))
+      other.state = 'waiting';
     item.job?.stop(true);
     this.#advance();
   }
