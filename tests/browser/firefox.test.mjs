@@ -50,6 +50,7 @@ describe('the application in Firefox', { skip, timeout: 120000 }, () => {
     await entry('words.txt').click();
     await eventually('the text is not shown', () => page.evaluate(() => document.querySelector('pre')?.textContent === 'in the beginning'));
     await press('Close');
+    await eventually('it stays open', () => page.evaluate(() => !document.querySelector('pre'))); // that is a step back, too
     await page.goBack();
     await entry('Album').wait();
   });
