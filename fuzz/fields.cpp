@@ -1,8 +1,8 @@
 #include "classic/http/HeadScan.h"
 #include "classic/http/RequestTarget.h"
+#include "server/HttpDate.h"
 #include "standard/dav/LockTable.h"
 #include "standard/http/Digest.h"
-#include "standard/http/HttpDate.h"
 #include "standard/http/Ranges.h"
 #include "standard/http/Request.h"
 #include "standard/http/Uri.h"
@@ -33,7 +33,7 @@ constexpr std::array<Reader, 10> readers{
     [](const QByteArray &bytes) { standard::parseTarget(bytes); },
     [](const QByteArray &bytes) { standard::rangesOf(bytes, 1000); },
     [](const QByteArray &bytes) { standard::DigestCredentials::parse(bytes); },
-    [](const QByteArray &bytes) { standard::parseHttpDate(bytes); },
+    [](const QByteArray &bytes) { parseHttpDate(bytes); },
     [](const QByteArray &bytes) { standard::lockTimeout(bytes); },
     readMetadata,
     [](const QByteArray &bytes) { standard::UploadChecksum::parse(bytes); },

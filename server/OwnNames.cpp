@@ -4,7 +4,6 @@
 #include "net/Socket.h"
 #include "server/PeerAddress.h"
 
-#include <QHostAddress>
 #include <QSysInfo>
 #include <QUrl>
 
@@ -23,11 +22,16 @@ Authority Authority::of(const QByteArray &text, int usualPort)
     return { url.host(QUrl::FullyEncoded), url.port(usualPort) };
 }
 
-bool isOwnHost(const QString &host, const Socket &connection)
+Reached Reached::by(const Socket &connection)
 {
-    QHostAddress address;
-    if (address.setAddress(host))
-        return address == connection.localAddress() || isOwnAddress(address);
+    return { connection.localAddress(), connection.localPort() };
+}
+
+bool isOwnHost(const QString &host, const QHostAddress &address)
+{
+    QHostAddress called;
+    if (called.setAddress(host))
+        return called == address || isOwnAddress(called);
     const QString machine = QSysInfo::machineHostName().toLower();
     const QString shortName = machine.section(QLatin1Char('.'), 0, 0);
     return host == QLatin1String(localName)
@@ -36,15 +40,14 @@ bool isOwnHost(const QString &host, const Socket &connection)
                 || host == shortName + QLatin1String(multicastDomain)));
 }
 
-bool isMeantForUs(const QByteArray &called, bool saidByProxy, const Socket &connection,
+bool isMeantForUs(const QByteArray &called, bool saidByProxy, const Reached &reached,
                   const ProfileValues &profile)
 {
-    const int port = connection.localPort();
     // Some programs leave the port out.
-    const Authority meant = Authority::of(called, port);
+    const Authority meant = Authority::of(called, reached.port);
     if (profile.names.contains(meant.host))
         return true;
-    return (saidByProxy || meant.port == port) && isOwnHost(meant.host, connection);
+    return (saidByProxy || meant.port == reached.port) && isOwnHost(meant.host, reached.address);
 }
 
 void LastName::keep(const QByteArray &called)

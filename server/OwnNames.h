@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QHostAddress>
 #include <QString>
 
 #include <chrono>
@@ -18,14 +19,23 @@ struct Authority
     int port = 0;
 };
 
-/// Whether the machine that `connection` reached has this name or address.
-bool isOwnHost(const QString &host, const Socket &connection);
+/// Where a connection reached this machine.
+struct Reached
+{
+    static Reached by(const Socket &connection);
+
+    QHostAddress address;
+    int port = 0;
+};
+
+/// Whether the machine that was reached at `address` has this name or address.
+bool isOwnHost(const QString &host, const QHostAddress &address);
 
 /// Whether `called`, what a visitor calls this server, is a name of the machine or the profile, or
 /// an address of the machine. A browser that was led here by another name is about to be tricked:
 /// the page that has this name could read whatever the browser gets. Ports count unless a trusted
 /// proxy said the name, or the profile has it.
-bool isMeantForUs(const QByteArray &called, bool saidByProxy, const Socket &connection,
+bool isMeantForUs(const QByteArray &called, bool saidByProxy, const Reached &reached,
                   const ProfileValues &profile);
 
 /// What visitors called a server last and was meant for it. To find that out takes longer than to

@@ -2,6 +2,8 @@
 
 #include "config/Profile.h"
 #include "server/Authority.h"
+#include "server/OwnNames.h"
+#include "server/UsualLines.h"
 
 #include <QList>
 
@@ -39,13 +41,20 @@ bool isTarget(const QByteArray &text)
 
 QByteArray reply(const QByteArray &head, const QByteArray &body)
 {
-    return "HTTP/1.1 " + head + "\r\nContent-Length: " + QByteArray::number(body.size())
-        + "\r\nConnection: close\r\n\r\n" + body;
+    return "HTTP/1.1 " + head + "\r\n" + usualLines() + "Content-Length: "
+        + QByteArray::number(body.size()) + "\r\nConnection: close\r\n\r\n" + body;
+}
+
+/// Whether it calls this server by a name of somebody else's, which counts when the profile is
+/// strict. One without a name is no browser's.
+bool isMisdirected(const QByteArray &host, const Reached &reached, const Profile &profile)
+{
+    return profile.isStrict() && !host.isEmpty() && !isMeantForUs(host, false, reached, profile);
 }
 
 } // namespace
 
-QByteArray answerToPlain(const QByteArray &head, const Profile &profile)
+QByteArray answerToPlain(const QByteArray &head, const Reached &reached, const Profile &profile)
 {
     const QList<QByteArray> lines = head.split('\n');
     const QList<QByteArray> first = lines.constFirst().trimmed().split(' ');
@@ -54,13 +63,20 @@ QByteArray answerToPlain(const QByteArray &head, const Profile &profile)
     if (!isKnown)
         return {};
     const QByteArray languages = fieldOf(lines.mid(1), "accept-language");
-    if (const auto found = authorityReply(first[1].mid(1), profile, languages)) {
-        return reply("200 OK\r\nContent-Type: " + found->contentType + "\r\nContent-Disposition: "
-                         + found->disposition + "\r\nX-Content-Type-Options: nosniff",
-                     first[0] == "GET" ? found->body : QByteArray());
-    }
+    const auto found = authorityReply(first[1].mid(1), profile, languages);
+    if (!found && profile.faceMode == FaceClassic)
+        return {};
     const QByteArray host = fieldOf(lines.mid(1), "host");
-    if (profile.faceMode == FaceClassic || !isAuthority(host))
+    if (isMisdirected(host, reached, profile))
+        return reply("421 Misdirected Request", {});
+    if (found) {
+        const QByteArray whole =
+            reply("200 OK\r\nContent-Type: " + found->contentType + "\r\nContent-Disposition: "
+                      + found->disposition + "\r\nX-Content-Type-Options: nosniff",
+                  found->body);
+        return first[0] == "GET" ? whole : whole.chopped(found->body.size());
+    }
+    if (!isAuthority(host))
         return {};
     // Not for good: encryption may be switched off again.
     return reply("307 Temporary Redirect\r\nLocation: https://" + host + first[1], {});

@@ -213,17 +213,21 @@ void WebServer::accept(FileDescriptor accepted, const QHostAddress &peer,
         : setup->peers->admit(peer, reached);
     if (!place.isValid())
         return;
-    connections.add(makeSocket(std::move(accepted), peer), std::move(place), service);
+    connections.add(makeSocket(std::move(accepted), peer, reached), std::move(place), service);
 }
 
-std::unique_ptr<Socket> WebServer::makeSocket(FileDescriptor accepted, const QHostAddress &peer)
+std::unique_ptr<Socket> WebServer::makeSocket(FileDescriptor accepted, const QHostAddress &peer,
+                                              const QHostAddress &reached)
 {
     TrafficAccount *account = &service.traffic;
-    if (identity)
-        return std::make_unique<TlsSocket>(
-            std::move(accepted), peer, identity->context,
-            [this](const QByteArray &head) { return answerToPlain(head, *service.profile); },
-            setup->poller, account);
+    if (identity) {
+        const auto answer = [this,
+                             end = Reached{ reached, listener.port() }](const QByteArray &head) {
+            return answerToPlain(head, end, *service.profile);
+        };
+        return std::make_unique<TlsSocket>(std::move(accepted), peer, identity->context, answer,
+                                           setup->poller, account);
+    }
     return std::make_unique<PlainSocket>(std::move(accepted), peer, setup->poller, account);
 }
 

@@ -99,7 +99,8 @@ private:
     void loadKeys(const Profile *profile);
     void warn(const QString &text) const;
     void accept(FileDescriptor accepted, const QHostAddress &peer, const QHostAddress &reached);
-    std::unique_ptr<Socket> makeSocket(FileDescriptor accepted, const QHostAddress &peer);
+    std::unique_ptr<Socket> makeSocket(FileDescriptor accepted, const QHostAddress &peer,
+                                       const QHostAddress &reached);
     void limitReached();
 
     QNetworkAddressEntry address;

@@ -60,7 +60,7 @@ bool isMisdirected(const Exchange &exchange)
     const QByteArray &called = exchange.request.host;
     if (!profile.isStrict() || (called.isEmpty() && !exchange.channel.request().isCut()))
         return false;
-    return !isMeantForUs(called, false, exchange.channel.connection(), profile);
+    return !isMeantForUs(called, false, Reached::by(exchange.channel.connection()), profile);
 }
 
 /// What would do the same; empty when it changes nothing.

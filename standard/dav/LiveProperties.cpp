@@ -1,9 +1,9 @@
 #include "standard/dav/LiveProperties.h"
 
 #include "files/FileDescriptor.h"
+#include "server/HttpDate.h"
 #include "standard/http/Conditions.h"
 #include "standard/http/ContentType.h"
-#include "standard/http/HttpDate.h"
 #include "standard/http/MultiStatus.h"
 
 #include <QDateTime>

@@ -1,8 +1,8 @@
 #include "standard/dav/SettableProperties.h"
 
 #include "files/Attributes.h"
+#include "server/HttpDate.h"
 #include "standard/dav/LiveProperties.h"
-#include "standard/http/HttpDate.h"
 
 #include <algorithm>
 #include <array>

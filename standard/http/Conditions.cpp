@@ -1,7 +1,7 @@
 #include "standard/http/Conditions.h"
 
 #include "files/Entry.h"
-#include "standard/http/HttpDate.h"
+#include "server/HttpDate.h"
 #include "standard/http/Request.h"
 
 #include <algorithm>

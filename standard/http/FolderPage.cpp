@@ -1,8 +1,8 @@
 #include "standard/http/FolderPage.h"
 
 #include "files/FolderListing.h"
+#include "server/HttpDate.h"
 #include "standard/http/Html.h"
-#include "standard/http/HttpDate.h"
 #include "standard/http/Uri.h"
 
 #include <algorithm>

@@ -29,8 +29,9 @@ bool isMeantForUs(const QByteArray &called, const Exchange &exchange)
     LastName &last = exchange.service().calledLast;
     if (!saidByProxy && last.is(called))
         return true;
-    const bool isMeant = ::isMeantForUs(called, saidByProxy, exchange.channel().connection(),
-                                        *exchange.service().profile);
+    const bool isMeant =
+        ::isMeantForUs(called, saidByProxy, Reached::by(exchange.channel().connection()),
+                       *exchange.service().profile);
     if (isMeant && !saidByProxy)
         last.keep(called);
     return isMeant;
@@ -39,7 +40,6 @@ bool isMeantForUs(const QByteArray &called, const Exchange &exchange)
 bool isOwnName(const QByteArray &authority, const Exchange &exchange)
 {
     const Request &request = exchange.request();
-    const Socket &connection = exchange.channel().connection();
     const int usualPort = isEncrypted(exchange) ? httpsPort : httpPort;
     const Authority meant = Authority::of(authority, usualPort);
     if (meant.host.isEmpty())
@@ -51,8 +51,9 @@ bool isOwnName(const QByteArray &authority, const Exchange &exchange)
         if (meant.host == called.host && meant.port == called.port)
             return true;
     }
+    const Reached reached = Reached::by(exchange.channel().connection());
     return exchange.service().profile->names.contains(meant.host)
-        || (meant.port == connection.localPort() && isOwnHost(meant.host, connection));
+        || (meant.port == reached.port && isOwnHost(meant.host, reached.address));
 }
 
 } // namespace standard

@@ -1,6 +1,6 @@
 #include "standard/http/Reply.h"
 
-#include "standard/http/HttpDate.h"
+#include "server/UsualLines.h"
 
 #include <algorithm>
 #include <array>
@@ -17,20 +17,6 @@ namespace standard {
 namespace {
 
 constexpr int usualHead = 512; ///< bytes
-constexpr auto product = "Server: Quillon/" QUILLON_VERSION "\r\n";
-
-/// The end of the first line and what every head has next, with the time now; made once a second.
-const QByteArray &usualLines()
-{
-    thread_local std::time_t made = 0;
-    thread_local QByteArray lines;
-    const std::time_t now = std::time(nullptr);
-    if (now != made) {
-        made = now;
-        lines = "\r\nDate: " + httpDate(now) + "\r\n" + product;
-    }
-    return lines;
-}
 
 /// What some peer may take for the end of a line.
 constexpr std::array breaks{ '\r', '\n', '\0' };
@@ -118,6 +104,7 @@ QByteArray headBlock(const ReplyHead &head)
     Block block;
     block.addLine("HTTP/1.1 ");
     block.addLines(statusText(head.status));
+    block.addLine("\r\n");
     block.addLines(usualLines());
     block.addLines(head.lines);
     block.add(head.fields);

@@ -3,7 +3,7 @@
 #include "files/Path.h"
 #include "files/Reservation.h"
 #include "files/Share.h"
-#include "standard/http/HttpDate.h"
+#include "server/HttpDate.h"
 #include "standard/http/MethodUse.h"
 #include "standard/http/MultiStatus.h"
 

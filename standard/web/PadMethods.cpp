@@ -1,7 +1,7 @@
 #include "standard/web/PadMethods.h"
 
 #include "config/Profile.h"
-#include "standard/http/HttpDate.h"
+#include "server/HttpDate.h"
 #include "standard/http/Protection.h"
 
 #include <QCryptographicHash>

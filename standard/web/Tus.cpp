@@ -3,7 +3,7 @@
 #include "files/DiskWorker.h"
 #include "files/Path.h"
 #include "files/Share.h"
-#include "standard/http/HttpDate.h"
+#include "server/HttpDate.h"
 
 #include <utility>
 

@@ -162,6 +162,17 @@ void TestAuthority::isThereUnencrypted()
     const RawReply way = get("/a?b");
     QCOMPARE(way.status().left(3), QByteArray("307"));
     QCOMPARE(way.header("Location"), QByteArray("https://localhost/a?b"));
+    QVERIFY(way.header("Date").endsWith(" GMT") && !way.header("Server").isEmpty());
+    for (const auto &[strict, host, isRefused] : { std::tuple(0, "evil.example", false),
+                                                   { 1, "localhost", false },
+                                                   { 1, "evil.example", true } }) {
+        live.profile->strict = strict;
+        for (const char *path : { "/.quillon/ca", "/a" }) {
+            const QByteArray head = "GET " + QByteArray(path) + " HTTP/1.1\r\nHost: " + host;
+            const RawReply reply = RawClient(live.port()).exchange(head + "\r\n\r\n");
+            QCOMPARE(reply.status().startsWith("421"), isRefused);
+        }
+    }
     RawClient splitting(live.port());
     splitting.send("GET /a\rX-Evil:1 HTTP/1.1\r\nHost: b\r\n\r\n");
     QCOMPARE(splitting.readToEnd(), QByteArray());

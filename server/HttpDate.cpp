@@ -1,12 +1,10 @@
-#include "standard/http/HttpDate.h"
+#include "server/HttpDate.h"
 
 #include <QList>
 
 #include <algorithm>
 #include <array>
 #include <ctime>
-
-namespace standard {
 
 namespace {
 
@@ -113,5 +111,3 @@ std::optional<qint64> parseHttpDate(const QByteArray &text)
         return {};
     return secondsOf(numberBetween(date[0], 1, 31), monthOf(date[1]), yearOf(date[2]), words[2]);
 }
-
-} // namespace standard
