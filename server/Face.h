@@ -18,6 +18,9 @@ enum class Awaits {
     Linger ///< that it stops sending what nobody reads
 };
 
+/// How much of a head, its blank line among it, is looked at to find out what it asks for.
+constexpr int maxHead = 16 * 1024; ///< bytes
+
 /// Turns the bytes of one connection into requests and answers. Made and owned by its connection,
 /// which outlives it and tells it what happens to the socket.
 class Face

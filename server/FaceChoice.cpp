@@ -7,13 +7,14 @@
 
 #include <QByteArray>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
 namespace {
 
-/// As much of a head as the classic face sees.
-constexpr int maxHead = 2048;
+constexpr int pieceSize = 2048; ///< bytes, most heads fit
+constexpr int longestMethod = 32; ///< bytes, twice as many as any has
 
 struct Faces
 {
@@ -23,22 +24,29 @@ struct Faces
 
 enum class Choice { NotYet, Classic, Standard };
 
-/// By the complete lines of a head that may go on.
-Choice choiceBy(const QByteArray &head)
+bool isMethodByte(char c)
+{
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || c == '-';
+}
+
+/// Whether a head may begin like this. Of anything else no more is waited for.
+bool mayBeHead(const QByteArray &begin)
+{
+    const auto end = std::find_if_not(begin.begin(), begin.end(), isMethodByte);
+    if (end == begin.end())
+        return begin.size() <= longestMethod;
+    return end != begin.begin() && *end == ' ';
+}
+
+/// By one line of a head, without its break.
+Choice choiceBy(const QByteArray &line)
 {
     static const QByteArray field = QByteArrayLiteral("user-agent:");
-    int start = 0;
-    for (int end = int(head.indexOf('\n')); end >= 0; end = int(head.indexOf('\n', start))) {
-        const QByteArray line = head.mid(start, end - start).trimmed();
-        start = end + 1;
-        if (line.isEmpty())
-            return Choice::Classic;
-        if (qstrnicmp(line.constData(), field.constData(), uint(field.size())) == 0) {
-            return needsStandardFace(line.mid(field.size()).trimmed()) ? Choice::Standard
-                                                                       : Choice::Classic;
-        }
-    }
-    return head.size() < maxHead ? Choice::NotYet : Choice::Classic;
+    if (line.isEmpty())
+        return Choice::Classic;
+    if (qstrnicmp(line.constData(), field.constData(), uint(field.size())) != 0)
+        return Choice::NotYet;
+    return needsStandardFace(line.mid(field.size()).trimmed()) ? Choice::Standard : Choice::Classic;
 }
 
 /// Collects the first head of a connection until it tells whose it is; from then on the face that
@@ -83,21 +91,38 @@ public:
 private:
     void collect()
     {
-        std::array<char, maxHead> piece;
+        std::array<char, pieceSize> piece;
         for (;;) {
+            const qint64 room = maxHead - head.size();
             const qint64 size =
-                connection.socket().read(piece.data(), qint64(piece.size()) - head.size());
+                connection.socket().read(piece.data(), std::min<qint64>(pieceSize, room));
             if (size == 0)
                 return;
             // Who sent half a head and no more is told so.
             if (size < 0)
                 return take(faces->classic);
             head.append(piece.data(), int(size));
-            const Choice choice = choiceBy(head);
+            const Choice choice = choose();
             if (choice != Choice::NotYet)
                 return take(choice == Choice::Standard ? faces->standard : faces->classic);
         }
     }
+
+    /// By the lines that are complete since it was asked last.
+    Choice choose()
+    {
+        if (decided == 0 && !mayBeHead(head))
+            return Choice::Classic;
+        for (int end = nextBreak(); end >= 0; end = nextBreak()) {
+            const Choice choice = choiceBy(head.mid(decided, end - decided).trimmed());
+            if (choice != Choice::NotYet)
+                return choice;
+            decided = end + 1;
+        }
+        return head.size() < maxHead ? Choice::NotYet : Choice::Classic;
+    }
+
+    int nextBreak() const { return int(head.indexOf('\n', decided)); }
 
     void take(const FaceMaker &make)
     {
@@ -109,6 +134,7 @@ private:
     Connection &connection;
     const std::shared_ptr<const Faces> faces;
     QByteArray head;
+    int decided = 0; ///< bytes of it that tell nothing
     std::unique_ptr<Face> chosen;
 };
 

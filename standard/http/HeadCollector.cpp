@@ -1,5 +1,6 @@
 #include "standard/http/HeadCollector.h"
 
+#include "server/Face.h"
 #include "standard/http/Input.h"
 #include "standard/http/Request.h"
 

@@ -56,7 +56,6 @@ struct Request
     bool isHead() const { return method == Method::Head; }
 };
 
-constexpr int maxHead = 16 * 1024; ///< bytes, with the blank line
 constexpr int maxFields = 100;
 
 /// Reads a head: its lines, each with its CR LF; the blank line may follow. Gives the status to

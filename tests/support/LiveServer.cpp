@@ -1,6 +1,7 @@
 #include "tests/support/LiveServer.h"
 
 #include "classic/http/ClassicFace.h"
+#include "server/FaceChoice.h"
 
 #include <QElapsedTimer>
 #include <QEventLoop>
@@ -9,6 +10,16 @@
 #include <QTimer>
 
 #include <utility>
+
+namespace {
+
+std::unique_ptr<Face> refusedFace(Connection & /*connection*/)
+{
+    qFatal("a stranger gets the standard face");
+    return nullptr;
+}
+
+} // namespace
 
 TestHome::TestHome()
     : realHome(qgetenv("HOME"))
@@ -65,8 +76,10 @@ void TestHome::storeProfile(const QString &name, const std::function<void(Profil
 }
 
 LiveServer::LiveServer(Routes routes, const QString &previewProgram)
-    : LiveServer(classicFaces(std::move(routes)), previewProgram)
+    : LiveServer(chosenFaces(classicFaces(std::move(routes)), refusedFace), previewProgram)
 {
+    if (qgetenv("QUILLON_TEST_MODE") == "classic")
+        profile->faceMode = FaceClassic;
 }
 
 LiveServer::LiveServer(FaceMaker faces, const QString &previewProgram)

@@ -69,7 +69,8 @@ public:
 class LiveServer
 {
 public:
-    /// `previewProgram` makes previews; none are made without.
+    /// With the classic face, by the choice for strangers; with QUILLON_TEST_MODE=classic in the
+    /// environment, by its mode. `previewProgram` makes previews; none are made without.
     explicit LiveServer(Routes routes = fileRoutes(), const QString &previewProgram = {});
 
     /// With another face.
