@@ -217,13 +217,26 @@ XmlElement XmlReader::take(int most)
         else if (reader.isCharacters()) {
             content += xmlText(reader.text().toString());
             element.text += reader.text();
-        }
+        } else
+            content += aside();
     }
     if (content.size() > most)
         return { false };
     element.xml = '<' + tag + inherited(own, tag + content);
     element.xml += content.isEmpty() ? "/>" : '>' + content + "</" + name + '>';
     return element.xml.size() > most ? XmlElement{ false } : element;
+}
+
+/// The comment or processing instruction that was just read; nothing when it was neither.
+QByteArray XmlReader::aside() const
+{
+    if (reader.isComment())
+        return "<!--" + reader.text().toUtf8() + "-->";
+    if (!reader.isProcessingInstruction())
+        return {};
+    const QByteArray data = reader.processingInstructionData().toUtf8();
+    return "<?" + reader.processingInstructionTarget().toUtf8() + (data.isEmpty() ? "" : " ") + data
+        + "?>";
 }
 
 /// Of the current element, without its brackets.

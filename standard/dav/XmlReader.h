@@ -69,6 +69,7 @@ private:
     bool push();
     bool isExcessive(const Level &level) const;
     bool fail();
+    QByteArray aside() const;
     QByteArray startTag() const;
     QByteArray inherited(const Level &own, const QByteArray &markup) const;
 

@@ -206,6 +206,7 @@ void DavPartsTest::keepsValuesWhole_data()
         "<D:p xmlns:D=\"DAV:\"><D:q kind=\"D:r\"></D:q></D:p>");
     row("own prefix hides the outer one", "<p xmlns=\"\"><D:q xmlns:D=\"urn:d\"/></p>",
         "<p xmlns=\"\" xmlns:D=\"DAV:\"><D:q xmlns:D=\"urn:d\"></D:q></p>");
+    row("what is said aside", "<p xmlns=\"u\"><!--a &amp; <b> --><?go on <c>?><?now?></p>", "");
     row("quotes in attributes", "<p xmlns=\"u\" a='\"&#10;'/>",
         "<p xmlns=\"u\" a=\"&quot;&#10;\"/>");
 }
