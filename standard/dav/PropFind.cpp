@@ -78,8 +78,7 @@ void PropFind::bodyReady(const QByteArray &body)
                                                               *exchange.service().setup.replies,
                                                               QString::fromUtf8(part) },
                                         std::move(report));
-    state = State::Making;
-    exchange.service().setup.turns->begin(this);
+    beginTurns();
 }
 
 ReplyFacts PropFind::commonFacts(const PropFindBody &asked, Depth depth) const
@@ -137,28 +136,8 @@ void PropFind::sendPiece()
         return begun ? exchange.breakOff() : exchange.refuse(statusOf(error));
     const QByteArray piece = job->takePiece();
     ahead.reset();
-    const bool isLast = job->isAtEnd();
-    Fields fields{ { "Content-Type", xmlType } };
-    if (isLast && !begun)
-        return exchange.reply(Status::MultiStatus, std::move(fields), piece);
-    if (!begun && !exchange.startBody(Status::MultiStatus, std::move(fields), std::nullopt))
-        return;
-    begun = true;
-    exchange.write(piece);
-    if (state != State::Waiting) // it ended meanwhile
-        return;
-    if (isLast)
-        return exchange.end();
-    if (!exchange.isCongested())
-        return makeAhead();
-    // For a client that takes nothing nothing is made.
-    rest();
-}
-
-void PropFind::rest()
-{
-    state = State::Resting;
-    exchange.service().setup.turns->rest(this);
+    if (send(Status::MultiStatus, { { "Content-Type", xmlType } }, piece, job->isAtEnd()))
+        makeAhead();
 }
 
 /// The next piece, while this one goes out. Where too many wait with theirs it is made in the next
@@ -166,27 +145,16 @@ void PropFind::rest()
 void PropFind::makeAhead()
 {
     ahead.emplace(*exchange.service().setup.replies, PropFindJob::pieceBytes);
-    if (!ahead->isGranted()) {
-        state = State::Making;
-        return exchange.service().setup.turns->again(this);
-    }
+    if (!ahead->isGranted())
+        return again();
     exchange.service().setup.disk->runAside(job, this, [this] { pieceMade(); });
-}
-
-void PropFind::drained()
-{
-    if (state != State::Resting)
-        return;
-    state = State::Making;
-    exchange.service().setup.turns->again(this);
 }
 
 void PropFind::stop()
 {
-    if (std::exchange(state, State::Idle) == State::Idle)
+    if (!leave())
         return;
     job->cancel();
-    exchange.service().setup.turns->leave(this);
     // Whoever took a few of many pieces leaves the most behind.
     if (begun)
         exchange.service().setup.memory->trimSoon();

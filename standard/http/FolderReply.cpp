@@ -84,8 +84,7 @@ void FolderReply::sendPage(const ListingCache::Listing &listing)
     else
         takesForms() || access.inSession ? addFormProtection(fields) : addPageProtection(fields);
     page.emplace(FolderPage::Frame{ seenFrom(access.home, exchange.path()), head, top }, listing);
-    state = State::Making;
-    exchange.service().setup.turns->begin(this);
+    beginTurns();
 }
 
 bool FolderReply::takeTurn(const Turn &turn)
@@ -101,46 +100,24 @@ bool FolderReply::takeTurn(const Turn &turn)
 void FolderReply::sendPiece()
 {
     const bool isLast = page->isAtEnd();
-    if (isLast && !begun)
-        return exchange.reply(Status::Ok, std::move(fields), std::exchange(text, {}));
-    if (!begun && !begin())
-        return;
-    exchange.write(std::exchange(text, {}));
-    if (state != State::Making) // it ended meanwhile
-        return;
-    if (isLast)
-        return exchange.end();
-    if (!exchange.isCongested())
-        return;
-    state = State::Resting;
-    exchange.service().setup.turns->rest(this);
+    if (isLast || begun || settle())
+        send(Status::Ok, std::move(fields), std::exchange(text, {}), isLast);
 }
 
-/// The head of a page that is longer than a piece.
-bool FolderReply::begin()
+/// Whether a page that is longer than a piece may go on.
+bool FolderReply::settle()
 {
-    if (!page->settle(*exchange.service().setup.replies)) {
-        exchange.refuse(Status::Unavailable, "Too many pages are on their way.",
-                        { { "Retry-After", "10" } });
-        return false;
-    }
-    begun = true;
-    return exchange.startBody(Status::Ok, std::move(fields), std::nullopt);
-}
-
-void FolderReply::drained()
-{
-    if (state != State::Resting)
-        return;
-    state = State::Making;
-    exchange.service().setup.turns->again(this);
+    if (page->settle(*exchange.service().setup.replies))
+        return true;
+    exchange.refuse(Status::Unavailable, "Too many pages are on their way.",
+                    { { "Retry-After", "10" } });
+    return false;
 }
 
 void FolderReply::stop()
 {
-    if (std::exchange(state, State::Idle) == State::Idle)
+    if (!leave())
         return;
-    exchange.service().setup.turns->leave(this);
     page.reset();
     text.clear();
 }
