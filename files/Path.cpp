@@ -4,7 +4,9 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 #include <string_view>
+#include <vector>
 
 #include <climits>
 #include <unistd.h>
@@ -43,6 +45,18 @@ QByteArray joinedPath(const QByteArray &folder, const QByteArray &rest)
 {
     const bool isJoined = folder.isEmpty() || rest.isEmpty() || folder.endsWith('/');
     return isJoined ? folder + rest : folder + '/' + rest;
+}
+
+QByteArray longestPart(const QByteArray &path,
+                       const std::function<bool(const QByteArray &part)> &holds)
+{
+    std::vector<int> ends{ 0 };
+    for (int slash = int(path.indexOf('/')); slash >= 0; slash = int(path.indexOf('/', slash + 1)))
+        ends.push_back(slash);
+    ends.push_back(int(path.size()));
+    const auto failing = std::partition_point(std::next(ends.begin()), ends.end(),
+                                              [&](int end) { return holds(path.left(end)); });
+    return path.left(*std::prev(failing));
 }
 
 QByteArray shortenedName(QByteArray name, int most)

@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <functional>
+
 /// The bytes by which the file system knows `path`.
 QByteArray nativePath(const QString &path);
 
@@ -15,6 +17,11 @@ QByteArray parentPath(const QByteArray &path);
 
 /// A path, none or more segments below another.
 QByteArray joinedPath(const QByteArray &folder, const QByteArray &rest);
+
+/// The longest begin of a path, of whole segments, that `holds`, as all shorter ones do; "" when
+/// none does. Asks only about a few.
+QByteArray longestPart(const QByteArray &path,
+                       const std::function<bool(const QByteArray &part)> &holds);
 
 /// The begin of a name, of at most so many bytes, not cut within a character of UTF-8.
 QByteArray shortenedName(QByteArray name, int most);

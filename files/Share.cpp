@@ -361,9 +361,9 @@ int Share::makeFolders(const QByteArray &path) const
     // Below it nobody could name it.
     if (clean->size() >= PATH_MAX)
         return ENAMETOOLONG;
-    QByteArray above = parentPath(*clean);
-    while (!above.isEmpty() && !openNamed(above, placeFlags | O_DIRECTORY).isOpen())
-        above = parentPath(above);
+    const QByteArray above = longestPart(parentPath(*clean), [this](const QByteArray &part) {
+        return openNamed(part, placeFlags | O_DIRECTORY).isOpen();
+    });
     const QList<QByteArray> names = clean->mid(above.isEmpty() ? 0 : above.size() + 1).split('/');
     Place next = placeNamed(joinedPath(above, names.front()));
     for (int made = 1; next.isValid(); ++made) {

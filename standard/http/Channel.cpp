@@ -108,6 +108,11 @@ void Channel::readBody(BodySink target, qint64 most)
     continueBody();
 }
 
+void Channel::goOnReading()
+{
+    socket.again();
+}
+
 void Channel::continueBody()
 {
     if (const std::optional<BodyEnd> end = body.feed())
@@ -289,6 +294,8 @@ Awaits Channel::awaits() const
         return input.buffered().isEmpty() ? Awaits::Request : Awaits::Head;
     case State::Replying:
         return socket.queued() > 0 ? Awaits::Body : Awaits::Nothing;
+    case State::ReadingBody:
+        return body.isSinkBusy() ? Awaits::Nothing : Awaits::Body;
     case State::Closing:
         return Awaits::Drain;
     case State::Lingering:

@@ -49,6 +49,9 @@ public:
     /// where it waits for that.
     void readBody(BodySink target, qint64 most);
 
+    /// The target that was busy takes more of it, in a later turn.
+    void goOnReading();
+
     /// Decides whether the connection goes on after the reply, whose head is about to be written.
     bool settlePersistence();
 

@@ -71,6 +71,9 @@ public:
     /// returns.
     void saveBody(BodySink sink);
 
+    /// The sink was busy and can take more.
+    void goOnSaving() { m_channel.goOnReading(); }
+
     // The reply: one of these, once
 
     /// The whole reply. The length is told; a body is not sent to HEAD.

@@ -58,7 +58,7 @@ std::optional<BodyEnd> RequestBody::feed()
 {
     if (reader.bytesLeft() > sinkRoom)
         return BodyEnd::TooLarge;
-    for (int i = 0; !reader.isAtEnd(); ++i) {
+    for (int i = 0; !isSinkBusy() && !reader.isAtEnd(); ++i) {
         if (i == readsInATurn) {
             socket.again();
             return {};
@@ -73,6 +73,8 @@ std::optional<BodyEnd> RequestBody::feed()
         if (!fed.isTaken)
             return BodyEnd::SinkFailed;
     }
+    if (isSinkBusy())
+        return {};
     return BodyEnd::Whole;
 }
 

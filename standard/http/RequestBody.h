@@ -20,6 +20,8 @@ struct BodySink
 {
     std::function<bool(const char *data, qint64 size)> bytes;
     std::function<bool(Pipe &pipe)> piped; ///< null for who has to see them all
+    /// Whether to wait, with the end too, until `Channel::goOnReading`. Null for who never does.
+    std::function<bool()> isBusy = {};
 };
 
 /// How reading a body ended.
@@ -48,6 +50,9 @@ public:
 
     /// Hands over what has arrived. Gives the end when it is there.
     std::optional<BodyEnd> feed();
+
+    /// Whether it is not the peer who is waited for.
+    bool isSinkBusy() const { return sink.isBusy && sink.isBusy(); }
 
     void stopFeeding() { sink = {}; }
 

@@ -13,7 +13,6 @@
 #include <array>
 #include <cerrno>
 #include <climits>
-#include <iterator>
 #include <utility>
 
 namespace standard {
@@ -173,18 +172,14 @@ QByteArray ResourceHandler::folderToAdd(const QByteArray &path) const
 }
 
 /// The longest part of a path from its begin that has something, unless that is the root that the
-/// visitor sees. By halves: each look at one of many folders takes its time.
+/// visitor sees.
 QByteArray ResourceHandler::takenPart(const QByteArray &path) const
 {
     const int home = int(exchange.access().home.size());
-    std::vector<int> ends;
-    for (int slash = int(path.indexOf('/')); slash >= 0; slash = int(path.indexOf('/', slash + 1)))
-        ends.push_back(slash);
-    ends.push_back(int(path.size()));
-    const auto missing = std::partition_point(
-        ends.begin(), ends.end(), [&](int end) { return end <= home || isTaken(path.left(end)); });
-    const int last = missing == ends.begin() ? 0 : *std::prev(missing);
-    return last > home ? path.left(last) : QByteArray();
+    const QByteArray taken = longestPart(path, [this, home](const QByteArray &part) {
+        return part.size() <= home || isTaken(part);
+    });
+    return taken.size() > home ? taken : QByteArray();
 }
 
 /// Empty when all that are tried are none.

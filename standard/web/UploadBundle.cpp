@@ -50,15 +50,44 @@ void UploadBundle::start()
         return exchange.refuse(Status::UnsupportedMediaType);
     if (!factsAt(folderToAdd(folder)).folder)
         return exchange.refuse(Status::NotFound);
-    exchange.saveBody({ [this](const char *data, qint64 size) { return take(data, size); }, {} });
+    exchange.saveBody({ [this](const char *data, qint64 size) { return take(data, size); },
+                        {},
+                        [this] { return isMakingFolder; } });
 }
 
 bool UploadBundle::take(const char *data, qint64 size)
 {
-    for (qint64 done = 0; done < size && problem == Status::Ok;)
+    qint64 done = 0;
+    while (done < size && problem == Status::Ok && !isMakingFolder)
         done +=
             left > 0 ? takeContent(data + done, size - done) : takeHead(data + done, size - done);
-    return problem == Status::Ok;
+    if (!isMakingFolder)
+        return problem == Status::Ok;
+    putOff(data + done, size - done);
+    return true;
+}
+
+/// Without memory for it the body is at its end, but not before the folder is there.
+void UploadBundle::putOff(const char *data, qint64 size)
+{
+    restMemory.emplace(*exchange.service().setup.forms, size);
+    if (restMemory->isGranted())
+        rest = QByteArray(data, int(size));
+    else
+        problem = Status::Unavailable;
+}
+
+void UploadBundle::goOn()
+{
+    isMakingFolder = false;
+    const QByteArray next = std::exchange(rest, {});
+    if (left == 0)
+        finishFile();
+    take(next.constData(), next.size());
+    if (isMakingFolder)
+        return;
+    restMemory.reset();
+    exchange.goOnSaving();
 }
 
 /// Gives how many of the bytes it took; the same for the content.
@@ -106,7 +135,7 @@ void UploadBundle::begin(const QByteArray &line)
     files.emplace_back();
     left = wanted->size;
     files.back().status = beginFile(*wanted);
-    if (left == 0)
+    if (left == 0 && !isMakingFolder)
         finishFile();
 }
 
@@ -122,13 +151,24 @@ std::optional<Status> UploadBundle::beginFile(const BundledFile &wanted)
     spot = spotAt(path, wanted.replaces);
     if (const std::optional<Status> why = whyNot(spot, wanted.size))
         return why;
-    const int error = share()->makeFolders(parentPath(spot.path));
-    if (error != 0)
-        return statusOf(diskError(error));
+    if (factsAt(parentPath(spot.path)).folder)
+        return receive(wanted.modified);
+    isMakingFolder = true;
+    makeFolder(parentPath(spot.path), [this, modified = wanted.modified](int error) {
+        files.back().status = error == 0 ? receive(modified) : statusOf(diskError(error));
+        goOn();
+    });
+    return {};
+}
+
+/// As `beginFile`, once its folder is there.
+std::optional<Status> UploadBundle::receive(std::optional<qint64> modified)
+{
+    const Spot &spot = files.back().spot;
     upload = newUpload(*exchange.service().profile);
     upload->setCareful();
-    if (wanted.modified)
-        upload->setModified(*wanted.modified);
+    if (modified)
+        upload->setModified(*modified);
     replaces = spot.replaces;
     const DiskError how = beginAt(spot.path);
     if (how == DiskError::None)

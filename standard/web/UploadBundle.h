@@ -1,5 +1,6 @@
 #pragma once
 
+#include "files/MemoryBudget.h"
 #include "standard/web/UploadTaker.h"
 
 #include <QByteArray>
@@ -54,6 +55,9 @@ private:
     qint64 takeContent(const char *data, qint64 size);
     void begin(const QByteArray &line);
     std::optional<Status> beginFile(const BundledFile &wanted);
+    std::optional<Status> receive(std::optional<qint64> modified);
+    void putOff(const char *data, qint64 size);
+    void goOn();
     std::optional<Status> whyNot(const Spot &spot, qint64 size) const;
     void finishFile();
     void giveUp(Status why);
@@ -68,6 +72,9 @@ private:
     QByteArray head; ///< of the next file, until it is whole
     qint64 left = 0; ///< bytes of the current file
     std::vector<File> files;
+    bool isMakingFolder = false; ///< for the current file; nothing is taken meanwhile
+    QByteArray rest; ///< of what came, until it can be taken
+    std::optional<MemoryBudget::Part> restMemory;
     Status problem = Status::Ok; ///< with the body
     bool isBodyOver = false;
 };

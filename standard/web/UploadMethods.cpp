@@ -40,11 +40,27 @@ void UploadCreation::start()
     const bool hasBody = exchange.request().framing.hasBody();
     if ((hasBody && !fits(record.length)) || !mayStand(wanted->path, record.replaces))
         return;
-    if (!uploads().mayBegin(peerNameOf(exchange)))
-        return refuseTus(exchange, Status::TooManyRequests, "Too many uploads are open.");
+    if (!mayBegin())
+        return;
     if (!hasRoom(existing, record.length))
         return refuseTus(exchange, Status::InsufficientStorage);
-    begin(record);
+    if (missing.empty())
+        return begin(record);
+    makeFolder(parentPath(target()), [this, record](int error) {
+        if (error != 0)
+            return refuseTus(exchange, statusOf(diskError(error)));
+        if (mayBegin()) // others may have begun theirs meanwhile
+            begin(record);
+    });
+}
+
+/// Whether no more than usual are open; else the request is refused.
+bool UploadCreation::mayBegin()
+{
+    const bool may = uploads().mayBegin(peerNameOf(exchange));
+    if (!may)
+        refuseTus(exchange, Status::TooManyRequests, "Too many uploads are open.");
+    return may;
 }
 
 std::optional<UploadCreation::Wanted> UploadCreation::readWanted(const QByteArray &folder)
@@ -83,9 +99,6 @@ std::vector<Change> UploadCreation::changes() const
 
 void UploadCreation::begin(const PartialRecord &record)
 {
-    const int error = share()->makeFolders(parentPath(target()));
-    if (error != 0)
-        return refuseTus(exchange, statusOf(diskError(error)));
     const QByteArray id = PartialUpload::newId();
     location = uploadUrl(exchange, sentTo, id);
     const Framing &framing = exchange.request().framing;

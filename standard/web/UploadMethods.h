@@ -24,6 +24,7 @@ private:
 
     std::optional<Wanted> readWanted(const QByteArray &folder);
     std::vector<Change> changes() const override;
+    bool mayBegin();
     void begin(const PartialRecord &record);
     void accept(Fields progress) override;
 

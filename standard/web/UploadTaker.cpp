@@ -1,5 +1,7 @@
 #include "standard/web/UploadTaker.h"
 
+#include "files/DiskWorker.h"
+#include "files/FolderMaking.h"
 #include "files/HiddenUploads.h"
 #include "files/Path.h"
 #include "files/Share.h"
@@ -35,9 +37,20 @@ std::vector<QByteArray> UploadTaker::missingAround(const QByteArray &path) const
 {
     std::vector<QByteArray> missing;
     QByteArray folder = parentPath(path);
-    for (; !folder.isEmpty() && !factsAt(folder).exists; folder = parentPath(folder))
+    const QByteArray standing =
+        longestPart(folder, [this](const QByteArray &part) { return factsAt(part).exists; });
+    for (; folder.size() > standing.size(); folder = parentPath(folder))
         missing.push_back(folder);
     return missing;
+}
+
+void UploadTaker::makeFolder(const QByteArray &folder, std::function<void(int error)> next)
+{
+    const auto job = std::make_shared<FolderMaking>(exchange.share(), folder);
+    disk().runAside(job, this, [this, job, next = std::move(next)] {
+        if (!isOver())
+            next(job->error());
+    });
 }
 
 bool UploadTaker::hasRoom(const QByteArray &folder, qint64 bytes) const

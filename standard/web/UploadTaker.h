@@ -6,6 +6,7 @@
 #include <QByteArray>
 #include <QtGlobal>
 
+#include <functional>
 #include <vector>
 
 namespace standard {
@@ -37,6 +38,11 @@ protected:
 
     /// The folders around a path that are not there, the inner ones first.
     std::vector<QByteArray> missingAround(const QByteArray &path) const;
+
+    /// Makes a folder and those above it that are missing, which are too many for one turn of the
+    /// loop when there are many files. `next` is told how it ended, as by `Share::makeFolders`,
+    /// unless nobody waits any more.
+    void makeFolder(const QByteArray &folder, std::function<void(int error)> next);
 
     /// Whether the disk of `folder`, which is there, holds so much beside what others were
     /// promised.

@@ -53,6 +53,7 @@ private Q_SLOTS:
     void refuses_data();
     void refuses();
     void keepsWhatWasWhole();
+    void othersAreServedMeanwhile();
     void rightsAndLocksCount();
     void fullDisk();
 };
@@ -161,6 +162,26 @@ void TestBundles::keepsWhatWasWhole()
     }
     QTRY_VERIFY(server.send(bundled("b", "again", "T")).body != told("423"));
     QCOMPARE(server.fileContent(QStringLiteral("b")), QByteArray("again"));
+}
+
+/// Thousands of folders take the disk a while.
+void TestBundles::othersAreServedMeanwhile()
+{
+    const BundleServer server;
+    QByteArray body;
+    QByteArray last;
+    for (std::size_t i = 0; i < UploadBundle::mostFiles; ++i) {
+        last = QByteArray::number(int(i)) + '/' + QByteArray("d/").repeated(60) + 'f';
+        body += bundled(last, QByteArray(int(i % 2), 'x'));
+    }
+    RawClient sender(server.port());
+    sender.send(rawRequest("POST", "/.quillon/bundle", bundleType + "Connection: close\r\n", body));
+    QCOMPARE(server.status("GET", "/old"), 200);
+    QVERIFY(!QFileInfo::exists(server.sharePath(QString::fromUtf8(last))));
+    const RawReply reply = sender.reply();
+    QCOMPARE(reply.status(), QByteArray("200 OK"));
+    QCOMPARE(reply.body.count("201"), int(UploadBundle::mostFiles));
+    QCOMPARE(server.fileContent(QString::fromUtf8(last)), QByteArray("x"));
 }
 
 void TestBundles::rightsAndLocksCount()
