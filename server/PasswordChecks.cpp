@@ -49,8 +49,7 @@ QByteArray PasswordChecks::hashFor(const Profile &profile, const QByteArray &use
     return own.isEmpty() && profile.hashesPasswords() ? hashOfNobody() : own;
 }
 
-/// A changed password has another hash, and so another fingerprint.
-QByteArray PasswordChecks::fingerprint(const QByteArray &password, const QByteArray &hash) const
+QByteArray PasswordChecks::proof(const QByteArray &password, const QByteArray &hash) const
 {
     return QMessageAuthenticationCode::hash(hash + '\n' + password, key,
                                             QCryptographicHash::Sha256);
@@ -59,7 +58,7 @@ QByteArray PasswordChecks::fingerprint(const QByteArray &password, const QByteAr
 bool PasswordChecks::remembers(const QByteArray &password, const QByteArray &hash,
                                Clock::time_point now)
 {
-    const auto found = remembered.find(fingerprint(password, hash));
+    const auto found = remembered.find(proof(password, hash));
     if (found == remembered.end() || *found < now)
         return false;
     *found = now + memory;
@@ -102,7 +101,7 @@ void PasswordChecks::finish(const Waiting &checked)
 {
     const std::optional<bool> fits = checked.job->fits;
     if (fits == true)
-        remember(fingerprint(checked.job->password, checked.job->hash));
+        remember(proof(checked.job->password, checked.job->hash));
     next();
     if (!checked.context)
         return;

@@ -41,6 +41,10 @@ public:
     /// unknown user, among those who have hashes, gets one too: the time tells nobody who exists.
     static QByteArray hashFor(const Profile &profile, const QByteArray &user);
 
+    /// What a connection keeps of a password that fitted its hash, to know it again: of use to this
+    /// object alone, and another one once the hash has changed. Never empty.
+    QByteArray proof(const QByteArray &password, const QByteArray &hash) const;
+
     /// Whether the two are known to fit, at `now`.
     bool remembers(const QByteArray &password, const QByteArray &hash,
                    Clock::time_point now = Clock::now());
@@ -57,13 +61,12 @@ private:
         Done done;
     };
 
-    QByteArray fingerprint(const QByteArray &password, const QByteArray &hash) const;
     void remember(const QByteArray &found);
     void next();
     void finish(const Waiting &checked);
 
     DiskWorker &disk;
-    QByteArray key; ///< of the fingerprints: they are of no use elsewhere
+    QByteArray key; ///< of the proofs: they are of no use elsewhere
     QHash<QByteArray, Clock::time_point> remembered; ///< until when
     std::deque<Waiting> waiting;
     bool busy = false;

@@ -53,7 +53,7 @@ void Admission::look()
     const std::optional<Claim> claimed = claim();
     if (!claimed)
         return turnAway();
-    if (exchange.service.setup.passwords->remembers(claimed->password, claimed->hash))
+    if (remembers(*claimed))
         return letInBy(*claimed);
     check(*claimed);
 }
@@ -87,6 +87,14 @@ std::optional<Admission::Claim> Admission::claim() const
     return claimed.hash.isEmpty() ? std::nullopt : std::optional(claimed);
 }
 
+/// For a minute, and for as long as the connection lasts.
+bool Admission::remembers(const Claim &claimed) const
+{
+    PasswordChecks &passwords = *exchange.service.setup.passwords;
+    return proven == passwords.proof(claimed.password, claimed.hash)
+        || passwords.remembers(claimed.password, claimed.hash);
+}
+
 void Admission::check(const Claim &claimed)
 {
     using Answer = PasswordChecks::Verdict;
@@ -105,6 +113,7 @@ void Admission::check(const Claim &claimed)
 /// The password was found to fit its hash, which takes its place in the session.
 void Admission::letInBy(const Claim &proved)
 {
+    proven = exchange.service.setup.passwords->proof(proved.password, proved.hash);
     if (exchange.service.profile->authMode == AuthPasswordPage)
         exchange.session()->logIn(QString::fromLatin1(proved.hash),
                                   exchange.channel.connection().peerAddress());

@@ -45,6 +45,7 @@ private:
     };
 
     std::optional<QByteArray> triedAccount() const;
+    bool remembers(const Claim &claimed) const;
     bool isAdmitted();
     bool passwordFits();
     bool isAccount() const;
@@ -57,5 +58,6 @@ private:
     Exchange &exchange;
     const std::function<void(Verdict)> tell;
     LoginGate gate;
+    QByteArray proven; ///< of the password that fitted last
     std::unique_ptr<QObject> checking; ///< while nobody knows whether the password fits
 };

@@ -88,7 +88,7 @@ std::optional<QByteArray> Authenticator::triedAccount(const Request &request,
 }
 
 Authenticator::Result Authenticator::check(const Request &request, const Profile &profile,
-                                           PasswordChecks &passwords)
+                                           PasswordChecks &passwords, const QByteArray &proven)
 {
     if (profile.admitsEveryone())
         return { Outcome::Admitted };
@@ -96,13 +96,13 @@ Authenticator::Result Authenticator::check(const Request &request, const Profile
     if (!isBasic(value))
         return checkDigest(request, profile);
     const QByteArray text = basicText(value);
-    const Result found = check(loginOf(text), profile, passwords);
+    const Result found = check(loginOf(text), profile, passwords, proven);
     // Without a colon it is no login, whatever the password is.
     return text.contains(':') ? found : Result{ Outcome::Refused };
 }
 
 Authenticator::Result Authenticator::check(const Login &given, const Profile &profile,
-                                           PasswordChecks &passwords)
+                                           PasswordChecks &passwords, const QByteArray &proven)
 {
     bool known = false;
     for (const Login &login : knownLogins(profile, given.user)) {
@@ -114,9 +114,10 @@ Authenticator::Result Authenticator::check(const Login &given, const Profile &pr
     const QByteArray hash = PasswordChecks::hashFor(profile, given.user);
     if (hash.isEmpty())
         return { Outcome::Refused };
-    if (passwords.remembers(given.password, hash))
-        return { Outcome::Admitted, given.user };
-    return { Outcome::Undecided, given.user, given.password, hash };
+    const QByteArray proof = passwords.proof(given.password, hash);
+    if (proof == proven || passwords.remembers(given.password, hash))
+        return { Outcome::Admitted, given.user, {}, {}, proof };
+    return { Outcome::Undecided, given.user, given.password, hash, proof };
 }
 
 Authenticator::Result Authenticator::checkDigest(const Request &request, const Profile &profile)

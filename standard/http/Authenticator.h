@@ -43,6 +43,7 @@ public:
         QByteArray user = {}; ///< empty without a login
         QByteArray password = {}; ///< while it is undecided, and the hash that it may fit
         QByteArray hash = {};
+        QByteArray proof = {}; ///< of it, see `PasswordChecks`; empty where nothing is kept
     };
 
     Authenticator() { clock.start(); }
@@ -50,11 +51,14 @@ public:
     /// Whose password the request brings, if `profile` asks for one; empty where any name will do.
     static std::optional<QByteArray> triedAccount(const Request &request, const Profile &profile);
 
-    /// Whether `profile` lets the request in.
-    Result check(const Request &request, const Profile &profile, PasswordChecks &passwords);
+    /// Whether `profile` lets the request in. `proven` is the proof of the password that its
+    /// connection brought last, if any.
+    Result check(const Request &request, const Profile &profile, PasswordChecks &passwords,
+                 const QByteArray &proven);
 
     /// Whether the profile, which asks for logins, knows this one.
-    static Result check(const Login &given, const Profile &profile, PasswordChecks &passwords);
+    static Result check(const Login &given, const Profile &profile, PasswordChecks &passwords,
+                        const QByteArray &proven = {});
 
     /// The fields of a 401. Digest comes first: over a connection that isn't encrypted one of the
     /// desktop systems speaks nothing else. Where every password is hashed there is none.

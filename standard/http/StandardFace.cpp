@@ -186,7 +186,7 @@ void StandardFace::logIn()
             { { "Retry-After", QByteArray::number(qint64(gate.timeLeft().count())) } });
     }
     const Authenticator::Result login =
-        common->authenticator.check(request, *service.profile, *service.setup.passwords);
+        common->authenticator.check(request, *service.profile, *service.setup.passwords, proven);
     if (login.outcome == Authenticator::Outcome::Undecided)
         return checkPassword(login);
     if (account && login.outcome != Authenticator::Outcome::Stale)
@@ -211,13 +211,18 @@ bool StandardFace::goesOnInSession()
 void StandardFace::checkPassword(const Authenticator::Result &login)
 {
     checking = std::make_unique<QObject>();
-    const auto told = [this, user = login.user](PasswordChecks::Verdict verdict) {
+    const auto told = [this, user = login.user,
+                       proof = login.proof](PasswordChecks::Verdict verdict) {
         checking.reset();
         if (verdict == PasswordChecks::Verdict::Busy)
             return exchange.refuse(Status::Unavailable, {}, { { "Retry-After", "5" } });
         const bool fits = verdict == PasswordChecks::Verdict::Fits;
         gate.tell(fits);
-        decide({ fits ? Authenticator::Outcome::Admitted : Authenticator::Outcome::Refused, user });
+        decide({ fits ? Authenticator::Outcome::Admitted : Authenticator::Outcome::Refused,
+                 user,
+                 {},
+                 {},
+                 proof });
     };
     exchange.service().setup.passwords->check(login.password, login.hash, checking.get(), told);
 }
@@ -227,6 +232,7 @@ void StandardFace::decide(const Authenticator::Result &login)
     const Profile &profile = *exchange.service().profile;
     if (login.outcome != Authenticator::Outcome::Admitted)
         return refuseLogin(login.outcome);
+    proven = login.proof;
     exchange.setAccess(Access::of(profile, login.user));
     dispatch();
 }

@@ -70,6 +70,7 @@ private:
     Exchange exchange;
     LoginGate gate;
     std::unique_ptr<const LoginSessions::Use> session; ///< of the request; null without one
+    QByteArray proven; ///< of the password that the connection brought last
     bool isAtDoor = false; ///< the request waits to be let in
     bool isAnswering = false; ///< the handler has not ended
     std::unique_ptr<QObject> checking; ///< while nobody knows whether the password fits

@@ -1,6 +1,7 @@
 #include "files/DiskWorker.h"
 #include "server/PasswordChecks.h"
 #include "server/PasswordHash.h"
+#include "standard/http/Authenticator.h"
 #include "standard/http/Nonces.h"
 #include "tests/standard/StandardTest.h"
 #include "tests/support/Data.h"
@@ -197,6 +198,15 @@ void TestLogin::hashesAreCheckedInTurn()
     QVERIFY(checks.remembers("right", hash, later + PasswordChecks::memory));
     QVERIFY(!checks.remembers("right", hash, later + 3 * PasswordChecks::memory));
     QVERIFY(!checks.remembers("right", newPasswordHash("right")));
+    // A connection knows it for as long as it is the one of the account.
+    const StandardServer server;
+    const auto again = [&](const QByteArray &current) {
+        server.askForLogin("a:" + current);
+        const QByteArray proven = checks.proof("later", hash);
+        return Authenticator::check({ "a", "later" }, *server.profile, checks, proven).outcome;
+    };
+    QVERIFY(again(hash) == Authenticator::Outcome::Admitted);
+    QVERIFY(again(newPasswordHash("later")) == Authenticator::Outcome::Undecided);
 
 #ifndef __SANITIZE_ADDRESS__ // which ends a program that gets no memory
     // Without memory it isn't wrong.
