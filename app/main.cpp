@@ -107,6 +107,10 @@ int main(int argc, char **argv)
     if (first.handOver(line.request))
         return Done;
     const WorkingFolder workingFolder(directories.cache);
+    // Copies of visitors would end up in the folder that the program was started in.
+    if (!workingFolder.isEntered())
+        return fail(MainWindow::tr("Can't make the folder") + QLatin1Char('\n')
+                    + directories.cache);
 
     Profiles profiles(directories);
     profiles.beginRun();
@@ -119,8 +123,6 @@ int main(int argc, char **argv)
                       startAnnouncing);
     if (!hasFolder)
         events.msg(MainWindow::tr("Can't make the folder"), directories.profiles);
-    if (!workingFolder.isEntered())
-        events.msg(MainWindow::tr("Can't make the folder"), directories.cache);
     QObject::connect(&first, &FirstInstance::called, &window, &MainWindow::call);
     endWithTheSession(&app, &window);
     window.call(line.request);
