@@ -10,6 +10,15 @@ namespace {
 constexpr auto loginPage = "login.html";
 constexpr auto challenge = "WWW-Authenticate: Basic realm=\"Private Area\"\r\n";
 
+/// The page needs nothing and is nobody's part.
+constexpr auto pageProtection =
+    "X-Content-Type-Options: nosniff\r\n"
+    "Content-Security-Policy: default-src 'none'; base-uri 'none'; frame-ancestors 'none'; "
+    "form-action 'none'\r\n"
+    "Referrer-Policy: no-referrer\r\n"
+    "Cross-Origin-Opener-Policy: same-origin\r\n"
+    "Cross-Origin-Resource-Policy: same-origin\r\n";
+
 QByteArray pathOf(const Request &request)
 {
     return request.path.mid(1).toUtf8();
@@ -44,7 +53,8 @@ void AuthorityFile::reply()
     if (!found)
         return sendHeader(Status::notFound, 0);
     setContentType(found->contentType);
-    sendBody(Status::ok, found->body, "Content-Disposition: " + found->disposition + "\r\n");
+    sendBody(Status::ok, found->body,
+             "Content-Disposition: " + found->disposition + "\r\n" + pageProtection);
 }
 
 LoginPage::LoginPage(Exchange &current)

@@ -126,7 +126,10 @@ void TestAuthority::isThereForEveryone()
         QCOMPARE(reply.body, bytes("authority.crt"));
         QCOMPARE(reply.header("Content-Type"), QByteArray("application/x-x509-ca-cert"));
         const QString print = fingerprintRows(authorityOf(file("server.crt"))).constFirst();
-        QVERIFY(get("/.quillon/authority", agent).body.contains(print.toLatin1()));
+        const RawReply page = get("/.quillon/authority", agent);
+        QVERIFY(page.body.contains(print.toLatin1()));
+        QVERIFY(page.header("Content-Security-Policy").contains("frame-ancestors 'none'"));
+        QCOMPARE(page.header("Cross-Origin-Resource-Policy"), QByteArray("same-origin"));
         QVERIFY(get("/.quillon/authority/a", agent).status() != "200 OK");
         QCOMPARE(get("/a", agent).status().left(3), QByteArray("401"));
     }
