@@ -44,11 +44,14 @@ class TestRights : public QObject
 private Q_SLOTS:
     void methodsTakeTheirRights_data();
     void methodsTakeTheirRights();
+    void uploadsTakeTheRightToPut();
+    void undoTakesTheRightToDelete();
     void whoOnlyAddsLearnsNothing();
     void homesAreRoots();
     void linksEndAtTheShare();
     void linksEndAtHomes();
     void pagesLearnThem();
+    void ownPagesAreProtected();
     void accountsNeedALogin();
 };
 
@@ -119,6 +122,46 @@ void TestRights::methodsTakeTheirRights()
     QVERIFY(!QFile::exists(server.sharePath(QStringLiteral("c"))));
     server.profile->everyone = needed;
     QTEST(server.status(method, target, headers, body), "status");
+}
+
+/// Each request to go on with one, also when that was begun by who still might.
+void TestRights::uploadsTakeTheRightToPut()
+{
+    SharedFolders server;
+    const QByteArray more = QByteArray("Tus-Resumable: 1.0.0\r\nUpload-Offset: 0\r\n")
+        + "Content-Type: application/offset+octet-stream\r\n";
+    const auto begun = [&server] {
+        return replyTo(server, "POST", "/.quillon/tus", uploadHeaders).header("Location");
+    };
+    const auto statuses = [&](const QByteArray &upload, const char *rights) {
+        server.profile->everyone = *rightsNamed(rights);
+        QByteArray told;
+        for (const auto &[method, body] :
+             { std::pair("HEAD", ""), { "PATCH", "C" }, { "DELETE", "" } })
+            told += QByteArray::number(server.status(method, upload, more, body)) + ' ';
+        server.profile->everyone = *rightsNamed("all");
+        return told;
+    };
+    const QByteArray upload = begun();
+    QCOMPARE(statuses(upload, "see, read, delete"), QByteArray("403 403 403 "));
+    // A file of its own is new.
+    QCOMPARE(statuses(upload, "change"), QByteArray("200 403 204 "));
+    QVERIFY(!QFile::exists(server.sharePath(QStringLiteral("c"))));
+    QCOMPARE(statuses(begun(), "add"), QByteArray("200 204 404 "));
+    QCOMPARE(server.fileContent(QStringLiteral("c")), QByteArray("C"));
+}
+
+void TestRights::undoTakesTheRightToDelete()
+{
+    SharedFolders server;
+    const QByteArray place =
+        replyTo(server, "DELETE", "/a", "Quillon-Undo: ?1\r\n").header("Location");
+    server.profile->everyone = *rightsNamed("see, read, add, change");
+    QCOMPARE(server.status("POST", place), 403);
+    QVERIFY(!QFile::exists(server.sharePath(QStringLiteral("a"))));
+    server.profile->everyone = Rights(Right::Delete);
+    QCOMPARE(server.status("POST", place), 204);
+    QCOMPARE(server.fileContent(QStringLiteral("a")), QByteArray("a"));
 }
 
 void TestRights::whoOnlyAddsLearnsNothing()
@@ -263,6 +306,38 @@ void TestRights::pagesLearnThem()
     QCOMPARE(told(""), mine + R"("/.quillon/tus"})");
     QVERIFY(told("?path=/.quillon/tus").contains(R"("add":false)"));
     QCOMPARE(server.status("GET", "/.quillon/visitor"), 401);
+}
+
+/// What this server says itself: nobody frames it, nor does it load or tell anything elsewhere.
+void TestRights::ownPagesAreProtected()
+{
+    SharedFolders server;
+    const auto isProtected = [&server](const char *target, const char *status) {
+        const RawReply page = replyTo(server, "GET", target, "Accept: text/html\r\n");
+        const QByteArray policy = page.header("Content-Security-Policy");
+        return page.status().left(3) == status && policy.startsWith("default-src '")
+            && policy.contains("frame-ancestors 'none'")
+            && page.header("X-Content-Type-Options") == "nosniff"
+            && page.header("Cross-Origin-Opener-Policy") == "same-origin"
+            && page.header("Cross-Origin-Resource-Policy") == "same-origin"
+            && !page.header("Referrer-Policy").isEmpty();
+    };
+    for (const auto &[target, status] : { std::pair("/", "200"),
+                                          { "/d", "308" },
+                                          { "/missing", "404" },
+                                          { "/%00", "400" },
+                                          { "/.quillon/visitor", "200" },
+                                          { "/.quillon/app/none", "404" },
+                                          { "/.quillon/authority", "404" },
+
+                                          { "/a?preview=1", "400" } })
+        QVERIFY2(isProtected(target, status), target);
+    server.profile->everyone = Rights(Right::Add);
+    for (const auto &[target, status] : { std::pair("/d/", "200"), { "/a", "403" } })
+        QVERIFY2(isProtected(target, status), target);
+    server.askForLogin("a:1");
+    for (const auto &[target, status] : { std::pair("/.quillon/login", "200"), { "/a", "401" } })
+        QVERIFY2(isProtected(target, status), target);
 }
 
 void TestRights::accountsNeedALogin()
