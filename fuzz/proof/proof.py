@@ -30,6 +30,7 @@ TIMES = 0  # rounds; 0: as many as take seconds
 MANY = 2_000_000_000  # more calls than there are
 KINDS = ["write", "sync", "rename", "link", "openat2", "accept4"]  # as the library has it
 MEMORY = len(KINDS) + 1  # the kind behind them, with a proof of its own
+PROFILE, SUM = "Global.conf", "Global.conf.sum"
 PATIENCE = 10  # seconds for an answer
 DAYS = 2 * 24 * 3600  # seconds: what is left behind then has grown old
 KNOWN = {"User-Agent": "gvfs/1"}  # the standard face's
@@ -99,6 +100,7 @@ class Proof(unittest.TestCase):
         self.server.terminate()
         said = self.server.communicate(timeout=PATIENCE)[1]
         self.assertEqual(self.server.returncode, 0, said)
+        return said
 
     def request(self, method, target, headers, body=None):
         """The status, 0 when there is none; the reply's fields and body."""
@@ -209,6 +211,32 @@ class Faults(Proof):
             if not failed:
                 return number - 1
 
+    def profile(self):
+        """Every file beside it too, but for the marks of who runs."""
+        return {path.name: path.read_bytes() for path in (self.top / "home/.quillon").iterdir()
+                if path.is_file()}
+
+    def learn_profile(self):
+        """As it is while the program serves, and when that has ended."""
+        self.told = 0  # how often it could not be saved
+        self.start()
+        self.wait_until_it_serves()
+        self.wait_for(lambda: {PROFILE, SUM} <= self.profile().keys())
+        self.serving = self.profile()
+        self.end_in_order()
+        self.ended = self.profile()
+        self.assertNotEqual(self.serving, self.ended)
+
+    def check_profile(self, said):
+        """It is whole, and the old one only if the program said so."""
+        failed = "could not be saved" in said
+        self.told += failed
+        found = self.profile()
+        # While it is saved, the old sum and the new one count.
+        self.assertEqual({*found.pop(SUM).split()}, {*self.ended[SUM].split()})
+        self.assertIn(found[PROFILE], [self.ended[PROFILE]] + [self.serving[PROFILE]] * failed)
+        self.assertEqual([*found], [PROFILE])
+
     def test_operations(self):
         for kind, name in enumerate(KINDS, 1):
             self.start()
@@ -221,6 +249,7 @@ class Faults(Proof):
             self.end_in_order()
 
     def test_saving_the_profile(self):
+        self.learn_profile()
         for kind, name in enumerate(KINDS, 1):
             for number in range(1, 100):
                 self.start()
@@ -231,8 +260,10 @@ class Faults(Proof):
                 _, failed = self.end_of_plan()
                 with self.subTest(kind=name, number=number):
                     self.assertEqual(self.server.returncode, 0, said)
+                    self.check_profile(said)
                 if not failed:
                     break
+        self.assertGreater(self.told, 0)
 
 
 class Memory(Faults):
@@ -246,8 +277,8 @@ class Memory(Faults):
         work()
         return MANY - self.end_of_plan()[0]
 
-    def each_failure(self, calls):
-        steps = calls if TIMES < 0 else TIMES or 12
+    def each_failure(self, calls, usually):
+        steps = calls if TIMES < 0 else TIMES or usually
         for number in range(1, calls + 1, max(1, calls // steps)):
             yield from ((number, run) for run in self.RUNS)
 
@@ -283,7 +314,7 @@ class Memory(Faults):
         before = self.kilobytes_used()
         failed = [0] * len(OPERATIONS)
         for operation, count in enumerate(calls):
-            for number, run in self.each_failure(count):
+            for number, run in self.each_failure(count, 20):
                 with self.subTest(number=number, run=run, operation=OPERATIONS[operation][:2]):
                     failed[operation] += self.fail_at(operation, number, run)
         print("calls for memory of each operation:", *calls, "of which failed:", *failed)
@@ -292,14 +323,15 @@ class Memory(Faults):
         self.end_in_order()
 
     def test_saving_the_profile(self):
+        self.learn_profile()
         self.start()
         self.wait_until_it_serves()
-        for number, run in self.each_failure(self.calls_of(self.end_in_order)):
+        for number, run in self.each_failure(self.calls_of(self.end_in_order), 12):
             self.start()
             self.wait_until_it_serves()
             self.plan_failure(MEMORY, number, run)
             with self.subTest(number=number, run=run):
-                self.end_in_order()
+                self.check_profile(self.end_in_order())
             self.end_of_plan()
 
 
