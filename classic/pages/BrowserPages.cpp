@@ -4,6 +4,7 @@
 #include "classic/pages/SharedPreviews.h"
 #include "config/Profile.h"
 #include "files/DiskWorker.h"
+#include "files/FolderMaking.h"
 #include "files/Path.h"
 
 #include <QDir>
@@ -193,17 +194,28 @@ BrowserPages::Then BrowserPages::createFolder()
         sendHeader(Status::forbidden, 0);
         return Then::Nothing;
     }
-    const Share *share = exchange.service.share.get();
+    const std::shared_ptr<const Share> &share = exchange.service.share;
     const QByteArray folder = nativePath(request.path + QLatin1Char('/') + name);
     const bool exists = share && share->facts(folder).folder;
-    const bool isMade = share && !exists && share->makeFolders(folder) == 0;
     exchange.changed = { folder };
-    exchange.outcome = isMade ? 0 : forbidden;
-    if (isMade)
-        tell("New folder created");
-    else
+    if (!share || exists) {
+        exchange.outcome = forbidden;
         tell(exists ? "Folder create failed: Folder exists" : folderFailed);
-    return Then::ServePath;
+        return Then::ServePath;
+    }
+    const auto making = std::make_shared<FolderMaking>(share, folder);
+    exchange.service.setup.disk->run(making, this,
+                                     [this, making] { folderMade(making->error() == 0); });
+    return Then::Nothing;
+}
+
+void BrowserPages::folderMade(bool isMade)
+{
+    exchange.outcome = isMade ? 0 : forbidden;
+    tell(isMade ? "New folder created" : folderFailed);
+    if (!channel.canAnswer())
+        return channel.end();
+    servePath();
 }
 
 void BrowserPages::uploadDone(SaveResult result)

@@ -51,6 +51,7 @@ private:
     Then deleteSelected();
     void selectionRemoved(const SelectionRemoval &removal);
     Then createFolder();
+    void folderMade(bool isMade);
     Then receiveUpload();
     Then goOn() { return Then::ServePath; }
 
