@@ -44,13 +44,34 @@ void Activity::note(const std::vector<Deed> &done, bool isAll)
 {
     const QDateTime now = QDateTime::currentDateTime();
     deeds.add(done, now);
-    if (!isAll)
-        deeds.addGap(now);
-    // A disk that hangs keeps no more waiting than the file would hold.
-    if (!keepsLog() || unwritten.size() > LogFile::maxSize)
-        return;
+    QByteArray lines;
     for (const Deed &deed : done)
-        unwritten += deedLine(deed, now);
+        lines += deedLine(deed, now);
+    if (!isAll) {
+        deeds.addGap(now);
+        lines += gapLine(now);
+    }
+    log(lines);
+}
+
+void Activity::addNote(const QString &text)
+{
+    const QDateTime now = QDateTime::currentDateTime();
+    deeds.addNote(text, now);
+    log(noteLine(text, now));
+}
+
+void Activity::log(const QByteArray &lines)
+{
+    if (!keepsLog())
+        return;
+    // A disk that hangs keeps no more waiting than the file would hold.
+    lacksLines = lacksLines || unwritten.size() > LogFile::maxSize;
+    if (unwritten.size() > LogFile::maxSize)
+        return;
+    if (std::exchange(lacksLines, false))
+        unwritten += gapLine(QDateTime::currentDateTime());
+    unwritten += lines;
     if (!isWriting)
         writeNext();
 }

@@ -27,6 +27,9 @@ public:
     /// Notes what was done since the last call, or the part of it that is told.
     void note(const std::vector<Deed> &done, bool isAll);
 
+    /// Notes something else that the user should know.
+    void addNote(const QString &text);
+
     /// Shows visitors and transfers over `parent`; once more when they are shown.
     void show(QWidget *parent);
 
@@ -35,6 +38,7 @@ public:
     static void keepLog(bool wanted);
 
 private:
+    void log(const QByteArray &lines);
     void writeNext();
 
     ServerRows *rows;
@@ -42,6 +46,7 @@ private:
     DeedLog deeds;
     const LogFile file;
     QByteArray unwritten; ///< lines for it
+    bool lacksLines = false; ///< since the last of them
     bool isWriting = false;
     bool isFailing = false; ///< and was told
     QPointer<ActivityDialog> dialog;

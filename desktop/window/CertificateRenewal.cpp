@@ -2,6 +2,7 @@
 
 #include "config/Profile.h"
 #include "desktop/Log.h"
+#include "desktop/window/NotingSink.h"
 #include "desktop/window/ServerRow.h"
 #include "desktop/window/ServerRows.h"
 #include "server/KeyTool.h"
@@ -11,8 +12,9 @@
 
 using namespace std::chrono_literals;
 
-CertificateRenewal::CertificateRenewal(ServerRows *choice)
+CertificateRenewal::CertificateRenewal(ServerRows *choice, NotingSink *sink)
     : rows(choice)
+    , warnings(sink)
 {
     soon.setSingleShot(true);
     soon.setInterval(1s);
@@ -67,6 +69,7 @@ void CertificateRenewal::finish(const QString &certificate, const QString &probl
 
 void CertificateRenewal::reload(const QString &certificate) const
 {
+    const auto noting = warnings->unasked();
     for (const ServerRow *row : rows->all()) {
         if (row->profile()->publicKeyFile == certificate)
             row->server()->reloadKeys();

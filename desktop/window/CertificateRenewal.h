@@ -5,6 +5,7 @@
 #include <QString>
 #include <QTimer>
 
+class NotingSink;
 class ServerRows;
 
 /// Has this machine's authority sign the certificates of the rows anew when they don't name its
@@ -14,7 +15,8 @@ class CertificateRenewal : public QObject
 {
     Q_OBJECT
 public:
-    explicit CertificateRenewal(ServerRows *choice);
+    /// Both are borrowed; what a renewed certificate gives cause to warn of goes to `sink`.
+    CertificateRenewal(ServerRows *choice, NotingSink *sink);
 
 Q_SIGNALS:
     /// Translated. Nothing is told of what goes on failing.
@@ -27,6 +29,7 @@ private:
     void reload(const QString &certificate) const;
 
     ServerRows *rows;
+    NotingSink *warnings;
     QTimer soon; ///< when all rows have followed
     QTimer daily;
     QTimer retry;

@@ -70,6 +70,13 @@ QString spelledOut(const QString &text)
     return shown;
 }
 
+QByteArray lineOf(QJsonObject record, const QDateTime &now)
+{
+    record.insert(QStringLiteral("time"), now.toUTC().toString(Qt::ISODateWithMs));
+    const QByteArray json = QJsonDocument(record).toJson(QJsonDocument::Compact);
+    return spelledOut(QString::fromUtf8(json)).toUtf8() + '\n';
+}
+
 } // namespace
 
 bool isTelling(const Deed &deed)
@@ -105,7 +112,6 @@ QString richTip(const QString &text)
 QByteArray deedLine(const Deed &deed, const QDateTime &now)
 {
     const QJsonObject record{
-        { QStringLiteral("time"), now.toUTC().toString(Qt::ISODateWithMs) },
         { QStringLiteral("address"), deed.client.address.toString() },
         { QStringLiteral("account"), QString::fromUtf8(deed.client.account) },
         { QStringLiteral("program"), QString::fromUtf8(deed.client.program) },
@@ -114,8 +120,17 @@ QByteArray deedLine(const Deed &deed, const QDateTime &now)
         { QStringLiteral("status"), deed.status },
         { QStringLiteral("whole"), deed.isWhole },
     };
-    const QByteArray json = QJsonDocument(record).toJson(QJsonDocument::Compact);
-    return spelledOut(QString::fromUtf8(json)).toUtf8() + '\n';
+    return lineOf(record, now);
+}
+
+QByteArray gapLine(const QDateTime &now)
+{
+    return lineOf({ { QStringLiteral("missed"), true } }, now);
+}
+
+QByteArray noteLine(const QString &text, const QDateTime &now)
+{
+    return lineOf({ { QStringLiteral("note"), text } }, now);
 }
 
 void DeedLog::add(const std::vector<Deed> &deeds, const QDateTime &now)
@@ -134,6 +149,11 @@ void DeedLog::addOne(const Deed &deed, const QDateTime &now)
 void DeedLog::addGap(const QDateTime &now)
 {
     enter({ now, { {}, WindowText::tr("More than could be noted"), {} } });
+}
+
+void DeedLog::addNote(const QString &text, const QDateTime &now)
+{
+    enter({ now, { {}, WindowText::tr("Note"), text } });
 }
 
 void DeedLog::enter(Entry entry)

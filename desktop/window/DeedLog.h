@@ -9,8 +9,8 @@
 #include <deque>
 #include <vector>
 
-/// What visitors have done lately, newest first: a row of texts for each. The same again and again,
-/// as when a film is skipped through, is one row.
+/// What visitors have done lately, and what else was noted, newest first: a row of texts for each.
+/// The same again and again, as when a film is skipped through, is one row.
 class DeedLog : public QAbstractTableModel
 {
     Q_OBJECT
@@ -24,6 +24,9 @@ public:
 
     /// Further ones were not noted.
     void addGap(const QDateTime &now);
+
+    /// No deed, but something that the user should know.
+    void addNote(const QString &text, const QDateTime &now);
 
     int rowCount(const QModelIndex &parent = {}) const override;
     int columnCount(const QModelIndex &parent = {}) const override;
@@ -58,3 +61,7 @@ QString richTip(const QString &text);
 
 /// The record of a deed in the log file: a JSON object and a line feed.
 QByteArray deedLine(const Deed &deed, const QDateTime &now);
+
+/// The same where deeds were not noted, and of something else that is to be known.
+QByteArray gapLine(const QDateTime &now);
+QByteArray noteLine(const QString &text, const QDateTime &now);

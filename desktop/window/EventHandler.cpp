@@ -15,6 +15,7 @@ namespace {
 
 constexpr auto refreshInterval = 2000ms;
 constexpr auto gatherDeeds = 1000ms;
+constexpr auto noteTime = 10s;
 constexpr auto gatherTime = 100ms; ///< ten reports a second, however many clients come
 
 } // namespace
@@ -115,6 +116,14 @@ void EventHandler::boxClosed()
 {
     boxes.removeFirst();
     queueNext();
+}
+
+void EventHandler::note(const QString &text)
+{
+    statusmsg(text.toHtmlEscaped());
+    if (timer.isActive())
+        timer.start(noteTime);
+    Q_EMIT noted(text);
 }
 
 void EventHandler::statusmsg(const QString &text)

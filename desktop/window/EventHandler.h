@@ -56,11 +56,16 @@ public Q_SLOTS:
     void sendDataInfo();
     void statusmsg(const QString &text);
 
+    /// Something that the user should know and has not asked for, plain: stays in the status line
+    /// for a while.
+    void note(const QString &text);
+
 Q_SIGNALS:
     /// The status line shows `text`, HTML, from now on.
     void statusChanged(const QString &text);
 
     void visitorCame(const QString &address);
+    void noted(const QString &text);
 
     /// What was told within the last second; `isAll` unless there was more.
     void deedsDone(const std::vector<Deed> &deeds, bool isAll);

@@ -208,12 +208,11 @@ void MainWindow::connectRows()
     connect(servers->mode(), &GlobalMode::dnsWanted, reach, &Reachability::loadPublic);
     connect(keeper(), &RowKeeper::onlineChanged, this, [this](bool online) {
         if (online)
-            return m_reachability->refreshPublic();
+            return m_reachability->followNetwork();
         m_reachability->noPublic();
         addresses->showNetwork();
     });
-    connect(keeper(), &RowKeeper::told, this,
-            [this](const QString &text) { events->statusmsg(text.toHtmlEscaped()); });
+    connect(keeper(), &RowKeeper::told, events, &EventHandler::note);
     connect(servers, &ServerRows::runningChanged, this, [this](bool running) {
         if (running)
             events->startTimer();
@@ -226,6 +225,7 @@ void MainWindow::connectReachability()
     const Reachability *reach = reachability();
     connect(reach, &Reachability::labelChanged, addresses, &AddressList::showReach);
     connect(reach, &Reachability::told, events, &EventHandler::statusmsg);
+    connect(reach, &Reachability::noted, events, &EventHandler::note);
     connect(reach, &Reachability::warned, this,
             [this](const QString &text) { showBox(this, QMessageBox::Warning, text); });
     connect(reach, &Reachability::everyoneAdmitted, this, &MainWindow::askForPassword);
@@ -239,6 +239,7 @@ void MainWindow::connectMenus()
     connect(menu, &MainMenu::addressWanted, this, &MainWindow::copyAddress);
     connect(menu, &MainMenu::activityWanted, this, [this] { activity->show(this); });
     connect(events, &EventHandler::deedsDone, activity.get(), &Activity::note);
+    connect(events, &EventHandler::noted, activity.get(), &Activity::addNote);
     connect(addresses->hero(), &AddressHero::copyWanted, this, &MainWindow::copy);
     connect(menu, &MainMenu::settingsWanted, this, [this] { addresses->edit(profiles->global()); });
     connect(menu, &MainMenu::expertModeWanted, this, &MainWindow::setExpertMode);

@@ -4,6 +4,7 @@
 #include "desktop/window/ServerRow.h"
 #include "desktop/window/ServerRows.h"
 #include "desktop/window/WebServices.h"
+#include "desktop/window/WindowText.h"
 
 Reachability::Reachability(const ServerRows *servers, const Profiles *choice)
     : rows(servers)
@@ -21,16 +22,33 @@ QString Reachability::localText()
 
 void Reachability::loadPublic()
 {
-    checkPort();
-    if (profiles->global()->usesDns())
-        updateDns();
+    isAsked = true;
+    look();
 }
 
 void Reachability::refreshPublic()
 {
-    const bool dns = profiles->global()->usesDns() && services->hasDynamicDns();
-    if (services->hasPortCheck() || dns)
+    if (hasServices())
         loadPublic();
+}
+
+void Reachability::followNetwork()
+{
+    isAsked = false;
+    if (hasServices())
+        look();
+}
+
+bool Reachability::hasServices() const
+{
+    return services->hasPortCheck() || (profiles->global()->usesDns() && services->hasDynamicDns());
+}
+
+void Reachability::look()
+{
+    checkPort();
+    if (profiles->global()->usesDns())
+        updateDns();
 }
 
 void Reachability::checkPort()
@@ -57,9 +75,10 @@ std::optional<int> Reachability::portToCheck()
 void Reachability::updateDns()
 {
     const Profile *global = profiles->global();
-    if (global->dnsUser.isEmpty() || global->dnsPassword.isEmpty())
-        Q_EMIT warned(tr("User and password required for DNS service."));
-    else if (services->hasDynamicDns())
+    if (global->dnsUser.isEmpty() || global->dnsPassword.isEmpty()) {
+        const QString problem = tr("User and password required for DNS service.");
+        isAsked ? Q_EMIT warned(problem) : Q_EMIT noted(problem);
+    } else if (services->hasDynamicDns())
         services->updateDns(global->dnsUser, global->dnsPassword);
     else
         Q_EMIT told(tr("No DNS service configured"));
@@ -106,8 +125,12 @@ bool Reachability::takePortCheck(const WebAnswer &answer)
 void Reachability::warnOfEveryone()
 {
     const bool warns = profiles->global()->warningMode == Qt::Checked;
-    if (warns && checkedRow->profile()->authMode == AuthNone)
+    if (!warns || checkedRow->profile()->authMode != AuthNone)
+        return;
+    if (isAsked)
         Q_EMIT everyoneAdmitted(checkedRow);
+    else
+        Q_EMIT noted(WindowText::tr("The shared files are accessible for everyone."));
 }
 
 void Reachability::showReachability()

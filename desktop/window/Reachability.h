@@ -36,6 +36,10 @@ public Q_SLOTS:
     /// The same, but without a word when no service is configured.
     void refreshPublic();
 
+    /// The same after the network has changed: as nobody has asked, there is no warning or
+    /// question, only a note.
+    void followNetwork();
+
     /// Forgets what is known.
     void noPublic();
 
@@ -49,6 +53,7 @@ Q_SIGNALS:
     /// How a request went, for the status line.
     void told(const QString &text);
     void warned(const QString &text);
+    void noted(const QString &text); ///< instead of a warning or question; plain
 
     /// Everybody on the internet reaches `row`, whose profile asks for no password.
     void everyoneAdmitted(ServerRow *row);
@@ -57,6 +62,8 @@ Q_SIGNALS:
     void pageOffered(const QUrl &url);
 
 private:
+    bool hasServices() const;
+    void look();
     std::optional<int> portToCheck();
     void checkPort();
     void updateDns();
@@ -69,6 +76,7 @@ private:
     const Profiles *profiles;
     WebServices *services;
     QPointer<ServerRow> checkedRow; ///< whose port is being checked
+    bool isAsked = false; ///< for, by the user
     bool portOpen = false;
     QString publicAddress;
     QString dnsName;

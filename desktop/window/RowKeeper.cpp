@@ -2,18 +2,30 @@
 
 #include "config/Profiles.h"
 #include "desktop/window/ServerRow.h"
-#include "server/StatusSink.h"
+#include "server/Service.h"
 
 #include <algorithm>
 #include <utility>
+
+namespace {
+
+std::shared_ptr<const ServerSetup> reportingTo(StatusSink *sink, const ServerSetup &common)
+{
+    auto setup = std::make_shared<ServerSetup>(common);
+    setup->sink = sink;
+    return setup;
+}
+
+} // namespace
 
 RowKeeper::RowKeeper(Profiles *choice, const std::shared_ptr<const ServerSetup> &common,
                      AddressSource source)
     : profiles(choice)
     , sink(common->sink)
+    , warnings(sink, [this](const QString &text) { Q_EMIT told(text); })
     , network(std::move(source))
     , saved(choice->directories().profiles + QLatin1String("list.ini"))
-    , m_rows(choice, common)
+    , m_rows(choice, reportingTo(&warnings, *common))
 {
     if (!saved.damagedFile().isEmpty())
         sink->msg(ServerRows::tr("What was shared at which address could not be read; the rows "
@@ -91,6 +103,7 @@ void RowKeeper::loadLocal()
 
 void RowKeeper::followNetwork()
 {
+    const auto noting = warnings.unasked();
     const bool running = m_rows.isRunning();
     isFollowing = true;
     resumed.clear();

@@ -2,6 +2,7 @@
 
 #include "desktop/window/CertificateRenewal.h"
 #include "desktop/window/DeviceNetwork.h"
+#include "desktop/window/NotingSink.h"
 #include "desktop/window/SavedRows.h"
 #include "desktop/window/ServerRows.h"
 
@@ -12,8 +13,6 @@
 
 #include <memory>
 #include <optional>
-
-class StatusSink;
 
 /// Keeps the server rows in line with the addresses of the device, and what is saved of them with
 /// the rows, as soon as the user has chosen something. Made by the main window; the rows are its
@@ -59,7 +58,8 @@ Q_SIGNALS:
     void loaded(); ///< by `loadLocal`
     void onlineChanged(bool online);
 
-    /// What became of a row whose address came or went, or of its certificate, translated.
+    /// What became of a row whose address came or went, or of its certificate, translated. Nobody
+    /// has asked for it, so that it is no cause for a box.
     void told(const QString &text);
 
 private:
@@ -80,6 +80,7 @@ private:
 
     Profiles *profiles;
     StatusSink *sink;
+    NotingSink warnings; ///< those of the rows
     DeviceNetwork network;
     SavedRows saved;
     std::optional<SavedRow> single; ///< simple mode: what the next row takes over
@@ -92,5 +93,5 @@ private:
     QList<ServerRow *> resumed; ///< rows that are to run as they did
     QList<ServerRow *> joining; ///< rows that are to run when others do
     ServerRows m_rows;
-    CertificateRenewal renewal{ &m_rows };
+    CertificateRenewal renewal{ &m_rows, &warnings };
 };

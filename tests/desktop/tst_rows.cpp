@@ -1,6 +1,7 @@
 #include "config/Permission.h"
 #include "desktop/look/DesktopChoices.h"
 #include "desktop/settings/KeyMaker.h"
+#include "desktop/window/Activity.h"
 #include "desktop/window/DeedLog.h"
 #include "desktop/window/FirstInstance.h"
 #include "desktop/window/LogFile.h"
@@ -38,6 +39,8 @@ struct Checked : Rows
              { &Reachability::told, &Reachability::warned, &Reachability::labelChanged })
             QObject::connect(&reach, signal, tell);
         QObject::connect(&reach, &Reachability::pageOffered, [this] { ++pages; });
+        QObject::connect(&reach, &Reachability::everyoneAdmitted, [this] { ++questions; });
+        QObject::connect(&reach, &Reachability::noted, [this] { ++notes; });
         QObject::connect(reach.webServices(), &WebServices::finished, [this] { ++finished; });
         for (const QString &each : { "portCheck"_q, "dns"_q })
             QSettings().setValue("services/"_q + each, each == key ? service.base() : QString());
@@ -46,7 +49,7 @@ struct Checked : Rows
     StandIn service;
     Reachability reach{ rows, home.profiles.get() };
     QString said;
-    int finished = 0, pages = 0;
+    int finished = 0, pages = 0, questions = 0, notes = 0;
 };
 
 /// What a row of a table shows in these columns.
@@ -120,6 +123,14 @@ private Q_SLOTS:
         QVERIFY(readFile(file.fileName()).endsWith('\n' + first));
         deed.path = QByteArray(100000, '\1');
         QVERIFY(line().size() < 5000);
+
+        Rows device;
+        Activity activity(device.rows, device.engine.setup());
+        activity.note({ deed }, false);
+        activity.addNote("<b>"_q);
+        const auto log = [&] { return readFile(device.home.directories.state + "log"_q); };
+        QTRY_COMPARE(log().count('\n'), 3);
+        QVERIFY(log().contains(R"("missed":true)") && log().contains(R"("note":"<b>")"));
     }
 
     void rowsAreAnnouncedWhileTheyRun()
@@ -311,14 +322,19 @@ private Q_SLOTS:
         const QString second = "127.0.0.2"_q;
         for (const bool expert : { false, true }) {
             Rows device(inExpertMode(expert));
+            device.global()->authMode = AuthPasswordPage; // the password is empty
+            QSignalSpy told(device.keeper, &RowKeeper::told);
             device.keeper->share(device.path("res"));
             device.row()->start();
             const QString url = device.row()->url();
             device.move({});
             QVERIFY(!device.rows->current() && !device.keeper->hasNetwork());
             device.rows->startOrStop();
-            QCOMPARE(device.sink.messages.size(), 1); // that there is nothing to start
+            QCOMPARE(device.sink.messages.size(), 2); // that there is nothing to start
+            told.clear();
             device.move({ loopback, second });
+            QCOMPARE(device.sink.messages.size(), 2); // nobody has asked for it: without a box
+            QVERIFY(told.value(0).value(0).toString().contains("everyone is admitted"_q));
             QCOMPARE(device.rows->current()->url() + device.shared(), url + device.path("res"));
             QVERIFY(device.row(0)->isListening());
             QCOMPARE(device.row(1)->isListening(), !expert); // it rested when the first one ran
@@ -686,7 +702,17 @@ private Q_SLOTS:
         // A port known to be open is not checked again while its server listens.
         device.row()->start();
         device.reach.loadPublic();
-        QTRY_COMPARE(device.finished, said.contains("Public"_q) ? 1 : 2);
+        const bool isOpen = said.contains("Public"_q);
+        QTRY_COMPARE(device.finished, isOpen ? 1 : 2);
+        // As after another network came: nobody asked.
+        device.global()->warningMode = Qt::Checked;
+        device.reach.noPublic();
+        device.reach.followNetwork();
+        QTRY_COMPARE(device.finished, isOpen ? 2 : 3);
+        QVERIFY(device.notes == int(isOpen) && device.questions == 0);
+        device.reach.noPublic();
+        device.reach.loadPublic();
+        QTRY_COMPARE(device.questions, int(isOpen));
     }
 
     void dynamicDns()

@@ -895,6 +895,10 @@
         <translation>More than could be noted</translation>
     </message>
     <message>
+        <source>Note</source>
+        <translation>Note</translation>
+    </message>
+    <message>
         <source>Open the window</source>
         <translation>Open the window</translation>
     </message>

@@ -895,6 +895,10 @@
         <translation>Mehr, als festgehalten werden konnte</translation>
     </message>
     <message>
+        <source>Note</source>
+        <translation>Hinweis</translation>
+    </message>
+    <message>
         <source>Open the window</source>
         <translation>Fenster öffnen</translation>
     </message>

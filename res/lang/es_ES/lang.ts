@@ -895,6 +895,10 @@
         <translation>Más de lo que se pudo anotar</translation>
     </message>
     <message>
+        <source>Note</source>
+        <translation>Aviso</translation>
+    </message>
+    <message>
         <source>Open the window</source>
         <translation>Abrir la ventana</translation>
     </message>

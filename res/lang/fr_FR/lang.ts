@@ -895,6 +895,10 @@
         <translation>Plus qu&apos;il n&apos;a pu en être noté</translation>
     </message>
     <message>
+        <source>Note</source>
+        <translation>Remarque</translation>
+    </message>
+    <message>
         <source>Open the window</source>
         <translation>Ouvrir la fenêtre</translation>
     </message>
