@@ -9,7 +9,7 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr auto lingerTime = 2s;
+constexpr auto lingerTime = 750ms;
 
 } // namespace
 

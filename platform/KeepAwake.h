@@ -17,8 +17,8 @@ public:
     explicit KeepAwake(QString reason, QDBusConnection bus = QDBusConnection::systemBus(),
                        QObject *parent = nullptr);
 
-    /// May be called for every transfer that begins or ends. What was needed is held for two
-    /// seconds more: transfers that follow each other ask the system once.
+    /// May be called for every transfer that begins or ends. What was needed is held for a moment
+    /// more, less than a second: a system that nobody uses might go to sleep between two files.
     void setNeeded(bool needed);
 
 private:

@@ -14,13 +14,15 @@ public:
     explicit TransferWatch(ServerRows *watched);
 
 Q_SIGNALS:
-    /// Every second while servers run, and at their end.
+    /// Every second while servers run, more often while files move, and at their end.
     void looked(bool moves);
 
 private:
     void look();
+    bool tell();
     void follow(bool running);
 
     ServerRows *rows;
     QTimer timer;
+    QTimer ends;
 };

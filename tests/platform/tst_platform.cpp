@@ -85,7 +85,7 @@ void TestPlatform::keepsTheSystemAwake()
     KeepAwake awake("Files are sent"_q, bus.connection("user"_q));
     awake.setNeeded(true); // there is nobody to ask
     awake.setNeeded(false);
-    QTest::qWait(2200);
+    QTest::qWait(1000);
     int ends[2] = {};
     QVERIFY(::pipe(ends) == 0);
     const FileDescriptor reading(ends[0]);
@@ -98,7 +98,7 @@ void TestPlatform::keepsTheSystemAwake()
                      QStringList{ "Inhibit sleep:idle Quillon Files are sent block"_q });
         login.answers.clear();
         awake.setNeeded(false);
-        QTest::qWait(600);
+        QTest::qWait(300);
     }
     pollfd end = { reading.get(), POLLIN, 0 };
     QVERIFY(::poll(&end, 1, 0) == 0);
