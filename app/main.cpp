@@ -16,7 +16,6 @@
 #include "server/Engine.h"
 
 #include <QApplication>
-#include <QSessionManager>
 
 #include <iostream>
 
@@ -49,23 +48,6 @@ int fail(const QString &problem)
     if (!::isatty(STDERR_FILENO))
         warn(nullptr, problem);
     return Failed;
-}
-
-/// The session ends: nobody may be there to answer a question, and there is little time.
-void endWithTheSession(QApplication *app, MainWindow *window)
-{
-#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
-    QApplication::setFallbackSessionManagementEnabled(false);
-#endif
-    // Direct: the session goes on as soon as the signal is through.
-    QObject::connect(
-        app, &QGuiApplication::commitDataRequest, window,
-        [window] {
-            window->endInOrder();
-            QMetaObject::invokeMethod(
-                window, [] { QApplication::exit(); }, Qt::QueuedConnection);
-        },
-        Qt::DirectConnection);
 }
 
 } // namespace

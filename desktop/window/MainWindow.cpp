@@ -27,6 +27,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QSessionManager>
 #include <QSettings>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -423,4 +424,21 @@ void MainWindow::call(const StartRequest &request)
     // Queued: it may ask, and who calls is not to wait for the answer.
     if (request.startsRows && !isUnsafe)
         QMetaObject::invokeMethod(rows(), &ServerRows::startShown, Qt::QueuedConnection);
+}
+
+void endWithTheSession(QApplication *app, MainWindow *window)
+{
+#if QT_VERSION < QT_VERSION_CHECK(6, 0, 0)
+    QApplication::setFallbackSessionManagementEnabled(false);
+#endif
+    // Nobody may be there to answer a question, and there is little time. Direct: the session goes
+    // on as soon as the signal is through.
+    QObject::connect(
+        app, &QGuiApplication::commitDataRequest, window,
+        [window] {
+            window->endInOrder();
+            QMetaObject::invokeMethod(
+                window, [] { QApplication::exit(); }, Qt::QueuedConnection);
+        },
+        Qt::DirectConnection);
 }

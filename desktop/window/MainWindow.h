@@ -18,6 +18,7 @@ class EventHandler;
 class Look;
 class MainMenu;
 class Profiles;
+class QApplication;
 class QLabel;
 class RowPanel;
 
@@ -98,6 +99,9 @@ private:
     QLabel *statusLine;
     QTimer geometryTimer; ///< runs while the window moves
 };
+
+/// Has `window` close in order, and the program end, with the session.
+void endWithTheSession(QApplication *app, MainWindow *window);
 
 /// What to say when `server` has reached its traffic limit.
 QString trafficLimitText(const WebServer &server);

@@ -8,6 +8,7 @@
 #include <QSslSocket>
 
 #include <array>
+#include <csignal>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -50,6 +51,7 @@ private Q_SLOTS:
     void initTestCase();
     void cleanupTestCase();
     void sharesFromAKeyPressToTheEnd();
+    void endsInOrderBySignals();
     void certificateFollowsTheAddresses();
 
 private:
@@ -129,7 +131,7 @@ void TestWindow::sharesFromAKeyPressToTheEnd()
     login.answers.clear(); // which hold what it gave
     QVERIFY(taken < longFile && !isClosed(told));
     visitor.abort();
-    QVERIFY(QTest::qWaitFor([&told] { return isClosed(told); }, 8000));
+    QVERIFY(QTest::qWaitFor([&told] { return isClosed(told); }, 2500));
 
     xdotool(press);
     QCOMPARE(avahi.takenUpTo("Free"_q), "Free"_q);
@@ -138,6 +140,30 @@ void TestWindow::sharesFromAKeyPressToTheEnd()
     QCOMPARE(program.exitStatus(), QProcess::NormalExit);
     QCOMPARE(program.exitCode(), 0);
     QCOMPARE(login.calls.size(), 1);
+}
+
+/// Here with the notifications switched off.
+void TestWindow::endsInOrderBySignals()
+{
+    const StandIn desktop(QDBusConnection::sessionBus(), "org.freedesktop.Notifications"_q, {});
+    writeFile(home.path() + "/.config/Tessaroy/Quillon.conf"_q, "[desktop]\nnotifies=false\n");
+    for (const int number : { SIGINT, SIGHUP }) {
+        program.start(QStringLiteral(WINDOW_PROGRAM), { "--start"_q, share.path() });
+        xdotool("search --sync --onlyvisible --name ^Quillon$"_q);
+        xdotool("search --maxdepth 0 .* windowfocus"_q);
+        QTcpSocket visitor;
+        QTRY_VERIFY((visitor.connectToHost(QString::fromLatin1(here), 9100),
+                     visitor.waitForConnected(100)));
+        visitor.write(rawRequest("GET", "/a.txt"));
+        QTRY_VERIFY(visitor.peek(9999).endsWith("hello"));
+        QTest::qWait(600); // as above
+        ::kill(pid_t(program.processId()), number);
+        QVERIFY(program.waitForFinished(4000));
+        QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(program.exitCode(), 0);
+        QVERIFY(Profile(home.directories, "Global.conf"_q).cleanExit);
+    }
+    QCOMPARE(desktop.calls, QStringList());
 }
 
 /// Of a server that was confined before it had the address.

@@ -11,6 +11,7 @@
 
 #include <QFileDialog>
 #include <QListWidget>
+#include <QPushButton>
 #include <QSettings>
 #include <QSpinBox>
 #include <QStackedWidget>
@@ -118,6 +119,13 @@ private Q_SLOTS:
         QCOMPARE(applied()->privateKeyFile, file);
         QCOMPARE(applied()->publicKeyFile, file);
         QCOMPARE(applied()->keyPassword, "secret"_q);
+        boxText([&] { click(page(), "Make new key..."); }, QMessageBox::Yes);
+        const auto *make = named<QPushButton>(page(), "Make new key...");
+        QVERIFY(!make->isEnabled());
+        QTRY_VERIFY_WITH_TIMEOUT(make->isEnabled(), 20000);
+        QVERIFY(applied()->privateKeyFile == home->directories.profiles + "server.key"_q);
+        QVERIFY(applied()->publicKeyFile == home->directories.profiles + "server.crt"_q);
+        QVERIFY(applied()->keyPassword.isEmpty());
         click(page(), "Announce in the network");
         retype(named<QWidget>(page(), "Found as:"), "films");
         QVERIFY(applied()->announced == 1 && applied()->announcedName == QLatin1String("films"));

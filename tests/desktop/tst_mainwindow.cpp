@@ -12,9 +12,11 @@
 #include "tests/desktop/Widgets.h"
 
 #include <QClipboard>
+#include <QFileDialog>
 #include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
+#include <QTreeView>
 
 class tst_mainwindow : public QObject
 {
@@ -196,6 +198,8 @@ private Q_SLOTS:
     {
         Desktop desktop({}, 2);
         const auto press = [&](int key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier) {
+            desktop.window->activateWindow(); // the keys are those of the window in front
+            QVERIFY(QTest::qWaitForWindowActive(desktop.window.get()));
             QTest::keyClick(desktop.window->focusWidget(), Qt::Key(key), modifiers);
         };
         const auto copied = [] { return QGuiApplication::clipboard()->text(); };
@@ -216,10 +220,83 @@ private Q_SLOTS:
         desktop.keeper->remove(desktop.row(1));
         press(Qt::Key_F5, {});
         QCOMPARE(desktop.rows->all().size(), 2);
+        inModal<QFileDialog>([&] { press(Qt::Key_O); },
+                             [&](QFileDialog *chooser) {
+                                 chooser->selectFile(desktop.path("res"));
+                                 static_cast<QDialog *>(chooser)->accept();
+                             });
+        QCOMPARE(desktop.row()->server()->shared().filePath(), desktop.path("res"));
         desktop.global()->warningMode = Qt::Checked;
         const QString box = boxText([&] { press(Qt::Key_Q); }, QMessageBox::Yes);
         QVERIFY(box.endsWith("Do you want to exit?"_q));
         QVERIFY(!desktop.window->isVisible() && desktop.rows->all().isEmpty());
+    }
+
+    void tray()
+    {
+        Desktop desktop;
+        const QMenu *menu = nullptr;
+        const auto all = QApplication::topLevelWidgets();
+        for (const QWidget *each : all) {
+            const auto *found = qobject_cast<const QMenu *>(each);
+            if (found && found->actions().value(0)->text() == "Open the window"_q)
+                menu = found;
+        }
+        QVERIFY(menu);
+        const QList<QAction *> entries = menu->actions();
+        desktop.window->hide();
+        entries[0]->trigger();
+        QVERIFY(desktop.window->isVisible() && !entries[2]->isEnabled());
+        entries[1]->trigger();
+        QVERIFY(desktop.row()->isListening() && entries[1]->text() == "Stop"_q);
+        entries[2]->trigger();
+        QCOMPARE(QGuiApplication::clipboard()->text(), desktop.row()->url());
+        entries[3]->trigger();
+        QVERIFY(!desktop.window->isVisible() && desktop.rows->all().isEmpty());
+    }
+
+    void endOfTheSession()
+    {
+        Desktop desktop([](Profile &global) { global.warningMode = Qt::Checked; });
+        endWithTheSession(qApp, desktop.window.get());
+        desktop.row()->start();
+        desktop.row()->share(desktop.path("res"));
+        QObject manager; // nobody looks at it
+        Q_EMIT qApp->commitDataRequest(reinterpret_cast<QSessionManager &>(manager));
+        QVERIFY(
+            desktop.rows->all().isEmpty()); // without a question, and before the signal is through
+        QVERIFY(readFile(desktop.path(".quillon/list.ini")).contains("/res"));
+        QVERIFY(Profile(desktop.home.directories, QLatin1String(Profile::globalFile)).cleanExit);
+    }
+
+    void visitorsAreSentAway()
+    {
+        Desktop desktop;
+        desktop.addFile("a.txt", "hello");
+        desktop.row()->start();
+        action(desktop, "activity")->trigger();
+        auto *page = desktop.window->findChild<ActivityDialog *>();
+        auto *visitors = named<QTreeView>(page, "Visitors");
+        const auto newClient = [&] {
+            const QHostAddress elsewhere("127.0.0.9"_q); // this machine itself is never blocked
+            return std::make_unique<RawClient>(desktop.row()->server()->port, elsewhere);
+        };
+        const auto visit = [](const std::unique_ptr<RawClient> &client) {
+            return client->exchange(rawRequest("GET", "/a.txt")).body;
+        };
+        const auto sendAway = [&](const auto &how) {
+            const auto client = newClient();
+            QCOMPARE(visit(client), QByteArray("hello"));
+            page->refresh();
+            visitors->setCurrentIndex(visitors->model()->index(0, 0));
+            how();
+            QVERIFY(client->waitForClose());
+        };
+        sendAway([&] { click(page, "Disconnect"); });
+        sendAway([&] { boxText([&] { click(page, "Block"); }, QMessageBox::Yes); });
+        QCOMPARE(visit(newClient()), QByteArray());
+        click(page, "Unblock all");
+        QCOMPARE(visit(newClient()), QByteArray("hello"));
     }
 
     void questionsBeforeAStop()
