@@ -3,6 +3,7 @@
 #include "desktop/widgets/Fields.h"
 #include "desktop/widgets/MessageDialog.h"
 
+#include <QEvent>
 #include <QFormLayout>
 #include <QLabel>
 #include <QVBoxLayout>
@@ -44,6 +45,38 @@ void placeCaptions(QFormLayout *form, bool above)
         caption->setWordWrap(above);
     }
 }
+
+/// A button that looks like a link, in whatever colours the desktop has.
+class LinkButton : public Finger<QToolButton>
+{
+public:
+    LinkButton()
+    {
+        QFont underlined = font();
+        underlined.setUnderline(true);
+        setFont(underlined);
+        takeLinkColor();
+    }
+
+protected:
+    void changeEvent(QEvent *event) override
+    {
+        Finger<QToolButton>::changeEvent(event);
+        if (event->type() == QEvent::PaletteChange)
+            takeLinkColor();
+    }
+
+private:
+    void takeLinkColor()
+    {
+        QPalette colors = palette();
+        const QColor ink = colors.color(QPalette::Link);
+        if (colors.color(QPalette::ButtonText) == ink)
+            return;
+        colors.setColor(QPalette::ButtonText, ink);
+        setPalette(colors);
+    }
+};
 
 } // namespace
 
@@ -97,18 +130,11 @@ void SettingsPage::addHelpLink(const QString &helpName)
 
 QWidget *SettingsPage::helpLink(const QString &name, const QString &topic)
 {
-    auto *link = new Finger<QToolButton>;
+    auto *link = new LinkButton;
     link->setText(tr("Help"));
     link->setAccessibleName(topic.isEmpty() ? tr("Help") : tr("Help: %1").arg(topic));
     link->setAutoRaise(true);
     link->setCursor(Qt::PointingHandCursor);
-
-    QFont underlined = link->font();
-    underlined.setUnderline(true);
-    link->setFont(underlined);
-    QPalette colors = link->palette();
-    colors.setColor(QPalette::ButtonText, colors.color(QPalette::Link));
-    link->setPalette(colors);
 
     connect(link, &QToolButton::clicked, this,
             [this, name] { MessageDialog::help(workingCopy->directories().language, name, this); });

@@ -53,7 +53,9 @@ void LinkLabel::resizeEvent(QResizeEvent *event)
 void LinkLabel::changeEvent(QEvent *event)
 {
     QLabel::changeEvent(event);
-    if (event->type() == QEvent::FontChange)
+    if (event->type() == QEvent::PaletteChange)
+        clear(); // the colour of the link is that of when the text was set
+    if (event->type() == QEvent::FontChange || event->type() == QEvent::PaletteChange)
         showLink();
 }
 

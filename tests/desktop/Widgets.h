@@ -1,5 +1,6 @@
 #pragma once
 
+#include "desktop/look/Scheme.h"
 #include "tests/support/Files.h"
 
 #include <QAbstractButton>
@@ -17,6 +18,8 @@
 #include <QSet>
 #include <QTest>
 #include <QTimer>
+
+#include <algorithm>
 
 /// The controls without a name for a screen reader in `object` and below it, their paths a line
 /// each.
@@ -189,7 +192,38 @@ inline QByteArray faults(QWidget *window)
     return found;
 }
 
-/// Shows `window` on a small screen, keeps its picture for people to look at, and looks for faults.
+/// Takes a picture of `window` and keeps it for people to look at. Gives the widgets whose words
+/// don't stand out there, a line each.
+inline QByteArray picture(QWidget *window, const QString &name)
+{
+    const QDir folder(QDir::cleanPath(QStringLiteral(__FILE__ "/../../artefacts/")));
+    const QImage image = window->grab().toImage();
+    if (!folder.mkpath("."_q) || !image.save(folder.filePath(name + ".png"_q)))
+        return "not kept: " + name.toUtf8();
+    QByteArray found;
+    const auto widgets = window->findChildren<QWidget *>();
+    for (const QWidget *widget : widgets) {
+        const QRect whole = widget->rect();
+        const bool isTiny = widget->fontMetrics().height() < 10; // no stroke has its full colour
+        if (widget->property("text").toString().isEmpty() || isTiny || !widget->isEnabled()
+            || widget->visibleRegion().boundingRect() != whole)
+            continue;
+        QHash<QRgb, int> counts;
+        const QPoint corner = widget->mapTo(window, QPoint());
+        for (int y = 0; y < whole.height(); ++y) {
+            for (int x = 0; x < whole.width(); ++x)
+                ++counts[image.pixel(corner + QPoint(x, y))];
+        }
+        const QRgb behind = std::max_element(counts.cbegin(), counts.cend()).key();
+        const auto keys = counts.keys();
+        if (std::none_of(keys.begin(), keys.end(),
+                         [behind](QRgb color) { return contrast(color, behind) >= 4.5; }))
+            found += line("can't be read: ", widget);
+    }
+    return found;
+}
+
+/// Shows `window` on a small screen, as it is and in dark, and looks for faults.
 inline QByteArray faultsAt(QWidget *window, const QSize &size, const QString &name)
 {
     window->show();
@@ -197,12 +231,17 @@ inline QByteArray faultsAt(QWidget *window, const QSize &size, const QString &na
     // Pages settle in a few rounds of the event loop, and may look whole before.
     QTest::qWait(0);
     (void)QTest::qWaitFor([window] { return faults(window).isEmpty(); }, 1000);
-    const QDir folder(QDir::cleanPath(QStringLiteral(__FILE__ "/../../artefacts/")));
-    const QString picture = "%1-%2.png"_q.arg(name).arg(size.width());
-    if (!folder.mkpath("."_q) || !window->grab().save(folder.filePath(picture))
-        || window->size() != size)
-        return "does not fit or is not kept: " + name.toUtf8();
-    return faults(window);
+    if (window->size() != size)
+        return "does not fit: " + name.toUtf8();
+    const QString title = "%1-%2"_q.arg(name).arg(size.width());
+    const QPalette palette = QApplication::palette();
+    QByteArray found = picture(window, title);
+    QApplication::setPalette(schemeOf({ QColor(0x20, 0x22, 0x26), Qt::white, Qt::white }));
+    QTest::qWait(0);
+    found += picture(window, title + "-dark"_q);
+    QApplication::setPalette(palette);
+    QTest::qWait(0);
+    return found + faults(window);
 }
 
 /// Fails the test when `window` does not fit into such a screen, whichever way it is held.
