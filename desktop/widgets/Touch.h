@@ -31,7 +31,8 @@ private:
 };
 
 /// Makes the entries of `menu` large enough for fingers, a little less so on a screen that would
-/// not have room for all of them else.
+/// not have room for all of them else. Where that is too narrow they come without their keys, then
+/// with smaller letters.
 void sizeForFingers(QMenu *menu);
 
 /// Lets fingers drag the content of `area`.

@@ -72,9 +72,10 @@ void FileMenu::fitRecent()
         longest = qMax(longest, fontMetrics().horizontalAdvance(action->data().toString()));
     // Whole paths go before the keys, which other places tell, and phones don't have.
     const int room = width - 2 * fingerSize;
-    const bool showsKeys = longest + keys <= room;
-    for (QAction *action : all)
-        action->setShortcutVisibleInContextMenu(showsKeys);
+    if (longest + keys > room) {
+        for (QAction *action : all)
+            action->setShortcutVisibleInContextMenu(false);
+    }
     for (QAction *action : recent)
         action->setText(recentFileLabel(action->data().toString(), fontMetrics(), room));
 }

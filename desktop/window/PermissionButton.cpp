@@ -92,7 +92,10 @@ void PermissionButton::buildMenu()
         permissions->addAction(action);
         connect(action, &QAction::triggered, this,
                 [this, permission = each.permission] { choose(permission); });
+        if (each.permission == Permission::LookAndAdd)
+            addRemark = words->addAction(tr("File managers may replace, too"));
     }
+    addRemark->setEnabled(false);
     words->addSeparator();
     login = words->addAction(QString());
     connect(login, &QAction::triggered, this,
@@ -126,10 +129,7 @@ void PermissionButton::open()
     const QList<QAction *> choices = permissions->actions();
     choices.at(int(permission))->setChecked(true);
     // Programs that get the standard answers beside classic ones know no adding without replacing.
-    const bool mayReplace = shown.faceMode == FaceAuto;
-    choices.at(int(Permission::LookAndAdd))
-        ->setText(mayReplace ? tr("Look and add; file managers may replace, too")
-                             : tr(wordsOf(Permission::LookAndAdd).choice));
+    addRemark->setVisible(shown.faceMode == FaceAuto);
     words->popup(mapToGlobal(rect().bottomLeft()));
 }
 

@@ -41,4 +41,5 @@ private:
     QMenu *words;
     QActionGroup *permissions;
     QAction *login;
+    QAction *addRemark;
 };

@@ -1437,8 +1437,8 @@
         <translation>Look and add</translation>
     </message>
     <message>
-        <source>Look and add; file managers may replace, too</source>
-        <translation>Look and add; file managers may replace, too</translation>
+        <source>File managers may replace, too</source>
+        <translation>File managers may replace, too</translation>
     </message>
     <message>
         <source>Visitors may change everything</source>

@@ -1437,8 +1437,8 @@
         <translation>Ansehen und hinzufügen</translation>
     </message>
     <message>
-        <source>Look and add; file managers may replace, too</source>
-        <translation>Ansehen und hinzufügen; Dateiverwaltungen auch ersetzen</translation>
+        <source>File managers may replace, too</source>
+        <translation>Dateiverwaltungen ersetzen auch</translation>
     </message>
     <message>
         <source>Visitors may change everything</source>

@@ -1437,8 +1437,8 @@
         <translation>Mirar y añadir</translation>
     </message>
     <message>
-        <source>Look and add; file managers may replace, too</source>
-        <translation>Mirar y añadir; los gestores de archivos también reemplazan</translation>
+        <source>File managers may replace, too</source>
+        <translation>Gestores de archivos: reemplazar</translation>
     </message>
     <message>
         <source>Visitors may change everything</source>

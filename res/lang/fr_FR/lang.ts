@@ -1437,8 +1437,8 @@
         <translation>Regarder et ajouter</translation>
     </message>
     <message>
-        <source>Look and add; file managers may replace, too</source>
-        <translation>Regarder et ajouter (gestionnaires de fichiers : remplacer)</translation>
+        <source>File managers may replace, too</source>
+        <translation>Gestionnaires de fichiers : remplacer</translation>
     </message>
     <message>
         <source>Visitors may change everything</source>
