@@ -5,15 +5,16 @@
 # by an authority of this machine, FOLDER/authority.key and authority.crt, made the first time: who trusts
 # that once trusts what it signs later. It can sign for private addresses and this machine's names alone.
 # The certificate names this machine and its private addresses, or the ones given. One that the
-# authority has signed is renewed, for the same key, when it ends soon or lacks one of them; nothing else
-# that is there already is ever overwritten.
+# authority has signed is renewed, for the same key, when it ends soon (within QUILLON_RENEWAL_DAYS days, 30
+# without) or lacks one of them; nothing else that is there already is ever overwritten. An authority.crt that
+# is missing comes back from a certificate that holds it.
 # The package installs it as it is, and the programs start it: it needs nothing beside it.
 set -euo pipefail
 
 # Phones refuse certificates of their users' own authorities that are valid for longer.
 days=825
 authority_days=3650
-renewal_seconds=$((30 * 24 * 3600)) # before the end
+renewal_seconds=$((${QUILLON_RENEWAL_DAYS:-30} * 24 * 3600)) # before the end
 
 die() {
     echo "make-keys.sh: $*" >&2
@@ -114,6 +115,19 @@ make_certificate() {
     mv "$new/crt" "$certificate"
 }
 
+# With a new one for the same key, devices that trust the old one would have to trust again.
+restore_authority() {
+    local held
+    [[ -r $authority.key && ! -e $authority.crt ]] || return 0
+    held=$(sed '1,/^-----END CERTIFICATE-----$/d' "$certificate")
+    [[ $(openssl x509 -noout -pubkey <<<"$held" 2>/dev/null) == \
+        $(openssl pkey -in "$authority.key" -passin pass: -pubout) ]] || return 0
+    echo "==> Taking $authority.crt from $certificate"
+    echo "$held" >"$authority.crt.$$"
+    chmod 644 "$authority.crt.$$"
+    mv "$authority.crt.$$" "$authority.crt"
+}
+
 is_authority() {
     openssl x509 -in "$1" -noout -ext basicConstraints 2>/dev/null | grep -q CA:TRUE
 }
@@ -143,6 +157,7 @@ host=$(uname -n)
 command -v openssl >/dev/null || die "openssl is missing"
 if [[ -e $certificate ]]; then
     [[ -e $key ]] || die "$certificate has no key beside it ($key); move it away to get a new pair"
+    restore_authority
     is_ours && ! is_current || exit 0
 fi
 

@@ -7,10 +7,20 @@
 #include "desktop/window/ServerRows.h"
 #include "server/KeyTool.h"
 
+#include <QDateTime>
+#include <QLocale>
+#include <QSslCertificate>
+
 #include <chrono>
 #include <utility>
 
 using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int warnedDays = 14; ///< before the end
+
+} // namespace
 
 CertificateRenewal::CertificateRenewal(ServerRows *choice, NotingSink *sink)
     : rows(choice)
@@ -33,12 +43,15 @@ void CertificateRenewal::look()
 {
     QSet<QString> certificates;
     for (const ServerRow *row : rows->all()) {
-        const Profile &profile = *row->profile();
-        if (profile.usesTls() && KeyTool::canRenew(profile.publicKeyFile))
-            certificates.insert(profile.publicKeyFile);
+        if (row->profile()->usesTls())
+            certificates.insert(row->profile()->publicKeyFile);
     }
-    for (const QString &certificate : std::as_const(certificates))
-        renew(certificate);
+    for (const QString &certificate : std::as_const(certificates)) {
+        if (KeyTool::canRenew(certificate))
+            renew(certificate);
+        else
+            warnOfEnd(certificate);
+    }
 }
 
 void CertificateRenewal::renew(const QString &certificate)
@@ -55,6 +68,7 @@ void CertificateRenewal::finish(const QString &certificate, const QString &probl
 {
     if (problem.isEmpty()) {
         failing.remove(certificate);
+        warnOfEnd(certificate); // somebody else may have signed it
         return reload(certificate);
     }
     qCWarning(desktopLog) << "not renewed:" << certificate << problem;
@@ -65,6 +79,22 @@ void CertificateRenewal::finish(const QString &certificate, const QString &probl
     Q_EMIT failed(
         ServerRows::tr("The certificate was not renewed for this computer's addresses: %1")
             .arg(certificate));
+}
+
+void CertificateRenewal::warnOfEnd(const QString &certificate)
+{
+    const QDateTime end = QSslCertificate::fromPath(certificate).value(0).expiryDate();
+    if (!end.isValid() || QDateTime::currentDateTimeUtc().daysTo(end) > warnedDays) {
+        ending.remove(certificate);
+        return;
+    }
+    if (ending.contains(certificate))
+        return;
+    ending.insert(certificate);
+    Q_EMIT failed(
+        ServerRows::tr("The certificate is valid until %1 only: %2. \"Make new key...\" in "
+                       "the settings makes one that is renewed by itself.")
+            .arg(QLocale().toString(end.toLocalTime().date(), QLocale::ShortFormat), certificate));
 }
 
 void CertificateRenewal::reload(const QString &certificate) const

@@ -560,7 +560,9 @@ private Q_SLOTS:
         const QString moved =
             "cd \"$0\" && openssl req -new -key \"$1\" -subj /CN=old | openssl x509 -req -CA "
             "authority.crt -CAkey authority.key -set_serial 7 > old && cat old authority.crt > "
-            "\"$2\""_q;
+            "\"$2\" && rm authority.crt && openssl req -x509 -new -key \"$1\" -subj /CN=own -days "
+            "3 "
+            "-out own.crt && cp \"$1\" own.key"_q;
         QCOMPARE(QProcess::execute("sh"_q,
                                    QStringList{ "-c"_q, moved, device.path(".quillon") } + files),
                  0);
@@ -577,6 +579,15 @@ private Q_SLOTS:
         };
         QCOMPARE(namesShown(), 0);
         QTRY_VERIFY_WITH_TIMEOUT(namesShown() > 0, 20000);
+        QVERIFY(QFile::exists(device.path(".quillon/authority.crt"))); // taken from the other
+
+        // Nobody here can renew that.
+        QSignalSpy told(device.keeper, &RowKeeper::told);
+        device.edit(
+            [&](Profile &edited) { edited.publicKeyFile = device.path(".quillon/own.crt"); });
+        device.row()->stop();
+        device.row()->start();
+        QTRY_VERIFY(told.value(0).value(0).toString().contains("own.crt"_q));
         device.edit([&files](Profile &edited) { edited.publicKeyFile = files[0]; });
         QVERIFY(!device.row()->isListening()); // it would go on without encryption
     }

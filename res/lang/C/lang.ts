@@ -1152,6 +1152,10 @@
         <source>Connect to a network first.</source>
         <translation>Connect to a network first.</translation>
     </message>
+    <message>
+        <source>The certificate is valid until %1 only: %2. &quot;Make new key...&quot; in the settings makes one that is renewed by itself.</source>
+        <translation>The certificate is valid until %1 only: %2. &quot;Make new key...&quot; in the settings makes one that is renewed by itself.</translation>
+    </message>
 </context>
 <context>
     <name>Connection</name>

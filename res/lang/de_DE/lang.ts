@@ -1152,6 +1152,10 @@
         <source>Connect to a network first.</source>
         <translation>Verbinden Sie sich zuerst mit einem Netz.</translation>
     </message>
+    <message>
+        <source>The certificate is valid until %1 only: %2. &quot;Make new key...&quot; in the settings makes one that is renewed by itself.</source>
+        <translation>Das Zertifikat gilt nur noch bis %1: %2. „Neuen Schlüssel erzeugen...“ in den Einstellungen macht eines, das sich von selbst erneuert.</translation>
+    </message>
 </context>
 <context>
     <name>Connection</name>

@@ -1152,6 +1152,10 @@
         <source>Connect to a network first.</source>
         <translation>Conéctese primero a una red.</translation>
     </message>
+    <message>
+        <source>The certificate is valid until %1 only: %2. &quot;Make new key...&quot; in the settings makes one that is renewed by itself.</source>
+        <translation>El certificado solo es válido hasta el %1: %2. «Crear una clave nueva...» en los ajustes crea uno que se renueva solo.</translation>
+    </message>
 </context>
 <context>
     <name>Connection</name>

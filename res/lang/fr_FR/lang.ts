@@ -1152,6 +1152,10 @@
         <source>Connect to a network first.</source>
         <translation>Connectez-vous d’abord à un réseau.</translation>
     </message>
+    <message>
+        <source>The certificate is valid until %1 only: %2. &quot;Make new key...&quot; in the settings makes one that is renewed by itself.</source>
+        <translation>Le certificat n&apos;est valable que jusqu&apos;au %1 : %2. « Créer une nouvelle clé... » dans les paramètres en crée un qui se renouvelle seul.</translation>
+    </message>
 </context>
 <context>
     <name>Connection</name>
