@@ -137,12 +137,13 @@ void AddressList::showReach(const QString &text)
 
 void AddressList::showNetwork()
 {
+    const QString lost = tr("<center><b>Network not found</b></center>");
     if (!keeper->hasNetwork())
-        showReach(tr("<center><b>Network not found</b></center>"));
+        showReach(lost);
     else if (!rows->isRunning())
         showReach(Reachability::localText());
     else
-        showStatus();
+        showReach(reach == lost ? QString() : reach); // it is back
 }
 
 bool AddressList::askForStop(const QString &question)

@@ -16,6 +16,7 @@ namespace {
 constexpr auto refreshInterval = 2000ms;
 constexpr auto gatherDeeds = 1000ms;
 constexpr auto noteTime = 10s;
+constexpr int maxShownNotes = 3; ///< at once
 constexpr auto gatherTime = 100ms; ///< ten reports a second, however many clients come
 
 } // namespace
@@ -120,10 +121,19 @@ void EventHandler::boxClosed()
 
 void EventHandler::note(const QString &text)
 {
-    statusmsg(text.toHtmlEscaped());
+    // Queued: one more may follow at once, and both are to be seen.
+    if (notes.isEmpty())
+        QMetaObject::invokeMethod(this, &EventHandler::showNotes, Qt::QueuedConnection);
+    if (notes.size() < maxShownNotes)
+        notes.append(text.toHtmlEscaped());
+    Q_EMIT noted(text);
+}
+
+void EventHandler::showNotes()
+{
+    statusmsg(std::exchange(notes, {}).join(QLatin1String("<br>")));
     if (timer.isActive())
         timer.start(noteTime);
-    Q_EMIT noted(text);
 }
 
 void EventHandler::statusmsg(const QString &text)

@@ -75,12 +75,14 @@ private:
     void showNext();
     void boxClosed();
     void passDeeds();
+    void showNotes();
 
     QPointer<QWidget> window;
     TrafficSource *traffic = nullptr;
     QString lastAddress; ///< peer of the newest client
     QTimer timer;
     QStringList boxes; ///< texts; the first one is being shown
+    QStringList notes; ///< to be shown together, escaped
     std::vector<Deed> deeds; ///< to be told together
     bool missedDeeds = false; ///< there were more
 };

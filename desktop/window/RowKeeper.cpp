@@ -243,6 +243,9 @@ void RowKeeper::startUnasked(ServerRow *row)
     const ServerRow::Refusal refusal = row->tryStart();
     if (!refusal.title.isEmpty())
         Q_EMIT told(refusal.title + QLatin1String(": ") + refusal.text);
+    else
+        Q_EMIT told(
+            ServerRows::tr("The network address is there, the server runs: %1").arg(row->url()));
 }
 
 void RowKeeper::restoreAddedPorts(const ServerRow *first, const QList<SavedRow> &kept)

@@ -134,6 +134,8 @@ private Q_SLOTS:
         QVERIFY(!desktop.list()->switchLink()->isVisible());
         desktop.move({});
         QCOMPARE(label->text(), "<center><b>Network not found</b></center>"_q);
+        desktop.move({ "127.0.0.1"_q });
+        QVERIFY(desktop.row()->isListening() && !label->text().contains("not found"_q));
     }
 
     void madeKeysServeAllRowsAndAreShown()

@@ -1156,6 +1156,10 @@
         <source>The certificate is valid until %1 only: %2. &quot;Make new key...&quot; in the settings makes one that is renewed by itself.</source>
         <translation>The certificate is valid until %1 only: %2. &quot;Make new key...&quot; in the settings makes one that is renewed by itself.</translation>
     </message>
+    <message>
+        <source>The network address is there, the server runs: %1</source>
+        <translation>The network address is there, the server runs: %1</translation>
+    </message>
 </context>
 <context>
     <name>Connection</name>

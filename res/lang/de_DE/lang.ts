@@ -1156,6 +1156,10 @@
         <source>The certificate is valid until %1 only: %2. &quot;Make new key...&quot; in the settings makes one that is renewed by itself.</source>
         <translation>Das Zertifikat gilt nur noch bis %1: %2. „Neuen Schlüssel erzeugen...“ in den Einstellungen macht eines, das sich von selbst erneuert.</translation>
     </message>
+    <message>
+        <source>The network address is there, the server runs: %1</source>
+        <translation>Die Netzadresse ist da, der Server läuft: %1</translation>
+    </message>
 </context>
 <context>
     <name>Connection</name>

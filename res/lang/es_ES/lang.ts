@@ -1156,6 +1156,10 @@
         <source>The certificate is valid until %1 only: %2. &quot;Make new key...&quot; in the settings makes one that is renewed by itself.</source>
         <translation>El certificado solo es válido hasta el %1: %2. «Crear una clave nueva...» en los ajustes crea uno que se renueva solo.</translation>
     </message>
+    <message>
+        <source>The network address is there, the server runs: %1</source>
+        <translation>La dirección de red está disponible, el servidor funciona: %1</translation>
+    </message>
 </context>
 <context>
     <name>Connection</name>

@@ -1156,6 +1156,10 @@
         <source>The certificate is valid until %1 only: %2. &quot;Make new key...&quot; in the settings makes one that is renewed by itself.</source>
         <translation>Le certificat n&apos;est valable que jusqu&apos;au %1 : %2. « Créer une nouvelle clé... » dans les paramètres en crée un qui se renouvelle seul.</translation>
     </message>
+    <message>
+        <source>The network address is there, the server runs: %1</source>
+        <translation>L’adresse réseau est là, le serveur fonctionne : %1</translation>
+    </message>
 </context>
 <context>
     <name>Connection</name>
