@@ -15,6 +15,7 @@
 #include <QStyledItemDelegate>
 #include <QTabBar>
 #include <QTabWidget>
+#include <QToolTip>
 #include <QTreeView>
 #include <QVBoxLayout>
 
@@ -114,6 +115,10 @@ QTreeView *ActivityDialog::addTable(const QString &label, QAbstractItemModel *mo
     view->header()->setStretchLastSection(true);
     scrollByFinger(view);
     tabs->addTab(view, label);
+    // What is shortened is whole there; a finger does not hover.
+    connect(view, &QTreeView::clicked, view, [view](const QModelIndex &index) {
+        QToolTip::showText(QCursor::pos(), index.data(Qt::ToolTipRole).toString(), view);
+    });
     connect(view->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &ActivityDialog::updateButtons);
     return view;
