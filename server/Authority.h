@@ -28,6 +28,15 @@ struct AuthorityReply
     QByteArray body;
 };
 
+/// Lines for the head of such a reply: its page needs nothing from elsewhere and is nobody's part.
+constexpr auto authorityProtection =
+    "X-Content-Type-Options: nosniff\r\n"
+    "Content-Security-Policy: default-src 'none'; base-uri 'none'; frame-ancestors 'none'; "
+    "form-action 'none'\r\n"
+    "Referrer-Policy: no-referrer\r\n"
+    "Cross-Origin-Opener-Policy: same-origin\r\n"
+    "Cross-Origin-Resource-Policy: same-origin\r\n";
+
 /// What is found at `path` on a server with `profile`, encrypted or not. None when that is another
 /// path, or there is no such authority. The page is in the language of the program's that a visitor
 /// wants most by `acceptLanguage`, a field of the request (RFC 9110, 12.5.4), else in English.

@@ -39,9 +39,10 @@ bool isTarget(const QByteArray &text)
         && std::all_of(text.begin(), text.end(), [](char c) { return c > ' ' && c < '\x7f'; });
 }
 
-QByteArray reply(const QByteArray &head, const QByteArray &body)
+/// `lines` are further ones of its head.
+QByteArray reply(const QByteArray &status, const QByteArray &lines, const QByteArray &body)
 {
-    return "HTTP/1.1 " + head + "\r\n" + usualLines() + "Content-Length: "
+    return "HTTP/1.1 " + status + "\r\n" + usualLines() + lines + "Content-Length: "
         + QByteArray::number(body.size()) + "\r\nConnection: close\r\n\r\n" + body;
 }
 
@@ -68,16 +69,17 @@ QByteArray answerToPlain(const QByteArray &head, const Reached &reached, const P
         return {};
     const QByteArray host = fieldOf(lines.mid(1), "host");
     if (isMisdirected(host, reached, profile))
-        return reply("421 Misdirected Request", {});
+        return reply("421 Misdirected Request", {}, {});
     if (found) {
         const QByteArray whole =
-            reply("200 OK\r\nContent-Type: " + found->contentType + "\r\nContent-Disposition: "
-                      + found->disposition + "\r\nX-Content-Type-Options: nosniff",
+            reply("200 OK",
+                  "Content-Type: " + found->contentType + "\r\nContent-Disposition: "
+                      + found->disposition + "\r\n" + authorityProtection,
                   found->body);
         return first[0] == "GET" ? whole : whole.chopped(found->body.size());
     }
     if (!isAuthority(host))
         return {};
     // Not for good: encryption may be switched off again.
-    return reply("307 Temporary Redirect\r\nLocation: https://" + host + first[1], {});
+    return reply("307 Temporary Redirect", "Location: https://" + host + first[1] + "\r\n", {});
 }

@@ -10,15 +10,6 @@ namespace {
 constexpr auto loginPage = "login.html";
 constexpr auto challenge = "WWW-Authenticate: Basic realm=\"Private Area\"\r\n";
 
-/// The page needs nothing and is nobody's part.
-constexpr auto pageProtection =
-    "X-Content-Type-Options: nosniff\r\n"
-    "Content-Security-Policy: default-src 'none'; base-uri 'none'; frame-ancestors 'none'; "
-    "form-action 'none'\r\n"
-    "Referrer-Policy: no-referrer\r\n"
-    "Cross-Origin-Opener-Policy: same-origin\r\n"
-    "Cross-Origin-Resource-Policy: same-origin\r\n";
-
 QByteArray pathOf(const Request &request)
 {
     return request.path.mid(1).toUtf8();
@@ -54,7 +45,7 @@ void AuthorityFile::reply()
         return sendHeader(Status::notFound, 0);
     setContentType(found->contentType);
     sendBody(Status::ok, found->body,
-             "Content-Disposition: " + found->disposition + "\r\n" + pageProtection);
+             "Content-Disposition: " + found->disposition + "\r\n" + authorityProtection);
 }
 
 LoginPage::LoginPage(Exchange &current)

@@ -152,6 +152,8 @@ void TestAuthority::isThereUnencrypted()
         return RawClient(live.port()).exchange(rawRequest("GET", path));
     };
     QCOMPARE(get("/.quillon/ca").body, bytes("authority.crt"));
+    const QByteArray policy = get("/.quillon/authority").header("Content-Security-Policy");
+    QVERIFY(policy.contains("frame-ancestors 'none'"));
     for (const auto &[wanted, heading] : { std::pair("fr;q=0.5, pl, de-AT;q=0.7", "<h1>Diesem"),
                                            { "ES", "<h1>Confiar" },
                                            { "de;q=0, pl", "<h1>Trust" },
