@@ -17,6 +17,9 @@ APACHE_THREADS = 64
 # In the order of the table. Those of CLASSIC make pages and listings of their own.
 NAMES = ("quillon", "standard", "before", "nginx", "lighttpd", "apache")
 CLASSIC = ("quillon", "before")
+OURS = (*CLASSIC, "standard")
+# The profile that answers before an upload is on the disk, as the others do.
+CACHED = "cached"
 
 # Debian keeps servers where ordinary users' PATH does not look.
 PATH = os.environ["PATH"] + os.pathsep + "/usr/sbin"
@@ -107,9 +110,12 @@ class Launcher:
         subprocess.run([ROOT / "scripts/make-keys.sh", self.folder], **quiet)
         self.key, self.certificate = self.folder / "server.key", self.folder / "server.crt"
         for name in self.builds:
-            (self.home(name) / ".quillon").mkdir(parents=True)
-            subprocess.run([ROOT / "build/bin/make-profile", "tls", "tls", self.key,
-                            self.certificate], env={**os.environ, "HOME": self.home(name)}, **quiet)
+            profiles = self.home(name) / ".quillon"
+            profiles.mkdir(parents=True)
+            for profile in (["tls", "tls", self.key, self.certificate], [CACHED]):
+                subprocess.run([ROOT / "build/bin/make-profile", *profile],
+                               env={**os.environ, "HOME": self.home(name)}, **quiet)
+            (profiles / f"{CACHED}.conf.ini").write_text("sync = none\n")
         self.pem = self.folder / "server.pem"
         self.pem.write_text(self.certificate.read_text() + self.key.read_text())
 
@@ -136,14 +142,15 @@ class Launcher:
             return str(self.builds[name] / "bin/quillon-serve")
         return {"apache": "apache2", "before": ""}.get(name, name)
 
-    def start(self, name, share, tls=False, connections=2000, **environment):
-        """A server of `share` that just starts; it is made for `connections` at once."""
+    def start(self, name, share, tls=False, connections=2000, profile=None, **environment):
+        """A server of `share` that just starts; it is made for `connections` at once. `profile` is
+        of ours alone."""
         port = free_port()
         if name in self.builds:
             environment = {"HOME": str(self.home(name)), **environment,
                            "QUILLON_RESDIR": str(self.builds[name] / "res")}
             command = [self.program(name), "--address", "127.0.0.1", "--port", str(port),
-                       *(["--profile", "tls"] if tls else []),
+                       *(["--profile", profile] if profile else ["--profile", "tls"] if tls else []),
                        *(["--mode", "standard"] if name == "standard" else []), str(share)]
         else:
             config = self.folder / f"{name}.conf"
