@@ -1,5 +1,6 @@
 """The clients: curl and wrk where speed counts, sockets of our own for those that just hang on."""
 
+import os
 import re
 import socket
 import subprocess
@@ -48,6 +49,7 @@ def download_together(url, size, clients):
 def upload(url, arrives_at, size, *options):
     """Seconds; counts only when the whole file arrived at `arrives_at`, which goes again."""
     arrives_at.unlink(missing_ok=True)
+    os.sync()  # what was written before this one is not its business
     seconds, _, _ = curl(url, "-H", "Expect:", *options)
     arrived = arrives_at.stat().st_size if arrives_at.exists() else 0
     arrives_at.unlink(missing_ok=True)

@@ -115,7 +115,7 @@ class Launcher:
             for profile in (["tls", "tls", self.key, self.certificate], [CACHED]):
                 subprocess.run([ROOT / "build/bin/make-profile", *profile],
                                env={**os.environ, "HOME": self.home(name)}, **quiet)
-            (profiles / f"{CACHED}.conf.ini").write_text("sync = none\n")
+            (profiles / f"{CACHED}.cnf.ini").write_text("sync = none\n")
         self.pem = self.folder / "server.pem"
         self.pem.write_text(self.certificate.read_text() + self.key.read_text())
 
