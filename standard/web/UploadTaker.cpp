@@ -37,8 +37,11 @@ std::vector<QByteArray> UploadTaker::missingAround(const QByteArray &path) const
 {
     std::vector<QByteArray> missing;
     QByteArray folder = parentPath(path);
-    const QByteArray standing =
-        longestPart(folder, [this](const QByteArray &part) { return factsAt(part).exists; });
+    // What lies above the visitor's home stands, though nothing of it can be named.
+    const auto home = exchange.access().home.size();
+    const QByteArray standing = longestPart(folder, [this, home](const QByteArray &part) {
+        return part.size() <= home || factsAt(part).exists;
+    });
     for (; folder.size() > standing.size(); folder = parentPath(folder))
         missing.push_back(folder);
     return missing;

@@ -243,6 +243,15 @@ void TestRights::homesAreRoots()
     const QByteArray tag = replyTo(server, "HEAD", "/x", mine).header("ETag");
     QCOMPARE(server.status("PUT", "/y", mine + "If: </x> ([" + tag + "])\r\n", "new"), 204);
 
+    // One above the home keeps nobody from making folders in it.
+    QCOMPARE(server.status("LOCK", "/e", others + "Depth: 0\r\n", lockBody), 200);
+    QVERIFY(QDir().mkpath(server.sharePath(QStringLiteral("e/f/g"))));
+    server.profile->accountRights.insert(QStringLiteral("d"), { {}, "/e/f/g" });
+    const QByteArray deep =
+        QByteArray(uploadHeaders)
+            .replace("filename Yw==", "relativePath " + QByteArray("1/2/3/c").toBase64());
+    QCOMPARE(server.status("POST", "/.quillon/tus", mine + deep), 201);
+
     server.profile->accountRights.insert(QStringLiteral("d"), { {}, "/missing" });
     QCOMPARE(server.status("GET", "/", mine), 404);
     QCOMPARE(server.status("PUT", "/x", mine, "new"), 409);
