@@ -23,7 +23,7 @@ LoginGate::Turn LoginGate::enter(const Guesses::Login &attempt)
     const Guesses::Clock::time_point now = Guesses::Clock::now();
     if (!login)
         login = attempt;
-    if (proven == login->account)
+    if (isProven())
         return Turn::Now;
     turn = table.turnOf(*login, now);
     if (turn <= now) {
@@ -46,6 +46,11 @@ LoginGate::Turn LoginGate::enter(const Guesses::Login &attempt)
     return Turn::Later;
 }
 
+bool LoginGate::isProven() const
+{
+    return proven && proven->visitor == login->visitor && proven->account == login->account;
+}
+
 void LoginGate::forget()
 {
     if (std::exchange(isLookedAt, false))
@@ -59,8 +64,8 @@ void LoginGate::tell(bool right)
     if (!right) {
         proven.reset();
         table.noteWrong(*login, now);
-    } else if (proven != login->account) {
-        proven = login->account;
+    } else if (!isProven()) {
+        proven = login;
         table.noteRight(*login, now);
     }
     forget();

@@ -24,8 +24,9 @@ public:
     LoginGate(Guesses &guesses, std::chrono::seconds longestWait, std::function<void()> tryAgain);
     ~LoginGate();
 
-    /// Whether the password of `attempt` may be looked at; when asked again, of the first one. The
-    /// account whose password this connection has brought does not wait.
+    /// Whether the password of `attempt` may be looked at; when asked again, of the first one. A
+    /// visitor who has brought the account's password on this connection does not wait; others that
+    /// a proxy sends over it do.
     Turn enter(const Guesses::Login &attempt);
 
     /// What came of the login that was let in.
@@ -38,6 +39,7 @@ public:
     void leave();
 
 private:
+    bool isProven() const;
     void forget();
 
     Guesses &table;
@@ -46,6 +48,6 @@ private:
     std::optional<Guesses::Login> login; ///< that waits or is being looked at
     bool isLookedAt = false; ///< and counts as wrong for now
     Guesses::Clock::time_point turn; ///< its own
-    std::optional<QByteArray> proven; ///< the account
+    std::optional<Guesses::Login> proven; ///< whose password was right
     std::unique_ptr<QTimer> timer;
 };

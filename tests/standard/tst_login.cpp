@@ -281,6 +281,17 @@ void TestLogin::guessesWait()
     QCOMPARE(status({}), 200);
     server.profile->trustedProxies = QStringList{ QStringLiteral("127.0.0.1") };
     QCOMPARE(status({}), 429);
+
+    // Nor is anybody known by sharing a proxy's connection with who is.
+    server.engine.setup()->guesses->noteRight(
+        { QHostAddress(QStringLiteral("192.0.2.7")), "b", now }, now);
+    RawClient shared(server.port());
+    const auto statusOf = [&](const QByteArray &visitor) {
+        const QByteArray sender = "X-Forwarded-For: " + visitor + "\r\n";
+        return shared.exchange(rawRequest("GET", "/a", sender + basicLogin("b:2"))).status();
+    };
+    QCOMPARE(statusOf("192.0.2.7"), QByteArray("200 OK"));
+    QCOMPARE(statusOf("192.0.2.8"), QByteArray("429 Too Many Requests"));
 }
 
 void TestLogin::answersToItsNamesAlone_data()
