@@ -26,6 +26,12 @@ bool lock(int file)
     return ::flock(file, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
+bool isChangedLater(const EntryFacts &now, const EntryFacts &before)
+{
+    return std::pair(now.changeSeconds, now.changeNanoseconds)
+        > std::pair(before.changeSeconds, before.changeNanoseconds);
+}
+
 } // namespace
 
 DiskError UploadFile::create(Place place)
@@ -165,6 +171,18 @@ void UploadFile::takeName()
     stage = Stage::Named;
     if (modified)
         setTimes(received.descriptor(), {}, timespec{ time_t(*modified), 0 });
+    facts = openFacts(received.descriptor());
+    if (old.exists && !isChangedLater(facts, old))
+        tellApart();
+}
+
+/// What has replaced a file within one tick of the system's clock. The inode number of one before
+/// that may have come back: all that caches compare would be the same.
+void UploadFile::tellApart()
+{
+    timespec now = {};
+    ::clock_gettime(CLOCK_REALTIME, &now);
+    setTimes(received.descriptor(), {}, timespec{ time_t(facts.seconds), now.tv_nsec });
     facts = openFacts(received.descriptor());
 }
 

@@ -103,6 +103,7 @@ private:
     bool waits() const;
     void makeReady();
     void takeName();
+    void tellApart();
     void endWith(int error);
     int inherit() const;
     int placeFile();
