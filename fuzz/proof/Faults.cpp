@@ -65,6 +65,11 @@ bool fails(Kind kind, int error)
 
 MAY_FAIL(write, Write, ENOSPC, ssize_t, (int fd, const void *data, std::size_t size), fd, data,
          size)
+MAY_FAIL(pwrite, Write, ENOSPC, ssize_t, (int fd, const void *data, std::size_t size, off_t at), fd,
+         data, size, at)
+MAY_FAIL(copy_file_range, Write, ENOSPC, ssize_t,
+         (int from, off64_t *fromAt, int to, off64_t *toAt, std::size_t size, unsigned flags), from,
+         fromAt, to, toAt, size, flags)
 /// Into a file; into a pipe it is a way to read.
 extern "C" ssize_t splice(int from, off64_t *fromAt, int to, off64_t *toAt, std::size_t size,
                           unsigned flags)

@@ -37,6 +37,7 @@ KNOWN = {"User-Agent": "gvfs/1"}  # the standard face's
 NEW = b"new" * 30_000
 FORM = b'--B\r\nContent-Disposition: form-data; name="f"; filename="form"\r\n\r\n' + NEW + \
        b"\r\n--B--\r\n"
+PROPERTIES = " has properties"  # behind the name of a file
 PATCH = b'<propertyupdate xmlns="DAV:"><set><prop><c xmlns="x">red</c></prop></set></propertyupdate>'
 
 BEFORE = {name: name.encode() * 9_000
@@ -54,7 +55,7 @@ OPERATIONS = [
     ("MOVE", "/moved", {**KNOWN, "Destination": "/onto"}, None,
      {"moved": None, "onto": BEFORE["moved"]}),
     ("DELETE", "/gone", KNOWN, None, {"gone/a": None, "gone/b": None}),
-    ("PROPPATCH", "/patched", KNOWN, PATCH, {}),
+    ("PROPPATCH", "/patched", KNOWN, PATCH, {"patched" + PROPERTIES: b""}),
     ("resumed", "/.quillon/tus/", {**KNOWN, "Tus-Resumable": "1.0.0"}, NEW, {"resumed": NEW}),
 ]
 
@@ -119,8 +120,18 @@ class Proof(unittest.TestCase):
         if method == "resumed":
             return self.upload(target, headers, body)
         status, _, told = self.request(method, target, headers, body)
+        if method == "PROPPATCH":
+            return 200 if b" 200 " in told and self.has_attributes() else 0
         # What a form has stored is seen in the page that answers it.
         return status if method != "POST" or b"/form\"" in told else 0
+
+    def has_attributes(self):
+        """Whether this file system has; else properties stay in the server's memory."""
+        try:
+            os.setxattr(self.share, "user.tried", b"")
+            return True
+        except OSError:
+            return False
 
     def upload(self, target, headers, body):
         """In two pieces, each as often as it takes, from where the server says it is."""
@@ -162,8 +173,12 @@ class Proof(unittest.TestCase):
         self.assertTrue(condition(), f"something is left over: {self.hidden()}")
 
     def files(self):
-        return {str(path.relative_to(self.share)): path.read_bytes()
-                for path in self.share.rglob("*") if path.is_file()}
+        """And those of them that have properties."""
+        paths = {str(path.relative_to(self.share)): path
+                 for path in self.share.rglob("*") if path.is_file()}
+        return {**{name: path.read_bytes() for name, path in paths.items()},
+                **{name + PROPERTIES: b"" for name, path in paths.items()
+                   if "user.quillon.dav" in os.listxattr(path)}}
 
     def check(self, statuses, kept=None):
         """What was is there, or what was asked for in its place; that alone if success was told.
