@@ -18,20 +18,20 @@ constexpr std::array knownAgents{
     "davfs2", // stores with conditions on tags
     // Expect statuses and properties of RFC 4918 to the letter.
     "cadaver",
-    "neon",
+    "neon", // the library below the one above
     "litmus",
     // Replace files, and compare times and sizes to find what changed.
-    "rclone",
+    "rclone", // wants its times kept, and ranges exactly as asked for
     "Duplicati",
-    "Cyberduck",
-    "Mountain Duck",
+    "Cyberduck", // goes on with an upload by a part of the file, sets times as properties
+    "Mountain Duck", // its mount
     "WinSCP",
-    "Joplin",
+    "Joplin", // wants links that are paths, and a note replaced
     "Zotero", // behind a browser's names, too
     "obsidian", // the same: its sync runs inside of it
-    "floccus",
-    "KeePass",
-    "Keepass2Android",
+    "floccus", // stores beside the file, asks for the size of that, and moves it
+    "KeePass", // stores beside the file, and moves that onto it
+    "Keepass2Android", // the same, and asks for one file, not its folder
     "KOReader", // shows no file whose type isn't there and empty
     // Need hrefs that are paths, and ranges; some send bodies without a length.
     "DAVx5",
