@@ -285,7 +285,7 @@ class Memory(Faults):
     """Calls for memory fail during each operation, alone or several in a row: what is kept for
     that takes their place, so that nobody notices."""
 
-    RUNS = (1, 3, 16)  # calls in a row
+    RUNS = (1, 3, 8)  # calls in a row; for a large request the reserve has as many pieces
 
     def calls_of(self, work):
         self.plan_failure(MEMORY, MANY)
