@@ -160,10 +160,10 @@ private Q_SLOTS:
 
     void desktopChoices()
     {
-        const TestHome home;
+        const Rows device;
         QVERIFY(!DesktopChoices::stored().startsAtLogin && DesktopChoices::stored().notifies);
         QVERIFY((DesktopChoices{ true, true, false }).store());
-        QFile entry(home.path() + "/.config/autostart/example.quillon.Quillon.desktop"_q);
+        QFile entry(device.path(".config/autostart/example.quillon.Quillon.desktop"));
         QVERIFY(entry.open(QFile::ReadOnly));
         QVERIFY(entry.readAll().contains(
             "Exec=\"" + QCoreApplication::applicationFilePath().toUtf8() + "\" --start\n"));
