@@ -3,7 +3,10 @@
 #include "net/OpenSsl.h"
 #include "net/TlsSocket.h"
 
+#include <QRandomGenerator>
+
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -14,6 +17,10 @@ constexpr char ciphers13[] =
     "TLS_AES_128_GCM_SHA256:TLS_AES_256_GCM_SHA384:TLS_CHACHA20_POLY1305_SHA256";
 /// As many records as one call to the system may bring.
 constexpr std::size_t readAhead = std::size_t(64) * 1024;
+// Of name, encryption and authentication.
+constexpr std::size_t ticketKeysSize = 80;
+// Keys that leak open what was recorded of TLS 1.2 in this time, and no more.
+constexpr std::chrono::hours ticketKeysAge(1);
 
 long control(BIO * /*bio*/, int command, long /*value*/, void * /*data*/)
 {
@@ -30,8 +37,8 @@ TlsContext::TlsContext(const OpenSsl &library)
 {
 }
 
-std::shared_ptr<const TlsContext> TlsContext::make(const QList<QByteArray> &chain,
-                                                   const QByteArray &key, QString *problem)
+std::shared_ptr<TlsContext> TlsContext::make(const QList<QByteArray> &chain, const QByteArray &key,
+                                             QString *problem)
 {
     const OpenSsl *library = OpenSsl::library();
     if (!library) {
@@ -61,15 +68,14 @@ bool TlsContext::setUp(const QList<QByteArray> &chain, const QByteArray &key)
     tls.SSL_CTX_set_default_read_buffer_len(ctx, readAhead);
     // Whether what came is whole is known by its own lengths, as without encryption.
     tls.SSL_CTX_set_options(ctx,
-                            SSL_OP_NO_TICKET | SSL_OP_NO_RENEGOTIATION
-                                | SSL_OP_CIPHER_SERVER_PREFERENCE | SSL_OP_PRIORITIZE_CHACHA
-                                | SSL_OP_IGNORE_UNEXPECTED_EOF);
+                            SSL_OP_NO_RENEGOTIATION | SSL_OP_CIPHER_SERVER_PREFERENCE
+                                | SSL_OP_PRIORITIZE_CHACHA | SSL_OP_IGNORE_UNEXPECTED_EOF);
     tls.SSL_CTX_ctrl(ctx, SSL_CTRL_SET_SESS_CACHE_MODE, SSL_SESS_CACHE_OFF, nullptr);
     const auto bytes = [](const QByteArray &der) {
         return reinterpret_cast<const unsigned char *>(der.constData());
     };
     const QByteArray own = chain.value(0);
-    return tls.SSL_CTX_set_num_tickets(ctx, 0) == 1
+    return renewTicketKeys() && tls.SSL_CTX_set_num_tickets(ctx, 1) == 1
         && tls.SSL_CTX_set_cipher_list(ctx, ciphers12) == 1
         && tls.SSL_CTX_set_ciphersuites(ctx, ciphers13) == 1
         && tls.SSL_CTX_use_certificate_ASN1(ctx, int(own.size()), bytes(own)) == 1
@@ -89,8 +95,20 @@ bool TlsContext::addAuthority(const QByteArray &certificate)
     return true;
 }
 
-TlsSession TlsContext::session(TlsSocket *transport) const
+bool TlsContext::renewTicketKeys()
 {
+    std::array<quint32, ticketKeysSize / sizeof(quint32)> keys{};
+    QRandomGenerator::system()->fillRange(keys.data(), int(keys.size()));
+    ticketKeysMade = std::chrono::steady_clock::now();
+    return tls.SSL_CTX_ctrl(context.get(), SSL_CTRL_SET_TLSEXT_TICKET_KEYS, ticketKeysSize,
+                            keys.data())
+        == 1;
+}
+
+TlsSession TlsContext::session(TlsSocket *transport)
+{
+    if (std::chrono::steady_clock::now() - ticketKeysMade > ticketKeysAge)
+        renewTicketKeys();
     TlsSession made(tls.SSL_new(context.get()), tls.SSL_free);
     BIO *bio = made ? tls.BIO_new(transportMethod.get()) : nullptr;
     if (!bio)

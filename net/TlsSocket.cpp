@@ -24,8 +24,8 @@ TlsSocket *socketOf(const OpenSsl &tls, BIO *bio)
 } // namespace
 
 TlsSocket::TlsSocket(FileDescriptor accepted, const QHostAddress &peerAddress,
-                     std::shared_ptr<const TlsContext> identity, PlainAnswer answer,
-                     Poller *watcher, TrafficAccount *counter)
+                     std::shared_ptr<TlsContext> identity, PlainAnswer answer, Poller *watcher,
+                     TrafficAccount *counter)
     : DescriptorSocket(std::move(accepted), peerAddress, watcher, counter)
     , context(std::move(identity))
     , plainAnswer(std::move(answer))

@@ -19,7 +19,7 @@ class TlsSocket final : public DescriptorSocket
 public:
     /// As its base; answers the handshake as a server by `identity`.
     TlsSocket(FileDescriptor accepted, const QHostAddress &peerAddress,
-              std::shared_ptr<const TlsContext> identity, PlainAnswer answer, Poller *watcher,
+              std::shared_ptr<TlsContext> identity, PlainAnswer answer, Poller *watcher,
               TrafficAccount *counter);
 
     /// Nothing can be encrypted before both ends agreed.
@@ -50,7 +50,7 @@ private:
     void encrypt(const char *data, qint64 size, bool more);
     void readFailed(int result);
 
-    std::shared_ptr<const TlsContext> context;
+    std::shared_ptr<TlsContext> context;
     PlainAnswer plainAnswer;
     TlsSession session;
     Stage stage = Stage::Greeting;

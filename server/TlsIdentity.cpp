@@ -69,9 +69,9 @@ std::optional<TlsIdentity> TlsIdentity::load(const Profile &profile, QString *pr
     for (const QSslCertificate &next : chain)
         encodedChain.append(next.toDer());
     QString reason;
-    const auto context = TlsContext::make(encodedChain, key.toDer(), &reason);
+    auto context = TlsContext::make(encodedChain, key.toDer(), &reason);
     if (context)
-        return TlsIdentity{ context };
+        return TlsIdentity{ std::move(context) };
     *problem =
         text(QT_TRANSLATE_NOOP("WebServer", "The TLS library refuses the keys: %1")).arg(reason);
     return {};

@@ -16,5 +16,5 @@ struct TlsIdentity
     /// translated.
     static std::optional<TlsIdentity> load(const Profile &profile, QString *problem);
 
-    std::shared_ptr<const TlsContext> context; ///< never null
+    std::shared_ptr<TlsContext> context; ///< never null
 };
